@@ -1,0 +1,118 @@
+// Change notification: publishers and the reactors subscribed to them.
+//
+// Every entity has a Publisher. A Reactor watches one entity at a time (its notifier) and is
+// subscribed to it while its notifications are active. When the entity changes, every subscribed
+// reactor is called at once, on the thread that made the change, in the order of subscription.
+//
+// What holds:
+// - A reactor is called at most once per change, and never after it has unsubscribed or died.
+// - Subscribing, unsubscribing, re-pointing and destroying any reactor from inside a handler is safe,
+//   also of the one that is running. A reactor that subscribes during a delivery is not called for
+//   the change being delivered.
+// - A reactor keeps its notifier alive while it watches it.
+// - Being out of service ("zombie") is a mark on the reactor. It does not unsubscribe; each
+//   handler decides what it still does.
+//
+// Failures: an exception that leaves a handler stops the process, with its text on standard error:
+// nobody can tell how much of the change has been acted on. Publishing itself cannot fail.
+//
+// Cost: one call per subscriber; nothing is allocated. Unsubscribing costs one pass over the
+// subscribers of that entity, of which there are few.
+//
+// Threads: changes are made by holders of the activity lock only (Activity.h).
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include <Kiv/Change.h>
+#include <Quelm/Ptr.h>
+
+namespace Kiv {
+
+class Reactor;
+
+// The subscribers of one entity, in the order of subscription.
+class Publisher {
+ public:
+   Publisher() = default;
+   Publisher( Publisher const & ) = delete;
+   Publisher & operator=( Publisher const & ) = delete;
+   ~Publisher();
+
+   bool hasSubscribers() const { return first_ != nullptr; }
+   std::size_t subscribers() const;
+
+   void publish( Change const & change ) noexcept;
+
+ private:
+   friend class Reactor;
+   class Delivery;
+
+   void subscribe( Reactor & reactor );
+   void unsubscribe( Reactor & reactor );
+
+   Reactor * first_ = nullptr;
+   Reactor * last_ = nullptr;
+   Delivery * delivering_ = nullptr;  // innermost delivery under way
+};
+
+// One subscriber. Derived classes say what they do in onAttribute().
+class Reactor {
+ public:
+   Reactor() = default;
+   Reactor( Reactor const & ) = delete;
+   Reactor & operator=( Reactor const & ) = delete;
+   virtual ~Reactor();
+
+   // Subscribes to, or unsubscribes from, the notifier; without effect when nothing changes.
+   virtual void hasNotificationActiveIs( bool active );
+   bool hasNotificationActive() const { return isActive_; }
+
+   // Marks the reactor as out of service.
+   void isZombieIs( bool zombie ) { isZombie_ = zombie; }
+   bool isZombie() const { return isZombie_; }
+
+ protected:
+   // Watches `notifier` (or nothing) from now on; stays active or inactive as it was.
+   void watchedIs( Quelm::Ptr< Entity const > notifier );
+   Quelm::Ptr< Entity const > const & watched() const { return watched_; }
+
+   virtual void onAttribute( Change const & change ) = 0;
+
+ private:
+   friend class Publisher;
+
+   void subscribe();
+   void unsubscribe();
+
+   Quelm::Ptr< Entity const > watched_;
+   Reactor * next_ = nullptr;
+   bool isActive_ = false;
+   bool isZombie_ = false;
+};
+
+// A reactor on a T that hands every change to a function of its owner.
+template< typename T > class Watch final : public Reactor {
+ public:
+   using Handler = std::function< void( Change const & ) >;
+
+   explicit Watch( Handler handler ) : handler_( std::move( handler ) ) {}
+   Watch( Quelm::Ptr< T const > const & notifier, Handler handler )
+         : handler_( std::move( handler ) ) {
+      notifierIs( notifier );
+   }
+
+   void notifierIs( Quelm::Ptr< T const > const & notifier ) { watchedIs( notifier ); }
+
+ private:
+   // Runs a copy: a handler may destroy the watch that holds it.
+   void onAttribute( Change const & change ) override {
+      Handler const handler = handler_;
+      handler( change );
+   }
+
+   Handler handler_;
+};
+
+}  // namespace Kiv

@@ -1,0 +1,139 @@
+#include <Oxa/OxaEvpnTepSegmentSm.h>
+
+#include <Kiv/Rows.h>
+
+KIV_DEFINE( Oxa::OxaEvpnTepSegmentSm )
+
+namespace Oxa {
+
+OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSm(
+   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+   Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
+   Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
+   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping )
+      : statusWatch_( evpnStatus, [ this ]( Kiv::Change const & change ) {
+           if ( change.attribute() == Evpn::EvpnStatus::segmentStatusAttr() ) {
+              handleSegment( change );
+           }
+        } ) {
+   evpnStatus_ = evpnStatus;
+   tepSegmentDir_ = tepSegmentDir;
+   bridgingHwCapabilities_ = bridgingHwCapabilities;
+   lagPhyIntfMapping_ = lagPhyIntfMapping;
+}
+
+OxaEvpnTepSegmentSm::~OxaEvpnTepSegmentSm() {
+   hasNotificationActiveIs( false );
+}
+
+Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs(
+   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+   Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
+   Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
+   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping ) {
+   auto sm = Quelm::make< OxaEvpnTepSegmentSm >( evpnStatus, tepSegmentDir, bridgingHwCapabilities,
+                                                 lagPhyIntfMapping );
+   sm->hasNotificationActiveIs( true );
+   return sm;
+}
+
+void OxaEvpnTepSegmentSm::hasNotificationActiveIs( bool active ) {
+   if ( active == hasNotificationActive() ) {
+      return;
+   }
+   Entity::hasNotificationActiveIs( active );
+   statusWatch_.hasNotificationActiveIs( active );
+   if ( active ) {
+      handleSegments();
+   } else {
+      segment_.clear();
+   }
+}
+
+void OxaEvpnTepSegmentSm::handleSegments() {
+   if ( !evpnStatus() || !tepSegmentDir() ) {
+      return;
+   }
+   for ( auto segment = tepSegmentDir()->tepSegmentIter(); segment; ++segment ) {
+      for ( auto iter = segment.value()->segmentSetIter(); iter; ++iter ) {
+         handleRemoteTep( iter.key(), segment.key() );
+      }
+   }
+   for ( auto iter = evpnStatus()->segmentStatusIter(); iter; ++iter ) {
+      segmentNew( iter.value() );
+   }
+}
+
+void OxaEvpnTepSegmentSm::handleSegment( Kiv::Change const & change ) {
+   using Segment = Quelm::Ptr< Evpn::EthernetSegmentStatus >;
+   if ( !tepSegmentDir() ) {
+      return;
+   }
+   if ( auto const * const gone = change.oldValue< Segment >() ) {
+      segmentGone( **gone );
+   }
+   if ( auto const * const come = change.newValue< Segment >() ) {
+      segmentNew( *come );
+   }
+}
+
+void OxaEvpnTepSegmentSm::segmentNew(
+   Quelm::Ptr< Evpn::EthernetSegmentStatus const > const & segment ) {
+   Pelk::IntfId const intfId = segment->intfId();
+   auto watch = std::make_unique< Kiv::Watch< Evpn::EthernetSegmentStatus > >(
+      segment, [ this, intfId ]( Kiv::Change const & change ) {
+         handleRemoteTep( intfId, change.key< Pelk::IpGenAddr >() );
+      } );
+   watch->hasNotificationActiveIs( true );
+   segment_[ intfId ] = std::move( watch );
+   for ( auto iter = segment->remoteTepIter(); iter; ++iter ) {
+      handleRemoteTep( intfId, iter.key() );
+   }
+}
+
+void OxaEvpnTepSegmentSm::segmentGone( Evpn::EthernetSegmentStatus const & segment ) {
+   segment_.erase( segment.intfId() );
+   for ( auto iter = segment.remoteTepIter(); iter; ++iter ) {
+      handleRemoteTep( segment.intfId(), iter.key() );
+   }
+}
+
+void OxaEvpnTepSegmentSm::handleRemoteTep( Pelk::IntfId const & intfId,
+                                           Pelk::IpGenAddr const & tepIp ) {
+   if ( !isShared( intfId, tepIp ) ) {
+      leave( tepIp, intfId );
+   } else if ( auto const entity = tepSegmentDir()->tepSegment( tepIp ) ) {
+      entity->segmentSetIs( intfId );
+   } else {
+      enter( tepIp );
+   }
+}
+
+bool OxaEvpnTepSegmentSm::isShared( Pelk::IntfId const & intfId,
+                                    Pelk::IpGenAddr const & tepIp ) const {
+   auto const segment = evpnStatus()->segmentStatus( intfId );
+   return segment && segment->remoteTepHas( tepIp );
+}
+
+void OxaEvpnTepSegmentSm::enter( Pelk::IpGenAddr const & tepIp ) {
+   auto const entity = Quelm::make< EvpnTepSegment >( tepIp );
+   for ( auto iter = evpnStatus()->segmentStatusIter(); iter; ++iter ) {
+      if ( iter.value()->remoteTepHas( tepIp ) ) {
+         entity->segmentSetIs( iter.key() );
+      }
+   }
+   tepSegmentDir()->tepSegmentIs( entity );
+}
+
+void OxaEvpnTepSegmentSm::leave( Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId ) {
+   auto const entity = tepSegmentDir()->tepSegment( tepIp );
+   if ( !entity ) {
+      return;
+   }
+   entity->segmentSetDel( intfId );
+   if ( entity->segments() == 0 ) {
+      tepSegmentDir()->tepSegmentDel( tepIp );
+   }
+}
+
+}  // namespace Oxa

@@ -1,0 +1,69 @@
+// Derives the shared segments of each remote VTEP from the segment status.
+//
+// The segment status says, per segment interface, which remote VTEPs are attached; the directory says,
+// per remote VTEP, which interfaces are shared with it. The order of the changes it makes is what its
+// readers rely on:
+//
+// - a VTEP's segment entity is filled before it enters the directory, with every interface that is
+//   shared with the VTEP at that moment;
+// - an interface that is no longer shared leaves the set first, and the last one takes the entity out
+//   of the directory after that;
+// - an entity in the directory is never replaced by another.
+//
+// While its notifications are active the directory is in step; switching them on brings it into step
+// first. Switching them off, and destroying this object, leaves the directory as it is. A missing
+// status or directory means that nothing is derived.
+//
+// The bridging capabilities and the LAG mapping are held for those who ask; the shared interfaces are
+// those that the segments are configured on, port channels as such.
+//
+// Cost: proportional to the changed segment's VTEPs. Threads: the activity's.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include <Bridging/HwCapabilities.h>
+#include <Evpn/EvpnStatus.h>
+#include <Lag/Config.h>
+#include <Oxa/EvpnTepSegmentDir.h>
+
+namespace Oxa {
+
+class OxaEvpnTepSegmentSm : public Kiv::Entity {
+   KIV_ENTITY( OxaEvpnTepSegmentSm, Kiv::Entity )
+   KIV_HELD( evpnStatus, Evpn::EvpnStatus const )
+   KIV_HELD( tepSegmentDir, EvpnTepSegmentDir )
+   KIV_HELD( bridgingHwCapabilities, Bridging::HwCapabilities const )
+   KIV_HELD( lagPhyIntfMapping, Lag::LagPhyIntfMapping const )
+
+   OxaEvpnTepSegmentSm( Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+                        Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
+                        Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
+                        Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
+   ~OxaEvpnTepSegmentSm() override;
+
+   // Builds one and switches its notifications on.
+   static Quelm::Ptr< OxaEvpnTepSegmentSm >
+   OxaEvpnTepSegmentSmIs( Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+                          Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
+                          Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
+                          Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
+
+   void hasNotificationActiveIs( bool active ) override;
+
+ private:
+   void handleSegments();
+   void handleSegment( Kiv::Change const & change );
+   void segmentNew( Quelm::Ptr< Evpn::EthernetSegmentStatus const > const & segment );
+   void segmentGone( Evpn::EthernetSegmentStatus const & segment );
+   void handleRemoteTep( Pelk::IntfId const & intfId, Pelk::IpGenAddr const & tepIp );
+   bool isShared( Pelk::IntfId const & intfId, Pelk::IpGenAddr const & tepIp ) const;
+   void enter( Pelk::IpGenAddr const & tepIp );
+   void leave( Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId );
+
+   Kiv::Watch< Evpn::EvpnStatus > statusWatch_;
+   std::map< Pelk::IntfId, std::unique_ptr< Kiv::Watch< Evpn::EthernetSegmentStatus > > > segment_;
+};
+
+}  // namespace Oxa

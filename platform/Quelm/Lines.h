@@ -1,0 +1,47 @@
+// How a class declared one attribute per line becomes a table.
+//
+// Each attribute line of a class adds one overload of a static function that takes Line< N >, with N
+// the line of the source file. Counting the overloads between the class's first attribute line and
+// any other gives every line its position in the table: at compile time, from the declaration alone,
+// the same in every translation unit.
+//
+// Two rules follow: one attribute per line, and a table no longer than kMostLines lines.
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+namespace Quelm {
+
+template< int line > struct Line {};
+
+// Overload that every table begins with; hides the tables of base classes.
+struct NoLine {};
+
+constexpr int kMostLines = 160;
+
+// True when `Table` declares an attribute on `line`.
+template< typename Table, int line >
+concept HasLine = requires { Table::quelmLine( Line< line >{} ); };
+
+// The number of attributes that `Table` declares on the lines first to last.
+template< typename Table, int first, int last > consteval int linesBetween() {
+   static_assert( last - first < kMostLines, "attribute table too long" );
+   if constexpr ( last < first ) {
+      return 0;
+   } else {
+      return []< int... n >( std::integer_sequence< int, n... > ) {
+         return ( 0 + ... + ( HasLine< Table, first + n > ? 1 : 0 ) );
+      }( std::make_integer_sequence< int, last - first + 1 >{} );
+   }
+}
+
+// Calls `visit( Line< N >{} )` for every line, attribute or not, that a table beginning at `first` may
+// have; `visit` picks those it wants.
+template< int first, typename Visit > void forEachLine( Visit && visit ) {
+   [ & ]< int... n >( std::integer_sequence< int, n... > ) {
+      ( visit( Line< first + n >{} ), ... );
+   }( std::make_integer_sequence< int, kMostLines >{} );
+}
+
+}  // namespace Quelm

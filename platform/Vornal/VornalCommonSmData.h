@@ -1,0 +1,37 @@
+// What the Vornal agent shares with all its plug-ins: ports, units and dependency points.
+//
+// Two maps lead from an interface to its chip port. The live map holds what is true now. The cached
+// map holds the last port that an interface had, so that what was programmed for it can be undone
+// after it has lost or changed its port. intfPortIs() and intfPortDel() keep the order between them:
+//
+// - a first-seen interface enters the cached map before the live map announces it;
+// - when a known interface changes or loses its port, the live map announces that first and the
+//   cached map follows after the announcement; on a loss it stays as it is.
+//
+// The units that this agent drives are the keys of the module-id table, which is fixed before the
+// plug-ins are told to start. Loops over units walk it in its own order, which is unit order.
+#pragma once
+
+#include <Kiv/Entity.h>
+#include <Pelk/IntfId.h>
+#include <Vornal/Dependency.h>
+#include <VornalTypes/VornalPort.h>
+
+namespace Vornal {
+
+class VornalCommonSmData : public Kiv::NamedEntity {
+   KIV_ENTITY( VornalCommonSmData, Kiv::NamedEntity )
+   KIV_COLLECTION( vornalIntfToPort, Pelk::IntfId, VornalTypes::VornalPort )
+   KIV_COLLECTION( vornalIntfToPortCache, Pelk::IntfId, VornalTypes::VornalPort )
+   KIV_COLLECTION( vornalModId, U16, U16 )  // unit to module id
+   KIV_REFERENCE( sliceDependencyPoints, VornalSliceDependencyPoints )
+   KIV_OPERATION( void, intfPortIs, ( Pelk::IntfId const & intfId, VornalTypes::VornalPort const & port ) )
+   KIV_OPERATION( void, intfPortDel, ( Pelk::IntfId const & intfId ) )
+   // The interface whose live port is `port`, or an empty one. Visits the live map: linear in the
+   // number of interfaces.
+   KIV_QUERY( Pelk::IntfId, intfOfPort, ( VornalTypes::VornalPort const & port ) )
+
+   using NamedEntity::NamedEntity;
+};
+
+}  // namespace Vornal
