@@ -22,7 +22,7 @@ U32 readBit( Quelm::TextReader & in, U32 lowest ) {
       before.fail( "a bit number from 0 to " + std::to_string( PerUnitBitmap::kBits - 1 ) );
    }
    if ( n < lowest ) {
-      before.fail( "a bit number above " + std::to_string( lowest - 1 ) + ", the one before it" );
+      before.fail( "a bit number greater than " + std::to_string( lowest - 1 ) );
    }
    return n;
 }

@@ -8,7 +8,9 @@
 //    KIV_VALUE( x, T )            x() xIs( value )
 //    KIV_REFERENCE( x, T )        x() xIs( ptr )                       counted reference
 //    KIV_HELD( x, T )             x()                                  counted reference, written by the
-//                                                                      class only, through x_
+//                                                                      class only: xHeldIs( ptr )
+//    KIV_BACK( x, T )             x()                                  back reference: a plain pointer,
+//                                                                      written by the class only
 //    KIV_SET( x, K )              xHas( k ) xIs( k ) xDel( k ) xDelAll() xIter()
 //    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter()
 //    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be built
@@ -103,6 +105,9 @@ template< typename Class, int line > consteval AttributeId attributeId() {
    ::Quelm::Ptr< __VA_ARGS__ > const & x() const { return x##_; }                                  \
                                                                                                    \
  protected:                                                                                        \
+   void x##HeldIs( ::Quelm::Ptr< __VA_ARGS__ > const & target ) {                                  \
+      ::Kiv::Store::assign( *this, x##Attr(), x##_, target );                                      \
+   }                                                                                               \
    ::Quelm::Ptr< __VA_ARGS__ > x##_;                                                               \
                                                                                                    \
  public:
@@ -117,6 +122,16 @@ template< typename Class, int line > consteval AttributeId attributeId() {
                                                                                                    \
  protected:                                                                                        \
    ::Quelm::Ptr< __VA_ARGS__ > x##_;                                                               \
+                                                                                                   \
+ public:
+
+#define KIV_BACK( x, ... )                                                                         \
+   KIV_ROW( x, Back< KivSelf, __VA_ARGS__, &KivSelf::x##_ > )                                      \
+   KIV_ID( x )                                                                                     \
+   __VA_ARGS__ * x() const { return x##_; }                                                        \
+                                                                                                   \
+ protected:                                                                                        \
+   __VA_ARGS__ * x##_ = nullptr;                                                                   \
                                                                                                    \
  public:
 

@@ -15,7 +15,8 @@
 // A node's flags, all false at birth:
 // - notification active: the entity's own reactors are subscribed to their inputs;
 // - zombie: out of service; reactors that still fire do only what keeps them consistent;
-// - being destroyed: set by owners that tear down in a fixed order, gates notifications.
+// - being destroyed: set by owners that tear down in a fixed order; nothing that changes from then on
+//   is delivered to subscribers.
 //
 // The order of the virtual operations is the order in which derived classes extend them.
 #pragma once
@@ -51,7 +52,10 @@ class Entity : public Quelm::Counted {
    virtual std::string identity() const { return {}; }
 
  protected:
-   void isBeingDestroyedIs( bool destroyed ) { isBeingDestroyed_ = destroyed; }
+   void isBeingDestroyedIs() {
+      isBeingDestroyed_ = true;
+      publisher_.silence();
+   }
 
  private:
    mutable Publisher publisher_;

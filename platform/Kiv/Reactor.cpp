@@ -52,7 +52,7 @@ class Publisher::Delivery {
 };
 
 Publisher::~Publisher() {
-   QUELM_ASSERT( !hasSubscribers() );
+   QUELM_ASSERT( !first_ );
 }
 
 std::size_t Publisher::subscribers() const {

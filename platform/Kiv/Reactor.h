@@ -40,10 +40,14 @@ class Publisher {
    Publisher & operator=( Publisher const & ) = delete;
    ~Publisher();
 
-   bool hasSubscribers() const { return first_ != nullptr; }
+   // Whether a change has anybody to be delivered to.
+   bool hasSubscribers() const { return first_ != nullptr && !isSilent_; }
    std::size_t subscribers() const;
 
    void publish( Change const & change ) noexcept;
+
+   // Delivers nothing from now on: the entity is being taken apart.
+   void silence() { isSilent_ = true; }
 
  private:
    friend class Reactor;
@@ -55,6 +59,7 @@ class Publisher {
    Reactor * first_ = nullptr;
    Reactor * last_ = nullptr;
    Delivery * delivering_ = nullptr;  // innermost delivery under way
+   bool isSilent_ = false;
 };
 
 // One subscriber. Derived classes say what they do in onAttribute().

@@ -137,6 +137,24 @@ class Rows {
       }
    };
 
+   template< typename Owner, typename T, T * Owner::*storage >
+   class Back final : public Base< Owner, void, Quelm::Ptr< T > > {
+    public:
+      explicit Back( std::string name )
+            : Base< Owner, void, Quelm::Ptr< T > >( std::move( name ), Kind::Reference, false ) {}
+      std::string text( Entity const & entity, std::string_view ) const override {
+         return RowText::Of< Quelm::Ptr< T > >::text( target( entity ) );
+      }
+      Quelm::Ptr< Entity > entity( Entity const & entity, std::string_view ) const override {
+         return generic( target( entity ) );
+      }
+
+    private:
+      static Quelm::Ptr< T > target( Entity const & entity ) {
+         return Quelm::Ptr< T >( static_cast< Owner const & >( entity ).*storage );
+      }
+   };
+
    template< typename Owner, typename T, Quelm::Ptr< T > Owner::*storage >
    class Reference final : public Held< Owner, T, storage > {
     public:

@@ -24,9 +24,7 @@ LagPhyIntfMappingSm::~LagPhyIntfMappingSm() {
 Quelm::Ptr< LagPhyIntfMappingSm > LagPhyIntfMappingSm::LagPhyIntfMappingSmIs(
    Quelm::Ptr< Config const > const & lagConfig,
    Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping ) {
-   auto sm = Quelm::make< LagPhyIntfMappingSm >( lagConfig, lagPhyIntfMapping );
-   sm->hasNotificationActiveIs( true );
-   return sm;
+   return Quelm::make< LagPhyIntfMappingSm >( lagConfig, lagPhyIntfMapping );
 }
 
 void LagPhyIntfMappingSm::hasNotificationActiveIs( bool active ) {

@@ -32,7 +32,7 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
                         Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );
    ~LagPhyIntfMappingSm() override;
 
-   // Builds one and switches its notifications on.
+   // Builds one; the caller switches its notifications on.
    static Quelm::Ptr< LagPhyIntfMappingSm >
    LagPhyIntfMappingSmIs( Quelm::Ptr< Config const > const & lagConfig,
                           Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );

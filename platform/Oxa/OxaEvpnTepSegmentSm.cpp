@@ -31,10 +31,8 @@ Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs(
    Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
    Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
    Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping ) {
-   auto sm = Quelm::make< OxaEvpnTepSegmentSm >( evpnStatus, tepSegmentDir, bridgingHwCapabilities,
+   return Quelm::make< OxaEvpnTepSegmentSm >( evpnStatus, tepSegmentDir, bridgingHwCapabilities,
                                                  lagPhyIntfMapping );
-   sm->hasNotificationActiveIs( true );
-   return sm;
 }
 
 void OxaEvpnTepSegmentSm::hasNotificationActiveIs( bool active ) {

@@ -43,7 +43,7 @@ class OxaEvpnTepSegmentSm : public Kiv::Entity {
                         Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
    ~OxaEvpnTepSegmentSm() override;
 
-   // Builds one and switches its notifications on.
+   // Builds one; the caller switches its notifications on.
    static Quelm::Ptr< OxaEvpnTepSegmentSm >
    OxaEvpnTepSegmentSmIs( Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
                           Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,

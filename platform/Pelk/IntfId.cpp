@@ -69,19 +69,17 @@ IntfId IntfId::fromString( std::string_view name ) {
    KindRow const & row = rowOfName( name );
    result.value_ = U64{ static_cast< U8 >( row.kind ) } << kKindShift;
    std::string_view rest = name.substr( row.name.size() );
-   for ( int n = 1; n == 1 || !rest.empty(); ++n ) {
-      if ( n > row.mostNumbers ) {
-         refuse( name, std::string( row.name ) + " takes at most " +
-                          std::to_string( row.mostNumbers ) + " numbers" );
-      }
+   int shift = kKindShift;
+   for ( bool isLast = false; !isLast; ) {
       std::size_t const end = std::min( rest.find( '/' ), rest.size() );
-      result.value_ |= ( number( name, rest.substr( 0, end ) ) + 1 )
-                       << ( kKindShift - n * kNumberBits );
-      rest.remove_prefix( end );
-      if ( rest == "/" ) {
-         refuse( name, "a number is missing after the last '/'" );
+      isLast = end == rest.size();
+      shift -= kNumberBits;
+      if ( shift < kKindShift - row.mostNumbers * kNumberBits ) {
+         refuse( name, "it has too many numbers (" + std::string( row.name ) + ": at most " +
+                          std::to_string( row.mostNumbers ) + ")" );
       }
-      rest.remove_prefix( rest.empty() ? 0 : 1 );
+      result.value_ |= ( number( name, rest.substr( 0, end ) ) + 1 ) << shift;
+      rest.remove_prefix( isLast ? end : end + 1 );
    }
    return result;
 }

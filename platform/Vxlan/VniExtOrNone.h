@@ -41,7 +41,8 @@ class VniExtOrNone : public Quelm::Value {
          return VniExtOrNone();
       }
       Quelm::TextReader const before = in;
-      U32 const value = Quelm::TextForm< U32 >::read( in );
+      bool const isNumber = in.peek() >= '0' && in.peek() <= '9';
+      U32 const value = isNumber ? Quelm::TextForm< U32 >::read( in ) : kNone + 1;
       if ( value > kNone ) {
          before.fail( "a VNI from 0 to 16777215, or 'none'" );
       }

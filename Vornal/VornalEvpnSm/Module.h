@@ -1,0 +1,16 @@
+// What the state machines use of the module: their trace handle, "VornalEvpnSm", and the two log
+// messages about the TCAM. The module initialisation creates them when the plug-in is loaded
+// (VornalEvpnMounter/ModuleInit.cpp).
+#pragma once
+
+#include <Log/Log.h>
+#include <Trace/Trace.h>
+
+namespace Vornal {
+
+extern Trace::Handle const smTrace;
+
+extern Log::Handle const multihomingTcamResourceFull;
+extern Log::Handle const multihomingTcamResourceRecovered;
+
+}  // namespace Vornal
