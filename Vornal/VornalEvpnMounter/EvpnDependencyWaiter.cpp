@@ -74,8 +74,9 @@ void EvpnDependencyWaiter::depsIs( Quelm::Ptr< SubAgentDependencyPoints > const 
    if ( points == deps_ ) {
       return;
    }
-   depsDispatch_.notifierIs( points );
+   depsDispatch_.notifierIs( nullptr );
    depsHeldIs( points );
+   depsDispatch_.notifierIs( points );
    if ( !isZombie() ) {
       checkAndSetDependencies();
    }

@@ -3,7 +3,7 @@
 #include <Kiv/Activity.h>
 #include <Kiv/Rows.h>
 #include <VornalEvpnMounter/ModuleTrace.h>
-#include <VornalTcam/EntryManager.h>
+#include <VornalEvpnSm/Factories.h>
 
 KIV_DEFINE( Vornal::VornalEvpnMounter )
 

@@ -36,28 +36,37 @@ namespace Shim {
 // The trace handle "ApiVornal".
 Trace::Handle const & apiTrace();
 
-// The field call under way on the activity thread: where it stands in the source and its text. For shims
-// that record what is called.
+// The field call under way on the activity thread, for shims that record what is called; nullptr
+// between calls.
+struct FieldCall;
+extern FieldCall const * fieldCallUnderWay_;
+
+// Where a call stands in the source, and its text. It is under way while this object lives.
 struct FieldCall {
+   FieldCall( Quelm::SourcePlace const & callPlace, char const * callText )
+         : place( callPlace ), text( callText ) {
+      fieldCallUnderWay_ = this;
+   }
+   FieldCall( FieldCall const & ) = delete;
+   FieldCall & operator=( FieldCall const & ) = delete;
+   ~FieldCall() { fieldCallUnderWay_ = nullptr; }
+
    Quelm::SourcePlace place;
    char const * text;
 };
-extern FieldCall const * fieldCallUnderWay_;  // nullptr between calls
 
 [[noreturn]] void fieldCallFailed( Quelm::SourcePlace const & place, char const * text, S32 rc );
 void traceFieldCall( Quelm::SourcePlace const & place, char const * text, S32 rc );
 
 template< typename Call >
 void guardedFieldCall( Quelm::SourcePlace const & place, char const * text, Call const & call ) {
-   FieldCall const fieldCall{ place, text };
-   fieldCallUnderWay_ = &fieldCall;
-   sdk_->beforeFieldCall();
    S32 rc = 0;
    {
+      FieldCall const underWay( place, text );
+      sdk_->beforeFieldCall();
       Kiv::ActivityUnlockAnchor const unlocked;
       rc = call();
    }
-   fieldCallUnderWay_ = nullptr;
    if ( rc < 0 ) [[unlikely]] {
       fieldCallFailed( place, text, rc );
    }

@@ -18,6 +18,18 @@ ActivityManager::~ActivityManager() {
 
 bool ActivityManager::runOne() {
    ActivityLockAnchor const locked( *this );
+   return turnRun();
+}
+
+void ActivityManager::run() {
+   for ( bool isMoreLeft = true; isMoreLeft; ) {
+      // That nothing is left, and what follows from it, is one decision: nobody comes in between.
+      ActivityLockAnchor const locked( *this );
+      isMoreLeft = turnRun() || clockMoved();
+   }
+}
+
+bool ActivityManager::turnRun() {
    if ( clock_->fireOne() ) {
       return true;
    }
@@ -30,20 +42,16 @@ bool ActivityManager::runOne() {
    return true;
 }
 
-void ActivityManager::run() {
-   for ( ;; ) {
-      while ( runOne() ) {
-      }
-      ActivityLockAnchor const locked( *this );
-      auto const wakeUp = clock_->nextWakeUp();
-      if ( !wakeUp ) {
-         return;
-      }
+bool ActivityManager::clockMoved() {
+   auto const wakeUp = clock_->nextWakeUp();
+   if ( wakeUp ) {
       clock_->nowIs( *wakeUp );
    }
+   return wakeUp.has_value();
 }
 
 void ActivityManager::lock() {
+   QUELM_ASSERT( !isLockHeld() );
    mutex_.lock();
    holder_ = std::this_thread::get_id();
 }

@@ -14,8 +14,9 @@
 //   change.
 // - ActivityLockAnchor is how any other thread comes in.
 //
-// Failures: unlocking on a thread that does not hold the lock is a failed assertion. An exception that
-// leaves a turn passes through run(); turns behind it stay queued.
+// Failures: unlocking on a thread that does not hold the lock is a failed assertion, and so is locking
+// on one that does, by run() within a turn for example. An exception that leaves a turn passes through
+// run(); turns behind it stay queued.
 //
 // The manager is an object that the agent owns. activityManager() finds the one in charge, which is
 // the one most recently built and still alive.
@@ -53,6 +54,11 @@ class ActivityManager {
  private:
    friend class ActivityLockAnchor;
    friend class ActivityUnlockAnchor;
+
+   // With the lock held. Runs what comes next; false when nothing is queued or due.
+   bool turnRun();
+   // With the lock held. Moves the clock on to the next wake-up; false when there is none.
+   bool clockMoved();
 
    void lock();
    void unlock();

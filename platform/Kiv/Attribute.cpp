@@ -50,8 +50,9 @@ std::string Attribute::valueTextOf( TypedPointer const & ) const {
 }
 
 void Attribute::refuse( std::string const & what ) const {
-   throw Quelm::AccessError( "attribute '" + name() + "' is a " + std::string( kindName( kind() ) ) +
-                             " and " + what );
+   throw Quelm::AccessError( "attribute '" + name() + "' is " +
+                             ( kind() == Kind::Operation ? "an " : "a " ) +
+                             std::string( kindName( kind() ) ) + " and " + what );
 }
 
 std::string_view kindName( Attribute::Kind kind ) {

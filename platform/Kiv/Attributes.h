@@ -15,9 +15,12 @@
 //    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter()
 //    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be built
 //                                 from its key), xIs( ptr ) inserts an entity under its own key
+//    KIV_NESTED( x, K, T )        nested reactors (Kiv/NestedReactor.h): x( k ) xHas( k ) xDel( k )
+//                                 xDelAll() xIter(); the class writes its own xIs
 //    KIV_OPERATION( R, x, ( P p, ... ) )   declares R x( P p, ... ), callable by name
-//    KIV_QUERY, KIV_VIRTUAL, KIV_OVERRIDE  the same for a const, a virtual, an overriding one;
-//    KIV_ABSTRACT                          for one without a body
+//    KIV_QUERY, KIV_VIRTUAL       the same for a const, a virtual one; an overriding operation needs
+//                                 no line, that of the one it overrides calls it
+//    KIV_ABSTRACT                 the same for one without a body
 //    KIV_OVERLOAD( R, x, () )     a further operation of an existing name; no row of its own
 //
 // The three kinds with keys take one more word where the count is wanted: its name, as in
@@ -36,13 +39,14 @@
 #include <Kiv/Store.h>
 #include <Kiv/Type.h>
 #include <Quelm/Lines.h>
+#include <Quelm/Text.h>
 
 namespace Kiv {
 
 // The identifier of the attribute that `Class` declares on `line`.
 template< typename Class, int line > consteval AttributeId attributeId() {
    return Class::KivBase::kivAttributeCount() +
-          static_cast< AttributeId >( Quelm::linesBetween< Class, Class::kivFirstLine, line >() );
+          static_cast< AttributeId >( Quelm::linesUpTo< Class, Class::kivFirstLine, line > );
 }
 
 }  // namespace Kiv
@@ -65,13 +69,14 @@ template< typename Class, int line > consteval AttributeId attributeId() {
 // The row and the identifier of attribute `x`. The row's class is named through the dependent type
 // `Rows` so that it is compiled where the table is built and nowhere else.
 #define KIV_ROW( x, ... )                                                                          \
+   static_assert( __LINE__ < kivFirstLine + ::Quelm::kMostLines, "attribute table too long" );     \
    static void quelmLine( ::Quelm::Line< __LINE__ > );                                             \
    template< typename Rows > static auto kivRow( ::Quelm::Line< __LINE__ > ) {                     \
       return Rows::template make< typename Rows::template __VA_ARGS__ >( #x );                     \
    }
 #define KIV_ID( x )                                                                                \
-   static constexpr ::Kiv::AttributeId x##Attr() {                                                 \
-      return ::Kiv::attributeId< KivSelf, __LINE__ >();                                            \
+   template< typename Class = KivSelf > static constexpr ::Kiv::AttributeId x##Attr() {            \
+      return ::Kiv::attributeId< Class, __LINE__ >();                                              \
    }
 
 #define KIV_KEY( x, ... )                                                                          \
@@ -138,7 +143,6 @@ template< typename Class, int line > consteval AttributeId attributeId() {
 #define KIV_KEYED( x, K, T, ... )                                                                  \
    using x##Iterator = ::Kiv::Collection< K, T >::Iterator;                                        \
    bool x##Has( K const & key ) const { return x##_.has( key ); }                                  \
-   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
    x##Iterator x##Iter() const {                                                                   \
       return x##Iterator( x##_, ::Quelm::Ptr< ::Quelm::Counted const >( this ) );                  \
    }                                                                                               \
@@ -154,6 +158,7 @@ template< typename Class, int line > consteval AttributeId attributeId() {
    KIV_ID( x )                                                                                     \
    void x##Is( K const & key ) { ::Kiv::Store::put( *this, x##Attr(), x##_, key, true ); }         \
    bool x##Del( K const & key ) { return ::Kiv::Store::remove( *this, x##Attr(), x##_, key ); }    \
+   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
    KIV_KEYED( x, K, bool, __VA_ARGS__ )
 
 #define KIV_COLLECTION( x, K, T, ... )                                                             \
@@ -164,6 +169,7 @@ template< typename Class, int line > consteval AttributeId attributeId() {
       return ::Kiv::Store::put( *this, x##Attr(), x##_, key, value );                              \
    }                                                                                               \
    T x##Del( K const & key ) { return ::Kiv::Store::remove( *this, x##Attr(), x##_, key ); }       \
+   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
    KIV_KEYED( x, K, T, __VA_ARGS__ )
 
 #define KIV_MEMBERS( x, K, T, ... )                                                                \
@@ -180,6 +186,15 @@ template< typename Class, int line > consteval AttributeId attributeId() {
    ::Quelm::Ptr< T > x##Del( K const & key ) {                                                     \
       return ::Kiv::Store::remove( *this, x##Attr(), x##_, key );                                  \
    }                                                                                               \
+   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
+   KIV_KEYED( x, K, ::Quelm::Ptr< T >, __VA_ARGS__ )
+
+#define KIV_NESTED( x, K, T, ... )                                                                 \
+   KIV_ROW( x, Nested< KivSelf, K, T, &KivSelf::x##_ > )                                           \
+   KIV_ID( x )                                                                                     \
+   ::Quelm::Ptr< T > x( K const & key ) const { return x##_.at( key ); }                           \
+   void x##Del( K const & key ) { ::Kiv::nestedDel( *this, x##Attr(), x##_, key ); }               \
+   void x##DelAll() { ::Kiv::nestedDelAll( *this, x##Attr(), x##_ ); }                             \
    KIV_KEYED( x, K, ::Quelm::Ptr< T >, __VA_ARGS__ )
 
 #define KIV_CALLABLE( R, x, parameters, qualifiers )                                               \

@@ -142,7 +142,8 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
       QUELM_ASSERT( collection_.walks_ == this );
       collection_.walks_ = outer_;
       if ( !outer_ && !collection_.removed_.empty() ) {
-         collection_.removed_.clear();
+         // Taken out first: an entity that dies here may walk and change this collection again.
+         auto const gone = std::move( collection_.removed_ );
       }
    }
 

@@ -238,20 +238,30 @@ class Rows {
       }
    };
 
+ private:
+   // What the two kinds of collections of entities share.
    template< typename Owner, typename K, typename T,
              ::Kiv::Collection< K, Quelm::Ptr< T > > Owner::*storage >
-   class Members final : public Keyed< Owner, K, Quelm::Ptr< T >, Quelm::Ptr< T >, storage > {
-      using Parent = Keyed< Owner, K, Quelm::Ptr< T >, Quelm::Ptr< T >, storage >;
-
+   class Entities : public Keyed< Owner, K, Quelm::Ptr< T >, Quelm::Ptr< T >, storage > {
     public:
-      explicit Members( std::string name )
-            : Parent( std::move( name ), Kind::Members, std::is_constructible_v< T, K > ) {}
+      using Keyed< Owner, K, Quelm::Ptr< T >, Quelm::Ptr< T >, storage >::Keyed;
+
       std::string text( Entity const & entity, std::string_view key ) const override {
          return RowText::Of< Quelm::Ptr< T > >::text( this->stored( entity, key ) );
       }
       Quelm::Ptr< Entity > entity( Entity const & entity, std::string_view key ) const override {
          return generic( this->stored( entity, key ) );
       }
+   };
+
+ public:
+   template< typename Owner, typename K, typename T,
+             ::Kiv::Collection< K, Quelm::Ptr< T > > Owner::*storage >
+   class Members final : public Entities< Owner, K, T, storage > {
+    public:
+      explicit Members( std::string name )
+            : Entities< Owner, K, T, storage >( std::move( name ), Kind::Members,
+                                                std::is_constructible_v< T, K > ) {}
       void textIs( Entity & entity, std::string_view key, std::string_view value ) const override {
          if ( !value.empty() || !this->isWritable() ) {
             this->refuse( "its members are entities, which are created by key alone" );
@@ -267,6 +277,17 @@ class Rows {
             this->refuse( "holds entities of type " + this->valueType() );
          }
          this->put( entity, typed->kivKey(), typed );
+      }
+   };
+
+   template< typename Owner, typename K, typename T,
+             ::Kiv::Collection< K, Quelm::Ptr< T > > Owner::*storage >
+   class Nested final : public Entities< Owner, K, T, storage > {
+    public:
+      explicit Nested( std::string name )
+            : Entities< Owner, K, T, storage >( std::move( name ), Kind::Members, false ) {}
+      void del( Entity &, std::string_view ) const override {
+         this->refuse( "its reactors come and go with what they watch" );
       }
    };
 

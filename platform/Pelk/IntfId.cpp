@@ -36,9 +36,10 @@ KindRow const & rowOf( IntfId::Kind kind ) {
 }
 
 KindRow const & rowOfName( std::string_view name ) {
-   auto const row = std::find_if( kKinds.begin(), kKinds.end(), [ & ]( KindRow const & candidate ) {
-      return name.starts_with( candidate.name );
-   } );
+   auto const * const row =
+      std::find_if( kKinds.begin(), kKinds.end(), [ & ]( KindRow const & candidate ) {
+         return name.starts_with( candidate.name );
+      } );
    if ( row == kKinds.end() ) {
       refuse( name,
               "a name is Ethernet, Loopback, Management, Port-Channel, Vlan or Vxlan and a "

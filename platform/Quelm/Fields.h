@@ -18,6 +18,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <Quelm/Lines.h>
 #include <Quelm/Text.h>
@@ -115,5 +116,5 @@ template< typename Owner, int first > struct FieldsOf {
       return ::Quelm::Field{ #field, &QuelmOwner::field##_ };                                      \
    }                                                                                               \
    __VA_ARGS__ const & field() const { return field##_; }                                          \
-   void field##Is( __VA_ARGS__ const & value ) { field##_ = value; }
+   void field##Is( __VA_ARGS__ value ) { field##_ = std::move( value ); }
 // NOLINTEND(cppcoreguidelines-macro-usage, bugprone-macro-parentheses)

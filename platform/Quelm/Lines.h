@@ -25,16 +25,10 @@ template< typename Table, int line >
 concept HasLine = requires { Table::quelmLine( Line< line >{} ); };
 
 // The number of attributes that `Table` declares on the lines first to last.
-template< typename Table, int first, int last > consteval int linesBetween() {
-   static_assert( last - first < kMostLines, "attribute table too long" );
-   if constexpr ( last < first ) {
-      return 0;
-   } else {
-      return []< int... n >( std::integer_sequence< int, n... > ) {
-         return ( 0 + ... + ( HasLine< Table, first + n > ? 1 : 0 ) );
-      }( std::make_integer_sequence< int, last - first + 1 >{} );
-   }
-}
+template< typename Table, int first, int last >
+constexpr int linesUpTo =
+   linesUpTo< Table, first, last - 1 > + ( HasLine< Table, last > ? 1 : 0 );
+template< typename Table, int first > constexpr int linesUpTo< Table, first, first > = 0;
 
 // Calls `visit( Line< N >{} )` for every line, attribute or not, that a table beginning at `first` may
 // have; `visit` picks those it wants.

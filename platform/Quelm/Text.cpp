@@ -86,7 +86,7 @@ std::string TextForm< std::string >::read( TextReader & in ) {
 
 std::string formatted( std::string_view format, std::initializer_list< std::string_view > values ) {
    std::string out;
-   auto value = values.begin();
+   auto const * value = values.begin();
    while ( !format.empty() ) {
       if ( format.starts_with( "%s" ) || format.starts_with( "%d" ) ) {
          QUELM_ASSERT( "a value for every %s and %d of the format" && value != values.end() );

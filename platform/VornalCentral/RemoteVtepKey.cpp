@@ -25,7 +25,7 @@ RemoteVtepKey RemoteVtepKey::textFrom( Quelm::TextReader & in ) {
 }
 
 RemoteVtepKey getRemoteVtepKeyForIp( Pelk::IpGenAddr const & ip ) {
-   return RemoteVtepKey( Vxlan::SwTunnelGroupId(), RemoteVtepKey::kUsualVtiNumber, ip );
+   return { Vxlan::SwTunnelGroupId(), RemoteVtepKey::kUsualVtiNumber, ip };
 }
 
 }  // namespace VornalCentral

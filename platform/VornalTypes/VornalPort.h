@@ -53,7 +53,7 @@ class VornalPort : public Quelm::Value {
       U16 const logicalPort = Quelm::TextForm< U16 >::read( in );
       in.expect( "/mod" );
       U16 const modId = Quelm::TextForm< U16 >::read( in );
-      return VornalPort( unit, logicalPort, modId );
+      return { unit, logicalPort, modId };
    }
 
  private:

@@ -12,6 +12,7 @@
 // that order only.
 #pragma once
 
+#include <concepts>
 #include <string>
 #include <vector>
 

@@ -38,7 +38,7 @@ class VniExtOrNone : public Quelm::Value {
    void textTo( std::string & out ) const { out += isNone() ? "none" : std::to_string( value_ ); }
    static VniExtOrNone textFrom( Quelm::TextReader & in ) {
       if ( in.accept( "none" ) ) {
-         return VniExtOrNone();
+         return {};
       }
       Quelm::TextReader const before = in;
       bool const isNumber = in.peek() >= '0' && in.peek() <= '9';

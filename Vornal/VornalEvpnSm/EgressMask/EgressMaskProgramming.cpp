@@ -1,0 +1,152 @@
+// The egress mask of the ingress entries, and how it follows the shared ports.
+
+#include <Kiv/Rows.h>
+#include <Shim/FieldCall.h>
+#include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
+#include <VornalEvpnSm/Module.h>
+#include <VornalTcam/UnitBitmap.h>
+
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm )
+
+namespace Vornal {
+
+using VornalTypes::VornalPort;
+using VornalTypes::VornalPortList;
+
+namespace {
+
+_shr_pbmp pbmpOf( Brum::PerUnitBitmap const & bitmap ) {
+   _shr_pbmp pbmp;
+   Shim::sdk_->pbmpClear( pbmp );
+   unitBitmapToPbm( bitmap, pbmp );
+   return pbmp;
+}
+
+}  // namespace
+
+EvpnMultihomingLocalBiasWithEgressMaskSm::EvpnMultihomingLocalBiasWithEgressMaskSm(
+   Quelm::Ptr< VornalCommonSmData const > const & vcsd,
+   Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
+   Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
+   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+   Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
+   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
+   Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
+   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping )
+      : EvpnMultihomingLocalBiasSm( vcsd, oxaEvpnTepSegmentDir, vpIndexStatus, evpnStatus,
+                                    vtiStatusDir, tcamManager, clock, lagConfigDir,
+                                    lagPhyIntfMapping ) {
+   handleInitialized();
+}
+
+void EvpnMultihomingLocalBiasWithEgressMaskSm::handleInitialized() {
+   TRACE( smTrace, 5, "handleInitialized" );
+   EvpnMultihomingLocalBiasSm::handleInitialized();
+}
+
+bool EvpnMultihomingLocalBiasWithEgressMaskSm::ifpTcamEntries( U32 unit,
+                                                               Pelk::IpGenAddr const & tepIp,
+                                                               bool add ) {
+   TRACE( smTrace, 5,
+          "ifpTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   if ( !EvpnMultihomingLocalBiasSm::ifpTcamEntries( unit, tepIp, add ) ) {
+      return false;
+   }
+   auto const unitTepIpToEntry = tepIpToEntry( unit );
+   U32 const entryId = unitTepIpToEntry->entryId( tepIp );
+   TRACE( smTrace, 4,
+          "ifpTcamEntries"
+             << " working with IFP entry ID " << entryId );
+   if ( add ) {
+      QUELM_ASSERT( entryId );
+      installWithMask( unit, tepIp, entryId );
+   } else {
+      QUELM_ASSERT( unitTepIpToEntry->esPbmpHas( tepIp ) );
+      unitTepIpToEntry->esPbmpDel( tepIp );
+   }
+   return true;
+}
+
+void EvpnMultihomingLocalBiasWithEgressMaskSm::installWithMask( U32 unit,
+                                                                Pelk::IpGenAddr const & tepIp,
+                                                                U32 entryId ) {
+   Brum::PerUnitBitmap const ubmp = getSharedESPortInfo( unit, tepIp ).sharedPortBitmap();
+   if ( ubmp.isEmpty() ) {
+      TRACE( smTrace, 3,
+             "ifpTcamEntries"
+                << " no ports to be masked on unit: " << unit );
+   }
+   _shr_pbmp const pbmp = pbmpOf( ubmp );
+   TRACE( smTrace, 3,
+          "ifpTcamEntries"
+             << ", unit: " << unit << ", ubmp: " << ubmp.bitmapToString() );
+   tcamManager()->addEgressMaskAction( unit, entryId, pbmp );
+   tepIpToEntry( unit )->esPbmpIs( tepIp, ubmp );
+   S32 const BCM_E_NONE = Shim::sdk_->successCode();
+   S32 const rc = tcamManager()->installEntry( unit, entryId );
+   QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
+}
+
+void EvpnMultihomingLocalBiasWithEgressMaskSm::updateTcamEntries( U32 unit,
+                                                                  Pelk::IpGenAddr const & tepIp,
+                                                                  Pelk::IntfId const & intfId,
+                                                                  bool add ) {
+   TRACE( smTrace, 5,
+          "updateTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add
+             << ", intfId: " << intfId );
+   PortListsOnUpdate const lists = getPortListsOnUpdate( unit, tepIp, intfId, add );
+   if ( lists.portList().isEmpty() && lists.prevPortList().isEmpty() ) {
+      TRACE( smTrace, 7,
+             "updateTcamEntries"
+                << ", no update needed" );
+      return;
+   }
+   updateIfpTcamEntries( unit, tepIp, lists.prevPortList(), lists.portList(), add );
+}
+
+bool EvpnMultihomingLocalBiasWithEgressMaskSm::updateIfpTcamEntries(
+   U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & oldPorts,
+   VornalPortList const & ports, bool add ) {
+   TRACE( smTrace, 5,
+          "updateIfpTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   auto const unitTepIpToEntry = tepIpToEntry( unit );
+   Brum::PerUnitBitmap ubmp = unitTepIpToEntry->esPbmp( tepIp );
+   auto const remove = [ & ]( VornalPort const & port ) {
+      TRACE( smTrace, 7,
+             "updateIfpTcamEntries"
+                << ", removing old lport " << port.logicalPort() << " from egress mask bmp" );
+      ubmp.bitClear( port.logicalPort() );
+   };
+   auto const apply = [ & ]( VornalPort const & port ) {
+      if ( add ) {
+         TRACE( smTrace, 7,
+                "updateIfpTcamEntries"
+                   << ", adding lport " << port.logicalPort() << " to egress mask bmp" );
+         ubmp.bitSet( port.logicalPort() );
+      } else {
+         TRACE( smTrace, 7,
+                "updateIfpTcamEntries"
+                   << ", removing lport " << port.logicalPort() << " from egress mask bmp" );
+         ubmp.bitClear( port.logicalPort() );
+      }
+   };
+   std::for_each( oldPorts.begin(), oldPorts.end(), remove );
+   std::for_each( ports.begin(), ports.end(), apply );
+
+   U32 const entryId = unitTepIpToEntry->entryId( tepIp );
+   tcamManager()->updateEgressMaskAction( unit, entryId, pbmpOf( ubmp ) );
+   S32 const BCM_E_NONE = Shim::sdk_->successCode();
+   S32 const rc = tcamManager()->reinstallEntry( unit, entryId );
+   QUELM_ASSERT( rc == BCM_E_NONE && "reinstallEntry failed" );
+   TRACE( smTrace, 3,
+          "updateIfpTcamEntries"
+             << ", reinstalled entryId: " << entryId
+             << " with new bmp: " << ubmp.bitmapToString() );
+   unitTepIpToEntry->esPbmpIs( tepIp, ubmp );
+   return true;
+}
+
+}  // namespace Vornal

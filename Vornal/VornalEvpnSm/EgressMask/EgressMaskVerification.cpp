@@ -1,0 +1,75 @@
+// Holding the egress masks against the records and the shared segments.
+
+#include <Kiv/OrEmpty.h>
+#include <Shim/FieldCall.h>
+#include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
+#include <VornalEvpnSm/Module.h>
+#include <VornalTcam/UnitBitmap.h>
+
+namespace Vornal {
+
+using Kiv::orEmpty;
+using Shim::BCM_PBMP_EQ;
+
+bool EvpnMultihomingLocalBiasWithEgressMaskSm::tcamSanityCheckForTepIp(
+   U32 unit, Pelk::IpGenAddr const & tepIp ) {
+   TRACE( smTrace, 5,
+          "tcamSanityCheckForTepIp"
+             << " unit: " << unit << " tepIp: " << tepIp );
+   auto const unitTepIpToEntry = tepIpToEntry( unit );
+   if ( !unitTepIpToEntry ) {
+      return false;
+   }
+   bool const ifpTcamsUsed = unitTepIpToEntry->entryIdHas( tepIp );
+   bool const esPbmpUsed = unitTepIpToEntry->esPbmpHas( tepIp );
+   TRACE( smTrace, 4,
+          "tcamSanityCheckForTepIp"
+             << " ifpTcamsUsed:" << ifpTcamsUsed << " esPbmpUsed:" << esPbmpUsed );
+   QUELM_ASSERT( ifpTcamsUsed == esPbmpUsed );
+   return true;
+}
+
+void EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries( U32 unit,
+                                                                 Pelk::IpGenAddr const & tepIp ) {
+   TRACE( smTrace, 9, "verifyIfpEntries" );
+   _shr_pbmp ports;
+   _shr_pbmp ports_exp;
+   Shim::sdk_->pbmpClear( ports );
+   Shim::sdk_->pbmpClear( ports_exp );
+   auto const record = tepIpToEntry( unit );
+   U32 const entryId = record ? record->entryId( tepIp ) : 0;
+   EvpnMultihomingLocalBiasSm::verifyIfpEntries( unit, tepIp );
+
+   U32 const expPortCount = expectedPortCount( unit, tepIp );
+   Brum::PerUnitBitmap const ubmp = getSharedESPortInfo( unit, tepIp ).sharedPortBitmap();
+   QUELM_ASSERT( tepIpToEntry( unit )->esPbmp( tepIp ) == ubmp );
+   unitBitmapToPbm( tepIpToEntry( unit )->esPbmp( tepIp ), ports_exp );
+   auto const pbmpRes = std::make_unique< EgressMaskResult >(
+      tcamManager()->getEgressMaskActionPbmp( unit, entryId ) );
+   QUELM_ASSERT( !pbmpRes->rc() && "getEgressMaskActionPbmp fails" );
+   ports = pbmpRes->pbmp();
+   QUELM_ASSERT( BCM_PBMP_EQ( ports, ports_exp ) );
+   U32 const portCount = Shim::sdk_->pbmpCount( ports );
+   QUELM_ASSERT( portCount == expPortCount );
+}
+
+U32 EvpnMultihomingLocalBiasWithEgressMaskSm::expectedPortCount(
+   U32 unit, Pelk::IpGenAddr const & tepIp ) const {
+   U32 count = 0;
+   auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
+   if ( !segment ) {
+      return count;
+   }
+   for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
+      if ( orEmpty( vcsd() ).vornalIntfToPortHas( iter.key() ) ) {
+         ++count;
+      } else if ( isPortChannel( iter.key() ) ) {
+         for ( auto const & member : getPortListForPortChannel( iter.key() ) ) {
+            count += member.unit() == unit ? 1U : 0U;
+         }
+      }
+   }
+   return count;
+}
+
+}  // namespace Vornal

@@ -1,0 +1,146 @@
+// Holding class-id actions and egress entries against the records, and whether a unit needs its
+// TCAM.
+
+#include <Kiv/OrEmpty.h>
+#include <Shim/FieldCall.h>
+#include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
+#include <VornalEvpnSm/Module.h>
+
+namespace Vornal {
+
+using Kiv::orEmpty;
+using Sm = EvpnMultihomingLocalBiasWithI2EClassIdSm;
+using VornalCommon::ClassId;
+using VornalTypes::VornalPort;
+
+void Sm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+   auto const record = tepIpToEntry( unit );
+   U32 const entryId = record ? record->entryId( tepIp ) : 0;
+   TRACE( smTrace, 9,
+          "verifyIfpEntries"
+             << " " << entryId );
+   EvpnMultihomingLocalBiasSm::verifyIfpEntries( unit, tepIp );
+   ClassId const i2eClassId = i2eTepIpClassId( tepIp );
+   U32 data = 0;
+   U32 mask = 0;
+   // clang-format off
+   SDK_FIELD_CALL( bcm_field_action_get( unit, entryId, bcmFieldActionEgressClassSelect, &data, &mask ) );
+   QUELM_ASSERT( data == BCM_FIELD_EGRESS_CLASS_SELECT_NEW );
+   SDK_FIELD_CALL( bcm_field_action_get( unit, entryId, bcmFieldActionNewClassId, &data, &mask ) );
+   // clang-format on
+   QUELM_ASSERT( data == i2eClassId.value() );
+}
+
+void Sm::verifyEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+   TRACE( smTrace, 9, "verifyEfpEntries" );
+   U32 const expPortCount = expectedPortCount( unit, tepIp );
+   U32 portCount = 0;
+   auto const record = tepIpToEntry( unit );
+   if ( auto const list = record ? record->esPortAndEFPEntryIdList( tepIp ) : nullptr ) {
+      for ( auto iter = list->efpEntryIdIter(); iter; ++iter ) {
+         ++portCount;
+         verifyEfpEntry( unit, tepIp, iter.key(), iter.value() );
+      }
+   }
+   QUELM_ASSERT( portCount == expPortCount );
+}
+
+// A physical interface counts on every unit; only the members of port channels are told apart by
+// unit.
+U32 Sm::expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const {
+   U32 count = 0;
+   auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
+   if ( !segment ) {
+      return count;
+   }
+   for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
+      if ( orEmpty( vcsd() ).vornalIntfToPortHas( iter.key() ) ) {
+         ++count;
+      } else if ( isPortChannel( iter.key() ) ) {
+         for ( VornalPort const & member : getPortListForPortChannel( iter.key() ) ) {
+            count += member.unit() == unit ? 1U : 0U;
+         }
+      }
+   }
+   return count;
+}
+
+void Sm::verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort const & sp,
+                         U32 entryId ) {
+   U32 modId = 0;
+   U32 modIdMask = 0;
+   U32 portId = 0;
+   U32 portIdMask = 0;
+   U32 data = 0;
+   U32 mask = 0;
+   bcm_field_IpType_t ipType = bcmFieldIpTypeNonIp;
+   // clang-format off
+   SDK_FIELD_CALL( bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId, &portIdMask ) );
+   QUELM_ASSERT( modId == sp.modId() );
+   QUELM_ASSERT( unit == sp.unit() );
+   QUELM_ASSERT( portId == sp.logicalPort() );
+   SDK_FIELD_CALL( bcm_field_qualify_IngressClassField_get( unit, entryId, &data, &mask ) );
+   QUELM_ASSERT( data == i2eTepIpClassId( tepIp ).value() );
+   SDK_FIELD_CALL( bcm_field_qualify_IpType_get( unit, entryId, &ipType ) );
+   QUELM_ASSERT( ipType == bcmFieldIpTypeAny );
+   SDK_FIELD_CALL( bcm_field_action_get( unit, entryId, bcmFieldActionDrop, &data, &mask ) );
+   // clang-format on
+   QUELM_ASSERT( data == 0 );
+}
+
+bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+   TRACE( smTrace, 5,
+          "tcamSanityCheckForTepIp"
+             << " unit: " << unit << " tepIp: " << tepIp );
+   auto const record = tepIpToEntry( unit );
+   if ( !record ) {
+      return false;
+   }
+   auto const list = record->esPortAndEFPEntryIdList( tepIp );
+   bool const ifpTcamsUsed = record->entryIdHas( tepIp );
+   bool const classIdsUsed = i2eTepIpClassIdHas( tepIp );
+   std::size_t const numEfpTcamsUsed = list ? list->efpEntryIds() : 0;
+   std::size_t const numESPortsUsed = list ? list->esPortList().ports() : 0;
+   TRACE( smTrace, 4,
+          "tcamSanityCheckForTepIp"
+             << " ifpTcamsUsed: " << ifpTcamsUsed << " classIdsUsed: " << classIdsUsed
+             << " numEfpTcamsUsed: " << numEfpTcamsUsed << " numESPortsUsed: " << numESPortsUsed );
+   if ( ifpTcamsUsed ) {
+      QUELM_ASSERT( classIdsUsed );
+   }
+   QUELM_ASSERT( numEfpTcamsUsed == numESPortsUsed );
+   return true;
+}
+
+// While any class id is pending, every unit with a record needs its TCAM.
+bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
+   TRACE( smTrace, 5,
+          "unitUsesOrNeedsTcams"
+             << " Mirel unit: " << unit );
+   if ( !tepIpToEntry( unit ) ) {
+      TRACE( smTrace, 4,
+             "unitUsesOrNeedsTcams"
+                << " Mirel Line: " << __LINE__ );
+      return false;
+   }
+   bool const ifpTcamsUsed = EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( unit );
+   bool const ifpTcamsNeeded = isAnyClassIdPending();
+   TRACE( smTrace, 4,
+          "unitUsesOrNeedsTcams"
+             << " ifpTcamsUsed: " << ifpTcamsUsed << " ifpTcamsNeeded: " << ifpTcamsNeeded );
+   return ifpTcamsUsed || ifpTcamsNeeded;
+}
+
+bool Sm::isAnyClassIdPending() const {
+   auto const & grants = orEmpty( i2eClassIdIndexStatus() );
+   auto const requests =
+      Quelm::Ptr< VornalCentral::I2EClassIdIndexConfig const >( i2eClassIdIndexConfig() );
+   for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
+      if ( !grants.remoteESPeerVtepHas( iter.key() ) ) {
+         return true;
+      }
+   }
+   return false;
+}
+
+}  // namespace Vornal

@@ -1,0 +1,139 @@
+// The egress entries: one per shared port, dropping what carries the VTEP's class id.
+
+#include <Kiv/OrEmpty.h>
+#include <Shim/FieldCall.h>
+#include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
+#include <VornalEvpnSm/Module.h>
+
+namespace Vornal {
+
+using Kiv::orEmpty;
+using Sm = EvpnMultihomingLocalBiasWithI2EClassIdSm;
+using VornalCommon::ClassId;
+using VornalTypes::VornalPort;
+using VornalTypes::VornalPortList;
+
+namespace {
+
+constexpr char const * kEfpEntryName = "Drop packets at EFP from vtep IP %s on %s";
+
+}  // namespace
+
+bool Sm::efpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & ports,
+                         bool add ) {
+   TRACE( smTrace, 5,
+          "efpTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   if ( ports.isEmpty() ) {
+      TRACE( smTrace, 5,
+             "efpTcamEntries"
+                << ", no ports to install or free EFP entries against" );
+      return true;
+   }
+   auto const record = tepIpToEntry( unit );
+   auto const list = record->esPortAndEFPEntryIdList( tepIp );
+   if ( add ) {
+      return installEfpEntries( unit, tepIp,
+                                list ? list : record->esPortAndEFPEntryIdListIs( tepIp ), ports );
+   }
+   if ( list ) {
+      freeEfpEntries( unit, tepIp, list, ports );
+   }
+   return true;
+}
+
+void Sm::freeEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
+                         EfpList const & esPortAndEFPEntryIdList, VornalPortList const & ports ) {
+   VornalPortList left = esPortAndEFPEntryIdList->esPortList();
+   for ( VornalPort const & sp : ports ) {
+      U32 const efpEntryId = esPortAndEFPEntryIdList->efpEntryId( sp );
+      efpTcamManager()->releaseEntry( unit, efpEntryId );
+      TRACE( smTrace, 4,
+             "efpTcamEntries"
+                << " freed EFP entry ID " << efpEntryId );
+      left.portDel( sp );
+      esPortAndEFPEntryIdList->efpEntryIdDel( sp );
+   }
+   if ( !left.isEmpty() ) {
+      esPortAndEFPEntryIdList->esPortListIs( left );
+      return;
+   }
+   TRACE( smTrace, 4,
+          "efpTcamEntries"
+             << " freed all EFP entries for tepIp in unit" );
+   QUELM_ASSERT( !esPortAndEFPEntryIdList->efpEntryIds() );
+   tepIpToEntry( unit )->esPortAndEFPEntryIdListDel( tepIp );
+}
+
+bool Sm::installEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList const & list,
+                            VornalPortList const & ports ) {
+   VornalPortList programmed = list->esPortList();
+   ClassId const i2eClassId = i2eTepIpClassId( tepIp );
+   TRACE( smTrace, 4,
+          "efpTcamEntries"
+             << " Using I2E class ID " << i2eClassId );
+   QUELM_ASSERT( i2eClassId.isValid() );
+   for ( VornalPort const & sp : ports ) {
+      if ( list->efpEntryIdHas( sp ) ) {
+         continue;
+      }
+      Pelk::IntfId const intfId = orEmpty( vcsd() ).intfOfPort( sp );
+      U32 const efpEntryId = efpTcamManager()->getEntry(
+         unit, Quelm::formatted( kEfpEntryName, { tepIp.stringValue(), intfId.stringValue() } ),
+         VornalTcam::RequestKey() );
+      if ( efpEntryId == 0 ) {
+         TRACE( smTrace, 2,
+                "efpTcamEntries"
+                   << " failed to allocate EFP entry ID for " << intfId );
+         return false;
+      }
+      TRACE( smTrace, 4,
+             "efpTcamEntries"
+                << " allocated EFP entry ID " << efpEntryId << " for " << intfId );
+      programEfpEntry( unit, efpEntryId, sp, i2eClassId );
+      programmed.portIs( sp );
+      list->esPortListIs( programmed );
+      list->efpEntryIdIs( sp, efpEntryId );
+   }
+   return true;
+}
+
+void Sm::programEfpEntry( U32 unit, U32 efpEntryId, VornalPort const & sp, ClassId i2eClassId ) {
+   // clang-format off
+   SDK_FIELD_CALL( bcm_field_qualify_DstPort( unit, efpEntryId, sp.modId() , BCM_FIELD_EXACT_MATCH_MASK, sp.logicalPort(), BCM_FIELD_EXACT_MATCH_MASK ) );
+   SDK_FIELD_CALL( bcm_field_qualify_IpType( unit, efpEntryId, bcmFieldIpTypeAny ) );
+   SDK_FIELD_CALL( bcm_field_qualify_IngressClassField( unit, efpEntryId, i2eClassId.value(), BCM_FIELD_EXACT_MATCH_MASK ) );
+   SDK_FIELD_CALL( bcm_field_action_add( unit, efpEntryId, bcmFieldActionDrop, 0, 0 ) );
+   // clang-format on
+   S32 const BCM_E_NONE = Shim::sdk_->successCode();
+   S32 const rc = efpTcamManager()->installEntry( unit, efpEntryId );
+   QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
+}
+
+bool Sm::updateEfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
+                               VornalPortList const & portsToRemove, VornalPortList const & ports,
+                               bool add ) {
+   TRACE( smTrace, 5,
+          "updateEfpTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   efpTcamEntries( unit, tepIp, portsToRemove, false );
+   return efpTcamEntries( unit, tepIp, ports, add );
+}
+
+void Sm::updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId,
+                            bool add ) {
+   TRACE( smTrace, 5,
+          "updateTcamEntries"
+             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add
+             << ", intfId: " << intfId );
+   PortListsOnUpdate const lists = getPortListsOnUpdate( unit, tepIp, intfId, add );
+   if ( lists.portList().isEmpty() && lists.prevPortList().isEmpty() ) {
+      TRACE( smTrace, 7,
+             "updateTcamEntries"
+                << ", no update needed" );
+      return;
+   }
+   updateEfpTcamEntries( unit, tepIp, lists.prevPortList(), lists.portList(), add );
+}
+
+}  // namespace Vornal

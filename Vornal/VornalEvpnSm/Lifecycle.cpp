@@ -1,0 +1,183 @@
+// How the state machine starts, switches its notifications, and ends.
+
+#include <Kiv/OrEmpty.h>
+#include <Kiv/Rows.h>
+#include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
+#include <VornalEvpnSm/Module.h>
+
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm )
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment )
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus )
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig )
+
+namespace Vornal {
+
+using Kiv::orEmpty;
+
+EvpnMultihomingLocalBiasSm::EvpnMultihomingLocalBiasSm(
+   Quelm::Ptr< VornalCommonSmData const > const & vcsd,
+   Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
+   Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
+   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+   Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
+   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
+   Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
+   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping )
+      : vcsd_( vcsd ),
+        oxaEvpnTepSegmentDir_( oxaEvpnTepSegmentDir ),
+        vpIndexStatus_( vpIndexStatus ),
+        evpnStatus_( evpnStatus ),
+        vtiStatusDir_( vtiStatusDir ),
+        tcamManager_( tcamManager ),
+        clock_( clock ),
+        lagConfigDir_( lagConfigDir ),
+        lagPhyIntfMapping_( lagPhyIntfMapping ),
+        kivClock_( std::make_unique< KivClock >( clock, this ) ),
+        vcsdDispatch_( vcsd,
+                       [ this ]( Kiv::Change const & change ) {
+                          if ( change.attribute() == VornalCommonSmData::vornalIntfToPortAttr() ) {
+                             handleVornalIntfToPort( change.key< Pelk::IntfId >() );
+                          }
+                       } ),
+        oxaEvpnTepSegmentDirDispatch_( oxaEvpnTepSegmentDir,
+                                       [ this ]( Kiv::Change const & change ) {
+                                          if ( change.attribute() ==
+                                               Oxa::EvpnTepSegmentDir::tepSegmentAttr() ) {
+                                             handleTepSegmentChange(
+                                                change.key< Pelk::IpGenAddr >() );
+                                          }
+                                       } ),
+        vpIndexStatusDispatch_( vpIndexStatus,
+                                [ this ]( Kiv::Change const & change ) {
+                                   if ( change.attribute() ==
+                                        VornalCentral::VpIndexStatus::remoteVportAttr() ) {
+                                      handleRemoteVport(
+                                         change.key< VornalCentral::RemoteVtepKey >() );
+                                   }
+                                } ),
+        evpnStatusDispatch_( evpnStatus,
+                             [ this ]( Kiv::Change const & change ) {
+                                if ( change.attribute() == Evpn::EvpnStatus::segmentStatusAttr() ) {
+                                   handleSegmentStatus();
+                                }
+                             } ),
+        vtiStatusDirDispatch_( vtiStatusDir,
+                               [ this ]( Kiv::Change const & change ) {
+                                  if ( change.attribute() ==
+                                       Vxlan::VtiStatusDir::vtiStatusAttr() ) {
+                                     handleVtiStatusChange( change.key< Pelk::IntfId >() );
+                                  }
+                               } ),
+        tcamManagerDispatch_( tcamManager,
+                              [ this ]( Kiv::Change const & change ) {
+                                 if ( change.attribute() ==
+                                         VornalTcamEntryManager::exhaustedAttr() &&
+                                      !isZombie() ) {
+                                    handleTcamExhaustion();
+                                 }
+                              } ),
+        lagPhyIntfMappingDispatch_( lagPhyIntfMapping, [ this ]( Kiv::Change const & change ) {
+           if ( change.attribute() == Lag::LagPhyIntfMapping::lagPhyIntfConfigAttr() ) {
+              handleLagPhyIntfConfigChange( change.key< Pelk::IntfId >() );
+           }
+        } ) {
+   handleSegmentStatus();
+   for ( auto iter = orEmpty( oxaEvpnTepSegmentDir ).tepSegmentIter(); iter; ++iter ) {
+      oxaEvpnTepSegmentIs( iter.value() );
+   }
+   for ( auto iter = orEmpty( vtiStatusDir ).vtiStatusIter(); iter; ++iter ) {
+      vtiStatusIs( iter.value() );
+   }
+   for ( auto iter = orEmpty( lagPhyIntfMapping ).lagPhyIntfConfigIter(); iter; ++iter ) {
+      lagPhyIntfConfigIs( iter.value() );
+   }
+}
+
+// The variants' destructors have switched off what they added. No rule is deleted.
+EvpnMultihomingLocalBiasSm::~EvpnMultihomingLocalBiasSm() {
+   EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( false );
+   EvpnMultihomingLocalBiasSm::kivDoZombieReactors( true );
+}
+
+void EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( bool active ) {
+   if ( active == hasNotificationActive() ) {
+      return;
+   }
+   Entity::hasNotificationActiveIs( active );
+   vcsdDispatch_.hasNotificationActiveIs( active );
+   oxaEvpnTepSegmentDirDispatch_.hasNotificationActiveIs( active );
+   vpIndexStatusDispatch_.hasNotificationActiveIs( active );
+   evpnStatusDispatch_.hasNotificationActiveIs( active );
+   vtiStatusDirDispatch_.hasNotificationActiveIs( active );
+   tcamManagerDispatch_.hasNotificationActiveIs( active );
+   kivClock_->hasNotificationActiveIs( active );
+   lagPhyIntfMappingDispatch_.hasNotificationActiveIs( active );
+   Kiv::nestedNotificationActiveIs( oxaEvpnTepSegment_, active );
+   Kiv::nestedNotificationActiveIs( vtiStatus_, active );
+   Kiv::nestedNotificationActiveIs( lagPhyIntfConfig_, active );
+}
+
+void EvpnMultihomingLocalBiasSm::kivDoZombieReactors( bool zombie ) {
+   Entity::kivDoZombieReactors( zombie );
+   Kiv::nestedZombieIs( oxaEvpnTepSegment_, zombie );
+   Kiv::nestedZombieIs( vtiStatus_, zombie );
+   Kiv::nestedZombieIs( lagPhyIntfConfig_, zombie );
+   kivClock_->isZombieIs( zombie );
+}
+
+void EvpnMultihomingLocalBiasSm::handleInitialized() {
+   TRACE( smTrace, 5, "handleInitialized" );
+   initializedIs( true );
+   handleTepSegment();
+   for ( auto iter = vtiStatusIter(); iter; ++iter ) {
+      iter.value()->handleVrfToVniMap();
+   }
+}
+
+void EvpnMultihomingLocalBiasSm::handleTepSegmentChange( Pelk::IpGenAddr const & tepIp ) {
+   if ( !isZombie() ) {
+      handleTepSegment( tepIp );
+   }
+   if ( auto const segment = oxaEvpnTepSegmentDir()->tepSegment( tepIp ) ) {
+      oxaEvpnTepSegmentIs( segment );
+   } else {
+      oxaEvpnTepSegmentDel( tepIp );
+   }
+}
+
+void EvpnMultihomingLocalBiasSm::handleVtiStatusChange( Pelk::IntfId const & intfId ) {
+   if ( auto const status = vtiStatusDir()->vtiStatus( intfId ) ) {
+      vtiStatusIs( status );
+   } else {
+      vtiStatusDel( intfId );
+   }
+}
+
+void EvpnMultihomingLocalBiasSm::handleLagPhyIntfConfigChange( Pelk::IntfId const & intfId ) {
+   if ( auto const config = lagPhyIntfMapping()->lagPhyIntfConfig( intfId ) ) {
+      lagPhyIntfConfigIs( config );
+   } else {
+      lagPhyIntfConfigDel( intfId );
+   }
+}
+
+void EvpnMultihomingLocalBiasSm::oxaEvpnTepSegmentIs(
+   Quelm::Ptr< Oxa::EvpnTepSegment const > const & segment ) {
+   Kiv::nestedIs( *this, oxaEvpnTepSegmentAttr(), oxaEvpnTepSegment_, segment, true );
+}
+
+void EvpnMultihomingLocalBiasSm::vtiStatusIs(
+   Quelm::Ptr< Vxlan::VtiStatus const > const & status ) {
+   Kiv::nestedIs( *this, vtiStatusAttr(), vtiStatus_, status, hasNotificationActive() );
+}
+
+void EvpnMultihomingLocalBiasSm::lagPhyIntfConfigIs(
+   Quelm::Ptr< Lag::LagPhyIntfConfig const > const & config ) {
+   Kiv::nestedIs( *this, lagPhyIntfConfigAttr(), lagPhyIntfConfig_, config, true );
+}
+
+EvpnMultihomingLocalBiasSm::KivClock::KivClock( Quelm::Ptr< Kiv::Clock > const & clock,
+                                                EvpnMultihomingLocalBiasSm * machine )
+      : reactor_( clock, [ machine ] { machine->handleTime(); } ) {}
+
+}  // namespace Vornal

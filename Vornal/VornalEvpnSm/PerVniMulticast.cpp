@@ -1,0 +1,181 @@
+// The rules that keep known L3 multicast of routed VNIs out of the filter.
+//
+// Per VNI that a VRF is mapped to on the tunnel interface, and per unit, one action-less entry
+// matches that VNI's known L3 multicast, at a priority above the VTEPs' entries. Entries follow the
+// map while this switch has Ethernet segments and the toggle "SbdEvpnTcamOverrideRule" is on. An
+// entry that could not be obtained is queued by VRF, and retried by handleTime().
+//
+// The record of installed entries is keyed by VNI alone. It therefore serves switches with one
+// unit: on the second unit, releasing finds nothing left to release, and installing fails its
+// assertion.
+//
+// The line numbers are those by which support tools know the calls.
+
+#include <FeatureToggle/FeatureToggle.h>
+#include <Kiv/OrEmpty.h>
+#include <Shim/FieldCall.h>
+#include <VornalCentral/Capabilities.h>
+#include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
+#include <VornalEvpnSm/Module.h>
+
+namespace Vornal {
+
+using Kiv::orEmpty;
+using VtiSm = EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus;
+
+namespace {
+
+constexpr char const * kVniEntryName = "Skip shared ES pruning for packets with vni %d - No-op";
+constexpr U32 kVniEntryPriority = 2;
+
+constexpr char const * kMapSignature =
+   "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
+   "U32, U32)";
+constexpr char const * kCleanupSignature =
+   "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::doCleanup()";
+
+Pelk::IntfId tunnelIntf() {
+   return Pelk::IntfId::fromString( "Vxlan1" );
+}
+
+}  // namespace
+
+VtiSm::NestedSm_VtiStatus( Notifier const & status, EvpnMultihomingLocalBiasSm * machine )
+      : NestedReactor( status ) {
+   evpnMultihomingLocalBiasSm_ = machine;
+}
+
+void VtiSm::onAttribute( Kiv::Change const & change ) {
+   if ( change.attribute() == Vxlan::VtiStatus::vrfToVniMapAttr() && hasNotificationActive() ) {
+      handleVrfToVniMapReactor( change );
+   }
+}
+
+void VtiSm::handleVrfToVniMapReactor( Kiv::Change const & change ) {
+   auto const * const oldVni = change.oldValue< Vxlan::VniExtOrNone >();
+   auto const * const newVni = change.newValue< Vxlan::VniExtOrNone >();
+   handleVrfToVniMap( change.key< L3::VrfName >(), oldVni ? oldVni->value() : 0,
+                      newVni ? newVni->value() : 0 );
+}
+
+void VtiSm::handleVrfToVniMap() {
+   for ( auto iter = notifier()->vrfToVniMapIter(); iter; ++iter ) {
+      handleVrfToVniMap( iter.key(), 0, iter.value().value() );
+   }
+}
+
+void VtiSm::handleVrfToVniUnmap() {
+   for ( auto iter = notifier()->vrfToVniMapIter(); iter; ++iter ) {
+      handleVrfToVniMap( iter.key(), iter.value().value(), 0 );
+   }
+}
+
+void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newVni ) {
+   TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
+   auto & machine = *evpnMultihomingLocalBiasSm();
+   if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine.initialized() ) {
+      TRACE( smTrace, 2,
+             "handleVrfToVniMap"
+                << ", SM not initialized yet" );
+      return;
+   }
+   if ( VornalCentral::vornalAttributes()->l3McastExemptFromSplitHorizon() ) {
+      return;
+   }
+   for ( auto iter = orEmpty( machine.vcsd() ).vornalModIdIter(); iter; ++iter ) {
+      if ( oldVni != 0 ) {
+         releaseVniEntry( iter.key(), vrf, oldVni );
+      }
+      if ( newVni != 0 && machine.isEvpn() && !installVniEntry( iter, vrf, newVni ) ) {
+         return;
+      }
+   }
+}
+
+void VtiSm::releaseVniEntry( U16 unit, L3::VrfName const & vrf, U32 oldVni ) {
+   auto & machine = *evpnMultihomingLocalBiasSm();
+   if ( !machine.vniToTcamEntryIdHas( oldVni ) ) {
+      machine.unprogrammedTcamRulesListDel( vrf );
+      return;
+   }
+   TRACE( smTrace, 8, kMapSignature << " old vni " << oldVni );
+   if ( oldVni == Vxlan::VniExtOrNone::kNone ) {
+      return;
+   }
+   U32 const entryId = machine.vniToTcamEntryId( oldVni );
+   QUELM_ASSERT( entryId );
+   machine.tcamManager()->releaseEntry( unit, entryId );
+   TRACE( smTrace, 4,
+          "handleVrfToVniMap"
+             << " freed vni entry ID " << entryId );
+   machine.vniToTcamEntryIdDel( oldVni );
+}
+
+bool VtiSm::installVniEntry( EvpnMultihomingLocalBiasSm::UnitIterator const & iter,
+                             L3::VrfName const & vrf, U32 newV ) {
+   auto & machine = *evpnMultihomingLocalBiasSm();
+   QUELM_ASSERT( !evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV ) );
+   TRACE( smTrace, 8, kMapSignature << " new vni " << newV );
+   if ( newV == Vxlan::VniExtOrNone::kNone ) {
+      return true;
+   }
+   U32 const ifpEntryId =
+      machine.tcamManager()->getEntry( iter.key(),
+                                       Quelm::formatted( kVniEntryName,
+                                                         { std::to_string( newV ) } ),
+                                       VornalTcam::RequestKey() );
+   if ( ifpEntryId == 0 ) {
+      TRACE( smTrace, 2,
+             "handleVrfToVniMap"
+                << " failed to allocate IFP entry ID" );
+      if ( !machine.unprogrammedTcamRulesListHas( vrf ) ) {
+         machine.unprogrammedTcamRulesListIs( vrf, newV );
+      }
+      return false;
+   }
+   TRACE( smTrace, 4,
+          "handleVrfToVniMap"
+             << " allocated IFP entry ID " << ifpEntryId );
+   U32 const BCM_FIELD_PKT_RES_L3MCKNOWN = Shim::sdk_->packetResL3McKnown();
+   // clang-format off
+   SDK_FIELD_CALL_AT( 279, bcm_field_qualify_VxlanNetworkId( iter.key(), ifpEntryId, newV, 0xffffffff ) );
+   SDK_FIELD_CALL_AT( 282, bcm_field_qualify_PacketRes( iter.key(), ifpEntryId, BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK ) );
+   // clang-format on
+   machine.tcamManager()->setPriorityForEntry( iter.key(), ifpEntryId, kVniEntryPriority );
+   machine.tcamManager()->installEntry( iter.key(), ifpEntryId );
+   machine.vniToTcamEntryIdIs( newV, ifpEntryId );
+   return true;
+}
+
+void VtiSm::doCleanup() {
+   TRACE( smTrace, 8,
+          kCleanupSignature << ": "
+                            << "Cleanup" );
+   if ( intfId() != tunnelIntf() ) {
+      TRACE( smTrace, 8,
+             kCleanupSignature << ": "
+                               << "Ignoring VTI interface" << intfId().shortName() );
+      return;
+   }
+   if ( !toggleSbdEvpnTcamOverrideRuleEnabled() ) {
+      return;
+   }
+   auto & machine = *evpnMultihomingLocalBiasSm();
+   for ( auto unit = orEmpty( machine.vcsd() ).vornalModIdIter(); unit; ++unit ) {
+      for ( auto vni = machine.vniToTcamEntryIdIter(); vni; ++vni ) {
+         machine.tcamManager()->releaseEntry( unit.key(), vni.value() );
+         TRACE( smTrace, 4,
+                "doCleanup"
+                   << " freed vni entry ID " << vni.value() );
+         machine.vniToTcamEntryIdDel( vni.key() );
+      }
+   }
+}
+
+bool VtiSm::toggleSbdEvpnTcamOverrideRuleEnabled() {
+   static bool const isEnabled =
+      FeatureToggle::isEnabled( "SbdEvpnTcamOverrideRule", "VornalL3.json", true );
+   return isEnabled;
+}
+
+}  // namespace Vornal

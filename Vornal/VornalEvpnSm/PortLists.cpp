@@ -1,0 +1,11 @@
+#include <VornalEvpnSm/PortLists.h>
+
+namespace Vornal {
+
+SharedESPortInfo::SharedESPortInfo( char const * begin, char const * end )
+      : SharedESPortInfo( Quelm::fromText< SharedESPortInfo >( { begin, end } ) ) {}
+
+PortListsOnUpdate::PortListsOnUpdate( char const * begin, char const * end )
+      : PortListsOnUpdate( Quelm::fromText< PortListsOnUpdate >( { begin, end } ) ) {}
+
+}  // namespace Vornal

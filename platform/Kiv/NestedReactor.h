@@ -1,0 +1,117 @@
+// Nested reactors: one small reactor for each member of a collection that somebody else publishes.
+//
+// A reactor that watches a collection often has to watch every member as well. It then keeps a
+// collection of nested reactors of its own, keyed like the watched one: a nested reactor enters when a
+// member is first seen, is re-pointed when the member is replaced by another object under the same key,
+// and is retired when the member has gone. Retiring puts it out of service, switches its notifications
+// off and, after that, gives it a last word in retired().
+//
+// The owner dropping its collection (in its destructor) is not retiring: nothing is called.
+//
+// Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost: one
+// look-up and one subscription a member. Threads: the activity's.
+#pragma once
+
+#include <string>
+
+#include <Kiv/Entity.h>
+#include <Quelm/Error.h>
+#include <Quelm/Text.h>
+
+namespace Kiv {
+
+// A nested reactor on a T, which has a key of its own.
+template< typename T > class NestedReactor : public Entity {
+ public:
+   using Notifier = Quelm::Ptr< T const >;
+
+   Notifier const & notifier() const { return notifier_; }
+   void notifierIs( Notifier const & notifier ) {
+      notifier_ = notifier;
+      watch_.notifierIs( notifier );
+   }
+
+   auto const & kivKey() const { return notifier_->kivKey(); }
+   std::string identity() const override { return Quelm::textOf( kivKey() ); }
+
+   void hasNotificationActiveIs( bool active ) override {
+      Entity::hasNotificationActiveIs( active );
+      watch_.hasNotificationActiveIs( active );
+   }
+
+   // The reactor has been taken out of its collection because what it watched has gone.
+   virtual void retired() {}
+
+ protected:
+   explicit NestedReactor( Notifier const & notifier )
+         : notifier_( notifier ),
+           watch_( notifier, [ this ]( Change const & change ) {
+              Quelm::Ptr< NestedReactor > const alive( this );  // the handler may retire it
+              onAttribute( change );
+           } ) {}
+
+   // The watched entity has changed.
+   virtual void onAttribute( Change const & change ) = 0;
+
+ private:
+   Notifier notifier_;
+   Watch< T > watch_;
+};
+
+// Nests a reactor on `notifier` in `storage`; one that is built anew has its notifications set to
+// `active`.
+template< typename Owner, typename Key, typename Reactor >
+void nestedIs( Owner & owner, AttributeId attribute,
+               Collection< Key, Quelm::Ptr< Reactor > > & storage,
+               typename Reactor::Notifier const & notifier, bool active ) {
+   if ( !notifier ) {
+      throw Quelm::NullArgumentError( "a nested reactor needs an entity to watch" );
+   }
+   if ( auto const * const reactor = storage.find( notifier->kivKey() ) ) {
+      ( *reactor )->notifierIs( notifier );
+      return;
+   }
+   auto const reactor = Quelm::make< Reactor >( notifier, &owner );
+   reactor->hasNotificationActiveIs( active );
+   Store::put( owner, attribute, storage, notifier->kivKey(), reactor );
+}
+
+// Takes the reactor of `key` out and retires it; without effect when there is none.
+template< typename Owner, typename Key, typename Reactor >
+void nestedDel( Owner & owner, AttributeId attribute,
+                Collection< Key, Quelm::Ptr< Reactor > > & storage, Key const & key ) {
+   if ( auto const reactor = Store::remove( owner, attribute, storage, key ) ) {
+      reactor->kivDoZombieReactors( true );
+      reactor->hasNotificationActiveIs( false );
+      reactor->retired();
+   }
+}
+
+template< typename Owner, typename Key, typename Reactor >
+void nestedDelAll( Owner & owner, AttributeId attribute,
+                   Collection< Key, Quelm::Ptr< Reactor > > & storage ) {
+   while ( Key const * const key = storage.firstKey() ) {
+      nestedDel( owner, attribute, storage, Key( *key ) );
+   }
+}
+
+// Switches the notifications of every nested reactor.
+template< typename Key, typename Reactor >
+void nestedNotificationActiveIs( Collection< Key, Quelm::Ptr< Reactor > > const & storage,
+                                 bool active ) {
+   for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, nullptr ); iter;
+         ++iter ) {
+      iter.value()->hasNotificationActiveIs( active );
+   }
+}
+
+// Puts every nested reactor out of service, or back into it.
+template< typename Key, typename Reactor >
+void nestedZombieIs( Collection< Key, Quelm::Ptr< Reactor > > const & storage, bool zombie ) {
+   for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, nullptr ); iter;
+         ++iter ) {
+      iter.value()->kivDoZombieReactors( zombie );
+   }
+}
+
+}  // namespace Kiv
