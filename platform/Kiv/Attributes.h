@@ -27,8 +27,8 @@
 // KIV_COLLECTION( efpEntryId, VornalPort, U32, efpEntryIds ).
 //
 // Reading what is absent gives the type's default; xDel gives back what was removed, or the default.
-// References are read as references to const through a const entity. xIter() starts a walk (see
-// Kiv/Collection.h).
+// Members are looked up as references to const through a const entity; what a reference line or a
+// walk gives is as declared. xIter() starts a walk (see Kiv/Collection.h).
 //
 // KIV_DEFINE( Namespace::Class ), once in a source file, builds the table and registers the type.
 // Types that are created by name only (mounted entities) use KIV_DEFINE_NAMED.

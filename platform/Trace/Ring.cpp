@@ -51,9 +51,9 @@ Ring::Decoded decoded( Slot const & slot ) {
 }  // namespace
 
 Ring::Ring( std::span< std::byte > memory ) : memory_( memory ), slots_( memory.size() / kSlotSize ) {
-   if ( slots_ < 2 ) {
+   if ( slots_ < 2 || reinterpret_cast< std::uintptr_t >( memory.data() ) % alignof( Slot ) != 0 ) {
       throw Quelm::RangeError( "a trace ring needs at least " + std::to_string( sizeFor( 1 ) ) +
-                               " bytes" );
+                               " bytes, aligned to " + std::to_string( alignof( Slot ) ) );
    }
    --slots_;
    std::memset( memory_.data(), 0, memory_.size() );
@@ -64,7 +64,9 @@ Ring::Ring( std::span< std::byte > memory ) : memory_( memory ), slots_( memory.
 void Ring::lineNew( Line const & line ) {
    std::byte * const place = memory_.data() + ( 1 + next_ % slots_ ) * kSlotSize;
    auto * const state = reinterpret_cast< U64 * >( place );
-   std::atomic_ref< U64 >( *state ).store( 0, std::memory_order_release );
+   std::atomic_ref< U64 >( *state ).store( 0, std::memory_order_relaxed );
+   // Keeps the compiler from writing the new line before the mark; the processor stops in order.
+   std::atomic_signal_fence( std::memory_order_release );
 
    Slot slot{};
    std::size_t const size = std::min( line.text.size(), sizeof slot.text );

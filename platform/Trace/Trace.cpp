@@ -112,16 +112,22 @@ void ringIs( Ring * ring ) {
 }
 
 void levelsIs( std::string const & names, std::string_view levels ) {
-   shared().textSettings.push_back( { names, parseLevels( levels ) } );
+   Setting const setting{ names, parseLevels( levels ) };
+   shared().textSettings.push_back( setting );
    for ( Handle * const handle : shared().handles ) {
-      handle->textLevelsIs( levelsFor( shared().textSettings, handle->name() ) );
+      if ( setting.applies( handle->name() ) ) {
+         handle->textLevelsIs( setting.levels );
+      }
    }
 }
 
 void ringLevelsIs( std::string const & names, std::string_view levels ) {
-   shared().ringSettings.push_back( { names, parseLevels( levels ) } );
+   Setting const setting{ names, parseLevels( levels ) };
+   shared().ringSettings.push_back( setting );
    for ( Handle * const handle : shared().handles ) {
-      handle->ringLevelsIs( levelsFor( shared().ringSettings, handle->name() ) );
+      if ( setting.applies( handle->name() ) ) {
+         handle->ringLevelsIs( setting.levels );
+      }
    }
 }
 

@@ -1,0 +1,40 @@
+# The commands of the project; README.md says what each is for.
+PREFIX ?= /usr/local
+DESTDIR ?=
+
+.PHONY: run test check bench install build format clean bootstrap
+.NOTPARALLEL:
+
+run: build
+	@build/release/vornal run scenarios/start-up/scenario.yaml
+
+test: build/release/build.ninja
+	@cmake --build --preset release
+	@ctest --preset release
+
+check:
+	@tools/check
+
+bench:
+	@tools/bootstrap bench
+	@cmake --preset release
+	@cmake --build --preset release --target run-benchmarks
+
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+build: build/release/build.ninja
+	@cmake --build --preset release --target vornal
+
+format:
+	@tools/bootstrap check
+	@tools/format -i
+
+clean:
+	rm -rf build
+
+bootstrap:
+	@tools/bootstrap
+
+build/release/build.ninja: CMakePresets.json | bootstrap
+	@cmake --preset release

@@ -1,0 +1,53 @@
+# What `make install` puts where. Programs and libraries find each other by relative paths, so that
+# the installed tree can be moved.
+include( CMakePackageConfigHelpers )
+
+set( packageDir lib/cmake/VornalPlatform )
+
+# install_library_ring( <ring> ): a shared library that plug-ins are compiled against, its headers
+# under include/vornal/<ring>, and its place in the CMake package as Vornal::<ring>.
+function( install_library_ring ring )
+   set_target_properties( ${ring} PROPERTIES INSTALL_RPATH "$ORIGIN" )
+   target_include_directories( ${ring} INTERFACE $<INSTALL_INTERFACE:include/vornal/${ring}> )
+   install( TARGETS ${ring} EXPORT VornalPlatform LIBRARY DESTINATION lib )
+   install(
+      DIRECTORY ${CMAKE_SOURCE_DIR}/${ring}/
+      DESTINATION include/vornal/${ring}
+      FILES_MATCHING
+      PATTERN *.h )
+endfunction()
+
+if( TARGET platform AND TARGET hardware-access )
+   install_library_ring( platform )
+   install_library_ring( hardware-access )
+   install(
+      EXPORT VornalPlatform
+      NAMESPACE Vornal::
+      DESTINATION ${packageDir}
+      FILE VornalPlatformTargets.cmake )
+   configure_package_config_file(
+      ${CMAKE_SOURCE_DIR}/cmake/VornalPlatformConfig.cmake.in
+      ${CMAKE_BINARY_DIR}/VornalPlatformConfig.cmake
+      INSTALL_DESTINATION ${packageDir} )
+   write_basic_package_version_file(
+      ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake COMPATIBILITY SameMinorVersion )
+   install(
+      FILES
+         ${CMAKE_BINARY_DIR}/VornalPlatformConfig.cmake
+         ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake
+      DESTINATION ${packageDir} )
+endif()
+
+if( TARGET VornalEvpn )
+   set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/../.." )
+   install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
+endif()
+
+if( TARGET vornal )
+   set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
+   install( TARGETS vornal RUNTIME DESTINATION bin )
+endif()
+
+install( DIRECTORY scenarios DESTINATION share/vornal OPTIONAL )
+file( GLOB schemas CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/*/*.schema.json )
+install( FILES ${schemas} DESTINATION share/vornal )

@@ -1,0 +1,61 @@
+# A ring is a folder of the root that becomes one target (or two), named in the folder's own
+# CMakeLists.txt. Its sources are whatever .cpp files lie in it, so a new file needs no new line
+# here or there.
+
+# ring_sources( <variable> [<pattern to leave out>] ): all .cpp files at and below this folder.
+function( ring_sources variable )
+   file( GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp )
+   if( ARGC GREATER 1 )
+      list( FILTER sources EXCLUDE REGEX "${ARGV1}" )
+   endif()
+   set( ${variable} ${sources} PARENT_SCOPE )
+endfunction()
+
+# add_ring( <folder> [NEEDS <folder>...] ): adds the folder. A folder without a source file is left
+# out, and so is one that needs it; the configure step says so.
+function( add_ring folder )
+   cmake_parse_arguments( PARSE_ARGV 1 ring "" "" "NEEDS" )
+   file( GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp )
+   if( NOT sources )
+      message( STATUS "${folder}: left out, it holds no source file" )
+      return()
+   endif()
+   foreach( needed IN LISTS ring_NEEDS )
+      if( NOT TARGET ${needed} )
+         message( STATUS "${folder}: left out, it needs ${needed}" )
+         return()
+      endif()
+   endforeach()
+   add_subdirectory( ${folder} )
+endfunction()
+
+# seal( <target> ): a shared object of ours must find every symbol in the libraries that it names,
+# so that nothing is silently taken from the process that loads it. clang's sanitizers do just that,
+# hence the exception.
+function( seal target )
+   if( NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize" )
+      target_link_options( ${target} PRIVATE -Wl,--no-undefined )
+   endif()
+endfunction()
+
+# add_ring_test( <ring> <library>... ): the executable test-<ring> of all .cpp files in this folder;
+# each TEST in it becomes a test of ctest, named <ring>/<suite>.<test>, and runs in a process of its
+# own.
+function( add_ring_test ring )
+   ring_sources( sources )
+   if( NOT sources )
+      return()
+   endif()
+   set( target test-${ring} )
+   add_executable( ${target} ${sources} )
+   target_include_directories( ${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} )
+   target_link_libraries( ${target} PRIVATE ${ARGN} GTest::gtest GTest::gtest_main rapidcheck )
+   target_compile_definitions(
+      ${target}
+      PRIVATE VORNAL_SOURCE_DIR="${CMAKE_SOURCE_DIR}" VORNAL_BINARY_DIR="${CMAKE_BINARY_DIR}" )
+   gtest_discover_tests(
+      ${target}
+      TEST_PREFIX ${ring}/
+      DISCOVERY_MODE PRE_TEST
+      PROPERTIES TIMEOUT 60 LABELS ${ring} )
+endfunction()

@@ -1,0 +1,176 @@
+// The five operations of a collection: read, ask, set, delete, delete all; and the factories of
+// collections of entities.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <vector>
+
+#include "support/Journal.h"
+#include "support/Switch.h"
+
+namespace KivCollectionTest {
+
+using Kiv::Change;
+using Quelm::Ptr;
+using Support::FabricPort;
+using Support::Journal;
+using Support::Port;
+using Support::Switch;
+using Watch = Kiv::Watch< Switch >;
+
+class KivCollection : public testing::Test {
+ protected:
+   Ptr< Switch > leaf1 = Quelm::make< Switch >( "leaf1" );
+};
+
+TEST_F( KivCollection, startsEmpty ) {
+   EXPECT_EQ( leaf1->routes(), 0U );
+   EXPECT_FALSE( leaf1->routeHas( "default" ) );
+   EXPECT_FALSE( leaf1->vlanHas( 100 ) );
+   EXPECT_FALSE( leaf1->portIter() );
+}
+
+TEST_F( KivCollection, whatWasSetIsRead ) {
+   leaf1->routeIs( "default", 7 );
+   EXPECT_TRUE( leaf1->routeHas( "default" ) );
+   EXPECT_EQ( leaf1->route( "default" ), 7U );
+   EXPECT_EQ( leaf1->routes(), 1U );
+   leaf1->routeIs( "default", 8 );
+   EXPECT_EQ( leaf1->route( "default" ), 8U );
+   EXPECT_EQ( leaf1->routes(), 1U );
+}
+
+TEST_F( KivCollection, absentMemberReadsAsTheDefault ) {
+   leaf1->routeIs( "default", 7 );
+   EXPECT_EQ( leaf1->route( "10.0.0.0/8" ), 0U );
+   EXPECT_EQ( leaf1->note( 5 ), "" );
+   EXPECT_EQ( leaf1->port( 5 ), nullptr );
+   EXPECT_EQ( leaf1->routes(), 1U );
+}
+
+TEST_F( KivCollection, setGivesBackTheStoredSlot ) {
+   U32 const & stored = leaf1->routeIs( "default", 7 );
+   EXPECT_EQ( stored, 7U );
+   U32 const & again = leaf1->routeIs( "default", 8 );
+   EXPECT_EQ( &again, &stored );
+   EXPECT_EQ( stored, 8U );
+   EXPECT_EQ( &leaf1->routeIs( "default", 8 ), &stored );
+}
+
+TEST_F( KivCollection, setGivesBackTheStoredSlotWhenSomebodyWatches ) {
+   Watch watch( leaf1, []( Change const & ) {} );
+   watch.hasNotificationActiveIs( true );
+   std::string const & stored = leaf1->noteIs( 5, "to leaf2" );
+   leaf1->noteIs( 5, "to leaf3" );
+   EXPECT_EQ( stored, "to leaf3" );
+}
+
+TEST_F( KivCollection, setGivesBackWhatASubscriberHasMadeOfIt ) {
+   Watch watch( leaf1, [ this ]( Change const & ) { leaf1->routeIs( "default", 100 ); } );
+   watch.hasNotificationActiveIs( true );
+   EXPECT_EQ( leaf1->routeIs( "default", 7 ), 100U );
+}
+
+TEST_F( KivCollection, setGivesBackTheDefaultWhenASubscriberHasRemovedTheMember ) {
+   Watch watch( leaf1, [ this ]( Change const & ) { leaf1->noteDel( 5 ); } );
+   watch.hasNotificationActiveIs( true );
+   EXPECT_EQ( leaf1->noteIs( 5, "to leaf2" ), "" );
+   EXPECT_FALSE( leaf1->noteHas( 5 ) );
+}
+
+TEST_F( KivCollection, deletingGivesBackWhatWasRemoved ) {
+   leaf1->noteIs( 5, "to leaf2" );
+   EXPECT_EQ( leaf1->noteDel( 5 ), "to leaf2" );
+   EXPECT_FALSE( leaf1->noteHas( 5 ) );
+   Ptr< Port > const port = leaf1->portIs( 5 );
+   EXPECT_EQ( leaf1->portDel( 5 ), port );
+   leaf1->vlanIs( 100 );
+   EXPECT_TRUE( leaf1->vlanDel( 100 ) );
+}
+
+TEST_F( KivCollection, deletingWhatIsAbsentGivesBackTheDefault ) {
+   EXPECT_EQ( leaf1->noteDel( 5 ), "" );
+   EXPECT_EQ( leaf1->routeDel( "default" ), 0U );
+   EXPECT_EQ( leaf1->portDel( 5 ), nullptr );
+   EXPECT_FALSE( leaf1->vlanDel( 100 ) );
+}
+
+TEST_F( KivCollection, deletingAllLeavesNothing ) {
+   leaf1->noteIs( 5, "to leaf2" );
+   leaf1->noteIs( 6, "to leaf3" );
+   leaf1->noteDelAll();
+   EXPECT_FALSE( leaf1->noteHas( 5 ) || leaf1->noteHas( 6 ) );
+   leaf1->noteDelAll();
+   EXPECT_FALSE( leaf1->noteIter() );
+}
+
+TEST_F( KivCollection, keyMayBeTheMembersOwn ) {
+   leaf1->routeIs( "a prefix too long to be kept inside the string object itself", 7 );
+   Journal seen;
+   Support::Scribe const scribe( leaf1, seen );
+   leaf1->routeDel( leaf1->routeIter().key() );
+   EXPECT_EQ( seen, Journal{ "leaf1 route[\"a prefix too long to be kept inside the string object "
+                             "itself\"]: 7 -> absent" } );
+   leaf1->portIs( 5 );
+   leaf1->portDel( leaf1->port( 5 )->number() );
+   EXPECT_EQ( leaf1->ports(), 0U );
+}
+
+TEST_F( KivCollection, valueMayBeAMembersOwn ) {
+   leaf1->noteIs( 5, "a note too long to be kept inside the string object itself" );
+   leaf1->noteIs( 6, leaf1->note( 5 ) );
+   leaf1->noteIs( 5, leaf1->note( 6 ) );
+   EXPECT_EQ( leaf1->note( 6 ), "a note too long to be kept inside the string object itself" );
+   EXPECT_EQ( leaf1->note( 5 ), leaf1->note( 6 ) );
+}
+
+TEST_F( KivCollection, membersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
+   for ( U16 const vlan : std::vector< U16 >{ 300, 7, 4094, 100 } ) {
+      leaf1->vlanIs( vlan );
+   }
+   std::vector< U16 > walked;
+   for ( auto iter = leaf1->vlanIter(); iter; ++iter ) {
+      walked.push_back( iter.key() );
+   }
+   EXPECT_EQ( walked, ( std::vector< U16 >{ 7, 100, 300, 4094 } ) );
+}
+
+TEST_F( KivCollection, factoryMakesTheMemberOfAKeyOnce ) {
+   Ptr< Port > const port = leaf1->portIs( 5 );
+   EXPECT_EQ( port->number(), 5 );
+   EXPECT_EQ( leaf1->portIs( 5 ), port );
+   EXPECT_EQ( leaf1->port( 5 ), port );
+   EXPECT_EQ( leaf1->ports(), 1U );
+}
+
+TEST_F( KivCollection, memberMadeElsewhereEntersUnderItsOwnKey ) {
+   Ptr< FabricPort > const port = Quelm::make< FabricPort >( U16{ 9 }, U8{ 2 } );
+   leaf1->fabricPortIs( port );
+   EXPECT_EQ( leaf1->fabricPort( 9 ), port );
+   Ptr< FabricPort > const other = Quelm::make< FabricPort >( U16{ 9 }, U8{ 3 } );
+   leaf1->fabricPortIs( other );
+   EXPECT_EQ( leaf1->fabricPort( 9 ), other );
+   EXPECT_EQ( port->users(), 1U );
+}
+
+TEST_F( KivCollection, constEntityGivesItsMembersAsConst ) {
+   leaf1->portIs( 5 );
+   Ptr< Switch const > const readOnly = leaf1;
+   static_assert( std::is_same_v< decltype( readOnly->port( 5 ) ), Ptr< Port const > > );
+   EXPECT_EQ( readOnly->port( 5 )->number(), 5 );
+}
+
+TEST_F( KivCollection, removedMemberLivesAsLongAsItIsReferredTo ) {
+   Ptr< Port > const port = leaf1->portIs( 5 );
+   leaf1->portDelAll();
+   EXPECT_EQ( port->users(), 1U );
+   port->speedIs( 100 );
+   EXPECT_NE( leaf1->portIs( 5 ), port );
+}
+
+TEST_F( KivCollection, missingMemberCannotBeInserted ) {
+   EXPECT_EXIT( leaf1->portIs( Ptr< Port >() ), testing::KilledBySignal( SIGABRT ),
+                "Assertion '\"reference is not empty\" && target_' failed\\." );
+}
+
+}  // namespace KivCollectionTest

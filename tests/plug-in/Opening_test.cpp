@@ -1,0 +1,136 @@
+// The real VornalEvpn.so is opened and closed: opening it brings the plug-in's types, log messages,
+// trace handles and mounter into the process, and closing it takes all of them out again.
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+#include <string>
+#include <vector>
+
+#include <Kiv/Type.h>
+#include <Log/Log.h>
+#include <Plugin/Mounter.h>
+#include <Trace/Trace.h>
+
+namespace OpeningTest {
+
+using Names = std::vector< std::string >;
+
+constexpr char const * kPlugIn = VORNAL_BINARY_DIR "/VornalEvpn.so";
+
+Names typeNames() {
+   Names names;
+   for ( Kiv::Type const * const type : Kiv::types() ) {
+      names.push_back( type->name() );
+   }
+   return names;
+}
+
+Names logNames() {
+   Names names;
+   for ( Log::Descriptor const * const descriptor : Log::descriptors() ) {
+      names.push_back( descriptor->name );
+   }
+   return names;
+}
+
+Names mounterNames() {
+   Names names;
+   for ( Plugin::MounterRegistration const * const registration : Plugin::registeredMounters() ) {
+      names.push_back( registration->name() );
+   }
+   return names;
+}
+
+// The plug-in, open as long as this object lives, as the agent opens it.
+class Opened {
+ public:
+   Opened() : handle_( dlopen( kPlugIn, RTLD_NOW | RTLD_LOCAL ) ) {
+      EXPECT_TRUE( handle_ ) << dlerror();
+   }
+   Opened( Opened const & ) = delete;
+   Opened & operator=( Opened const & ) = delete;
+   ~Opened() {
+      if ( handle_ ) {
+         dlclose( handle_ );
+      }
+   }
+
+ private:
+   void * handle_;
+};
+
+bool isLoaded() {
+   void * const handle = dlopen( kPlugIn, RTLD_NOW | RTLD_NOLOAD );
+   if ( handle ) {
+      dlclose( handle );
+   }
+   return handle != nullptr;
+}
+
+TEST( PlugIn, offersItsMounterWhenItIsOpened ) {
+   EXPECT_EQ( mounterNames(), Names{} );
+   Opened const plugIn;
+   ASSERT_EQ( mounterNames(), Names{ "Vornal::VornalEvpnMounter" } );
+   auto const mounter = Plugin::registeredMounters().front()->mounterNew();
+   EXPECT_EQ( mounter->typeData().name(), "Vornal::VornalEvpnMounter" );
+   EXPECT_EQ( mounter->typeData().attributes().size(), 16U );
+}
+
+TEST( PlugIn, bringsItsEntityTypes ) {
+   for ( char const * const name :
+         { "Vornal::VornalEvpnMounter", "Vornal::EvpnDependencyWaiter",
+           "Vornal::EvpnMultihomingLocalBiasSm", "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm",
+           "Vornal::EvpnMultihomingLocalBiasWithI2EClassIdSm" } ) {
+      EXPECT_EQ( Kiv::typeNamed( name ), nullptr ) << name;
+      Opened const plugIn;
+      EXPECT_NE( Kiv::typeNamed( name ), nullptr ) << name;
+   }
+}
+
+TEST( PlugIn, bringsItsLogMessages ) {
+   EXPECT_EQ( logNames(), Names{} );
+   Opened const plugIn;
+   EXPECT_EQ( logNames(), ( Names{ "MULTIHOMING_TCAM_RESOURCE_RECOVERED",
+                                   "MULTIHOMING_TCAM_RESOURCE_FULL", "VORNAL_UNEXPECTED_RESTART",
+                                   "VORNAL_CONFIG_CHANGE" } ) );
+}
+
+TEST( PlugIn, tracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening ) {
+   Names traced;
+   Trace::sinkIs( [ & ]( Trace::Line const & line ) { traced.emplace_back( line.handle ); } );
+   Trace::levelsIs( "VornalEvpn*", "8" );
+   {
+      Opened const plugIn;
+      Plugin::registeredMounters().front()->mounterNew();
+      EXPECT_EQ( traced, Names{ "VornalEvpnMounter" } );
+      Trace::levelsIs( "VornalEvpn*", "" );
+      Plugin::registeredMounters().front()->mounterNew();
+   }
+   EXPECT_EQ( traced.size(), 1U );
+   Trace::levelsIs( "VornalEvpn*", "8" );  // reaches no handle that has gone
+   Trace::sinkIs( {} );
+}
+
+TEST( PlugIn, leavesNothingBehindWhenItIsClosed ) {
+   Names const before = typeNames();
+   { Opened const plugIn; }
+   EXPECT_FALSE( isLoaded() );
+   EXPECT_EQ( typeNames(), before );
+   EXPECT_EQ( logNames(), Names{} );
+   EXPECT_EQ( mounterNames(), Names{} );
+}
+
+TEST( PlugIn, canBeOpenedAgain ) {
+   Names firstTypes;
+   {
+      Opened const plugIn;
+      firstTypes = typeNames();
+   }
+   Opened const plugIn;
+   EXPECT_EQ( typeNames(), firstTypes );
+   EXPECT_EQ( logNames().size(), 4U );
+   EXPECT_EQ( mounterNames().size(), 1U );
+}
+
+}  // namespace OpeningTest
