@@ -20,8 +20,8 @@ class FilledChip {
            group( *board.units().group( 0, Vornal::kIfpLocalBiasGroup ) ) {
       exemption( BCM_FIELD_PKT_RES_L2UC );
       exemption( BCM_FIELD_PKT_RES_L3UCKNOWN );
-      for ( U16 n = 2; n < rules; ++n ) {
-         n % 4 == 0 ? perVni( n ) : perVtep( n );
+      for ( U32 n = 2; n < rules; ++n ) {
+         n % 4 == 0 ? perVni( n ) : perVtep( static_cast< U16 >( n ) );
       }
    }
 

@@ -17,37 +17,30 @@ function( install_library_ring ring )
       PATTERN *.h )
 endfunction()
 
-if( TARGET platform AND TARGET hardware-access )
-   install_library_ring( platform )
-   install_library_ring( hardware-access )
-   install(
-      EXPORT VornalPlatform
-      NAMESPACE Vornal::
-      DESTINATION ${packageDir}
-      FILE VornalPlatformTargets.cmake )
-   configure_package_config_file(
-      ${CMAKE_SOURCE_DIR}/cmake/VornalPlatformConfig.cmake.in
+install_library_ring( platform )
+install_library_ring( hardware-access )
+install(
+   EXPORT VornalPlatform
+   NAMESPACE Vornal::
+   DESTINATION ${packageDir}
+   FILE VornalPlatformTargets.cmake )
+configure_package_config_file(
+   ${CMAKE_SOURCE_DIR}/cmake/VornalPlatformConfig.cmake.in
+   ${CMAKE_BINARY_DIR}/VornalPlatformConfig.cmake
+   INSTALL_DESTINATION ${packageDir} )
+write_basic_package_version_file(
+   ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake COMPATIBILITY SameMinorVersion )
+install(
+   FILES
       ${CMAKE_BINARY_DIR}/VornalPlatformConfig.cmake
-      INSTALL_DESTINATION ${packageDir} )
-   write_basic_package_version_file(
-      ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake COMPATIBILITY SameMinorVersion )
-   install(
-      FILES
-         ${CMAKE_BINARY_DIR}/VornalPlatformConfig.cmake
-         ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake
-      DESTINATION ${packageDir} )
-endif()
+      ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake
+   DESTINATION ${packageDir} )
 
-if( TARGET VornalEvpn )
-   set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/../.." )
-   install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
-endif()
+set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/../.." )
+install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
 
-if( TARGET vornal )
-   set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
-   install( TARGETS vornal RUNTIME DESTINATION bin )
-endif()
+set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
+install( TARGETS vornal RUNTIME DESTINATION bin )
 
-install( DIRECTORY scenarios DESTINATION share/vornal OPTIONAL )
-file( GLOB schemas CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/*/*.schema.json )
-install( FILES ${schemas} DESTINATION share/vornal )
+install( DIRECTORY scenarios DESTINATION share/vornal )
+install( FILES docs/scenario.schema.json DESTINATION share/vornal )

@@ -11,24 +11,6 @@ function( ring_sources variable )
    set( ${variable} ${sources} PARENT_SCOPE )
 endfunction()
 
-# add_ring( <folder> [NEEDS <folder>...] ): adds the folder. A folder without a source file is left
-# out, and so is one that needs it; the configure step says so.
-function( add_ring folder )
-   cmake_parse_arguments( PARSE_ARGV 1 ring "" "" "NEEDS" )
-   file( GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${folder}/*.cpp )
-   if( NOT sources )
-      message( STATUS "${folder}: left out, it holds no source file" )
-      return()
-   endif()
-   foreach( needed IN LISTS ring_NEEDS )
-      if( NOT TARGET ${needed} )
-         message( STATUS "${folder}: left out, it needs ${needed}" )
-         return()
-      endif()
-   endforeach()
-   add_subdirectory( ${folder} )
-endfunction()
-
 # seal( <target> ): a shared object of ours must find every symbol in the libraries that it names,
 # so that nothing is silently taken from the process that loads it. clang's sanitizers do just that,
 # hence the exception.
@@ -43,9 +25,6 @@ endfunction()
 # own.
 function( add_ring_test ring )
    ring_sources( sources )
-   if( NOT sources )
-      return()
-   endif()
    set( target test-${ring} )
    add_executable( ${target} ${sources} )
    target_include_directories( ${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} )

@@ -115,10 +115,10 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
 
    // The unit's record, for a unit as operations carry it.
    Quelm::Ptr< TepIpToEntry > tepIpToEntry( U32 unit ) {
-      return tepIpToEntry( static_cast< U16 >( unit ) );
+      return unit > 0xffff ? nullptr : tepIpToEntry( static_cast< U16 >( unit ) );
    }
    Quelm::Ptr< TepIpToEntry const > tepIpToEntry( U32 unit ) const {
-      return tepIpToEntry( static_cast< U16 >( unit ) );
+      return unit > 0xffff ? nullptr : tepIpToEntry( static_cast< U16 >( unit ) );
    }
 
    void hasNotificationActiveIs( bool active ) override;
@@ -135,6 +135,11 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
 
  protected:
    using UnitIterator = VornalCommonSmData::vornalModIdIterator;
+
+   // The ports that verification expects of a VTEP on a unit, counted from its segment interfaces.
+   // A physical interface counts on every unit; only members of port channels are told apart by
+   // unit.
+   U32 expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const;
 
  private:
    void handleTepSegmentChange( Pelk::IpGenAddr const & tepIp );

@@ -5,7 +5,7 @@
 
 namespace Vornal {
 
-Quelm::Ptr< EvpnMultihomingLocalBiasWithEgressMaskSm > EvpnMultihomingLocalBiasWithEgressMaskSmIs(
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithEgressMaskSmIs(
    Quelm::Ptr< VornalCommonSmData const > const & vcsd,
    Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
    Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
@@ -37,7 +37,7 @@ Quelm::Ptr< EvpnMultihomingLocalBiasSm > evpnMultihomingLocalBiasWithEgressMaskS
                                                       lagConfigDir, lagPhyIntfMapping );
 }
 
-Quelm::Ptr< EvpnMultihomingLocalBiasWithI2EClassIdSm > EvpnMultihomingLocalBiasWithI2EClassIdSmIs(
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithI2EClassIdSmIs(
    Quelm::Ptr< VornalCommonSmData const > const & vcsd,
    Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
    Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,

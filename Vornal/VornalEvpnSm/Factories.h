@@ -1,7 +1,8 @@
 // How the mounter gets its state machine: one factory a variant.
 //
 // Both build the machine, which walks the existing state and programs the first rules, and then
-// switch its notifications on. Any argument may be empty; a missing input reads as empty.
+// switch its notifications on. Any input may be missing, and reads as empty. An output that is
+// missing (an entry manager, the class-id requests) stops the process when it is first written to.
 #pragma once
 
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>

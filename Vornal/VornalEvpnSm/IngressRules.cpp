@@ -31,9 +31,7 @@ constexpr U32 kIfpEntryPriority = 1;
 // The part that both variants share: obtains and qualifies the entry, or releases it.
 bool EvpnMultihomingLocalBiasSm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
                                                  bool add ) {
-   TRACE( smTrace, 5,
-          "ifpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   TRACE( smTrace, 5, "ifpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    if ( !add ) {
       releaseIfpEntry( unit, tepIp, *unitTepIpToEntry );
@@ -44,14 +42,10 @@ bool EvpnMultihomingLocalBiasSm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const
       tcamManager()->getEntry( unit, Quelm::formatted( kIfpEntryName, { tepIp.stringValue() } ),
                                VornalTcam::RequestKey() );
    if ( entryId == 0 ) {
-      TRACE( smTrace, 2,
-             "ifpTcamEntries"
-                << " failed to allocate IFP entry ID" );
+      TRACE( smTrace, 2, "ifpTcamEntries failed to allocate IFP entry ID" );
       return false;
    }
-   TRACE( smTrace, 4,
-          "ifpTcamEntries"
-             << " allocated IFP entry ID " << entryId );
+   TRACE( smTrace, 4, "ifpTcamEntries allocated IFP entry ID " << entryId );
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    unitTepIpToEntry->entryIdIs( tepIp, entryId );
    if ( NestedSm_VtiStatus::toggleSbdEvpnTcamOverrideRuleEnabled() ) {
@@ -67,9 +61,7 @@ void EvpnMultihomingLocalBiasSm::releaseIfpEntry( U32 unit, Pelk::IpGenAddr cons
    }
    U32 const entryId = unitTepIpToEntry.entryId( tepIp );
    tcamManager()->releaseEntry( unit, entryId );
-   TRACE( smTrace, 4,
-          "ifpTcamEntries"
-             << " freed IFP entry ID " << entryId );
+   TRACE( smTrace, 4, "ifpTcamEntries freed IFP entry ID " << entryId );
    unitTepIpToEntry.entryIdDel( tepIp );
 }
 
@@ -78,9 +70,7 @@ U32 EvpnMultihomingLocalBiasSm::gportOf( Pelk::IpGenAddr const & tepIp ) const {
 }
 
 bool EvpnMultihomingLocalBiasSm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "addTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "addTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    QUELM_ASSERT( !unitTepIpToEntry->entryIdHas( tepIp ) );
    QUELM_ASSERT( !unitTepIpToEntry->esPbmpHas( tepIp ) );
@@ -94,9 +84,7 @@ bool EvpnMultihomingLocalBiasSm::addTcamEntries( U32 unit, Pelk::IpGenAddr const
 }
 
 bool EvpnMultihomingLocalBiasSm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "deleteTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "deleteTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    return ifpTcamEntries( unit, tepIp, false );
 }
 
@@ -124,14 +112,12 @@ void EvpnMultihomingLocalBiasSm::updateTcamEntries( U32, Pelk::IpGenAddr const &
 
 void EvpnMultihomingLocalBiasSm::handleTcamExhaustion() {
    if ( !initialized() ) {
-      TRACE( smTrace, 2,
-             "handleTcamExhaustion"
-                << ", SM not initialized yet" );
+      TRACE( smTrace, 2, "handleTcamExhaustion, SM not initialized yet" );
       return;
    }
    TRACE( smTrace, 5, "handleTcamExhaustion" );
    for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
-      if ( !tcamManager()->exhausted( iter.key() ) ) {
+      if ( !tcamManager() || !tcamManager()->exhausted( iter.key() ) ) {
          kivClock().timeMinIs( Kiv::System::currentTime() );
          return;
       }
@@ -141,18 +127,14 @@ void EvpnMultihomingLocalBiasSm::handleTcamExhaustion() {
 void EvpnMultihomingLocalBiasSm::handleTime() {
    TRACE( smTrace, 8, "void Vornal::EvpnMultihomingLocalBiasSm::handleTime()" );
    if ( !initialized() ) {
-      TRACE( smTrace, 2,
-             "handleTime"
-                << ", SM not initialized yet" );
+      TRACE( smTrace, 2, "handleTime, SM not initialized yet" );
       return;
    }
    for ( auto rule = unprogrammedTcamRulesListIter(); rule; ++rule ) {
       L3::VrfName const vrfName = rule.key();
       U32 const newVni = rule.value();
       for ( auto sm = vtiStatusIter(); sm; ++sm ) {
-         TRACE( smTrace, 5,
-                "handleTime"
-                   << " vrfName: " << vrfName << " newVni: " << newVni );
+         TRACE( smTrace, 5, "handleTime vrfName: " << vrfName << " newVni: " << newVni );
          unprogrammedTcamRulesListDel( vrfName );
          sm.value()->handleVrfToVniMap( vrfName, 0, newVni );
       }

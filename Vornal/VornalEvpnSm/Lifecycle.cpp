@@ -97,6 +97,9 @@ EvpnMultihomingLocalBiasSm::EvpnMultihomingLocalBiasSm(
 EvpnMultihomingLocalBiasSm::~EvpnMultihomingLocalBiasSm() {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( false );
    EvpnMultihomingLocalBiasSm::kivDoZombieReactors( true );
+   Kiv::nestedOwnerDel( oxaEvpnTepSegment_ );
+   Kiv::nestedOwnerDel( vtiStatus_ );
+   Kiv::nestedOwnerDel( lagPhyIntfConfig_ );
 }
 
 void EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( bool active ) {

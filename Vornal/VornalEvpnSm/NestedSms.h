@@ -20,8 +20,13 @@ class EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment final
    NestedSm_OxaEvpnTepSegment( Notifier const & segment, EvpnMultihomingLocalBiasSm * machine );
 
    Pelk::IpGenAddr const & tepIp() const { return notifier()->tepIp(); }
+   void ownerDel() override { evpnMultihomingLocalBiasSm_ = nullptr; }
 
  private:
+   EvpnMultihomingLocalBiasSm & machine() const {
+      QUELM_ASSERT( evpnMultihomingLocalBiasSm() );
+      return *evpnMultihomingLocalBiasSm();
+   }
    void onAttribute( Kiv::Change const & change ) override;
    void handleSegmentSetOnUnit( U16 unit, Pelk::IntfId const & intfId );
 };
@@ -43,6 +48,7 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
    NestedSm_VtiStatus( Notifier const & status, EvpnMultihomingLocalBiasSm * machine );
 
    Pelk::IntfId const & intfId() const { return notifier()->intfId(); }
+   void ownerDel() override { evpnMultihomingLocalBiasSm_ = nullptr; }
 
    // Whether the toggle "SbdEvpnTcamOverrideRule" is on. Asked for once in the life of the process.
    static bool toggleSbdEvpnTcamOverrideRuleEnabled();
@@ -50,6 +56,10 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
    void retired() override { doCleanup(); }
 
  private:
+   EvpnMultihomingLocalBiasSm & machine() const {
+      QUELM_ASSERT( evpnMultihomingLocalBiasSm() );
+      return *evpnMultihomingLocalBiasSm();
+   }
    void onAttribute( Kiv::Change const & change ) override;
    void handleVrfToVniMapReactor( Kiv::Change const & change );
    void releaseVniEntry( U16 unit, L3::VrfName const & vrf, U32 oldVni );
@@ -68,8 +78,13 @@ class EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig final
    NestedSm_LagPhyIntfConfig( Notifier const & config, EvpnMultihomingLocalBiasSm * machine );
 
    Pelk::IntfId const & intfId() const { return notifier()->intfId(); }
+   void ownerDel() override { evpnMultihomingLocalBiasSm_ = nullptr; }
 
  private:
+   EvpnMultihomingLocalBiasSm & machine() const {
+      QUELM_ASSERT( evpnMultihomingLocalBiasSm() );
+      return *evpnMultihomingLocalBiasSm();
+   }
    void onAttribute( Kiv::Change const & change ) override;
 };
 

@@ -72,102 +72,84 @@ void VtiSm::handleVrfToVniUnmap() {
 
 void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newVni ) {
    TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine.initialized() ) {
-      TRACE( smTrace, 2,
-             "handleVrfToVniMap"
-                << ", SM not initialized yet" );
+   if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine().initialized() ) {
+      TRACE( smTrace, 2, "handleVrfToVniMap, SM not initialized yet" );
       return;
    }
    if ( VornalCentral::vornalAttributes()->l3McastExemptFromSplitHorizon() ) {
       return;
    }
-   for ( auto iter = orEmpty( machine.vcsd() ).vornalModIdIter(); iter; ++iter ) {
+   for ( auto iter = orEmpty( machine().vcsd() ).vornalModIdIter(); iter; ++iter ) {
       if ( oldVni != 0 ) {
          releaseVniEntry( iter.key(), vrf, oldVni );
       }
-      if ( newVni != 0 && machine.isEvpn() && !installVniEntry( iter, vrf, newVni ) ) {
+      if ( newVni != 0 && machine().isEvpn() && !installVniEntry( iter, vrf, newVni ) ) {
          return;
       }
    }
 }
 
 void VtiSm::releaseVniEntry( U16 unit, L3::VrfName const & vrf, U32 oldVni ) {
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   if ( !machine.vniToTcamEntryIdHas( oldVni ) ) {
-      machine.unprogrammedTcamRulesListDel( vrf );
+   if ( !machine().vniToTcamEntryIdHas( oldVni ) ) {
+      machine().unprogrammedTcamRulesListDel( vrf );
       return;
    }
    TRACE( smTrace, 8, kMapSignature << " old vni " << oldVni );
    if ( oldVni == Vxlan::VniExtOrNone::kNone ) {
       return;
    }
-   U32 const entryId = machine.vniToTcamEntryId( oldVni );
+   U32 const entryId = machine().vniToTcamEntryId( oldVni );
    QUELM_ASSERT( entryId );
-   machine.tcamManager()->releaseEntry( unit, entryId );
-   TRACE( smTrace, 4,
-          "handleVrfToVniMap"
-             << " freed vni entry ID " << entryId );
-   machine.vniToTcamEntryIdDel( oldVni );
+   machine().tcamManager()->releaseEntry( unit, entryId );
+   TRACE( smTrace, 4, "handleVrfToVniMap freed vni entry ID " << entryId );
+   machine().vniToTcamEntryIdDel( oldVni );
 }
 
 bool VtiSm::installVniEntry( EvpnMultihomingLocalBiasSm::UnitIterator const & iter,
                              L3::VrfName const & vrf, U32 newV ) {
-   auto & machine = *evpnMultihomingLocalBiasSm();
    QUELM_ASSERT( !evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV ) );
    TRACE( smTrace, 8, kMapSignature << " new vni " << newV );
    if ( newV == Vxlan::VniExtOrNone::kNone ) {
       return true;
    }
    U32 const ifpEntryId =
-      machine.tcamManager()->getEntry( iter.key(),
-                                       Quelm::formatted( kVniEntryName,
-                                                         { std::to_string( newV ) } ),
-                                       VornalTcam::RequestKey() );
+      machine().tcamManager()->getEntry( iter.key(),
+                                         Quelm::formatted( kVniEntryName,
+                                                           { std::to_string( newV ) } ),
+                                         VornalTcam::RequestKey() );
    if ( ifpEntryId == 0 ) {
-      TRACE( smTrace, 2,
-             "handleVrfToVniMap"
-                << " failed to allocate IFP entry ID" );
-      if ( !machine.unprogrammedTcamRulesListHas( vrf ) ) {
-         machine.unprogrammedTcamRulesListIs( vrf, newV );
+      TRACE( smTrace, 2, "handleVrfToVniMap failed to allocate IFP entry ID" );
+      if ( !machine().unprogrammedTcamRulesListHas( vrf ) ) {
+         machine().unprogrammedTcamRulesListIs( vrf, newV );
       }
       return false;
    }
-   TRACE( smTrace, 4,
-          "handleVrfToVniMap"
-             << " allocated IFP entry ID " << ifpEntryId );
+   TRACE( smTrace, 4, "handleVrfToVniMap allocated IFP entry ID " << ifpEntryId );
    U32 const BCM_FIELD_PKT_RES_L3MCKNOWN = Shim::sdk_->packetResL3McKnown();
    // clang-format off
    SDK_FIELD_CALL_AT( 279, bcm_field_qualify_VxlanNetworkId( iter.key(), ifpEntryId, newV, 0xffffffff ) );
    SDK_FIELD_CALL_AT( 282, bcm_field_qualify_PacketRes( iter.key(), ifpEntryId, BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK ) );
    // clang-format on
-   machine.tcamManager()->setPriorityForEntry( iter.key(), ifpEntryId, kVniEntryPriority );
-   machine.tcamManager()->installEntry( iter.key(), ifpEntryId );
-   machine.vniToTcamEntryIdIs( newV, ifpEntryId );
+   machine().tcamManager()->setPriorityForEntry( iter.key(), ifpEntryId, kVniEntryPriority );
+   machine().tcamManager()->installEntry( iter.key(), ifpEntryId );
+   machine().vniToTcamEntryIdIs( newV, ifpEntryId );
    return true;
 }
 
 void VtiSm::doCleanup() {
-   TRACE( smTrace, 8,
-          kCleanupSignature << ": "
-                            << "Cleanup" );
+   TRACE( smTrace, 8, kCleanupSignature << ": Cleanup" );
    if ( intfId() != tunnelIntf() ) {
-      TRACE( smTrace, 8,
-             kCleanupSignature << ": "
-                               << "Ignoring VTI interface" << intfId().shortName() );
+      TRACE( smTrace, 8, kCleanupSignature << ": Ignoring VTI interface" << intfId().shortName() );
       return;
    }
    if ( !toggleSbdEvpnTcamOverrideRuleEnabled() ) {
       return;
    }
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   for ( auto unit = orEmpty( machine.vcsd() ).vornalModIdIter(); unit; ++unit ) {
-      for ( auto vni = machine.vniToTcamEntryIdIter(); vni; ++vni ) {
-         machine.tcamManager()->releaseEntry( unit.key(), vni.value() );
-         TRACE( smTrace, 4,
-                "doCleanup"
-                   << " freed vni entry ID " << vni.value() );
-         machine.vniToTcamEntryIdDel( vni.key() );
+   for ( auto unit = orEmpty( machine().vcsd() ).vornalModIdIter(); unit; ++unit ) {
+      for ( auto vni = machine().vniToTcamEntryIdIter(); vni; ++vni ) {
+         machine().tcamManager()->releaseEntry( unit.key(), vni.value() );
+         TRACE( smTrace, 4, "doCleanup freed vni entry ID " << vni.value() );
+         machine().vniToTcamEntryIdDel( vni.key() );
       }
    }
 }

@@ -7,7 +7,8 @@
 // Two things are as they are on purpose. getPortListsOnUpdate filters the members of a port channel
 // by unit but not a physical interface: its callers rely on the unit of the interface's own record.
 // handleVornalIntfToPort takes that unit from the cached map, which still has an interface that the
-// live map has lost.
+// live map has lost. And only getSharedESPortInfo leaves invalid ports out: an update to logical
+// port 1023 is handed on, and stops the process where a bitmap has no such bit.
 
 #include <algorithm>
 
@@ -28,30 +29,22 @@ VornalPortList EvpnMultihomingLocalBiasSm::getPortListForPortChannel(
    if ( !config ) {
       return portList;
    }
-   TRACE( smTrace, 8,
-          "getPortListForPortChannel"
-             << ", intfId : " << intfId );
+   TRACE( smTrace, 8, "getPortListForPortChannel, intfId : " << intfId );
    portList.reserve( config->phyIntfs() );
-   auto const & commonData = orEmpty( vcsd() );
+   auto livePort = orEmpty( vcsd() ).vornalIntfToPortFinder();
    for ( auto iter = config->phyIntfIter(); iter; ++iter ) {
-      if ( commonData.vornalIntfToPortHas( iter.key() ) ) {
-         portList.portIs( commonData.vornalIntfToPort( iter.key() ) );
-         TRACE( smTrace, 8,
-                "getPortListForPortChannel"
-                   << " ," << iter.key() );
+      if ( VornalPort const * const port = livePort.find( iter.key() ) ) {
+         portList.portIs( *port );
+         TRACE( smTrace, 8, "getPortListForPortChannel ," << iter.key() );
       }
    }
-   TRACE( smTrace, 8,
-          "getPortListForPortChannel"
-             << ", Done intfId : " << intfId );
+   TRACE( smTrace, 8, "getPortListForPortChannel, Done intfId : " << intfId );
    return portList;
 }
 
 SharedESPortInfo EvpnMultihomingLocalBiasSm::getSharedESPortInfo(
    U32 unit, Pelk::IpGenAddr const & tepIp ) const {
-   TRACE( smTrace, 5,
-          "getSharedESPortInfo"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "getSharedESPortInfo, unit: " << unit << ", tepIp: " << tepIp );
    SharedESPortInfo info;
    auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
    if ( !segment ) {
@@ -66,17 +59,18 @@ SharedESPortInfo EvpnMultihomingLocalBiasSm::getSharedESPortInfo(
          portList.portIs( port );
       }
    };
+   auto const & mapping = orEmpty( lagPhyIntfMapping() );
+   auto livePort = orEmpty( vcsd() ).vornalIntfToPortFinder();
    for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
       Pelk::IntfId const & intfId = iter.key();
-      if ( !isKnownIntf( intfId ) ) {
-         TRACE( smTrace, 2,
-                "getSharedESPortInfo"
-                   << " port doesn't belong to this mod" );
-      } else if ( isPortChannel( intfId ) ) {
+      VornalPort const * const port = livePort.find( intfId );
+      if ( isPortChannel( intfId ) && ( port || mapping.lagPhyIntfConfigHas( intfId ) ) ) {
          VornalPortList const members = getPortListForPortChannel( intfId );
          std::for_each( members.begin(), members.end(), add );
+      } else if ( port ) {
+         add( *port );
       } else {
-         add( vcsd()->vornalIntfToPort( intfId ) );
+         TRACE( smTrace, 2, "getSharedESPortInfo port doesn't belong to this mod" );
       }
    }
    info.sharedPortBitmapIs( bitmap );
@@ -95,8 +89,8 @@ PortListsOnUpdate EvpnMultihomingLocalBiasSm::getPortListsOnUpdate( U32 unit,
                                                                     Pelk::IntfId const & intfId,
                                                                     bool added ) const {
    TRACE_RING( smTrace, 5,
-               "getPortListsOnUpdate"
-                  << ", unit: " << unit << ", tepIp: " << tepIp << ", intfId: " << intfId );
+               "getPortListsOnUpdate, unit: " << unit << ", tepIp: " << tepIp
+                                              << ", intfId: " << intfId );
    VornalPortList portList;
    VornalPortList prevPortList;
    if ( isPortChannel( intfId ) ) {
@@ -106,9 +100,7 @@ PortListsOnUpdate EvpnMultihomingLocalBiasSm::getPortListsOnUpdate( U32 unit,
       portListsOfPhyIntf( intfId, portList, prevPortList );
    }
    if ( portList.isEmpty() && prevPortList.isEmpty() ) {
-      TRACE_RING( smTrace, 7,
-                  "getPortListsOnUpdate"
-                     << ", no update needed" );
+      TRACE_RING( smTrace, 7, "getPortListsOnUpdate, no update needed" );
       return {};
    }
    if ( !added ) {
@@ -128,9 +120,7 @@ void EvpnMultihomingLocalBiasSm::portListsOfPhyIntf( Pelk::IntfId const & intfId
    VornalPort const live = commonData.vornalIntfToPort( intfId );
    VornalPort const cached = commonData.vornalIntfToPortCache( intfId );
    if ( commonData.vornalIntfToPortCacheHas( intfId ) && ( !isLive || live != cached ) ) {
-      TRACE_RING( smTrace, 7,
-                  "getPortListsOnUpdate"
-                     << ", lport change for intf " << intfId );
+      TRACE_RING( smTrace, 7, "getPortListsOnUpdate, lport change for intf " << intfId );
       prevPortList.portIs( cached );
    }
    if ( isLive ) {
@@ -140,43 +130,31 @@ void EvpnMultihomingLocalBiasSm::portListsOfPhyIntf( Pelk::IntfId const & intfId
 
 bool EvpnMultihomingLocalBiasSm::unitUsesTcamsForTepIp( U32 unit,
                                                         Pelk::IpGenAddr const & tepIp ) const {
-   TRACE( smTrace, 5,
-          "unitUsesTcamsForTepIp"
-             << " unit: " << unit << " tepIp: " << tepIp );
+   TRACE( smTrace, 5, "unitUsesTcamsForTepIp unit: " << unit << " tepIp: " << tepIp );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    if ( !unitTepIpToEntry ) {
       return false;
    }
    bool const ifpTcamsUsed = unitTepIpToEntry->entryIdHas( tepIp );
-   TRACE( smTrace, 4,
-          "unitUsesTcamsForTepIp"
-             << " ifpTcamsUsed: " << ifpTcamsUsed );
+   TRACE( smTrace, 4, "unitUsesTcamsForTepIp ifpTcamsUsed: " << ifpTcamsUsed );
    return ifpTcamsUsed;
 }
 
 bool EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( U32 unit ) {
-   TRACE( smTrace, 5,
-          "unitUsesOrNeedsTcams"
-             << " unit: " << unit );
+   TRACE( smTrace, 5, "unitUsesOrNeedsTcams unit: " << unit );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    if ( !unitTepIpToEntry ) {
       return false;
    }
    bool const ifpTcamsUsed = unitTepIpToEntry->entryIds() != 0;
-   TRACE( smTrace, 4,
-          "unitUsesOrNeedsTcams"
-             << " ifpTcamsUsed: " << ifpTcamsUsed );
+   TRACE( smTrace, 4, "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed );
    return ifpTcamsUsed;
 }
 
 void EvpnMultihomingLocalBiasSm::handleVornalIntfToPort( Pelk::IntfId const & intfId ) {
-   TRACE( smTrace, 5,
-          "handleVornalIntfToPort"
-             << ", intfId: " << intfId );
+   TRACE( smTrace, 5, "handleVornalIntfToPort, intfId: " << intfId );
    if ( !initialized() ) {
-      TRACE_RING( smTrace, 2,
-                  "handleVornalIntfToPort"
-                     << ", SM not initialized yet" );
+      TRACE_RING( smTrace, 2, "handleVornalIntfToPort, SM not initialized yet" );
       return;
    }
    auto const lagConfig = orEmpty( lagConfigDir() ).phyIntf( intfId );
@@ -184,17 +162,13 @@ void EvpnMultihomingLocalBiasSm::handleVornalIntfToPort( Pelk::IntfId const & in
       lagConfig && !lagConfig->lag().isEmpty() ? lagConfig->lag() : intfId;
    auto const segment = orEmpty( evpnStatus() ).segmentStatus( segmentIntf );
    if ( !segment ) {
-      TRACE( smTrace, 2,
-             "handleVornalIntfToPort"
-                << ", interface: " << segmentIntf << ", not in evpnStatus" );
+      TRACE( smTrace, 2, "handleVornalIntfToPort, interface: " << intfId << ", not in evpnStatus" );
       return;
    }
    auto const & commonData = orEmpty( vcsd() );
    U32 const unit = commonData.vornalIntfToPortCache( intfId ).unit();
    for ( auto iter = segment->remoteTepIter(); iter; ++iter ) {
-      TRACE( smTrace, 7,
-             "handleVornalIntfToPort"
-                << ", intf: " << intfId << ", tepIp: " << iter.key() );
+      TRACE( smTrace, 7, "handleVornalIntfToPort, intf: " << intfId << ", tepIp: " << iter.key() );
       if ( unitUsesTcamsForTepIp( unit, iter.key() ) ) {
          updateTcamEntries( unit, iter.key(), intfId, commonData.vornalIntfToPortHas( intfId ) );
       }
@@ -215,30 +189,25 @@ void LagSm::onAttribute( Kiv::Change const & change ) {
 }
 
 void LagSm::handleLagMember( Pelk::IntfId const & memberIntf ) {
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   if ( !machine.initialized() ) {
-      TRACE_RING( smTrace, 2,
-                  "handleLagMember"
-                     << ", SM not initialized yet" );
+   if ( !machine().initialized() ) {
+      TRACE_RING( smTrace, 2, "handleLagMember, SM not initialized yet" );
       return;
    }
    Pelk::IntfId const lag = intfId();
-   auto const segment = orEmpty( machine.evpnStatus() ).segmentStatus( lag );
+   auto const segment = orEmpty( machine().evpnStatus() ).segmentStatus( lag );
    if ( !segment ) {
       return;
    }
-   auto const config = orEmpty( machine.lagPhyIntfMapping() ).lagPhyIntfConfig( lag );
+   auto const config = orEmpty( machine().lagPhyIntfMapping() ).lagPhyIntfConfig( lag );
    bool const added = config && config->phyIntfHas( memberIntf );
    TRACE( smTrace, 5,
-          "handleLagMember"
-             << " lag: " << lag << " changed, " << ( added ? "added" : "deleted " ) << memberIntf );
+          "handleLagMember lag: " << lag << " changed, " << ( added ? "added" : "deleted " )
+                                  << memberIntf );
    for ( auto tep = segment->remoteTepIter(); tep; ++tep ) {
-      TRACE( smTrace, 8,
-             "handleLagMember"
-                << ", ethIntfId: " << memberIntf << ", tepIp: " << tep.key() );
-      for ( auto unit = orEmpty( machine.vcsd() ).vornalModIdIter(); unit; ++unit ) {
-         if ( machine.unitUsesTcamsForTepIp( unit.key(), tep.key() ) ) {
-            machine.updateTcamEntries( unit.key(), tep.key(), memberIntf, added );
+      TRACE( smTrace, 8, "handleLagMember, ethIntfId: " << memberIntf << ", tepIp: " << tep.key() );
+      for ( auto unit = orEmpty( machine().vcsd() ).vornalModIdIter(); unit; ++unit ) {
+         if ( machine().unitUsesTcamsForTepIp( unit.key(), tep.key() ) ) {
+            machine().updateTcamEntries( unit.key(), tep.key(), memberIntf, added );
          }
       }
    }

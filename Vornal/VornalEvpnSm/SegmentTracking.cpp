@@ -23,35 +23,25 @@ void EvpnMultihomingLocalBiasSm::handleTepSegment() {
 }
 
 void EvpnMultihomingLocalBiasSm::handleTepSegment( Pelk::IpGenAddr const & tepIp ) {
-   TRACE_RING( smTrace, 5,
-               "handleTepSegment"
-                  << " tepIp: " << tepIp );
+   TRACE_RING( smTrace, 5, "handleTepSegment tepIp: " << tepIp );
    if ( !initialized() ) {
-      TRACE_RING( smTrace, 2,
-                  "handleTepSegment"
-                     << ", SM not initialized yet" );
+      TRACE_RING( smTrace, 2, "handleTepSegment, SM not initialized yet" );
       return;
    }
    RemoteVtepKey const rvk = getRemoteVtepKeyForIp( tepIp );
    if ( !orEmpty( vpIndexStatus() ).remoteVportHas( rvk ) ) {
-      TRACE( smTrace, 2,
-             "handleTepSegment"
-                << ", no VP assigned to remote VTEP " );
+      TRACE( smTrace, 2, "handleTepSegment, no VP assigned to remote VTEP " );
       return;
    }
    for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
       U16 const unit = iter.key();
       if ( orEmpty( oxaEvpnTepSegmentDir() ).tepSegmentHas( tepIp ) ) {
-         TRACE( smTrace, 6,
-                "handleTepSegment"
-                   << ", adding TCAM entry for tepIp " );
+         TRACE( smTrace, 6, "handleTepSegment, adding TCAM entry for tepIp " );
          ensureUnitRecord( unit );
          addTcamEntries( unit, tepIp );
          tepIpToEntry( unit )->vpIndexIs( tepIp, vpIndexOf( rvk ) );
       } else {
-         TRACE( smTrace, 6,
-                "handleTepSegment"
-                   << ", deleting TCAM entry for tepIp " );
+         TRACE( smTrace, 6, "handleTepSegment, deleting TCAM entry for tepIp " );
          deleteTcamEntries( unit, tepIp );
          forgetVpIndex( unit, tepIp );
       }
@@ -59,9 +49,7 @@ void EvpnMultihomingLocalBiasSm::handleTepSegment( Pelk::IpGenAddr const & tepIp
 }
 
 void EvpnMultihomingLocalBiasSm::handleRemoteVport( RemoteVtepKey const & rvk ) {
-   TRACE_RING( smTrace, 5,
-               "handleRemoteVport"
-                  << ", rvk.vtepIp: " << rvk.vtepIp() );
+   TRACE_RING( smTrace, 5, "handleRemoteVport, rvk.vtepIp: " << rvk.vtepIp() );
    bool const isPeer = orEmpty( oxaEvpnTepSegmentDir() ).tepSegmentHas( rvk.vtepIp() );
    if ( !isPeer || !initialized() ) {
       TRACE( smTrace, 2,
@@ -71,12 +59,10 @@ void EvpnMultihomingLocalBiasSm::handleRemoteVport( RemoteVtepKey const & rvk ) 
    }
    for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
       U16 const unit = iter.key();
-      if ( vpIndexStatus()->remoteVportHas( rvk ) ) {
+      if ( orEmpty( vpIndexStatus() ).remoteVportHas( rvk ) ) {
          rekeyTcamEntries( unit, rvk );
       } else {
-         TRACE( smTrace, 6,
-                "handleRemoteVport"
-                   << ", delete TCAM entry for tepIp" );
+         TRACE( smTrace, 6, "handleRemoteVport, delete TCAM entry for tepIp" );
          deleteTcamEntries( unit, rvk.vtepIp() );
          QUELM_ASSERT( !unitUsesTcamsForTepIp( iter.key(), rvk.vtepIp() ) );
          forgetVpIndex( unit, rvk.vtepIp() );
@@ -87,18 +73,12 @@ void EvpnMultihomingLocalBiasSm::handleRemoteVport( RemoteVtepKey const & rvk ) 
 void EvpnMultihomingLocalBiasSm::rekeyTcamEntries( U16 unit, RemoteVtepKey const & rvk ) {
    Pelk::IpGenAddr const & tepIp = rvk.vtepIp();
    ensureUnitRecord( unit );
-   TRACE( smTrace, 6,
-          "handleRemoteVport"
-             << ", newVpIndex: " << vpIndexOf( rvk ) );
+   TRACE( smTrace, 6, "handleRemoteVport, newVpIndex: " << vpIndexOf( rvk ) );
    if ( tepIpToEntry( unit )->vpIndexHas( tepIp ) ) {
-      TRACE( smTrace, 6,
-             "handleRemoteVport"
-                << ", delete TCAM entry with old VPindex qual" );
+      TRACE( smTrace, 6, "handleRemoteVport, delete TCAM entry with old VPindex qual" );
       deleteTcamEntries( unit, tepIp );
    }
-   TRACE( smTrace, 6,
-          "handleRemoteVport"
-             << ", add TCAM entry with new VPindex qual" );
+   TRACE( smTrace, 6, "handleRemoteVport, add TCAM entry with new VPindex qual" );
    addTcamEntries( unit, tepIp );
    tepIpToEntry( unit )->vpIndexIs( tepIp, vpIndexOf( rvk ) );
 }
@@ -158,38 +138,30 @@ void SegmentSm::onAttribute( Kiv::Change const & change ) {
 }
 
 void SegmentSm::handleSegmentSet( Pelk::IntfId const & intfId ) {
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   TRACE_RING( smTrace, 5,
-               "handleSegmentSet"
-                  << ", intfId : " << intfId );
-   if ( !orEmpty( machine.vpIndexStatus() ).remoteVportHas( getRemoteVtepKeyForIp( tepIp() ) ) ) {
-      TRACE_RING( smTrace, 2,
-                  "handleSegmentSet"
-                     << ", no VP assigned to remote VTEP " );
+   TRACE_RING( smTrace, 5, "handleSegmentSet, intfId : " << intfId );
+   if ( !orEmpty( machine().vpIndexStatus() ).remoteVportHas( getRemoteVtepKeyForIp( tepIp() ) ) ) {
+      TRACE_RING( smTrace, 2, "handleSegmentSet, no VP assigned to remote VTEP " );
       return;
    }
-   for ( auto iter = orEmpty( machine.vcsd() ).vornalModIdIter(); iter; ++iter ) {
+   for ( auto iter = orEmpty( machine().vcsd() ).vornalModIdIter(); iter; ++iter ) {
       handleSegmentSetOnUnit( iter.key(), intfId );
    }
 }
 
 void SegmentSm::handleSegmentSetOnUnit( U16 unit, Pelk::IntfId const & intfId ) {
-   auto & machine = *evpnMultihomingLocalBiasSm();
-   if ( !machine.unitUsesTcamsForTepIp( unit, tepIp() ) ) {
+   if ( !machine().unitUsesTcamsForTepIp( unit, tepIp() ) ) {
       TRACE( smTrace, 2,
-             "handleSegmentSet"
-                << ", not processing updates with respect to " << intfId
-                << " since no TCAMs are installed on unit " << unit << " for tepIp " << tepIp() );
-   } else if ( !machine.isKnownIntf( intfId ) ) {
-      TRACE( smTrace, 2,
-             "handleSegmentSet"
-                << ", " << intfId << " not part of unit " << unit );
+             "handleSegmentSet, not processing updates with respect to "
+                << intfId << " since no TCAMs are installed on unit " << unit << " for tepIp "
+                << tepIp() );
+   } else if ( !machine().isKnownIntf( intfId ) ) {
+      TRACE( smTrace, 2, "handleSegmentSet, " << intfId << " not part of unit " << unit );
    } else if ( notifier()->segmentSetHas( intfId ) ) {
       TRACE( smTrace, 7, " Adding " << intfId << " to egress mask" );
-      machine.updateTcamEntries( unit, tepIp(), intfId, true );
+      machine().updateTcamEntries( unit, tepIp(), intfId, true );
    } else {
       TRACE( smTrace, 7, " Removing " << intfId << " from egress mask" );
-      machine.updateTcamEntries( unit, tepIp(), intfId, false );
+      machine().updateTcamEntries( unit, tepIp(), intfId, false );
    }
 }
 

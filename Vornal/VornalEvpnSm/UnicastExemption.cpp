@@ -14,9 +14,7 @@
 namespace Vornal {
 
 void EvpnMultihomingLocalBiasSm::installRulesForUcastTraffic( U16 unit ) {
-   TRACE( smTrace, 5,
-          "installRulesForUcastTraffic"
-             << ", unit: " << unit );
+   TRACE( smTrace, 5, "installRulesForUcastTraffic, unit: " << unit );
    if ( !initialized() ) {
       return;
    }
@@ -32,9 +30,7 @@ bool EvpnMultihomingLocalBiasSm::installL2UcastRule( U16 unit ) {
       tcamManager()->getEntry( unit, "Skip shared ES pruning for L2UC packets - No-op",
                                VornalTcam::RequestKey() );
    if ( entryId == 0 ) {
-      TRACE( smTrace, 2,
-             "installRulesForUcastTraffic"
-                << " L2UC entry allocation failed" );
+      TRACE( smTrace, 2, "installRulesForUcastTraffic L2UC entry allocation failed" );
       return false;
    }
    SDK_FIELD_CALL_AT( 758,
@@ -52,9 +48,7 @@ void EvpnMultihomingLocalBiasSm::installL3UcastRule( U16 unit ) {
       tcamManager()->getEntry( unit, "Skip shared ES pruning for L3UC packets - No-op",
                                VornalTcam::RequestKey() );
    if ( entryId == 0 ) {
-      TRACE( smTrace, 2,
-             "installRulesForUcastTraffic"
-                << " L3UC entry allocation failed" );
+      TRACE( smTrace, 2, "installRulesForUcastTraffic L3UC entry allocation failed" );
       return;
    }
    SDK_FIELD_CALL_AT( 777, bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L3UCKNOWN,
@@ -73,18 +67,14 @@ void EvpnMultihomingLocalBiasSm::removeRulesForUcastTraffic( U16 unit ) {
    }
    QUELM_ASSERT( !tepIpToEntryHas( unit ) );
    if ( !l2UcastRuleInstalledHas( unit ) ) {
-      TRACE( smTrace, 2,
-             "removeRulesForUcastTraffic"
-                << " could not find L2UC entry" );
+      TRACE( smTrace, 2, "removeRulesForUcastTraffic could not find L2UC entry" );
       return;
    }
    tcamManager()->releaseEntry( unit, l2UcastRuleInstalled( unit ) );
    l2UcastRuleInstalledDel( unit );
    if ( !l3UcastRuleInstalledHas( unit ) ) {
       // Says L2UC here as well; searches of support archives rely on the text.
-      TRACE( smTrace, 2,
-             "removeRulesForUcastTraffic"
-                << " could not find L2UC entry" );
+      TRACE( smTrace, 2, "removeRulesForUcastTraffic could not find L2UC entry" );
       return;
    }
    tcamManager()->releaseEntry( unit, l3UcastRuleInstalled( unit ) );

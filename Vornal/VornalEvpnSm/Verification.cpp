@@ -23,9 +23,7 @@ void EvpnMultihomingLocalBiasSm::handleVerify() {
       return;
    }
    if ( tcamExhaustion() ) {
-      TRACE( smTrace, 2,
-             "handleVerify"
-                << " tcam is exhausted, skipping verification" );
+      TRACE( smTrace, 2, "handleVerify tcam is exhausted, skipping verification" );
       return;
    }
    auto const & segments = orEmpty( oxaEvpnTepSegmentDir() );
@@ -99,5 +97,23 @@ void EvpnMultihomingLocalBiasSm::verifyUcastRules( U16 unit ) {
 }
 
 void EvpnMultihomingLocalBiasSm::verifyEfpEntries( U32, Pelk::IpGenAddr const & ) {}
+
+U32 EvpnMultihomingLocalBiasSm::expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const {
+   U32 count = 0;
+   auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
+   if ( !segment ) {
+      return count;
+   }
+   for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
+      if ( orEmpty( vcsd() ).vornalIntfToPortHas( iter.key() ) ) {
+         ++count;
+      } else if ( isPortChannel( iter.key() ) ) {
+         for ( auto const & member : getPortListForPortChannel( iter.key() ) ) {
+            count += member.unit() == unit ? 1U : 0U;
+         }
+      }
+   }
+   return count;
+}
 
 }  // namespace Vornal

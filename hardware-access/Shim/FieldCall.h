@@ -14,14 +14,15 @@
 //
 //       FILE:LINE CALL API ERROR:TEXT (CODE)
 //
-//    goes to standard error, whole and flushed, the shim's fieldCallFailed() runs, and the assertion
-//    "0" fails at that line. Nothing that was programmed before is taken back;
+//    goes to standard error, whole and flushed, the shim's fieldCallFailed() runs, and the
+//    assertion "0" fails at that line. Nothing that was programmed before is taken back;
 // 6. any other code is success, and is traced at level 4 on the trace handle "ApiVornal" as
 //    FILE:LINE CALL (rc:CODE).
 //
 // SDK_FIELD_CALL_AT reports the given line instead of the real one.
 //
-// A caller must not hold on to anything across the call that another thread of the agent can change.
+// A caller must not hold on to anything across the call that another thread of the agent can
+// change.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// The part of the chip SDK's vocabulary that field-processor rules are made of: result codes, values
-// and names as the SDK spells them.
+// The part of the chip SDK's vocabulary that field-processor rules are made of: result codes,
+// values and names as the SDK spells them.
 //
 // Values that differ between SDK releases are not fixed here; the shim reports them (Shim/Shim.h).
 #pragma once

@@ -1,17 +1,17 @@
 // The one door to the chip's field processor: an object whose operations are the SDK's calls.
 //
-// `Shim::sdk_` is the object in use. The agent sets it before a plug-in is told to start, and plug-ins
-// reach the chip through it and in no other way. The operations keep the SDK's names, so that a call
-// in the source reads as it does in the SDK's manual and in an error line.
+// `Shim::sdk_` is the object in use. The agent sets it before a plug-in is told to start, and
+// plug-ins reach the chip through it and in no other way. The operations keep the SDK's names, so
+// that a call in the source reads as it does in the SDK's manual and in an error line.
 //
-// A field call returns a result code: negative is failure, zero and positive are success. Plug-ins do not
-// look at it themselves but make every field call through SDK_FIELD_CALL (Shim/FieldCall.h), which is
-// also what announces the call by beforeFieldCall() and stops the process when it fails.
+// A field call returns a result code: negative is failure, zero and positive are success. Plug-ins
+// do not look at it themselves but make every field call through SDK_FIELD_CALL (Shim/FieldCall.h),
+// which is also what announces the call by beforeFieldCall() and stops the process when it fails.
 //
-// Qualifiers and actions change the staged copy of an entry; the entry managers (VornalTcam/) write it
-// to the hardware. Each qualifier states data and mask; reading back gives the written copy. A qualifier or
-// action that the entry's group does not support is refused with a negative code, and so is an
-// entry id that the unit does not know.
+// Qualifiers and actions change the staged copy of an entry; the entry managers (VornalTcam/) write
+// it to the hardware. Each qualifier states data and mask; reading back gives the written copy. A
+// qualifier or action that the entry's group does not support is refused with a negative code, and
+// so is an entry id that the unit does not know.
 //
 // Threads: field calls are made with the activity lock given up, by one thread at a time.
 #pragma once

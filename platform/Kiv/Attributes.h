@@ -12,7 +12,7 @@
 //    KIV_BACK( x, T )             x()                                  back reference: a plain pointer,
 //                                                                      written by the class only
 //    KIV_SET( x, K )              xHas( k ) xIs( k ) xDel( k ) xDelAll() xIter()
-//    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter()
+//    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter() xFinder()
 //    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be built
 //                                 from its key), xIs( ptr ) inserts an entity under its own key
 //    KIV_NESTED( x, K, T )        nested reactors (Kiv/NestedReactor.h): x( k ) xHas( k ) xDel( k )
@@ -28,7 +28,8 @@
 //
 // Reading what is absent gives the type's default; xDel gives back what was removed, or the default.
 // Members are looked up as references to const through a const entity; what a reference line or a
-// walk gives is as declared. xIter() starts a walk (see Kiv/Collection.h).
+// walk gives is as declared. xIter() starts a walk, xFinder() a row of look-ups (see
+// Kiv/Collection.h).
 //
 // KIV_DEFINE( Namespace::Class ), once in a source file, builds the table and registers the type.
 // Types that are created by name only (mounted entities) use KIV_DEFINE_NAMED.
@@ -165,6 +166,7 @@ template< typename Class, int line > consteval AttributeId attributeId() {
    KIV_ROW( x, Collection< KivSelf, K, T, &KivSelf::x##_ > )                                       \
    KIV_ID( x )                                                                                     \
    ::Kiv::Read< T > x( K const & key ) const { return x##_.at( key ); }                            \
+   auto x##Finder() const { return ::Kiv::Collection< K, T >::Finder( x##_ ); }                    \
    T const & x##Is( K const & key, T const & value ) {                                             \
       return ::Kiv::Store::put( *this, x##Attr(), x##_, key, value );                              \
    }                                                                                               \
@@ -193,7 +195,9 @@ template< typename Class, int line > consteval AttributeId attributeId() {
    KIV_ROW( x, Nested< KivSelf, K, T, &KivSelf::x##_ > )                                           \
    KIV_ID( x )                                                                                     \
    ::Quelm::Ptr< T > x( K const & key ) const { return x##_.at( key ); }                           \
-   void x##Del( K const & key ) { ::Kiv::nestedDel( *this, x##Attr(), x##_, key ); }               \
+   ::Quelm::Ptr< T > x##Del( K const & key ) {                                                     \
+      return ::Kiv::nestedDel( *this, x##Attr(), x##_, key );                                      \
+   }                                                                                               \
    void x##DelAll() { ::Kiv::nestedDelAll( *this, x##Attr(), x##_ ); }                             \
    KIV_KEYED( x, K, ::Quelm::Ptr< T >, __VA_ARGS__ )
 

@@ -12,8 +12,9 @@
 //
 // The storage knows nothing of entities and notifies nobody; Kiv/Store.h does that.
 //
-// Cost: that of std::map plus eight bytes a member; a walk adds one comparison a member, and removal
-// while no walk is under way adds one test. Threads: none of its own (Activity.h).
+// Cost: that of std::map; a walk adds one comparison a member, insertion and removal one test while no
+// walk is under way. What walks need to know of an insertion is kept beside the members, until the last
+// walk ends. Threads: none of its own (Activity.h).
 #pragma once
 
 #include <forward_list>
@@ -41,16 +42,13 @@ template< typename T > T const & absent() {
 }
 
 template< typename Key, typename T > class Collection {
-   struct Slot {
-      T value;
-      U64 born;
-   };
-   using Map = std::map< Key, Slot >;
+   using Map = std::map< Key, T >;
    using Node = typename Map::iterator;
    using Pair = typename Map::value_type;
 
  public:
    class Iterator;
+   class Finder;
 
    Collection() = default;
    Collection( Collection const & ) = delete;
@@ -62,11 +60,11 @@ template< typename Key, typename T > class Collection {
 
    T * find( Key const & key ) {
       auto const found = map_.find( key );
-      return found == map_.end() ? nullptr : &found->second.value;
+      return found == map_.end() ? nullptr : &found->second;
    }
    T const * find( Key const & key ) const {
       auto const found = map_.find( key );
-      return found == map_.end() ? nullptr : &found->second.value;
+      return found == map_.end() ? nullptr : &found->second;
    }
    // The value of `key`, or the type's default.
    Read< T > at( Key const & key ) const {
@@ -78,11 +76,13 @@ template< typename Key, typename T > class Collection {
    std::pair< T *, bool > insert( Key const & key, T value ) {
       auto const at = map_.lower_bound( key );
       if ( at != map_.end() && !( key < at->first ) ) {
-         return { &at->second.value, false };
+         return { &at->second, false };
       }
-      auto const born = map_.emplace_hint( at, key, Slot{ std::move( value ), births_ } );
-      ++births_;
-      return { &born->second.value, true };
+      auto const born = map_.emplace_hint( at, key, std::move( value ) );
+      if ( walks_ ) {
+         inserted_.emplace( &*born, inserted_.size() );
+      }
+      return { &born->second, true };
    }
 
    // Removes `key` into `removed`; false when it is absent.
@@ -92,10 +92,10 @@ template< typename Key, typename T > class Collection {
          return false;
       }
       if ( walks_ ) {
-         removed = found->second.value;
+         removed = found->second;
          removeUnderWalks( found );
       } else {
-         removed = std::move( found->second.value );
+         removed = std::move( found->second );
          map_.erase( found );
       }
       return true;
@@ -116,9 +116,32 @@ template< typename Key, typename T > class Collection {
    }
 
    mutable Map map_;
-   U64 births_ = 0;
-   mutable Iterator * walks_ = nullptr;
-   mutable std::forward_list< typename Map::node_type > removed_;  // until the last walk ends
+   mutable Iterator * walks_ = nullptr;  // the innermost of those under way
+   // Until the last walk ends: the members inserted since the first one began, numbered in that order
+   // (removed ones too: their nodes live as long), and the nodes of the removed ones.
+   mutable std::map< Pair const *, std::size_t > inserted_;
+   mutable std::forward_list< typename Map::node_type > removed_;
+};
+
+// Looks keys up one after the other. A key that follows the one found before costs one comparison, any
+// other a look-up: for walking along two collections with the same kind of key. The collection stands
+// still meanwhile.
+template< typename Key, typename T > class Collection< Key, T >::Finder {
+ public:
+   explicit Finder( Collection const & collection )
+         : map_( collection.map_ ), next_( map_.begin() ) {}
+
+   // The value of `key`, or nullptr.
+   T const * find( Key const & key ) {
+      if ( next_ == map_.end() || !( next_->first == key ) ) {
+         next_ = map_.find( key );
+      }
+      return next_ == map_.end() ? nullptr : &( next_++ )->second;
+   }
+
+ private:
+   Map const & map_;
+   typename Map::const_iterator next_;
 };
 
 // One walk: `for ( auto iter = x->entryIdIter(); iter; ++iter ) { ... iter.key() ... }`.
@@ -131,7 +154,7 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
          : collection_( collection ),
            owner_( std::move( owner ) ),
            outer_( collection.walks_ ),
-           bound_( collection.births_ ),
+           bound_( collection.inserted_.size() ),
            next_( collection.map_.begin() ) {
       collection_.walks_ = this;
       step();
@@ -141,15 +164,14 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
    ~Iterator() {
       QUELM_ASSERT( collection_.walks_ == this );
       collection_.walks_ = outer_;
-      if ( !outer_ && !collection_.removed_.empty() ) {
-         // Taken out first: an entity that dies here may walk and change this collection again.
-         auto const gone = std::move( collection_.removed_ );
+      if ( !outer_ ) {
+         lastEnds();
       }
    }
 
    explicit operator bool() const { return current_ != nullptr; }
    Key const & key() const { return current_->first; }
-   T const & value() const { return current_->second.value; }
+   T const & value() const { return current_->second; }
    Iterator & operator++() {
       step();
       return *this;
@@ -160,16 +182,32 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
 
    void step() {
       auto const end = collection_.map_.end();
-      while ( next_ != end && next_->second.born >= bound_ ) {
+      while ( next_ != end && isInsertedSince( *next_ ) ) {
          ++next_;
       }
       current_ = next_ == end ? nullptr : &*next_++;
+   }
+   // Whether the member came in after this walk had begun.
+   bool isInsertedSince( Pair const & member ) const {
+      auto const & inserted = collection_.inserted_;
+      if ( inserted.size() == bound_ ) {
+         return false;
+      }
+      auto const found = inserted.find( &member );
+      return found != inserted.end() && found->second >= bound_;
+   }
+   void lastEnds() const {
+      collection_.inserted_.clear();
+      if ( !collection_.removed_.empty() ) {
+         // Taken out first: an entity that dies here may walk and change this collection again.
+         auto const gone = std::move( collection_.removed_ );
+      }
    }
 
    Collection const & collection_;
    Quelm::Ptr< Quelm::Counted const > owner_;
    Iterator * outer_;
-   U64 bound_;
+   std::size_t bound_;  // members numbered from here on are not visited
    Node next_;
    Pair const * current_ = nullptr;
 };

@@ -6,7 +6,8 @@
 // and is retired when the member has gone. Retiring puts it out of service, switches its notifications
 // off and, after that, gives it a last word in retired().
 //
-// The owner dropping its collection (in its destructor) is not retiring: nothing is called.
+// The owner dropping its collection (in its destructor) is not retiring: the reactors forget the
+// owner, in case somebody else still refers to them, and nothing else is called.
 //
 // Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost: one
 // look-up and one subscription a member. Threads: the activity's.
@@ -41,6 +42,8 @@ template< typename T > class NestedReactor : public Entity {
 
    // The reactor has been taken out of its collection because what it watched has gone.
    virtual void retired() {}
+   // Forgets the back reference: the reactor has been retired, or its owner is going.
+   virtual void ownerDel() {}
 
  protected:
    explicit NestedReactor( Notifier const & notifier )
@@ -76,15 +79,19 @@ void nestedIs( Owner & owner, AttributeId attribute,
    Store::put( owner, attribute, storage, notifier->kivKey(), reactor );
 }
 
-// Takes the reactor of `key` out and retires it; without effect when there is none.
+// Takes the reactor of `key` out, retires it and returns it; an empty reference when there is none.
 template< typename Owner, typename Key, typename Reactor >
-void nestedDel( Owner & owner, AttributeId attribute,
-                Collection< Key, Quelm::Ptr< Reactor > > & storage, Key const & key ) {
-   if ( auto const reactor = Store::remove( owner, attribute, storage, key ) ) {
+Quelm::Ptr< Reactor > nestedDel( Owner & owner, AttributeId attribute,
+                                 Collection< Key, Quelm::Ptr< Reactor > > & storage,
+                                 Key const & key ) {
+   auto const reactor = Store::remove( owner, attribute, storage, key );
+   if ( reactor ) {
       reactor->kivDoZombieReactors( true );
       reactor->hasNotificationActiveIs( false );
       reactor->retired();
+      reactor->ownerDel();
    }
+   return reactor;
 }
 
 template< typename Owner, typename Key, typename Reactor >
@@ -111,6 +118,15 @@ void nestedZombieIs( Collection< Key, Quelm::Ptr< Reactor > > const & storage, b
    for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, nullptr ); iter;
          ++iter ) {
       iter.value()->kivDoZombieReactors( zombie );
+   }
+}
+
+// The owner is going: every nested reactor forgets it.
+template< typename Key, typename Reactor >
+void nestedOwnerDel( Collection< Key, Quelm::Ptr< Reactor > > const & storage ) {
+   for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, nullptr ); iter;
+         ++iter ) {
+      iter.value()->ownerDel();
    }
 }
 

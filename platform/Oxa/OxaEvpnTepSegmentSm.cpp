@@ -52,13 +52,14 @@ void OxaEvpnTepSegmentSm::handleSegments() {
    if ( !evpnStatus() || !tepSegmentDir() ) {
       return;
    }
+   // What has come first: a VTEP that shares another segment by now keeps its entity.
+   for ( auto iter = evpnStatus()->segmentStatusIter(); iter; ++iter ) {
+      segmentNew( iter.value() );
+   }
    for ( auto segment = tepSegmentDir()->tepSegmentIter(); segment; ++segment ) {
       for ( auto iter = segment.value()->segmentSetIter(); iter; ++iter ) {
          handleRemoteTep( iter.key(), segment.key() );
       }
-   }
-   for ( auto iter = evpnStatus()->segmentStatusIter(); iter; ++iter ) {
-      segmentNew( iter.value() );
    }
 }
 

@@ -81,8 +81,9 @@ TEST_F( HardwareCalls, everyFieldCallIsRecordedWithItsValues ) {
          "unit 1 entry 1: bcm_field_qualify_VxlanNetworkId( data 10100, mask 0xffffffff ) = 0",
          "unit 1 entry 1: bcm_field_action_add( action EgressClassSelect, param0 1, param1 0 ) = 0",
          "unit 1 entry 1: bcm_field_action_add( action 9, param0 1, param1 0 ) = -6 BAD_VALUE",
-         "unit 1 entry 2: bcm_field_qualify_DstPort( modId 4, modIdMask 0xffffffff, port 5, "
-         "portMask 0xffffffff ) = 0",
+         std::string(
+            "unit 1 entry 2: bcm_field_qualify_DstPort( modId 4, modIdMask 0xffffffff, " ) +
+            "port 5, portMask 0xffffffff ) = 0",
          "unit 1 entry 2: bcm_field_qualify_IpType( ipType 3 ) = 0",
          "unit 1 entry 2: bcm_field_qualify_IngressClassField( data 100, mask 0xffffffff ) = 0",
       } ) );
@@ -127,8 +128,8 @@ TEST_F( HardwareCalls, readBacksAreRecordedWithWhatWasRead ) {
          "unit 0 entry 1: bcm_field_qualify_TunnelTerminated_get( data 1, mask 0x1 ) = 0",
          "unit 0 entry 1: bcm_field_qualify_VxlanNetworkId_get( data 10100, mask 0xffffffff ) = 0",
          "unit 0 entry 1: bcm_field_action_get( action NewClassId, param0 100, param1 0 ) = 0",
-         "unit 0 entry 2: bcm_field_qualify_DstPort_get( modId 4, modIdMask 0xf, port 5, portMask "
-         "0x1f ) = 0",
+         std::string( "unit 0 entry 2: bcm_field_qualify_DstPort_get( modId 4, modIdMask 0xf, " ) +
+            "port 5, portMask 0x1f ) = 0",
          "unit 0 entry 2: bcm_field_qualify_IpType_get( ipType 3 ) = 0",
          "unit 0 entry 2: bcm_field_qualify_IngressClassField_get( data 100, mask 0xff ) = 0",
          "unit 0 entry 2: bcm_field_action_get() = -3 NOT_FOUND",
@@ -187,7 +188,7 @@ TEST_F( HardwareCalls, theNthCallOfANamedOperationFails ) {
    EXPECT_EQ( failing.bcm_field_qualify_PacketRes( 0, id, 10, 0xff ), 0 );
 }
 
-TEST_F( HardwareCalls, aFailedReadBackLeavesTheValuesAlone ) {
+TEST_F( HardwareCalls, aReadBackThatIsNotMadeReadsNothing ) {
    Chip::FailingSdk failing( recorder, { .nth = 1, .code = 5 } );
    Chip::RecordingSdk front( failing, record );
    U32 const id = leaf1.fromVtep( 0, kVtep2 );
@@ -195,7 +196,8 @@ TEST_F( HardwareCalls, aFailedReadBackLeavesTheValuesAlone ) {
    U32 gport = 77;
    EXPECT_EQ( front.bcm_field_qualify_SrcVxlanGport_get( 0, id, &gport ), 5 );
    EXPECT_EQ( gport, 77U );
-   EXPECT_EQ( record.calls.size(), 1U ) << "the recorder behind the fault saw nothing";
+   EXPECT_EQ( record.texts(),
+              Texts{ "unit 0 entry 1: bcm_field_qualify_SrcVxlanGport_get() = 5" } );
 }
 
 using HardwareCallsDeathTest = HardwareCalls;

@@ -28,7 +28,7 @@ class Lookup : public testing::Test {
       leaf1.ifp->installEntry( unit, id );
       return id;
    }
-   void repriorize( U32 id, U32 priority ) {
+   void prioritise( U32 id, U32 priority ) const {
       leaf1.ifp->setPriorityForEntry( 0, id, priority );
       leaf1.ifp->reinstallEntry( 0, id );
    }
@@ -101,10 +101,10 @@ TEST_F( Lookup, bitsOutsideTheMaskDoNotCount ) {
 TEST_F( Lookup, theHigherPriorityWins ) {
    U32 const low = leaf1.fromVtep( 0, kVtep2 );
    U32 const high = unicastExemption( 0 );
-   repriorize( low, 1 );
-   repriorize( high, 2 );
+   prioritise( low, 1 );
+   prioritise( high, 2 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), high );
-   repriorize( low, 0xffffffff );
+   prioritise( low, 0xffffffff );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), low );
 }
 
@@ -122,7 +122,7 @@ TEST_F( Lookup, theDefaultPriorityStandsAboveEveryOther ) {
    U32 const perVtep = leaf1.fromVtep( 0, kVtep2 );
    U32 const exemption = unicastExemption( 0 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), perVtep );
-   repriorize( perVtep, 0xffffffff );
+   prioritise( perVtep, 0xffffffff );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), exemption );
 }
 

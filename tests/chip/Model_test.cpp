@@ -94,7 +94,7 @@ struct Unit {
 
 // --- The steps
 
-enum class Operation { Get, Qualify, Priority, Install, Reinstall, Release, Foreign, End };
+enum class Operation { Get, Qualify, Priority, Install, Reinstall, Release, Foreign };
 
 struct Step {
    Operation operation;
@@ -115,13 +115,19 @@ void showValue( Step const & step, std::ostream & out ) {
 }
 
 rc::Gen< Step > anyStep() {
-   auto const operation =
-      rc::gen::map( rc::gen::inRange( 0, static_cast< int >( Operation::End ) ),
-                    []( int number ) { return static_cast< Operation >( number ); } );
+   auto const operation = rc::gen::weightedElement< Operation >( {
+      { 4, Operation::Get },
+      { 6, Operation::Qualify },
+      { 2, Operation::Priority },
+      { 4, Operation::Install },
+      { 2, Operation::Reinstall },
+      { 2, Operation::Release },
+      { 1, Operation::Foreign },
+   } );
    return rc::gen::build< Step >( rc::gen::set( &Step::operation, operation ),
                                   rc::gen::set( &Step::unit, rc::gen::inRange( 0U, kUnits ) ),
                                   rc::gen::set( &Step::group, rc::gen::inRange( 0U, 2U ) ),
-                                  rc::gen::set( &Step::entry, rc::gen::inRange( 0U, 10U ) ),
+                                  rc::gen::set( &Step::entry, rc::gen::inRange( 0U, 8U ) ),
                                   rc::gen::set( &Step::field, rc::gen::inRange( 0U, 4U ) ),
                                   rc::gen::set( &Step::data, rc::gen::inRange( 0U, 4U ) ),
                                   rc::gen::set( &Step::mask,
@@ -141,7 +147,6 @@ class SideBySide {
       case Operation::Reinstall: reinstall( step ); break;
       case Operation::Release: release( step ); break;
       case Operation::Foreign: foreign( step ); break;
-      case Operation::End: break;
       }
    }
 
@@ -154,7 +159,7 @@ class SideBySide {
    }
 
  private:
-   Chip::SoftTcamEntryManager & managerOf( Step const & step ) {
+   Chip::SoftTcamEntryManager & managerOf( Step const & step ) const {
       return step.group == 0 ? *leaf1_.ifp : *leaf1_.efp;
    }
    Group & groupOf( Step const & step ) { return units_[ step.unit ].groups[ step.group ]; }
@@ -326,7 +331,7 @@ class SideBySide {
 };
 
 RC_GTEST_PROP( Model, isWhatAnySequenceOfOperationsLeadsTo, () ) {
-   auto const steps = *rc::gen::container< std::vector< Step > >( anyStep() );
+   auto const steps = *rc::gen::scale( 2, rc::gen::container< std::vector< Step > >( anyStep() ) );
    SideBySide both;
    for ( Step const & step : steps ) {
       both.run( step );

@@ -129,17 +129,16 @@ TEST_F( RulesOfLeaf1, tellWhenNothingHappened ) {
 }
 
 TEST_F( RulesOfLeaf1, areNamedForPeopleAndPrograms ) {
-   std::vector< std::string_view > names;
+   std::string names;
    for ( Qualifier const qualifier : Chip::kQualifiers ) {
-      names.push_back( nameOf( qualifier ) );
+      names.append( nameOf( qualifier ) ).append( " " );
    }
    for ( Action const action : Chip::kActions ) {
-      names.push_back( nameOf( action ) );
+      names.append( nameOf( action ) ).append( " " );
    }
-   EXPECT_EQ( names, ( std::vector< std::string_view >{
-                        "SrcVxlanGport", "PacketRes", "TunnelTerminated", "VxlanNetworkId",
-                        "DstPort", "IpType", "IngressClassField", "EgressMask", "EgressClassSelect",
-                        "NewClassId", "Drop" } ) );
+   EXPECT_EQ( names,
+              "SrcVxlanGport PacketRes TunnelTerminated VxlanNetworkId DstPort IpType "
+              "IngressClassField EgressMask EgressClassSelect NewClassId Drop " );
 }
 
 }  // namespace RulesTest

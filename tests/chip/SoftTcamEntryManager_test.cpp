@@ -17,12 +17,12 @@ constexpr S32 kUnknownEntry = codeOf( ResultCode::UnknownEntry );
 
 class SoftTcamEntryManager : public testing::Test {
  protected:
-   U32 get( U32 unit ) { return leaf1.ifp->getEntry( unit, "rule", {} ); }
-   void fill( U32 unit ) {
+   U32 get( U32 unit ) const { return leaf1.ifp->getEntry( unit, "rule", {} ); }
+   void fill( U32 unit ) const {
       while ( get( unit ) != 0 ) {
       }
    }
-   std::vector< U32 > maskRead( U32 unit, U32 id ) {
+   std::vector< U32 > maskRead( U32 unit, U32 id ) const {
       Vornal::EgressMaskResult const result = leaf1.ifp->getEgressMaskActionPbmp( unit, id );
       EXPECT_EQ( result.rc(), 0 );
       std::vector< U32 > ports;

@@ -1,5 +1,5 @@
-// Every field call that rules are made of and checked by: its text is its source text, and its values
-// are those of the SDK's names in it. Support tools know these texts, blanks included.
+// Every field call that rules are made of and checked by: its text is its source text, and its
+// values are those of the SDK's names in it. Support tools know these texts, blanks included.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -187,8 +187,8 @@ TEST_F( CallText, ofReadingBackTheEgressDropRule ) {
    U32 modIdMask = 0;
    U32 portId = 0;
    U32 portIdMask = 0;
-   SDK_FIELD_CALL( bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId,
-                                                  &portIdMask ) );
+   SDK_FIELD_CALL(
+      bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId, &portIdMask ) );
    EXPECT_EQ( text(),
               "bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId, "
               "&portIdMask )" );

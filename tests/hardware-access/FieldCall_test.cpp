@@ -121,9 +121,8 @@ TEST_F( FieldCall, takesTheLockBackWhenAnExceptionPasses ) {
    {
       Kiv::ActivityLockAnchor const locked( activity_ );
       sdk_.onCall = []() -> S32 { throw std::runtime_error( "no such unit" ); };
-      EXPECT_THROW(
-         SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) ),
-         std::runtime_error );
+      EXPECT_THROW( SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) ),
+                    std::runtime_error );
       EXPECT_EQ( lock(), "lock held" );
       other = std::thread( [ & ] { anotherThreadsTurn(); } );
       journal_.emplace_back( "back" );
@@ -181,8 +180,9 @@ TEST_F( FieldCallTrace, saysFileLineCallAndCodeAtLevelFour ) {
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    int const line = __LINE__ - 1;
    EXPECT_EQ( journal_,
-              Journal{ tracedAt(
-                 line, "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) (rc:0)" ) } );
+              Journal{
+                 tracedAt( line,
+                           "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) (rc:0)" ) } );
    EXPECT_EQ( lockAtTrace_, "lock held" );
 }
 
@@ -200,8 +200,9 @@ TEST_F( FieldCallTrace, givesTheLineThatSupportToolsKnow ) {
    Trace::levelsIs( "ApiVornal", "4" );
    SDK_FIELD_CALL_AT( 279, bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    EXPECT_EQ( journal_,
-              Journal{ tracedAt(
-                 279, "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) (rc:0)" ) } );
+              Journal{
+                 tracedAt( 279,
+                           "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) (rc:0)" ) } );
 }
 
 TEST_F( FieldCallTrace, saysNothingWhileLevelFourIsOff ) {

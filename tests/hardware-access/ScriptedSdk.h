@@ -4,8 +4,8 @@
 //
 //    bcm_field_qualify_PacketRes 2 7 4 255
 //
-// Read-back leaves the values 101, 102, ... behind, in the order of its pointers, and is written down
-// with the values that went in.
+// Read-back leaves the values 101, 102, ... behind, in the order of its pointers, and is written
+// down with the values that went in.
 #pragma once
 
 #include <algorithm>

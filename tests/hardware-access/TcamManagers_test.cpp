@@ -77,8 +77,7 @@ TEST( RequestKey, isEmptyWhenDefaultBuilt ) {
    EXPECT_EQ( key.owner(), "" );
    EXPECT_EQ( key.number(), 0U );
    EXPECT_EQ( key.detail(), "" );
-   EXPECT_EQ( Quelm::textOf( key ),
-              "VornalTcam::RequestKey( owner=\"\", number=0, detail=\"\" )" );
+   EXPECT_EQ( Quelm::textOf( key ), "VornalTcam::RequestKey( owner=\"\", number=0, detail=\"\" )" );
 }
 
 TEST( RequestKey, isATextANumberAndASecondTextInThisOrder ) {
@@ -99,9 +98,8 @@ TEST( UnitBitmapToPbm, putsEveryPortAtItsBit ) {
    }
    _shr_pbmp pbmp{};
    Vornal::unitBitmapToPbm( bitmap, pbmp );
-   EXPECT_EQ( pbmp.words,
-              ( std::array< U32, 11 >{ 0x80000001, 0x00000001, 0x00000020, 0, 0, 0, 0, 0, 0, 0,
-                                       0x80000000 } ) );
+   EXPECT_EQ( pbmp.words, ( std::array< U32, 11 >{ 0x80000001, 0x00000001, 0x00000020, 0, 0, 0, 0,
+                                                   0, 0, 0, 0x80000000 } ) );
 }
 
 TEST( UnitBitmapToPbm, addsToThePortsThatAreThere ) {

@@ -73,8 +73,8 @@ TEST_F( Dependencies, subAgentsPointIsReadyWhenItsGroupSaysSo ) {
 
 TEST_F( Dependencies, namesAreExact ) {
    pointsAre( { "l2Ready" } );
-   for ( char const * const name : { "l2Ready", "subagents", "subagents::", "subagents::l2", "::l2Ready",
-                                     "agents::l2Ready", "subagents::l2Ready ", "" } ) {
+   for ( char const * const name : { "l2Ready", "subagents", "subagents::", "subagents::l2",
+                                     "::l2Ready", "agents::l2Ready", "subagents::l2Ready ", "" } ) {
       EXPECT_FALSE( slice->isReady( name ) ) << name;
    }
 }

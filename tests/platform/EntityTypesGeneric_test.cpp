@@ -1,5 +1,5 @@
-// Every registered entity type, through the generic interface alone: what can be read is read, what can
-// be written is written and read back, what is wrong is refused and changes nothing, and every
+// Every registered entity type, through the generic interface alone: what can be read is read, what
+// can be written is written and read back, what is wrong is refused and changes nothing, and every
 // operation can be called. A new type takes part by being registered; a new value type by a line in
 // the table of texts below.
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 #include <Vxlan/VtiStatusDir.h>
 
 #include "support/Journal.h"
-#include "support/Switch.h"
+#include "support/Panel.h"
 
 namespace EntityTypesGenericTest {
 
@@ -73,6 +73,10 @@ template< typename T, typename... Args > std::function< Ptr< Entity >() > maker(
    return [ args... ] { return Quelm::make< T >( args... ); };
 }
 
+Ptr< Support::Port > port5() {
+   return Quelm::make< Support::Port >( U16{ 5 } );
+}
+
 // Types that cannot be created from a name.
 std::map< std::string, std::function< Ptr< Entity >() > > const makers{
    { "Evpn::EthernetSegmentStatus", maker< Evpn::EthernetSegmentStatus >( Pelk::IntfId() ) },
@@ -85,6 +89,7 @@ std::map< std::string, std::function< Ptr< Entity >() > > const makers{
      maker< Oxa::OxaEvpnTepSegmentSm >( nullptr, nullptr, nullptr, nullptr ) },
    { "Plugin::Mounter", maker< AnyMounter< Plugin::Mounter > >() },
    { "Support::FabricPort", maker< Support::FabricPort >( U16{ 9 }, U8{ 2 } ) },
+   { "Support::Lamp", [] { return Quelm::make< Support::Lamp >( port5(), nullptr ); } },
    { "Support::Port", maker< Support::Port >( U16{ 5 } ) },
    { "Vornal::DependencySet", maker< AnyDependencySet >() },
    { "Vornal::VornalSliceDependencyPoints", maker< Vornal::VornalSliceDependencyPoints >() },
@@ -131,7 +136,8 @@ void checkKey( Subject & subject ) {
 
 void checkValue( Subject & subject ) {
    std::string const initial = subject.text( "" );
-   EXPECT_TRUE( subject.refuses< Quelm::TextError >( [ & ] { subject.textIs( "", kWrongText ); } ) );
+   EXPECT_TRUE(
+      subject.refuses< Quelm::TextError >( [ & ] { subject.textIs( "", kWrongText ); } ) );
    EXPECT_EQ( subject.text( "" ), initial );
    std::size_t changes = 0;
    for ( std::string const & value : textsOf( subject.attribute.valueType() ) ) {
@@ -159,8 +165,8 @@ void checkReference( Subject & subject ) {
    Ptr< Entity > const target = entityOf( *Kiv::typeNamed( attribute.valueType() ) );
    pointAt( target );
    EXPECT_EQ( attribute.entity( *subject.entity, "" ), target );
-   EXPECT_TRUE( subject.refuses< Quelm::AccessError >(
-      [ & ] { pointAt( Quelm::make< Kiv::Clock >() ); } ) );
+   EXPECT_TRUE(
+      subject.refuses< Quelm::AccessError >( [ & ] { pointAt( Quelm::make< Kiv::Clock >() ); } ) );
    EXPECT_EQ( attribute.entity( *subject.entity, "" ), target );
    attribute.del( *subject.entity, "" );
    EXPECT_EQ( subject.text( "" ), "none" );
@@ -171,10 +177,11 @@ void checkReference( Subject & subject ) {
 void checkKeys( Subject & subject ) {
    Texts const & keys = textsOf( subject.attribute.keyType() );
    EXPECT_EQ( subject.attribute.keys( *subject.entity ), keys );
-   for ( auto const & act : { std::function< void() >( [ & ] { subject.has( kWrongText ); } ),
-                              std::function< void() >( [ & ] { subject.textIs( kWrongText, "" ); } ),
-                              std::function< void() >(
-                                 [ & ] { subject.attribute.del( *subject.entity, kWrongText ); } ) } ) {
+   for ( auto const & act :
+         { std::function< void() >( [ & ] { subject.has( kWrongText ); } ),
+           std::function< void() >( [ & ] { subject.textIs( kWrongText, "" ); } ),
+           std::function< void() >(
+              [ & ] { subject.attribute.del( *subject.entity, kWrongText ); } ) } ) {
       EXPECT_TRUE( subject.refuses< Quelm::TextError >( act ) );
    }
    for ( std::string const & key : keys ) {
@@ -265,13 +272,13 @@ void checkOperation( Subject & subject ) {
 
 void check( Subject && subject ) {
    switch ( subject.attribute.kind() ) {
-    case Attribute::Kind::Key: return checkKey( subject );
-    case Attribute::Kind::Value: return checkValue( subject );
-    case Attribute::Kind::Reference: return checkReference( subject );
-    case Attribute::Kind::Set: return checkSet( subject );
-    case Attribute::Kind::Collection: return checkCollection( subject );
-    case Attribute::Kind::Members: return checkMembers( subject );
-    case Attribute::Kind::Operation: return checkOperation( subject );
+   case Attribute::Kind::Key: return checkKey( subject );
+   case Attribute::Kind::Value: return checkValue( subject );
+   case Attribute::Kind::Reference: return checkReference( subject );
+   case Attribute::Kind::Set: return checkSet( subject );
+   case Attribute::Kind::Collection: return checkCollection( subject );
+   case Attribute::Kind::Members: return checkMembers( subject );
+   case Attribute::Kind::Operation: return checkOperation( subject );
    }
 }
 

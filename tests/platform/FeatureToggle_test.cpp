@@ -1,5 +1,5 @@
-// A toggle is what the facility in use says, and its default where there is none. The rules that every
-// facility keeps to are shown on a small one.
+// A toggle is what the facility in use says, and its default where there is none. The rules that
+// every facility keeps to are shown on a small one.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -17,7 +17,8 @@ class Files : public FeatureToggle::Facility {
  public:
    using Contents = std::map< std::string, bool >;
 
-   bool isEnabled( std::string const & name, std::string const & file, bool defaultValue ) override {
+   bool isEnabled( std::string const & name, std::string const & file,
+                   bool defaultValue ) override {
       auto const found = files.find( file );
       if ( found == files.end() ) {
          return defaultValue;

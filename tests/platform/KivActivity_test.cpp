@@ -1,5 +1,5 @@
-// The activity runs turns one after the other: wake-ups that are due first, then what was queued, in
-// order; and when nothing is left, the clock moves on.
+// The activity runs turns one after the other: wake-ups that are due first, then what was queued,
+// in order; and when nothing is left, the clock moves on.
 #include <gtest/gtest.h>
 
 #include <csignal>

@@ -1,5 +1,5 @@
-// A clock reactor fires once when its time has come; it can be moved, taken back and destroyed, also
-// from inside a handler.
+// A clock reactor fires once when its time has come; it can be moved, taken back and destroyed,
+// also from inside a handler.
 #include <gtest/gtest.h>
 
 #include <csignal>

@@ -135,6 +135,19 @@ TEST_F( KivCollection, membersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
    EXPECT_EQ( walked, ( std::vector< U16 >{ 7, 100, 300, 4094 } ) );
 }
 
+TEST_F( KivCollection, finderFindsWhatALookUpFindsInWhateverOrderItIsAsked ) {
+   for ( U16 const key : std::vector< U16 >{ 10, 20, 30, 40 } ) {
+      leaf1->noteIs( key, "note " + std::to_string( key ) );
+   }
+   auto finder = leaf1->noteFinder();
+   for ( U16 const key : std::vector< U16 >{ 10, 20, 20, 40, 41, 10, 5, 30, 40, 10, 20, 25, 30 } ) {
+      std::string const * const found = finder.find( key );
+      EXPECT_EQ( found ? *found : "", leaf1->note( key ) ) << key;
+   }
+   leaf1->noteDelAll();
+   EXPECT_EQ( leaf1->noteFinder().find( 10 ), nullptr );
+}
+
 TEST_F( KivCollection, factoryMakesTheMemberOfAKeyOnce ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    EXPECT_EQ( port->number(), 5 );

@@ -107,9 +107,10 @@ TEST_F( KivGeneric, memberIsCreatedByItsKey ) {
    EXPECT_EQ( port.text( *leaf1, "6" ), "none" );
    EXPECT_EQ( port.entity( *leaf1, "5" ), leaf1->port( 5 ) );
    EXPECT_EQ( port.entity( *leaf1, "6" ), nullptr );
-   EXPECT_EQ( refusal( [ & ] { port.textIs( *leaf1, "6", "Port" ); } ),
-              "attribute 'port' is a collection of entities and its members are entities, which are "
-              "created by key alone" );
+   EXPECT_EQ(
+      refusal( [ & ] { port.textIs( *leaf1, "6", "Port" ); } ),
+      "attribute 'port' is a collection of entities and its members are entities, which are "
+      "created by key alone" );
    port.del( *leaf1, "5" );
    EXPECT_EQ( news(), ( Journal{ "leaf1 port[5]: absent -> Support::Port 5",
                                  "leaf1 port[5]: Support::Port 5 -> absent" } ) );
@@ -136,8 +137,9 @@ TEST_F( KivGeneric, referenceIsPointedAtAnEntityAndEmptied ) {
    uplink.entityIs( *leaf1, made );
    EXPECT_EQ( uplink.text( *leaf1, "" ), "Support::FabricPort 9" );
    EXPECT_EQ( uplink.entity( *leaf1, "" ), made );
-   EXPECT_EQ( refusal( [ & ] { uplink.entityIs( *leaf1, leaf1 ); } ),
-              "attribute 'uplink' is a reference and holds a Support::Port, not a Support::Switch" );
+   EXPECT_EQ(
+      refusal( [ & ] { uplink.entityIs( *leaf1, leaf1 ); } ),
+      "attribute 'uplink' is a reference and holds a Support::Port, not a Support::Switch" );
    EXPECT_THROW( uplink.textIs( *leaf1, "", "Support::Port 5" ), AccessError );
    EXPECT_EQ( leaf1->uplink(), made );
    uplink.del( *leaf1, "" );

@@ -29,8 +29,8 @@ class Mortal : public Switch {
    bool & isGone_;
 };
 
-// A switch that copies the MTU of another one from its construction on, and refers to itself in doing
-// so.
+// A switch that copies the MTU of another one from its construction on, and refers to itself in
+// doing so.
 class Follower : public Switch {
  public:
    Follower( Ptr< Switch > const & leader, int & destroyed )
@@ -100,13 +100,13 @@ TEST( KivLife, changedEntityOutlivesTheDeliveryThatDropsTheLastReference ) {
 
 TEST( KivLife, everyKindOfChangeMayDropTheLastReference ) {
    using Act = std::function< void( Switch & ) >;
-   for ( Act const & act : { Act( []( Switch & s ) { s.vlanIs( 1 ); } ),
-                             Act( []( Switch & s ) { s.vlanDel( 100 ); } ),
-                             Act( []( Switch & s ) { s.vlanDelAll(); } ),
-                             Act( []( Switch & s ) { s.routeIs( "default", 2 ); } ),
-                             Act( []( Switch & s ) { s.portIs( 6 ); } ),
-                             Act( []( Switch & s ) { s.portDel( 5 ); } ),
-                             Act( []( Switch & s ) { s.uplinkIs( nullptr ); } ) } ) {
+   for ( Act const & act :
+         { Act( []( Switch & s ) { s.vlanIs( 1 ); } ),
+           Act( []( Switch & s ) { s.vlanDel( 100 ); } ),
+           Act( []( Switch & s ) { s.vlanDelAll(); } ),
+           Act( []( Switch & s ) { s.routeIs( "default", 2 ); } ),
+           Act( []( Switch & s ) { s.portIs( 6 ); } ), Act( []( Switch & s ) { s.portDel( 5 ); } ),
+           Act( []( Switch & s ) { s.uplinkIs( nullptr ); } ) } ) {
       bool isGone = false;
       Ptr< Switch > leaf1 = Quelm::make< Mortal >( isGone );
       leaf1->vlanIs( 100 );

@@ -1,5 +1,5 @@
-// A subscriber is told of every change, at the time of the change, in the order of subscription, with
-// names, key, old and new value; and of nothing else.
+// A subscriber is told of every change, at the time of the change, in the order of subscription,
+// with names, key, old and new value; and of nothing else.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -31,7 +31,8 @@ TEST_F( KivNotification, valueIsAnnouncedWithOldAndNew ) {
    Scribe const scribe( leaf1, seen, "" );
    leaf1->mtuIs( 9000 );
    leaf1->bannerIs( "keep out" );
-   EXPECT_EQ( seen, ( Journal{ "leaf1 mtu: 1500 -> 9000", "leaf1 banner: \"\" -> \"keep out\"" } ) );
+   EXPECT_EQ( seen,
+              ( Journal{ "leaf1 mtu: 1500 -> 9000", "leaf1 banner: \"\" -> \"keep out\"" } ) );
 }
 
 TEST_F( KivNotification, changeCarriesTypedKeyAndValues ) {
@@ -98,9 +99,9 @@ TEST_F( KivNotification, removingAllIsAnnouncedMemberByMemberInKeyOrder ) {
    leaf1->vlanIs( 200 );
    Scribe const scribe( leaf1, seen, "" );
    leaf1->vlanDelAll();
-   EXPECT_EQ( seen, ( Journal{ "leaf1 vlan[100]: present -> absent",
-                               "leaf1 vlan[200]: present -> absent",
-                               "leaf1 vlan[300]: present -> absent" } ) );
+   EXPECT_EQ( seen,
+              ( Journal{ "leaf1 vlan[100]: present -> absent", "leaf1 vlan[200]: present -> absent",
+                         "leaf1 vlan[300]: present -> absent" } ) );
 }
 
 TEST_F( KivNotification, equalValueNotifiesNobody ) {
@@ -193,8 +194,9 @@ TEST_F( KivNotification, inactiveReactorIsNotCalledWhateverItWatches ) {
 
 TEST_F( KivNotification, activeReactorFollowsItsNotifier ) {
    Ptr< Switch > const leaf2 = Quelm::make< Switch >( "leaf2" );
-   Watch< Switch > watch( leaf1,
-                          [ & ]( Change const & change ) { seen.push_back( describe( change ) ); } );
+   Watch< Switch > watch( leaf1, [ & ]( Change const & change ) {
+      seen.push_back( describe( change ) );
+   } );
    watch.hasNotificationActiveIs( true );
    watch.notifierIs( leaf2 );
    leaf1->mtuIs( 1 );
@@ -206,8 +208,9 @@ TEST_F( KivNotification, activeReactorFollowsItsNotifier ) {
 }
 
 TEST_F( KivNotification, missingNotifierIsNothingToSubscribeTo ) {
-   Watch< Switch > watch( nullptr,
-                          [ & ]( Change const & change ) { seen.push_back( describe( change ) ); } );
+   Watch< Switch > watch( nullptr, [ & ]( Change const & change ) {
+      seen.push_back( describe( change ) );
+   } );
    watch.hasNotificationActiveIs( true );
    EXPECT_TRUE( watch.hasNotificationActive() );
    watch.notifierIs( leaf1 );
@@ -275,7 +278,8 @@ TEST_F( KivNotification, askingForAnotherTypeThanTheValueIsAFailedAssertion ) {
 TEST_F( KivNotification, askingAPlainValueForItsKeyIsAFailedAssertion ) {
    Watch< Switch > watch( leaf1, []( Change const & change ) { change.key< U16 >(); } );
    watch.hasNotificationActiveIs( true );
-   EXPECT_EXIT( leaf1->mtuIs( 1 ), testing::KilledBySignal( SIGABRT ), "Assertion 'key' failed\\." );
+   EXPECT_EXIT( leaf1->mtuIs( 1 ), testing::KilledBySignal( SIGABRT ),
+                "Assertion 'key' failed\\." );
 }
 
 TEST_F( KivNotification, exceptionThatLeavesAHandlerStopsTheProcessAndSaysWhat ) {

@@ -1,5 +1,5 @@
-// A class's attribute lines become its table: in the order of declaration, the base's first, each with
-// an identifier that is its position. The register knows every type by name.
+// A class's attribute lines become its table: in the order of declaration, the base's first, each
+// with an identifier that is its position. The register knows every type by name.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -34,12 +34,16 @@ class Visitor : public Port {
    Visitor() : Port( 0 ) {}
 };
 
-char const * Visitor::kivTypeName() { return "Visitor"; }
+char const * Visitor::kivTypeName() {
+   return "Visitor";
+}
 Type const & Visitor::kivType() {
    static Type const type = Kiv::makeType< Visitor >();
    return type;
 }
-Type const & Visitor::typeData() const { return kivType(); }
+Type const & Visitor::typeData() const {
+   return kivType();
+}
 
 TEST( KivType, tableListsTheAttributesInTheOrderOfDeclaration ) {
    EXPECT_EQ( Switch::kivType().name(), "Support::Switch" );
@@ -85,8 +89,8 @@ TEST( KivType, identifierIsThePositionFromOne ) {
 TEST( KivType, otherLinesOfTheClassDoNotCount ) {
    static_assert( Visitor::firstAttr() == 3 && Visitor::secondAttr() == 4 );
    EXPECT_EQ( Support::tableOf( Visitor::kivType() ),
-              ( Table{ "number: key -> U16, read-only", "speed: value -> U32", "first: value -> bool",
-                       "second: value -> string" } ) );
+              ( Table{ "number: key -> U16, read-only", "speed: value -> U32",
+                       "first: value -> bool", "second: value -> string" } ) );
 }
 
 TEST( KivType, attributesAreFoundByName ) {
@@ -104,7 +108,8 @@ TEST( KivType, operationsAreFoundByNameAndNumberOfArguments ) {
    EXPECT_EQ( type.findOperation( "shutdown", 1 ), &type.attribute( Chassis::shutdownAttr() ) );
    EXPECT_EQ( Switch::kivType().findOperation( "shutdown", 1 ), nullptr );
    EXPECT_EQ( type.findOperation( "metric", 2 ), Switch::kivType().findOperation( "metric", 2 ) );
-   EXPECT_EQ( Support::rowOf( *type.findOperation( "metric", 2 ) ), "metric( string, U32 ) -> U32" );
+   EXPECT_EQ( Support::rowOf( *type.findOperation( "metric", 2 ) ),
+              "metric( string, U32 ) -> U32" );
 }
 
 TEST( KivType, askingForAnIdentifierOutsideTheTableIsAFailedAssertion ) {
@@ -139,7 +144,8 @@ TEST( KivType, typeIsInTheRegisterAsLongAsItsRegistrationLives ) {
 }
 
 TEST( KivType, entityKnownByANameIsCreatedFromIt ) {
-   Quelm::Ptr< Kiv::Entity > const made = Kiv::typeNamed( "Support::Chassis" )->create()( "spine1" );
+   Quelm::Ptr< Kiv::Entity > const made =
+      Kiv::typeNamed( "Support::Chassis" )->create()( "spine1" );
    EXPECT_EQ( made->identity(), "spine1" );
    EXPECT_EQ( &made->typeData(), &Chassis::kivType() );
    EXPECT_EQ( made->users(), 1U );

@@ -24,7 +24,8 @@ struct Step {
 };
 
 std::ostream & operator<<( std::ostream & out, Step const & step ) {
-   static char const * const name[] = { "Set", "Delete", "DeleteCurrent", "DeleteAll", "Walk", "Advance" };
+   static char const * const name[] = { "Set",       "Delete", "DeleteCurrent",
+                                        "DeleteAll", "Walk",   "Advance" };
    return out << name[ step.kind ] << ' ' << step.key << ' ' << step.value;
 }
 
@@ -97,12 +98,14 @@ class ModelPlayer {
    // True when the walk is to move on.
    bool play( Step const & step, U16 current ) {
       switch ( step.kind ) {
-       case Step::Set: model_.set( step.key, step.value ); break;
-       case Step::Delete: story_.emplace_back( step.key, model_.remove( step.key ) ); break;
-       case Step::DeleteCurrent: story_.emplace_back( current, model_.remove( current ) ); return true;
-       case Step::DeleteAll: model_.removeAll(); break;
-       case Step::Walk: walk(); break;
-       case Step::Advance: return true;
+      case Step::Set: model_.set( step.key, step.value ); break;
+      case Step::Delete: story_.emplace_back( step.key, model_.remove( step.key ) ); break;
+      case Step::DeleteCurrent:
+         story_.emplace_back( current, model_.remove( current ) );
+         return true;
+      case Step::DeleteAll: model_.removeAll(); break;
+      case Step::Walk: walk(); break;
+      case Step::Advance: return true;
       }
       return false;
    }
@@ -130,14 +133,16 @@ class CollectionPlayer {
    }
    bool play( Step const & step, U16 current ) {
       switch ( step.kind ) {
-       case Step::Set: set( step.key, step.value ); break;
-       case Step::Delete: story_.emplace_back( step.key, number( switch_->noteDel( step.key ) ) ); break;
-       case Step::DeleteCurrent:
+      case Step::Set: set( step.key, step.value ); break;
+      case Step::Delete:
+         story_.emplace_back( step.key, number( switch_->noteDel( step.key ) ) );
+         break;
+      case Step::DeleteCurrent:
          story_.emplace_back( current, number( switch_->noteDel( current ) ) );
          return true;
-       case Step::DeleteAll: switch_->noteDelAll(); break;
-       case Step::Walk: walk(); break;
-       case Step::Advance: return true;
+      case Step::DeleteAll: switch_->noteDelAll(); break;
+      case Step::Walk: walk(); break;
+      case Step::Advance: return true;
       }
       return false;
    }
@@ -155,9 +160,12 @@ class CollectionPlayer {
 
  private:
    // Long enough to live outside the string object, so that a stale read cannot pass unseen.
-   static std::string text( U32 value ) { return "a note of some length, number " + std::to_string( value ); }
+   static std::string text( U32 value ) {
+      return "a note of some length, number " + std::to_string( value );
+   }
    static U32 number( std::string const & text ) {
-      return text.empty() ? 0 : static_cast< U32 >( std::stoul( text.substr( text.rfind( ' ' ) ) ) );
+      return text.empty() ? 0
+                          : static_cast< U32 >( std::stoul( text.substr( text.rfind( ' ' ) ) ) );
    }
 
    std::vector< Step > const & steps_;
@@ -171,12 +179,14 @@ rc::Gen< std::vector< Step > > anySteps() {
                                                                { 1, Step::DeleteAll },
                                                                { 3, Step::Walk },
                                                                { 6, Step::Advance } } );
-   return rc::gen::container< std::vector< Step > >( rc::gen::construct< Step >(
-      kind, rc::gen::inRange< U16 >( 0, 12 ), rc::gen::inRange< U32 >( 1, 1000 ) ) );
+   return rc::gen::container< std::vector< Step > >(
+      rc::gen::construct< Step >( kind, rc::gen::inRange< U16 >( 0, 12 ),
+                                  rc::gen::inRange< U32 >( 1, 1000 ) ) );
 }
 
 RC_GTEST_PROP( KivWalkModel, anyChangesDuringAnyWalksAreSeenAsByTheModel, () ) {
-   auto const initial = *rc::gen::container< std::vector< U16 > >( rc::gen::inRange< U16 >( 0, 12 ) );
+   auto const initial =
+      *rc::gen::container< std::vector< U16 > >( rc::gen::inRange< U16 >( 0, 12 ) );
    auto const steps = *anySteps();
    ModelPlayer model( steps );
    CollectionPlayer collection( steps );

@@ -1,5 +1,5 @@
-// A walk over a collection survives whatever is done to the collection meanwhile: removed members are
-// not visited, the removed current one can still be read, and nothing inserted is visited.
+// A walk over a collection survives whatever is done to the collection meanwhile: removed members
+// are not visited, the removed current one can still be read, and nothing inserted is visited.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -138,7 +138,8 @@ TEST_F( KivWalk, visitsAMemberWhoseValueIsOverwrittenAndSeesTheNewValue ) {
       }
       values.push_back( iter.value() );
    }
-   EXPECT_EQ( values, ( std::vector< std::string >{ "changed 10", "note 20", "changed 30", "note 40" } ) );
+   EXPECT_EQ( values,
+              ( std::vector< std::string >{ "changed 10", "note 20", "changed 30", "note 40" } ) );
 }
 
 TEST_F( KivWalk, mayBeginWhileAnotherIsUnderWay ) {

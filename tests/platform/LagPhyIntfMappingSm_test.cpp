@@ -1,5 +1,5 @@
-// The member mapping of port channels follows the membership of the physical interfaces, in an order
-// that its readers rely on, and stays as it is when nobody derives it any more.
+// The member mapping of port channels follows the membership of the physical interfaces, in an
+// order that its readers rely on, and stays as it is when nobody derives it any more.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -39,7 +39,9 @@ IntfId const noLag;
 class LagMapping : public testing::Test {
  protected:
    // From now on every interface named is in that port channel.
-   void lagIs( IntfId const & intfId, IntfId const & lag ) { config->phyIntfIs( intfId )->lagIs( lag ); }
+   void lagIs( IntfId const & intfId, IntfId const & lag ) {
+      config->phyIntfIs( intfId )->lagIs( lag );
+   }
    Ptr< LagPhyIntfMappingSm > derived() {
       auto const sm = LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( config, mapping );
       sm->hasNotificationActiveIs( true );
@@ -49,7 +51,8 @@ class LagMapping : public testing::Test {
    std::string state() {
       std::string text;
       for ( auto iter = mapping->lagPhyIntfConfigIter(); iter; ++iter ) {
-         text += iter.key().shortName() + "{" + Support::keysOf( iter.value()->phyIntfIter() ) + "}";
+         text +=
+            iter.key().shortName() + "{" + Support::keysOf( iter.value()->phyIntfIter() ) + "}";
       }
       return text;
    }
@@ -60,7 +63,8 @@ class LagMapping : public testing::Test {
    Journal seen;
    Support::FamilyScribe< LagPhyIntfMapping, LagPhyIntfConfig > scribe{
       mapping, LagPhyIntfMapping::lagPhyIntfConfigAttr(), seen,
-      []( LagPhyIntfConfig const & lag ) { return Support::keysOf( lag.phyIntfIter() ); } };
+      []( LagPhyIntfConfig const & lag ) { return Support::keysOf( lag.phyIntfIter() ); }
+   };
 };
 
 TEST_F( LagMapping, creatorLeavesTheNotificationsToItsCaller ) {
@@ -268,8 +272,8 @@ rc::Gen< std::vector< Edit > > anyEdits() {
                                                                { 1, Edit::SwitchOff },
                                                                { 2, Edit::SwitchOn },
                                                                { 1, Edit::Rebuild } } );
-   return rc::gen::container< std::vector< Edit > >( rc::gen::construct< Edit >(
-      kind, rc::gen::inRange( 0, 5 ), rc::gen::inRange( 0, 4 ) ) );
+   return rc::gen::container< std::vector< Edit > >(
+      rc::gen::construct< Edit >( kind, rc::gen::inRange( 0, 5 ), rc::gen::inRange( 0, 4 ) ) );
 }
 
 using Members = std::map< IntfId, std::set< IntfId > >;
@@ -300,17 +304,17 @@ void apply( Edit const & edit, Config & config, Ptr< LagPhyIntfMapping > const &
    IntfId const phyIntf = intf( "Ethernet" + std::to_string( edit.phyIntf ) );
    IntfId const lag = edit.lag == 0 ? noLag : intf( "Port-Channel" + std::to_string( edit.lag ) );
    switch ( edit.kind ) {
-    case Edit::SetLag: config.phyIntfIs( phyIntf )->lagIs( lag ); break;
-    case Edit::Delete: config.phyIntfDel( phyIntf ); break;
-    case Edit::Replace: {
-       auto const entity = Quelm::make< EthPhyIntfLagConfig >( phyIntf );
-       entity->lagIs( lag );
-       config.phyIntfIs( entity );
-       break;
-    }
-    case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
-    case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
-    case Edit::Rebuild:
+   case Edit::SetLag: config.phyIntfIs( phyIntf )->lagIs( lag ); break;
+   case Edit::Delete: config.phyIntfDel( phyIntf ); break;
+   case Edit::Replace: {
+      auto const entity = Quelm::make< EthPhyIntfLagConfig >( phyIntf );
+      entity->lagIs( lag );
+      config.phyIntfIs( entity );
+      break;
+   }
+   case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
+   case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
+   case Edit::Rebuild:
       sm = nullptr;
       sm = LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( Ptr< Config >( &config ), mapping );
       break;
@@ -325,7 +329,8 @@ RC_GTEST_PROP( LagMappingModel, isInStepWhileOnAndStaysAsItIsWhileOff, () ) {
    for ( Edit const & edit : *anyEdits() ) {
       Members const before = held( *mapping );
       apply( edit, *config, mapping, sm );
-      RC_ASSERT( held( *mapping ) == ( sm->hasNotificationActive() ? computed( *config ) : before ) );
+      RC_ASSERT( held( *mapping ) ==
+                 ( sm->hasNotificationActive() ? computed( *config ) : before ) );
    }
 }
 

@@ -37,7 +37,8 @@ TEST_F( LogLines, lineIsSeverityNameAndTheFormattedText ) {
    Handle const handle( full );
    handle.log( { "10.0.0.2", "1" } );
    EXPECT_EQ( lines,
-              Lines{ "%VORNAL-4-MULTIHOMING_TCAM_RESOURCE_FULL: No room for 10.0.0.2 on unit 1." } );
+              Lines{
+                 "%VORNAL-4-MULTIHOMING_TCAM_RESOURCE_FULL: No room for 10.0.0.2 on unit 1." } );
    EXPECT_EQ( names, Lines{ "MULTIHOMING_TCAM_RESOURCE_FULL" } );
 }
 
@@ -52,7 +53,8 @@ TEST_F( LogLines, everySeverityHasItsNumber ) {
 TEST_F( LogLines, argumentsAreNotReadAsFormats ) {
    Handle const handle( full );
    handle.log( { "%s", "%d" } );
-   EXPECT_EQ( lines.back(), "%VORNAL-4-MULTIHOMING_TCAM_RESOURCE_FULL: No room for %s on unit %d." );
+   EXPECT_EQ( lines.back(),
+              "%VORNAL-4-MULTIHOMING_TCAM_RESOURCE_FULL: No room for %s on unit %d." );
 }
 
 TEST_F( LogLines, otherPercentSignsStand ) {

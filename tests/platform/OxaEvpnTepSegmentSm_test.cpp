@@ -1,5 +1,5 @@
-// The segment directory is the segment status turned round, changed in an order that its readers rely
-// on, and left as it is when nobody derives it any more.
+// The segment directory is the segment status turned round, changed in an order that its readers
+// rely on, and left as it is when nobody derives it any more.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -32,7 +32,8 @@ IntfId const po7 = IntfId::fromString( "Port-Channel7" );
 IpGenAddr const leaf2 = IpGenAddr::fromString( "10.0.0.2" );
 IpGenAddr const leaf3 = IpGenAddr::fromString( "2001:db8::3" );
 
-Ptr< EthernetSegmentStatus > segmentWith( IntfId const & intfId, std::vector< IpGenAddr > const & teps ) {
+Ptr< EthernetSegmentStatus > segmentWith( IntfId const & intfId,
+                                          std::vector< IpGenAddr > const & teps ) {
    auto const segment = Quelm::make< EthernetSegmentStatus >( intfId );
    for ( IpGenAddr const & tep : teps ) {
       segment->remoteTepIs( tep );
@@ -43,7 +44,8 @@ Ptr< EthernetSegmentStatus > segmentWith( IntfId const & intfId, std::vector< Ip
 class SegmentDirectory : public testing::Test {
  protected:
    Ptr< OxaEvpnTepSegmentSm > derived() {
-      auto const sm = OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( status, directory, nullptr, nullptr );
+      auto const sm =
+         OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( status, directory, nullptr, nullptr );
       sm->hasNotificationActiveIs( true );
       return sm;
    }
@@ -57,7 +59,8 @@ class SegmentDirectory : public testing::Test {
    std::string state() {
       std::string text;
       for ( auto iter = directory->tepSegmentIter(); iter; ++iter ) {
-         text += iter.key().stringValue() + "{" + Support::keysOf( iter.value()->segmentSetIter() ) + "}";
+         text += iter.key().stringValue() + "{" +
+                 Support::keysOf( iter.value()->segmentSetIter() ) + "}";
       }
       return text;
    }
@@ -68,7 +71,8 @@ class SegmentDirectory : public testing::Test {
    Journal seen;
    Support::FamilyScribe< EvpnTepSegmentDir, EvpnTepSegment > scribe{
       directory, EvpnTepSegmentDir::tepSegmentAttr(), seen,
-      []( EvpnTepSegment const & tep ) { return Support::keysOf( tep.segmentSetIter() ); } };
+      []( EvpnTepSegment const & tep ) { return Support::keysOf( tep.segmentSetIter() ); }
+   };
 };
 
 TEST_F( SegmentDirectory, factoryMakesAnEmptyOne ) {
@@ -163,8 +167,9 @@ TEST_F( SegmentDirectory, segmentReplacedByAnotherObjectKeepsWhatBothShare ) {
    auto const entity = directory->tepSegment( leaf2 );
    news();
    status->segmentStatusIs( segmentWith( et1, { leaf2, leaf3 } ) );
-   EXPECT_EQ( news(), Journal{ "dir tepSegment[2001:db8::3]: absent -> Oxa::EvpnTepSegment 2001:db8::3 "
-                               "{Ethernet1}" } );
+   EXPECT_EQ( news(),
+              Journal{ "dir tepSegment[2001:db8::3]: absent -> Oxa::EvpnTepSegment 2001:db8::3 "
+                       "{Ethernet1}" } );
    EXPECT_EQ( directory->tepSegment( leaf2 ), entity );
    status->segmentStatusIs( segmentWith( et1, { leaf3 } ) );
    EXPECT_EQ( state(), "2001:db8::3{Ethernet1}" );
@@ -280,8 +285,8 @@ rc::Gen< std::vector< Edit > > anyEdits() {
                                                                { 1, Edit::SwitchOff },
                                                                { 2, Edit::SwitchOn },
                                                                { 1, Edit::Rebuild } } );
-   return rc::gen::container< std::vector< Edit > >( rc::gen::construct< Edit >(
-      kind, rc::gen::inRange( 0, 4 ), rc::gen::inRange( 0, 4 ) ) );
+   return rc::gen::container< std::vector< Edit > >(
+      rc::gen::construct< Edit >( kind, rc::gen::inRange( 0, 4 ), rc::gen::inRange( 0, 4 ) ) );
 }
 
 using Shared = std::map< IpGenAddr, std::set< IntfId > >;
@@ -312,16 +317,16 @@ void apply( Edit const & edit, EvpnStatus & status, Ptr< EvpnTepSegmentDir > con
    IntfId const segment = IntfId::fromString( "Ethernet" + std::to_string( edit.segment ) );
    IpGenAddr const tep = IpGenAddr::fromString( "10.0.0." + std::to_string( edit.tep ) );
    switch ( edit.kind ) {
-    case Edit::Share: status.segmentStatusIs( segment )->remoteTepIs( tep ); break;
-    case Edit::Unshare: status.segmentStatusIs( segment )->remoteTepDel( tep ); break;
-    case Edit::DeleteSegment: status.segmentStatusDel( segment ); break;
-    case Edit::Replace: status.segmentStatusIs( segmentWith( segment, { tep, leaf3 } ) ); break;
-    case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
-    case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
-    case Edit::Rebuild:
+   case Edit::Share: status.segmentStatusIs( segment )->remoteTepIs( tep ); break;
+   case Edit::Unshare: status.segmentStatusIs( segment )->remoteTepDel( tep ); break;
+   case Edit::DeleteSegment: status.segmentStatusDel( segment ); break;
+   case Edit::Replace: status.segmentStatusIs( segmentWith( segment, { tep, leaf3 } ) ); break;
+   case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
+   case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
+   case Edit::Rebuild:
       sm = nullptr;
-      sm = OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( Ptr< EvpnStatus >( &status ), directory, nullptr,
-                                                       nullptr );
+      sm = OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( Ptr< EvpnStatus >( &status ), directory,
+                                                       nullptr, nullptr );
       break;
    }
 }
@@ -338,7 +343,8 @@ RC_GTEST_PROP( SegmentDirectoryModel, isInStepWhileOnAndStaysAsItIsWhileOff, () 
    for ( Edit const & edit : *anyEdits() ) {
       Shared const before = held( *directory );
       apply( edit, *status, directory, sm );
-      RC_ASSERT( held( *directory ) == ( sm->hasNotificationActive() ? computed( *status ) : before ) );
+      RC_ASSERT( held( *directory ) ==
+                 ( sm->hasNotificationActive() ? computed( *status ) : before ) );
    }
 }
 

@@ -183,8 +183,9 @@ RC_GTEST_PROP( TraceRing, anyDamageBehindTheHeaderIsReadWithoutHarm, () ) {
    for ( char const * const text : { "one", "two", "three" } ) {
       ring.lineNew( { "VornalEvpnSm", 5, text } );
    }
-   auto const damage = *rc::gen::container< std::vector< std::pair< std::size_t, U8 > > >( rc::gen::pair(
-      rc::gen::inRange( Ring::kSlotSize, Ring::sizeFor( kSlots ) ), rc::gen::arbitrary< U8 >() ) );
+   auto const damage = *rc::gen::container< std::vector< std::pair< std::size_t, U8 > > >(
+      rc::gen::pair( rc::gen::inRange( Ring::kSlotSize, Ring::sizeFor( kSlots ) ),
+                     rc::gen::arbitrary< U8 >() ) );
    for ( auto const & [ at, value ] : damage ) {
       block.bytes()[ at ] = std::byte{ value };
    }

@@ -65,7 +65,9 @@ TEST_F( TraceText, handleStartsWithLevelZeroForTextAndTheLowerHalfForTheRing ) {
 TEST_F( TraceText, lineCarriesHandleLevelAndText ) {
    Handle const handle( "TestSm" );
    Trace::levelsIs( "TestSm", "5" );
-   TRACE( handle, 5, "ifpTcamEntries" << ", unit: " << 1 );
+   TRACE( handle, 5,
+          "ifpTcamEntries"
+             << ", unit: " << 1 );
    EXPECT_EQ( lines, Lines{ "TestSm 5 ifpTcamEntries, unit: 1" } );
 }
 
@@ -185,8 +187,8 @@ TEST_F( TraceText, levelsAreDigitsAndRanges ) {
 TEST_F( TraceText, anythingElseIsRefusedAndChangesNothing ) {
    Handle const handle( "TestSm" );
    Trace::levelsIs( "TestSm", "4" );
-   for ( char const * const text : { "a", "10", "-", "5-", "-5", "5-3", "1,", ",1", "1,,2", "1-2-3", "1 ",
-                                     " 1", "1;2", "0-9,x", "1-,2" } ) {
+   for ( char const * const text : { "a", "10", "-", "5-", "-5", "5-3", "1,", ",1", "1,,2", "1-2-3",
+                                     "1 ", " 1", "1;2", "0-9,x", "1-,2" } ) {
       EXPECT_THROW( Trace::levelsIs( "TestSm", text ), Quelm::TextError ) << text;
       EXPECT_THROW( Trace::ringLevelsIs( "TestSm", text ), Quelm::TextError ) << text;
    }

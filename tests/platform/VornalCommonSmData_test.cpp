@@ -1,6 +1,6 @@
-// Two maps lead from an interface to its port: the live one, and the one that keeps the last port. The
-// order of their announcements lets a subscriber of the live map find the port that an interface
-// has lost.
+// Two maps lead from an interface to its port: the live one, and the one that keeps the last port.
+// The order of their announcements lets a subscriber of the live map find the port that an
+// interface has lost.
 #include <gtest/gtest.h>
 
 #include <string>

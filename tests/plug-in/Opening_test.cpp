@@ -10,6 +10,7 @@
 #include <Kiv/Type.h>
 #include <Log/Log.h>
 #include <Plugin/Mounter.h>
+#include <Shim/FieldCall.h>
 #include <Trace/Trace.h>
 
 namespace OpeningTest {
@@ -91,9 +92,9 @@ TEST( PlugIn, bringsItsEntityTypes ) {
 TEST( PlugIn, bringsItsLogMessages ) {
    EXPECT_EQ( logNames(), Names{} );
    Opened const plugIn;
-   EXPECT_EQ( logNames(), ( Names{ "MULTIHOMING_TCAM_RESOURCE_RECOVERED",
-                                   "MULTIHOMING_TCAM_RESOURCE_FULL", "VORNAL_UNEXPECTED_RESTART",
-                                   "VORNAL_CONFIG_CHANGE" } ) );
+   EXPECT_EQ( logNames(),
+              ( Names{ "MULTIHOMING_TCAM_RESOURCE_RECOVERED", "MULTIHOMING_TCAM_RESOURCE_FULL",
+                       "VORNAL_UNEXPECTED_RESTART", "VORNAL_CONFIG_CHANGE" } ) );
 }
 
 TEST( PlugIn, tracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening ) {
@@ -109,6 +110,15 @@ TEST( PlugIn, tracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening )
    }
    EXPECT_EQ( traced.size(), 1U );
    Trace::levelsIs( "VornalEvpn*", "8" );  // reaches no handle that has gone
+   Trace::sinkIs( {} );
+}
+
+TEST( PlugIn, leavesTheHandleThatTracesTheChipToTheAgent ) {
+   Names traced;
+   Trace::sinkIs( [ & ]( Trace::Line const & line ) { traced.emplace_back( line.handle ); } );
+   { Opened const plugIn; }
+   Shim::apiTrace().line( 4, "the agent's own field call" );
+   EXPECT_EQ( traced, Names{ "ApiVornal" } );
    Trace::sinkIs( {} );
 }
 

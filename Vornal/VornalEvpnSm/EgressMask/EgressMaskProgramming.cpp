@@ -47,17 +47,13 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::handleInitialized() {
 bool EvpnMultihomingLocalBiasWithEgressMaskSm::ifpTcamEntries( U32 unit,
                                                                Pelk::IpGenAddr const & tepIp,
                                                                bool add ) {
-   TRACE( smTrace, 5,
-          "ifpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   TRACE( smTrace, 5, "ifpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    if ( !EvpnMultihomingLocalBiasSm::ifpTcamEntries( unit, tepIp, add ) ) {
       return false;
    }
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    U32 const entryId = unitTepIpToEntry->entryId( tepIp );
-   TRACE( smTrace, 4,
-          "ifpTcamEntries"
-             << " working with IFP entry ID " << entryId );
+   TRACE( smTrace, 4, "ifpTcamEntries working with IFP entry ID " << entryId );
    if ( add ) {
       QUELM_ASSERT( entryId );
       installWithMask( unit, tepIp, entryId );
@@ -73,14 +69,10 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::installWithMask( U32 unit,
                                                                 U32 entryId ) {
    Brum::PerUnitBitmap const ubmp = getSharedESPortInfo( unit, tepIp ).sharedPortBitmap();
    if ( ubmp.isEmpty() ) {
-      TRACE( smTrace, 3,
-             "ifpTcamEntries"
-                << " no ports to be masked on unit: " << unit );
+      TRACE( smTrace, 3, "ifpTcamEntries no ports to be masked on unit: " << unit );
    }
    _shr_pbmp const pbmp = pbmpOf( ubmp );
-   TRACE( smTrace, 3,
-          "ifpTcamEntries"
-             << ", unit: " << unit << ", ubmp: " << ubmp.bitmapToString() );
+   TRACE( smTrace, 3, "ifpTcamEntries, unit: " << unit << ", ubmp: " << ubmp.bitmapToString() );
    tcamManager()->addEgressMaskAction( unit, entryId, pbmp );
    tepIpToEntry( unit )->esPbmpIs( tepIp, ubmp );
    S32 const BCM_E_NONE = Shim::sdk_->successCode();
@@ -93,14 +85,11 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::updateTcamEntries( U32 unit,
                                                                   Pelk::IntfId const & intfId,
                                                                   bool add ) {
    TRACE( smTrace, 5,
-          "updateTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add
-             << ", intfId: " << intfId );
+          "updateTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add
+                                      << ", intfId: " << intfId );
    PortListsOnUpdate const lists = getPortListsOnUpdate( unit, tepIp, intfId, add );
    if ( lists.portList().isEmpty() && lists.prevPortList().isEmpty() ) {
-      TRACE( smTrace, 7,
-             "updateTcamEntries"
-                << ", no update needed" );
+      TRACE( smTrace, 7, "updateTcamEntries, no update needed" );
       return;
    }
    updateIfpTcamEntries( unit, tepIp, lists.prevPortList(), lists.portList(), add );
@@ -110,26 +99,25 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::updateIfpTcamEntries(
    U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & oldPorts,
    VornalPortList const & ports, bool add ) {
    TRACE( smTrace, 5,
-          "updateIfpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+          "updateIfpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    Brum::PerUnitBitmap ubmp = unitTepIpToEntry->esPbmp( tepIp );
    auto const remove = [ & ]( VornalPort const & port ) {
       TRACE( smTrace, 7,
-             "updateIfpTcamEntries"
-                << ", removing old lport " << port.logicalPort() << " from egress mask bmp" );
+             "updateIfpTcamEntries, removing old lport " << port.logicalPort()
+                                                         << " from egress mask bmp" );
       ubmp.bitClear( port.logicalPort() );
    };
    auto const apply = [ & ]( VornalPort const & port ) {
       if ( add ) {
          TRACE( smTrace, 7,
-                "updateIfpTcamEntries"
-                   << ", adding lport " << port.logicalPort() << " to egress mask bmp" );
+                "updateIfpTcamEntries, adding lport " << port.logicalPort()
+                                                      << " to egress mask bmp" );
          ubmp.bitSet( port.logicalPort() );
       } else {
          TRACE( smTrace, 7,
-                "updateIfpTcamEntries"
-                   << ", removing lport " << port.logicalPort() << " from egress mask bmp" );
+                "updateIfpTcamEntries, removing lport " << port.logicalPort()
+                                                        << " from egress mask bmp" );
          ubmp.bitClear( port.logicalPort() );
       }
    };
@@ -142,9 +130,8 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::updateIfpTcamEntries(
    S32 const rc = tcamManager()->reinstallEntry( unit, entryId );
    QUELM_ASSERT( rc == BCM_E_NONE && "reinstallEntry failed" );
    TRACE( smTrace, 3,
-          "updateIfpTcamEntries"
-             << ", reinstalled entryId: " << entryId
-             << " with new bmp: " << ubmp.bitmapToString() );
+          "updateIfpTcamEntries, reinstalled entryId: " << entryId << " with new bmp: "
+                                                        << ubmp.bitmapToString() );
    unitTepIpToEntry->esPbmpIs( tepIp, ubmp );
    return true;
 }

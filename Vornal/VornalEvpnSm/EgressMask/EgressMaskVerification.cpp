@@ -1,6 +1,5 @@
 // Holding the egress masks against the records and the shared segments.
 
-#include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
 #include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
 #include <VornalEvpnSm/Module.h>
@@ -8,14 +7,11 @@
 
 namespace Vornal {
 
-using Kiv::orEmpty;
 using Shim::BCM_PBMP_EQ;
 
 bool EvpnMultihomingLocalBiasWithEgressMaskSm::tcamSanityCheckForTepIp(
    U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "tcamSanityCheckForTepIp"
-             << " unit: " << unit << " tepIp: " << tepIp );
+   TRACE( smTrace, 5, "tcamSanityCheckForTepIp unit: " << unit << " tepIp: " << tepIp );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    if ( !unitTepIpToEntry ) {
       return false;
@@ -23,8 +19,7 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::tcamSanityCheckForTepIp(
    bool const ifpTcamsUsed = unitTepIpToEntry->entryIdHas( tepIp );
    bool const esPbmpUsed = unitTepIpToEntry->esPbmpHas( tepIp );
    TRACE( smTrace, 4,
-          "tcamSanityCheckForTepIp"
-             << " ifpTcamsUsed:" << ifpTcamsUsed << " esPbmpUsed:" << esPbmpUsed );
+          "tcamSanityCheckForTepIp ifpTcamsUsed:" << ifpTcamsUsed << " esPbmpUsed:" << esPbmpUsed );
    QUELM_ASSERT( ifpTcamsUsed == esPbmpUsed );
    return true;
 }
@@ -51,25 +46,6 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries( U32 unit,
    QUELM_ASSERT( BCM_PBMP_EQ( ports, ports_exp ) );
    U32 const portCount = Shim::sdk_->pbmpCount( ports );
    QUELM_ASSERT( portCount == expPortCount );
-}
-
-U32 EvpnMultihomingLocalBiasWithEgressMaskSm::expectedPortCount(
-   U32 unit, Pelk::IpGenAddr const & tepIp ) const {
-   U32 count = 0;
-   auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
-   if ( !segment ) {
-      return count;
-   }
-   for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
-      if ( orEmpty( vcsd() ).vornalIntfToPortHas( iter.key() ) ) {
-         ++count;
-      } else if ( isPortChannel( iter.key() ) ) {
-         for ( auto const & member : getPortListForPortChannel( iter.key() ) ) {
-            count += member.unit() == unit ? 1U : 0U;
-         }
-      }
-   }
-   return count;
 }
 
 }  // namespace Vornal

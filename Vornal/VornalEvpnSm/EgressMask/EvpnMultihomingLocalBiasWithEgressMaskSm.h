@@ -44,13 +44,10 @@ class EvpnMultihomingLocalBiasWithEgressMaskSm final : public EvpnMultihomingLoc
 
  private:
    void installWithMask( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId );
-   // The ports of the unit that the VTEP's segment interfaces stand for, counted from the
-   // interfaces.
-   U32 expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const;
 };
 
 // Builds one and switches its notifications on.
-Quelm::Ptr< EvpnMultihomingLocalBiasWithEgressMaskSm > EvpnMultihomingLocalBiasWithEgressMaskSmIs(
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithEgressMaskSmIs(
    Quelm::Ptr< VornalCommonSmData const > const & vcsd,
    Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
    Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,

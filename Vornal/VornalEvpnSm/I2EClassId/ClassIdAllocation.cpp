@@ -45,6 +45,7 @@ Sm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
 
 Sm::~EvpnMultihomingLocalBiasWithI2EClassIdSm() {
    Sm::hasNotificationActiveIs( false );
+   kivDoZombieReactors( true );
 }
 
 void Sm::hasNotificationActiveIs( bool active ) {
@@ -61,9 +62,7 @@ void Sm::handleInitialized() {
 }
 
 bool Sm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "addTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "addTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    if ( !i2eTepIpClassIdHas( tepIp ) ) {
       i2eClassIdIndexConfig()->remoteESPeerVtepIs( tepIp, true );
       return false;
@@ -79,29 +78,24 @@ void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
                               << " tepIp part of oxaEvpnTepSegmentDir: " << isPeer );
       return;
    }
-   TRACE( smTrace, 5,
-          "handleRemoteESPeerVtepI2EClassId"
-             << " tepIp " << tepIp );
+   TRACE( smTrace, 5, "handleRemoteESPeerVtepI2EClassId tepIp " << tepIp );
    auto const & grants = orEmpty( i2eClassIdIndexStatus() );
    if ( !grants.remoteESPeerVtepHas( tepIp ) ) {
       TRACE( smTrace, 5,
-             "handleRemoteESPeerVtepI2EClassId"
-                << " freed I2E class ID for tepIp " << tepIp );
+             "handleRemoteESPeerVtepI2EClassId freed I2E class ID for tepIp " << tepIp );
       return;
    }
    ClassId const classId = grants.remoteESPeerVtep( tepIp );
    i2eTepIpClassIdIs( tepIp, classId );
    TRACE( smTrace, 5,
-          "handleRemoteESPeerVtepI2EClassId"
-             << " allocated I2E class ID " << classId << " for tepIp " << tepIp );
+          "handleRemoteESPeerVtepI2EClassId allocated I2E class ID " << classId << " for tepIp "
+                                                                     << tepIp );
    programI2EclassIdTcamState( tepIp );
 }
 
 void Sm::handleRemoteESPeerVtepI2EClassId() {
    if ( !initialized() ) {
-      TRACE( smTrace, 5,
-             "handleRemoteESPeerVtepI2EClassId"
-                << " called pre-init" );
+      TRACE( smTrace, 5, "handleRemoteESPeerVtepI2EClassId called pre-init" );
       return;
    }
    for ( auto iter = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepIter(); iter; ++iter ) {
@@ -110,13 +104,9 @@ void Sm::handleRemoteESPeerVtepI2EClassId() {
 }
 
 bool Sm::programI2EclassIdTcamState( Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "programI2EclassIdTcamState"
-             << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "programI2EclassIdTcamState, tepIp: " << tepIp );
    if ( !i2eTepIpClassId( tepIp ).isValid() ) {
-      TRACE( smTrace, 2,
-             "programI2EclassIdTcamState"
-                << " failed to allocate I2E class ID" );
+      TRACE( smTrace, 2, "programI2EclassIdTcamState failed to allocate I2E class ID" );
       return false;
    }
    for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
@@ -128,9 +118,7 @@ bool Sm::programI2EclassIdTcamState( Pelk::IpGenAddr const & tepIp ) {
 }
 
 bool Sm::addTcamEntriesWithI2EClassId( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "addTcamEntriesWithI2EClassId"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "addTcamEntriesWithI2EClassId, unit: " << unit << ", tepIp: " << tepIp );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    QUELM_ASSERT( !unitTepIpToEntry->entryIdHas( tepIp ) );
    QUELM_ASSERT( !unitTepIpToEntry->esPbmpHas( tepIp ) );
@@ -151,16 +139,12 @@ bool Sm::addTcamEntriesWithI2EClassId( U32 unit, Pelk::IpGenAddr const & tepIp )
 }
 
 bool Sm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, bool add ) {
-   TRACE( smTrace, 5,
-          "ifpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   TRACE( smTrace, 5, "ifpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    if ( !EvpnMultihomingLocalBiasSm::ifpTcamEntries( unit, tepIp, add ) ) {
       return false;
    }
    U32 const entryId = tepIpToEntry( unit )->entryId( tepIp );
-   TRACE( smTrace, 4,
-          "ifpTcamEntries"
-             << " working with IFP entry ID " << entryId );
+   TRACE( smTrace, 4, "ifpTcamEntries working with IFP entry ID " << entryId );
    if ( add ) {
       QUELM_ASSERT( entryId );
       mark( unit, tepIp, entryId );
@@ -193,15 +177,13 @@ void Sm::unmark( Pelk::IpGenAddr const & tepIp, U32 entryId ) {
 
 void Sm::traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const {
    TRACE( smTrace, 4,
-          "ifpTcamEntries"
-             << " for IFP entry ID : " << entryId << " using I2E class ID "
-             << i2eTepIpClassId( tepIp ) << " whose refcount is " << count );
+          "ifpTcamEntries for IFP entry ID : " << entryId << " using I2E class ID "
+                                               << i2eTepIpClassId( tepIp ) << " whose refcount is "
+                                               << count );
 }
 
 bool Sm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "deleteTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp );
+   TRACE( smTrace, 5, "deleteTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    if ( unitUsesTcamsForTepIp( unit, tepIp ) ) {
       releaseRules( unit, tepIp );
    }
@@ -226,9 +208,7 @@ void Sm::releaseClassId( Pelk::IpGenAddr const & tepIp ) {
    i2eClassIdIndexConfig()->remoteESPeerVtepDel( tepIp );
    ClassId const classId = i2eTepIpClassIdDel( tepIp );
    i2eTepIpClassIdRefCountDel( tepIp );
-   TRACE( smTrace, 5,
-          "deleteTcamEntries"
-             << " freed I2E class ID " << classId );
+   TRACE( smTrace, 5, "deleteTcamEntries freed I2E class ID " << classId );
 }
 
 }  // namespace Vornal

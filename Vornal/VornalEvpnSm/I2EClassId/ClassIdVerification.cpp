@@ -16,9 +16,7 @@ using VornalTypes::VornalPort;
 void Sm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    auto const record = tepIpToEntry( unit );
    U32 const entryId = record ? record->entryId( tepIp ) : 0;
-   TRACE( smTrace, 9,
-          "verifyIfpEntries"
-             << " " << entryId );
+   TRACE( smTrace, 9, "verifyIfpEntries " << entryId );
    EvpnMultihomingLocalBiasSm::verifyIfpEntries( unit, tepIp );
    ClassId const i2eClassId = i2eTepIpClassId( tepIp );
    U32 data = 0;
@@ -45,26 +43,6 @@ void Sm::verifyEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    QUELM_ASSERT( portCount == expPortCount );
 }
 
-// A physical interface counts on every unit; only the members of port channels are told apart by
-// unit.
-U32 Sm::expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const {
-   U32 count = 0;
-   auto const segment = orEmpty( oxaEvpnTepSegmentDir() ).tepSegment( tepIp );
-   if ( !segment ) {
-      return count;
-   }
-   for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
-      if ( orEmpty( vcsd() ).vornalIntfToPortHas( iter.key() ) ) {
-         ++count;
-      } else if ( isPortChannel( iter.key() ) ) {
-         for ( VornalPort const & member : getPortListForPortChannel( iter.key() ) ) {
-            count += member.unit() == unit ? 1U : 0U;
-         }
-      }
-   }
-   return count;
-}
-
 void Sm::verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort const & sp,
                          U32 entryId ) {
    U32 modId = 0;
@@ -89,9 +67,7 @@ void Sm::verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort con
 }
 
 bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
-   TRACE( smTrace, 5,
-          "tcamSanityCheckForTepIp"
-             << " unit: " << unit << " tepIp: " << tepIp );
+   TRACE( smTrace, 5, "tcamSanityCheckForTepIp unit: " << unit << " tepIp: " << tepIp );
    auto const record = tepIpToEntry( unit );
    if ( !record ) {
       return false;
@@ -102,8 +78,8 @@ bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    std::size_t const numEfpTcamsUsed = list ? list->efpEntryIds() : 0;
    std::size_t const numESPortsUsed = list ? list->esPortList().ports() : 0;
    TRACE( smTrace, 4,
-          "tcamSanityCheckForTepIp"
-             << " ifpTcamsUsed: " << ifpTcamsUsed << " classIdsUsed: " << classIdsUsed
+          "tcamSanityCheckForTepIp ifpTcamsUsed: "
+             << ifpTcamsUsed << " classIdsUsed: " << classIdsUsed
              << " numEfpTcamsUsed: " << numEfpTcamsUsed << " numESPortsUsed: " << numESPortsUsed );
    if ( ifpTcamsUsed ) {
       QUELM_ASSERT( classIdsUsed );
@@ -114,20 +90,16 @@ bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
 
 // While any class id is pending, every unit with a record needs its TCAM.
 bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
-   TRACE( smTrace, 5,
-          "unitUsesOrNeedsTcams"
-             << " Mirel unit: " << unit );
+   TRACE( smTrace, 5, "unitUsesOrNeedsTcams Mirel unit: " << unit );
    if ( !tepIpToEntry( unit ) ) {
-      TRACE( smTrace, 4,
-             "unitUsesOrNeedsTcams"
-                << " Mirel Line: " << __LINE__ );
+      TRACE( smTrace, 4, "unitUsesOrNeedsTcams Mirel Line: " << __LINE__ );
       return false;
    }
    bool const ifpTcamsUsed = EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( unit );
    bool const ifpTcamsNeeded = isAnyClassIdPending();
    TRACE( smTrace, 4,
-          "unitUsesOrNeedsTcams"
-             << " ifpTcamsUsed: " << ifpTcamsUsed << " ifpTcamsNeeded: " << ifpTcamsNeeded );
+          "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed
+                                                << " ifpTcamsNeeded: " << ifpTcamsNeeded );
    return ifpTcamsUsed || ifpTcamsNeeded;
 }
 

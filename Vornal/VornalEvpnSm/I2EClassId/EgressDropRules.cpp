@@ -21,13 +21,9 @@ constexpr char const * kEfpEntryName = "Drop packets at EFP from vtep IP %s on %
 
 bool Sm::efpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & ports,
                          bool add ) {
-   TRACE( smTrace, 5,
-          "efpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+   TRACE( smTrace, 5, "efpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    if ( ports.isEmpty() ) {
-      TRACE( smTrace, 5,
-             "efpTcamEntries"
-                << ", no ports to install or free EFP entries against" );
+      TRACE( smTrace, 5, "efpTcamEntries, no ports to install or free EFP entries against" );
       return true;
    }
    auto const record = tepIpToEntry( unit );
@@ -48,9 +44,7 @@ void Sm::freeEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
    for ( VornalPort const & sp : ports ) {
       U32 const efpEntryId = esPortAndEFPEntryIdList->efpEntryId( sp );
       efpTcamManager()->releaseEntry( unit, efpEntryId );
-      TRACE( smTrace, 4,
-             "efpTcamEntries"
-                << " freed EFP entry ID " << efpEntryId );
+      TRACE( smTrace, 4, "efpTcamEntries freed EFP entry ID " << efpEntryId );
       left.portDel( sp );
       esPortAndEFPEntryIdList->efpEntryIdDel( sp );
    }
@@ -58,9 +52,7 @@ void Sm::freeEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
       esPortAndEFPEntryIdList->esPortListIs( left );
       return;
    }
-   TRACE( smTrace, 4,
-          "efpTcamEntries"
-             << " freed all EFP entries for tepIp in unit" );
+   TRACE( smTrace, 4, "efpTcamEntries freed all EFP entries for tepIp in unit" );
    QUELM_ASSERT( !esPortAndEFPEntryIdList->efpEntryIds() );
    tepIpToEntry( unit )->esPortAndEFPEntryIdListDel( tepIp );
 }
@@ -69,9 +61,7 @@ bool Sm::installEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList con
                             VornalPortList const & ports ) {
    VornalPortList programmed = list->esPortList();
    ClassId const i2eClassId = i2eTepIpClassId( tepIp );
-   TRACE( smTrace, 4,
-          "efpTcamEntries"
-             << " Using I2E class ID " << i2eClassId );
+   TRACE( smTrace, 4, "efpTcamEntries Using I2E class ID " << i2eClassId );
    QUELM_ASSERT( i2eClassId.isValid() );
    for ( VornalPort const & sp : ports ) {
       if ( list->efpEntryIdHas( sp ) ) {
@@ -82,14 +72,11 @@ bool Sm::installEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList con
          unit, Quelm::formatted( kEfpEntryName, { tepIp.stringValue(), intfId.stringValue() } ),
          VornalTcam::RequestKey() );
       if ( efpEntryId == 0 ) {
-         TRACE( smTrace, 2,
-                "efpTcamEntries"
-                   << " failed to allocate EFP entry ID for " << intfId );
+         TRACE( smTrace, 2, "efpTcamEntries failed to allocate EFP entry ID for " << intfId );
          return false;
       }
       TRACE( smTrace, 4,
-             "efpTcamEntries"
-                << " allocated EFP entry ID " << efpEntryId << " for " << intfId );
+             "efpTcamEntries allocated EFP entry ID " << efpEntryId << " for " << intfId );
       programEfpEntry( unit, efpEntryId, sp, i2eClassId );
       programmed.portIs( sp );
       list->esPortListIs( programmed );
@@ -114,8 +101,7 @@ bool Sm::updateEfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
                                VornalPortList const & portsToRemove, VornalPortList const & ports,
                                bool add ) {
    TRACE( smTrace, 5,
-          "updateEfpTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
+          "updateEfpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    efpTcamEntries( unit, tepIp, portsToRemove, false );
    return efpTcamEntries( unit, tepIp, ports, add );
 }
@@ -123,14 +109,11 @@ bool Sm::updateEfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
 void Sm::updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId,
                             bool add ) {
    TRACE( smTrace, 5,
-          "updateTcamEntries"
-             << ", unit: " << unit << ", tepIp: " << tepIp << ", add " << add
-             << ", intfId: " << intfId );
+          "updateTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add
+                                      << ", intfId: " << intfId );
    PortListsOnUpdate const lists = getPortListsOnUpdate( unit, tepIp, intfId, add );
    if ( lists.portList().isEmpty() && lists.prevPortList().isEmpty() ) {
-      TRACE( smTrace, 7,
-             "updateTcamEntries"
-                << ", no update needed" );
+      TRACE( smTrace, 7, "updateTcamEntries, no update needed" );
       return;
    }
    updateEfpTcamEntries( unit, tepIp, lists.prevPortList(), lists.portList(), add );

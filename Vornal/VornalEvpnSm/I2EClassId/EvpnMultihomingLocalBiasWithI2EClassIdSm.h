@@ -92,7 +92,6 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
                          VornalCommon::ClassId i2eClassId );
 
    bool isAnyClassIdPending() const;
-   U32 expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const;
    void verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPort const & sp,
                         U32 entryId );
 
@@ -100,7 +99,7 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
 };
 
 // Builds one and switches its notifications on.
-Quelm::Ptr< EvpnMultihomingLocalBiasWithI2EClassIdSm > EvpnMultihomingLocalBiasWithI2EClassIdSmIs(
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithI2EClassIdSmIs(
    Quelm::Ptr< VornalCommonSmData const > const & vcsd,
    Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
    Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,

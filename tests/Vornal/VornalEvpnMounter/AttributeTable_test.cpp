@@ -24,26 +24,25 @@ std::vector< std::string > tableOf( Kiv::Type const & type ) {
 }
 
 TEST( MounterTable, listsSixteenAttributesInDeclarationOrder ) {
-   EXPECT_EQ(
-      tableOf( VornalEvpnMounter::kivType() ),
-      ( std::vector< std::string >{
-         "evpnDependencyWaiter: reference Vornal::EvpnDependencyWaiter",
-         "evpnStatus: reference Evpn::EvpnStatus const (settable)",
-         "vtiStatusDir: reference Vxlan::VtiStatusDir const",
-         "oxaEvpnTepSegmentDir: reference Oxa::EvpnTepSegmentDir (settable)",
-         "evpnTepSegmentSm: reference Oxa::OxaEvpnTepSegmentSm",
-         "evpnMultihomingLocalBiasSm: reference Vornal::EvpnMultihomingLocalBiasSm",
-         "svpShimStatus: reference VornalCentral::VpIndexStatus const",
-         "vxlanCapabilities: reference VornalCentral::VxlanCapabilities const",
-         "i2eClassIdIndexConfig: reference VornalCentral::I2EClassIdIndexConfig",
-         "i2eClassIdIndexStatus: reference VornalCentral::I2EClassIdIndexStatus const",
-         "lagConfig: reference Lag::Config const (settable)",
-         "lagPhyIntfMapping: reference Lag::LagPhyIntfMapping",
-         "lagPhyIntfMappingSm: reference Lag::LagPhyIntfMappingSm",
-         "bridgingHwCapabilities: reference Bridging::HwCapabilities const",
-         "vcsd: reference Vornal::VornalCommonSmData (settable)",
-         "finishInit: operation",
-      } ) );
+   EXPECT_EQ( tableOf( VornalEvpnMounter::kivType() ),
+              ( std::vector< std::string >{
+                 "evpnDependencyWaiter: reference Vornal::EvpnDependencyWaiter",
+                 "evpnStatus: reference Evpn::EvpnStatus const (settable)",
+                 "vtiStatusDir: reference Vxlan::VtiStatusDir const",
+                 "oxaEvpnTepSegmentDir: reference Oxa::EvpnTepSegmentDir (settable)",
+                 "evpnTepSegmentSm: reference Oxa::OxaEvpnTepSegmentSm",
+                 "evpnMultihomingLocalBiasSm: reference Vornal::EvpnMultihomingLocalBiasSm",
+                 "svpShimStatus: reference VornalCentral::VpIndexStatus const",
+                 "vxlanCapabilities: reference VornalCentral::VxlanCapabilities const",
+                 "i2eClassIdIndexConfig: reference VornalCentral::I2EClassIdIndexConfig",
+                 "i2eClassIdIndexStatus: reference VornalCentral::I2EClassIdIndexStatus const",
+                 "lagConfig: reference Lag::Config const (settable)",
+                 "lagPhyIntfMapping: reference Lag::LagPhyIntfMapping",
+                 "lagPhyIntfMappingSm: reference Lag::LagPhyIntfMappingSm",
+                 "bridgingHwCapabilities: reference Bridging::HwCapabilities const",
+                 "vcsd: reference Vornal::VornalCommonSmData (settable)",
+                 "finishInit: operation",
+              } ) );
 }
 
 TEST( MounterTable, isThatOfAMounterOfTheAgent ) {

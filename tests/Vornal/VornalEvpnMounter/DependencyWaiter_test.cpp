@@ -70,9 +70,10 @@ TEST_F( DependencyWaiter, marksItsOwnPointAfterEverythingIsBuilt ) {
    leaf.mountsComplete();
    Journal events;
    AttributeDiary const diary( events, leaf.mounter );
-   Kiv::Watch< Vornal::DependencyPoint > ownPoint(
-      leaf.points()->evpnDependencyPoint(),
-      [ & ]( Kiv::Change const & ) { events.emplace_back( "own point is ready" ); } );
+   Kiv::Watch< Vornal::DependencyPoint > ownPoint( leaf.points()->evpnDependencyPoint(),
+                                                   [ & ]( Kiv::Change const & ) {
+                                                      events.emplace_back( "own point is ready" );
+                                                   } );
    ownPoint.hasNotificationActiveIs( true );
    leaf.layerTwoIsReady();
    EXPECT_EQ( events[ events.size() - 2 ], "set evpnMultihomingLocalBiasSm" );
@@ -280,7 +281,8 @@ TEST_F( DependencyWaiter, switchesCommonDataThenSubAgentsThenSlicePoints ) {
    auto const subAgents =
       make< Observed< SubAgentDependencyPoints > >( listener( "subAgents" ), "subagents" );
    auto const points = make< Observed< VornalSliceDependencyPoints > >( listener( "slicePoints" ) );
-   auto const common = make< Observed< Vornal::VornalCommonSmData > >( listener( "common" ), "common" );
+   auto const common =
+      make< Observed< Vornal::VornalCommonSmData > >( listener( "common" ), "common" );
    points->subAgentDependencyPointsIs( subAgents );
    common->sliceDependencyPointsIs( points );
    auto const waiting = make< Vornal::EvpnDependencyWaiter >( leaf.mounter.get(), common );

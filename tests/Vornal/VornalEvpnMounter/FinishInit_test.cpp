@@ -58,8 +58,8 @@ TEST_F( FinishInit, buildsEverythingInOrderForAChipWithClassIds ) {
    leaf.mounter->finishInit();
    EXPECT_EQ( leaf.journal,
               ( Journal{ "shared tcamManager", "set lagPhyIntfMapping", "set lagPhyIntfMappingSm",
-                         "set oxaEvpnTepSegmentDir", "set evpnTepSegmentSm", "group 45", "group 157",
-                         "set evpnMultihomingLocalBiasSm" } ) );
+                         "set oxaEvpnTepSegmentDir", "set evpnTepSegmentSm", "group 45",
+                         "group 157", "set evpnMultihomingLocalBiasSm" } ) );
 }
 
 TEST_F( FinishInit, givesTheEgressMaskVariantItsInputs ) {
@@ -118,7 +118,8 @@ TEST_F( FinishInit, takesTheClockAfterTheEgressGroupForAChipWithClassIds ) {
    std::unique_ptr< Kiv::ActivityManager > afterEgress;
    std::unique_ptr< Kiv::ActivityManager > afterIngress;
    leaf.groups()->onLookUp = [ & ]( Vornal::TcamGroupAssignment assignment ) {
-      ( assignment == 45 ? afterEgress : afterIngress ) = std::make_unique< Kiv::ActivityManager >();
+      ( assignment == 45 ? afterEgress : afterIngress ) =
+         std::make_unique< Kiv::ActivityManager >();
    };
    leaf.mounter->finishInit();
    EXPECT_EQ( given( "clock" ), afterEgress->clock() );
@@ -189,8 +190,8 @@ TEST_F( FinishInitWithoutTcam, forEgressStillGetsTheIngressGroup ) {
    EXPECT_EQ( given( "tcamManager" ), leaf.groups()->entryManager( 157 ) );
 }
 
-// The start of an agent whose central part has not published what the chip can do. Tells on standard
-// error what the plug-in asks for and builds from the moment that layer 2 is ready.
+// The start of an agent whose central part has not published what the chip can do. Tells on
+// standard error what the plug-in asks for and builds from the moment that layer 2 is ready.
 void startWithoutCapabilities() {
    Leaf leaf;
    leaf.database->publish( vxlanCapabilitiesPath, nullptr );

@@ -31,9 +31,9 @@ TEST( ModuleLog, registersFourMessagesInOrder ) {
    for ( Log::Descriptor const * const descriptor : Log::descriptors() ) {
       names.push_back( descriptor->name );
    }
-   EXPECT_EQ( names, ( Journal{ "MULTIHOMING_TCAM_RESOURCE_RECOVERED",
-                                "MULTIHOMING_TCAM_RESOURCE_FULL", "VORNAL_UNEXPECTED_RESTART",
-                                "VORNAL_CONFIG_CHANGE" } ) );
+   EXPECT_EQ( names,
+              ( Journal{ "MULTIHOMING_TCAM_RESOURCE_RECOVERED", "MULTIHOMING_TCAM_RESOURCE_FULL",
+                         "VORNAL_UNEXPECTED_RESTART", "VORNAL_CONFIG_CHANGE" } ) );
 }
 
 TEST( ModuleLog, tcamHasRecovered ) {

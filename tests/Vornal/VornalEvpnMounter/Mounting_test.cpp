@@ -1,5 +1,5 @@
-// From doInit() to doMountsComplete(): what the mounter asks the state database for, in which order,
-// and what it keeps of the answers.
+// From doInit() to doMountsComplete(): what the mounter asks the state database for, in which
+// order, and what it keeps of the answers.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -159,8 +159,9 @@ TEST( MountingGaps, leaveOneAttributeEmptyAndAreReportedNowhere ) {
 }
 
 TEST_F( Mounting, waitsWithoutCommonDataWhenTheAgentSharesNoneOrSomethingElse ) {
-   for ( auto const & wrong : { Quelm::Ptr< Kiv::Entity >(),
-                                Quelm::Ptr< Kiv::Entity >( leaf.at< Lag::Config >( lagConfigPath ) ) } ) {
+   for ( auto const & wrong :
+         { Quelm::Ptr< Kiv::Entity >(),
+           Quelm::Ptr< Kiv::Entity >( leaf.at< Lag::Config >( lagConfigPath ) ) } ) {
       leaf.shared->share( "vornalCommon", wrong );
       auto const mounter = leaf.mounterNew();
       mounter->doMountsComplete( Corrum::MountStatus::Complete, leaf.database );

@@ -32,7 +32,8 @@ TEST_F( OwnedObjects, lagMappingStaysForTheSameNameAndIsReplacedForAnother ) {
    EXPECT_EQ( first->name(), "lagToMemberInterfacesMap" );
    EXPECT_EQ( mounter.lagPhyIntfMapping(), first );
    EXPECT_TRUE( first->hasNotificationActive() );
-   EXPECT_EQ( mounter.lagPhyIntfMappingIs( std::string( "lagToMemberInterfaces" ) + "Map" ), first );
+   EXPECT_EQ( mounter.lagPhyIntfMappingIs( std::string( "lagToMemberInterfaces" ) + "Map" ),
+              first );
 
    auto const second = mounter.lagPhyIntfMappingIs( "another" );
    expectReplaced( first, second, mounter.lagPhyIntfMapping() );
@@ -57,8 +58,8 @@ TEST_F( OwnedObjects, lagMappingSmIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) 
 
    auto const second = mounter.lagPhyIntfMappingSmIs( make< Lag::Config >( "another" ), mapping );
    expectReplaced( first, second, mounter.lagPhyIntfMappingSm() );
-   auto const third = mounter.lagPhyIntfMappingSmIs(
-      second->lagConfig(), make< Lag::LagPhyIntfMapping >( "mapping" ) );
+   auto const third = mounter.lagPhyIntfMappingSmIs( second->lagConfig(),
+                                                     make< Lag::LagPhyIntfMapping >( "mapping" ) );
    expectReplaced( second, third, mounter.lagPhyIntfMappingSm() );
 }
 
@@ -113,8 +114,8 @@ TEST_F( OwnedObjects, reactiveObjectsAreSwitchedOffAndHandedBack ) {
    auto const waiter = mounter.evpnDependencyWaiterIs( &mounter, leaf.common() );
    auto const lagSm =
       mounter.lagPhyIntfMappingSmIs( leaf.at< Lag::Config >( lagConfigPath ), nullptr );
-   auto const tepSm = mounter.evpnTepSegmentSmIs(
-      leaf.at< Evpn::EvpnStatus >( evpnStatusPath ), nullptr, nullptr, nullptr );
+   auto const tepSm = mounter.evpnTepSegmentSmIs( leaf.at< Evpn::EvpnStatus >( evpnStatusPath ),
+                                                  nullptr, nullptr, nullptr );
 
    EXPECT_EQ( mounter.evpnDependencyWaiterDel(), waiter );
    EXPECT_FALSE( mounter.evpnDependencyWaiter() );

@@ -11,8 +11,8 @@ namespace TeardownTest {
 
 using namespace Support;
 
-// leaf1 with entities that the database and the agent give up, so that the plug-in is the last user of
-// each. Everything that happens to them is in `diary`.
+// leaf1 with entities that the database and the agent give up, so that the plug-in is the last user
+// of each. Everything that happens to them is in `diary`.
 class Teardown : public testing::Test {
  protected:
    Teardown() {
@@ -39,8 +39,8 @@ class Teardown : public testing::Test {
       leaf.database->publish( path, observed< T >( path ) );
    }
 
-   // The first time that a subscription is given up on one of the three entities that the mounter's own
-   // reactive objects watch: what the mounter still owns at that moment.
+   // The first time that a subscription is given up on one of the three entities that the mounter's
+   // own reactive objects watch: what the mounter still owns at that moment.
    void noteSubscription( std::string const & name ) {
       std::string const line = "switched off on " + name + ", mounter holds";
       bool const isWatchedByOwned =
@@ -54,9 +54,8 @@ class Teardown : public testing::Test {
                        ( mounter->lagPhyIntfMappingSm() ? " lagSm" : "" ) );
    }
    bool hasLine( std::string const & start ) const {
-      return std::any_of( diary.begin(), diary.end(), [ & ]( std::string const & line ) {
-         return line.starts_with( start );
-      } );
+      return std::any_of( diary.begin(), diary.end(),
+                          [ & ]( std::string const & line ) { return line.starts_with( start ); } );
    }
    std::ptrdiff_t position( std::string const & line ) const {
       return std::find( diary.begin(), diary.end(), line ) - diary.begin();
@@ -98,14 +97,14 @@ TEST_F( Teardown, removesWaiterThenTepSegmentSmThenLagMappingThenItsSm ) {
    leaf.mounter->finishInit();
    destroyMounter();
    auto const firstRelease =
-      std::find_if( diary.begin(), diary.end(), []( std::string const & line ) {
-         return line.starts_with( "released" );
-      } );
+      std::find_if( diary.begin(), diary.end(),
+                    []( std::string const & line ) { return line.starts_with( "released" ); } );
    Journal const removals( diary.begin(), firstRelease );
    EXPECT_EQ( removals,
-              ( Journal{ "switched off on vornalCommon, mounter holds waiter tepSm lagMapping lagSm",
-                         "switched off on evpn/status, mounter holds tepSm lagMapping lagSm",
-                         "switched off on lag/config, mounter holds lagSm" } ) );
+              ( Journal{
+                 "switched off on vornalCommon, mounter holds waiter tepSm lagMapping lagSm",
+                 "switched off on evpn/status, mounter holds tepSm lagMapping lagSm",
+                 "switched off on lag/config, mounter holds lagSm" } ) );
 }
 
 TEST_F( Teardown, releasesTheStateMachineBetweenVpIndicesAndTheSegmentDirectory ) {
@@ -115,16 +114,20 @@ TEST_F( Teardown, releasesTheStateMachineBetweenVpIndicesAndTheSegmentDirectory 
    destroyMounter();
    // The state machine is the last user of the first three; what stands before and after it in the
    // mounter is released before and after them.
-   for ( std::string const & name : { std::string( "vornalCommon" ), vpIndexStatusPath, lagConfigPath } ) {
+   for ( std::string const & name :
+         { std::string( "vornalCommon" ), vpIndexStatusPath, lagConfigPath } ) {
       EXPECT_GT( position( "released " + name ), position( "released " + vxlanCapabilitiesPath ) );
       EXPECT_LT( position( "released " + name ), position( "released " + vtiStatusPath ) );
    }
-   EXPECT_LT( position( "released " + hwCapabilitiesPath ), position( "released " + classIdStatusPath ) );
-   EXPECT_LT( position( "released " + classIdStatusPath ), position( "released " + classIdConfigPath ) );
+   EXPECT_LT( position( "released " + hwCapabilitiesPath ),
+              position( "released " + classIdStatusPath ) );
+   EXPECT_LT( position( "released " + classIdStatusPath ),
+              position( "released " + classIdConfigPath ) );
    EXPECT_LT( position( "released " + classIdConfigPath ),
               position( "released " + vxlanCapabilitiesPath ) );
    EXPECT_LT( position( "released " + vtiStatusPath ), position( "released " + evpnStatusPath ) );
-   EXPECT_LT( position( "released " + evpnStatusPath ), static_cast< std::ptrdiff_t >( diary.size() ) );
+   EXPECT_LT( position( "released " + evpnStatusPath ),
+              static_cast< std::ptrdiff_t >( diary.size() ) );
    EXPECT_EQ( dir->users(), 1U );
 }
 

@@ -1,5 +1,6 @@
 // leaf1: the agent of a switch's slice 3, in memory, with all that the EVPN plug-in meets when it
-// starts. Everything is published and empty, the plug-in's mounter is built, layer 2 is not ready yet.
+// starts. Everything is published and empty, the plug-in's mounter is built, layer 2 is not ready
+// yet.
 //
 // What the plug-in asks the agent for is written down in `journal`, what it traces in `traces` as
 // "HANDLE LEVEL TEXT", what it logs in `logs`.
@@ -21,8 +22,7 @@ namespace Support {
 
 inline std::string const evpnStatusPath = "evpn/status";
 inline std::string const vpIndexStatusPath = "hardware/vornal/vp/status/vornalL3";
-inline std::string const vxlanCapabilitiesPath =
-   "hardware/vornal/centralStatus/vxlanCapabilities";
+inline std::string const vxlanCapabilitiesPath = "hardware/vornal/centralStatus/vxlanCapabilities";
 inline std::string const classIdConfigPath = "hardware/vornal/i2eclassid/config/slice/3";
 inline std::string const classIdStatusPath = "hardware/vornal/i2eclassid/status/slice/3";
 inline std::string const vtiStatusPath = "interface/status/eth/vxlan";
@@ -72,9 +72,7 @@ class Leaf {
    Quelm::Ptr< Vornal::VornalCommonSmData > common() const {
       return shared->at< Vornal::VornalCommonSmData >( "vornalCommon" );
    }
-   Quelm::Ptr< GroupManager > groups() const {
-      return shared->at< GroupManager >( "tcamManager" );
-   }
+   Quelm::Ptr< GroupManager > groups() const { return shared->at< GroupManager >( "tcamManager" ); }
    Quelm::Ptr< Vornal::VornalSliceDependencyPoints > points() const {
       return common()->sliceDependencyPoints();
    }
@@ -86,12 +84,11 @@ class Leaf {
       at< VornalCentral::VxlanCapabilities >( vxlanCapabilitiesPath )
          ->i2eClassIdSupportedIs( isSupported );
    }
-   void mountsComplete() {
-      mounter->doMountsComplete( Corrum::MountStatus::Complete, database );
-   }
+   void mountsComplete() { mounter->doMountsComplete( Corrum::MountStatus::Complete, database ); }
    void layerTwoIsReady() { subAgents()->readyIs( "l2Ready" ); }
 
-   // Ethernet1, which is port 5 of unit 0, is on a segment that leaf1 shares with the VTEP 10.0.0.2.
+   // Ethernet1, which is port 5 of unit 0, is on a segment that leaf1 shares with the
+   // VTEP 10.0.0.2.
    void shareSegmentWithVtep() {
       auto const intfId = Pelk::IntfId::fromString( "Ethernet1" );
       auto const tepIp = Quelm::fromText< Pelk::IpGenAddr >( "10.0.0.2" );
@@ -130,8 +127,10 @@ class Leaf {
    }
    void shareTcam() {
       auto const managers = Quelm::make< GroupManager >( journal );
-      managers->entryManagerIs( Quelm::make< EntryManager >( Vornal::kIfpLocalBiasGroup, journal ) );
-      managers->entryManagerIs( Quelm::make< EntryManager >( Vornal::kEfpLocalBiasGroup, journal ) );
+      managers->entryManagerIs(
+         Quelm::make< EntryManager >( Vornal::kIfpLocalBiasGroup, journal ) );
+      managers->entryManagerIs(
+         Quelm::make< EntryManager >( Vornal::kEfpLocalBiasGroup, journal ) );
       shared->share( "tcamManager", managers );
    }
 };

@@ -1,8 +1,9 @@
-// leaf1: a switch with a real software chip and the state that the local-bias machine reads, published
-// by real derivations. Nothing is on it at first but its units, whose module ids are 40, 41, ...
+// leaf1: a switch with a real software chip and the state that the local-bias machine reads,
+// published by real derivations. Nothing is on it at first but its units, whose module ids are 40,
+// 41, ...
 //
-// A test says what other agents publish, in the words of a switch's configuration, builds the machine
-// of one variant, and looks at what it traces, logs and does to the chip.
+// A test says what other agents publish, in the words of a switch's configuration, builds the
+// machine of one variant, and looks at what it traces, logs and does to the chip.
 #pragma once
 
 #include <algorithm>
@@ -96,13 +97,15 @@ class LocalBiasSwitch : private Chip::CallObserver {
    Machine machineNew( Variant variant ) {
       auto const ingress = board.entryManager( Vornal::kIfpLocalBiasGroup );
       if ( variant == Variant::EgressMask ) {
-         return Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory(
-            vcsd, dir, vpIndexStatus, evpnStatus, vtiStatusDir, ingress, activity.clock(), lagConfig,
-            lagMapping );
+         return Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory( vcsd, dir, vpIndexStatus,
+                                                                         evpnStatus, vtiStatusDir,
+                                                                         ingress, activity.clock(),
+                                                                         lagConfig, lagMapping );
       }
       return Vornal::evpnMultihomingLocalBiasWithI2EClassIdSmFactory(
          vcsd, dir, vpIndexStatus, evpnStatus, vtiStatusDir, ingress, activity.clock(), lagConfig,
-         lagMapping, board.entryManager( Vornal::kEfpLocalBiasGroup ), classIdConfig, classIdStatus );
+         lagMapping, board.entryManager( Vornal::kEfpLocalBiasGroup ), classIdConfig,
+         classIdStatus );
    }
 
    // --- What is seen

@@ -1,6 +1,6 @@
 // An entity that tells a listener when somebody subscribes to it or unsubscribes, and when its last
-// user lets go of it. (It tells of the former when its publisher is asked for, so it tells of its own
-// changes as well.)
+// user lets go of it. (It tells of the former when its publisher is asked for, so it tells of its
+// own changes as well.)
 #pragma once
 
 #include <functional>

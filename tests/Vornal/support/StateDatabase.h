@@ -1,5 +1,5 @@
-// The state database and the agent's shared entities, in memory. Both write down what they are asked,
-// in the order of asking, in a journal that they share with whoever is interested.
+// The state database and the agent's shared entities, in memory. Both write down what they are
+// asked, in the order of asking, in a journal that they share with whoever is interested.
 #pragma once
 
 #include <map>

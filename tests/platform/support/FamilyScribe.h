@@ -1,5 +1,5 @@
-// Notes every change of a directory and of every member that it has or has had, in one journal and so
-// in the order in which they happened.
+// Notes every change of a directory and of every member that it has or has had, in one journal and
+// so in the order in which they happened.
 #pragma once
 
 #include <functional>

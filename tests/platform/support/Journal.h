@@ -13,8 +13,7 @@ using Journal = std::vector< std::string >;
 // "ENTITY ATTRIBUTE: OLD -> NEW", with "[KEY]" after the attribute's name where it has one. A value
 // that is not there is called absent, a member of a set present.
 inline std::string describe( Kiv::Change const & change ) {
-   Kiv::Attribute const & attribute =
-      change.entity().typeData().attribute( change.attribute() );
+   Kiv::Attribute const & attribute = change.entity().typeData().attribute( change.attribute() );
    auto const valueText = [ & ]( Kiv::TypedPointer const & value ) -> std::string {
       if ( !value.get() ) {
          return "absent";

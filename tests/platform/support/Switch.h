@@ -55,8 +55,8 @@ class Chassis : public Switch {
    KIV_COLLECTION( slotPower, U8, S32, slots )
    KIV_OPERATION( void, shutdown, ( U8 slot ) )
 
-   using Switch::Switch;
    using Switch::shutdown;
+   using Switch::Switch;
 
    std::string model() override;
 };

@@ -1,0 +1,154 @@
+#include <CommandLine/Options.h>
+
+#include <CLI/CLI.hpp>
+
+#include <Quelm/Error.h>
+#include <Story/Outcome.h>
+#include <Trace/Trace.h>
+
+namespace CommandLine {
+
+namespace {
+
+constexpr char const * kExitCodes =
+   "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
+   "the process";
+
+// Reads "HANDLE/LEVELS".
+Scenario::TraceLevels traceOf( std::string const & text ) {
+   std::size_t const slash = text.rfind( '/' );
+   Scenario::TraceLevels const trace{ text.substr( 0, slash ),
+                                      slash == std::string::npos ? "" : text.substr( slash + 1 ) };
+   if ( slash == std::string::npos || trace.handles.empty() ) {
+      throw CLI::ValidationError( "--trace", "'" + text +
+                                                "' is not HANDLE/LEVELS such as "
+                                                "'VornalEvpn*/0-5'" );
+   }
+   try {
+      Trace::levelsIs( trace.handles, trace.levels );
+   } catch ( Quelm::TextError const & error ) {
+      throw CLI::ValidationError( "--trace", error.what() );
+   }
+   return trace;
+}
+
+Scenario::EntityPath pathOf( std::string const & text ) {
+   try {
+      return Scenario::EntityPath::fromString( text );
+   } catch ( Quelm::TextError const & error ) {
+      throw CLI::ValidationError( "PATH", "'" + text +
+                                             "' is not the path of an entity such as "
+                                             "'/evpn/status': " +
+                                             error.what() );
+   }
+}
+
+// What CLI11 fills in; turned into a command afterwards.
+struct Words {
+   std::string scenario;
+   std::string plugin;
+   std::string ring;
+   std::vector< std::string > trace;
+   std::string what;
+   std::string path;
+   bool isJson = false;
+
+   std::optional< std::filesystem::path > pluginFile() const {
+      return plugin.empty() ? std::nullopt : std::optional< std::filesystem::path >( plugin );
+   }
+
+   RunOptions runOptions() const {
+      RunOptions options{ scenario, pluginFile(), std::nullopt, {}, isJson };
+      if ( !ring.empty() ) {
+         options.ring = ring;
+      }
+      for ( std::string const & text : trace ) {
+         options.trace.push_back( traceOf( text ) );
+      }
+      return options;
+   }
+
+   ShowOptions showOptions() const {
+      ShowOptions options{ scenario, std::nullopt, pluginFile(), isJson };
+      if ( !path.empty() ) {
+         options.path = pathOf( path );
+      }
+      return options;
+   }
+};
+
+void addScenarioOptions( CLI::App & command, Words & words ) {
+   command.add_option( "SCENARIO", words.scenario, "The scenario's file" )->required();
+   command
+      .add_option( "--plugin", words.plugin,
+                   "The plug-in's shared object; VornalEvpn.so as it comes with the program if "
+                   "none is given" )
+      ->type_name( "FILE" );
+   command.add_flag( "--json", words.isJson, "Print one JSON document instead of text" );
+}
+
+void addRun( CLI::App & app, Words & words ) {
+   CLI::App & run = *app.add_subcommand( "run", "Run a scenario and tell what happens" );
+   addScenarioOptions( run, words );
+   run.add_option( "--trace", words.trace,
+                   "Show what a trace handle traces at these levels ('VornalEvpn*/0-5,9'); can be "
+                   "given several times" )
+      ->type_name( "HANDLE/LEVELS" )
+      ->take_all()
+      ->expected( 1 );
+   run.add_option( "--ring", words.ring, "Write the binary trace ring into this file" )
+      ->type_name( "FILE" );
+   run.footer( kExitCodes );
+}
+
+void addShow( CLI::App & app, Words & words ) {
+   CLI::App & show =
+      *app.add_subcommand( "show", "Run a scenario and show the state that it leads to" );
+   addScenarioOptions( show, words );
+   show.add_option( "WHAT", words.what, "What to show: 'entities'" )
+      ->required()
+      ->check( CLI::IsMember( { "entities" } ) );
+   show.add_option( "PATH", words.path,
+                    "The entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; without one, "
+                    "the paths to begin with are listed" );
+   show.footer( kExitCodes );
+}
+
+void addRing( CLI::App & app, Words & words ) {
+   CLI::App & ring = *app.add_subcommand( "ring", "Print the lines of a binary trace ring" );
+   ring.add_option( "FILE", words.ring, "The file that 'run --ring' has written" )->required();
+}
+
+Command commandOf( CLI::App const & app, Words const & words ) {
+   if ( app.got_subcommand( "run" ) ) {
+      return words.runOptions();
+   }
+   if ( app.got_subcommand( "show" ) ) {
+      return words.showOptions();
+   }
+   return RingOptions{ words.ring };
+}
+
+}  // namespace
+
+std::variant< Command, Done > parse( int argc, char const * const * argv ) {
+   CLI::App app(
+      "An off-switch agent: loads a forwarding plug-in, plays the other agents of a "
+      "switch, and tells what the plug-in does.",
+      "vornal" );
+   app.require_subcommand( 1 );
+   app.footer( kExitCodes );
+   Words words;
+   addRun( app, words );
+   addShow( app, words );
+   addRing( app, words );
+   try {
+      app.parse( argc, argv );
+      return commandOf( app, words );
+   } catch ( CLI::ParseError const & error ) {
+      bool const isHelp = app.exit( error ) == 0;
+      return Done{ isHelp ? 0 : static_cast< int >( Story::ExitCode::BadInput ) };
+   }
+}
+
+}  // namespace CommandLine

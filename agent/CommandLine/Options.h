@@ -1,0 +1,43 @@
+// What was asked for on the command line.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <Scenario/Scenario.h>
+
+namespace CommandLine {
+
+struct RunOptions {
+   std::filesystem::path scenario;
+   std::optional< std::filesystem::path > plugin;  // nothing: the one that comes with the program
+   std::optional< std::filesystem::path > ring;    // the trace ring's file
+   std::vector< Scenario::TraceLevels > trace;
+   bool isJson = false;
+};
+
+struct ShowOptions {
+   std::filesystem::path scenario;
+   std::optional< Scenario::EntityPath > path;  // nothing: the paths at which entities are
+   std::optional< std::filesystem::path > plugin;
+   bool isJson = false;
+};
+
+struct RingOptions {
+   std::filesystem::path file;
+};
+
+using Command = std::variant< RunOptions, ShowOptions, RingOptions >;
+
+// There is nothing to do but to end with this exit code: help was asked for and has been printed,
+// or the usage was wrong and standard error says how.
+struct Done {
+   int exitCode = 0;
+};
+
+std::variant< Command, Done > parse( int argc, char const * const * argv );
+
+}  // namespace CommandLine

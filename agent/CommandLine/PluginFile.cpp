@@ -1,0 +1,32 @@
+#include <CommandLine/PluginFile.h>
+
+#include <array>
+
+#include <Host/InputError.h>
+
+namespace CommandLine {
+
+namespace fs = std::filesystem;
+
+fs::path pluginFile( std::optional< fs::path > const & asked ) {
+   if ( asked ) {
+      if ( !fs::exists( *asked ) ) {
+         throw Host::InputError( asked->string() +
+                                 ": there is no such file; --plugin takes the "
+                                 "plug-in's shared object" );
+      }
+      return *asked;
+   }
+   fs::path const folder = fs::read_symlink( "/proc/self/exe" ).parent_path();
+   std::array const candidates{ folder / "VornalEvpn.so",
+                                folder.parent_path() / "lib/vornal/plugins/VornalEvpn.so" };
+   for ( fs::path const & candidate : candidates ) {
+      if ( fs::exists( candidate ) ) {
+         return candidate;
+      }
+   }
+   throw Host::InputError( "there is no plug-in: neither " + candidates[ 0 ].string() + " nor " +
+                           candidates[ 1 ].string() + " exists; name one by --plugin" );
+}
+
+}  // namespace CommandLine

@@ -1,0 +1,42 @@
+// One line on a terminal that shows that a long step goes on, and how far it is; gone again before
+// anything else is printed there.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <ostream>
+
+#include <Story/Observer.h>
+
+namespace CommandLine {
+
+class Progress final : public Story::Observer {
+ public:
+   using Clock = std::chrono::steady_clock;
+   using Now = std::function< Clock::time_point() >;
+
+   // How long a step runs unseen, and how often the line is drawn again.
+   static constexpr std::chrono::milliseconds kPatience{ 500 };
+   static constexpr std::chrono::milliseconds kInterval{ 100 };
+
+   // To be told of events before those who print on the same terminal. The stream must outlive it.
+   explicit Progress( std::ostream & terminal, Now now = &Clock::now )
+         : terminal_( terminal ), now_( std::move( now ) ) {}
+
+   void onEvent( Story::Event const & event ) override;
+
+ private:
+   void begin( Story::StepBegins const & step );
+   void advance();
+   void clear();
+
+   std::ostream & terminal_;
+   Now now_;
+   U32 steps_ = 0;  // of the scenario
+   U32 step_ = 0;
+   U64 calls_ = 0;           // to the hardware, in this step
+   Clock::time_point next_;  // when the line is drawn
+   bool isDrawn_ = false;
+};
+
+}  // namespace CommandLine

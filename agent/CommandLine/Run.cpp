@@ -1,0 +1,67 @@
+#include <iostream>
+
+#include <CommandLine/Commands.h>
+#include <CommandLine/PluginFile.h>
+#include <CommandLine/Progress.h>
+#include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
+#include <Story/HumanWriter.h>
+#include <Story/JsonWriter.h>
+
+#include <unistd.h>
+
+namespace CommandLine {
+
+namespace {
+
+// What the process of the agent prints goes to standard error, where the document does not stand.
+class OutputEcho final : public Story::Observer {
+ public:
+   void onEvent( Story::Event const & event ) override {
+      if ( auto const * const line = std::get_if< Story::OutputLine >( &event ) ) {
+         std::cerr << line->text << '\n';
+      }
+   }
+};
+
+Story::ExitCode runForPeople( ScenarioRun const & what,
+                              std::vector< Story::Observer * > observers ) {
+   Story::HumanWriter writer( std::cout, Story::Style( isColoured( STDOUT_FILENO ) ) );
+   observers.push_back( &writer );
+   Story::Outcome outcome;
+   runScenario( what, std::move( observers ), outcome );
+   return outcome.exitCode();
+}
+
+Story::ExitCode runForPrograms( ScenarioRun const & what,
+                                std::vector< Story::Observer * > observers ) {
+   Story::JsonWriter writer;
+   OutputEcho echo;
+   observers.insert( observers.end(), { &writer, &echo } );
+   Story::Outcome outcome;
+   runScenario( what, std::move( observers ), outcome );
+   if ( outcome.exitCode() != Story::ExitCode::BadInput ) {
+      writer.write( std::cout );
+   }
+   return outcome.exitCode();
+}
+
+}  // namespace
+
+Story::ExitCode run( RunOptions const & options ) {
+   Scenario::Model const scenario = Scenario::read( options.scenario );
+   ScenarioRun const what{
+      scenario,
+      { options.scenario.string(), pluginFile( options.plugin ), options.trace, {} },
+      options.ring
+   };
+   Progress progress( std::cerr );
+   std::vector< Story::Observer * > observers;
+   if ( isTerminal( STDERR_FILENO ) ) {
+      observers.push_back( &progress );
+   }
+   return options.isJson ? runForPrograms( what, std::move( observers ) )
+                         : runForPeople( what, std::move( observers ) );
+}
+
+}  // namespace CommandLine

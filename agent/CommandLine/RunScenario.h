@@ -1,0 +1,25 @@
+// Runs a scenario in a process of its own, for whoever observes it.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include <Host/Agent.h>
+#include <Scenario/Reader.h>
+#include <Story/Outcome.h>
+
+namespace CommandLine {
+
+struct ScenarioRun {
+   Scenario::Model const & scenario;
+   Host::AgentConfig config;
+   std::optional< std::filesystem::path > ring;  // the trace ring's file
+};
+
+// The observers are told everything, in the order given, and the outcome last; what was wrong with
+// the input is printed on standard error.
+void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
+                  Story::Outcome & outcome );
+
+}  // namespace CommandLine

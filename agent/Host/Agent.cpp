@@ -1,0 +1,109 @@
+#include <Host/Agent.h>
+
+#include <Host/InputError.h>
+#include <Quelm/Error.h>
+#include <Scenario/Description.h>
+#include <StateDatabase/Tree.h>
+
+namespace Host {
+
+namespace {
+
+void levelsAre( std::vector< Scenario::TraceLevels > const & settings ) {
+   for ( Scenario::TraceLevels const & setting : settings ) {
+      Trace::levelsIs( setting.handles, setting.levels );
+   }
+}
+
+}  // namespace
+
+Agent::Agent( Scenario::Model const & scenario, AgentConfig config, std::span< std::byte > ring,
+              Story::Observer & observer )
+      : scenario_( scenario ),
+        config_( std::move( config ) ),
+        environment_( scenario, ring, observer ) {}
+
+void Agent::run() {
+   try {
+      runAll();
+   } catch ( InputError const & error ) {
+      plugin_.reset();
+      environment_.observer().onEvent( Story::BadInput{ error.what() } );
+   }
+}
+
+void Agent::runAll() {
+   Story::Observer & observer = environment_.observer();
+   observer.onEvent( Story::RunBegins{ config_.scenario, scenario_.name, scenario_.description,
+                                       static_cast< U32 >( scenario_.steps.size() ) } );
+   environment_.steps().queuePublished( scenario_.published );
+   environment_.activity().run();
+   inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
+           [ this ] { startUp(); } );
+   for ( Scenario::Step const & step : scenario_.steps ) {
+      inStep( { Story::StepKind::Scenario, 0, Scenario::description( step.action ),
+                scenario_.file + ":" + std::to_string( step.line ) },
+              [ & ] { environment_.steps().queue( step ); } );
+   }
+   std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
+   inStep( { Story::StepKind::Teardown,
+             0,
+             "the plug-in is destroyed and unloaded; its rules stay in the chip",
+             {} },
+           [ this ] { tearDown(); } );
+   observer.onEvent(
+      Story::RunEnds{ static_cast< U64 >( environment_.activity().clock()->now().count() ) } );
+}
+
+// Everything from here to idleness belongs to the step.
+template< typename Work >
+void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
+   Story::StepBegins numbered = begins;
+   numbered.number = step_++;
+   environment_.observer().onEvent( numbered );
+   work();
+   environment_.activity().run();
+   if ( plugin_ ) {
+      plugin_->tellVariant();
+   }
+   environment_.observer().onEvent( Story::StepEnds{ numbered.number } );
+}
+
+void Agent::startUp() {
+   traceLevels();
+   plugin_.emplace( config_.plugin, scenario_.device.slice, environment_ );
+   plugin_->start();
+}
+
+// The start-up functions of the mounter are worth a line each, unless somebody asks for less.
+void Agent::traceLevels() {
+   Trace::levelsIs( "VornalEvpnMounter", "0,8" );
+   levelsAre( scenario_.trace );
+   levelsAre( config_.trace );
+}
+
+void Agent::tearDown() {
+   environment_.activity().turnNew( [ this ] { plugin_.reset(); } );
+}
+
+// --- What is asked to be shown
+
+void Agent::show( AgentConfig::Paths ) {
+   for ( auto const & [ path, entity ] : environment_.finder().roots() ) {
+      environment_.observer().onEvent( Story::EntityShown{
+         "/" + path, { entity->typeData().name(), entity->identity(), "/" + path, {} } } );
+   }
+}
+
+void Agent::show( Scenario::EntityPath const & path ) {
+   StateDatabase::Finder const & finder = environment_.finder();
+   try {
+      environment_.observer().onEvent( Story::EntityShown{
+         path.stringValue(),
+         StateDatabase::treeOf( path.stringValue(), *finder.entity( path ), finder.roots() ) } );
+   } catch ( Quelm::AccessError const & error ) {
+      throw InputError( error.what() );
+   }
+}
+
+}  // namespace Host

@@ -1,0 +1,62 @@
+#include <Host/Environment.h>
+
+#include <Host/SharedState.h>
+
+namespace Host {
+
+namespace {
+
+Chip::BoardConfig boardOf( Scenario::Switch const & device ) {
+   Chip::BoardConfig config;
+   for ( Scenario::Unit const & unit : device.units ) {
+      Chip::UnitConfig chip{ unit.number, unit.module, {} };
+      if ( device.tcam.ingress ) {
+         chip.capacities[ Vornal::kIfpLocalBiasGroup ] = *device.tcam.ingress;
+      }
+      if ( device.tcam.egress ) {
+         chip.capacities[ Vornal::kEfpLocalBiasGroup ] = *device.tcam.egress;
+      }
+      config.units.push_back( std::move( chip ) );
+   }
+   return config;
+}
+
+}  // namespace
+
+Environment::Environment( Scenario::Model const & scenario, std::span< std::byte > ring,
+                          Story::Observer & observer )
+      : observer_( { &record_, &observer } ),
+        reporter_( observer_ ),
+        board_( boardOf( scenario.device ), &reporter_ ),
+        sdk_( board_.sdk(), reporter_ ),
+        ring_( ring ),
+        toggles_( scenario.featureFiles ),
+        processWide_( sdk_, ring_, toggles_, observer_ ),
+        published_( scenario.device, database_, own_ ),
+        finder_( { &database_, &own_ } ),
+        evidence_{ finder_, board_.units(), record_, *pluginPoint() },
+        steps_( { scenario.file, activity_, published_, evidence_, observer_ } ),
+        subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
+                        [ this ]( Kiv::Change const & change ) {
+                           if ( change.newValue< bool >() ) {
+                              observer_.onEvent( Story::DependencyPointReady{
+                                 "subagents::" + change.key< std::string >(), false } );
+                           }
+                        } ) {
+   reporter_.unitsAre( board_.units() );
+   own_.entityIs( std::string( SharedEntities::kFolder ) + "tcamManager",
+                  Quelm::make< TcamGroupManager >( "tcamManager", *board_.groupManager(),
+                                                   observer_ ) );
+   watch();
+}
+
+// Subscribes before any plug-in does, so that a change is told before it is acted on.
+void Environment::watch() {
+   subAgentWatch_.hasNotificationActiveIs( true );
+   for ( auto const & [ path, entity ] : finder_.roots() ) {
+      watches_.push_back(
+         std::make_unique< StateDatabase::ChangeWatch >( "/" + path, entity, observer_ ) );
+   }
+}
+
+}  // namespace Host

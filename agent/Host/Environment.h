@@ -1,0 +1,70 @@
+// What a plug-in finds on a switch: the activity, the chip, the state database, what the agent
+// shares with plug-ins, and what a process has one of. All of it is there before a plug-in is
+// loaded, and until after it has been unloaded.
+//
+// Entities are found at their path in the database, and below "shared/" and "plugins/"
+// (Host/Published.h has the list).
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include <Board/Board.h>
+#include <Decorators/RecordingSdk.h>
+#include <FeatureFiles/Reader.h>
+#include <Host/ChipReporter.h>
+#include <Host/Expectations.h>
+#include <Host/ProcessWide.h>
+#include <Host/Published.h>
+#include <Host/Record.h>
+#include <Host/Steps.h>
+#include <Kiv/Activity.h>
+#include <StateDatabase/ChangeWatch.h>
+#include <StateDatabase/Finder.h>
+
+namespace Host {
+
+class Environment {
+ public:
+   // A switch as the scenario describes it, on which nothing has been published yet. Scenario, ring
+   // memory and observer must outlive it.
+   Environment( Scenario::Model const & scenario, std::span< std::byte > ring,
+                Story::Observer & observer );
+
+   Story::Observer & observer() { return observer_; }
+   Kiv::ActivityManager & activity() { return activity_; }
+   Published & published() { return published_; }
+   Steps & steps() { return steps_; }
+   // What other agents publish, and what this agent shares with, and has of, plug-ins.
+   StateDatabase::Directory & database() { return database_; }
+   StateDatabase::Directory & own() { return own_; }
+   StateDatabase::Finder const & finder() const { return finder_; }
+   // The dependency point that the plug-in marks.
+   Quelm::Ptr< Vornal::DependencyPoint > const & pluginPoint() const {
+      return published_.common()->sliceDependencyPoints()->evpnDependencyPoint();
+   }
+
+ private:
+   void watch();
+
+   Record record_;
+   Story::Observers observer_;
+   Kiv::ActivityManager activity_;
+   ChipReporter reporter_;
+   Chip::Board board_;
+   Chip::RecordingSdk sdk_;
+   Trace::Ring ring_;
+   FeatureFiles::Reader toggles_;
+   ProcessWide processWide_;
+   StateDatabase::Directory database_;
+   StateDatabase::Directory own_;
+   Published published_;
+   StateDatabase::Finder finder_;
+   Evidence evidence_;
+   Steps steps_;
+   std::vector< std::unique_ptr< StateDatabase::ChangeWatch > > watches_;
+   Kiv::Watch< Vornal::SubAgentDependencyPoints > subAgentWatch_;
+};
+
+}  // namespace Host

@@ -1,0 +1,30 @@
+#include <Host/PluginModule.h>
+
+#include <Host/InputError.h>
+
+#include <dlfcn.h>
+
+namespace Host {
+
+PluginModule::PluginModule( std::filesystem::path const & file ) {
+   std::size_t const before = Plugin::registeredMounters().size();
+   // A name without a '/' would be looked for among the system's libraries.
+   handle_ = dlopen( std::filesystem::absolute( file ).c_str(), RTLD_NOW | RTLD_LOCAL );
+   if ( !handle_ ) {
+      throw InputError( "the plug-in cannot be loaded: " + std::string( dlerror() ) );
+   }
+   auto const all = Plugin::registeredMounters();
+   mounters_.assign( all.begin() + static_cast< std::ptrdiff_t >( before ), all.end() );
+   if ( mounters_.empty() ) {
+      dlclose( handle_ );
+      throw InputError( file.string() +
+                        " registers no mounter, so it is no plug-in; a plug-in has "
+                        "a Plugin::MounterRegistration for each of its mounters" );
+   }
+}
+
+PluginModule::~PluginModule() {
+   dlclose( handle_ );
+}
+
+}  // namespace Host

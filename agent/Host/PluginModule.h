@@ -1,0 +1,32 @@
+// A plug-in's shared object, opened in this process.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <Plugin/Mounter.h>
+
+namespace Host {
+
+// Opening runs the module initialisation of the shared object; closing takes its mounters and
+// entity types away again, so that no object of the plug-in may be left by then. All symbols are
+// resolved when it is opened, and none is visible to others.
+//
+// Failures: InputError when the file cannot be opened as a shared object, or registers no mounter.
+class PluginModule {
+ public:
+   explicit PluginModule( std::filesystem::path const & file );
+   PluginModule( PluginModule const & ) = delete;
+   PluginModule & operator=( PluginModule const & ) = delete;
+   ~PluginModule();
+
+   // What it offers, in the order of registration.
+   std::vector< Plugin::MounterRegistration const * > const & mounters() const { return mounters_; }
+
+ private:
+   void * handle_ = nullptr;
+   std::vector< Plugin::MounterRegistration const * > mounters_;
+};
+
+}  // namespace Host

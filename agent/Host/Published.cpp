@@ -1,0 +1,128 @@
+#include <Host/Published.h>
+
+#include <Host/SharedState.h>
+#include <VornalCentral/Capabilities.h>
+#include <VornalCentral/I2EClassIdIndex.h>
+
+namespace Host {
+
+namespace {
+
+// Publishes an entity of type T.
+template< typename T >
+Quelm::Ptr< T > publishNew( StateDatabase::Directory & directory, std::string const & path ) {
+   return Quelm::dynamicCast< T >( directory.entityNew( path, T::kivTypeName() ) );
+}
+
+}  // namespace
+
+Published::Published( Scenario::Switch const & device, StateDatabase::Directory & database,
+                      StateDatabase::Directory & shared ) {
+   evpnStatus_ = publishNew< Evpn::EvpnStatus >( database, "evpn/status" );
+   vpIndexStatus_ =
+      publishNew< VornalCentral::VpIndexStatus >( database, "hardware/vornal/vp/status/vornalL3" );
+   vtiStatusDir_ = publishNew< Vxlan::VtiStatusDir >( database, "interface/status/eth/vxlan" );
+   lagConfig_ = publishNew< Lag::Config >( database, "lag/config" );
+   database.entityNew( "bridging/hwcapabilities", "Bridging::HwCapabilities" );
+
+   publishNew< VornalCentral::VxlanCapabilities >(
+      database, "hardware/vornal/centralStatus/vxlanCapabilities" )
+      ->i2eClassIdSupportedIs( device.variant == Scenario::Variant::classId );
+   std::string const classIds = "hardware/vornal/i2eclassid/";
+   publishNew< VornalCentral::I2EClassIdIndexConfig >( database,
+                                                       classIds + "config/slice/" + device.slice );
+   publishNew< VornalCentral::I2EClassIdIndexStatus >( database,
+                                                       classIds + "status/slice/" + device.slice );
+
+   common_ = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
+   for ( Scenario::Unit const & unit : device.units ) {
+      common_->vornalModIdIs( unit.number, unit.module );
+   }
+   auto const points = Quelm::make< Vornal::VornalSliceDependencyPoints >();
+   points->subAgentDependencyPointsIs(
+      Quelm::make< Vornal::SubAgentDependencyPoints >( "subagents" ) );
+   common_->sliceDependencyPointsIs( points );
+   std::string const folder = SharedEntities::kFolder;
+   shared.entityIs( folder + "vornalCommon", common_ );
+   shared.entityIs( folder + "vornalAttributes", VornalCentral::vornalAttributes() );
+}
+
+void Published::publish( Scenario::Published const & what ) {
+   std::visit( [ this ]( auto const & one ) { publishOne( one ); }, what );
+}
+
+void Published::withdraw( Scenario::Published const & what ) {
+   std::visit( [ this ]( auto const & one ) { withdrawOne( one ); }, what );
+}
+
+// --- Interfaces and port channels
+
+void Published::publishOne( Scenario::InterfacePort const & what ) {
+   common_->intfPortIs( what.intf, what.port );
+}
+
+void Published::withdrawOne( Scenario::InterfacePort const & what ) {
+   common_->intfPortDel( what.intf );
+}
+
+void Published::publishOne( Scenario::PortChannelMember const & what ) {
+   lagConfig_->phyIntfIs( what.member )->lagIs( what.portChannel );
+}
+
+void Published::withdrawOne( Scenario::PortChannelMember const & what ) {
+   auto const member = lagConfig_->phyIntf( what.member );
+   if ( member && member->lag() == what.portChannel ) {
+      member->lagIs( {} );
+   }
+}
+
+// --- Ethernet segments
+
+void Published::publishOne( Scenario::Segment const & what ) {
+   evpnStatus_->segmentStatusIs( what.intf );
+}
+
+void Published::withdrawOne( Scenario::Segment const & what ) {
+   evpnStatus_->segmentStatusDel( what.intf );
+}
+
+void Published::publishOne( Scenario::SegmentVtep const & what ) {
+   evpnStatus_->segmentStatusIs( what.intf )->remoteTepIs( what.vtep );
+}
+
+void Published::withdrawOne( Scenario::SegmentVtep const & what ) {
+   if ( auto const segment = evpnStatus_->segmentStatus( what.intf ) ) {
+      segment->remoteTepDel( what.vtep );
+   }
+}
+
+// --- VTEPs and tunnel interfaces
+
+void Published::publishOne( Scenario::VtepVirtualPort const & what ) {
+   vpIndexStatus_->remoteVportIs( VornalCentral::getRemoteVtepKeyForIp( what.vtep ),
+                                  what.virtualPort );
+}
+
+void Published::withdrawOne( Scenario::VtepVirtualPort const & what ) {
+   vpIndexStatus_->remoteVportDel( VornalCentral::getRemoteVtepKeyForIp( what.vtep ) );
+}
+
+void Published::publishOne( Scenario::TunnelInterface const & what ) {
+   vtiStatusDir_->vtiStatusIs( what.intf );
+}
+
+void Published::withdrawOne( Scenario::TunnelInterface const & what ) {
+   vtiStatusDir_->vtiStatusDel( what.intf );
+}
+
+void Published::publishOne( Scenario::VrfVni const & what ) {
+   vtiStatusDir_->vtiStatusIs( what.intf )->vrfToVniMapIs( what.vrf, what.vni );
+}
+
+void Published::withdrawOne( Scenario::VrfVni const & what ) {
+   if ( auto const vti = vtiStatusDir_->vtiStatus( what.intf ) ) {
+      vti->vrfToVniMapDel( what.vrf );
+   }
+}
+
+}  // namespace Host

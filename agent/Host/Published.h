@@ -1,0 +1,70 @@
+// What other agents publish: the entities of the state database and of the agent's shared state,
+// and the changes that a scenario makes to them.
+//
+// Each kind of change is made the way the agent that owns the state makes it: ports through the
+// operations that keep the live and the cached map in step, a segment or a tunnel interface
+// entering before its parts.
+//
+// | path                                              | entity                                |
+// |---------------------------------------------------|---------------------------------------|
+// | evpn/status                                       | Evpn::EvpnStatus                      |
+// | hardware/vornal/vp/status/vornalL3                | VornalCentral::VpIndexStatus          |
+// | hardware/vornal/centralStatus/vxlanCapabilities   | VornalCentral::VxlanCapabilities      |
+// | hardware/vornal/i2eclassid/config/slice/SLICE     | VornalCentral::I2EClassIdIndexConfig  |
+// | hardware/vornal/i2eclassid/status/slice/SLICE     | VornalCentral::I2EClassIdIndexStatus  |
+// | interface/status/eth/vxlan                        | Vxlan::VtiStatusDir                   |
+// | lag/config                                        | Lag::Config                           |
+// | bridging/hwcapabilities                           | Bridging::HwCapabilities              |
+// | shared/vornalCommon                               | Vornal::VornalCommonSmData            |
+// | shared/vornalAttributes                           | VornalCentral::VornalAttributes       |
+//
+// Threads: the activity's; every change is to be made in a turn of its own.
+#pragma once
+
+#include <Evpn/EvpnStatus.h>
+#include <Lag/Config.h>
+#include <Scenario/Scenario.h>
+#include <StateDatabase/Directory.h>
+#include <Vornal/VornalCommonSmData.h>
+#include <VornalCentral/VpIndexStatus.h>
+#include <Vxlan/VtiStatusDir.h>
+
+namespace Host {
+
+class Published {
+ public:
+   // Puts the entities of that switch into the directories: the published ones, and the shared
+   // ones.
+   Published( Scenario::Switch const & device, StateDatabase::Directory & database,
+              StateDatabase::Directory & shared );
+
+   void publish( Scenario::Published const & what );
+   void withdraw( Scenario::Published const & what );
+
+   Quelm::Ptr< Vornal::VornalCommonSmData > const & common() const { return common_; }
+
+ private:
+   void publishOne( Scenario::InterfacePort const & what );
+   void publishOne( Scenario::PortChannelMember const & what );
+   void publishOne( Scenario::Segment const & what );
+   void publishOne( Scenario::SegmentVtep const & what );
+   void publishOne( Scenario::VtepVirtualPort const & what );
+   void publishOne( Scenario::TunnelInterface const & what );
+   void publishOne( Scenario::VrfVni const & what );
+
+   void withdrawOne( Scenario::InterfacePort const & what );
+   void withdrawOne( Scenario::PortChannelMember const & what );
+   void withdrawOne( Scenario::Segment const & what );
+   void withdrawOne( Scenario::SegmentVtep const & what );
+   void withdrawOne( Scenario::VtepVirtualPort const & what );
+   void withdrawOne( Scenario::TunnelInterface const & what );
+   void withdrawOne( Scenario::VrfVni const & what );
+
+   Quelm::Ptr< Evpn::EvpnStatus > evpnStatus_;
+   Quelm::Ptr< VornalCentral::VpIndexStatus > vpIndexStatus_;
+   Quelm::Ptr< Vxlan::VtiStatusDir > vtiStatusDir_;
+   Quelm::Ptr< Lag::Config > lagConfig_;
+   Quelm::Ptr< Vornal::VornalCommonSmData > common_;
+};
+
+}  // namespace Host

@@ -1,0 +1,35 @@
+// What expectations ask about the past: the lines that were logged and traced, and the groups that
+// the plug-in asked for, since the run began.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <Story/Observer.h>
+
+namespace Host {
+
+class Record final : public Story::Observer {
+ public:
+   void onEvent( Story::Event const & event ) override {
+      std::visit( Story::Overloaded{
+                     [ & ]( Story::LogLine const & line ) { log_.push_back( line.line ); },
+                     [ & ]( Story::TraceLine const & line ) { traces_.push_back( line ); },
+                     [ & ]( Story::TcamGroupAsked const & asked ) {
+                        tcamGroups_.push_back( asked.group );
+                     },
+                     []( auto const & ) {} },
+                  event );
+   }
+
+   std::vector< std::string > const & log() const { return log_; }
+   std::vector< Story::TraceLine > const & traces() const { return traces_; }
+   std::vector< U32 > const & tcamGroups() const { return tcamGroups_; }
+
+ private:
+   std::vector< std::string > log_;
+   std::vector< Story::TraceLine > traces_;
+   std::vector< U32 > tcamGroups_;
+};
+
+}  // namespace Host

@@ -1,0 +1,59 @@
+// Carries out the steps of a scenario.
+//
+// A step becomes turns of the activity: one for every change that another agent writes, in the
+// order written, never merged, and one for the expectations. Nothing happens here but queueing;
+// whoever runs the activity until it is idle has carried the step out.
+//
+// Failures: a turn that names something that is not there, or that the generic interface refuses,
+// throws InputError with the place in the scenario; the turns behind it stay queued.
+#pragma once
+
+#include <functional>
+
+#include <Host/Expectations.h>
+#include <Host/Published.h>
+#include <Kiv/Activity.h>
+#include <Story/Observer.h>
+
+namespace Host {
+
+// What steps work on. Everything must outlive its use, turns included.
+struct StepContext {
+   std::string const & file;  // of the scenario
+   Kiv::ActivityManager & activity;
+   Published & published;
+   Evidence const & evidence;
+   Story::Observer & observer;
+};
+
+class Steps {
+ public:
+   explicit Steps( StepContext const & context ) : context_( context ) {}
+
+   void queue( Scenario::Step const & step );
+   // One turn for each change.
+   void queuePublished( std::vector< Scenario::Change > const & changes );
+
+ private:
+   void queueAction( Scenario::Note const &, int ) {}
+   void queueAction( Scenario::Ready const & ready, int line );
+   void queueAction( Scenario::Publish const & publish, int line );
+   void queueAction( Scenario::Withdraw const & withdraw, int line );
+   void queueAction( Scenario::Set const & set, int line );
+   void queueAction( Scenario::Delete const & del, int line );
+   void queueAction( Scenario::Call const & call, int line );
+   void queueAction( Scenario::Expect const & expect, int line );
+
+   void set( Scenario::Set const & set );
+   void remove( Scenario::Delete const & del );
+   void call( Scenario::Call const & call );
+   void expect( Scenario::Expectation const & expectation );
+
+   // A turn whose refusals become InputErrors at that line.
+   void turnNew( int line, std::function< void() > turn );
+   std::string placeOf( int line ) const;
+
+   StepContext context_;
+};
+
+}  // namespace Host

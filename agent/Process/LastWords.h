@@ -1,0 +1,31 @@
+// What a stopped process said last: its last lines, and the assertion among them.
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <string>
+
+#include <Story/Event.h>
+
+namespace Process {
+
+// The assertion that a line of standard error reports (Quelm/Assert.h):
+// `FILE:LINE: FUNCTION: Assertion 'EXPRESSION' failed.` Nothing for any other line.
+std::optional< Story::Assertion > assertionIn( std::string const & line );
+
+class LastWords {
+ public:
+   static constexpr std::size_t kMostLines = 20;
+
+   void lineNew( std::string const & line );
+
+   std::deque< std::string > const & lines() const { return lines_; }
+   // The last one that was reported.
+   std::optional< Story::Assertion > const & assertion() const { return assertion_; }
+
+ private:
+   std::deque< std::string > lines_;
+   std::optional< Story::Assertion > assertion_;
+};
+
+}  // namespace Process

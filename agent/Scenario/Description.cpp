@@ -1,0 +1,172 @@
+#include <Scenario/Description.h>
+
+#include <fmt/format.h>
+
+#include <Scenario/Parts.h>
+
+namespace Scenario {
+
+namespace {
+
+using Quelm::textOf;
+
+std::string at( AttributeAt const & place ) {
+   return place.entity.stringValue() + ' ' + place.attribute +
+          ( place.key.empty() ? "" : '[' + place.key + ']' );
+}
+
+// --- what is published or withdrawn
+
+std::string describe( InterfacePort const & what, bool isWithdrawn ) {
+   return what.intf.stringValue() + ( isWithdrawn ? "" : " on " + textOf( what.port ) );
+}
+
+std::string describe( PortChannelMember const & what, bool isWithdrawn ) {
+   return fmt::format( "{} {} {}", textOf( what.member ), isWithdrawn ? "from" : "in",
+                       textOf( what.portChannel ) );
+}
+
+std::string describe( Segment const & what, bool ) {
+   return "segment " + what.intf.stringValue();
+}
+
+std::string describe( SegmentVtep const & what, bool isWithdrawn ) {
+   return fmt::format( "VTEP {} {} segment {}", textOf( what.vtep ), isWithdrawn ? "from" : "on",
+                       textOf( what.intf ) );
+}
+
+std::string describe( VtepVirtualPort const & what, bool isWithdrawn ) {
+   return isWithdrawn
+             ? "virtual port of VTEP " + what.vtep.stringValue()
+             : fmt::format( "virtual port {} of VTEP {}", what.virtualPort, textOf( what.vtep ) );
+}
+
+std::string describe( TunnelInterface const & what, bool ) {
+   return "tunnel interface " + what.intf.stringValue();
+}
+
+std::string describe( VrfVni const & what, bool isWithdrawn ) {
+   std::string const place = what.vrf.stringValue() + " on " + what.intf.stringValue();
+   return isWithdrawn ? "VNI of VRF " + place : "VNI " + textOf( what.vni ) + " of VRF " + place;
+}
+
+std::string describe( std::vector< Change > const & changes, bool isWithdrawn ) {
+   std::string text;
+   for ( Change const & change : changes ) {
+      text += ( text.empty() ? " " : ", " ) + description( change.what, isWithdrawn );
+   }
+   return text;
+}
+
+// --- expectations
+
+std::string times( std::optional< U32 > const & count ) {
+   if ( !count ) {
+      return "";
+   }
+   return *count == 1 ? " once" : fmt::format( " {} times", *count );
+}
+
+std::string describe( AttributeEquals const & what ) {
+   return at( what.at ) + " equals " + what.value;
+}
+
+std::string describe( AttributeHas const & what ) {
+   return fmt::format( "{} {} {} {}", what.at.entity.stringValue(), what.at.attribute,
+                       what.isPresent ? "has" : "lacks", what.at.key );
+}
+
+std::string describe( PluginReady const & what ) {
+   return what.isReady ? "plug-in ready" : "plug-in waiting";
+}
+
+std::string describe( TcamGroupsAskedFor const & what ) {
+   std::string text;
+   for ( TcamGroup const group : what.groups ) {
+      text += ( text.empty() ? " " : ", " ) + std::string( nameOf( group ) );
+   }
+   return "TCAM groups asked for:" + ( text.empty() ? " none" : text );
+}
+
+std::string describe( RuleCount const & what ) {
+   return fmt::format( "{} rules in group {}{}", what.count, nameOf( what.group ),
+                       what.unit ? fmt::format( " of unit {}", *what.unit ) : "" );
+}
+
+std::string describe( LogLine const & what ) {
+   return "log line \"" + what.text + '"' + times( what.times );
+}
+
+std::string describe( TraceLine const & what ) {
+   return fmt::format( "trace line of {}{} \"{}\"{}", what.handle,
+                       what.level ? fmt::format( " at level {}", *what.level ) : "", what.text,
+                       times( what.times ) );
+}
+
+// --- steps
+
+std::string describe( Note const & step ) {
+   return step.text;
+}
+
+std::string describe( Ready const & step ) {
+   return "ready subagents::" + step.point;
+}
+
+std::string describe( Publish const & step ) {
+   return "publish" + describe( step.changes, false );
+}
+
+std::string describe( Withdraw const & step ) {
+   return "withdraw" + describe( step.changes, true );
+}
+
+std::string describe( Set const & step ) {
+   return "set " + at( step.at ) + ( step.value.empty() ? "" : " to " + step.value );
+}
+
+std::string describe( Delete const & step ) {
+   return "delete " + at( step.at );
+}
+
+std::string describe( Call const & step ) {
+   std::string arguments;
+   for ( std::string const & argument : step.arguments ) {
+      arguments += ( arguments.empty() ? " " : ", " ) + argument;
+   }
+   return fmt::format( "call {} {}({}{}", step.entity.stringValue(), step.operation, arguments,
+                       arguments.empty() ? ")" : " )" );
+}
+
+std::string describe( Expect const & step ) {
+   std::string text;
+   for ( Expectation const & expectation : step.expectations ) {
+      text += ( text.empty() ? " " : ", " ) + description( expectation.what );
+   }
+   return "expect" + text;
+}
+
+}  // namespace
+
+std::string_view nameOf( Variant variant ) {
+   return variants().nameOf( variant );
+}
+
+std::string_view nameOf( TcamGroup group ) {
+   return tcamGroups().nameOf( group );
+}
+
+std::string description( Published const & published, bool isWithdrawn ) {
+   return std::visit( [ = ]( auto const & what ) { return describe( what, isWithdrawn ); },
+                      published );
+}
+
+std::string description( Expected const & expected ) {
+   return std::visit( []( auto const & what ) { return describe( what ); }, expected );
+}
+
+std::string description( Action const & action ) {
+   return std::visit( []( auto const & what ) { return describe( what ); }, action );
+}
+
+}  // namespace Scenario

@@ -1,0 +1,58 @@
+// Scenario::EntityPath: where an entity of a running switch is found.
+//
+//    /evpn/status                                            a mounted entity
+//    /evpn/status/segmentStatus[Port-Channel2]               a member of one of its collections
+//    /shared/vornalCommon/sliceDependencyPoints              what a reference refers to
+//    /plugins/Vornal::VornalEvpnMounter                      a plug-in's mounter
+//
+// A path begins with the place where an entity is mounted, or with /shared or /plugins and a name;
+// after that every segment names an attribute that leads to another entity, with the key in
+// brackets where the attribute has keys. The text alone does not tell where the one ends and the
+// other begins: whoever resolves the path takes the longest beginning that is mounted.
+//
+// Names consist of letters, digits and any of "_-.:@#". A key is written in the text form of its
+// type (Quelm/Text.h), so it may hold '/'; a ']' in it stands within double quotes.
+//
+// Failures: only reading fails, with Quelm::TextError. Reading and writing are each other's
+// inverse.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <Quelm/Text.h>
+
+namespace Scenario {
+
+class EntityPath : public Quelm::Value {
+ public:
+   struct Segment {
+      std::string name;
+      std::optional< std::string > key;  // the key's text, as it stands in the brackets
+
+      friend bool operator==( Segment const &, Segment const & ) = default;
+   };
+
+   // The path that leads nowhere, which no text stands for.
+   EntityPath() = default;
+   // One segment at least.
+   explicit EntityPath( std::vector< Segment > segments ) : segments_( std::move( segments ) ) {}
+
+   static EntityPath fromString( std::string_view text );
+
+   std::vector< Segment > const & segments() const { return segments_; }
+   std::string stringValue() const { return Quelm::textOf( *this ); }
+
+   friend bool operator==( EntityPath const &, EntityPath const & ) = default;
+
+   static std::string_view textTypeName() { return "Scenario::EntityPath"; }
+   void textTo( std::string & out ) const;
+   static EntityPath textFrom( Quelm::TextReader & in );
+
+ private:
+   std::vector< Segment > segments_;
+};
+
+}  // namespace Scenario

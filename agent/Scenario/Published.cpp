@@ -1,0 +1,317 @@
+#include <Brum/PerUnitBitmap.h>
+#include <Scenario/Parts.h>
+
+namespace Scenario {
+
+namespace {
+
+using Changes = std::vector< Change >;
+using Kind = Pelk::IntfId::Kind;
+
+// An interface of one of the kinds, which `expected` words.
+std::optional< Pelk::IntfId > interfaceIn( Reading & reading, std::string const & text, int line,
+                                           std::initializer_list< Kind > kinds,
+                                           std::string const & expected ) {
+   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
+   if ( !intf || std::find( kinds.begin(), kinds.end(), intf->kind() ) != kinds.end() ) {
+      return intf;
+   }
+   reading.problem( line, intf->stringValue() + " cannot stand here; " + expected );
+   return std::nullopt;
+}
+
+std::optional< Pelk::IntfId > ethernetIn( Reading & reading, std::string const & text, int line ) {
+   return interfaceIn( reading, text, line, { Kind::ethernet },
+                       "an Ethernet interface is expected" );
+}
+
+std::optional< Pelk::IntfId > portChannelIn( Reading & reading, std::string const & text,
+                                             int line ) {
+   return interfaceIn( reading, text, line, { Kind::portChannel },
+                       "a port channel is expected, as in Port-Channel1" );
+}
+
+std::optional< Pelk::IntfId > segmentIntfIn( Reading & reading, std::string const & text,
+                                             int line ) {
+   auto const intf = interfaceIn( reading, text, line, { Kind::ethernet, Kind::portChannel },
+                                  "a segment is on an Ethernet interface or a port channel" );
+   if ( intf ) {
+      reading.use( *intf, line );
+   }
+   return intf;
+}
+
+std::optional< Pelk::IntfId > tunnelIntfIn( Reading & reading, std::string const & text,
+                                            int line ) {
+   return interfaceIn( reading, text, line, { Kind::vxlan },
+                       "a tunnel interface is expected, as in Vxlan1" );
+}
+
+std::optional< L3::VrfName > vrfIn( Reading &, std::string const & text, int ) {
+   return L3::VrfName( text );
+}
+
+auto const addressIn = parsed< Pelk::IpGenAddr >;
+
+// --- interfaces
+
+struct PortWords {
+   std::optional< U32 > unit;
+   std::optional< U32 > port;
+};
+
+void readPort( Reading & reading, Value const & value, PortWords & words ) {
+   constexpr U32 kInvalid = VornalTypes::VornalPort::kInvalidLogicalPort;
+   words.port = numberIn( value ) == kInvalid
+                   ? std::optional( kInvalid )
+                   : numberOf( reading, value, 0, Brum::PerUnitBitmap::kBits - 1,
+                               ", or 1023 for a port that is not valid" );
+}
+
+Table< PortWords > const & interfaceTable() {
+   static Table< PortWords > const table{
+      "interface",
+      { { { "unit", "unit: 0" }, readNumber< PortWords, &PortWords::unit, 0, 0xffff > },
+        { { "port", "port: 1" }, readPort } }
+   };
+   return table;
+}
+
+// The interface's port; nothing when it has none, or none that can be read.
+std::optional< VornalTypes::VornalPort > portOf( Reading & reading, Value const & value ) {
+   if ( value.node.IsMap() && value.node.size() == 0 ) {
+      return std::nullopt;
+   }
+   PortWords words;
+   readMapping( reading, value, interfaceTable(), words );
+   if ( !words.unit || !words.port ) {
+      return std::nullopt;
+   }
+   auto const unit = static_cast< U16 >( *words.unit );
+   auto const module = reading.module( unit, value.line );
+   return module ? std::optional(
+                      VornalTypes::VornalPort( unit, static_cast< U16 >( *words.port ), *module ) )
+                 : std::nullopt;
+}
+
+void interfacesGone( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ intf, line ] : distinctOf( reading, value, ethernetIn ) ) {
+      reading.use( intf, line );
+      changes.push_back( { InterfacePort{ intf, {} }, line } );
+   }
+}
+
+// --- port channels
+
+using PortChannels = std::vector< Keyed< Pelk::IntfId > >;
+
+// The members of each, none in two of them.
+void readMembers( Reading & reading, PortChannels const & portChannels, Changes & changes ) {
+   std::map< Pelk::IntfId, Pelk::IntfId > portChannelOf;
+   for ( auto const & [ portChannel, members ] : portChannels ) {
+      for ( auto const & [ member, line ] : distinctOf( reading, members, ethernetIn ) ) {
+         reading.use( member, line );
+         auto const [ other, isNew ] = portChannelOf.try_emplace( member, portChannel );
+         if ( !isNew ) {
+            reading.problem( line, member.stringValue() + " is in " + other->second.stringValue() +
+                                      " already; an interface is in one port channel at most" );
+         }
+         changes.push_back( { PortChannelMember{ portChannel, member }, line } );
+      }
+   }
+}
+
+void membersGone( Reading & reading, Value const & value, Changes & changes ) {
+   PortChannels const portChannels = keyedOf( reading, value, portChannelIn );
+   for ( auto const & portChannel : portChannels ) {
+      reading.use( portChannel.key, portChannel.value.line );
+   }
+   readMembers( reading, portChannels, changes );
+}
+
+// --- segments
+
+void readSegmentVteps( Reading & reading, Pelk::IntfId const & intf, Value const & value,
+                       Changes & changes ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+      changes.push_back( { SegmentVtep{ intf, vtep }, line } );
+   }
+}
+
+void readSegments( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ intf, vteps ] : keyedOf( reading, value, segmentIntfIn ) ) {
+      changes.push_back( { Segment{ intf }, vteps.line } );
+      readSegmentVteps( reading, intf, vteps, changes );
+   }
+}
+
+// Whole segments as a list, or remote VTEPs of each as a mapping.
+void segmentsGone( Reading & reading, Value const & value, Changes & changes ) {
+   if ( value.node.IsMap() ) {
+      for ( auto const & [ intf, vteps ] : keyedOf( reading, value, segmentIntfIn ) ) {
+         readSegmentVteps( reading, intf, vteps, changes );
+      }
+      return;
+   }
+   for ( auto const & [ intf, line ] : distinctOf( reading, value, segmentIntfIn ) ) {
+      changes.push_back( { Segment{ intf }, line } );
+   }
+}
+
+// --- VTEPs
+
+struct VtepWords {
+   std::optional< U32 > virtualPort;
+};
+
+Table< VtepWords > const & vtepTable() {
+   static Table< VtepWords > const table{
+      "vtep",
+      { { { "virtual-port", "virtual-port: 2" },
+          readNumber< VtepWords, &VtepWords::virtualPort, 0, ~U32{ 0 } > } }
+   };
+   return table;
+}
+
+void readVteps( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ vtep, about ] : keyedOf( reading, value, addressIn ) ) {
+      VtepWords words;
+      readMapping( reading, about, vtepTable(), words );
+      changes.push_back( { VtepVirtualPort{ vtep, words.virtualPort.value_or( 0 ) }, about.line } );
+   }
+}
+
+void vtepsGone( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+      changes.push_back( { VtepVirtualPort{ vtep, 0 }, line } );
+   }
+}
+
+// --- tunnel interfaces
+
+// The tunnel interface whose mappings are being read, and where they go.
+struct Mappings {
+   Pelk::IntfId intf;
+   Changes & changes;
+};
+
+std::optional< Vxlan::VniExtOrNone > vniOf( Reading & reading, Value const & value ) {
+   if ( value.node.IsScalar() && value.node.Scalar() == "none" ) {
+      return Vxlan::VniExtOrNone();
+   }
+   auto const vni = numberOf( reading, value, 0, Vxlan::VniExtOrNone::kNone - 1, ", or none" );
+   return vni ? std::optional( Vxlan::VniExtOrNone( *vni ) ) : std::nullopt;
+}
+
+void readVrfVni( Reading & reading, Value const & value, Mappings & mappings ) {
+   for ( auto const & [ vrf, about ] : keyedOf( reading, value, vrfIn ) ) {
+      if ( auto const vni = vniOf( reading, about ) ) {
+         mappings.changes.push_back( { VrfVni{ mappings.intf, vrf, *vni }, about.line } );
+      }
+   }
+}
+
+Table< Mappings > const & tunnelTable() {
+   static Table< Mappings > const table{ "tunnel-interface",
+                                         { { { "vrf-vni", "" }, readVrfVni } } };
+   return table;
+}
+
+void readTunnels( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ intf, about ] : keyedOf( reading, value, tunnelIntfIn ) ) {
+      changes.push_back( { TunnelInterface{ intf }, about.line } );
+      Mappings mappings{ intf, changes };
+      readMapping( reading, about, tunnelTable(), mappings );
+   }
+}
+
+// Whole tunnel interfaces as a list, or VRFs of each as a mapping.
+void tunnelsGone( Reading & reading, Value const & value, Changes & changes ) {
+   if ( !value.node.IsMap() ) {
+      for ( auto const & [ intf, line ] : distinctOf( reading, value, tunnelIntfIn ) ) {
+         changes.push_back( { TunnelInterface{ intf }, line } );
+      }
+      return;
+   }
+   for ( auto const & [ intf, vrfs ] : keyedOf( reading, value, tunnelIntfIn ) ) {
+      for ( auto const & [ vrf, line ] : distinctOf( reading, vrfs, vrfIn ) ) {
+         changes.push_back( { VrfVni{ intf, vrf, {} }, line } );
+      }
+   }
+}
+
+Table< Changes > const & evpnTable() {
+   static Table< Changes > const table{ "evpn",
+                                        { { { "segments", "" }, readSegments },
+                                          { { "vteps", "" }, readVteps },
+                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+   return table;
+}
+
+Table< Changes > const & publishTable() {
+   static Table< Changes > const table{ "publish",
+                                        { { { "interfaces", "" }, readInterfaces },
+                                          { { "port-channels", "" }, readPortChannels },
+                                          { { "segments", "" }, readSegments },
+                                          { { "vteps", "" }, readVteps },
+                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+   return table;
+}
+
+Table< Changes > const & withdrawTable() {
+   static Table< Changes > const table{ "withdraw",
+                                        { { { "interfaces", "" }, interfacesGone },
+                                          { { "port-channels", "" }, membersGone },
+                                          { { "segments", "" }, segmentsGone },
+                                          { { "vteps", "" }, vtepsGone },
+                                          { { "tunnel-interfaces", "" }, tunnelsGone } } };
+   return table;
+}
+
+}  // namespace
+
+void readInterfaces( Reading & reading, Value const & value, Changes & changes ) {
+   std::map< VornalTypes::VornalPort, Pelk::IntfId > intfOfPort;
+   for ( auto const & [ intf, about ] : keyedOf( reading, value, ethernetIn ) ) {
+      reading.define( intf );
+      auto const port = portOf( reading, about );
+      if ( !port ) {
+         continue;
+      }
+      auto const [ other, isNew ] = intfOfPort.try_emplace( *port, intf );
+      if ( !isNew && port->isValid() ) {
+         reading.problem( about.line, "port " + std::to_string( port->logicalPort() ) +
+                                         " of unit " + std::to_string( port->unit() ) + " is " +
+                                         other->second.stringValue() +
+                                         "'s already; give each interface a port of its own" );
+      }
+      changes.push_back( { InterfacePort{ intf, *port }, about.line } );
+   }
+}
+
+void readPortChannels( Reading & reading, Value const & value, Changes & changes ) {
+   PortChannels const portChannels = keyedOf( reading, value, portChannelIn );
+   for ( auto const & portChannel : portChannels ) {
+      reading.define( portChannel.key );
+   }
+   readMembers( reading, portChannels, changes );
+}
+
+void readEvpn( Reading & reading, Value const & value, Changes & changes ) {
+   readMapping( reading, value, evpnTable(), changes );
+}
+
+void readPublish( Reading & reading, Value const & value, Changes & changes ) {
+   readAsWritten( reading, value, publishTable(), changes );
+}
+
+void readWithdraw( Reading & reading, Value const & value, Changes & changes ) {
+   readAsWritten( reading, value, withdrawTable(), changes );
+}
+
+std::vector< WordList > publishedVocabulary() {
+   return { interfaceTable().list(), vtepTable().list(),    tunnelTable().list(),
+            evpnTable().list(),      publishTable().list(), withdrawTable().list() };
+}
+
+}  // namespace Scenario

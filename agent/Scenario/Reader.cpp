@@ -1,0 +1,213 @@
+#include <Scenario/Reader.h>
+
+#include <Scenario/Document.h>
+#include <Scenario/Parts.h>
+#include <Scenario/Vocabulary.h>
+
+namespace Scenario {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// What a file's mapping is read into.
+struct Document {
+   Model model;
+   std::vector< StepOf > steps;
+   fs::path directory;  // of the file
+};
+
+// --- the words of a scenario
+
+void readName( Reading & reading, Value const & value, Document & document ) {
+   document.model.name = stringOf( reading, value ).value_or( "" );
+}
+
+void readDescription( Reading & reading, Value const & value, Document & document ) {
+   document.model.description = stringOf( reading, value ).value_or( "" );
+}
+
+void readSwitchWord( Reading & reading, Value const & value, Document & document ) {
+   readSwitch( reading, value, document.model );
+}
+
+void readEvpnWord( Reading & reading, Value const & value, Document & document ) {
+   readEvpn( reading, value, document.model.published );
+}
+
+void readFeatures( Reading & reading, Value const & value, Document & document ) {
+   auto const directory = stringOf( reading, value );
+   if ( !directory ) {
+      return;
+   }
+   document.model.featureFiles = document.directory / *directory;
+   std::error_code error;
+   if ( !fs::is_directory( document.model.featureFiles, error ) ) {
+      reading.problem( value.line, "features is " + inQuotes( *directory ) +
+                                      ", which is no directory; the directory of the feature files "
+                                      "is expected, relative to the scenario's" );
+   }
+}
+
+// The levels as bits; nothing when the text is not a list of levels as Trace::levelsIs takes it.
+std::optional< U32 > levelsIn( std::string_view text ) {
+   U32 levels = 0;
+   auto const isLevel = [ & ]( std::size_t at ) {
+      return at < text.size() && text[ at ] >= '0' && text[ at ] <= '9';
+   };
+   for ( std::size_t at = 0;; ++at ) {
+      if ( !isLevel( at ) ) {
+         return std::nullopt;
+      }
+      bool const isRange = text.substr( at + 1 ).starts_with( '-' ) && isLevel( at + 2 );
+      char const first = text[ at ];
+      char const last = text[ isRange ? at + 2 : at ];
+      for ( char level = first; level <= last; ++level ) {
+         levels |= 1U << static_cast< unsigned >( level - '0' );
+      }
+      at += isRange ? 3 : 1;
+      if ( last < first || ( at < text.size() && text[ at ] != ',' ) ) {
+         return std::nullopt;
+      }
+      if ( at == text.size() ) {
+         return levels;
+      }
+   }
+}
+
+void readTrace( Reading & reading, Value const & value, Document & document ) {
+   for ( Value const & handles : mappingOf( reading, value ) ) {
+      auto const text = stringOf( reading, handles );
+      if ( !text ) {
+         continue;
+      }
+      if ( auto const levels = levelsIn( *text ) ) {
+         reading.traceIs( handles.name, *levels );
+         document.model.trace.push_back( { handles.name, *text } );
+      } else {
+         reading.problem( handles.line, handles.name + " is " + inQuotes( *text ) +
+                                           "; trace levels are expected, as in 0-5,9" );
+      }
+   }
+}
+
+void readStepsWord( Reading & reading, Value const & value, Document & document ) {
+   readSteps( reading, value, document.steps );
+}
+
+Table< Document > const & scenarioTable() {
+   static Table< Document > const table{ "scenario",
+                                         { { { "scenario", "scenario: start-up" }, readName },
+                                           { { "description", "" }, readDescription },
+                                           { { "switch", "switch: { name: leaf1, ... }" },
+                                             readSwitchWord },
+                                           { { "evpn", "" }, readEvpnWord },
+                                           { { "features", "" }, readFeatures },
+                                           { { "trace", "" }, readTrace },
+                                           { { "steps", "" }, readStepsWord } } };
+   return table;
+}
+
+// --- a scenario that is based on another
+
+struct Twin {
+   std::string name;
+   std::string description;
+   std::string base;
+   int baseLine = 1;
+   std::optional< Variant > variant;
+};
+
+void readBase( Reading & reading, Value const & value, Twin & twin ) {
+   twin.base = stringOf( reading, value ).value_or( "" );
+   twin.baseLine = value.line;
+}
+
+void readVariant( Reading & reading, Value const & value, Twin & twin ) {
+   twin.variant = choiceOf( reading, value, variants() );
+}
+
+Table< Twin > const & twinTable() {
+   static Table< Twin > const table{
+      "derived-scenario",
+      { { { "scenario", "scenario: start-up-class-id" }, readText< Twin, &Twin::name > },
+        { { "description", "" }, readText< Twin, &Twin::description > },
+        { { "based-on", "based-on: ../start-up/scenario.yaml" }, readBase },
+        { { "variant", "" }, readVariant } }
+   };
+   return table;
+}
+
+// --- both
+
+bool isTwin( Value const & document ) {
+   return document.node.IsMap() && document.node[ "based-on" ];
+}
+
+// A whole scenario; with `variant` on that variant.
+Model modelOf( Value const & value, fs::path const & file, std::optional< Variant > variant ) {
+   Reading reading( file.string() );
+   Document document;
+   document.directory = file.parent_path();
+   document.model.file = file.string();
+   document.model.featureFiles = document.directory;
+   readMapping( reading, value, scenarioTable(), document );
+   reading.check();
+
+   Model model = std::move( document.model );
+   model.device.variant = variant.value_or( model.device.variant );
+   for ( StepOf & step : document.steps ) {
+      if ( !step.onlyOn || step.onlyOn == model.device.variant ) {
+         model.steps.push_back( std::move( step.step ) );
+      }
+   }
+   return model;
+}
+
+Model modelOfTwin( Value const & value, fs::path const & file ) {
+   Reading reading( file.string() );
+   Twin twin;
+   readMapping( reading, value, twinTable(), twin );
+   reading.check();
+
+   auto const refuse = [ & ]( std::string const & why ) {
+      reading.problem( twin.baseLine, "based-on is " + inQuotes( twin.base ) + why );
+      reading.check();
+   };
+   fs::path const base = ( file.parent_path() / twin.base ).lexically_normal();
+   std::error_code error;
+   if ( !fs::is_regular_file( base, error ) ) {
+      refuse( ", which is no file; the file of a scenario is expected, relative to this one" );
+   }
+   Value const document = documentIn( textIn( base ), base.string() );
+   if ( isTwin( document ) ) {
+      refuse( ", which is based on another itself; name the scenario that it is based on" );
+   }
+   Model model = modelOf( document, base, twin.variant );
+   model.name = twin.name;
+   model.description = twin.description.empty() ? model.description : twin.description;
+   return model;
+}
+
+}  // namespace
+
+Model read( fs::path const & file ) {
+   return readText( textIn( file ), file );
+}
+
+Model readText( std::string const & text, fs::path const & file ) {
+   Value const document = documentIn( text, file.string() );
+   return isTwin( document ) ? modelOfTwin( document, file )
+                             : modelOf( document, file, std::nullopt );
+}
+
+std::vector< WordList > vocabulary() {
+   std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
+   for ( auto const & part : { switchVocabulary(), publishedVocabulary(), stepsVocabulary(),
+                               expectationsVocabulary() } ) {
+      all.insert( all.end(), part.begin(), part.end() );
+   }
+   return all;
+}
+
+}  // namespace Scenario

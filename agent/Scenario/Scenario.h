@@ -1,0 +1,245 @@
+// The model of a scenario: a switch, what other agents publish before the plug-in is loaded, and
+// the steps of a story.
+//
+// These are plain values; docs/scenarios.md describes the language that they are read from, and
+// Scenario/Reader.h reads it. A model that the reader hands out is whole: every interface that it
+// names is defined, every unit is one of the switch's, every path is well formed. Whether an entity
+// or an attribute exists shows when a step is carried out; `line` is there to say where the step
+// stands.
+//
+// Changes. Whatever agents publish or withdraw is a list of changes, each of which is one change of
+// one attribute of one entity, and so one turn of the activity. They are in the order in which they
+// are to happen: in steps as written; before the plug-in is loaded interfaces first, then port
+// channels, segments, VTEPs and tunnel interfaces. What must enter before its parts does: a segment
+// before its VTEPs, a tunnel interface before its mappings.
+//
+// A step is one alternative of Action, an expectation one of Expected; a new kind is a struct here,
+// one small function each in Scenario/Steps.cpp (or Scenario/Expectations.cpp) and
+// Scenario/Description.cpp, and its words in the documents.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <L3/VrfName.h>
+#include <Pelk/IntfId.h>
+#include <Pelk/IpGenAddr.h>
+#include <Quelm/Integers.h>
+#include <Scenario/EntityPath.h>
+#include <VornalTypes/VornalPort.h>
+#include <Vxlan/VniExtOrNone.h>
+
+namespace Scenario {
+
+// --- the switch
+
+// What the chip can do decides which of the two state machines the plug-in builds.
+enum class Variant { egressMask, classId };
+
+// A field-processor group: Vornal::kIfpLocalBiasGroup and Vornal::kEfpLocalBiasGroup.
+enum class TcamGroup { ingress, egress };
+
+struct Unit {
+   U16 number = 0;
+   U16 module = 0;
+};
+
+// The entries that a group has on each unit; nothing: the switch has no such group.
+struct Tcam {
+   static constexpr U32 kUsualEntries = 256;
+   static constexpr U32 kMostEntries = 65536;
+
+   std::optional< U32 > ingress = kUsualEntries;
+   std::optional< U32 > egress = kUsualEntries;
+};
+
+struct Switch {
+   std::string name;
+   std::string slice = "1";  // the slice identifier as text
+   Variant variant = Variant::egressMask;
+   std::vector< Unit > units;  // ascending; at least one
+   Tcam tcam;
+};
+
+// --- what agents publish; a withdrawal leaves the values (port, virtual port, VNI) default-built
+
+// An interface has a chip port.
+struct InterfacePort {
+   Pelk::IntfId intf;
+   VornalTypes::VornalPort port;
+};
+
+struct PortChannelMember {
+   Pelk::IntfId portChannel;
+   Pelk::IntfId member;
+};
+
+// There is an Ethernet segment on the interface. Withdrawn with all its VTEPs.
+struct Segment {
+   Pelk::IntfId intf;
+};
+
+// The remote VTEP is attached to the segment on the interface.
+struct SegmentVtep {
+   Pelk::IntfId intf;
+   Pelk::IpGenAddr vtep;
+};
+
+// The virtual port that the chip uses for a remote VTEP; its low 16 bits are the VP index.
+struct VtepVirtualPort {
+   Pelk::IpGenAddr vtep;
+   U32 virtualPort = 0;
+};
+
+// There is a tunnel interface. Withdrawn with all its mappings.
+struct TunnelInterface {
+   Pelk::IntfId intf;
+};
+
+// The VRF is routed over the tunnel interface in that VNI.
+struct VrfVni {
+   Pelk::IntfId intf;
+   L3::VrfName vrf;
+   Vxlan::VniExtOrNone vni;
+};
+
+using Published = std::variant< InterfacePort, PortChannelMember, Segment, SegmentVtep,
+                                VtepVirtualPort, TunnelInterface, VrfVni >;
+
+struct Change {
+   Published what;
+   int line = 0;
+};
+
+// --- expectations
+
+// One attribute of one entity; `key` is empty where there is none. Texts are in the text forms of
+// Quelm/Text.h, as the generic interface (Kiv/Attribute.h) takes and gives them.
+struct AttributeAt {
+   EntityPath entity;
+   std::string attribute;
+   std::string key;
+};
+
+struct AttributeEquals {
+   AttributeAt at;
+   std::string value;
+};
+
+// The attribute has, or lacks, its key.
+struct AttributeHas {
+   AttributeAt at;
+   bool isPresent = true;
+};
+
+// The plug-in has marked its own dependency point, or has not.
+struct PluginReady {
+   bool isReady = true;
+};
+
+// The groups whose entry managers the plug-in has asked for so far, in order.
+struct TcamGroupsAskedFor {
+   std::vector< TcamGroup > groups;
+};
+
+// The number of entries that the plug-in holds in the group, on one unit or on all of them
+// together.
+struct RuleCount {
+   TcamGroup group = TcamGroup::ingress;
+   std::optional< U16 > unit;
+   U32 count = 0;
+};
+
+// Lines logged or traced since the scenario began that contain `text`: `times` of them, or if that
+// is empty at least one.
+struct LogLine {
+   std::string text;
+   std::optional< U32 > times;
+};
+
+struct TraceLine {
+   std::string handle;
+   std::optional< int > level;  // nothing: any
+   std::string text;
+   std::optional< U32 > times;
+};
+
+using Expected = std::variant< AttributeEquals, AttributeHas, PluginReady, TcamGroupsAskedFor,
+                               RuleCount, LogLine, TraceLine >;
+
+struct Expectation {
+   Expected what;
+   int line = 0;
+};
+
+// --- steps
+
+// A line of the story.
+struct Note {
+   std::string text;
+};
+
+// A sub-agent's dependency point becomes ready; its name without the group, "l2Ready".
+struct Ready {
+   std::string point;
+};
+
+struct Publish {
+   std::vector< Change > changes;
+};
+
+struct Withdraw {
+   std::vector< Change > changes;
+};
+
+// Sets an attribute, or inserts into it; `value` is empty where only a key is inserted.
+struct Set {
+   AttributeAt at;
+   std::string value;
+};
+
+// Removes a key, or empties a reference.
+struct Delete {
+   AttributeAt at;
+};
+
+struct Call {
+   EntityPath entity;
+   std::string operation;
+   std::vector< std::string > arguments;
+};
+
+struct Expect {
+   std::vector< Expectation > expectations;
+};
+
+using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, Expect >;
+
+struct Step {
+   Action action;
+   int line = 0;
+};
+
+// --- the whole
+
+// Text trace levels of the handles that `handles` matches, as Trace::levelsIs takes both.
+struct TraceLevels {
+   std::string handles;
+   std::string levels;
+};
+
+struct Model {
+   std::string file;  // what `line` counts in, as it was given to the reader
+   std::string name;
+   std::string description;
+   Switch device;
+   std::vector< Change > published;     // before the plug-in is loaded
+   std::filesystem::path featureFiles;  // the directory of the feature files
+   std::vector< TraceLevels > trace;    // in force from before the plug-in is loaded
+   std::vector< Step > steps;
+};
+
+}  // namespace Scenario

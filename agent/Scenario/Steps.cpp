@@ -1,0 +1,155 @@
+#include <Scenario/Parts.h>
+
+namespace Scenario {
+
+namespace {
+
+// The words of one step, as far as they are there.
+struct StepWords {
+   std::vector< Action > actions;
+   std::optional< Variant > onlyOn;
+};
+
+void readNote( Reading & reading, Value const & value, StepWords & words ) {
+   words.actions.emplace_back( Note{ stringOf( reading, value ).value_or( "" ) } );
+}
+
+void readReady( Reading & reading, Value const & value, StepWords & words ) {
+   std::string_view const group = "subagents::";
+   auto const point = stringOf( reading, value );
+   if ( point && point->starts_with( group ) && *point != group ) {
+      words.actions.emplace_back( Ready{ point->substr( group.size() ) } );
+   } else if ( point ) {
+      reading.problem( value.line, "ready is " + inQuotes( *point ) +
+                                      "; a sub-agent's dependency point is expected, as in "
+                                      "subagents::l2Ready" );
+   }
+}
+
+void readPublishStep( Reading & reading, Value const & value, StepWords & words ) {
+   Publish publish;
+   readPublish( reading, value, publish.changes );
+   words.actions.emplace_back( std::move( publish ) );
+}
+
+void readWithdrawStep( Reading & reading, Value const & value, StepWords & words ) {
+   Withdraw withdraw;
+   readWithdraw( reading, value, withdraw.changes );
+   words.actions.emplace_back( std::move( withdraw ) );
+}
+
+Table< Set > const & setTable() {
+   static Table< Set > const table =
+      attributeTable< Set >( "set", { { { "value", "" }, readText< Set, &Set::value > } } );
+   return table;
+}
+
+void readSet( Reading & reading, Value const & value, StepWords & words ) {
+   Set set;
+   readMapping( reading, value, setTable(), set );
+   words.actions.emplace_back( std::move( set ) );
+}
+
+Table< Delete > const & deleteTable() {
+   static Table< Delete > const table = attributeTable< Delete >( "delete", {} );
+   return table;
+}
+
+void readDelete( Reading & reading, Value const & value, StepWords & words ) {
+   Delete step;
+   readMapping( reading, value, deleteTable(), step );
+   words.actions.emplace_back( std::move( step ) );
+}
+
+void readCallEntity( Reading & reading, Value const & value, Call & call ) {
+   readPath( reading, value, call.entity );
+}
+
+void readArguments( Reading & reading, Value const & value, Call & call ) {
+   for ( Value const & element : listOf( reading, value ) ) {
+      call.arguments.push_back( stringOf( reading, element ).value_or( "" ) );
+   }
+}
+
+Table< Call > const & callTable() {
+   static Table< Call > const table{
+      "call",
+      { { { "entity", "entity: /shared/vornalCommon" }, readCallEntity },
+        { { "operation", "operation: intfPortDel" }, readText< Call, &Call::operation > },
+        { { "arguments", "" }, readArguments } }
+   };
+   return table;
+}
+
+void readCall( Reading & reading, Value const & value, StepWords & words ) {
+   Call call;
+   readMapping( reading, value, callTable(), call );
+   words.actions.emplace_back( std::move( call ) );
+}
+
+void readExpectStep( Reading & reading, Value const & value, StepWords & words ) {
+   Expect expect;
+   readExpect( reading, value, expect.expectations );
+   words.actions.emplace_back( std::move( expect ) );
+}
+
+void readOnlyOn( Reading & reading, Value const & value, StepWords & words ) {
+   words.onlyOn = choiceOf( reading, value, variants() );
+}
+
+Table< StepWords > const & stepTable() {
+   static Table< StepWords > const table{ "step",
+                                          { { { "note", "" }, readNote },
+                                            { { "ready", "" }, readReady },
+                                            { { "publish", "" }, readPublishStep },
+                                            { { "withdraw", "" }, readWithdrawStep },
+                                            { { "set", "" }, readSet },
+                                            { { "delete", "" }, readDelete },
+                                            { { "call", "" }, readCall },
+                                            { { "expect", "" }, readExpectStep },
+                                            { { "only-on", "" }, readOnlyOn } } };
+   return table;
+}
+
+// One word says what the step does; 'only-on' may stand beside it.
+std::size_t actionWordsIn( Value const & step ) {
+   std::size_t const words = step.node.size();
+   return words - ( step.node[ "only-on" ] ? 1 : 0 );
+}
+
+}  // namespace
+
+void readSteps( Reading & reading, Value const & value, std::vector< StepOf > & steps ) {
+   for ( Value const & element : listOf( reading, value ) ) {
+      StepWords words;
+      readMapping( reading, element, stepTable(), words );
+      if ( element.node.IsMap() && actionWordsIn( element ) != 1 ) {
+         reading.problem( element.line, "a step does one thing, this one " +
+                                           std::to_string( actionWordsIn( element ) ) +
+                                           "; write a step for each" );
+      }
+      for ( Action & action : words.actions ) {
+         steps.push_back( { { std::move( action ), element.line }, words.onlyOn } );
+      }
+   }
+}
+
+void readPath( Reading & reading, Value const & value, EntityPath & path ) {
+   auto const text = stringOf( reading, value );
+   if ( !text ) {
+      return;
+   }
+   try {
+      path = EntityPath::fromString( *text );
+   } catch ( Quelm::TextError const & error ) {
+      reading.problem( value.line,
+                       inQuotes( *text ) + " is not the path of an entity, as in " +
+                          "/evpn/status/segmentStatus[Port-Channel2]: " + error.what() );
+   }
+}
+
+std::vector< WordList > stepsVocabulary() {
+   return { setTable().list(), deleteTable().list(), callTable().list(), stepTable().list() };
+}
+
+}  // namespace Scenario

@@ -1,0 +1,110 @@
+#include <Scenario/Values.h>
+
+#include <charconv>
+
+namespace Scenario {
+
+namespace {
+
+// How much of a text is shown in a problem.
+constexpr std::size_t kShown = 40;
+
+// The tag that YAML gives to what stands in quotes.
+constexpr std::string_view kQuoted = "!";
+
+void wrongKind( Reading & reading, Value const & value, std::string const & expected ) {
+   reading.problem( value.line, value.name + " is " + std::string( kindOf( value.node ) ) + "; " +
+                                   expected + " is expected" );
+}
+
+}  // namespace
+
+std::string inQuotes( std::string_view text ) {
+   return '\'' + std::string( text.substr( 0, kShown ) ) + ( text.size() > kShown ? "...'" : "'" );
+}
+
+std::vector< Value > mappingOf( Reading & reading, Value const & value ) {
+   std::vector< Value > members;
+   if ( !value.node.IsMap() ) {
+      wrongKind( reading, value, "a mapping" );
+      return members;
+   }
+   Seen< std::string > seen;
+   for ( auto const & entry : value.node ) {
+      std::string const key = entry.first.IsScalar() ? entry.first.Scalar() : "";
+      int const line = entry.first.Mark().line + 1;
+      if ( key.empty() ) {
+         reading.problem( line, "a key in " + value.name + " is " +
+                                   std::string( kindOf( entry.first ) ) +
+                                   "; a word or a name is expected" );
+      } else if ( isFirst( reading, seen, key, line ) ) {
+         members.push_back( { entry.second, line, key } );
+      }
+   }
+   return members;
+}
+
+std::vector< Value > listOf( Reading & reading, Value const & value ) {
+   std::vector< Value > elements;
+   if ( !value.node.IsSequence() ) {
+      wrongKind( reading, value, "a list" );
+      return elements;
+   }
+   for ( YAML::Node const & element : value.node ) {
+      // What is not there has no line of its own.
+      int const line = element.IsNull() ? value.line : element.Mark().line + 1;
+      elements.push_back( { element, line, "an element of " + value.name } );
+   }
+   return elements;
+}
+
+std::optional< std::string > stringOf( Reading & reading, Value const & value ) {
+   if ( value.node.IsScalar() && !value.node.Scalar().empty() ) {
+      return value.node.Scalar();
+   }
+   wrongKind( reading, value, "text" );
+   return std::nullopt;
+}
+
+std::optional< U32 > numberIn( std::string_view text ) {
+   bool const isHexadecimal = text.starts_with( "0x" );
+   std::string_view const digits = text.substr( isHexadecimal ? 2 : 0 );
+   U32 number = 0;
+   auto const [ end, error ] = std::from_chars( digits.data(), digits.data() + digits.size(),
+                                                number, isHexadecimal ? 16 : 10 );
+   // YAML's versions disagree on whether a leading zero means octal.
+   bool const isAmbiguous = !isHexadecimal && digits.size() > 1 && digits.front() == '0';
+   bool const isWhole = error == std::errc() && end == digits.data() + digits.size();
+   return isWhole && !isAmbiguous ? std::optional( number ) : std::nullopt;
+}
+
+std::optional< U32 > numberIn( Value const & value ) {
+   bool const isPlain = value.node.IsScalar() && value.node.Tag() != kQuoted;
+   return isPlain ? numberIn( value.node.Scalar() ) : std::nullopt;
+}
+
+std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
+                               std::string const & else_ ) {
+   auto const text = stringOf( reading, value );
+   auto const number = numberIn( value );
+   if ( !text || ( number && *number >= lowest && *number <= highest ) ) {
+      return number;
+   }
+   bool const isQuoted = value.node.Tag() == kQuoted;
+   reading.problem( value.line, value.name + " is " + inQuotes( *text ) + "; a whole number from " +
+                                   std::to_string( lowest ) + " to " + std::to_string( highest ) +
+                                   " is expected" + ( isQuoted ? ", without quotes" : "" ) +
+                                   else_ );
+   return std::nullopt;
+}
+
+void noChoice( Reading & reading, Value const & value, WordList const & list ) {
+   std::vector< std::string_view > const names = list.names();
+   std::string_view const near = nearest( value.node.Scalar(), names );
+   reading.problem( value.line,
+                    value.name + " is " + inQuotes( value.node.Scalar() ) + "; " +
+                       ( near.empty() ? listed( names ) + " is expected"
+                                      : "did you mean '" + std::string( near ) + "'?" ) );
+}
+
+}  // namespace Scenario

@@ -1,0 +1,165 @@
+// The values of scenarios: members of mappings, elements of lists, texts, numbers, choices.
+//
+// What is not as it should be is reported under the value's name: "level is 'x'; a whole number
+// from 0 to 9 is expected".
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include <Quelm/Error.h>
+#include <Quelm/Text.h>
+#include <Scenario/Reading.h>
+#include <Scenario/Words.h>
+
+namespace Scenario {
+
+// `text` in single quotes, cut short where it is long.
+std::string inQuotes( std::string_view text );
+
+// The members of a mapping under their keys, in the order written; of a repeated key the first.
+// What is not a mapping is a problem.
+std::vector< Value > mappingOf( Reading & reading, Value const & value );
+// The elements of a list. What is not a list is a problem.
+std::vector< Value > listOf( Reading & reading, Value const & value );
+
+// A text that is not empty; a number or a boolean counts as one.
+std::optional< std::string > stringOf( Reading & reading, Value const & value );
+
+// A whole number in decimal, or in hexadecimal after 0x. `else_` says what may stand there instead,
+// which is the caller's to look for: ", or none".
+std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
+                               std::string const & else_ = "" );
+// The number that a text, or a value without quotes, is; nothing when it is none.
+std::optional< U32 > numberIn( std::string_view text );
+std::optional< U32 > numberIn( Value const & value );
+
+// `text` in the text form of T, whose own words say what is wrong with it.
+template< typename T >
+std::optional< T > parsed( Reading & reading, std::string const & text, int line ) {
+   try {
+      return Quelm::fromText< T >( text );
+   } catch ( Quelm::TextError const & error ) {
+      reading.problem( line, error.what() );
+      return std::nullopt;
+   }
+}
+
+// Where each of several things stands that must differ from each other: its line by its value.
+template< typename T > using Seen = std::map< T, int >;
+
+// Whether `it` is new in `seen`; otherwise that is a problem.
+template< typename T > bool isFirst( Reading & reading, Seen< T > & seen, T const & it, int line ) {
+   auto const [ before, isNew ] = seen.try_emplace( it, line );
+   if ( !isNew ) {
+      reading.problem( line, Quelm::textOf( it ) + " is given twice, first in line " +
+                                std::to_string( before->second ) + "; keep one of them" );
+   }
+   return isNew;
+}
+
+// A key of type T, and what stands under it.
+template< typename T > struct Keyed {
+   T key;
+   Value value;
+};
+
+// The members of a mapping, each key once; `read` makes a T of a key's text and its line, or
+// nothing.
+template< typename Read > auto keyedOf( Reading & reading, Value const & value, Read read ) {
+   using T = typename std::invoke_result_t< Read, Reading &, std::string const &, int >::value_type;
+   std::vector< Keyed< T > > result;
+   Seen< T > seen;
+   for ( Value const & member : mappingOf( reading, value ) ) {
+      auto const key = read( reading, member.name, member.line );
+      if ( key && isFirst( reading, seen, *key, member.line ) ) {
+         result.push_back( { *key, member } );
+      }
+   }
+   return result;
+}
+
+// A thing of type T, and the line in which it stands.
+template< typename T > struct Placed {
+   T it;
+   int line;
+};
+
+// The elements of a list, each once; `read` as above.
+template< typename Read > auto distinctOf( Reading & reading, Value const & value, Read read ) {
+   using T = typename std::invoke_result_t< Read, Reading &, std::string const &, int >::value_type;
+   std::vector< Placed< T > > result;
+   Seen< T > seen;
+   for ( Value const & element : listOf( reading, value ) ) {
+      auto const text = stringOf( reading, element );
+      auto const it = text ? read( reading, *text, element.line ) : std::nullopt;
+      if ( it && isFirst( reading, seen, *it, element.line ) ) {
+         result.push_back( { *it, element.line } );
+      }
+   }
+   return result;
+}
+
+// One row of the texts that a value is chosen from.
+template< typename T > struct Choice {
+   std::string_view name;
+   T value;
+};
+
+void noChoice( Reading & reading, Value const & value, WordList const & list );
+
+template< typename T > struct Choices {
+   std::string_view place;  // as WordList has it
+   std::vector< Choice< T > > all;
+
+   WordList list() const {
+      WordList result{ place, {} };
+      for ( Choice< T > const & choice : all ) {
+         result.words.push_back( { choice.name, {} } );
+      }
+      return result;
+   }
+
+   // The name of a value that is among them.
+   std::string_view nameOf( T value ) const {
+      return std::find_if( all.begin(), all.end(),
+                           [ value ]( Choice< T > const & one ) { return one.value == value; } )
+         ->name;
+   }
+};
+
+// The value whose name is given.
+template< typename T >
+std::optional< T > choiceOf( Reading & reading, Value const & value,
+                             Choices< T > const & choices ) {
+   auto const text = stringOf( reading, value );
+   if ( !text ) {
+      return std::nullopt;
+   }
+   for ( Choice< T > const & choice : choices.all ) {
+      if ( choice.name == *text ) {
+         return choice.value;
+      }
+   }
+   noChoice( reading, value, choices.list() );
+   return std::nullopt;
+}
+
+// Rows of tables: a member that is a text, or a number from `lowest` to `highest`.
+template< typename T, std::string T::*member >
+void readText( Reading & reading, Value const & value, T & target ) {
+   target.*member = stringOf( reading, value ).value_or( "" );
+}
+
+template< typename T, std::optional< U32 > T::*member, U32 lowest, U32 highest >
+void readNumber( Reading & reading, Value const & value, T & target ) {
+   target.*member = numberOf( reading, value, lowest, highest );
+}
+
+}  // namespace Scenario

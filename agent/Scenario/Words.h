@@ -1,0 +1,93 @@
+// The words of a mapping, as a table.
+//
+// Every mapping of the language with a fixed set of words has one table: a row per word with the
+// function that reads its value. The table is all there is; what is known, what is required, what
+// the JSON Schema has to list (see vocabulary()) follows from it.
+//
+//    Table< Tcam > const table{ "tcam", { { { "ingress", "" }, readIngress }, ... } };
+//    readMapping( reading, value, table, tcam );
+//
+// Unknown, repeated and missing words are problems; the well-formed rest is read all the same.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <Scenario/Reading.h>
+
+namespace Scenario {
+
+struct WordName {
+   std::string_view name;
+   std::string_view example;  // of a word that must be there; empty: it may be left out
+
+   bool isRequired() const { return !example.empty(); }
+};
+
+// A mapping's words, or the texts that a value is chosen from.
+struct WordList {
+   std::string_view place;
+   std::vector< WordName > words;
+
+   std::vector< std::string_view > names() const;
+};
+
+template< typename Target > struct Word {
+   WordName name;
+   void ( *read )( Reading &, Value const &, Target & );
+};
+
+template< typename Target > struct Table {
+   std::string_view place;  // "tcam", as people know it
+   std::vector< Word< Target > > words;
+
+   WordList list() const {
+      WordList result{ place, {} };
+      for ( Word< Target > const & word : words ) {
+         result.words.push_back( word.name );
+      }
+      return result;
+   }
+};
+
+// One word of a mapping that was read: its index in the table, and its value.
+struct Entry {
+   std::size_t word;
+   Value value;
+};
+
+// The known words of the mapping `value`, each once, in the order written.
+std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList const & list );
+
+// Whether the mapping or list `value` holds anything; otherwise that is a problem.
+bool isFilled( Reading & reading, Value const & value, WordList const & list );
+
+// Reads the words in the order of the table, so that a function finds what the rows before its own
+// have read.
+template< typename Target >
+void readMapping( Reading & reading, Value const & value, Table< Target > const & table,
+                  Target & target ) {
+   std::vector< Entry > const entries = entriesOf( reading, value, table.list() );
+   for ( std::size_t word = 0; word < table.words.size(); ++word ) {
+      for ( Entry const & entry : entries ) {
+         if ( entry.word == word ) {
+            table.words[ word ].read( reading, entry.value, target );
+         }
+      }
+   }
+}
+
+// Reads the words in the order in which they are written, of which there must be one at least.
+template< typename Target >
+void readAsWritten( Reading & reading, Value const & value, Table< Target > const & table,
+                    Target & target ) {
+   WordList const list = table.list();
+   if ( isFilled( reading, value, list ) ) {
+      for ( Entry const & entry : entriesOf( reading, value, list ) ) {
+         table.words[ entry.word ].read( reading, entry.value, target );
+      }
+   }
+}
+
+}  // namespace Scenario

@@ -1,0 +1,81 @@
+#include <StateDatabase/Finder.h>
+
+#include <Quelm/Error.h>
+
+namespace StateDatabase {
+
+namespace {
+
+using Segment = Scenario::EntityPath::Segment;
+
+std::string textOf( Segment const & segment ) {
+   return segment.key ? segment.name + "[" + *segment.key + "]" : segment.name;
+}
+
+Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, Segment const & segment ) {
+   Kiv::Attribute const & attribute = attributeOf( from, segment.name );
+   bool const isKeyed = attribute.kind() == Kiv::Attribute::Kind::Members;
+   if ( segment.key.has_value() != isKeyed ) {
+      throw Quelm::AccessError( "attribute '" + segment.name +
+                                ( isKeyed ? "' needs a key in brackets" : "' takes no key" ) );
+   }
+   auto next = attribute.entity( from, segment.key.value_or( "" ) );
+   if ( !next ) {
+      throw Quelm::AccessError( "there is no entity at '" + textOf( segment ) + "'" );
+   }
+   return next;
+}
+
+}  // namespace
+
+Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string const & name ) {
+   if ( Kiv::Attribute const * const found = entity.typeData().find( name ) ) {
+      return *found;
+   }
+   std::string known;
+   for ( Kiv::Attribute const * const attribute : entity.typeData().attributes() ) {
+      known += ( known.empty() ? "" : ", " ) + attribute->name();
+   }
+   throw Quelm::AccessError( "a " + entity.typeData().name() + " has no attribute '" + name + "'" +
+                             ( known.empty() ? "" : "; it has " + known ) );
+}
+
+Finder::Root Finder::rootOf( Scenario::EntityPath const & path ) const {
+   Root root;
+   std::string text;
+   for ( std::size_t n = 0; n < path.segments().size() && !path.segments()[ n ].key; ++n ) {
+      text += ( n == 0 ? "" : "/" ) + path.segments()[ n ].name;
+      for ( Directory const * const directory : directories_ ) {
+         if ( auto const entity = directory->entity( text ) ) {
+            root = { entity, n + 1 };
+         }
+      }
+   }
+   return root;
+}
+
+Quelm::Ptr< Kiv::Entity > Finder::entity( Scenario::EntityPath const & path ) const {
+   auto [ entity, taken ] = rootOf( path );
+   if ( !entity ) {
+      std::string known;
+      for ( auto const & [ root, unused ] : roots() ) {
+         known += "\n   /" + root;
+      }
+      throw Quelm::AccessError( "there is no entity at '" + path.stringValue() +
+                                "'; paths begin with one of" + known );
+   }
+   for ( std::size_t n = taken; n < path.segments().size(); ++n ) {
+      entity = step( *entity, path.segments()[ n ] );
+   }
+   return entity;
+}
+
+Directory::Entities Finder::roots() const {
+   Directory::Entities all;
+   for ( Directory const * const directory : directories_ ) {
+      all.insert( directory->entities().begin(), directory->entities().end() );
+   }
+   return all;
+}
+
+}  // namespace StateDatabase

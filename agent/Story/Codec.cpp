@@ -1,0 +1,111 @@
+#include <Story/Codec.h>
+
+#include <stdexcept>
+#include <type_traits>
+
+#include <nlohmann/json.hpp>
+
+namespace nlohmann {
+
+// An absent value is null.
+template< typename T > struct adl_serializer< std::optional< T > > {
+   static void to_json( json & out, std::optional< T > const & value ) {
+      out = value ? json( *value ) : json();
+   }
+   static void from_json( json const & in, std::optional< T > & value ) {
+      value = in.is_null() ? std::nullopt : std::optional< T >( in.get< T >() );
+   }
+};
+
+// The type of the JSON value tells the alternative.
+template<> struct adl_serializer< decltype( Story::CallValue::value ) > {
+   using Value = decltype( Story::CallValue::value );
+
+   static void to_json( json & out, Value const & value ) {
+      std::visit( [ & ]( auto const & alternative ) { out = alternative; }, value );
+   }
+   static void from_json( json const & in, Value & value ) {
+      if ( in.is_string() ) {
+         value = in.get< std::string >();
+      } else if ( in.is_array() ) {
+         value = in.get< std::vector< U32 > >();
+      } else {
+         value = in.get< U64 >();
+      }
+   }
+};
+
+}  // namespace nlohmann
+
+namespace Story {
+
+// The fields of every event, and of what they are made of.
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleKey, unit, group, id )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleValue, part, data, mask )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleField, name, values, ports )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Rule, key, name, priority, isWritten, qualifiers, actions )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( CallValue, name, value )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Assertion, file, line, function, expression )
+
+void to_json( nlohmann::json & out, EntityTree const & tree );
+void from_json( nlohmann::json const & in, EntityTree & tree );
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityItem, key, text, entity )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityAttribute, name, kind, items )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityTree, type, identity, shownAt, attributes )
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RunBegins, scenario, title, description, steps )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( StepBegins, kind, number, text, place )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( StepEnds, number )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RunEnds, time )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( BadInput, text )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PluginLoaded, file, mounters )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( MountAsked, path, type, flags )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( MountsDone, mounter, status, problems )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityLookedUp, path, type )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( SharedEntityAsked, name, type )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TcamGroupAsked, group, isThere )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( VariantChosen, variant, type )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( DependencyPointReady, point, isOfPlugin )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PublishedChange, path, attribute, key, from, to )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( HardwareCall, operation, callText, unit, entry, values,
+                                    returnCode )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleIs, rule )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleGone, key )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TraceLine, handle, level, text )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( LogLine, name, line )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ExpectationChecked, text, place, held, found )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityShown, path, tree )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( OutputLine, text )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Stopped, reason, assertion, output, trace )
+
+namespace {
+
+constexpr char const * kNameField = "event";
+
+template< std::size_t n = 0 >
+Event readEvent( std::string const & name, nlohmann::json const & fields ) {
+   if constexpr ( n == std::variant_size_v< Event > ) {
+      throw std::runtime_error( "no event is named '" + name + "'" );
+   } else {
+      using This = std::variant_alternative_t< n, Event >;
+      return name == This::kName ? fields.get< This >() : readEvent< n + 1 >( name, fields );
+   }
+}
+
+}  // namespace
+
+std::string encoded( Event const & event ) {
+   nlohmann::json line =
+      std::visit( []( auto const & fields ) { return nlohmann::json( fields ); }, event );
+   line[ kNameField ] = std::visit(
+      []( auto const & fields ) { return std::remove_cvref_t< decltype( fields ) >::kName; },
+      event );
+   return line.dump( -1, ' ', false, nlohmann::json::error_handler_t::replace );
+}
+
+Event decoded( std::string const & line ) {
+   nlohmann::json const fields = nlohmann::json::parse( line );
+   return readEvent( fields.at( kNameField ).get< std::string >(), fields );
+}
+
+}  // namespace Story

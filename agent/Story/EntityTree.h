@@ -1,0 +1,45 @@
+// An entity, and what belongs to it, as text: read through the generic interface.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <Kiv/Attribute.h>
+
+namespace Story {
+
+struct EntityAttribute;
+
+struct EntityTree {
+   std::string type;
+   std::string identity;  // its key or its name; empty when it has neither
+   // The path at which the entity is shown instead: because it is published there, or because the
+   // same tree has shown it there already. Empty when it is shown here; else there are no
+   // attributes.
+   std::string shownAt;
+   std::vector< EntityAttribute > attributes;
+};
+
+// One value of an attribute, one member of a collection, or one entity referred to.
+struct EntityItem {
+   std::string key;                   // empty without keys
+   std::string text;                  // empty for a member of a set, and for an entity
+   std::vector< EntityTree > entity;  // none, or one
+};
+
+struct EntityAttribute {
+   std::string name;
+   Kiv::Attribute::Kind kind = Kiv::Attribute::Kind::Value;
+   std::vector< EntityItem > items;  // one, unless the attribute has keys
+
+   bool isSet() const { return kind == Kiv::Attribute::Kind::Set; }
+   bool isKeyed() const {
+      return isSet() || kind == Kiv::Attribute::Kind::Collection ||
+             kind == Kiv::Attribute::Kind::Members;
+   }
+   bool leadsToEntities() const {
+      return kind == Kiv::Attribute::Kind::Reference || kind == Kiv::Attribute::Kind::Members;
+   }
+};
+
+}  // namespace Story

@@ -1,0 +1,225 @@
+// What can happen in a run, as typed events.
+//
+// Everything that happens passes once, in order, as one of these events to a Story::Observer: what
+// the plug-in asks the agent for, what other agents publish, what reaches the chip, what is traced
+// and logged, and where the run stands. Whoever wants to show, count, record or check a run is an
+// observer of this one stream and needs nothing else.
+//
+// The order of a run:
+//
+//    RunBegins
+//    PublishedChange...                      the state that is there before the plug-in
+//    StepBegins{ 0 } ... StepEnds            start-up
+//    StepBegins{ 1 } ... StepEnds            the scenario's steps, from 1
+//    StepBegins{ n + 1 } ... StepEnds        teardown
+//    RunEnds, or Stopped when the process did not get there
+//
+// Events are plain values without references to what they tell of: they outlive it, and travel from
+// the process of the agent to the one that tells the story (Story/Codec.h). Each has a name, which
+// is part of that form, and lists its fields for it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <Quelm/Integers.h>
+#include <Story/EntityTree.h>
+#include <Story/Rule.h>
+
+namespace Story {
+
+// --- Where the run stands
+
+struct RunBegins {
+   static constexpr char const * kName = "runBegins";
+   std::string scenario;  // the file, as it was given
+   std::string title;
+   std::string description;
+   U32 steps = 0;  // of the scenario
+};
+
+enum class StepKind { StartUp, Scenario, Teardown };
+
+struct StepBegins {
+   static constexpr char const * kName = "stepBegins";
+   StepKind kind = StepKind::Scenario;
+   U32 number = 0;
+   std::string text;
+   std::string place;  // "FILE:LINE"; empty for what the scenario does not write
+};
+
+struct StepEnds {
+   static constexpr char const * kName = "stepEnds";
+   U32 number = 0;
+};
+
+// The agent has done everything, teardown included.
+struct RunEnds {
+   static constexpr char const * kName = "runEnds";
+   U64 time = 0;  // of the agent's clock, in nanoseconds
+};
+
+// The input turned out to be wrong; nothing is done after it.
+struct BadInput {
+   static constexpr char const * kName = "badInput";
+   std::string text;  // with its place in front
+};
+
+// --- What the plug-in asks the agent for
+
+struct PluginLoaded {
+   static constexpr char const * kName = "pluginLoaded";
+   std::string file;
+   std::vector< std::string > mounters;
+};
+
+struct MountAsked {
+   static constexpr char const * kName = "mountAsked";
+   std::string path;
+   std::string type;
+   std::string flags;
+};
+
+struct MountsDone {
+   static constexpr char const * kName = "mountsDone";
+   std::string mounter;
+   std::string status;  // "complete", "partial", "failed"
+   std::vector< std::string > problems;
+};
+
+struct EntityLookedUp {
+   static constexpr char const * kName = "entityLookedUp";
+   std::string path;
+   std::string type;  // empty when there is none
+};
+
+struct SharedEntityAsked {
+   static constexpr char const * kName = "sharedEntityAsked";
+   std::string name;
+   std::string type;  // empty when there is none
+};
+
+struct TcamGroupAsked {
+   static constexpr char const * kName = "tcamGroupAsked";
+   U32 group = 0;
+   bool isThere = false;
+};
+
+struct VariantChosen {
+   static constexpr char const * kName = "variantChosen";
+   std::string variant;  // "egress-mask", "class-id"
+   std::string type;
+};
+
+struct DependencyPointReady {
+   static constexpr char const * kName = "dependencyPointReady";
+   std::string point;
+   bool isOfPlugin = false;
+};
+
+// --- What goes on
+
+// One change of the published state, before those who watch it act on it.
+struct PublishedChange {
+   static constexpr char const * kName = "publishedChange";
+   std::string path;  // of the entity, "/evpn/status/segmentStatus[Port-Channel2]"
+   std::string attribute;
+   std::string key;                    // empty for an attribute without keys
+   std::optional< std::string > from;  // nothing: it was not there
+   std::optional< std::string > to;    // nothing: it is gone
+};
+
+// A value of a hardware call: a number, a text, or logical ports.
+struct CallValue {
+   std::string name;
+   std::variant< U64, std::string, std::vector< U32 > > value;
+};
+
+// Something reached the chip: a field call, or an operation of an entry manager.
+struct HardwareCall {
+   static constexpr char const * kName = "hardwareCall";
+   std::string operation;
+   std::string callText;  // of a guarded field call, as its caller wrote it; else empty
+   U32 unit = 0;
+   U32 entry = 0;
+   std::vector< CallValue > values;
+   std::optional< S32 > returnCode;  // nothing: the operation has none
+};
+
+// A rule is now like this.
+struct RuleIs {
+   static constexpr char const * kName = "ruleIs";
+   Rule rule;
+};
+
+// A rule is not there any more.
+struct RuleGone {
+   static constexpr char const * kName = "ruleGone";
+   RuleKey key;
+};
+
+struct TraceLine {
+   static constexpr char const * kName = "traceLine";
+   std::string handle;
+   int level = 0;
+   std::string text;
+};
+
+struct LogLine {
+   static constexpr char const * kName = "logLine";
+   std::string name;
+   std::string line;
+};
+
+struct ExpectationChecked {
+   static constexpr char const * kName = "expectationChecked";
+   std::string text;
+   std::string place;  // "FILE:LINE"
+   bool held = false;
+   std::string found;  // what was there instead, when it did not hold
+};
+
+// An entity that was asked to be shown.
+struct EntityShown {
+   static constexpr char const * kName = "entityShown";
+   std::string path;
+   EntityTree tree;
+};
+
+// --- What the process of the agent left behind
+
+// One line that the process wrote to standard error or standard output.
+struct OutputLine {
+   static constexpr char const * kName = "outputLine";
+   std::string text;
+};
+
+struct Assertion {
+   std::string file;
+   int line = 0;
+   std::string function;
+   std::string expression;
+};
+
+// The process did not get to the end.
+struct Stopped {
+   static constexpr char const * kName = "stopped";
+   std::string reason;  // "signal 6 (Aborted)", "exit code 1"
+   std::optional< Assertion > assertion;
+   std::vector< std::string > output;  // its last lines
+   std::vector< TraceLine > trace;     // the last lines of the trace ring
+};
+
+using Event =
+   std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, PluginLoaded, MountAsked,
+                 MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
+                 DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
+                 LogLine, ExpectationChecked, EntityShown, OutputLine, Stopped >;
+
+// Calls the one of several functions that takes the event at hand.
+template< typename... F > struct Overloaded : F... { using F::operator()...; };
+template< typename... F > Overloaded( F... ) -> Overloaded< F... >;
+
+}  // namespace Story

@@ -1,0 +1,144 @@
+#include <Story/HumanWriter.h>
+
+#include <fmt/format.h>
+
+namespace Story {
+
+void HumanWriter::onEvent( Event const & event ) {
+   outcome_.onEvent( event );
+   std::visit( [ this ]( auto const & what ) { tell( what ); }, event );
+}
+
+void HumanWriter::detail( std::string const & text ) {
+   out_ << "   " << text << '\n';
+}
+
+// --- Where the run stands
+
+void HumanWriter::tell( RunBegins const & event ) {
+   out_ << style_.bold( event.title ) << " (" << event.scenario << ")\n";
+   if ( !event.description.empty() ) {
+      out_ << event.description << '\n';
+   }
+}
+
+void HumanWriter::tell( StepBegins const & event ) {
+   if ( event.kind == StepKind::StartUp ) {
+      publishedBefore();
+   }
+   out_ << '\n' << style_.bold( nameOf( event ) ) << ": " << event.text << '\n' << std::flush;
+}
+
+void HumanWriter::tell( StepEnds const & ) {
+   ruleChanges();
+   if ( held_ != 0 ) {
+      detail( style_.good( isAnyFailed_ ? "the rest is as expected" : "as expected" ) );
+   }
+   held_ = 0;
+   isAnyFailed_ = false;
+}
+
+void HumanWriter::tell( RunEnds const & ) {
+   verdict();
+}
+
+void HumanWriter::tell( Stopped const & event ) {
+   ruleChanges();
+   std::string const where = outcome_.step() ? nameOf( *outcome_.step() ) : "the beginning";
+   out_ << '\n'
+        << style_.bad( fmt::format( "STOPPED in {}: the process of the plug-in ended with {}.",
+                                    where, event.reason ) )
+        << '\n';
+   if ( event.assertion ) {
+      detail( fmt::format( "assertion  {}", style_.bold( event.assertion->expression ) ) );
+      detail( fmt::format( "at         {}:{}", event.assertion->file, event.assertion->line ) );
+      detail( fmt::format( "in         {}", event.assertion->function ) );
+   }
+   if ( !event.trace.empty() ) {
+      out_ << "The last lines of its trace ring:\n";
+      for ( TraceLine const & line : event.trace ) {
+         detail( fmt::format( "{} {}: {}", line.handle, line.level, line.text ) );
+      }
+   }
+   if ( !event.output.empty() ) {
+      out_ << "The last lines that it printed:\n";
+      for ( std::string const & line : event.output ) {
+         detail( line );
+      }
+   }
+   out_ << std::flush;
+}
+
+void HumanWriter::publishedBefore() {
+   out_ << "Published before the plug-in is loaded: " << counted( changesBefore_, "change" )
+        << " of the state database and the agent's shared state.\n";
+}
+
+void HumanWriter::verdict() {
+   U32 const failed = outcome_.failedExpectations();
+   std::string const rules = counted( rules_.rules().size(), "rule" );
+   out_ << '\n';
+   if ( failed != 0 ) {
+      out_ << style_.bad( fmt::format( "FAILED: {} of {} did not hold", failed,
+                                       counted( outcome_.expectations(), "expectation" ) ) );
+   } else if ( outcome_.expectations() != 0 ) {
+      out_ << style_.good( "PASSED: " + counted( outcome_.expectations(), "expectation" ) +
+                           " held" );
+   } else {
+      out_ << style_.good( "COMPLETED" );
+   }
+   out_ << "; " << rules << " in the chip at the end.\n" << std::flush;
+}
+
+// --- Rules
+
+void HumanWriter::ruleChanges() {
+   RuleChanges const changes = rules_.changes();
+   for ( Rule const & rule : changes.added ) {
+      ruleLine( style_.good( "rule added: " ), rule );
+   }
+   for ( RuleChange const & change : changes.changed ) {
+      ruleLine( "rule changed: ", change.after );
+      detail( "   before: " + contentOf( change.before ) );
+   }
+   for ( Rule const & rule : changes.removed ) {
+      detail( style_.bad( "rule removed: " ) + headingOf( rule ) );
+   }
+}
+
+void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
+   detail( what + headingOf( rule ) );
+   detail( "   " + contentOf( rule ) );
+}
+
+// --- What the plug-in does
+
+void HumanWriter::tell( MountAsked const & event ) {
+   if ( event.flags.starts_with( 'w' ) ) {
+      writable_.insert( "/" + event.path );
+   }
+   detail( wordsOf( event ) );
+}
+
+void HumanWriter::tell( MountsDone const & event ) {
+   detail( event.problems.empty() ? wordsOf( event ) : style_.bad( wordsOf( event ) ) );
+}
+
+void HumanWriter::tell( PublishedChange const & event ) {
+   if ( !outcome_.step() ) {
+      ++changesBefore_;
+   } else if ( writable_.contains( event.path ) ) {
+      detail( wordsOf( event ) );
+   }
+}
+
+void HumanWriter::tell( ExpectationChecked const & event ) {
+   if ( event.held ) {
+      ++held_;
+   } else {
+      isAnyFailed_ = true;
+      detail( style_.bad( wordsOf( event ) ) );
+   }
+}
+
+}  // namespace Story

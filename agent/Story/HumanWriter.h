@@ -1,0 +1,60 @@
+// Tells a run to people, while it goes on: a line per step, indented below it what happened, and a
+// verdict at the end.
+//
+// What is shown below a step: what the plug-in asked the agent for, what it traced and logged, what
+// it wrote to the state database, the rules that the step added, changed and removed, and which
+// expectations held. What other agents publish is what the step's own line says.
+#pragma once
+
+#include <ostream>
+#include <set>
+#include <string>
+
+#include <Story/Outcome.h>
+#include <Story/RuleTable.h>
+#include <Story/Style.h>
+#include <Story/Wording.h>
+
+namespace Story {
+
+class HumanWriter final : public Observer {
+ public:
+   // The stream must outlive the writer.
+   HumanWriter( std::ostream & out, Style style ) : out_( out ), style_( style ) {}
+
+   void onEvent( Event const & event ) override;
+
+ private:
+   void tell( RunBegins const & event );
+   void tell( StepBegins const & event );
+   void tell( StepEnds const & event );
+   void tell( RunEnds const & event );
+   void tell( Stopped const & event );
+   void tell( MountAsked const & event );
+   void tell( MountsDone const & event );
+   void tell( PublishedChange const & event );
+   void tell( RuleIs const & event ) { rules_.onEvent( event ); }
+   void tell( RuleGone const & event ) { rules_.onEvent( event ); }
+   void tell( ExpectationChecked const & event );
+   void tell( HardwareCall const & ) {}  // shows in the rules
+   void tell( BadInput const & ) {}      // leaves nothing to tell
+   void tell( EntityShown const & ) {}   // is what another command is for
+   template< typename Other > void tell( Other const & event ) { detail( wordsOf( event ) ); }
+
+   void detail( std::string const & text );
+   void ruleChanges();
+   void ruleLine( std::string const & what, Rule const & rule );
+   void publishedBefore();
+   void verdict();
+
+   std::ostream & out_;
+   Style style_;
+   Outcome outcome_;
+   RuleTable rules_;
+   std::size_t changesBefore_ = 0;     // before the first step
+   std::size_t held_ = 0;              // expectations of this step
+   bool isAnyFailed_ = false;          // of this step
+   std::set< std::string > writable_;  // paths that the plug-in mounts to write
+};
+
+}  // namespace Story

@@ -1,0 +1,24 @@
+// How the parts of a story look in JSON documents. The names are described in docs/program.md.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <Story/Event.h>
+
+namespace Story {
+
+nlohmann::ordered_json jsonOf( Rule const & rule );
+nlohmann::ordered_json jsonOf( HardwareCall const & call );
+nlohmann::ordered_json jsonOf( Assertion const & assertion );
+nlohmann::ordered_json jsonOf( TraceLine const & line );
+nlohmann::ordered_json jsonOf( EntityTree const & tree );
+
+// The value, or null.
+template< typename T > nlohmann::ordered_json jsonOf( std::optional< T > const & value ) {
+   return value ? nlohmann::ordered_json( *value ) : nlohmann::ordered_json();
+}
+
+// Empty texts are null.
+nlohmann::ordered_json textOrNull( std::string const & text );
+
+}  // namespace Story

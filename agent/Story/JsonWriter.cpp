@@ -1,0 +1,212 @@
+#include <Story/JsonWriter.h>
+
+#include <Story/JsonForms.h>
+
+namespace Story {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json emptyStep( StepBegins const & step ) {
+   return { { "number", step.number },
+            { "text", step.text },
+            { "place", textOrNull( step.place ) },
+            { "changes", Json::array() },
+            { "hardwareCalls", Json::array() },
+            { "rulesAdded", Json::array() },
+            { "rulesChanged", Json::array() },
+            { "rulesRemoved", Json::array() },
+            { "log", Json::array() },
+            { "traces", Json::array() },
+            { "frames", Json::array() },
+            { "expectations", Json::array() } };
+}
+
+Json emptyPlugin() {
+   return { { "file", nullptr },
+            { "mounters", Json::array() },
+            { "mounts", Json::array() },
+            { "mountStatus", nullptr },
+            { "mountProblems", Json::array() },
+            { "lookups", Json::array() },
+            { "sharedEntities", Json::array() },
+            { "tcamGroups", Json::array() },
+            { "ready", false } };
+}
+
+Json emptyCounters() {
+   return { { "steps", 0 },        { "publishedChanges", 0 }, { "hardwareCalls", 0 },
+            { "failedCalls", 0 },  { "rulesAdded", 0 },       { "rulesChanged", 0 },
+            { "rulesRemoved", 0 }, { "logLines", 0 },         { "traceLines", 0 },
+            { "frames", 0 },       { "expectations", 0 },     { "expectationsFailed", 0 } };
+}
+
+}  // namespace
+
+JsonWriter::JsonWriter()
+      : document_{ { "scenario", nullptr },
+                   { "file", nullptr },
+                   { "variant", nullptr },
+                   { "end", nullptr },
+                   { "assertion", nullptr },
+                   { "step", nullptr },
+                   { "stop", nullptr },
+                   { "plugin", emptyPlugin() },
+                   { "steps", Json::array() },
+                   { "rules", Json::array() },
+                   { "frames", Json::array() },
+                   { "log", Json::array() },
+                   { "counters", emptyCounters() } } {}
+
+void JsonWriter::onEvent( Event const & event ) {
+   outcome_.onEvent( event );
+   std::visit( [ this ]( auto const & what ) { take( what ); }, event );
+}
+
+void JsonWriter::write( std::ostream & out ) const {
+   Json document = document_;
+   document[ "end" ] = outcome_.endName();
+   for ( auto const & [ key, rule ] : rules_.rules() ) {
+      document[ "rules" ].push_back( jsonOf( rule ) );
+   }
+   out << document.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n' << std::flush;
+}
+
+void JsonWriter::count( char const * counter, std::size_t by ) {
+   Json & value = document_[ "counters" ][ counter ];
+   value = value.get< std::size_t >() + by;
+}
+
+// --- Where the run stands
+
+void JsonWriter::take( RunBegins const & event ) {
+   document_[ "scenario" ] = event.title;
+   document_[ "file" ] = event.scenario;
+}
+
+void JsonWriter::take( StepBegins const & event ) {
+   document_[ "steps" ].push_back( emptyStep( event ) );
+   count( "steps" );
+}
+
+void JsonWriter::take( StepEnds const & ) {
+   ruleChanges();
+}
+
+void JsonWriter::take( Stopped const & event ) {
+   if ( hasStep() ) {
+      ruleChanges();
+      document_[ "step" ] = step()[ "number" ];
+   }
+   if ( event.assertion ) {
+      document_[ "assertion" ] = jsonOf( *event.assertion );
+   }
+   Json traces = Json::array();
+   for ( TraceLine const & line : event.trace ) {
+      traces.push_back( jsonOf( line ) );
+   }
+   document_[ "stop" ] = { { "reason", event.reason },
+                           { "output", event.output },
+                           { "traces", std::move( traces ) } };
+}
+
+void JsonWriter::ruleChanges() {
+   RuleChanges const changes = rules_.changes();
+   for ( Rule const & rule : changes.added ) {
+      step()[ "rulesAdded" ].push_back( jsonOf( rule ) );
+   }
+   for ( RuleChange const & change : changes.changed ) {
+      step()[ "rulesChanged" ].push_back(
+         { { "before", jsonOf( change.before ) }, { "after", jsonOf( change.after ) } } );
+   }
+   for ( Rule const & rule : changes.removed ) {
+      step()[ "rulesRemoved" ].push_back( jsonOf( rule ) );
+   }
+   count( "rulesAdded", changes.added.size() );
+   count( "rulesChanged", changes.changed.size() );
+   count( "rulesRemoved", changes.removed.size() );
+}
+
+// --- What the plug-in asks the agent for
+
+void JsonWriter::take( PluginLoaded const & event ) {
+   document_[ "plugin" ][ "file" ] = event.file;
+   document_[ "plugin" ][ "mounters" ] = event.mounters;
+}
+
+void JsonWriter::take( MountAsked const & event ) {
+   document_[ "plugin" ][ "mounts" ].push_back(
+      { { "path", event.path }, { "type", event.type }, { "flags", event.flags } } );
+}
+
+void JsonWriter::take( MountsDone const & event ) {
+   document_[ "plugin" ][ "mountStatus" ] = event.status;
+   document_[ "plugin" ][ "mountProblems" ] = event.problems;
+}
+
+void JsonWriter::take( EntityLookedUp const & event ) {
+   document_[ "plugin" ][ "lookups" ].push_back(
+      { { "path", event.path }, { "type", textOrNull( event.type ) } } );
+}
+
+void JsonWriter::take( SharedEntityAsked const & event ) {
+   document_[ "plugin" ][ "sharedEntities" ].push_back(
+      { { "name", event.name }, { "type", textOrNull( event.type ) } } );
+}
+
+void JsonWriter::take( TcamGroupAsked const & event ) {
+   document_[ "plugin" ][ "tcamGroups" ].push_back( event.group );
+}
+
+void JsonWriter::take( VariantChosen const & event ) {
+   document_[ "variant" ] = event.variant;
+}
+
+void JsonWriter::take( DependencyPointReady const & event ) {
+   if ( event.isOfPlugin ) {
+      document_[ "plugin" ][ "ready" ] = true;
+   }
+}
+
+// --- What goes on
+
+void JsonWriter::take( PublishedChange const & event ) {
+   count( "publishedChanges" );
+   if ( hasStep() ) {
+      step()[ "changes" ].push_back( { { "path", event.path },
+                                       { "attribute", event.attribute },
+                                       { "key", textOrNull( event.key ) },
+                                       { "from", jsonOf( event.from ) },
+                                       { "to", jsonOf( event.to ) } } );
+   }
+}
+
+void JsonWriter::take( HardwareCall const & event ) {
+   count( "hardwareCalls" );
+   count( "failedCalls", event.returnCode.value_or( 0 ) < 0 ? 1 : 0 );
+   step()[ "hardwareCalls" ].push_back( jsonOf( event ) );
+}
+
+void JsonWriter::take( TraceLine const & event ) {
+   count( "traceLines" );
+   step()[ "traces" ].push_back( jsonOf( event ) );
+}
+
+void JsonWriter::take( LogLine const & event ) {
+   count( "logLines" );
+   step()[ "log" ].push_back( event.line );
+   document_[ "log" ].push_back(
+      { { "step", step()[ "number" ] }, { "name", event.name }, { "line", event.line } } );
+}
+
+void JsonWriter::take( ExpectationChecked const & event ) {
+   count( "expectations" );
+   count( "expectationsFailed", event.held ? 0 : 1 );
+   step()[ "expectations" ].push_back( { { "text", event.text },
+                                         { "place", event.place },
+                                         { "held", event.held },
+                                         { "found", textOrNull( event.found ) } } );
+}
+
+}  // namespace Story

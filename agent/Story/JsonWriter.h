@@ -1,0 +1,73 @@
+// Tells a run to programs: one JSON document, written when the run is over.
+//
+//    scenario      its name; `file` is where it was read from
+//    variant       "egress-mask", "class-id"; null before the plug-in has chosen
+//    end           "completed", "expectation-failed", "stopped"
+//    assertion     file, line, function, expression; null unless one stopped the process
+//    step          the step in which the process stopped; null when it did not
+//    stop          reason, and its last lines (`output`, `traces`); null when it did not
+//    plugin        what it asked the agent for: file, mounters, mounts, lookups, sharedEntities,
+//                  tcamGroups, and whether it is ready
+//    steps         from 0, which is start-up; the last one is teardown
+//    rules         in the chips at the end, by unit, group and id
+//    frames        none yet
+//    log           with the step of each line
+//    counters
+//
+// docs/program.md describes every name. Names are stable: new ones may be added, none goes and none
+// changes its meaning. Numbers are numbers, an absent value is null, an empty list is there.
+#pragma once
+
+#include <ostream>
+
+#include <nlohmann/json.hpp>
+
+#include <Story/Outcome.h>
+#include <Story/RuleTable.h>
+
+namespace Story {
+
+class JsonWriter final : public Observer {
+ public:
+   JsonWriter();
+
+   void onEvent( Event const & event ) override;
+
+   // Writes the document as it is now.
+   void write( std::ostream & out ) const;
+
+ private:
+   using Json = nlohmann::ordered_json;
+
+   void take( RunBegins const & event );
+   void take( StepBegins const & event );
+   void take( StepEnds const & event );
+   void take( Stopped const & event );
+   void take( PluginLoaded const & event );
+   void take( MountAsked const & event );
+   void take( MountsDone const & event );
+   void take( EntityLookedUp const & event );
+   void take( SharedEntityAsked const & event );
+   void take( TcamGroupAsked const & event );
+   void take( VariantChosen const & event );
+   void take( DependencyPointReady const & event );
+   void take( PublishedChange const & event );
+   void take( HardwareCall const & event );
+   void take( RuleIs const & event ) { rules_.onEvent( event ); }
+   void take( RuleGone const & event ) { rules_.onEvent( event ); }
+   void take( TraceLine const & event );
+   void take( LogLine const & event );
+   void take( ExpectationChecked const & event );
+   template< typename Other > void take( Other const & ) {}
+
+   Json & step() { return document_[ "steps" ].back(); }
+   bool hasStep() const { return !document_[ "steps" ].empty(); }
+   void count( char const * counter, std::size_t by = 1 );
+   void ruleChanges();
+
+   Json document_;
+   Outcome outcome_;
+   RuleTable rules_;
+};
+
+}  // namespace Story

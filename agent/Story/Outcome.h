@@ -1,0 +1,40 @@
+// How a run ended, and what a program says about it by its exit code.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <Story/Observer.h>
+
+namespace Story {
+
+// What the program's exit code says.
+enum class ExitCode : int { Held = 0, ExpectationFailed = 1, BadInput = 2, Stopped = 3 };
+
+class Outcome final : public Observer {
+ public:
+   void onEvent( Event const & event ) override;
+
+   ExitCode exitCode() const;
+   // "completed", "expectation-failed", "stopped", as in the JSON document.
+   std::string_view endName() const;
+
+   U32 expectations() const { return expectations_; }
+   U32 failedExpectations() const { return failedExpectations_; }
+
+   // The step under way, or the last one that was.
+   std::optional< StepBegins > const & step() const { return step_; }
+   std::optional< Stopped > const & stopped() const { return stopped_; }
+   // What was wrong with the input; empty when nothing was.
+   std::string const & badInput() const { return badInput_; }
+
+ private:
+   U32 expectations_ = 0;
+   U32 failedExpectations_ = 0;
+   std::optional< StepBegins > step_;
+   std::optional< Stopped > stopped_;
+   std::string badInput_;
+};
+
+}  // namespace Story

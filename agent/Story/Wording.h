@@ -1,0 +1,35 @@
+// What happened, in words for people: one line for each kind of event that has one.
+#pragma once
+
+#include <string>
+
+#include <Story/Event.h>
+
+namespace Story {
+
+std::string wordsOf( PluginLoaded const & event );
+std::string wordsOf( MountAsked const & event );
+std::string wordsOf( MountsDone const & event );
+std::string wordsOf( EntityLookedUp const & event );
+std::string wordsOf( SharedEntityAsked const & event );
+std::string wordsOf( TcamGroupAsked const & event );
+std::string wordsOf( VariantChosen const & event );
+std::string wordsOf( DependencyPointReady const & event );
+std::string wordsOf( PublishedChange const & event );
+std::string wordsOf( TraceLine const & event );
+std::string wordsOf( LogLine const & event );
+std::string wordsOf( ExpectationChecked const & event );
+std::string wordsOf( OutputLine const & event );
+
+// "step 3", "start-up", "teardown".
+std::string nameOf( StepBegins const & step );
+
+// Which rule: "unit 0, ingress group 157, entry 3, "Mark or drop ..."".
+std::string headingOf( Rule const & rule );
+// What it matches and does: "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; ...".
+std::string contentOf( Rule const & rule );
+
+// "1 rule", "2 rules".
+std::string counted( std::size_t count, std::string const & thing );
+
+}  // namespace Story

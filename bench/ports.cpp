@@ -1,0 +1,104 @@
+// Resolving the ports shared with a VTEP: getSharedESPortInfo for 1, 16 and 352 ports of a unit, on
+// physical interfaces of their own and as members of one port channel.
+//
+// `per_port` is the time for one port; it should not grow from 16 to 352 ports. `allocations` counts
+// the memory requests of one call: one for each time a list outgrows its room, not one a port.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <new>
+
+#include <Kiv/Activity.h>
+#include <VornalEvpnSm/Factories.h>
+
+namespace {
+
+std::size_t allocations = 0;
+
+}  // namespace
+
+// Counts every memory request of this program.
+void * operator new( std::size_t size ) {
+   ++allocations;
+   if ( void * const memory = std::malloc( size ) ) {
+      return memory;
+   }
+   throw std::bad_alloc();
+}
+void operator delete( void * memory ) noexcept {
+   std::free( memory );
+}
+void operator delete( void * memory, std::size_t ) noexcept {
+   std::free( memory );
+}
+
+namespace {
+
+Pelk::IpGenAddr const vtep = Pelk::IpGenAddr::fromString( "10.0.0.2" );
+
+// A switch whose `ports` interfaces are shared with one VTEP.
+class Switch {
+ public:
+   Switch( U16 ports, bool onPortChannel ) {
+      auto const segment = Quelm::make< Oxa::EvpnTepSegment >( vtep );
+      Pelk::IntfId const lag = Pelk::IntfId::fromString( "Port-Channel1" );
+      for ( U16 port = 0; port < ports; ++port ) {
+         auto const intfId =
+            Pelk::IntfId::fromString( "Ethernet" + std::to_string( port + 1 ) );
+         vcsd_->intfPortIs( intfId, VornalTypes::VornalPort( 0, port ) );
+         if ( onPortChannel ) {
+            mapping_->lagPhyIntfConfigIs( lag )->phyIntfIs( intfId );
+         } else {
+            segment->segmentSetIs( intfId );
+         }
+      }
+      if ( onPortChannel ) {
+         segment->segmentSetIs( lag );
+      }
+      dir_->tepSegmentIs( segment );
+   }
+
+   Vornal::EvpnMultihomingLocalBiasSm & machine() { return *machine_; }
+
+ private:
+   Kiv::ActivityManager activity_;
+   Quelm::Ptr< Vornal::VornalCommonSmData > vcsd_ =
+      Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
+   Quelm::Ptr< Oxa::EvpnTepSegmentDir > dir_ = Oxa::evpnTepSegmentDirFactory( "segments" );
+   Quelm::Ptr< Lag::LagPhyIntfMapping > mapping_ =
+      Quelm::make< Lag::LagPhyIntfMapping >( "lagToMembers" );
+   Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm > machine_ =
+      Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory( vcsd_, dir_, nullptr, nullptr,
+                                                               nullptr, nullptr, nullptr, nullptr,
+                                                               mapping_ );
+};
+
+void sharedPorts( benchmark::State & state, bool onPortChannel ) {
+   auto const ports = static_cast< U16 >( state.range( 0 ) );
+   Switch leaf( ports, onPortChannel );
+   if ( leaf.machine().getSharedESPortInfo( 0, vtep ).sharedPortList().ports() != ports ) {
+      state.SkipWithError( "not every port was resolved" );
+   }
+   allocations = 0;
+   for ( auto _ : state ) {
+      benchmark::DoNotOptimize( leaf.machine().getSharedESPortInfo( 0, vtep ) );
+   }
+   auto const calls = static_cast< double >( state.iterations() );
+   state.counters[ "allocations" ] = static_cast< double >( allocations ) / calls;
+   state.counters[ "per_port" ] = benchmark::Counter(
+      calls * ports, benchmark::Counter::kIsRate | benchmark::Counter::kInvert );
+}
+
+void physicalInterfaces( benchmark::State & state ) {
+   sharedPorts( state, false );
+}
+
+void portChannel( benchmark::State & state ) {
+   sharedPorts( state, true );
+}
+
+BENCHMARK( physicalInterfaces )->Arg( 1 )->Arg( 16 )->Arg( 352 );
+BENCHMARK( portChannel )->Arg( 1 )->Arg( 16 )->Arg( 352 );
+
+}  // namespace

@@ -1,0 +1,50 @@
+// A shim that counts field calls, and what the guarded field call tells the shim about them.
+#pragma once
+
+#include <map>
+#include <string_view>
+
+#include <Decorators/SdkDecorator.h>
+
+namespace Chip {
+
+class CountingSdk final : public SdkDecorator {
+ public:
+   using SdkDecorator::SdkDecorator;
+
+   // Field calls by operation; operations that were not called are not in it.
+   std::map< std::string_view, U64 > const & callsByOperation() const { return calls_; }
+   U64 calls( std::string_view operation ) const {
+      auto const found = calls_.find( operation );
+      return found == calls_.end() ? 0 : found->second;
+   }
+   U64 calls() const {
+      U64 all = 0;
+      for ( auto const & [ operation, count ] : calls_ ) {
+         all += count;
+      }
+      return all;
+   }
+   // Calls that were announced, and calls whose failure was told. As many have been announced as
+   // have been made when every call is a guarded one.
+   U64 announced() const { return announced_; }
+   U64 failuresTold() const { return failuresTold_; }
+
+   void beforeFieldCall() override {
+      ++announced_;
+      SdkDecorator::beforeFieldCall();
+   }
+   void fieldCallFailed() override {
+      ++failuresTold_;
+      SdkDecorator::fieldCallFailed();
+   }
+
+ private:
+   void done( SdkCall const & call ) override { ++calls_[ call.operation ]; }
+
+   std::map< std::string_view, U64 > calls_;
+   U64 announced_ = 0;
+   U64 failuresTold_ = 0;
+};
+
+}  // namespace Chip

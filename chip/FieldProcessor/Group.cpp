@@ -1,0 +1,93 @@
+#include <FieldProcessor/Group.h>
+
+#include <algorithm>
+
+#include <FieldProcessor/LookupTable.h>
+
+namespace Chip {
+
+Group::Group( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity, EntryIds & ids )
+      : assignment_( assignment ),
+        kind_( kind ),
+        capacity_( capacity ),
+        ids_( ids ),
+        written_( std::make_unique< LookupTable >() ) {}
+
+Group::~Group() = default;
+
+U32 Group::foreignIs( U32 count ) {
+   foreign_ = std::min( count, capacity_ - used() );
+   return foreign_;
+}
+
+U32 Group::entryNew( std::string const & name ) {
+   if ( room() == 0 ) {
+      return 0;
+   }
+   U32 const id = ids_.next();
+   entries_.try_emplace( id, kind_, id, name );
+   return id;
+}
+
+ResultCode Group::install( U32 id ) {
+   Entry * const found = entry( id );
+   if ( !found ) {
+      return ResultCode::UnknownEntry;
+   }
+   write( *found );
+   return ResultCode::None;
+}
+
+ResultCode Group::reinstall( U32 id ) {
+   Entry * const found = entry( id );
+   if ( !found ) {
+      return ResultCode::UnknownEntry;
+   }
+   if ( !found->written() ) {
+      return ResultCode::NotInstalled;
+   }
+   write( *found );
+   return ResultCode::None;
+}
+
+ResultCode Group::release( U32 id ) {
+   Entry const * const found = entry( id );
+   if ( !found ) {
+      return ResultCode::UnknownEntry;
+   }
+   if ( found->written() ) {
+      written_->remove( *found );
+   }
+   entries_.erase( id );
+   return ResultCode::None;
+}
+
+void Group::write( Entry & entry ) {
+   if ( entry.written() ) {
+      written_->remove( entry );
+   }
+   entry.write();
+   written_->insert( entry );
+}
+
+Entry * Group::entry( U32 id ) {
+   auto const found = entries_.find( id );
+   return found == entries_.end() ? nullptr : &found->second;
+}
+
+Entry const * Group::entry( U32 id ) const {
+   auto const found = entries_.find( id );
+   return found == entries_.end() ? nullptr : &found->second;
+}
+
+Entry const * Group::lookup( IngressFields const & frame ) const {
+   QUELM_ASSERT( kind_ == GroupKind::Ingress );
+   return written_->find( keyOf( frame ) );
+}
+
+Entry const * Group::lookup( EgressFields const & frame ) const {
+   QUELM_ASSERT( kind_ == GroupKind::Egress );
+   return written_->find( keyOf( frame ) );
+}
+
+}  // namespace Chip

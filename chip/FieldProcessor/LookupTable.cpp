@@ -1,0 +1,126 @@
+#include <FieldProcessor/LookupTable.h>
+
+#include <algorithm>
+#include <limits>
+
+#include <Quelm/Assert.h>
+
+namespace Chip {
+
+namespace {
+
+// An entry as data and masks in the order of the key; data outside the masks is zero.
+struct Ternary {
+   LookupKey data{};
+   LookupKey masks{};
+
+   void fieldIs( std::size_t position, U32 value, U32 mask ) {
+      data[ position ] = value & mask;
+      masks[ position ] = mask;
+   }
+};
+
+std::size_t positionOf( Qualifier qualifier ) {
+   switch ( qualifier ) {
+   case Qualifier::SrcVxlanGport: return 0;
+   case Qualifier::PacketRes: return 1;
+   case Qualifier::TunnelTerminated: return 2;
+   case Qualifier::VxlanNetworkId: return 3;
+   case Qualifier::DstPort: return 0;  // the module id follows it
+   case Qualifier::IpType: return 2;
+   case Qualifier::IngressClassField: return 3;
+   }
+   return 0;
+}
+
+Ternary ternaryOf( EntryContent const & content ) {
+   Ternary ternary;
+   for ( Qualifier const qualifier : kQualifiers ) {
+      std::optional< Match > const & match = content[ qualifier ];
+      if ( !match ) {
+         continue;
+      }
+      std::size_t const position = positionOf( qualifier );
+      ternary.fieldIs( position, match->data, match->mask );
+      if ( qualifier == Qualifier::DstPort ) {
+         ternary.fieldIs( position + 1, match->modId, match->modIdMask );
+      }
+   }
+   return ternary;
+}
+
+LookupKey masked( LookupKey const & key, LookupKey const & masks ) {
+   return { key[ 0 ] & masks[ 0 ], key[ 1 ] & masks[ 1 ], key[ 2 ] & masks[ 2 ],
+            key[ 3 ] & masks[ 3 ] };
+}
+
+}  // namespace
+
+LookupKey keyOf( IngressFields const & frame ) {
+   return { frame.srcVxlanGport, frame.packetRes, frame.tunnelTerminated ? 1U : 0U,
+            frame.vxlanNetworkId };
+}
+
+LookupKey keyOf( EgressFields const & frame ) {
+   return { frame.dstPort, frame.dstModId, frame.ipType, frame.ingressClass };
+}
+
+Precedence precedenceOf( std::optional< U32 > const & priority, U32 id ) {
+   constexpr U64 highest = std::numeric_limits< U32 >::max();
+   return { priority ? 1 + ( highest - *priority ) : 0, id };
+}
+
+void LookupTable::insert( Entry const & entry ) {
+   Ternary const ternary = ternaryOf( *entry.written() );
+   Candidate const candidate{ precedenceOf( entry.written()->priority, entry.id() ), &entry };
+   Candidates & candidates = tableFor( ternary.masks ).byData[ ternary.data ];
+   auto const below =
+      std::find_if( candidates.begin(), candidates.end(), [ & ]( Candidate const & other ) {
+         return candidate.precedence < other.precedence;
+      } );
+   candidates.insert( below, candidate );
+}
+
+void LookupTable::remove( Entry const & entry ) {
+   Ternary const ternary = ternaryOf( *entry.written() );
+   Table & table = tableFor( ternary.masks );
+   Candidates & candidates = table.byData[ ternary.data ];
+   std::erase_if( candidates, [ & ]( Candidate const & one ) { return one.entry == &entry; } );
+   if ( candidates.empty() ) {
+      table.byData.erase( ternary.data );
+   }
+   std::erase_if( tables_, []( Table const & one ) { return one.byData.empty(); } );
+}
+
+Entry const * LookupTable::find( LookupKey const & frame ) const {
+   Candidate const * winner = nullptr;
+   for ( Table const & table : tables_ ) {
+      auto const found = table.byData.find( masked( frame, table.masks ) );
+      if ( found == table.byData.end() ) {
+         continue;
+      }
+      Candidate const & best = found->second.front();
+      if ( !winner || best.precedence < winner->precedence ) {
+         winner = &best;
+      }
+   }
+   return winner ? winner->entry : nullptr;
+}
+
+std::size_t LookupTable::Hash::operator()( LookupKey const & key ) const noexcept {
+   constexpr U64 golden = 0x9e3779b97f4a7c15;  // spreads neighbouring gports, VNIs and ports
+   U64 hash = 0;
+   for ( U32 const word : key ) {
+      hash = ( hash ^ word ) * golden;
+      hash ^= hash >> 32;
+   }
+   return static_cast< std::size_t >( hash );
+}
+
+LookupTable::Table & LookupTable::tableFor( LookupKey const & masks ) {
+   auto const found = std::find_if( tables_.begin(), tables_.end(),
+                                    [ & ]( Table const & table ) { return table.masks == masks; } );
+   return found != tables_.end() ? *found : tables_.emplace_back( Table{ masks, {} } );
+}
+
+}  // namespace Chip

@@ -1,0 +1,48 @@
+// The rules of all units at one moment, as values that stay when the chip goes on: for dumps, and
+// for telling what a step has changed.
+//
+// A rule shows its written copy once it is installed, and its staged copy before that. What is
+// staged on top of an installed rule does not show until it is written.
+//
+// Taken on the thread that makes field calls, or while none is under way.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <FieldProcessor/Unit.h>
+
+namespace Chip {
+
+struct Rule {
+   U16 unit;
+   Vornal::TcamGroupAssignment group;
+   U32 id;
+   std::string name;
+   bool isWritten;  // false while only staged
+   EntryContent content;
+
+   friend bool operator==( Rule const &, Rule const & ) = default;
+};
+
+using Rules = std::vector< Rule >;  // by unit, group and id
+
+Rules rulesOf( Units const & units );
+
+struct RuleChange {
+   Rule before;
+   Rule after;
+};
+
+struct RuleChanges {
+   Rules added;
+   std::vector< RuleChange > changed;  // being written for the first time counts
+   Rules removed;
+
+   bool isEmpty() const { return added.empty() && changed.empty() && removed.empty(); }
+};
+
+// What has to happen to `before` to become `after`, two snapshots of the same units.
+RuleChanges changesBetween( Rules const & before, Rules const & after );
+
+}  // namespace Chip

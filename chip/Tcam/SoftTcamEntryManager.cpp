@@ -1,0 +1,143 @@
+#include <Tcam/SoftTcamEntryManager.h>
+
+#include <Kiv/Rows.h>
+#include <SoftSdk/PortBitmap.h>
+
+KIV_DEFINE( Chip::SoftTcamEntryManager )
+
+namespace Chip {
+
+// --- Room
+
+U32 SoftTcamEntryManager::capacity( U32 unit ) const {
+   Group const * const group = groupOn( unit );
+   return group ? group->capacity() : 0;
+}
+
+U32 SoftTcamEntryManager::used( U32 unit ) const {
+   Group const * const group = groupOn( unit );
+   return group ? group->used() : 0;
+}
+
+U32 SoftTcamEntryManager::foreignEntries( U32 unit ) const {
+   Group const * const group = groupOn( unit );
+   return group ? group->foreign() : 0;
+}
+
+U32 SoftTcamEntryManager::foreignEntriesIs( U32 unit, U32 count ) {
+   Group * const group = groupOn( unit );
+   if ( !group ) {
+      return 0;
+   }
+   U32 const held = group->foreignIs( count );
+   roomMade( unit );
+   return held;
+}
+
+// Clears the unit's flag if a request would be granted now.
+void SoftTcamEntryManager::roomMade( U32 unit ) {
+   Group const * const group = groupOn( unit );
+   auto const key = static_cast< U16 >( unit );
+   if ( group && group->room() > 0 && exhausted( key ) ) {
+      exhaustedIs( key, false );
+   }
+}
+
+// --- Entries
+
+template< typename Operation >
+ResultCode SoftTcamEntryManager::onGroup( U32 unit, Operation operation ) {
+   Group * const group = groupOn( unit );
+   return group ? operation( *group ) : ResultCode::UnknownUnit;
+}
+
+template< typename Operation >
+ResultCode SoftTcamEntryManager::onEntry( U32 unit, U32 entryId, Operation operation ) {
+   return onGroup( unit, [ & ]( Group & group ) {
+      Entry * const entry = group.entry( entryId );
+      return entry ? operation( *entry ) : ResultCode::UnknownEntry;
+   } );
+}
+
+// Tells the observer, with the group in front of the values.
+void SoftTcamEntryManager::tell( HardwareCall call ) const {
+   if ( observer_ ) {
+      call.values.insert( call.values.begin(), { "group", U32{ group() } } );
+      observer_->callMade( call );
+   }
+}
+
+U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
+                                    VornalTcam::RequestKey const & ) {
+   Group * const group = groupOn( unit );
+   U32 const entryId = group ? group->entryNew( name ) : 0;
+   tell( { __func__, {}, unit, entryId, { { "name", name } }, {} } );
+   if ( group && entryId == 0 ) {
+      exhaustedIs( static_cast< U16 >( unit ), true );
+   }
+   return entryId;
+}
+
+S32 SoftTcamEntryManager::installEntry( U32 unit, U32 entryId ) {
+   S32 const rc =
+      codeOf( onGroup( unit, [ & ]( Group & group ) { return group.install( entryId ); } ) );
+   tell( { __func__, {}, unit, entryId, {}, rc } );
+   return rc;
+}
+
+S32 SoftTcamEntryManager::reinstallEntry( U32 unit, U32 entryId ) {
+   S32 const rc =
+      codeOf( onGroup( unit, [ & ]( Group & group ) { return group.reinstall( entryId ); } ) );
+   tell( { __func__, {}, unit, entryId, {}, rc } );
+   return rc;
+}
+
+void SoftTcamEntryManager::releaseEntry( U32 unit, U32 entryId ) {
+   ResultCode const code =
+      onGroup( unit, [ & ]( Group & group ) { return group.release( entryId ); } );
+   tell( { __func__, {}, unit, entryId, {}, codeOf( code ) } );
+   if ( code == ResultCode::None ) {
+      roomMade( unit );
+   }
+}
+
+void SoftTcamEntryManager::setPriorityForEntry( U32 unit, U32 entryId, U32 priority ) {
+   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+      entry.priorityIs( priority );
+      return ResultCode::None;
+   } );
+   tell( { __func__, {}, unit, entryId, { { "priority", priority } }, codeOf( code ) } );
+}
+
+// --- Egress mask
+
+void SoftTcamEntryManager::addEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) {
+   Brum::PerUnitBitmap const ports = bitmapOf( pbmp );
+   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+      return entry.actionAdd( Action::EgressMask, { .ports = ports } );
+   } );
+   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, codeOf( code ) } );
+}
+
+void SoftTcamEntryManager::updateEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) {
+   Brum::PerUnitBitmap const ports = bitmapOf( pbmp );
+   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+      return entry.actionUpdate( Action::EgressMask, { .ports = ports } );
+   } );
+   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, codeOf( code ) } );
+}
+
+Vornal::EgressMaskResult SoftTcamEntryManager::getEgressMaskActionPbmp( U32 unit, U32 entryId ) {
+   ActionParameters mask;
+   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry const & entry ) {
+      return entry.readBack( Action::EgressMask, mask );
+   } );
+   HardwareCall call{ __func__, {}, unit, entryId, {}, codeOf( code ) };
+   if ( code == ResultCode::None ) {
+      call.values.push_back( { "ports", mask.ports } );
+   }
+   tell( std::move( call ) );
+   return { codeOf( code ), pbmpOf( mask.ports ) };
+}
+
+}  // namespace Chip

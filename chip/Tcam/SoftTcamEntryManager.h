@@ -1,0 +1,66 @@
+// The entry manager of one field-processor group, over all units of the software chip.
+//
+// What its base class promises (VornalTcam/EntryManager.h), and beyond it:
+//
+// - The `exhausted` flag of a unit says that a request has been refused since room was last made
+// there. A
+//   request that is refused sets it; a release, or another user giving back, clears it once there
+//   is room. A unit on which no request was ever refused has no flag.
+// - The room of a group is shared with other users; foreignEntriesIs() is how much they hold.
+// - installEntry on an installed entry writes it again. reinstallEntry on one that is not installed
+// is
+//   refused.
+// - The priority is staged like qualifiers and actions, and in force from the next (re)install on.
+// - addEgressMaskAction on an entry that has a mask, and updateEgressMaskAction on one that has
+// none,
+//   change nothing; so do operations on unknown units and entries. Operations that return nothing
+//   tell only the observer what became of them.
+// - Request keys are not kept: every request is for a new entry.
+//
+// Every operation of the base class is told to the observer, before the flag that it changes is
+// notified.
+#pragma once
+
+#include <Calls/HardwareCall.h>
+#include <FieldProcessor/Unit.h>
+#include <VornalTcam/EntryManager.h>
+
+namespace Chip {
+
+class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
+   KIV_ENTITY( SoftTcamEntryManager, Vornal::VornalUnboundedTcamEntryManager )
+   // Numbers of entries on a unit; 0 for a unit without the group.
+   KIV_QUERY( U32, capacity, ( U32 unit ) )
+   KIV_QUERY( U32, used, ( U32 unit ) )
+   KIV_QUERY( U32, foreignEntries, ( U32 unit ) )
+   // Other users hold `count` entries on the unit from now on, or as many as there is room for.
+   // What they hold then.
+   KIV_OPERATION( U32, foreignEntriesIs, ( U32 unit, U32 count ) )
+
+   // Units and observer are not owned and outlive the manager; the observer may be nullptr.
+   SoftTcamEntryManager( Vornal::TcamGroupAssignment group, Units & units, CallObserver * observer )
+         : VornalUnboundedTcamEntryManager( group ), units_( units ), observer_( observer ) {}
+
+   U32 getEntry( U32 unit, std::string const & name, VornalTcam::RequestKey const & key ) override;
+   S32 installEntry( U32 unit, U32 entryId ) override;
+   S32 reinstallEntry( U32 unit, U32 entryId ) override;
+   void releaseEntry( U32 unit, U32 entryId ) override;
+   void setPriorityForEntry( U32 unit, U32 entryId, U32 priority ) override;
+
+   void addEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) override;
+   void updateEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) override;
+   Vornal::EgressMaskResult getEgressMaskActionPbmp( U32 unit, U32 entryId ) override;
+
+ private:
+   Group * groupOn( U32 unit ) const { return units_.group( unit, group() ); }
+   template< typename Operation > ResultCode onGroup( U32 unit, Operation operation );
+   template< typename Operation > ResultCode onEntry( U32 unit, U32 entryId, Operation operation );
+
+   void tell( HardwareCall call ) const;
+   void roomMade( U32 unit );
+
+   Units & units_;
+   CallObserver * observer_;
+};
+
+}  // namespace Chip

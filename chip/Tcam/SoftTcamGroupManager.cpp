@@ -1,0 +1,21 @@
+#include <Tcam/SoftTcamGroupManager.h>
+
+#include <Kiv/Rows.h>
+
+KIV_DEFINE( Chip::SoftTcamGroupManager )
+
+namespace Chip {
+
+SoftTcamGroupManager::SoftTcamGroupManager( std::string name, Units & units,
+                                            CallObserver * observer )
+      : VornalTcamGroupManager( std::move( name ) ) {
+   for ( auto const & [ number, unit ] : units ) {
+      for ( auto const & [ assignment, group ] : unit.groups() ) {
+         if ( !entryManagerHas( assignment ) ) {
+            entryManagerIs( Quelm::make< SoftTcamEntryManager >( assignment, units, observer ) );
+         }
+      }
+   }
+}
+
+}  // namespace Chip

@@ -1,0 +1,16 @@
+// The entry managers of all groups of the software chip.
+#pragma once
+
+#include <Tcam/SoftTcamEntryManager.h>
+
+namespace Chip {
+
+class SoftTcamGroupManager : public Vornal::VornalTcamGroupManager {
+   KIV_ENTITY( SoftTcamGroupManager, Vornal::VornalTcamGroupManager )
+
+   // One entry manager for each group that exists on any of the units. Units and observer are not
+   // owned and outlive the managers; the observer may be nullptr.
+   SoftTcamGroupManager( std::string name, Units & units, CallObserver * observer );
+};
+
+}  // namespace Chip

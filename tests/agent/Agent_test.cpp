@@ -1,0 +1,449 @@
+#include <Host/Agent.h>
+
+#include <gtest/gtest.h>
+
+#include <Process/RingMemory.h>
+#include <Scenario/Reader.h>
+#include <Support.h>
+#include <Switches.h>
+
+namespace {
+
+using Support::Recorder;
+
+// Runs a scenario with the sample plug-in, in this process.
+class Agent : public testing::Test {
+ protected:
+   void run( std::string const & steps, std::string const & tcam = "{ ingress: 8 }",
+             Host::AgentConfig config = {} ) {
+      scenario = Scenario::readText( Switches::leaf( steps, tcam ), "leaf.yaml" );
+      config.scenario = "leaf.yaml";
+      if ( config.plugin.empty() ) {
+         config.plugin = Support::testPlugin( "segment-rules" );
+      }
+      Host::Agent( scenario, config, ring.bytes(), story ).run();
+   }
+
+   // The events of one kind that belong to a step.
+   template< typename T > std::vector< T > inStep( U32 number ) const {
+      std::vector< T > result;
+      U32 step = 0;
+      for ( Story::Event const & event : story.events() ) {
+         if ( auto const * const begins = std::get_if< Story::StepBegins >( &event ) ) {
+            step = begins->number;
+         } else if ( auto const * const one = std::get_if< T >( &event ); one && step == number ) {
+            result.push_back( *one );
+         }
+      }
+      return result;
+   }
+
+   std::vector< std::string > operationsIn( U32 step ) const {
+      std::vector< std::string > result;
+      for ( Story::HardwareCall const & call : inStep< Story::HardwareCall >( step ) ) {
+         result.push_back( call.operation );
+      }
+      return result;
+   }
+
+   std::string badInput() const { return story.all< Story::BadInput >().at( 0 ).text; }
+
+   std::vector< bool > held() const {
+      std::vector< bool > result;
+      for ( auto const & expectation : story.all< Story::ExpectationChecked >() ) {
+         result.push_back( expectation.held );
+      }
+      return result;
+   }
+
+   Process::RingMemory ring;
+   Recorder story;
+   Scenario::Model scenario;
+};
+
+using Operations = std::vector< std::string >;
+
+// --- Start-up
+
+TEST_F( Agent, publishes_the_state_before_it_loads_the_plug_in ) {
+   run( "   - note: nothing\n" );
+
+   std::size_t const published =
+      story.placeOf< Story::PublishedChange >( []( auto const & change ) {
+         return change.path == "/evpn/status/segmentStatus[Ethernet1]" && change.key == "10.0.0.2";
+      } );
+   std::size_t const loaded =
+      story.placeOf< Story::PluginLoaded >( []( auto const & ) { return true; } );
+   EXPECT_LT( published, loaded );
+   EXPECT_LT( loaded, story.events().size() );
+}
+
+TEST_F( Agent, publishes_every_kind_of_state ) {
+   run( "   - note: nothing\n" );
+
+   std::vector< std::string > places;
+   for ( auto const & change : story.all< Story::PublishedChange >() ) {
+      places.push_back( change.path + "/" + change.attribute + "[" + change.key +
+                        "]=" + change.to.value_or( "" ) );
+   }
+   for ( char const * const expected :
+         { "/shared/vornalCommon/vornalIntfToPort[Ethernet1]=unit0/port1/mod1",
+           "/lag/config/phyIntf[Ethernet4]/lag[]=Port-Channel7",
+           "/evpn/status/segmentStatus[Ethernet1]=Evpn::EthernetSegmentStatus Ethernet1",
+           "/interface/status/eth/vxlan/vtiStatus[Vxlan1]/vrfToVniMap[red]=50001" } ) {
+      EXPECT_NE( std::find( places.begin(), places.end(), expected ), places.end() ) << expected;
+   }
+   EXPECT_LT( story.placeOf< Story::PublishedChange >( []( auto const & change ) {
+      return change.path == "/hardware/vornal/vp/status/vornalL3" && change.to == "2";
+   } ),
+              story.events().size() );
+}
+
+TEST_F( Agent, lets_an_interface_enter_the_cached_map_before_the_live_one_announces_it ) {
+   run( "   - note: nothing\n" );
+
+   auto const entersAt = [ & ]( char const * map ) {
+      return story.placeOf< Story::PublishedChange >( [ & ]( auto const & change ) {
+         return change.attribute == map && change.key == "Ethernet2";
+      } );
+   };
+   EXPECT_LT( entersAt( "vornalIntfToPortCache" ), entersAt( "vornalIntfToPort" ) );
+}
+
+TEST_F( Agent, tells_start_up_in_the_order_in_which_it_happens ) {
+   run( "   - note: nothing\n" );
+
+   EXPECT_EQ( inStep< Story::MountAsked >( 0 ).size(), 2U );
+   EXPECT_EQ( inStep< Story::MountsDone >( 0 ).at( 0 ).status, "complete" );
+   EXPECT_EQ( inStep< Story::EntityLookedUp >( 0 ).at( 0 ).type, "Evpn::EvpnStatus" );
+   EXPECT_EQ( inStep< Story::SharedEntityAsked >( 0 ).at( 0 ).type, "Vornal::VornalCommonSmData" );
+   EXPECT_EQ( inStep< Story::TraceLine >( 0 ).at( 0 ).text, "Sample::Mounter::doInit" );
+   EXPECT_TRUE( inStep< Story::TcamGroupAsked >( 0 ).empty() );
+}
+
+TEST_F( Agent, starts_the_plug_in_when_the_sub_agent_is_ready_and_tells_the_variant_before_ready ) {
+   run( "   - ready: subagents::l2Ready\n" );
+
+   auto const points = inStep< Story::DependencyPointReady >( 1 );
+   ASSERT_EQ( points.size(), 2U );
+   EXPECT_EQ( points[ 0 ].point, "subagents::l2Ready" );
+   EXPECT_FALSE( points[ 0 ].isOfPlugin );
+   EXPECT_EQ( points[ 1 ].point, "evpn" );
+   EXPECT_TRUE( points[ 1 ].isOfPlugin );
+
+   EXPECT_EQ( inStep< Story::TcamGroupAsked >( 1 ).at( 0 ).group, 157U );
+   auto const variants = story.all< Story::VariantChosen >();
+   ASSERT_EQ( variants.size(), 1U );
+   EXPECT_EQ( variants[ 0 ].variant, "egress-mask" );
+   EXPECT_EQ( variants[ 0 ].type, "Sample::SegmentRulesWithEgressMaskSm" );
+   EXPECT_LT( story.placeOf< Story::VariantChosen >( []( auto const & ) { return true; } ),
+              story.placeOf< Story::DependencyPointReady >(
+                 []( auto const & ready ) { return ready.isOfPlugin; } ) );
+}
+
+TEST_F( Agent, has_no_group_that_the_scenario_says_is_not_there ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - withdraw: { segments: [ Ethernet1 ] }\n",
+      "{ ingress: 0, egress: none }" );
+
+   EXPECT_TRUE( inStep< Story::TcamGroupAsked >( 1 ).at( 0 ).isThere );
+   EXPECT_EQ( inStep< Story::HardwareCall >( 1 ).at( 0 ).entry, 0U );
+}
+
+// --- Steps
+
+TEST_F( Agent, gives_every_effect_to_the_step_that_caused_it ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - publish: { segments: { Ethernet2: [] } }\n"
+      "   - withdraw: { segments: [ Ethernet1 ] }\n" );
+
+   EXPECT_EQ( operationsIn( 1 ),
+              ( Operations{ "getEntry", "bcm_field_qualify_PacketRes", "addEgressMaskAction",
+                            "setPriorityForEntry", "installEntry" } ) );
+   EXPECT_EQ( operationsIn( 2 ), operationsIn( 1 ) );
+   EXPECT_EQ( operationsIn( 3 ), Operations{ "releaseEntry" } );
+   EXPECT_EQ( inStep< Story::RuleGone >( 3 ).at( 0 ).key.id, 1U );
+}
+
+TEST_F( Agent, tells_a_guarded_call_as_its_caller_wrote_it_and_its_values_by_name ) {
+   run( "   - ready: subagents::l2Ready\n" );
+
+   auto const call = inStep< Story::HardwareCall >( 1 ).at( 1 );
+   EXPECT_EQ( call.callText,
+              "bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff )" );
+   EXPECT_EQ( call.unit, 0U );
+   EXPECT_EQ( call.entry, 1U );
+   ASSERT_EQ( call.values.size(), 2U );
+   EXPECT_EQ( call.values[ 1 ].name, "mask" );
+   EXPECT_EQ( std::get< U64 >( call.values[ 1 ].value ), 0xffU );
+   EXPECT_EQ( call.returnCode, 0 );
+}
+
+TEST_F( Agent, tells_a_rule_after_every_call_that_changed_it ) {
+   run( "   - ready: subagents::l2Ready\n" );
+
+   auto const rules = inStep< Story::RuleIs >( 1 );
+   ASSERT_EQ( rules.size(), 5U );
+   EXPECT_TRUE( rules[ 0 ].rule.qualifiers.empty() );
+   EXPECT_FALSE( rules[ 3 ].rule.isWritten );
+   EXPECT_TRUE( rules[ 4 ].rule.isWritten );
+   EXPECT_EQ( rules[ 4 ].rule.name, "Sample Ethernet1" );
+   EXPECT_EQ( rules[ 4 ].rule.priority, 1U );
+   EXPECT_EQ( rules[ 4 ].rule.qualifiers.at( 0 ).name, "PacketRes" );
+   EXPECT_EQ( rules[ 4 ].rule.actions.at( 0 ).ports, std::vector< U32 >{ 3 } );
+}
+
+TEST_F( Agent, makes_every_published_change_a_turn_of_its_own_in_the_order_written ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - publish: { segments: { Ethernet3: [], Ethernet2: [ 10.0.0.9 ] } }\n",
+      "{ ingress: 2 }" );
+
+   std::vector< std::string > lines;
+   for ( auto const & event : story.events() ) {
+      if ( auto const * const change = std::get_if< Story::PublishedChange >( &event ) ) {
+         lines.push_back( change->attribute + " " + change->key );
+      } else if ( auto const * const log = std::get_if< Story::LogLine >( &event ) ) {
+         lines.push_back( log->line );
+      }
+   }
+   // The group was full for the second segment: its log line stands between its own two changes.
+   std::vector< std::string > const tail( lines.end() - 5, lines.end() );
+   EXPECT_EQ( tail, ( std::vector< std::string >{
+                       "segmentStatus Ethernet3", "segmentStatus Ethernet2", "exhausted 0",
+                       "%VORNAL-3-SAMPLE_GROUP_FULL: No room for segment Ethernet2",
+                       "remoteTep 10.0.0.9" } ) );
+}
+
+TEST_F( Agent, withdraws_what_was_published ) {
+   run(
+      "   - withdraw: { interfaces: [ Ethernet1 ] }\n"
+      "   - withdraw: { port-channels: { Port-Channel7: [ Ethernet4 ] } }\n"
+      "   - withdraw: { segments: { Ethernet1: [ 10.0.0.2 ] } }\n"
+      "   - withdraw: { vteps: [ 10.0.0.2 ] }\n"
+      "   - withdraw: { tunnel-interfaces: { Vxlan1: [ red ] } }\n"
+      "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );
+
+   auto const changeOf = [ & ]( U32 step ) {
+      auto const changes = inStep< Story::PublishedChange >( step );
+      return changes.size() == 1 ? changes[ 0 ].attribute + " " + changes[ 0 ].key + " " +
+                                      changes[ 0 ].to.value_or( "gone" )
+                                 : std::to_string( changes.size() ) + " changes";
+   };
+   EXPECT_EQ( changeOf( 1 ), "vornalIntfToPort Ethernet1 gone" );
+   EXPECT_EQ( changeOf( 2 ), "lag  " );
+   EXPECT_EQ( changeOf( 3 ), "remoteTep 10.0.0.2 gone" );
+   EXPECT_EQ( changeOf( 4 ).substr( 0, 11 ), "remoteVport" );
+   EXPECT_EQ( changeOf( 5 ), "vrfToVniMap red gone" );
+   EXPECT_EQ( changeOf( 6 ), "vtiStatus Vxlan1 gone" );
+}
+
+TEST_F( Agent, does_not_take_a_member_from_a_port_channel_that_it_is_not_in ) {
+   run(
+      "   - set: { entity: '/lag/config/phyIntf[Ethernet4]', attribute: lag, value: "
+      "Port-Channel8 }\n"
+      "   - withdraw: { port-channels: { Port-Channel7: [ Ethernet4 ] } }\n" );
+
+   EXPECT_EQ( inStep< Story::PublishedChange >( 1 ).size(), 1U );
+   EXPECT_TRUE( inStep< Story::PublishedChange >( 2 ).empty() );
+}
+
+TEST_F( Agent, reaches_every_attribute_and_operation_by_path ) {
+   run(
+      "   - set: { entity: '/evpn/status/segmentStatus[Ethernet1]', attribute: remoteTep, key: "
+      "10.0.0.7 }\n"
+      "   - delete: { entity: /evpn/status, attribute: segmentStatus, key: Ethernet1 }\n"
+      "   - call: { entity: /plugins/Sample::Mounter, operation: finishInit }\n"
+      "   - set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, value: /evpn/status }\n"
+      "   - delete: { entity: /plugins/Sample::Mounter, attribute: evpnStatus }\n"
+      "   - expect: { state: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, equals: "
+      "none } }\n" );
+
+   EXPECT_EQ( inStep< Story::PublishedChange >( 1 ).at( 0 ).key, "10.0.0.7" );
+   EXPECT_EQ( inStep< Story::PublishedChange >( 2 ).at( 0 ).to, std::nullopt );
+   EXPECT_EQ( inStep< Story::DependencyPointReady >( 3 ).size(), 1U );
+   EXPECT_EQ( held(), std::vector< bool >{ true } );
+}
+
+TEST_F( Agent, ends_at_a_step_that_names_what_is_not_there_with_its_place ) {
+   run(
+      "   - note: first\n"
+      "   - set: { entity: /evpn/status, attribute: segments, key: Ethernet2 }\n"
+      "   - note: never reached\n" );
+
+   EXPECT_EQ( badInput(),
+              "leaf.yaml:22: a Evpn::EvpnStatus has no attribute 'segments'; it has "
+              "segmentStatus" );
+   EXPECT_TRUE( inStep< Story::StepBegins >( 3 ).empty() );
+   EXPECT_TRUE( std::holds_alternative< Story::BadInput >( story.events().back() ) );
+}
+
+TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
+   struct Case {
+      char const * step;
+      char const * refusal;
+   };
+   for ( Case const & one :
+         { Case{ "set: { entity: /evpn/status, attribute: segmentStatus, key: Ether }", "'Ether'" },
+           Case{ "set: { entity: '/lag/config/phyIntf[Ethernet4]', attribute: lag, key: k, value: "
+                 "Port-Channel7 }",
+                 "attribute 'lag' has no keys; leave the key out" },
+           Case{
+              "call: { entity: /plugins/Sample::Mounter, operation: finishInit, arguments: [ 1 ] }",
+              "has no operation 'finishInit' that takes 1 arguments" },
+           Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, value: "
+                 "/lag/config }",
+                 "not a Lag::Config" } } ) {
+      Recorder refused;
+      scenario = Scenario::readText( Switches::leaf( std::string( "   - " ) + one.step + "\n" ),
+                                     "leaf.yaml" );
+      Host::Agent( scenario, { "leaf.yaml", Support::testPlugin( "segment-rules" ), {}, {} },
+                   ring.bytes(), refused )
+         .run();
+
+      auto const told = refused.all< Story::BadInput >();
+      ASSERT_EQ( told.size(), 1U ) << one.step;
+      EXPECT_EQ( told[ 0 ].text.find( "leaf.yaml:21: " ), 0U ) << told[ 0 ].text;
+      EXPECT_NE( told[ 0 ].text.find( one.refusal ), std::string::npos ) << told[ 0 ].text;
+   }
+}
+
+// --- Expectations
+
+TEST_F( Agent, checks_every_kind_of_expectation ) {
+   std::string const expectations =
+      "   - expect:\n"
+      "      - plug-in: ready\n"
+      "      - tcam-groups: [ ingress ]\n"
+      "      - state: { entity: /evpn/status, attribute: segmentStatus, has: Ethernet1 }\n"
+      "      - state: { entity: /evpn/status, attribute: segmentStatus, lacks: Ethernet2 }\n"
+      "      - state: { entity: /shared/vornalCommon, attribute: vornalModId, key: 0, equals: 1 }\n"
+      "      - rules: { group: ingress, count: 1 }\n"
+      "      - rules: { group: egress, unit: 0, count: 0 }\n"
+      "      - trace: { handle: Sample, level: 5, text: Ethernet1, times: 1 }\n"
+      "      - log: { text: SAMPLE_GROUP_FULL, times: 0 }\n";
+   run( "   - ready: subagents::l2Ready\n" + expectations );
+
+   EXPECT_EQ( held(), std::vector< bool >( 9, true ) );
+}
+
+TEST_F( Agent, says_what_was_found_when_an_expectation_does_not_hold ) {
+   run(
+      "   - expect:\n"
+      "      - plug-in: ready\n"
+      "      - tcam-groups: [ ingress ]\n"
+      "      - state: { entity: /evpn/status, attribute: segmentStatus, has: Ethernet2 }\n"
+      "      - state: { entity: /shared/vornalCommon, attribute: vornalModId, key: 0, equals: 2 }\n"
+      "      - state: { entity: /shared/vornalCommon, attribute: vornalModId, key: 5, equals: 2 }\n"
+      "      - state: { entity: '/evpn/status/segmentStatus[Ethernet2]', attribute: remoteTep, "
+      "has: 10.0.0.2 }\n"
+      "      - rules: { group: ingress, count: 1 }\n"
+      "      - log: anything\n" );
+
+   std::vector< std::string > found;
+   for ( auto const & expectation : story.all< Story::ExpectationChecked >() ) {
+      EXPECT_FALSE( expectation.held );
+      found.push_back( expectation.found );
+   }
+   EXPECT_EQ( found, ( std::vector< std::string >{
+                        "it is not ready", "it asked for none", "it has not", "it is 1",
+                        "there is no key 5", "there is no entity at 'segmentStatus[Ethernet2]'",
+                        "there are 0", "it is there 0 times" } ) );
+   EXPECT_EQ( story.all< Story::ExpectationChecked >().at( 0 ).place, "leaf.yaml:22" );
+}
+
+TEST_F( Agent, goes_on_after_an_expectation_that_did_not_hold ) {
+   run(
+      "   - expect: { plug-in: ready }\n"
+      "   - ready: subagents::l2Ready\n"
+      "   - expect: { plug-in: ready }\n" );
+
+   EXPECT_EQ( held(), ( std::vector< bool >{ false, true } ) );
+   EXPECT_TRUE( std::holds_alternative< Story::RunEnds >( story.events().back() ) );
+}
+
+// --- What is asked to be shown, traced
+
+TEST_F( Agent, shows_an_entity_of_the_plug_in_as_it_is_after_the_last_step ) {
+   Host::AgentConfig config;
+   config.show =
+      Scenario::EntityPath::fromString( "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
+   run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
+
+   auto const shown = story.all< Story::EntityShown >();
+   ASSERT_EQ( shown.size(), 1U );
+   EXPECT_EQ( shown[ 0 ].tree.type, "Sample::SegmentRulesWithEgressMaskSm" );
+   EXPECT_EQ( shown[ 0 ].tree.attributes.at( 0 ).items.at( 0 ).entity.at( 0 ).shownAt,
+              "/evpn/status" );
+   EXPECT_EQ( shown[ 0 ].tree.attributes.at( 1 ).items.at( 0 ).key, "Ethernet1" );
+}
+
+TEST_F( Agent, lists_the_paths_at_which_entities_are ) {
+   Host::AgentConfig config;
+   config.show = Host::AgentConfig::Paths{};
+   run( "   - note: nothing\n", "{ ingress: 8 }", config );
+
+   std::vector< std::string > paths;
+   for ( auto const & shown : story.all< Story::EntityShown >() ) {
+      paths.push_back( shown.path );
+   }
+   EXPECT_EQ( paths, ( std::vector< std::string >{
+                        "/bridging/hwcapabilities", "/evpn/status",
+                        "/hardware/vornal/centralStatus/vxlanCapabilities",
+                        "/hardware/vornal/i2eclassid/config/slice/3",
+                        "/hardware/vornal/i2eclassid/status/slice/3",
+                        "/hardware/vornal/vp/status/vornalL3", "/interface/status/eth/vxlan",
+                        "/lag/config", "/plugins/Sample::Mounter", "/shared/tcamManager",
+                        "/shared/vornalAttributes", "/shared/vornalCommon" } ) );
+}
+
+TEST_F( Agent, gives_the_last_word_on_trace_levels_to_who_runs_it ) {
+   Host::AgentConfig config;
+   config.trace = { { "Sample", "8" } };
+   run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
+
+   EXPECT_EQ( inStep< Story::TraceLine >( 0 ).size(), 1U );
+   EXPECT_TRUE( inStep< Story::TraceLine >( 1 ).empty() );
+}
+
+// --- Loading and unloading
+
+TEST_F( Agent, says_why_a_plug_in_cannot_be_loaded ) {
+   Support::Directory const directory;
+   Host::AgentConfig config;
+   config.plugin = directory.file( "text.so", "this is no shared object" );
+   run( "   - note: nothing\n", "{ ingress: 8 }", config );
+
+   EXPECT_NE( badInput().find( "the plug-in cannot be loaded: " ), std::string::npos );
+   EXPECT_NE( badInput().find( "text.so" ), std::string::npos );
+}
+
+TEST_F( Agent, says_that_a_shared_object_without_a_mounter_is_no_plug_in ) {
+   Host::AgentConfig config;
+   config.plugin = Support::testPlugin( "no-mounter" );
+   run( "   - note: nothing\n", "{ ingress: 8 }", config );
+
+   EXPECT_NE( badInput().find( "no-mounter.so registers no mounter" ), std::string::npos );
+}
+
+TEST_F( Agent, leaves_the_rules_in_the_chip_and_nothing_of_its_own_behind ) {
+   run( "   - ready: subagents::l2Ready\n" );
+
+   EXPECT_TRUE( operationsIn( 2 ).empty() );
+   EXPECT_TRUE( std::holds_alternative< Story::RunEnds >( story.events().back() ) );
+   EXPECT_EQ( Shim::sdk_, nullptr );
+   EXPECT_FALSE( Kiv::hasActivityManager() );
+}
+
+TEST_F( Agent, can_run_a_second_time_in_the_same_process ) {
+   run( "   - ready: subagents::l2Ready\n" );
+   std::size_t const events = story.events().size();
+
+   run( "   - ready: subagents::l2Ready\n" );
+
+   EXPECT_EQ( story.events().size(), 2 * events );
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+#include <Story/Codec.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Story::Event;
+
+Story::EntityTree someTree() {
+   Story::EntityTree const segment{ "Evpn::EthernetSegmentStatus", "Ethernet1", "", {} };
+   return {
+      "Evpn::EvpnStatus",
+      "status",
+      "",
+      { { "segmentStatus", Kiv::Attribute::Kind::Members, { { "Ethernet1", "", { segment } } } },
+        { "name", Kiv::Attribute::Kind::Value, { { "", "text", {} } } } }
+   };
+}
+
+Story::Rule someRule() {
+   return { { 1, 157, 9 },
+            "Mark \"this\"",
+            2,
+            true,
+            { { "SrcVxlanGport", { { "", 0x56000002, 0xffffffff } }, {} } },
+            { { "EgressMask", {}, std::vector< U32 >{ 3, 4 } }, { "Drop", {}, {} } } };
+}
+
+// One of every kind, with every field set to something that is not its default.
+std::vector< Event > oneOfEach() {
+   return { Story::RunBegins{ "s.yaml", "title", "what it is", 3 },
+            Story::StepBegins{ Story::StepKind::Teardown, 4, "text", "s.yaml:7" },
+            Story::StepEnds{ 4 },
+            Story::RunEnds{ 1'000'000'000'000 },
+            Story::BadInput{ "s.yaml:7: wrong" },
+            Story::PluginLoaded{ "p.so", { "A", "B" } },
+            Story::MountAsked{ "evpn/status", "Evpn::EvpnStatus", "wc" },
+            Story::MountsDone{ "A", "partial", { "problem" } },
+            Story::EntityLookedUp{ "evpn/status", "Evpn::EvpnStatus" },
+            Story::SharedEntityAsked{ "vornalCommon", "Vornal::VornalCommonSmData" },
+            Story::TcamGroupAsked{ 157, true },
+            Story::VariantChosen{ "class-id", "T" },
+            Story::DependencyPointReady{ "evpn", true },
+            Story::PublishedChange{ "/p", "a", "k", "1", "2" },
+            Story::HardwareCall{ "installEntry",
+                                 "call( unit )",
+                                 1,
+                                 2,
+                                 { { "group", U64{ 157 } },
+                                   { "name", std::string( "n" ) },
+                                   { "ports", std::vector< U32 >{ 1, 300 } } },
+                                 -2 },
+            Story::RuleIs{ someRule() },
+            Story::RuleGone{ { 1, 157, 9 } },
+            Story::TraceLine{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
+            Story::LogLine{ "NAME", "%VORNAL-3-NAME: text" },
+            Story::ExpectationChecked{ "text", "s.yaml:8", true, "found" },
+            Story::EntityShown{ "/evpn/status", someTree() },
+            Story::OutputLine{ "text" },
+            Story::Stopped{ "signal 6",
+                            Story::Assertion{ "f.cpp", 12, "void f()", "a == b" },
+                            { "last" },
+                            { { "h", 2, "t" } } } };
+}
+
+TEST( Codec, has_an_example_of_every_event ) {
+   auto const events = oneOfEach();
+   ASSERT_EQ( events.size(), std::variant_size_v< Event > );
+   for ( std::size_t n = 0; n < events.size(); ++n ) {
+      EXPECT_EQ( events[ n ].index(), n );
+   }
+}
+
+TEST( Codec, reads_back_what_it_writes_for_every_event ) {
+   for ( Event const & event : oneOfEach() ) {
+      std::string const line = Story::encoded( event );
+      Event const read = Story::decoded( line );
+
+      EXPECT_EQ( read.index(), event.index() ) << line;
+      EXPECT_EQ( Story::encoded( read ), line );
+   }
+}
+
+TEST( Codec, keeps_every_field_of_a_rule_and_of_a_call ) {
+   EXPECT_EQ( std::get< Story::RuleIs >(
+                 Story::decoded( Story::encoded( Story::RuleIs{ someRule() } ) ) )
+                 .rule,
+              someRule() );
+
+   auto const call =
+      std::get< Story::HardwareCall >( Story::decoded( Story::encoded( oneOfEach().at( 14 ) ) ) );
+   EXPECT_EQ( std::get< U64 >( call.values.at( 0 ).value ), 157U );
+   EXPECT_EQ( std::get< std::string >( call.values.at( 1 ).value ), "n" );
+   EXPECT_EQ( std::get< std::vector< U32 > >( call.values.at( 2 ).value ).back(), 300U );
+   EXPECT_EQ( call.returnCode, -2 );
+}
+
+TEST( Codec, keeps_absent_values_apart_from_empty_ones ) {
+   Event const gone = Story::PublishedChange{ "/p", "a", "k", "", std::nullopt };
+
+   auto const read = std::get< Story::PublishedChange >( Story::decoded( Story::encoded( gone ) ) );
+
+   EXPECT_EQ( read.from, "" );
+   EXPECT_EQ( read.to, std::nullopt );
+}
+
+TEST( Codec, writes_one_line_and_replaces_what_is_not_utf_8 ) {
+   std::string const line = Story::encoded( Story::OutputLine{ "a\nb\xff" } );
+
+   EXPECT_EQ( line.find( '\n' ), std::string::npos );
+   EXPECT_EQ( std::get< Story::OutputLine >( Story::decoded( line ) ).text, "a\nb\xef\xbf\xbd" );
+}
+
+TEST( Codec, refuses_what_is_no_event ) {
+   for ( char const * const line :
+         { "", "{", "{}", R"({"event":"surprise"})", R"({"event":"stepEnds"})",
+           R"({"event":"stepEnds","number":"x"})" } ) {
+      EXPECT_THROW( Story::decoded( line ), std::exception ) << line;
+   }
+}
+
+}  // namespace

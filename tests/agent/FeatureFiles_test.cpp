@@ -1,0 +1,137 @@
+#include <FeatureFiles/Reader.h>
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string const kToggle = "SbdEvpnTcamOverrideRule";
+std::string const kFile = "VornalL3.json";
+
+// A directory of feature files, and what the reader reports about them.
+class FeatureFilesReader : public testing::Test {
+ protected:
+   FeatureFilesReader() { fs::create_directories( directory_ ); }
+   ~FeatureFilesReader() override { fs::remove_all( directory_ ); }
+
+   void fileIs( std::string const & text ) { std::ofstream( directory_ / kFile ) << text; }
+
+   // What is wrong with the text, as the reader reports it; and it must read as if it were not
+   // there.
+   std::string damageOf( std::string const & text ) {
+      fileIs( text );
+      FeatureFiles::Reader fresh( directory_, report_ );
+      EXPECT_TRUE( fresh.isEnabled( kToggle, kFile, true ) );
+      EXPECT_FALSE( fresh.isEnabled( kToggle, kFile, false ) );
+      EXPECT_EQ( reported_.size(), 1U );
+      std::string const line = reported_.empty() ? "" : reported_.back();
+      reported_.clear();
+      return line;
+   }
+
+   // The report about damage in a line.
+   std::string reportOf( int line, std::string const & what ) const {
+      return ( directory_ / kFile ).string() + ':' + std::to_string( line ) + ": " + what +
+             "; an object of booleans is expected, as in { \"SbdEvpnTcamOverrideRule\": false }; "
+             "until "
+             "then its toggles have their defaults";
+   }
+
+   fs::path const directory_ =
+      fs::path( testing::TempDir() ) / ( "feature-files-" + std::to_string( getpid() ) );
+   std::vector< std::string > reported_;
+   FeatureFiles::Reader::Report const report_ = [ this ]( std::string const & line ) {
+      reported_.push_back( line );
+   };
+   FeatureFiles::Reader reader_{ directory_, report_ };
+};
+
+TEST_F( FeatureFilesReader, GiveATogglesValue ) {
+   fileIs( R"({ "SbdEvpnTcamOverrideRule": false, "Other": true })" );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );
+   EXPECT_TRUE( reader_.isEnabled( "Other", kFile, false ) );
+   EXPECT_TRUE( reported_.empty() );
+}
+
+TEST_F( FeatureFilesReader, GiveTheDefaultWhereThereIsNoFile ) {
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, false ) );
+   EXPECT_TRUE( reported_.empty() );
+}
+
+TEST_F( FeatureFilesReader, GiveTheDefaultWhereThereIsNoDirectory ) {
+   FeatureFiles::Reader nowhere( directory_ / "nowhere", report_ );
+   EXPECT_TRUE( nowhere.isEnabled( kToggle, kFile, true ) );
+   EXPECT_TRUE( reported_.empty() );
+}
+
+TEST_F( FeatureFilesReader, GiveTheDefaultForAToggleThatAFileDoesNotName ) {
+   fileIs( R"({ "Other": false })" );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, false ) );
+   EXPECT_TRUE( reported_.empty() );
+}
+
+TEST_F( FeatureFilesReader, AreKeptApart ) {
+   fileIs( R"({ "SbdEvpnTcamOverrideRule": false })" );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, "VornalL2.json", true ) );
+}
+
+TEST_F( FeatureFilesReader, CountAsTheyWereWhenFirstAskedFor ) {
+   fileIs( R"({ "SbdEvpnTcamOverrideRule": false })" );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );
+   fileIs( R"({ "SbdEvpnTcamOverrideRule": true })" );
+   EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );
+}
+
+TEST_F( FeatureFilesReader, ServeTheFacilityOfTheProcess ) {
+   fileIs( R"({ "SbdEvpnTcamOverrideRule": false })" );
+   FeatureToggle::facilityIs( &reader_ );
+   EXPECT_FALSE( FeatureToggle::isEnabled( kToggle, kFile, true ) );
+   FeatureToggle::facilityIs( nullptr );
+}
+
+TEST_F( FeatureFilesReader, AreReportedOnceWhenTheyAreNoJson ) {
+   EXPECT_EQ( damageOf( "{\n  \"SbdEvpnTcamOverrideRule\": false,\n}\n" ),
+              reportOf( 3, "this is not JSON" ) );
+   EXPECT_EQ( damageOf( "{ \"SbdEvpnTcamOverrideRule\": fal" ), reportOf( 1, "this is not JSON" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyAreEmpty ) {
+   EXPECT_EQ( damageOf( "" ), reportOf( 1, "the file cannot be read or is empty" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyAreNoObject ) {
+   EXPECT_EQ( damageOf( "[ true ]" ), reportOf( 1, "this is of type array" ) );
+   EXPECT_EQ( damageOf( "null" ), reportOf( 1, "this is of type null" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenAnyToggleIsNoBoolean ) {
+   EXPECT_EQ( damageOf( "{\n  \"SbdEvpnTcamOverrideRule\": false,\n  \"Other\": \"no\"\n}\n" ),
+              reportOf( 3, "'Other' is of type string" ) );
+   EXPECT_EQ( damageOf( R"({ "SbdEvpnTcamOverrideRule": 0 })" ),
+              reportOf( 1, "'SbdEvpnTcamOverrideRule' is of type number" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyAreDirectories ) {
+   fs::create_directory( directory_ / kFile );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   ASSERT_EQ( reported_.size(), 1U );
+   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "the file cannot be read or is empty" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedOnStandardErrorUnlessItIsSaidWhere ) {
+   fileIs( "[]" );
+   FeatureFiles::Reader plain( directory_ );
+   testing::internal::CaptureStderr();
+   EXPECT_TRUE( plain.isEnabled( kToggle, kFile, true ) );
+   EXPECT_EQ( testing::internal::GetCapturedStderr(),
+              reportOf( 1, "this is of type array" ) + '\n' );
+}
+
+}  // namespace

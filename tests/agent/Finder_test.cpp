@@ -1,0 +1,91 @@
+#include <StateDatabase/Finder.h>
+
+#include <gtest/gtest.h>
+
+#include <Evpn/EvpnStatus.h>
+#include <Quelm/Error.h>
+#include <Support.h>
+#include <Vornal/VornalCommonSmData.h>
+
+namespace {
+
+using Scenario::EntityPath;
+
+// A database with a segment on Port-Channel2, and the agent's shared data.
+class Finder : public testing::Test {
+ protected:
+   Finder() {
+      auto const status = Quelm::make< Evpn::EvpnStatus >( "status" );
+      segment = status->segmentStatusIs( Pelk::IntfId::fromString( "Port-Channel2" ) );
+      database.entityIs( "evpn/status", status );
+      common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
+      common->sliceDependencyPointsIs( Quelm::make< Vornal::VornalSliceDependencyPoints >() );
+      own.entityIs( "shared/vornalCommon", common );
+   }
+
+   Quelm::Ptr< Kiv::Entity > find( char const * path ) const {
+      return finder.entity( EntityPath::fromString( path ) );
+   }
+   std::string refusalOf( char const * path ) const {
+      try {
+         find( path );
+      } catch ( Quelm::AccessError const & error ) {
+         return error.what();
+      }
+      return "found";
+   }
+
+   StateDatabase::Directory database;
+   StateDatabase::Directory own;
+   Quelm::Ptr< Evpn::EthernetSegmentStatus > segment;
+   Quelm::Ptr< Vornal::VornalCommonSmData > common;
+   StateDatabase::Finder finder{ { &database, &own } };
+};
+
+TEST_F( Finder, finds_what_is_mounted_and_what_is_shared ) {
+   EXPECT_EQ( find( "/evpn/status" ), database.entity( "evpn/status" ) );
+   EXPECT_EQ( find( "/shared/vornalCommon" ), common );
+}
+
+TEST_F( Finder, follows_a_collection_of_entities_by_key_and_a_reference_by_name ) {
+   EXPECT_EQ( find( "/evpn/status/segmentStatus[Port-Channel2]" ), segment );
+   EXPECT_EQ( find( "/shared/vornalCommon/sliceDependencyPoints/evpnDependencyPoint" ),
+              common->sliceDependencyPoints()->evpnDependencyPoint() );
+}
+
+TEST_F( Finder, takes_the_longest_beginning_that_is_there ) {
+   auto const inner = database.entityNew( "evpn/status/segmentStatus", "Lag::Config" );
+
+   EXPECT_EQ( find( "/evpn/status/segmentStatus" ), inner );
+   EXPECT_EQ( find( "/evpn/status/segmentStatus[Port-Channel2]" ), segment );
+}
+
+TEST_F( Finder, lists_the_beginnings_when_a_path_has_none_of_them ) {
+   EXPECT_EQ( refusalOf( "/evpn/statsu" ),
+              "there is no entity at '/evpn/statsu'; paths begin with one of\n"
+              "   /evpn/status\n"
+              "   /shared/vornalCommon" );
+}
+
+TEST_F( Finder, says_which_attributes_there_are_when_one_does_not_exist ) {
+   EXPECT_EQ( refusalOf( "/evpn/status/segments" ),
+              "a Evpn::EvpnStatus has no attribute 'segments'; it has segmentStatus" );
+}
+
+TEST_F( Finder, says_whether_a_key_is_needed ) {
+   EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus" ),
+              "attribute 'segmentStatus' needs a key in brackets" );
+   EXPECT_EQ( refusalOf( "/shared/vornalCommon/sliceDependencyPoints[1]" ),
+              "attribute 'sliceDependencyPoints' takes no key" );
+}
+
+TEST_F( Finder, says_where_a_path_leads_nowhere ) {
+   EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
+              "there is no entity at 'segmentStatus[Port-Channel3]'" );
+}
+
+TEST_F( Finder, goes_through_attributes_that_lead_to_entities_only ) {
+   EXPECT_THROW( find( "/shared/vornalCommon/vornalModId/more" ), Quelm::AccessError );
+}
+
+}  // namespace

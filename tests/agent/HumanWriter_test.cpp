@@ -1,0 +1,170 @@
+#include <Story/HumanWriter.h>
+
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include <Stories.h>
+#include <Support.h>
+
+namespace {
+
+using namespace Stories;
+
+class HumanWriter : public testing::Test {
+ protected:
+   // What is printed for these events.
+   std::string told( std::vector< Story::Event > const & events ) {
+      out.str( "" );
+      tell( writer, events );
+      return out.str();
+   }
+
+   std::ostringstream out;
+   Story::HumanWriter writer{ out, Story::Style( false ) };
+};
+
+TEST_F( HumanWriter, tells_start_up_line_by_line ) {
+   EXPECT_EQ( told( startUp() ),
+              "start-up (start-up.yaml)\n"
+              "A leaf comes up.\n"
+              "Published before the plug-in is loaded: 1 change of the state database and the "
+              "agent's shared state.\n"
+              "\n"
+              "start-up: the plug-in is loaded\n"
+              "   plug-in VornalEvpn.so loaded, it offers Vornal::VornalEvpnMounter\n"
+              "   mounts evpn/status as Evpn::EvpnStatus, to read\n"
+              "   mounts class/ids as Class::Ids, to write\n"
+              "   mounts complete\n"
+              "   takes evpn/status (Evpn::EvpnStatus)\n"
+              "   looks up nothing: nobody publishes it\n"
+              "   takes the agent's \"vornalCommon\" (Vornal::VornalCommonSmData)\n" );
+}
+
+TEST_F( HumanWriter, tells_a_step_and_the_rules_that_it_leads_to ) {
+   told( startUp() );
+
+   EXPECT_EQ( told( readyStep() ),
+              "\n"
+              "step 1: ready subagents::l2Ready\n"
+              "   dependency point \"subagents::l2Ready\" is ready\n"
+              "   asks for TCAM ingress group 157\n"
+              "   variant egress-mask: Vornal::WithEgressMaskSm\n"
+              "   marks its own dependency point \"evpn\" as ready\n"
+              "   rule added: unit 0, ingress group 157, entry 1, \"Mark or drop\"\n"
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does EgressMask "
+              "ports 3, 4; "
+              "priority 1\n"
+              "   rule added: unit 0, ingress group 157, entry 2, \"Mark or drop\"\n"
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does EgressMask "
+              "ports 3, 4; "
+              "priority 1; staged only, not written to the chip\n" );
+}
+
+TEST_F( HumanWriter, tells_what_changed_in_a_rule_and_which_was_removed ) {
+   told( readyStep() );
+   Story::Rule changed = rule( 1 );
+   changed.actions.clear();
+   changed.priority.reset();
+
+   std::string const text = told( { step( 2, "withdraw it" ), Story::RuleIs{ changed },
+                                    Story::RuleGone{ rule( 2 ).key }, Story::StepEnds{ 2 } } );
+
+   EXPECT_EQ( text,
+              "\n"
+              "step 2: withdraw it\n"
+              "   rule changed: unit 0, ingress group 157, entry 1, \"Mark or drop\"\n"
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does nothing; the "
+              "group's default priority\n"
+              "      before: matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does "
+              "EgressMask ports 3, 4; priority 1\n"
+              "   rule removed: unit 0, ingress group 157, entry 2, \"Mark or drop\"\n" );
+}
+
+TEST_F( HumanWriter, tells_what_the_plug_in_writes_and_leaves_out_what_the_step_says_itself ) {
+   told( startUp() );
+
+   std::string const text =
+      told( { step( 1 ), Story::PublishedChange{ "/evpn/status", "a", "b", {}, "true" },
+              Story::PublishedChange{ "/class/ids", "peer", "10.0.0.2", {}, "true" },
+              Story::PublishedChange{ "/class/ids", "peer", "10.0.0.2", "true", {} },
+              Story::StepEnds{ 1 } } );
+
+   EXPECT_EQ( text,
+              "\n"
+              "step 1: ready subagents::l2Ready\n"
+              "   writes /class/ids/peer[10.0.0.2]: true\n"
+              "   deletes /class/ids/peer[10.0.0.2]\n" );
+}
+
+TEST_F( HumanWriter, shows_traces_log_lines_and_what_was_printed ) {
+   EXPECT_EQ( told( { Story::TraceLine{ "VornalEvpnSm", 5, "add, unit: 0" },
+                      Story::LogLine{ "FULL", "%VORNAL-3-FULL: no room" },
+                      Story::OutputLine{ "hello" } } ),
+              "   trace VornalEvpnSm 5: add, unit: 0\n"
+              "   log %VORNAL-3-FULL: no room\n"
+              "   printed: hello\n" );
+}
+
+TEST_F( HumanWriter, is_brief_about_expectations_that_held_and_says_what_was_found_otherwise ) {
+   std::string const text =
+      told( { step( 2, "expect plug-in ready" ), expectation( true ), Story::StepEnds{ 2 },
+              step( 3, "expect both" ), expectation( true ), expectation( false ),
+              Story::StepEnds{ 3 } } );
+
+   EXPECT_EQ( text,
+              "\n"
+              "step 2: expect plug-in ready\n"
+              "   as expected\n"
+              "\n"
+              "step 3: expect both\n"
+              "   NOT as expected: plug-in ready; it is not ready (start-up.yaml:14)\n"
+              "   the rest is as expected\n" );
+}
+
+TEST_F( HumanWriter, ends_with_one_verdict ) {
+   EXPECT_EQ( told( { Story::RunEnds{} } ), "\nCOMPLETED; 0 rules in the chip at the end.\n" );
+   EXPECT_EQ( told( { expectation( true ), Story::RunEnds{} } ),
+              "\nPASSED: 1 expectation held; 0 rules in the chip at the end.\n" );
+   EXPECT_EQ( told( { expectation( false ), Story::RuleIs{ rule( 1 ) }, Story::RunEnds{} } ),
+              "   NOT as expected: plug-in ready; it is not ready (start-up.yaml:14)\n"
+              "\nFAILED: 1 of 2 expectations did not hold; 1 rule in the chip at the end.\n" );
+}
+
+TEST_F( HumanWriter, says_in_which_step_the_plug_in_stopped_and_what_its_last_words_were ) {
+   told( readyStep() );
+
+   EXPECT_EQ( told( { step( 2, "publish segment Port-Channel3" ), stopped() } ),
+              "\n"
+              "step 2: publish segment Port-Channel3\n"
+              "\n"
+              "STOPPED in step 2: the process of the plug-in ended with signal 6 (Aborted).\n"
+              "   assertion  count < 2\n"
+              "   at         Sm.cpp:117\n"
+              "   in         void Vornal::Sm::add()\n"
+              "The last lines of its trace ring:\n"
+              "   VornalEvpnSm 5: add, unit: 0\n"
+              "The last lines that it printed:\n"
+              "   Sm.cpp:117: void Vornal::Sm::add(): Assertion 'count < 2' failed.\n" );
+}
+
+TEST_F( HumanWriter, shows_a_half_built_rule_when_the_plug_in_stops_in_the_middle_of_it ) {
+   std::string const text = told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
+
+   EXPECT_NE( text.find( "rule added: unit 0, ingress group 157, entry 7" ), std::string::npos );
+   EXPECT_NE( text.find( "staged only, not written to the chip" ), std::string::npos );
+}
+
+TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
+   std::ostringstream plain;
+   Story::HumanWriter onFile( plain, Story::Style( false ) );
+   tell( onFile, { step( 1 ), expectation( false ), Story::StepEnds{ 1 }, Story::RunEnds{} } );
+   std::ostringstream coloured;
+   Story::HumanWriter onTerminal( coloured, Story::Style( true ) );
+   tell( onTerminal, { step( 1 ), expectation( false ), Story::StepEnds{ 1 }, Story::RunEnds{} } );
+
+   EXPECT_EQ( Support::timesIn( plain.str(), "\x1b[" ), 0U );
+   EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1;31m" ), 2U );
+}
+
+}  // namespace

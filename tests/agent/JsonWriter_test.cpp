@@ -1,0 +1,224 @@
+#include <Story/JsonWriter.h>
+
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include <Stories.h>
+#include <Story/JsonForms.h>
+
+namespace {
+
+using namespace Stories;
+using Json = nlohmann::ordered_json;
+
+// The document of a run that these events make up.
+Json documentOf( std::initializer_list< std::vector< Story::Event > > parts ) {
+   Story::JsonWriter writer;
+   for ( auto const & events : parts ) {
+      tell( writer, events );
+   }
+   std::ostringstream out;
+   writer.write( out );
+   return Json::parse( out.str() );
+}
+
+std::vector< std::string > namesIn( Json const & object ) {
+   std::vector< std::string > names;
+   for ( auto const & [ name, unused ] : object.items() ) {
+      names.push_back( name );
+   }
+   return names;
+}
+
+using Names = std::vector< std::string >;
+
+TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
+   Json const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
+
+   EXPECT_EQ( namesIn( document ),
+              ( Names{ "scenario", "file", "variant", "end", "assertion", "step", "stop", "plugin",
+                       "steps", "rules", "frames", "log", "counters" } ) );
+   EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
+              ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
+                       "rulesChanged", "rulesRemoved", "log", "traces", "frames",
+                       "expectations" } ) );
+   EXPECT_EQ( namesIn( document[ "rules" ][ 0 ] ),
+              ( Names{ "unit", "group", "id", "name", "priority", "written", "qualifiers",
+                       "actions" } ) );
+   EXPECT_EQ( namesIn( document[ "steps" ][ 1 ][ "hardwareCalls" ][ 0 ] ),
+              ( Names{ "operation", "call", "unit", "entry", "values", "returnCode" } ) );
+   EXPECT_EQ( namesIn( document[ "plugin" ] ),
+              ( Names{ "file", "mounters", "mounts", "mountStatus", "mountProblems", "lookups",
+                       "sharedEntities", "tcamGroups", "ready" } ) );
+}
+
+TEST( JsonWriter, has_the_same_names_when_nothing_happened ) {
+   EXPECT_EQ( namesIn( documentOf( {} ) ),
+              namesIn( documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } ) ) );
+}
+
+TEST( JsonWriter, tells_what_the_plug_in_asked_for ) {
+   Json const plugin = documentOf( { startUp(), readyStep() } )[ "plugin" ];
+
+   EXPECT_EQ( plugin[ "file" ], "VornalEvpn.so" );
+   EXPECT_EQ( plugin[ "mounters" ], Json::array( { "Vornal::VornalEvpnMounter" } ) );
+   EXPECT_EQ( plugin[ "mounts" ][ 1 ],
+              Json::object(
+                 { { "path", "class/ids" }, { "type", "Class::Ids" }, { "flags", "wc" } } ) );
+   EXPECT_EQ( plugin[ "mountStatus" ], "complete" );
+   EXPECT_EQ( plugin[ "lookups" ][ 0 ][ "type" ], "Evpn::EvpnStatus" );
+   EXPECT_EQ( plugin[ "lookups" ][ 1 ][ "type" ], nullptr );
+   EXPECT_EQ( plugin[ "sharedEntities" ][ 0 ][ "name" ], "vornalCommon" );
+   EXPECT_EQ( plugin[ "tcamGroups" ], Json::array( { 157 } ) );
+   EXPECT_EQ( plugin[ "ready" ], true );
+}
+
+TEST( JsonWriter, tells_of_each_step_the_calls_and_rules_that_it_caused ) {
+   Json const steps = documentOf( { startUp(), readyStep() } )[ "steps" ];
+
+   ASSERT_EQ( steps.size(), 2U );
+   EXPECT_EQ( steps[ 0 ][ "number" ], 0 );
+   EXPECT_EQ( steps[ 0 ][ "place" ], nullptr );
+   EXPECT_TRUE( steps[ 0 ][ "hardwareCalls" ].empty() );
+
+   EXPECT_EQ( steps[ 1 ][ "text" ], "ready subagents::l2Ready" );
+   EXPECT_EQ( steps[ 1 ][ "place" ], "start-up.yaml:12" );
+   Json const & calls = steps[ 1 ][ "hardwareCalls" ];
+   EXPECT_EQ( calls[ 0 ][ "operation" ], "getEntry" );
+   EXPECT_EQ( calls[ 0 ][ "call" ], nullptr );
+   EXPECT_EQ( calls[ 0 ][ "values" ], Json::object( { { "group", 157 } } ) );
+   EXPECT_EQ( calls[ 0 ][ "returnCode" ], nullptr );
+   EXPECT_EQ( calls[ 1 ][ "call" ], "call( unit )" );
+   EXPECT_EQ( calls[ 1 ][ "returnCode" ], -2 );
+   EXPECT_EQ( steps[ 1 ][ "rulesAdded" ].size(), 2U );
+   EXPECT_TRUE( steps[ 1 ][ "rulesChanged" ].empty() );
+}
+
+TEST( JsonWriter, tells_of_a_changed_rule_what_it_was_and_what_it_is ) {
+   Json const step =
+      documentOf( { readyStep(),
+                    { Stories::step( 2 ), Story::RuleIs{ rule( 2, true ) },
+                      Story::RuleGone{ rule( 1 ).key }, Story::StepEnds{ 2 } } } )[ "steps" ][ 1 ];
+
+   EXPECT_EQ( step[ "rulesChanged" ][ 0 ][ "before" ][ "written" ], false );
+   EXPECT_EQ( step[ "rulesChanged" ][ 0 ][ "after" ][ "written" ], true );
+   EXPECT_EQ( step[ "rulesRemoved" ][ 0 ][ "id" ], 1 );
+}
+
+TEST( JsonWriter, has_the_rules_at_the_end_with_data_mask_and_ports ) {
+   Json const rules = documentOf( { readyStep() } )[ "rules" ];
+
+   ASSERT_EQ( rules.size(), 2U );
+   EXPECT_EQ( rules[ 0 ],
+              Json::parse( R"({ "unit": 0, "group": 157, "id": 1, "name": "Mark or drop",
+                    "priority": 1, "written": true,
+                    "qualifiers": { "SrcVxlanGport": { "data": 1442840578, "mask": 4294967295 },
+                                    "PacketRes": { "data": 4, "mask": 255 } },
+                    "actions": { "EgressMask": { "ports": [ 3, 4 ] } } })" ) );
+}
+
+TEST( JsonWriter, tells_the_parts_of_a_port_apart_and_null_for_the_default_priority ) {
+   Story::Rule drop = rule( 3 );
+   drop.priority.reset();
+   drop.qualifiers = { { "DstPort", { { "modId", 1, 255 }, { "port", 5, 255 } }, {} } };
+   drop.actions = { { "Drop", {}, {} } };
+
+   Json const json = jsonOf( drop );
+
+   EXPECT_EQ( json[ "priority" ], nullptr );
+   EXPECT_EQ( json[ "qualifiers" ][ "DstPort" ],
+              Json::parse( R"({ "modId": { "data": 1, "mask": 255 },
+                                "port": { "data": 5, "mask": 255 } })" ) );
+   EXPECT_EQ( json[ "actions" ][ "Drop" ], Json::object() );
+}
+
+TEST( JsonWriter, says_how_the_run_ended ) {
+   EXPECT_EQ( documentOf( { { expectation( true ), Story::RunEnds{} } } )[ "end" ], "completed" );
+}
+
+TEST( JsonWriter, says_which_expectation_failed_and_what_was_found ) {
+   Json const document = documentOf( { { step( 1 ), expectation( true ), expectation( false ),
+                                         Story::StepEnds{ 1 }, Story::RunEnds{} } } );
+
+   EXPECT_EQ( document[ "end" ], "expectation-failed" );
+   EXPECT_EQ( document[ "steps" ][ 0 ][ "expectations" ], Json::parse( R"([
+                 { "text": "plug-in ready", "place": "start-up.yaml:14", "held": true, "found": null },
+                 { "text": "plug-in ready", "place": "start-up.yaml:14", "held": false,
+                   "found": "it is not ready" } ])" ) );
+}
+
+TEST( JsonWriter, says_where_and_why_the_plug_in_stopped ) {
+   Json const document = documentOf(
+      { startUp(), readyStep(), { step( 2 ), Story::RuleIs{ rule( 9, false ) }, stopped() } } );
+
+   EXPECT_EQ( document[ "end" ], "stopped" );
+   EXPECT_EQ( document[ "step" ], 2 );
+   EXPECT_EQ( document[ "assertion" ], Json::object( { { "file", "Sm.cpp" },
+                                                       { "line", 117 },
+                                                       { "function", "void Vornal::Sm::add()" },
+                                                       { "expression", "count < 2" } } ) );
+   EXPECT_EQ( document[ "stop" ][ "reason" ], "signal 6 (Aborted)" );
+   EXPECT_EQ( document[ "stop" ][ "output" ].size(), 1U );
+   EXPECT_EQ( document[ "stop" ][ "traces" ][ 0 ][ "handle" ], "VornalEvpnSm" );
+   EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ][ 0 ][ "id" ], 9 );
+}
+
+TEST( JsonWriter, can_tell_of_a_stop_before_the_first_step ) {
+   Json const document = documentOf( { { stopped() } } );
+
+   EXPECT_EQ( document[ "end" ], "stopped" );
+   EXPECT_EQ( document[ "step" ], nullptr );
+}
+
+TEST( JsonWriter, counts ) {
+   Json const counters = documentOf(
+      { startUp(),
+        readyStep(),
+        { step( 2 ), Story::LogLine{ "FULL", "%VORNAL-3-FULL: no room" },
+          Story::TraceLine{ "h", 1, "t" }, expectation( false ), Story::RuleGone{ rule( 1 ).key },
+          Story::StepEnds{ 2 }, Story::RunEnds{} } } )[ "counters" ];
+
+   EXPECT_EQ( counters, Json::parse( R"({ "steps": 3, "publishedChanges": 1, "hardwareCalls": 2,
+                 "failedCalls": 1, "rulesAdded": 2, "rulesChanged": 0, "rulesRemoved": 1,
+                 "logLines": 1, "traceLines": 1, "frames": 0, "expectations": 1,
+                 "expectationsFailed": 1 })" ) );
+}
+
+TEST( JsonWriter, tells_log_lines_with_their_step ) {
+   Json const document = documentOf(
+      { { step( 4 ), Story::LogLine{ "FULL", "%VORNAL-3-FULL: x" }, Story::StepEnds{ 4 } } } );
+
+   EXPECT_EQ( document[ "log" ],
+              Json::parse( R"([ { "step": 4, "name": "FULL", "line": "%VORNAL-3-FULL: x" } ])" ) );
+   EXPECT_EQ( document[ "steps" ][ 0 ][ "log" ], Json::array( { "%VORNAL-3-FULL: x" } ) );
+}
+
+TEST( JsonForms, show_an_entity_with_its_attributes_by_name ) {
+   using Kind = Kiv::Attribute::Kind;
+   Story::EntityTree const segment{
+      "S", "Ethernet1", "", { { "remoteTep", Kind::Set, { { "10.0.0.2", "", {} } } } }
+   };
+   Story::EntityTree const elsewhere{ "T", "t", "/t", {} };
+   Story::EntityTree const tree{
+      "E",
+      "status",
+      "",
+      { { "segment", Kind::Members, { { "Ethernet1", "", { segment } } } },
+        { "count", Kind::Value, { { "", "7", {} } } },
+        { "byKey", Kind::Collection, { { "k", "v", {} } } },
+        { "reference", Kind::Reference, { { "", "", { elsewhere } } } },
+        { "empty", Kind::Reference, { { "", "", {} } } } }
+   };
+
+   EXPECT_EQ( jsonOf( tree ), Json::parse( R"({
+      "type": "E", "identity": "status", "attributes": {
+         "segment": { "Ethernet1": { "type": "S", "identity": "Ethernet1",
+                                     "attributes": { "remoteTep": [ "10.0.0.2" ] } } },
+         "count": "7",
+         "byKey": { "k": "v" },
+         "reference": { "type": "T", "identity": "t", "shownAt": "/t" },
+         "empty": null } })" ) );
+}
+
+}  // namespace

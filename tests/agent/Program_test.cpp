@@ -1,0 +1,324 @@
+// The program as its user calls it.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <Support.h>
+#include <Switches.h>
+
+namespace {
+
+using Json = nlohmann::json;
+
+class Program : public testing::Test {
+ protected:
+   // Runs a scenario of these steps with the sample plug-in.
+   Support::Ran run( std::string const & steps, std::vector< std::string > const & more = {} ) {
+      return command( { "run" }, steps, more );
+   }
+
+   Support::Ran command( std::vector< std::string > words, std::string const & steps,
+                         std::vector< std::string > const & more = {} ) {
+      words.push_back( directory.file( "leaf.yaml", Switches::leaf( steps ) ) );
+      words.insert( words.end(), more.begin(), more.end() );
+      words.insert( words.end(), { "--plugin", Support::testPlugin( "segment-rules" ) } );
+      return Support::vornal( words );
+   }
+
+   std::string scenario() const { return directory.path() / "leaf.yaml"; }
+
+   Support::Directory directory;
+};
+
+bool contains( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+std::string const ready = "   - ready: subagents::l2Ready\n";
+// The plug-in has room for two segments.
+std::string const stop = ready +
+                         "   - publish: { segments: { Ethernet2: [] } }\n"
+                         "   - publish: { segments: { Ethernet3: [] } }\n"
+                         "   - note: never reached\n";
+
+// --- Exit codes
+
+TEST_F( Program, exits_with_0_when_all_held ) {
+   auto const ran = run( ready + "   - expect: { plug-in: ready }\n" );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+   EXPECT_TRUE( contains( ran.out, "PASSED: 1 expectation held; 1 rule in the chip" ) ) << ran.out;
+   EXPECT_EQ( ran.err, "" );
+}
+
+TEST_F( Program, exits_with_1_when_an_expectation_failed ) {
+   auto const ran = run( "   - expect: { plug-in: ready }\n" );
+
+   EXPECT_EQ( ran.exitCode, 1 );
+   EXPECT_TRUE( contains( ran.out, "NOT as expected: plug-in ready; it is not ready (" +
+                                      scenario() + ":21)" ) )
+      << ran.out;
+   EXPECT_TRUE( contains( ran.out, "FAILED: 1 of 1 expectation did not hold" ) ) << ran.out;
+}
+
+TEST_F( Program, exits_with_2_and_the_place_when_the_scenario_is_wrong_before_anything_is_loaded ) {
+   auto const ran = run( "   - raedy: subagents::l2Ready\n" );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_EQ( ran.err.find( scenario() + ":21: " ), 0U ) << ran.err;
+}
+
+TEST_F( Program, exits_with_2_when_there_is_no_such_scenario_or_plug_in ) {
+   auto const noScenario = Support::vornal( { "run", "/nowhere/leaf.yaml" } );
+   EXPECT_EQ( noScenario.exitCode, 2 );
+   EXPECT_TRUE( contains( noScenario.err, "/nowhere/leaf.yaml" ) );
+
+   auto const noPlugin =
+      Support::vornal( { "run", directory.file( "leaf.yaml", Switches::leaf( ready ) ), "--plugin",
+                         "/nowhere/plug-in.so" } );
+   EXPECT_EQ( noPlugin.exitCode, 2 );
+   EXPECT_EQ( noPlugin.out, "" );
+   EXPECT_TRUE( contains( noPlugin.err, "/nowhere/plug-in.so: there is no such file" ) );
+}
+
+TEST_F( Program, exits_with_2_when_a_step_names_an_attribute_that_does_not_exist ) {
+   auto const ran =
+      run( "   - set: { entity: /lag/config, attribute: lags, value: 1 }\n", { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_EQ( ran.err,
+              scenario() + ":21: a Lag::Config has no attribute 'lags'; it has phyIntf\n" );
+}
+
+TEST_F( Program, exits_with_2_on_wrong_usage_and_with_0_on_a_cry_for_help ) {
+   for ( std::vector< std::string > const & words : std::vector< std::vector< std::string > >{
+            {},
+            { "walk" },
+            { "run" },
+            { "run", "a.yaml", "b.yaml" },
+            { "run", "a.yaml", "--jason" },
+            { "run", "a.yaml", "--trace", "VornalEvpnSm" },
+            { "run", "a.yaml", "--trace", "VornalEvpnSm/5-2" },
+            { "show", "a.yaml", "frames" },
+            { "show", "a.yaml", "entities", "not a path" },
+            { "ring" } } ) {
+      auto const ran = Support::vornal( words );
+      EXPECT_EQ( ran.exitCode, 2 ) << testing::PrintToString( words );
+      EXPECT_EQ( ran.out, "" ) << testing::PrintToString( words );
+      EXPECT_NE( ran.err, "" ) << testing::PrintToString( words );
+   }
+   auto const help = Support::vornal( { "--help" } );
+   EXPECT_EQ( help.exitCode, 0 );
+   EXPECT_TRUE( contains( help.out, "3 the plug-in stopped" ) );
+}
+
+// --- A plug-in that stops the process
+
+TEST_F( Program, tells_at_which_step_the_plug_in_stopped_and_exits_with_3 ) {
+   auto const ran = run( stop );
+
+   EXPECT_EQ( ran.exitCode, 3 );
+   EXPECT_TRUE( contains( ran.out, "step 2: publish segment Ethernet2\n   trace Sample 5" ) )
+      << ran.out;
+   EXPECT_TRUE(
+      contains( ran.out,
+                "STOPPED in step 3: the process of the plug-in ended with signal 6 (Aborted)." ) )
+      << ran.out;
+   EXPECT_TRUE( contains( ran.out,
+                          "assertion  entryIds() < kMostSegments && \"room for another "
+                          "segment\"\n" ) )
+      << ran.out;
+   EXPECT_TRUE( contains( ran.out, "at         segment-rules.cpp:" ) ) << ran.out;
+   EXPECT_TRUE( contains( ran.out,
+                          "The last lines of its trace ring:\n"
+                          "   Sample 5: handleSegment intfId: Ethernet1\n"
+                          "   Sample 5: handleSegment intfId: Ethernet2\n"
+                          "   Sample 5: handleSegment intfId: Ethernet3\n" ) )
+      << ran.out;
+   EXPECT_FALSE( contains( ran.out, "never reached" ) );
+}
+
+TEST_F( Program, tells_the_same_in_its_document ) {
+   auto const ran = run( stop, { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 3 );
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "end" ], "stopped" );
+   EXPECT_EQ( document[ "step" ], 3 );
+   EXPECT_EQ( document[ "assertion" ][ "file" ], "segment-rules.cpp" );
+   EXPECT_EQ( document[ "assertion" ][ "expression" ],
+              "entryIds() < kMostSegments && \"room for another segment\"" );
+   EXPECT_TRUE( contains( document[ "assertion" ][ "function" ], "::add(const Pelk::IntfId&)" ) );
+   EXPECT_EQ( document[ "stop" ][ "reason" ], "signal 6 (Aborted)" );
+   EXPECT_EQ( document[ "stop" ][ "traces" ].size(), 3U );
+   EXPECT_EQ( document[ "rules" ].size(), 2U );
+   EXPECT_EQ( document[ "steps" ].size(), 4U );
+}
+
+TEST_F( Program, shows_the_line_of_a_field_call_that_failed ) {
+   auto const ran = run( ready +
+                            "   - call: { entity: /plugins/Sample::Mounter/"
+                            "evpnMultihomingLocalBiasSm, operation: qualifyUnknownEntry }\n",
+                         { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 3 );
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "assertion" ][ "expression" ], "0" );
+   EXPECT_TRUE( contains( document[ "stop" ][ "output" ][ 0 ],
+                          " bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) API ERROR:"
+                          "Unknown entry (-2)" ) );
+   EXPECT_EQ( document[ "steps" ][ 2 ][ "hardwareCalls" ][ 0 ][ "returnCode" ], -2 );
+   EXPECT_EQ( document[ "counters" ][ "failedCalls" ], 1 );
+   EXPECT_TRUE( contains( ran.err, "API ERROR:" ) );
+}
+
+// --- The document
+
+TEST_F( Program, prints_one_document_and_nothing_else_on_standard_output ) {
+   auto const ran = run(
+      "   - call: { entity: /plugins/Sample::Mounter, operation: print, "
+      "arguments: [ '\"hello from inside\"' ] }\n",
+      { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 0 );
+   EXPECT_EQ( Json::parse( ran.out )[ "end" ], "completed" );
+   EXPECT_EQ( ran.err, "hello from inside\n" );
+}
+
+TEST_F( Program, gives_every_step_its_calls_rules_and_expectations ) {
+   auto const ran = run( ready +
+                            "   - publish: { segments: { Ethernet2: [] } }\n"
+                            "   - withdraw: { segments: [ Ethernet1 ] }\n"
+                            "   - expect: { rules: { group: ingress, count: 1 } }\n",
+                         { "--json" } );
+
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "scenario" ], "leaf" );
+   EXPECT_EQ( document[ "file" ], scenario() );
+   EXPECT_EQ( document[ "variant" ], "egress-mask" );
+   Json const & steps = document[ "steps" ];
+   ASSERT_EQ( steps.size(), 6U );
+   EXPECT_EQ( steps[ 0 ][ "changes" ].size(), 0U );
+   EXPECT_EQ( steps[ 1 ][ "rulesAdded" ][ 0 ][ "name" ], "Sample Ethernet1" );
+   EXPECT_EQ( steps[ 2 ][ "text" ], "publish segment Ethernet2" );
+   EXPECT_EQ( steps[ 2 ][ "place" ], scenario() + ":22" );
+   EXPECT_EQ( steps[ 2 ][ "hardwareCalls" ].size(), 5U );
+   EXPECT_EQ( steps[ 3 ][ "rulesRemoved" ][ 0 ][ "id" ], 1 );
+   EXPECT_EQ( steps[ 4 ][ "expectations" ][ 0 ][ "held" ], true );
+   EXPECT_EQ( document[ "rules" ][ 0 ][ "name" ], "Sample Ethernet2" );
+   EXPECT_EQ( document[ "rules" ][ 0 ][ "actions" ][ "EgressMask" ][ "ports" ],
+              Json::array( { 3 } ) );
+}
+
+// --- Traces
+
+TEST_F( Program, shows_the_trace_levels_that_are_asked_for ) {
+   auto const quiet = run( ready, { "--trace", "Sample/" } );
+   auto const loud = run( ready, { "--trace", "Sample/", "--trace", "Sam*/5,8" } );
+
+   EXPECT_FALSE( contains( quiet.out, "trace Sample" ) ) << quiet.out;
+   EXPECT_TRUE( contains( loud.out, "trace Sample 8: Sample::Mounter::doInit" ) ) << loud.out;
+   EXPECT_TRUE( contains( loud.out, "trace Sample 5: handleSegment intfId: Ethernet1" ) );
+}
+
+TEST_F( Program, writes_a_trace_ring_and_prints_it ) {
+   std::string const ring = directory.path() / "ring";
+   EXPECT_EQ( run( stop, { "--ring", ring } ).exitCode, 3 );
+
+   auto const printed = Support::vornal( { "ring", ring } );
+
+   EXPECT_EQ( printed.exitCode, 0 );
+   EXPECT_EQ( printed.out,
+              "       0      0.000000000 Sample 5: handleSegment intfId: Ethernet1\n"
+              "       1      0.000000000 Sample 5: handleSegment intfId: Ethernet2\n"
+              "       2      0.000000000 Sample 5: handleSegment intfId: Ethernet3\n" );
+}
+
+TEST_F( Program, refuses_a_file_that_is_no_trace_ring ) {
+   auto const text = Support::vornal( { "ring", directory.file( "text", "no ring" ) } );
+   EXPECT_EQ( text.exitCode, 2 );
+   EXPECT_TRUE( contains( text.err, "/text: not a trace ring" ) ) << text.err;
+
+   auto const nothing = Support::vornal( { "ring", "/nowhere/ring" } );
+   EXPECT_EQ( nothing.exitCode, 2 );
+   EXPECT_EQ( nothing.err, "/nowhere/ring: the file cannot be read\n" );
+}
+
+TEST_F( Program, says_which_ring_file_cannot_be_written ) {
+   auto const ran = run( ready, { "--ring", "/nowhere/ring" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_TRUE( contains( ran.err, "/nowhere/ring" ) ) << ran.err;
+}
+
+// --- show
+
+TEST_F( Program, shows_an_entity_as_a_tree ) {
+   auto const ran = command( { "show" }, ready, { "entities", "/evpn/status" } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_EQ( ran.out,
+              "/evpn/status: Evpn::EvpnStatus status\n"
+              "   segmentStatus\n"
+              "      Ethernet1: Evpn::EthernetSegmentStatus Ethernet1\n"
+              "         intfId: Ethernet1\n"
+              "         remoteTep\n"
+              "            10.0.0.2\n" );
+}
+
+TEST_F( Program, shows_an_entity_of_the_plug_in_as_a_document ) {
+   auto const ran =
+      command( { "show" }, ready,
+               { "entities", "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm", "--json" } );
+
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "path" ], "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
+   EXPECT_EQ( document[ "entity" ][ "attributes" ][ "entryId" ][ "Ethernet1" ], "1" );
+   EXPECT_EQ( document[ "entity" ][ "attributes" ][ "evpnStatus" ][ "shownAt" ], "/evpn/status" );
+}
+
+TEST_F( Program, lists_the_paths_that_can_be_shown ) {
+   auto const text = command( { "show" }, ready, { "entities" } );
+   EXPECT_TRUE( contains( text.out, "/evpn/status: Evpn::EvpnStatus\n" ) ) << text.out;
+
+   Json const document = Json::parse( command( { "show" }, ready, { "entities", "--json" } ).out );
+   EXPECT_EQ( document[ "entities" ][ 1 ][ "path" ], "/evpn/status" );
+}
+
+TEST_F( Program, says_what_there_is_when_there_is_no_such_entity ) {
+   auto const ran = command( { "show" }, ready, { "entities", "/evpn/state" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_TRUE( contains( ran.err, "there is no entity at '/evpn/state'" ) ) << ran.err;
+   EXPECT_TRUE( contains( ran.err, "   /evpn/status\n" ) ) << ran.err;
+}
+
+TEST_F( Program, tells_the_story_instead_when_the_plug_in_stops_before_there_is_anything_to_show ) {
+   auto const ran = command( { "show" }, stop, { "entities", "/evpn/status" } );
+
+   EXPECT_EQ( ran.exitCode, 3 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_TRUE( contains( ran.err, "STOPPED in step 3" ) ) << ran.err;
+}
+
+// --- The plug-in that comes with the program
+
+TEST( ProgramWithItsPlugin, finds_the_plug_in_beside_it_and_brings_it_up ) {
+   for ( char const * const scenario : { "start-up", "start-up-class-id" } ) {
+      std::string const file =
+         std::string( VORNAL_SOURCE_DIR "/scenarios/" ) + scenario + "/scenario.yaml";
+      auto const ran = Support::vornal( { "run", file } );
+
+      EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+      EXPECT_TRUE( contains( ran.out, "marks its own dependency point \"evpn\" as ready" ) );
+      EXPECT_TRUE( contains( ran.out, "void Vornal::VornalEvpnMounter::finishInit()" ) );
+      EXPECT_EQ( Support::timesIn( ran.out, "   mounts " ),
+                 8U );  // seven, and that they are complete
+   }
+}
+
+}  // namespace

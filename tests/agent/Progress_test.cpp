@@ -1,0 +1,63 @@
+#include <CommandLine/Progress.h>
+
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+using CommandLine::Progress;
+
+// A terminal, and a clock that stands until it is moved.
+class ProgressLine : public testing::Test {
+ protected:
+   void calls( int count ) {
+      for ( int n = 0; n < count; ++n ) {
+         progress.onEvent( Story::HardwareCall{} );
+      }
+   }
+
+   Progress::Clock::time_point now{};
+   std::ostringstream terminal;
+   Progress progress{ terminal, [ this ] { return now; } };
+};
+
+TEST_F( ProgressLine, stays_away_from_short_steps ) {
+   progress.onEvent( Story::StepBegins{} );
+   now += Progress::kPatience - 1ms;
+   calls( 1000 );
+   progress.onEvent( Story::StepEnds{} );
+
+   EXPECT_EQ( terminal.str(), "" );
+}
+
+TEST_F( ProgressLine, tells_how_far_a_long_step_is_and_goes_before_anything_else_is_printed ) {
+   progress.onEvent( Story::RunBegins{ "", "", "", 12 } );
+   progress.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 3, "", "" } );
+   calls( 9 );
+   now += Progress::kPatience;
+   calls( 1 );
+   EXPECT_EQ( terminal.str(), "\r   step 3 of 12: 10 hardware calls" );
+
+   terminal.str( "" );
+   progress.onEvent( Story::LogLine{} );
+   progress.onEvent( Story::LogLine{} );
+   EXPECT_EQ( terminal.str(), "\r\x1b[K" );
+}
+
+TEST_F( ProgressLine, is_not_drawn_again_for_every_call ) {
+   progress.onEvent( Story::StepBegins{} );
+   now += Progress::kPatience;
+   calls( 1 );
+   terminal.str( "" );
+
+   calls( 1000 );
+   EXPECT_EQ( terminal.str(), "" );
+
+   now += Progress::kInterval;
+   calls( 1 );
+   EXPECT_NE( terminal.str(), "" );
+}
+
+}  // namespace

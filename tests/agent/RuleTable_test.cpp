@@ -1,0 +1,81 @@
+#include <Story/RuleTable.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+Story::Rule rule( U32 id, bool isWritten = true ) {
+   return { { 0, 157, id }, "rule", std::nullopt, isWritten, {}, {} };
+}
+
+class RuleTable : public testing::Test {
+ protected:
+   void is( Story::Rule const & rule ) { table.onEvent( Story::RuleIs{ rule } ); }
+   void gone( U32 id ) { table.onEvent( Story::RuleGone{ { 0, 157, id } } ); }
+
+   Story::RuleTable table;
+};
+
+TEST_F( RuleTable, counts_a_rule_that_is_built_step_by_step_as_added_once_and_as_it_ended_up ) {
+   is( rule( 1, false ) );
+   is( rule( 1, true ) );
+
+   auto const changes = table.changes();
+
+   ASSERT_EQ( changes.added.size(), 1U );
+   EXPECT_TRUE( changes.added[ 0 ].isWritten );
+   EXPECT_TRUE( changes.changed.empty() );
+}
+
+TEST_F( RuleTable, shows_what_a_changed_rule_was_at_the_mark ) {
+   is( rule( 1, false ) );
+   table.changes();
+   is( rule( 1, true ) );
+
+   auto const changes = table.changes();
+
+   ASSERT_EQ( changes.changed.size(), 1U );
+   EXPECT_FALSE( changes.changed[ 0 ].before.isWritten );
+   EXPECT_TRUE( changes.changed[ 0 ].after.isWritten );
+}
+
+TEST_F( RuleTable, shows_a_removed_rule_as_it_was ) {
+   is( rule( 1 ) );
+   table.changes();
+   gone( 1 );
+
+   auto const changes = table.changes();
+
+   ASSERT_EQ( changes.removed.size(), 1U );
+   EXPECT_EQ( changes.removed[ 0 ], rule( 1 ) );
+   EXPECT_TRUE( table.rules().empty() );
+}
+
+TEST_F( RuleTable, says_nothing_of_rules_that_came_and_went_or_are_again_as_they_were ) {
+   is( rule( 1 ) );
+   table.changes();
+   is( rule( 1, false ) );
+   is( rule( 1, true ) );
+   is( rule( 2 ) );
+   gone( 2 );
+
+   auto const changes = table.changes();
+
+   EXPECT_TRUE( changes.added.empty() && changes.changed.empty() && changes.removed.empty() );
+}
+
+TEST_F( RuleTable, keeps_rules_in_the_order_of_unit_group_and_id ) {
+   is( { { 1, 45, 1 }, "c", {}, true, {}, {} } );
+   is( rule( 2 ) );
+   is( rule( 1 ) );
+
+   std::vector< Story::RuleKey > keys;
+   for ( auto const & [ key, unused ] : table.rules() ) {
+      keys.push_back( key );
+   }
+
+   EXPECT_EQ( keys,
+              ( std::vector< Story::RuleKey >{ { 0, 157, 1 }, { 0, 157, 2 }, { 1, 45, 1 } } ) );
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+// Scenarios as texts, for tests of the language.
+#pragma once
+
+#include <string>
+
+#include <Scenario/Reader.h>
+
+namespace ScenarioTexts {
+
+// A switch with two interfaces and a port channel, in lines 1 to 8. What a test adds begins at
+// line 9.
+inline std::string const kLeaf =
+   "scenario: two leaves\n"
+   "switch:\n"
+   "   name: leaf1\n"
+   "   variant: egress-mask\n"
+   "   units: { 0: { module: 1 } }\n"
+   "   interfaces: { Ethernet1: { unit: 0, port: 1 },\n"
+   "                 Ethernet2: { unit: 0, port: 2 } }\n"
+   "   port-channels: { Port-Channel2: [ Ethernet2 ] }\n";
+
+inline Scenario::Model read( std::string const & text ) {
+   return Scenario::readText( text, "leaf.yaml" );
+}
+
+// The switch above with `more` from line 9 on.
+inline Scenario::Model readLeaf( std::string const & more ) {
+   return read( kLeaf + more );
+}
+
+// What the reader says to a text that it refuses; empty when it does not.
+inline std::string problems( std::string const & text ) {
+   try {
+      read( text );
+   } catch ( Scenario::ReadError const & error ) {
+      return error.what();
+   }
+   return {};
+}
+
+inline std::string leafProblems( std::string const & more ) {
+   return problems( kLeaf + more );
+}
+
+}  // namespace ScenarioTexts

@@ -1,0 +1,179 @@
+// The reader, the JSON Schema and the shipped scenarios know the same words.
+#include <Scenario/Vocabulary.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <sstream>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <Scenario/Reader.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Json = nlohmann::json;
+using Words = std::set< std::string >;
+
+fs::path const kSource = VORNAL_SOURCE_DIR;
+
+Json const & schema() {
+   static Json const json = Json::parse( std::ifstream( kSource / "docs/scenario.schema.json" ) );
+   return json;
+}
+
+Json const & definitions() {
+   return schema().at( "definitions" );
+}
+
+// What the schema lists at a place: the words of a mapping, or the texts that a value is chosen
+// from.
+Words wordsOf( Json const & definition ) {
+   if ( definition.contains( "enum" ) ) {
+      return definition.at( "enum" ).get< Words >();
+   }
+   Words words;
+   for ( auto const & [ word, _ ] : definition.at( "properties" ).items() ) {
+      words.insert( word );
+   }
+   return words;
+}
+
+Words requiredOf( Json const & definition ) {
+   return definition.value( "required", Words() );
+}
+
+// Calls `visit` with every object of the schema.
+void forEachObject( Json const & json, std::function< void( Json const & ) > const & visit ) {
+   if ( json.is_object() ) {
+      visit( json );
+   }
+   if ( json.is_structured() ) {
+      for ( Json const & part : json ) {
+         forEachObject( part, visit );
+      }
+   }
+}
+
+TEST( ScenarioVocabulary, IsThatOfTheSchemaAtEveryPlace ) {
+   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+      std::string const place( list.place );
+      ASSERT_TRUE( definitions().contains( place ) ) << "the schema has no definition of " << place;
+      Words words;
+      Words required;
+      for ( Scenario::WordName const & word : list.words ) {
+         words.emplace( word.name );
+         if ( word.isRequired() ) {
+            required.emplace( word.name );
+         }
+      }
+      EXPECT_EQ( wordsOf( definitions().at( place ) ), words ) << place;
+      EXPECT_EQ( requiredOf( definitions().at( place ) ), required ) << place;
+   }
+}
+
+TEST( ScenarioVocabulary, HasEveryMappingThatTheSchemaDefines ) {
+   Words places;
+   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+      EXPECT_TRUE( places.emplace( list.place ).second ) << list.place << " is there twice";
+   }
+   for ( auto const & [ place, definition ] : definitions().items() ) {
+      if ( definition.contains( "enum" ) || definition.contains( "properties" ) ) {
+         EXPECT_TRUE( places.contains( place ) ) << "the reader has no words for " << place;
+      }
+   }
+}
+
+TEST( ScenarioVocabulary, IsCompleteInTheSchemaToo ) {
+   forEachObject( schema(), []( Json const & object ) {
+      if ( object.contains( "properties" ) && object.at( "properties" ).is_object() ) {
+         EXPECT_EQ( object.value( "additionalProperties", true ), false ) << object.dump();
+      }
+   } );
+}
+
+TEST( ScenarioVocabulary, RefersInTheSchemaToWhatThereIs ) {
+   forEachObject( schema(), []( Json const & object ) {
+      if ( object.contains( "$ref" ) && object.at( "$ref" ).is_string() ) {
+         std::string const reference = object.at( "$ref" );
+         EXPECT_TRUE( schema().contains( Json::json_pointer( reference.substr( 1 ) ) ) )
+            << reference;
+      }
+   } );
+}
+
+std::string document() {
+   std::ostringstream text;
+   text << std::ifstream( kSource / "docs/scenarios.md" ).rdbuf();
+   return text.str();
+}
+
+// The YAML blocks of the document.
+std::vector< std::string > examples() {
+   std::string const open = "```yaml\n";
+   std::string const text = document();
+   std::vector< std::string > result;
+   for ( auto at = text.find( open ); at != std::string::npos; at = text.find( open, at ) ) {
+      at += open.size();
+      result.push_back( text.substr( at, text.find( "```", at ) - at ) );
+   }
+   return result;
+}
+
+// A scenario of an example, which may be one, or a part of one, or steps.
+std::string scenarioOf( std::string const & example ) {
+   std::string const leaf =
+      "scenario: s\n"
+      "switch: { name: leaf1, variant: class-id, units: { 0: { module: 1 } },\n"
+      "          interfaces: { Ethernet1: {}, Ethernet4: {} }, port-channels: { Port-Channel2: [] "
+      "} }\n";
+   if ( example.starts_with( "scenario:" ) ) {
+      return example;
+   }
+   if ( example.starts_with( "switch:" ) ) {
+      return "scenario: s\n" + example;
+   }
+   return leaf + ( example.starts_with( "- " ) ? "trace: { VornalEvpnSm: 5 }\nsteps:\n" : "" ) +
+          example;
+}
+
+TEST( ScenarioVocabulary, IsShownInExamplesThatTheReaderTakes ) {
+   for ( std::string const & example : examples() ) {
+      try {
+         Scenario::readText( scenarioOf( example ), kSource / "scenarios/start-up/example.yaml" );
+      } catch ( Scenario::ReadError const & error ) {
+         ADD_FAILURE() << error.what() << "\n" << scenarioOf( example );
+      }
+   }
+   EXPECT_GE( examples().size(), 10U );
+}
+
+TEST( ScenarioVocabulary, IsDescribedWordByWord ) {
+   std::string const text = document();
+   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+      for ( Scenario::WordName const & word : list.words ) {
+         EXPECT_NE( text.find( '`' + std::string( word.name ) + '`' ), std::string::npos )
+            << "docs/scenarios.md says nothing of '" << word.name << "' of " << list.place;
+      }
+   }
+}
+
+TEST( ScenarioVocabulary, SufficesForEveryShippedScenario ) {
+   int count = 0;
+   for ( auto const & folder : fs::directory_iterator( kSource / "scenarios" ) ) {
+      fs::path const file = folder.path() / "scenario.yaml";
+      if ( folder.is_directory() ) {
+         EXPECT_NO_THROW( Scenario::read( file ) );
+         EXPECT_TRUE( fs::exists( folder.path() / "README.md" ) ) << folder.path();
+         EXPECT_EQ( Scenario::read( file ).name, folder.path().filename() );
+         ++count;
+      }
+   }
+   EXPECT_GE( count, 2 );
+}
+
+}  // namespace
