@@ -134,7 +134,9 @@ TEST( JsonWriter, tells_the_parts_of_a_port_apart_and_null_for_the_default_prior
 }
 
 TEST( JsonWriter, says_how_the_run_ended ) {
-   EXPECT_EQ( documentOf( { { expectation( true ), Story::RunEnds{} } } )[ "end" ], "completed" );
+   EXPECT_EQ( documentOf( { { step( 1 ), expectation( true ), Story::StepEnds{ 1 },
+                              Story::RunEnds{} } } )[ "end" ],
+              "completed" );
 }
 
 TEST( JsonWriter, says_which_expectation_failed_and_what_was_found ) {

@@ -56,7 +56,7 @@ TEST_F( Program, exits_with_1_when_an_expectation_failed ) {
 
    EXPECT_EQ( ran.exitCode, 1 );
    EXPECT_TRUE( contains( ran.out, "NOT as expected: plug-in ready; it is not ready (" +
-                                      scenario() + ":21)" ) )
+                                      scenario() + ":20)" ) )
       << ran.out;
    EXPECT_TRUE( contains( ran.out, "FAILED: 1 of 1 expectation did not hold" ) ) << ran.out;
 }
@@ -66,7 +66,7 @@ TEST_F( Program, exits_with_2_and_the_place_when_the_scenario_is_wrong_before_an
 
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_EQ( ran.err.find( scenario() + ":21: " ), 0U ) << ran.err;
+   EXPECT_EQ( ran.err.find( scenario() + ":20: " ), 0U ) << ran.err;
 }
 
 TEST_F( Program, exits_with_2_when_there_is_no_such_scenario_or_plug_in ) {
@@ -89,7 +89,7 @@ TEST_F( Program, exits_with_2_when_a_step_names_an_attribute_that_does_not_exist
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
    EXPECT_EQ( ran.err,
-              scenario() + ":21: a Lag::Config has no attribute 'lags'; it has phyIntf\n" );
+              scenario() + ":20: a Lag::Config has no attribute 'lags'; it has phyIntf\n" );
 }
 
 TEST_F( Program, exits_with_2_on_wrong_usage_and_with_0_on_a_cry_for_help ) {
@@ -203,7 +203,7 @@ TEST_F( Program, gives_every_step_its_calls_rules_and_expectations ) {
    EXPECT_EQ( steps[ 0 ][ "changes" ].size(), 0U );
    EXPECT_EQ( steps[ 1 ][ "rulesAdded" ][ 0 ][ "name" ], "Sample Ethernet1" );
    EXPECT_EQ( steps[ 2 ][ "text" ], "publish segment Ethernet2" );
-   EXPECT_EQ( steps[ 2 ][ "place" ], scenario() + ":22" );
+   EXPECT_EQ( steps[ 2 ][ "place" ], scenario() + ":21" );
    EXPECT_EQ( steps[ 2 ][ "hardwareCalls" ].size(), 5U );
    EXPECT_EQ( steps[ 3 ][ "rulesRemoved" ][ 0 ][ "id" ], 1 );
    EXPECT_EQ( steps[ 4 ][ "expectations" ][ 0 ][ "held" ], true );

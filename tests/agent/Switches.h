@@ -29,9 +29,9 @@ inline std::string leaf( std::string const & steps, std::string const & tcam = "
           "   tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001 } } }\n"
           "trace: { Sample: 0-9 }\n"
           "steps:\n" +
-          steps;  // line 21 is the first of them
+          steps;  // line 20 is the first of them
 }
 
-constexpr int kFirstStepLine = 21;
+constexpr int kFirstStepLine = 20;
 
 }  // namespace Switches
