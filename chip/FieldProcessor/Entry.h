@@ -8,8 +8,7 @@
 // What is refused, and then changes nothing:
 // - a qualifier or action that belongs to the other kind of group: Unsupported;
 // - adding an action that is staged already: Exists. Updating replaces it, and is NotFound when
-// there
-//   is none. A qualifier that is staged already is replaced, as in a register;
+//   there is none. A qualifier that is staged already is replaced, as in a register;
 // - reading back what the hardware does not have: NotFound.
 //
 // Threads: staging is done by the thread that makes field calls, with the activity lock given up;

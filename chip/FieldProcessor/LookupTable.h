@@ -2,9 +2,8 @@
 //
 // A TCAM compares a frame with all entries at once. Comparing with one after the other would cost
 // as many comparisons as there are entries, for every frame. But rules are written to a few
-// patterns
-// ("by source gport", "by VNI and packet resolution"), and entries of one pattern have the same
-// masks. So the entries are kept by their masks: for each different set of masks a hash table,
+// patterns ("by source gport", "by VNI and packet resolution"), and entries of one pattern have the
+// same masks. So the entries are kept by their masks: for each different set of masks a hash table,
 // keyed by the data under those masks. A lookup masks the frame's fields once per table, and takes
 // the best of what the tables have.
 //

@@ -7,9 +7,8 @@
 // - the entry's group does not have the qualifier or action: Unsupported;
 // - the action is staged already: Exists. A second qualifier of a field replaces the first;
 // - a value cannot be meant: BadValue. That is a gport that is not a VXLAN virtual port's, an IP
-// type
-//   or an action that the SDK does not define, an egress class selection other than "new", a class
-//   id of more than 16 bits;
+//   type or an action that the SDK does not define, an egress class selection other than "new", a
+//   class id of more than 16 bits;
 // - what is to be read back has not been written: NotFound.
 //
 // Values of this release: the packet resolution of known L3 multicast is 12; gports are made as in

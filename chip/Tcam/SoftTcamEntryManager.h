@@ -3,18 +3,15 @@
 // What its base class promises (VornalTcam/EntryManager.h), and beyond it:
 //
 // - The `exhausted` flag of a unit says that a request has been refused since room was last made
-// there. A
-//   request that is refused sets it; a release, or another user giving back, clears it once there
-//   is room. A unit on which no request was ever refused has no flag.
+//   there. A request that is refused sets it; a release, or another user giving back, clears it
+//   once there is room. A unit on which no request was ever refused has no flag.
 // - The room of a group is shared with other users; foreignEntriesIs() is how much they hold.
-// - installEntry on an installed entry writes it again. reinstallEntry on one that is not installed
-// is
-//   refused.
+// - installEntry on an installed entry writes it again. reinstallEntry is refused on one that is
+//   not installed.
 // - The priority is staged like qualifiers and actions, and in force from the next (re)install on.
-// - addEgressMaskAction on an entry that has a mask, and updateEgressMaskAction on one that has
-// none,
-//   change nothing; so do operations on unknown units and entries. Operations that return nothing
-//   tell only the observer what became of them.
+// - addEgressMaskAction on an entry that has a mask changes nothing, and so does
+//   updateEgressMaskAction on one that has none, and any operation on an unknown unit or entry.
+//   Operations that return nothing tell only the observer what became of them.
 // - Request keys are not kept: every request is for a new entry.
 //
 // Every operation of the base class is told to the observer, before the flag that it changes is

@@ -28,7 +28,7 @@ class FeatureFilesReader : public testing::Test {
       EXPECT_TRUE( fresh.isEnabled( kToggle, kFile, true ) );
       EXPECT_FALSE( fresh.isEnabled( kToggle, kFile, false ) );
       EXPECT_EQ( reported_.size(), 1U );
-      std::string const line = reported_.empty() ? "" : reported_.back();
+      std::string line = reported_.empty() ? "" : reported_.back();
       reported_.clear();
       return line;
    }
