@@ -47,7 +47,8 @@ void print( ShowOptions const & options, std::vector< Story::EntityShown > const
       return;
    }
    for ( Story::EntityShown const & shown : entities ) {
-      std::cout << ( options.path ? Story::treeText( shown ) : Story::pathLine( shown ) );
+      std::cout << ( options.path ? Story::treeText( shown.path, shown.tree )
+                                  : Story::pathLine( shown ) );
    }
 }
 

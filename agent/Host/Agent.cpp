@@ -38,6 +38,8 @@ void Agent::runAll() {
                                        static_cast< U32 >( scenario_.steps.size() ) } );
    environment_.steps().queuePublished( scenario_.published );
    environment_.activity().run();
+   environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
+   environment_.activity().run();
    inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
            [ this ] { startUp(); } );
    for ( Scenario::Step const & step : scenario_.steps ) {

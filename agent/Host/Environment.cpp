@@ -32,10 +32,10 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         ring_( ring ),
         toggles_( scenario.featureFiles ),
         processWide_( sdk_, ring_, toggles_, observer_ ),
-        published_( scenario.device, database_, own_ ),
+        published_( scenario.device, activity_, database_, own_ ),
         finder_( { &database_, &own_ } ),
         evidence_{ finder_, board_.units(), record_, *pluginPoint() },
-        steps_( { scenario.file, activity_, published_, evidence_, observer_ } ),
+        steps_( { scenario.file, activity_, published_, board_, evidence_, observer_ } ),
         subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
                         [ this ]( Kiv::Change const & change ) {
                            if ( change.newValue< bool >() ) {

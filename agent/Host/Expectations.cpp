@@ -5,16 +5,15 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <Host/ChipReporter.h>
 #include <Quelm/Error.h>
-#include <VornalTcam/EntryManager.h>
 
 namespace Host {
 
 namespace {
 
-Vornal::TcamGroupAssignment assignmentOf( Scenario::TcamGroup group ) {
-   return group == Scenario::TcamGroup::ingress ? Vornal::kIfpLocalBiasGroup
-                                                : Vornal::kEfpLocalBiasGroup;
+bool contains( std::string const & line, std::string const & text ) {
+   return line.find( text ) != std::string::npos;
 }
 
 // --- State
@@ -70,16 +69,53 @@ Finding checkOne( Scenario::TcamGroupsAskedFor const & expected, Evidence const 
 
 // --- Rules
 
-Finding checkOne( Scenario::RuleCount const & expected, Evidence const & evidence ) {
-   U32 count = 0;
+bool hasField( std::vector< Story::RuleField > const & fields,
+               Scenario::RuleFieldWanted const & wanted ) {
+   return std::any_of( fields.begin(), fields.end(), [ & ]( Story::RuleField const & field ) {
+      std::vector< U32 > numbers = field.ports.value_or( std::vector< U32 >() );
+      for ( Story::RuleValue const & value : field.values ) {
+         numbers.push_back( static_cast< U32 >( value.data ) );
+      }
+      return field.name == wanted.name && ( wanted.numbers.empty() || wanted.numbers == numbers );
+   } );
+}
+
+bool hasFields( std::vector< Story::RuleField > const & fields,
+                std::vector< Scenario::RuleFieldWanted > const & wanted ) {
+   return std::all_of( wanted.begin(), wanted.end(),
+                       [ & ]( auto const & field ) { return hasField( fields, field ); } );
+}
+
+bool hasPriority( Story::Rule const & rule, Scenario::RulesLike const & like ) {
+   if ( !like.priority ) {
+      return true;
+   }
+   auto const * const number = std::get_if< U32 >( &*like.priority );
+   return rule.priority == ( number ? std::optional( *number ) : std::nullopt );
+}
+
+bool isLike( Story::Rule const & rule, Scenario::RulesLike const & like ) {
+   return contains( rule.name, like.name ) && hasPriority( rule, like ) &&
+          rule.isWritten == like.isWritten.value_or( rule.isWritten ) &&
+          hasFields( rule.qualifiers, like.qualifiers ) &&
+          hasFields( rule.actions, like.actions ) && ( !like.doesNothing || rule.actions.empty() );
+}
+
+Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidence ) {
+   std::ptrdiff_t count = 0;
    for ( auto const & [ number, unit ] : evidence.units ) {
       auto const group = unit.groups().find( assignmentOf( expected.group ) );
-      bool const counts = !expected.unit || *expected.unit == number;
-      if ( counts && group != unit.groups().end() ) {
-         count += group->second.used();
+      bool const isAsked = !expected.unit || *expected.unit == number;
+      if ( isAsked && group != unit.groups().end() ) {
+         auto const & entries = group->second.entries();
+         count += std::count_if( entries.begin(), entries.end(), [ & ]( auto const & entry ) {
+            return isLike( ruleOf( { number, group->first, entry.first }, entry.second ),
+                           expected );
+         } );
       }
    }
-   return { count == expected.count, fmt::format( "there are {}", count ) };
+   return { expected.count ? count == std::ptrdiff_t{ *expected.count } : count > 0,
+            count == 1 ? "there is one" : fmt::format( "there are {}", count ) };
 }
 
 // --- Lines
@@ -88,10 +124,6 @@ Finding timesFound( std::ptrdiff_t found, std::optional< U32 > const & expected 
    bool const isAsExpected = expected ? found == std::ptrdiff_t{ *expected } : found > 0;
    return { isAsExpected,
             found == 1 ? "it is there once" : fmt::format( "it is there {} times", found ) };
-}
-
-bool contains( std::string const & line, std::string const & text ) {
-   return line.find( text ) != std::string::npos;
 }
 
 Finding checkOne( Scenario::LogLine const & expected, Evidence const & evidence ) {
@@ -116,6 +148,11 @@ Finding checkOne( Scenario::TraceLine const & expected, Evidence const & evidenc
 }
 
 }  // namespace
+
+Vornal::TcamGroupAssignment assignmentOf( Scenario::TcamGroup group ) {
+   return group == Scenario::TcamGroup::ingress ? Vornal::kIfpLocalBiasGroup
+                                                : Vornal::kEfpLocalBiasGroup;
+}
 
 Finding check( Scenario::Expected const & expected, Evidence const & evidence ) {
    return std::visit( [ & ]( auto const & one ) { return checkOne( one, evidence ); }, expected );

@@ -8,6 +8,7 @@
 #include <Scenario/Scenario.h>
 #include <StateDatabase/Finder.h>
 #include <Vornal/Dependency.h>
+#include <VornalTcam/EntryManager.h>
 
 namespace Host {
 
@@ -24,6 +25,9 @@ struct Evidence {
    Record const & record;
    Vornal::DependencyPoint const & pluginPoint;
 };
+
+// The group's number on the chip.
+Vornal::TcamGroupAssignment assignmentOf( Scenario::TcamGroup group );
 
 // An entity that is not there is a finding; an attribute that its type does not have throws
 // Quelm::AccessError, and a key that is not of its type Quelm::TextError.

@@ -16,8 +16,8 @@ Quelm::Ptr< T > publishNew( StateDatabase::Directory & directory, std::string co
 
 }  // namespace
 
-Published::Published( Scenario::Switch const & device, StateDatabase::Directory & database,
-                      StateDatabase::Directory & shared ) {
+Published::Published( Scenario::Switch const & device, Kiv::ActivityManager & activity,
+                      StateDatabase::Directory & database, StateDatabase::Directory & shared ) {
    evpnStatus_ = publishNew< Evpn::EvpnStatus >( database, "evpn/status" );
    vpIndexStatus_ =
       publishNew< VornalCentral::VpIndexStatus >( database, "hardware/vornal/vp/status/vornalL3" );
@@ -29,10 +29,12 @@ Published::Published( Scenario::Switch const & device, StateDatabase::Directory 
       database, "hardware/vornal/centralStatus/vxlanCapabilities" )
       ->i2eClassIdSupportedIs( device.variant == Scenario::Variant::classId );
    std::string const classIds = "hardware/vornal/i2eclassid/";
-   publishNew< VornalCentral::I2EClassIdIndexConfig >( database,
-                                                       classIds + "config/slice/" + device.slice );
-   publishNew< VornalCentral::I2EClassIdIndexStatus >( database,
-                                                       classIds + "status/slice/" + device.slice );
+   classIdConfig_ =
+      publishNew< VornalCentral::I2EClassIdIndexConfig >( database, classIds + "config/slice/" +
+                                                                       device.slice );
+   allocator_.emplace( device.classIds, activity, classIdConfig_,
+                       publishNew< VornalCentral::I2EClassIdIndexStatus >(
+                          database, classIds + "status/slice/" + device.slice ) );
 
    common_ = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    for ( Scenario::Unit const & unit : device.units ) {
@@ -44,6 +46,7 @@ Published::Published( Scenario::Switch const & device, StateDatabase::Directory 
    common_->sliceDependencyPointsIs( points );
    std::string const folder = SharedEntities::kFolder;
    shared.entityIs( folder + "vornalCommon", common_ );
+   VornalCentral::vornalAttributes()->l3McastExemptFromSplitHorizonIs( device.isL3MulticastExempt );
    shared.entityIs( folder + "vornalAttributes", VornalCentral::vornalAttributes() );
 }
 
@@ -123,6 +126,24 @@ void Published::withdrawOne( Scenario::VrfVni const & what ) {
    if ( auto const vti = vtiStatusDir_->vtiStatus( what.intf ) ) {
       vti->vrfToVniMapDel( what.vrf );
    }
+}
+
+// --- Class ids
+
+void Published::publishOne( Scenario::ClassIdRequest const & what ) {
+   classIdConfig_->remoteESPeerVtepIs( what.vtep, true );
+}
+
+void Published::withdrawOne( Scenario::ClassIdRequest const & what ) {
+   classIdConfig_->remoteESPeerVtepDel( what.vtep );
+}
+
+void Published::publishOne( Scenario::ClassIdGrant const & what ) {
+   allocator_->grantIs( what.vtep, what.id );
+}
+
+void Published::withdrawOne( Scenario::ClassIdGrant const & what ) {
+   allocator_->grantDel( what.vtep );
 }
 
 }  // namespace Host

@@ -21,7 +21,10 @@
 // Threads: the activity's; every change is to be made in a turn of its own.
 #pragma once
 
+#include <optional>
+
 #include <Evpn/EvpnStatus.h>
+#include <Host/ClassIdAllocator.h>
 #include <Lag/Config.h>
 #include <Scenario/Scenario.h>
 #include <StateDatabase/Directory.h>
@@ -34,12 +37,16 @@ namespace Host {
 class Published {
  public:
    // Puts the entities of that switch into the directories: the published ones, and the shared
-   // ones.
-   Published( Scenario::Switch const & device, StateDatabase::Directory & database,
-              StateDatabase::Directory & shared );
+   // ones. The activity must outlive it, turns included.
+   Published( Scenario::Switch const & device, Kiv::ActivityManager & activity,
+              StateDatabase::Directory & database, StateDatabase::Directory & shared );
 
    void publish( Scenario::Published const & what );
    void withdraw( Scenario::Published const & what );
+
+   // The agent that grants class ids; to be started when everything before the plug-in is
+   // published.
+   ClassIdAllocator & allocator() { return *allocator_; }
 
    Quelm::Ptr< Vornal::VornalCommonSmData > const & common() const { return common_; }
 
@@ -51,6 +58,8 @@ class Published {
    void publishOne( Scenario::VtepVirtualPort const & what );
    void publishOne( Scenario::TunnelInterface const & what );
    void publishOne( Scenario::VrfVni const & what );
+   void publishOne( Scenario::ClassIdRequest const & what );
+   void publishOne( Scenario::ClassIdGrant const & what );
 
    void withdrawOne( Scenario::InterfacePort const & what );
    void withdrawOne( Scenario::PortChannelMember const & what );
@@ -59,12 +68,16 @@ class Published {
    void withdrawOne( Scenario::VtepVirtualPort const & what );
    void withdrawOne( Scenario::TunnelInterface const & what );
    void withdrawOne( Scenario::VrfVni const & what );
+   void withdrawOne( Scenario::ClassIdRequest const & what );
+   void withdrawOne( Scenario::ClassIdGrant const & what );
 
    Quelm::Ptr< Evpn::EvpnStatus > evpnStatus_;
    Quelm::Ptr< VornalCentral::VpIndexStatus > vpIndexStatus_;
    Quelm::Ptr< Vxlan::VtiStatusDir > vtiStatusDir_;
    Quelm::Ptr< Lag::Config > lagConfig_;
+   Quelm::Ptr< VornalCentral::I2EClassIdIndexConfig > classIdConfig_;
    Quelm::Ptr< Vornal::VornalCommonSmData > common_;
+   std::optional< ClassIdAllocator > allocator_;
 };
 
 }  // namespace Host

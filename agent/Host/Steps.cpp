@@ -1,8 +1,10 @@
 #include <Host/Steps.h>
 
+#include <Host/ChipReporter.h>
 #include <Host/InputError.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
+#include <StateDatabase/Tree.h>
 
 namespace Host {
 
@@ -104,6 +106,56 @@ void Steps::call( Scenario::Call const & action ) {
                                 " arguments" );
    }
    operation->call( *entity, action.arguments );
+}
+
+// --- Other users of the chip, and of the class ids
+
+void Steps::queueAction( Scenario::ForeignEntries const & action, int line ) {
+   turnNew( line, [ this, &action ] { occupy( action ); } );
+}
+
+void Steps::occupy( Scenario::ForeignEntries const & action ) {
+   Vornal::TcamGroupAssignment const group = assignmentOf( action.group );
+   auto const manager = context_.board.entryManager( group );
+   for ( auto const & [ unit, chip ] : context_.board.units() ) {
+      bool const isMeant = !action.unit || *action.unit == unit;
+      if ( isMeant && chip.groups().contains( group ) ) {
+         U32 const held = manager->foreignEntriesIs( unit, action.count );
+         context_.observer.onEvent( Story::ForeignEntriesAre{ unit, group, action.count, held } );
+      }
+   }
+}
+
+void Steps::queueAction( Scenario::ClassIdAllocator const & action, int line ) {
+   turnNew( line,
+            [ this, &action ] { context_.published.allocator().isPausedIs( action.isPaused ); } );
+}
+
+// --- Dumps
+
+void Steps::queueAction( Scenario::Dump const & action, int line ) {
+   turnNew( line, [ this, &action ] {
+      std::visit( [ this ]( auto const & what ) { dump( what ); }, action.what );
+   } );
+}
+
+void Steps::dump( Scenario::EntityPath const & path ) {
+   StateDatabase::Finder const & finder = context_.evidence.finder;
+   context_.observer.onEvent( Story::EntityDumped{
+      path.stringValue(),
+      StateDatabase::treeOf( path.stringValue(), *finder.entity( path ), finder.roots() ) } );
+}
+
+void Steps::dump( Scenario::Dump::Rules ) {
+   Story::RulesDumped dumped;
+   for ( auto const & [ number, unit ] : context_.board.units() ) {
+      for ( auto const & [ assignment, group ] : unit.groups() ) {
+         for ( auto const & [ id, entry ] : group.entries() ) {
+            dumped.rules.push_back( ruleOf( { number, assignment, id }, entry ) );
+         }
+      }
+   }
+   context_.observer.onEvent( dumped );
 }
 
 // --- Expectations

@@ -10,6 +10,7 @@
 
 #include <functional>
 
+#include <Board/Board.h>
 #include <Host/Expectations.h>
 #include <Host/Published.h>
 #include <Kiv/Activity.h>
@@ -22,6 +23,7 @@ struct StepContext {
    std::string const & file;  // of the scenario
    Kiv::ActivityManager & activity;
    Published & published;
+   Chip::Board & board;
    Evidence const & evidence;
    Story::Observer & observer;
 };
@@ -42,11 +44,17 @@ class Steps {
    void queueAction( Scenario::Set const & set, int line );
    void queueAction( Scenario::Delete const & del, int line );
    void queueAction( Scenario::Call const & call, int line );
+   void queueAction( Scenario::ForeignEntries const & foreign, int line );
+   void queueAction( Scenario::ClassIdAllocator const & allocator, int line );
+   void queueAction( Scenario::Dump const & dump, int line );
    void queueAction( Scenario::Expect const & expect, int line );
 
    void set( Scenario::Set const & set );
    void remove( Scenario::Delete const & del );
    void call( Scenario::Call const & call );
+   void occupy( Scenario::ForeignEntries const & foreign );
+   void dump( Scenario::EntityPath const & path );
+   void dump( Scenario::Dump::Rules );
    void expect( Scenario::Expectation const & expectation );
 
    // A turn whose refusals become InputErrors at that line.

@@ -1,6 +1,7 @@
 #include <Scenario/Description.h>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <Scenario/Parts.h>
 
@@ -50,6 +51,16 @@ std::string describe( VrfVni const & what, bool isWithdrawn ) {
    return isWithdrawn ? "VNI of VRF " + place : "VNI " + textOf( what.vni ) + " of VRF " + place;
 }
 
+std::string describe( ClassIdRequest const & what, bool ) {
+   return "request of a class id for VTEP " + what.vtep.stringValue();
+}
+
+std::string describe( ClassIdGrant const & what, bool isWithdrawn ) {
+   return isWithdrawn
+             ? "class id of VTEP " + what.vtep.stringValue()
+             : fmt::format( "class id {} for VTEP {}", what.id.value(), textOf( what.vtep ) );
+}
+
 std::string describe( std::vector< Change > const & changes, bool isWithdrawn ) {
    std::string text;
    for ( Change const & change : changes ) {
@@ -88,9 +99,35 @@ std::string describe( TcamGroupsAskedFor const & what ) {
    return "TCAM groups asked for:" + ( text.empty() ? " none" : text );
 }
 
-std::string describe( RuleCount const & what ) {
-   return fmt::format( "{} rules in group {}{}", what.count, nameOf( what.group ),
-                       what.unit ? fmt::format( " of unit {}", *what.unit ) : "" );
+std::string describe( std::vector< RuleFieldWanted > const & fields ) {
+   std::string text;
+   for ( RuleFieldWanted const & field : fields ) {
+      text += fmt::format( "{}{}{}{}", text.empty() ? "" : " and ", field.name,
+                           field.numbers.empty() ? "" : " ", fmt::join( field.numbers, ", " ) );
+   }
+   return text;
+}
+
+std::string describePriority( RulesLike const & what ) {
+   auto const * const number = std::get_if< U32 >( &*what.priority );
+   return number ? fmt::format( "priority {}", *number ) : "the default priority";
+}
+
+std::string describe( RulesLike const & what ) {
+   std::string text =
+      fmt::format( "{} rules in group {}{}",
+                   what.count ? std::to_string( *what.count ) : "one or more", nameOf( what.group ),
+                   what.unit ? fmt::format( " of unit {}", *what.unit ) : "" );
+   auto const add = [ & ]( bool isAsked, std::string const & more ) {
+      text += isAsked ? ", " + more : "";
+   };
+   add( !what.name.empty(), "named \"" + what.name + '"' );
+   add( !what.qualifiers.empty(), "matching " + describe( what.qualifiers ) );
+   add( !what.actions.empty(), "doing " + describe( what.actions ) );
+   add( what.doesNothing, "doing nothing" );
+   add( what.priority.has_value(), what.priority ? describePriority( what ) : "" );
+   add( what.isWritten.has_value(), what.isWritten.value_or( true ) ? "written" : "staged only" );
+   return text;
 }
 
 std::string describe( LogLine const & what ) {
@@ -136,6 +173,20 @@ std::string describe( Call const & step ) {
    }
    return fmt::format( "call {} {}({}{}", step.entity.stringValue(), step.operation, arguments,
                        arguments.empty() ? ")" : " )" );
+}
+
+std::string describe( ForeignEntries const & step ) {
+   return fmt::format( "others hold {} entries of group {} on {}", step.count, nameOf( step.group ),
+                       step.unit ? fmt::format( "unit {}", *step.unit ) : "each unit" );
+}
+
+std::string describe( ClassIdAllocator const & step ) {
+   return step.isPaused ? "the class-id allocator pauses" : "the class-id allocator serves";
+}
+
+std::string describe( Dump const & step ) {
+   auto const * const path = std::get_if< EntityPath >( &step.what );
+   return "dump " + ( path ? path->stringValue() : "rules" );
 }
 
 std::string describe( Expect const & step ) {

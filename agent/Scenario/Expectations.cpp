@@ -6,7 +6,6 @@ namespace {
 
 using Expectations = std::vector< Expectation >;
 
-constexpr U32 kHighestUnit = 0xffff;
 constexpr U32 kHighestLevel = 9;
 constexpr U32 kHighestCount = ~U32{ 0 };
 
@@ -80,37 +79,6 @@ void readTcamGroups( Reading & reading, Value const & value, Expectations & expe
    add( expectations, value, std::move( asked ) );
 }
 
-// --- rules
-
-void readRulesGroup( Reading & reading, Value const & value, RuleCount & rules ) {
-   rules.group = choiceOf( reading, value, tcamGroups() ).value_or( TcamGroup::ingress );
-}
-
-void readRulesUnit( Reading & reading, Value const & value, RuleCount & rules ) {
-   auto const number = numberOf( reading, value, 0, kHighestUnit );
-   if ( number && reading.module( static_cast< U16 >( *number ), value.line ) ) {
-      rules.unit = static_cast< U16 >( *number );
-   }
-}
-
-void readRulesCount( Reading & reading, Value const & value, RuleCount & rules ) {
-   rules.count = numberOf( reading, value, 0, kHighestCount ).value_or( 0 );
-}
-
-Table< RuleCount > const & rulesTable() {
-   static Table< RuleCount > const table{ "rules",
-                                          { { { "group", "group: ingress" }, readRulesGroup },
-                                            { { "unit", "" }, readRulesUnit },
-                                            { { "count", "count: 3" }, readRulesCount } } };
-   return table;
-}
-
-void readRules( Reading & reading, Value const & value, Expectations & expectations ) {
-   RuleCount rules;
-   readMapping( reading, value, rulesTable(), rules );
-   add( expectations, value, rules );
-}
-
 // --- log and trace
 
 Table< LogLine > const & logTable() {
@@ -162,6 +130,12 @@ void readTraceLine( Reading & reading, Value const & value, Expectations & expec
    add( expectations, value, std::move( line ) );
 }
 
+void readRulesWord( Reading & reading, Value const & value, Expectations & expectations ) {
+   RulesLike rules;
+   readRules( reading, value, rules );
+   add( expectations, value, std::move( rules ) );
+}
+
 // --- the words of one mapping of expectations
 
 Table< Expectations > const & expectTable() {
@@ -169,7 +143,7 @@ Table< Expectations > const & expectTable() {
                                              { { { "plug-in", "" }, readPlugIn },
                                                { { "tcam-groups", "" }, readTcamGroups },
                                                { { "state", "" }, readState },
-                                               { { "rules", "" }, readRules },
+                                               { { "rules", "" }, readRulesWord },
                                                { { "log", "" }, readLog },
                                                { { "trace", "" }, readTraceLine } } };
    return table;
@@ -189,8 +163,8 @@ void readExpect( Reading & reading, Value const & value, Expectations & expectat
 }
 
 std::vector< WordList > expectationsVocabulary() {
-   return { stateTable().list(), plugInStates().list(), rulesTable().list(),
-            logTable().list(),   traceTable().list(),   expectTable().list() };
+   return { stateTable().list(), plugInStates().list(), logTable().list(), traceTable().list(),
+            expectTable().list() };
 }
 
 }  // namespace Scenario

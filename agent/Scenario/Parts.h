@@ -8,6 +8,7 @@
 // |                  | interfaces: before the plug-in is loaded and in steps     |
 // | Steps.cpp        | `steps`                                                   |
 // | Expectations.cpp | what the step `expect` holds                              |
+// | Rules.cpp        | which rules are expected, what others hold of their group |
 #pragma once
 
 #include <optional>
@@ -40,6 +41,9 @@ void readSteps( Reading & reading, Value const & value, std::vector< StepOf > & 
 void readExpect( Reading & reading, Value const & value,
                  std::vector< Expectation > & expectations );
 
+void readRules( Reading & reading, Value const & value, RulesLike & rules );
+void readForeignEntries( Reading & reading, Value const & value, ForeignEntries & foreign );
+
 void readPath( Reading & reading, Value const & value, EntityPath & path );
 
 template< typename T > void readEntity( Reading & reading, Value const & value, T & target ) {
@@ -69,5 +73,6 @@ std::vector< WordList > switchVocabulary();
 std::vector< WordList > publishedVocabulary();
 std::vector< WordList > stepsVocabulary();
 std::vector< WordList > expectationsVocabulary();
+std::vector< WordList > rulesVocabulary();
 
 }  // namespace Scenario

@@ -187,6 +187,28 @@ void vtepsGone( Reading & reading, Value const & value, Changes & changes ) {
    }
 }
 
+// --- class ids
+
+void readClassIdRequests( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+      changes.push_back( { ClassIdRequest{ vtep }, line } );
+   }
+}
+
+void readClassIdGrants( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ vtep, about ] : keyedOf( reading, value, addressIn ) ) {
+      U32 const id = numberOf( reading, about, 0, VornalCommon::ClassId::kNone ).value_or( 0 );
+      changes.push_back(
+         { ClassIdGrant{ vtep, VornalCommon::ClassId( static_cast< U16 >( id ) ) }, about.line } );
+   }
+}
+
+void classIdGrantsGone( Reading & reading, Value const & value, Changes & changes ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+      changes.push_back( { ClassIdGrant{ vtep, {} }, line } );
+   }
+}
+
 // --- tunnel interfaces
 
 // The tunnel interface whose mappings are being read, and where they go.
@@ -244,7 +266,9 @@ Table< Changes > const & evpnTable() {
    static Table< Changes > const table{ "evpn",
                                         { { { "segments", "" }, readSegments },
                                           { { "vteps", "" }, readVteps },
-                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+                                          { { "tunnel-interfaces", "" }, readTunnels },
+                                          { { "class-id-requests", "" }, readClassIdRequests },
+                                          { { "class-id-grants", "" }, readClassIdGrants } } };
    return table;
 }
 
@@ -254,7 +278,8 @@ Table< Changes > const & publishTable() {
                                           { { "port-channels", "" }, readPortChannels },
                                           { { "segments", "" }, readSegments },
                                           { { "vteps", "" }, readVteps },
-                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+                                          { { "tunnel-interfaces", "" }, readTunnels },
+                                          { { "class-id-grants", "" }, readClassIdGrants } } };
    return table;
 }
 
@@ -264,7 +289,8 @@ Table< Changes > const & withdrawTable() {
                                           { { "port-channels", "" }, membersGone },
                                           { { "segments", "" }, segmentsGone },
                                           { { "vteps", "" }, vtepsGone },
-                                          { { "tunnel-interfaces", "" }, tunnelsGone } } };
+                                          { { "tunnel-interfaces", "" }, tunnelsGone },
+                                          { { "class-id-grants", "" }, classIdGrantsGone } } };
    return table;
 }
 

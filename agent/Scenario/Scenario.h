@@ -29,6 +29,7 @@
 #include <Pelk/IpGenAddr.h>
 #include <Quelm/Integers.h>
 #include <Scenario/EntityPath.h>
+#include <VornalCommon/ClassId.h>
 #include <VornalTypes/VornalPort.h>
 #include <Vxlan/VniExtOrNone.h>
 
@@ -56,12 +57,24 @@ struct Tcam {
    std::optional< U32 > egress = kUsualEntries;
 };
 
+// The ids that the central allocator hands out, both ends included.
+struct ClassIds {
+   static constexpr U16 kHighest = 0xfffe;  // 0xffff stands for no class id
+
+   U16 first = 1;
+   U16 last = 4095;
+   U32 delay = 0;  // turns between a request and its grant, beside the grant's own
+};
+
 struct Switch {
    std::string name;
    std::string slice = "1";  // the slice identifier as text
    Variant variant = Variant::egressMask;
    std::vector< Unit > units;  // ascending; at least one
    Tcam tcam;
+   ClassIds classIds;
+   // The platform does without per-VNI rules for known L3 multicast.
+   bool isL3MulticastExempt = false;
 };
 
 // --- what agents publish; a withdrawal leaves the values (port, virtual port, VNI) default-built
@@ -106,8 +119,20 @@ struct VrfVni {
    Vxlan::VniExtOrNone vni;
 };
 
-using Published = std::variant< InterfacePort, PortChannelMember, Segment, SegmentVtep,
-                                VtepVirtualPort, TunnelInterface, VrfVni >;
+// A class id is wanted for the remote VTEP: what an earlier run of the agent has left behind.
+struct ClassIdRequest {
+   Pelk::IpGenAddr vtep;
+};
+
+// The class id that the remote VTEP is granted.
+struct ClassIdGrant {
+   Pelk::IpGenAddr vtep;
+   VornalCommon::ClassId id;
+};
+
+using Published =
+   std::variant< InterfacePort, PortChannelMember, Segment, SegmentVtep, VtepVirtualPort,
+                 TunnelInterface, VrfVni, ClassIdRequest, ClassIdGrant >;
 
 struct Change {
    Published what;
@@ -145,12 +170,27 @@ struct TcamGroupsAskedFor {
    std::vector< TcamGroup > groups;
 };
 
-// The number of entries that the plug-in holds in the group, on one unit or on all of them
-// together.
-struct RuleCount {
+// A qualifier or an action that a rule has, by its short name (Chip::nameOf), with its data, or
+// with the ports of a port mask; without numbers any will do.
+struct RuleFieldWanted {
+   std::string name;
+   std::vector< U32 > numbers;
+};
+
+// Rules that the plug-in holds in the group, on one unit or on all of them, which are as the rest
+// says: `count` of them, or if that is empty at least one.
+struct RulesLike {
+   struct DefaultPriority {};
+
    TcamGroup group = TcamGroup::ingress;
    std::optional< U16 > unit;
-   U32 count = 0;
+   std::string name;  // contained in the rule's
+   std::optional< bool > isWritten;
+   std::optional< std::variant< DefaultPriority, U32 > > priority;
+   std::vector< RuleFieldWanted > qualifiers;
+   std::vector< RuleFieldWanted > actions;
+   bool doesNothing = false;  // has no action
+   std::optional< U32 > count;
 };
 
 // Lines logged or traced since the scenario began that contain `text`: `times` of them, or if that
@@ -168,7 +208,7 @@ struct TraceLine {
 };
 
 using Expected = std::variant< AttributeEquals, AttributeHas, PluginReady, TcamGroupsAskedFor,
-                               RuleCount, LogLine, TraceLine >;
+                               RulesLike, LogLine, TraceLine >;
 
 struct Expectation {
    Expected what;
@@ -216,7 +256,26 @@ struct Expect {
    std::vector< Expectation > expectations;
 };
 
-using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, Expect >;
+// Other users of the group hold `count` entries of it from now on, on one unit or on each of them.
+struct ForeignEntries {
+   TcamGroup group = TcamGroup::ingress;
+   std::optional< U16 > unit;
+   U32 count = 0;
+};
+
+// The allocator of class ids grants nothing while it is paused.
+struct ClassIdAllocator {
+   bool isPaused = false;
+};
+
+// Shows an entity, or all rules.
+struct Dump {
+   struct Rules {};
+   std::variant< Rules, EntityPath > what;
+};
+
+using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, ForeignEntries,
+                             ClassIdAllocator, Dump, Expect >;
 
 struct Step {
    Action action;

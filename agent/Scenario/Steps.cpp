@@ -87,6 +87,31 @@ void readCall( Reading & reading, Value const & value, StepWords & words ) {
    words.actions.emplace_back( std::move( call ) );
 }
 
+void readForeignStep( Reading & reading, Value const & value, StepWords & words ) {
+   ForeignEntries foreign;
+   readForeignEntries( reading, value, foreign );
+   words.actions.emplace_back( foreign );
+}
+
+Choices< bool > const & allocatorStates() {
+   static Choices< bool > const choices{ "class-id-allocator",
+                                         { { "paused", true }, { "serving", false } } };
+   return choices;
+}
+
+void readAllocator( Reading & reading, Value const & value, StepWords & words ) {
+   words.actions.emplace_back(
+      ClassIdAllocator{ choiceOf( reading, value, allocatorStates() ).value_or( false ) } );
+}
+
+void readDump( Reading & reading, Value const & value, StepWords & words ) {
+   Dump dump;
+   if ( !value.node.IsScalar() || value.node.Scalar() != "rules" ) {
+      readPath( reading, value, dump.what.emplace< EntityPath >() );
+   }
+   words.actions.emplace_back( std::move( dump ) );
+}
+
 void readExpectStep( Reading & reading, Value const & value, StepWords & words ) {
    Expect expect;
    readExpect( reading, value, expect.expectations );
@@ -106,6 +131,9 @@ Table< StepWords > const & stepTable() {
                                             { { "set", "" }, readSet },
                                             { { "delete", "" }, readDelete },
                                             { { "call", "" }, readCall },
+                                            { { "foreign-entries", "" }, readForeignStep },
+                                            { { "class-id-allocator", "" }, readAllocator },
+                                            { { "dump", "" }, readDump },
                                             { { "expect", "" }, readExpectStep },
                                             { { "only-on", "" }, readOnlyOn } } };
    return table;
@@ -149,7 +177,8 @@ void readPath( Reading & reading, Value const & value, EntityPath & path ) {
 }
 
 std::vector< WordList > stepsVocabulary() {
-   return { setTable().list(), deleteTable().list(), callTable().list(), stepTable().list() };
+   return { setTable().list(), deleteTable().list(), callTable().list(), allocatorStates().list(),
+            stepTable().list() };
 }
 
 }  // namespace Scenario

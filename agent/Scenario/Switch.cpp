@@ -87,6 +87,45 @@ void readTcam( Reading & reading, Value const & value, Model & model ) {
    readMapping( reading, value, tcamTable(), model.device.tcam );
 }
 
+template< U16 ClassIds::*end >
+void readClassIdEnd( Reading & reading, Value const & value, ClassIds & classIds ) {
+   if ( auto const id = numberOf( reading, value, 0, ClassIds::kHighest ) ) {
+      classIds.*end = static_cast< U16 >( *id );
+   }
+}
+
+void readClassIdDelay( Reading & reading, Value const & value, ClassIds & classIds ) {
+   constexpr U32 kLongest = 1'000'000;
+   classIds.delay = numberOf( reading, value, 0, kLongest ).value_or( 0 );
+}
+
+Table< ClassIds > const & classIdsTable() {
+   static Table< ClassIds > const table{ "class-ids",
+                                         { { { "first", "" }, readClassIdEnd< &ClassIds::first > },
+                                           { { "last", "" }, readClassIdEnd< &ClassIds::last > },
+                                           { { "delay", "" }, readClassIdDelay } } };
+   return table;
+}
+
+void readClassIds( Reading & reading, Value const & value, Model & model ) {
+   ClassIds & classIds = model.device.classIds;
+   readMapping( reading, value, classIdsTable(), classIds );
+   if ( classIds.last < classIds.first ) {
+      reading.problem( value.line, "class-ids end at " + std::to_string( classIds.last ) +
+                                      " before they begin at " + std::to_string( classIds.first ) +
+                                      "; 'last' is the highest id" );
+   }
+}
+
+Choices< bool > const & yesOrNo() {
+   static Choices< bool > const choices{ "yes-or-no", { { "true", true }, { "false", false } } };
+   return choices;
+}
+
+void readL3MulticastExempt( Reading & reading, Value const & value, Model & model ) {
+   model.device.isL3MulticastExempt = choiceOf( reading, value, yesOrNo() ).value_or( false );
+}
+
 void readSwitchInterfaces( Reading & reading, Value const & value, Model & model ) {
    readInterfaces( reading, value, model.published );
 }
@@ -102,6 +141,8 @@ Table< Model > const & switchTable() {
                                         { { "variant", "variant: egress-mask" }, readVariant },
                                         { { "units", "units: { 0: { module: 1 } }" }, readUnits },
                                         { { "tcam", "" }, readTcam },
+                                        { { "class-ids", "" }, readClassIds },
+                                        { { "l3-multicast-exempt", "" }, readL3MulticastExempt },
                                         { { "interfaces", "" }, readSwitchInterfaces },
                                         { { "port-channels", "" }, readSwitchPortChannels } } };
    return table;
@@ -128,8 +169,8 @@ void readSwitch( Reading & reading, Value const & value, Model & model ) {
 }
 
 std::vector< WordList > switchVocabulary() {
-   return { switchTable().list(), unitTable().list(), tcamTable().list(), variants().list(),
-            tcamGroups().list() };
+   return { switchTable().list(),   unitTable().list(), tcamTable().list(),
+            classIdsTable().list(), variants().list(),  tcamGroups().list() };
 }
 
 }  // namespace Scenario

@@ -62,9 +62,9 @@ class Writer {
 
 }  // namespace
 
-std::string treeText( EntityShown const & shown ) {
+std::string treeText( std::string const & path, EntityTree const & tree ) {
    Writer writer;
-   writer.tree( shown.path, shown.tree );
+   writer.tree( path, tree );
    return writer.text();
 }
 

@@ -14,7 +14,7 @@
 
 namespace Story {
 
-std::string treeText( EntityShown const & shown );
+std::string treeText( std::string const & path, EntityTree const & tree );
 
 // One line: the path and the type.
 std::string pathLine( EntityShown const & shown );

@@ -181,6 +181,27 @@ struct ExpectationChecked {
    std::string found;  // what was there instead, when it did not hold
 };
 
+// Other users of a group hold this many of its entries now.
+struct ForeignEntriesAre {
+   static constexpr char const * kName = "foreignEntriesAre";
+   U32 unit = 0;
+   U32 group = 0;
+   U32 asked = 0;
+   U32 held = 0;  // less than asked when there is no room for more
+};
+
+// What a step dumps: an entity, or the rules as they are in the chips.
+struct EntityDumped {
+   static constexpr char const * kName = "entityDumped";
+   std::string path;
+   EntityTree tree;
+};
+
+struct RulesDumped {
+   static constexpr char const * kName = "rulesDumped";
+   std::vector< Rule > rules;
+};
+
 // An entity that was asked to be shown.
 struct EntityShown {
    static constexpr char const * kName = "entityShown";
@@ -216,7 +237,8 @@ using Event =
    std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, PluginLoaded, MountAsked,
                  MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
                  DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
-                 LogLine, ExpectationChecked, EntityShown, OutputLine, Stopped >;
+                 LogLine, ExpectationChecked, ForeignEntriesAre, EntityDumped, RulesDumped,
+                 EntityShown, OutputLine, Stopped >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

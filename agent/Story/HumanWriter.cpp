@@ -1,6 +1,10 @@
 #include <Story/HumanWriter.h>
 
+#include <sstream>
+
 #include <fmt/format.h>
+
+#include <Story/EntityText.h>
 
 namespace Story {
 
@@ -109,6 +113,24 @@ void HumanWriter::ruleChanges() {
 void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
    detail( what + headingOf( rule ) );
    detail( "   " + contentOf( rule ) );
+}
+
+// --- Dumps
+
+void HumanWriter::tell( EntityDumped const & event ) {
+   std::istringstream tree( treeText( event.path, event.tree ) );
+   for ( std::string line; std::getline( tree, line ); ) {
+      detail( line );
+   }
+}
+
+void HumanWriter::tell( RulesDumped const & event ) {
+   for ( Rule const & rule : event.rules ) {
+      ruleLine( "rule: ", rule );
+   }
+   if ( event.rules.empty() ) {
+      detail( "there are no rules" );
+   }
 }
 
 // --- What the plug-in does

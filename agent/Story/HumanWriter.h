@@ -36,6 +36,8 @@ class HumanWriter final : public Observer {
    void tell( RuleIs const & event ) { rules_.onEvent( event ); }
    void tell( RuleGone const & event ) { rules_.onEvent( event ); }
    void tell( ExpectationChecked const & event );
+   void tell( EntityDumped const & event );
+   void tell( RulesDumped const & event );
    void tell( HardwareCall const & ) {}  // shows in the rules
    void tell( BadInput const & ) {}      // leaves nothing to tell
    void tell( EntityShown const & ) {}   // is what another command is for

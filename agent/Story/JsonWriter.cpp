@@ -20,6 +20,8 @@ Json emptyStep( StepBegins const & step ) {
             { "log", Json::array() },
             { "traces", Json::array() },
             { "frames", Json::array() },
+            { "foreignEntries", Json::array() },
+            { "dumps", Json::array() },
             { "expectations", Json::array() } };
 }
 
@@ -207,6 +209,25 @@ void JsonWriter::take( ExpectationChecked const & event ) {
                                          { "place", event.place },
                                          { "held", event.held },
                                          { "found", textOrNull( event.found ) } } );
+}
+
+void JsonWriter::take( ForeignEntriesAre const & event ) {
+   step()[ "foreignEntries" ].push_back( { { "unit", event.unit },
+                                           { "group", event.group },
+                                           { "asked", event.asked },
+                                           { "held", event.held } } );
+}
+
+void JsonWriter::take( EntityDumped const & event ) {
+   step()[ "dumps" ].push_back( { { "path", event.path }, { "entity", jsonOf( event.tree ) } } );
+}
+
+void JsonWriter::take( RulesDumped const & event ) {
+   Json rules = Json::array();
+   for ( Rule const & rule : event.rules ) {
+      rules.push_back( jsonOf( rule ) );
+   }
+   step()[ "dumps" ].push_back( { { "rules", std::move( rules ) } } );
 }
 
 }  // namespace Story

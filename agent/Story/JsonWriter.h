@@ -58,6 +58,9 @@ class JsonWriter final : public Observer {
    void take( TraceLine const & event );
    void take( LogLine const & event );
    void take( ExpectationChecked const & event );
+   void take( ForeignEntriesAre const & event );
+   void take( EntityDumped const & event );
+   void take( RulesDumped const & event );
    template< typename Other > void take( Other const & ) {}
 
    Json & step() { return document_[ "steps" ].back(); }

@@ -119,6 +119,16 @@ std::string wordsOf( ExpectationChecked const & event ) {
              : fmt::format( "NOT as expected: {}; {} ({})", event.text, event.found, event.place );
 }
 
+std::string wordsOf( ForeignEntriesAre const & event ) {
+   std::string const held =
+      fmt::format( "others hold {} of unit {}, {}",
+                   event.held == 1 ? "1 entry" : fmt::format( "{} entries", event.held ),
+                   event.unit, groupName( event.group ) );
+   return event.held == event.asked
+             ? held
+             : held + fmt::format( "; there is no room for the {} they ask for", event.asked );
+}
+
 std::string wordsOf( OutputLine const & event ) {
    return "printed: " + event.text;
 }

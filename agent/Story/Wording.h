@@ -19,6 +19,7 @@ std::string wordsOf( PublishedChange const & event );
 std::string wordsOf( TraceLine const & event );
 std::string wordsOf( LogLine const & event );
 std::string wordsOf( ExpectationChecked const & event );
+std::string wordsOf( ForeignEntriesAre const & event );
 std::string wordsOf( OutputLine const & event );
 
 // "step 3", "start-up", "teardown".

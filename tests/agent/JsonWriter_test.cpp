@@ -41,8 +41,8 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
                        "steps", "rules", "frames", "log", "counters" } ) );
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
-                       "rulesChanged", "rulesRemoved", "log", "traces", "frames",
-                       "expectations" } ) );
+                       "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",
+                       "dumps", "expectations" } ) );
    EXPECT_EQ( namesIn( document[ "rules" ][ 0 ] ),
               ( Names{ "unit", "group", "id", "name", "priority", "written", "qualifiers",
                        "actions" } ) );

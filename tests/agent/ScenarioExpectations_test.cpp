@@ -1,6 +1,7 @@
 // What the step `expect` holds.
 #include <gtest/gtest.h>
 
+#include <Scenario/Description.h>
 #include <ScenarioTexts.h>
 
 namespace {
@@ -19,6 +20,10 @@ std::vector< Scenario::Expectation > expectations( std::string const & expect ) 
 
 template< typename Expected > Expected expected( std::string const & expect ) {
    return std::get< Expected >( expectations( expect ).at( 0 ).what );
+}
+
+std::string describedOf( std::string const & expect ) {
+   return Scenario::description( expectations( expect ).at( 0 ).what );
 }
 
 std::string expectProblems( std::string const & expect ) {
@@ -67,13 +72,33 @@ TEST( ScenarioExpectations, LookForAKey ) {
 
 TEST( ScenarioExpectations, CountRulesOnOneUnitOrOnAll ) {
    auto const one =
-      expected< Scenario::RuleCount >( "{ rules: { group: ingress, unit: 0, count: 3 } }" );
+      expected< Scenario::RulesLike >( "{ rules: { group: ingress, unit: 0, count: 3 } }" );
    EXPECT_EQ( one.group, Scenario::TcamGroup::ingress );
    EXPECT_EQ( one.unit, U16{ 0 } );
    EXPECT_EQ( one.count, 3U );
-   auto const all = expected< Scenario::RuleCount >( "{ rules: { group: egress, count: 0 } }" );
+   auto const all = expected< Scenario::RulesLike >( "{ rules: { group: egress } }" );
    EXPECT_EQ( all.group, Scenario::TcamGroup::egress );
    EXPECT_EQ( all.unit, std::nullopt );
+   EXPECT_EQ( all.count, std::nullopt );
+}
+
+TEST( ScenarioExpectations, DescribeRulesByWhatTheyMatchAndDo ) {
+   EXPECT_EQ( describedOf( "{ rules: { group: ingress, name: from vtep, state: written,\n"
+                           "           priority: 1, qualifiers: { SrcVxlanGport: 0x56000002 },\n"
+                           "           actions: { EgressMask: [ 3, 4 ] }, count: 1 } }" ),
+              "1 rules in group ingress, named \"from vtep\", matching SrcVxlanGport 1442840578, "
+              "doing EgressMask 3, 4, priority 1, written" );
+   EXPECT_EQ( describedOf( "{ rules: { group: ingress, priority: default, actions: none,\n"
+                           "           qualifiers: { TunnelTerminated: }, state: staged-only } }" ),
+              "one or more rules in group ingress, matching TunnelTerminated, doing nothing, "
+              "the default priority, staged only" );
+}
+
+TEST( ScenarioExpectations, RefuseFieldsThatNoRuleHas ) {
+   EXPECT_EQ( leafProblems( "steps:\n"
+                            "   - expect: { rules: { group: ingress, actions: { Drpo: } } }\n" ),
+              "leaf.yaml:10: 'Drpo' is none of a rule's actions; known are EgressMask, "
+              "EgressClassSelect, NewClassId and Drop" );
 }
 
 TEST( ScenarioExpectations, LookForLogLines ) {
@@ -151,8 +176,7 @@ TEST( ScenarioExpectations, MissWhatIsRequired ) {
               "leaf.yaml:10: 'attribute' is missing in state; give it, as in 'attribute: "
               "segmentStatus'" );
    EXPECT_EQ( expectProblems( "{ rules: {} }" ),
-              "leaf.yaml:10: 'group' is missing in rules; give it, as in 'group: ingress'\n"
-              "leaf.yaml:10: 'count' is missing in rules; give it, as in 'count: 3'" );
+              "leaf.yaml:10: 'group' is missing in rules; give it, as in 'group: ingress'" );
    EXPECT_EQ( expectProblems( "{ log: {} }" ),
               "leaf.yaml:10: 'text' is missing in log; give it, as in 'text: "
               "MULTIHOMING_TCAM_RESOURCE_FULL'" );

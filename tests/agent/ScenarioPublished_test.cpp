@@ -155,10 +155,10 @@ TEST( ScenarioPublished, LetsAMemberMoveInASecondStep ) {
 TEST( ScenarioPublished, RefusesToPublishOrWithdrawNothing ) {
    EXPECT_EQ( publishProblems( "        {}\n" ),
               "leaf.yaml:10: publish is empty; give one at least of interfaces, port-channels, "
-              "segments, vteps and tunnel-interfaces" );
+              "segments, vteps, tunnel-interfaces and class-id-grants" );
    EXPECT_EQ( withdrawProblems( "" ),
               "leaf.yaml:10: withdraw is empty; give one at least of interfaces, port-channels, "
-              "segments, vteps and tunnel-interfaces" );
+              "segments, vteps, tunnel-interfaces and class-id-grants" );
 }
 
 TEST( ScenarioPublished, RefusesUnknownWords ) {

@@ -67,11 +67,11 @@ TEST( ScenarioSwitch, CanLackATcamGroup ) {
 TEST( ScenarioSwitch, IsAMapping ) {
    EXPECT_EQ( problems( "scenario: s\nswitch: leaf1\n" ),
               "leaf.yaml:2: switch is text; a mapping is expected, of name, slice, variant, units, "
-              "tcam, interfaces and port-channels" );
+              "tcam, class-ids, l3-multicast-exempt, interfaces and port-channels" );
    EXPECT_EQ(
       problems( "scenario: s\nswitch:\n" ),
       "leaf.yaml:2: switch is empty; a mapping is expected, of name, slice, variant, units, "
-      "tcam, interfaces and port-channels" );
+      "tcam, class-ids, l3-multicast-exempt, interfaces and port-channels" );
 }
 
 TEST( ScenarioSwitch, NeedsNameVariantAndUnits ) {

@@ -14,7 +14,7 @@ using VornalTypes::VornalPort;
 
 std::string textOf( std::string const & path, Kiv::Entity const & entity,
                     StateDatabase::Directory const & published = {} ) {
-   return Story::treeText( { path, StateDatabase::treeOf( path, entity, published.entities() ) } );
+   return Story::treeText( path, StateDatabase::treeOf( path, entity, published.entities() ) );
 }
 
 TEST( Tree, shows_members_and_their_sets_below_each_other ) {

@@ -1,0 +1,134 @@
+#include <Host/ClassIdAllocator.h>
+
+namespace Host {
+
+using Pelk::IpGenAddr;
+using VornalCommon::ClassId;
+
+ClassIdAllocator::ClassIdAllocator( Scenario::ClassIds const & range,
+                                    Kiv::ActivityManager & activity, Quelm::Ptr< Config > config,
+                                    Quelm::Ptr< Status > status )
+      : range_( range ),
+        activity_( activity ),
+        config_( std::move( config ) ),
+        status_( std::move( status ) ),
+        watch_( config_, [ this ]( Kiv::Change const & change ) { noteRequest( change ); } ) {
+   for ( U32 id = range_.first; id <= range_.last; ++id ) {
+      free_.insert( static_cast< U16 >( id ) );
+   }
+}
+
+void ClassIdAllocator::start() {
+   for ( auto grant = status_->remoteESPeerVtepIter(); grant; ++grant ) {
+      take( grant.value() );
+      if ( !config_->remoteESPeerVtepHas( grant.key() ) ) {
+         activity_.turnNew( [ this, vtep = grant.key() ] { grantDel( vtep ); } );
+      }
+   }
+   for ( auto request = config_->remoteESPeerVtepIter(); request; ++request ) {
+      if ( !status_->remoteESPeerVtepHas( request.key() ) ) {
+         queue( { request.key(), true } );
+      }
+   }
+   watch_.hasNotificationActiveIs( true );
+}
+
+// --- Requests
+
+void ClassIdAllocator::noteRequest( Kiv::Change const & change ) {
+   queue( { change.key< IpGenAddr >(), change.newValue< bool >() != nullptr } );
+}
+
+void ClassIdAllocator::queue( Event const & event ) {
+   events_.push_back( event );
+   if ( !event.isRequest ) {
+      ++cancellations_[ event.vtep ];
+   }
+   turnAfter( range_.delay );
+}
+
+// Acts on the next event that many turns later than the next turn.
+void ClassIdAllocator::turnAfter( U32 turns ) {
+   activity_.turnNew( [ this, turns ] { turns == 0 ? actOnNext() : turnAfter( turns - 1 ); } );
+}
+
+void ClassIdAllocator::actOnNext() {
+   Event const event = events_.front();
+   events_.pop_front();
+   if ( !event.isRequest ) {
+      release( event.vtep );
+   } else if ( !cancellations_.contains( event.vtep ) &&
+               !status_->remoteESPeerVtepHas( event.vtep ) ) {
+      waiting_.push_back( event.vtep );
+   }
+   serve();
+}
+
+void ClassIdAllocator::release( IpGenAddr const & vtep ) {
+   auto const cancellations = cancellations_.find( vtep );
+   if ( --cancellations->second == 0 ) {
+      cancellations_.erase( cancellations );
+   }
+   std::erase( waiting_, vtep );
+   grantDel( vtep );
+}
+
+// --- Grants
+
+void ClassIdAllocator::serve() {
+   activity_.turnNew( [ this ] { serveNext(); } );
+}
+
+void ClassIdAllocator::serveNext() {
+   if ( isPaused_ || waiting_.empty() || free_.empty() ) {
+      return;
+   }
+   IpGenAddr const vtep = waiting_.front();
+   waiting_.pop_front();
+   grantIs( vtep, ClassId( *free_.begin() ) );
+   serve();
+}
+
+void ClassIdAllocator::isPausedIs( bool paused ) {
+   isPaused_ = paused;
+   serve();
+}
+
+void ClassIdAllocator::grantIs( IpGenAddr const & vtep, ClassId id ) {
+   if ( !watch_.hasNotificationActive() ) {
+      status_->remoteESPeerVtepIs( vtep, id );  // found at the start
+      return;
+   }
+   std::erase( waiting_, vtep );
+   take( id );
+   if ( status_->remoteESPeerVtepHas( vtep ) ) {
+      giveBack( status_->remoteESPeerVtep( vtep ) );
+   }
+   status_->remoteESPeerVtepIs( vtep, id );
+}
+
+void ClassIdAllocator::grantDel( IpGenAddr const & vtep ) {
+   if ( status_->remoteESPeerVtepHas( vtep ) ) {
+      giveBack( status_->remoteESPeerVtep( vtep ) );
+      status_->remoteESPeerVtepDel( vtep );
+   }
+}
+
+// --- Ids
+
+void ClassIdAllocator::take( ClassId id ) {
+   ++users_[ id.value() ];
+   free_.erase( id.value() );
+}
+
+void ClassIdAllocator::giveBack( ClassId id ) {
+   auto const users = users_.find( id.value() );
+   if ( users != users_.end() && --users->second == 0 ) {
+      users_.erase( users );
+      if ( id.value() >= range_.first && id.value() <= range_.last ) {
+         free_.insert( id.value() );
+      }
+   }
+}
+
+}  // namespace Host

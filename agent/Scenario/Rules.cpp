@@ -1,0 +1,132 @@
+#include <FieldProcessor/Fields.h>
+#include <Scenario/Parts.h>
+
+namespace Scenario {
+
+namespace {
+
+constexpr U32 kHighestNumber = ~U32{ 0 };
+
+// --- the place: a group, and a unit if only one is meant
+
+template< typename T > void readGroup( Reading & reading, Value const & value, T & target ) {
+   target.group = choiceOf( reading, value, tcamGroups() ).value_or( TcamGroup::ingress );
+}
+
+template< typename T > void readUnit( Reading & reading, Value const & value, T & target ) {
+   auto const number = numberOf( reading, value, 0, 0xffff );
+   if ( number && reading.module( static_cast< U16 >( *number ), value.line ) ) {
+      target.unit = static_cast< U16 >( *number );
+   }
+}
+
+// --- qualifiers and actions
+
+using Fields = std::vector< RuleFieldWanted >;
+
+// A number, a list of them, or nothing where any will do.
+std::vector< U32 > numbersOf( Reading & reading, Value const & value ) {
+   std::vector< U32 > numbers;
+   if ( value.node.IsNull() ) {
+      return numbers;
+   }
+   if ( !value.node.IsSequence() ) {
+      return { numberOf( reading, value, 0, kHighestNumber ).value_or( 0 ) };
+   }
+   for ( Value const & element : listOf( reading, value ) ) {
+      numbers.push_back( numberOf( reading, element, 0, kHighestNumber ).value_or( 0 ) );
+   }
+   return numbers;
+}
+
+template< typename Names >
+void readFields( Reading & reading, Value const & value, Names const & names, Fields & fields ) {
+   std::vector< std::string_view > known;
+   for ( auto const name : names ) {
+      known.push_back( Chip::nameOf( name ) );
+   }
+   for ( Value const & field : mappingOf( reading, value ) ) {
+      if ( std::find( known.begin(), known.end(), field.name ) == known.end() ) {
+         reading.problem( field.line, inQuotes( field.name ) + " is none of a rule's " +
+                                         value.name + "; known are " + listed( known, "and" ) );
+      }
+      fields.push_back( { field.name, numbersOf( reading, field ) } );
+   }
+}
+
+void readQualifiers( Reading & reading, Value const & value, RulesLike & rules ) {
+   readFields( reading, value, Chip::kQualifiers, rules.qualifiers );
+}
+
+void readActions( Reading & reading, Value const & value, RulesLike & rules ) {
+   if ( value.node.IsScalar() && value.node.Scalar() == "none" ) {
+      rules.doesNothing = true;
+   } else {
+      readFields( reading, value, Chip::kActions, rules.actions );
+   }
+}
+
+// --- the rest
+
+void readPriority( Reading & reading, Value const & value, RulesLike & rules ) {
+   if ( value.node.IsScalar() && value.node.Scalar() == "default" ) {
+      rules.priority = RulesLike::DefaultPriority{};
+   } else if ( auto const priority =
+                  numberOf( reading, value, 0, kHighestNumber, ", or default" ) ) {
+      rules.priority = *priority;
+   }
+}
+
+Choices< bool > const & writtenOrStaged() {
+   static Choices< bool > const choices{ "written",
+                                         { { "written", true }, { "staged-only", false } } };
+   return choices;
+}
+
+void readState( Reading & reading, Value const & value, RulesLike & rules ) {
+   rules.isWritten = choiceOf( reading, value, writtenOrStaged() );
+}
+
+Table< RulesLike > const & rulesTable() {
+   static Table< RulesLike > const table{
+      "rules",
+      { { { "group", "group: ingress" }, readGroup< RulesLike > },
+        { { "unit", "" }, readUnit< RulesLike > },
+        { { "name", "" }, readText< RulesLike, &RulesLike::name > },
+        { { "state", "" }, readState },
+        { { "priority", "" }, readPriority },
+        { { "qualifiers", "" }, readQualifiers },
+        { { "actions", "" }, readActions },
+        { { "count", "" }, readNumber< RulesLike, &RulesLike::count, 0, kHighestNumber > } }
+   };
+   return table;
+}
+
+void readForeignCount( Reading & reading, Value const & value, ForeignEntries & foreign ) {
+   foreign.count = numberOf( reading, value, 0, Tcam::kMostEntries ).value_or( 0 );
+}
+
+Table< ForeignEntries > const & foreignTable() {
+   static Table< ForeignEntries > const table{ "foreign-entries",
+                                               { { { "group", "group: ingress" },
+                                                   readGroup< ForeignEntries > },
+                                                 { { "unit", "" }, readUnit< ForeignEntries > },
+                                                 { { "count", "count: 3" }, readForeignCount } } };
+   return table;
+}
+
+}  // namespace
+
+void readRules( Reading & reading, Value const & value, RulesLike & rules ) {
+   readMapping( reading, value, rulesTable(), rules );
+}
+
+void readForeignEntries( Reading & reading, Value const & value, ForeignEntries & foreign ) {
+   readMapping( reading, value, foreignTable(), foreign );
+}
+
+std::vector< WordList > rulesVocabulary() {
+   return { rulesTable().list(), foreignTable().list(), writtenOrStaged().list() };
+}
+
+}  // namespace Scenario

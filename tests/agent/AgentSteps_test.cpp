@@ -1,0 +1,106 @@
+// Steps that concern others than the plug-in: users of the TCAM, the allocator of class ids; and
+// dumps.
+#include <gtest/gtest.h>
+
+#include <AgentRun.h>
+
+namespace {
+
+using Steps = AgentRun;
+
+TEST_F( Steps, let_others_take_the_room_of_a_group_and_give_it_back ) {
+   run(
+      "   - foreign-entries: { group: ingress, unit: 0, count: 9 }\n"
+      "   - ready: subagents::l2Ready\n"
+      "   - expect: { rules: { group: ingress, count: 0 }, log: SAMPLE_GROUP_FULL }\n"
+      "   - foreign-entries: { group: ingress, count: 7 }\n"
+      "   - publish: { segments: { Ethernet2: [] } }\n"
+      "   - expect: { rules: { group: ingress, count: 1 } }\n" );
+
+   EXPECT_EQ( failedExpectations(), 0U );
+   auto const held = inStep< Story::ForeignEntriesAre >( 1 );
+   ASSERT_EQ( held.size(), 1U );
+   EXPECT_EQ( held[ 0 ].asked, 9U );
+   EXPECT_EQ( held[ 0 ].held, 8U );
+}
+
+TEST_F( Steps, expect_rules_by_what_they_are_called_match_and_do ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - expect:\n"
+      "        - rules: { group: ingress, name: Sample Ethernet1, state: written, priority: 1,\n"
+      "                   qualifiers: { PacketRes: 4 }, actions: { EgressMask: [ 3 ] } }\n"
+      "        - rules: { group: ingress, qualifiers: { PacketRes: }, actions: { EgressMask: } }\n"
+      "        - rules: { group: ingress, qualifiers: { PacketRes: 5 }, count: 0 }\n"
+      "        - rules: { group: ingress, qualifiers: { SrcVxlanGport: }, count: 0 }\n"
+      "        - rules: { group: ingress, actions: { EgressMask: [ 3, 4 ] }, count: 0 }\n"
+      "        - rules: { group: ingress, actions: none, count: 0 }\n"
+      "        - rules: { group: ingress, priority: default, count: 0 }\n"
+      "        - rules: { group: ingress, priority: 2, count: 0 }\n"
+      "        - rules: { group: ingress, state: staged-only, count: 0 }\n"
+      "        - rules: { group: ingress, name: Ethernet2, count: 0 }\n"
+      "   - expect: { rules: { group: ingress, name: Ethernet1, count: 2 } }\n" );
+
+   EXPECT_EQ( failedExpectations(), 1U );
+   EXPECT_EQ( inStep< Story::ExpectationChecked >( 3 ).at( 0 ).found, "there is one" );
+}
+
+TEST_F( Steps, dump_rules_and_entities ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - dump: rules\n"
+      "   - dump: /evpn/status\n" );
+
+   EXPECT_EQ( inStep< Story::RulesDumped >( 2 ).at( 0 ).rules.at( 0 ).name, "Sample Ethernet1" );
+   auto const dumped = inStep< Story::EntityDumped >( 3 ).at( 0 );
+   EXPECT_EQ( dumped.path, "/evpn/status" );
+   EXPECT_EQ( dumped.tree.type, "Evpn::EvpnStatus" );
+}
+
+TEST_F( Steps, end_the_run_at_a_dump_of_what_is_not_there ) {
+   run( "   - dump: /evpn/nothing\n" );
+
+   EXPECT_NE( story.all< Story::BadInput >().at( 0 ).text.find( "leaf.yaml:20: " ),
+              std::string::npos );
+}
+
+// The class id that VTEP 10.0.0.2 is granted, with every change of it, in one step.
+std::vector< std::string > grantsIn( std::vector< Story::PublishedChange > const & changes ) {
+   std::vector< std::string > grants;
+   for ( Story::PublishedChange const & change : changes ) {
+      if ( change.path.find( "i2eclassid/status" ) != std::string::npos ) {
+         grants.push_back( change.to.value_or( "none" ) );
+      }
+   }
+   return grants;
+}
+
+std::string const kAsk =
+   "   - set: { entity: /hardware/vornal/i2eclassid/config/slice/3, attribute: remoteESPeerVtep,\n"
+   "            key: 10.0.0.2, value: true }\n";
+
+using Grants = std::vector< std::string >;
+
+TEST_F( Steps, are_over_when_the_allocator_has_served_what_they_ask_for ) {
+   run( kAsk );
+
+   EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 1 ) ), Grants{ "1" } );
+}
+
+TEST_F( Steps, pause_the_allocator_and_let_it_serve ) {
+   run( "   - class-id-allocator: paused\n" + kAsk + "   - class-id-allocator: serving\n" );
+
+   EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 2 ) ), Grants() );
+   EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 3 ) ), Grants{ "1" } );
+}
+
+TEST_F( Steps, grant_change_and_withdraw_class_ids_by_hand ) {
+   run( kAsk +
+        "   - publish: { class-id-grants: { 10.0.0.2: 7 } }\n"
+        "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
+
+   EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 2 ) ), Grants{ "7" } );
+   EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 3 ) ), Grants{ "none" } );
+}
+
+}  // namespace

@@ -1,0 +1,172 @@
+// The central allocator of class ids: what it grants, when, and what it takes back.
+#include <Host/ClassIdAllocator.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Host::ClassIdAllocator;
+using Pelk::IpGenAddr;
+using VornalCommon::ClassId;
+
+IpGenAddr vtep( U32 n ) {
+   return IpGenAddr::fromString( "10.0.0." + std::to_string( n ) );
+}
+
+// An allocator, the requests it reads and the grants it writes. Grants are noted as they happen.
+class Allocator : public testing::Test {
+ protected:
+   void start( Scenario::ClassIds const & range ) {
+      allocator.emplace( range, activity, config, status );
+      activity.turnNew( [ this ] { allocator->start(); } );
+      activity.run();
+      watch.hasNotificationActiveIs( true );
+   }
+
+   void inTurn( std::function< void() > const & work ) {
+      activity.turnNew( work );
+      activity.run();
+   }
+   void ask( U32 n ) { config->remoteESPeerVtepIs( vtep( n ), true ); }
+   void giveBack( U32 n ) { config->remoteESPeerVtepDel( vtep( n ) ); }
+
+   // The grant of VTEP n, or 0.
+   U16 grant( U32 n ) const {
+      return status->remoteESPeerVtepHas( vtep( n ) )
+                ? status->remoteESPeerVtep( vtep( n ) ).value()
+                : U16{ 0 };
+   }
+
+   Kiv::ActivityManager activity;
+   Quelm::Ptr< ClassIdAllocator::Config > config =
+      Quelm::make< ClassIdAllocator::Config >( "config" );
+   Quelm::Ptr< ClassIdAllocator::Status > status =
+      Quelm::make< ClassIdAllocator::Status >( "status" );
+   std::vector< std::string > story;
+   Kiv::Watch< ClassIdAllocator::Status > watch{
+      status,
+      [ this ]( Kiv::Change const & change ) {
+         auto const * const id = change.newValue< ClassId >();
+         story.push_back( change.key< IpGenAddr >().stringValue() +
+                          ( id ? " gets " + std::to_string( id->value() ) : " loses it" ) );
+      }
+   };
+   std::optional< ClassIdAllocator > allocator;
+};
+
+using Story = std::vector< std::string >;
+
+TEST_F( Allocator, GrantsTheLowestFreeIdInTheOrderOfTheRequests ) {
+   start( { 3, 9, 0 } );
+   inTurn( [ & ] {
+      ask( 7 );
+      ask( 2 );
+      EXPECT_EQ( story, Story() ) << "granted within the turn that asks";
+   } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.7 gets 3", "10.0.0.2 gets 4" } ) );
+   inTurn( [ & ] { giveBack( 7 ); } );
+   inTurn( [ & ] { ask( 5 ); } );
+   EXPECT_EQ( grant( 5 ), 3 );
+}
+
+TEST_F( Allocator, GrantsOneTurnLaterThanTheRequestAndTheDelayLaterStill ) {
+   start( { 1, 9, 3 } );
+   Story turns;
+   activity.turnNew( [ & ] { ask( 2 ); } );
+   for ( int turn = 1; turn <= 7; ++turn ) {
+      activity.turnNew( [] {} );
+   }
+   int turn = 0;
+   while ( grant( 2 ) == 0 && activity.runOne() ) {
+      ++turn;
+   }
+   inTurn( [] {} );
+   EXPECT_GT( turn, 4 );
+   EXPECT_EQ( grant( 2 ), 1 );
+}
+
+TEST_F( Allocator, CancelsARequestThatIsDeletedBeforeItWasGranted ) {
+   start( {} );
+   inTurn( [ & ] {
+      ask( 2 );
+      giveBack( 2 );
+   } );
+   EXPECT_EQ( story, Story() );
+   inTurn( [ & ] {
+      ask( 2 );
+      giveBack( 2 );
+      ask( 2 );
+   } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1" } ) );
+}
+
+TEST_F( Allocator, TakesAGrantBackAlsoWhenItWasAskedForAgainAndGrantsItAnew ) {
+   start( {} );
+   inTurn( [ & ] { ask( 2 ); } );
+   inTurn( [ & ] {
+      giveBack( 2 );
+      ask( 2 );
+   } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1", "10.0.0.2 loses it", "10.0.0.2 gets 1" } ) );
+}
+
+TEST_F( Allocator, IsSilentWhileNoIdIsFreeAndServesTheLongestWaitingFirst ) {
+   start( { 1, 2, 0 } );
+   inTurn( [ & ] {
+      for ( U32 const n : { 2U, 3U, 9U, 4U } ) {
+         ask( n );
+      }
+   } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1", "10.0.0.3 gets 2" } ) );
+   inTurn( [ & ] { giveBack( 3 ); } );
+   EXPECT_EQ( grant( 9 ), 2 );
+   inTurn( [ & ] { giveBack( 4 ); } );
+   inTurn( [ & ] { giveBack( 2 ); } );
+   EXPECT_EQ( grant( 4 ), 0 ) << "it no longer waits";
+}
+
+TEST_F( Allocator, FindsRequestsAndWithdrawsGrantsThatNobodyAsksForWhenItStarts ) {
+   config->remoteESPeerVtepIs( vtep( 2 ), true );
+   config->remoteESPeerVtepIs( vtep( 3 ), true );
+   status->remoteESPeerVtepIs( vtep( 3 ), ClassId( 1 ) );
+   status->remoteESPeerVtepIs( vtep( 4 ), ClassId( 2 ) );
+   start( { 1, 9, 0 } );
+   EXPECT_EQ( grant( 3 ), 1 );
+   EXPECT_EQ( grant( 4 ), 0 );
+   EXPECT_EQ( grant( 2 ), 2 );
+}
+
+TEST_F( Allocator, GrantsNothingWhileItIsPaused ) {
+   start( {} );
+   inTurn( [ & ] { allocator->isPausedIs( true ); } );
+   inTurn( [ & ] { ask( 2 ); } );
+   EXPECT_EQ( story, Story() );
+   inTurn( [ & ] { allocator->isPausedIs( false ); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1" } ) );
+}
+
+TEST_F( Allocator, CountsIdsThatAreGivenByHandAsTaken ) {
+   start( { 1, 3, 0 } );
+   inTurn( [ & ] { allocator->grantIs( vtep( 2 ), ClassId( 1 ) ); } );
+   inTurn( [ & ] { ask( 3 ); } );
+   EXPECT_EQ( grant( 3 ), 2 );
+   inTurn( [ & ] { allocator->grantIs( vtep( 3 ), ClassId( 7 ) ); } );
+   inTurn( [ & ] { ask( 4 ); } );
+   EXPECT_EQ( grant( 4 ), 2 ) << "an id that was replaced is free";
+   inTurn( [ & ] { giveBack( 3 ); } );
+   EXPECT_EQ( grant( 3 ), 0 ) << "an id outside the range can be given back";
+}
+
+TEST_F( Allocator, GrantsAnewAfterAWithdrawalByHandOnlyWhenItIsAskedAgain ) {
+   start( {} );
+   inTurn( [ & ] { ask( 2 ); } );
+   inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
+   EXPECT_EQ( grant( 2 ), 0 );
+   inTurn( [ & ] {
+      giveBack( 2 );
+      ask( 2 );
+   } );
+   EXPECT_EQ( grant( 2 ), 1 );
+}
+
+}  // namespace
