@@ -11,10 +11,8 @@ namespace Chip {
 // Why a whole frame was dropped, in the order in which the pipeline asks.
 enum class DropReason : U8 {
    // --- Arrival
-   UnknownPort,    // no interface of this switch
-   FrameTooShort,  // shorter than its Ethernet header
-   FrameTooLong,   // longer than Pipeline::kLargestFrame
-   // --- Tunnel termination, on underlay interfaces
+   UnknownPort,       // no interface of this switch
+   FrameTooShort,     // shorter than its Ethernet header
    UnderlayNotIp,     // an outer EtherType other than IPv4 and IPv6; ARP and VLAN tags are such
    OuterTruncated,    // ends before its outer headers say so, or within them
    OuterBadHeader,    // an outer IP header of the wrong version or length
@@ -31,6 +29,7 @@ enum class DropReason : U8 {
    // --- Access
    UnknownVlan,  // the interface does not carry the frame's VLAN, or nothing untagged
    // --- Forwarding decision
+   FrameTooLong,     // longer than Pipeline::kLargestFrame, without outer headers
    ReservedAddress,  // a destination that bridges do not forward
    SameInterface,    // the destination is where the frame came from
    TunnelToTunnel,   // the destination is behind another tunnel (RFC 8365, section 8.3.1)
@@ -55,9 +54,8 @@ enum class Verdict : U8 {
    Masked,         // the ingress rule's egress mask has the port
    Dropped,        // an egress rule with a drop action
    NotDesignated,  // designated-forwarder state of the interface
-   TooLong,        // it does not fit into an IP packet with its outer headers
 };
-inline constexpr std::size_t kVerdicts = static_cast< std::size_t >( Verdict::TooLong ) + 1;
+inline constexpr std::size_t kVerdicts = static_cast< std::size_t >( Verdict::NotDesignated ) + 1;
 
 // The names in lower case with hyphens: "unknown-vni", "not-designated".
 std::string_view nameOf( DropReason reason );

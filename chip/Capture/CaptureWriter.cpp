@@ -1,0 +1,57 @@
+#include <Capture/CaptureWriter.h>
+
+#include <cstdio>
+
+#include <Quelm/Assert.h>
+#include <Quelm/Error.h>
+#include <pcap/pcap.h>
+
+namespace Chip {
+
+namespace {
+
+constexpr int kLongestFrame = 262144;  // what tools that read captures expect as the limit
+
+}  // namespace
+
+void CaptureWriter::Close::operator()( pcap * handle ) const {
+   pcap_close( handle );
+}
+
+void CaptureWriter::Close::operator()( pcap_dumper * dumper ) const {
+   pcap_dump_close( dumper );
+}
+
+CaptureWriter::CaptureWriter( std::filesystem::path file )
+      : file_( std::move( file ) ),
+        handle_( pcap_open_dead_with_tstamp_precision( DLT_EN10MB, kLongestFrame,
+                                                       PCAP_TSTAMP_PRECISION_NANO ) ),
+        dumper_( pcap_dump_open( handle_.get(), file_.c_str() ) ) {
+   if ( !dumper_ ) {
+      throw Quelm::Error( std::string( "capture " ) + pcap_geterr( handle_.get() ) );
+   }
+}
+
+void CaptureWriter::write( std::chrono::nanoseconds timestamp, Bytes frame ) {
+   QUELM_ASSERT( dumper_ && "capture written after it was closed" );
+   auto const seconds = std::chrono::floor< std::chrono::seconds >( timestamp );
+   auto const length = static_cast< bpf_u_int32 >( frame.size() );
+   pcap_pkthdr header{};
+   header.ts.tv_sec = seconds.count();
+   header.ts.tv_usec = ( timestamp - seconds ).count();
+   header.caplen = length;
+   header.len = length;
+   // libpcap hands the dumper on as the bytes that its reading functions pass to their callers.
+   pcap_dump( reinterpret_cast< U8 * >( dumper_.get() ), &header, frame.data() );
+}
+
+void CaptureWriter::close() {
+   bool const isWhole =
+      pcap_dump_flush( dumper_.get() ) == 0 && std::ferror( pcap_dump_file( dumper_.get() ) ) == 0;
+   dumper_.reset();
+   if ( !isWhole ) {
+      throw Quelm::Error( "capture " + file_.string() + ": it could not be written to its end" );
+   }
+}
+
+}  // namespace Chip

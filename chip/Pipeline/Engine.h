@@ -1,0 +1,83 @@
+// The pipeline's work on one frame, step by step as Pipeline.h lists them. One engine serves one
+// frame after the other and keeps its buffers in between.
+#pragma once
+
+#include <Pipeline/Departure.h>
+#include <Pipeline/MacTable.h>
+#include <Pipeline/Pipeline.h>
+#include <Pipeline/Routing.h>
+#include <Pipeline/RuleCheck.h>
+
+namespace Chip {
+
+class Pipeline::Engine {
+ public:
+   explicit Engine( Units const & units );
+
+   void forwardingIs( ForwardingConfig const & config );
+   FrameStory const & forward( VornalTypes::VornalPort arrival, Bytes frame,
+                               Transmitter & transmitter );
+
+   ForwardingConfig const & forwarding() const { return tables_->config; }
+   PipelineCounters const & counters() const { return counters_; }
+   MacTable & macs() { return macs_; }
+
+ private:
+   using Failure = std::optional< DropReason >;
+
+   // What is known of the frame under way, in the order in which it becomes known.
+   struct Frame {
+      Index unit = kNone;       // of arrival
+      Index interface = kNone;  // of arrival
+      Bytes bytes{};            // behind the outer headers
+      EthernetHeader ethernet{};
+      Index tunnel = kNone;  // that it came through
+      Index domain = kNone;  // in which it is forwarded
+      InnerIp ip{};
+      U32 flowHash = 0;
+      FrameKind kind = FrameKind::Broadcast;
+      Place destination{};  // of unicast
+      Route route{};        // of routed unicast
+   };
+
+   // --- The steps; each may find that the frame goes no further
+   Failure prepare( VornalTypes::VornalPort arrival, Bytes frame );
+   Failure arrive( VornalTypes::VornalPort arrival, Bytes frame );
+   Failure admitFromTunnel( Bytes frame );
+   Failure admitFromAccess( Bytes frame );
+   void ownHeadersAre( Bytes bytes, EthernetHeader const & ethernet, Vlan vlan );
+   void learn();
+   Failure decide();
+   Failure decideRouted();
+   Failure findDestination( MacAddress address, FrameKind ifKnown );
+   void ruleFieldsAre();
+   void replicate();
+
+   // --- Copies
+   void flood();
+   void copyTo( DomainInterface const & to );
+   void copyInto( Index tunnel );
+   void judge( Copy & copy, bool isDesignated );
+   Copy & copyNew( Index interface );
+   void transmit( Copy const & copy, Bytes bytes );
+   // The member of an interface or the interface of a list that the frame's flow takes.
+   template< typename List > auto chosen( List const & list ) const {
+      return list[ frame_.flowHash % list.size() ];
+   }
+
+   bool isFromTunnel() const { return frame_.tunnel != kNone; }
+   void count();
+
+   Units const & units_;
+   std::unique_ptr< Tables const > tables_;
+   MacTable macs_;
+   PipelineCounters counters_;
+
+   Frame frame_;
+   FrameStory story_;
+   RuleCheck rules_;
+   Departure departure_;
+   Transmitter * transmitter_ = nullptr;
+};
+
+}  // namespace Chip

@@ -1,0 +1,219 @@
+#include <Pipeline/Forwarding.h>
+
+#include <Brum/PerUnitBitmap.h>
+#include <Frames/Headers.h>
+#include <Quelm/Error.h>
+
+namespace Chip {
+
+namespace {
+
+using Pelk::IntfId;
+using Pelk::IpGenAddr;
+
+constexpr Vlan kHighestVlan = 4094;
+constexpr Vni kHighestVni = 0xffffff;
+
+[[noreturn]] void refuse( std::string const & place, std::string const & reason ) {
+   throw Quelm::Error( "forwarding: " + place + ": " + reason );
+}
+
+std::string portName( InterfaceConfig const & intf ) {
+   return "unit " + std::to_string( intf.unit ) + " port " + std::to_string( intf.logicalPort );
+}
+
+// Goes through a configuration and throws at the first thing that cannot be.
+class Check {
+ public:
+   explicit Check( ForwardingConfig const & config ) : config_( config ) {}
+
+   void run() {
+      for ( InterfaceConfig const & intf : config_.interfaces ) {
+         interfaceHolds( intf );
+      }
+      for ( PortChannelConfig const & portChannel : config_.portChannels ) {
+         portChannelHolds( portChannel );
+      }
+      for ( auto const & [ vlan, vni ] : config_.vlanToVni ) {
+         bridgeDomainHolds( vlan, vni );
+      }
+      for ( auto const & [ intfId, state ] : config_.designatedForwarder ) {
+         designationHolds( intfId, state );
+      }
+      vtepHolds( "own IPv4 VTEP address", config_.vtepIpv4, IpGenAddr::Family::ipv4 );
+      vtepHolds( "own IPv6 VTEP address", config_.vtepIpv6, IpGenAddr::Family::ipv6 );
+      tunnelsHold();
+      routesHold();
+   }
+
+ private:
+   void interfaceHolds( InterfaceConfig const & intf ) {
+      std::string const place = "interface " + intf.intfId.stringValue();
+      if ( intf.intfId.isEmpty() || isPortChannel( intf.intfId ) ) {
+         refuse( place, "it is to have the name of a physical port, as in Ethernet1" );
+      }
+      if ( !interfaces_.try_emplace( intf.intfId, &intf ).second ) {
+         refuse( place, "it comes twice" );
+      }
+      if ( intf.logicalPort >= Brum::PerUnitBitmap::kBits ) {
+         refuse( place, "there is no logical port " + std::to_string( intf.logicalPort ) +
+                           "; a unit has ports 0 to 351" );
+      }
+      auto const [ other, isFree ] =
+         places_.try_emplace( { intf.unit, intf.logicalPort }, intf.intfId );
+      if ( !isFree ) {
+         refuse( place,
+                 portName( intf ) + " is that of " + other->second.stringValue() + " already" );
+      }
+      if ( intf.isUnderlay && intf.vlans != AccessVlans{} ) {
+         refuse( place, "an underlay interface carries VXLAN only and has no VLANs" );
+      }
+      vlansHold( place, intf.vlans );
+   }
+
+   void portChannelHolds( PortChannelConfig const & portChannel ) {
+      std::string const place = "port channel " + portChannel.intfId.stringValue();
+      if ( !isPortChannel( portChannel.intfId ) ) {
+         refuse( place, "it is to have the name of one, as in Port-Channel1" );
+      }
+      if ( !portChannels_.insert( portChannel.intfId ).second ) {
+         refuse( place, "it comes twice" );
+      }
+      for ( IntfId const & member : portChannel.members ) {
+         auto const found = interfaces_.find( member );
+         if ( found == interfaces_.end() ) {
+            refuse( place, "its member '" + member.stringValue() + "' is no interface" );
+         }
+         if ( found->second->isUnderlay ) {
+            refuse( place, "its member " + member.stringValue() + " is an underlay interface" );
+         }
+         auto const [ other, isFree ] = memberOf_.try_emplace( member, portChannel.intfId );
+         if ( !isFree ) {
+            refuse( place, "its member " + member.stringValue() + " is one of " +
+                              other->second.stringValue() + " already" );
+         }
+      }
+      vlansHold( place, portChannel.vlans );
+   }
+
+   void vlansHold( std::string const & place, AccessVlans const & vlans ) {
+      for ( Vlan const vlan : vlans.tagged ) {
+         vlanHolds( place, vlan );
+         if ( vlan == vlans.untagged ) {
+            refuse( place, "VLAN " + std::to_string( vlan ) + " is either tagged or untagged" );
+         }
+      }
+      if ( vlans.untagged ) {
+         vlanHolds( place, *vlans.untagged );
+      }
+   }
+
+   void vlanHolds( std::string const & place, Vlan vlan ) {
+      if ( vlan == 0 || vlan > kHighestVlan ) {
+         refuse( place, "there is no VLAN " + std::to_string( vlan ) + "; VLANs are 1 to 4094" );
+      }
+      vlans_.insert( vlan );
+   }
+
+   void bridgeDomainHolds( Vlan vlan, Vni vni ) {
+      std::string const place = "VLAN " + std::to_string( vlan );
+      vlanHolds( place, vlan );
+      if ( vni == 0 || vni > kHighestVni ) {
+         refuse( place, "there is no VNI " + std::to_string( vni ) + "; VNIs are 1 to 16777215" );
+      }
+      auto const [ other, isFree ] = vnis_.try_emplace( vni, vlan );
+      if ( !isFree ) {
+         refuse( place, "VNI " + std::to_string( vni ) + " is that of VLAN " +
+                           std::to_string( other->second ) + " already" );
+      }
+   }
+
+   void designationHolds( IntfId const & intfId, DesignatedForwarderConfig const & state ) {
+      std::string const place = "designated forwarder on '" + intfId.stringValue() + "'";
+      auto const found = interfaces_.find( intfId );
+      bool const isAccess = found != interfaces_.end() && !found->second->isUnderlay;
+      if ( !isAccess && portChannels_.count( intfId ) == 0 ) {
+         refuse( place, "it is neither an access interface nor a port channel" );
+      }
+      for ( auto const & [ vlan, isDesignated ] : state.perVlan ) {
+         static_cast< void >( isDesignated );
+         vlanIsOurs( place, vlan );
+      }
+   }
+
+   void vlanIsOurs( std::string const & place, Vlan vlan ) const {
+      if ( vlans_.count( vlan ) == 0 ) {
+         refuse( place, "VLAN " + std::to_string( vlan ) +
+                           " is neither on an interface nor mapped to a VNI" );
+      }
+   }
+
+   static void vtepHolds( std::string const & place, std::optional< IpGenAddr > const & vtep,
+                          IpGenAddr::Family family ) {
+      if ( vtep && vtep->family() != family ) {
+         refuse( place, vtep->stringValue() + " is of the other family" );
+      }
+      if ( vtep && !isRoutable( *vtep ) ) {
+         refuse( place, vtep->stringValue() + " cannot be reached over a network" );
+      }
+   }
+
+   void tunnelsHold() const {
+      for ( auto const & [ vtep, tunnel ] : config_.tunnels ) {
+         std::string const place = "tunnel to " + vtep.stringValue();
+         remoteVtepHolds( place, vtep );
+         for ( IntfId const & underlay : tunnel.underlay ) {
+            auto const found = interfaces_.find( underlay );
+            if ( found == interfaces_.end() || !found->second->isUnderlay ) {
+               refuse( place, "'" + underlay.stringValue() + "' is no underlay interface" );
+            }
+         }
+      }
+      for ( auto const & [ vni, vteps ] : config_.floodLists ) {
+         std::string const place = "flood list of VNI " + std::to_string( vni );
+         if ( vnis_.count( vni ) == 0 ) {
+            refuse( place, "no VLAN is mapped to that VNI" );
+         }
+         for ( IpGenAddr const & vtep : vteps ) {
+            remoteVtepHolds( place, vtep );
+         }
+      }
+   }
+
+   void remoteVtepHolds( std::string const & place, IpGenAddr const & vtep ) const {
+      if ( vtep == config_.vtepIpv4 || vtep == config_.vtepIpv6 ) {
+         refuse( place, vtep.stringValue() + " is this switch itself" );
+      }
+   }
+
+   void routesHold() const {
+      for ( auto const & [ host, route ] : config_.hostRoutes ) {
+         vlanIsOurs( "host route to " + host.stringValue(), route.vlan );
+      }
+      for ( auto const & [ group, vlans ] : config_.multicastRoutes ) {
+         std::string const place = "multicast route of " + group.stringValue();
+         if ( !isMulticast( group ) ) {
+            refuse( place, "it is no multicast address" );
+         }
+         for ( Vlan const vlan : vlans ) {
+            vlanIsOurs( place, vlan );
+         }
+      }
+   }
+
+   ForwardingConfig const & config_;
+   std::map< IntfId, InterfaceConfig const * > interfaces_;
+   std::map< std::pair< U16, U16 >, IntfId > places_;
+   std::set< IntfId > portChannels_;
+   std::map< IntfId, IntfId > memberOf_;
+   std::set< Vlan > vlans_;
+   std::map< Vni, Vlan > vnis_;
+};
+
+}  // namespace
+
+void checkForwarding( ForwardingConfig const & config ) {
+   Check( config ).run();
+}
+
+}  // namespace Chip

@@ -1,0 +1,52 @@
+#include <Pipeline/MacTable.h>
+
+namespace Chip {
+
+namespace {
+
+Place placeOfInterface( Pelk::IntfId const & intfId, BridgeDomain const & domain,
+                        Tables const & tables ) {
+   auto const & all = domain.interfaces;
+   auto const found = std::find_if( all.begin(), all.end(), [ & ]( DomainInterface const & part ) {
+      return tables.interfaces[ part.interface ].intfId == intfId;
+   } );
+   return { false, found == all.end() ? kNone : found->interface };
+}
+
+Place placeOfTunnel( Tunnel const & tunnel, BridgeDomain const & domain, Tables const & tables ) {
+   Index const * const found = tables.tunnelOfVtep.find( tunnel.remoteVtep );
+   return { true, found && domain.vni != 0 ? *found : kNone };
+}
+
+}  // namespace
+
+void MacTable::learn( Vlan vlan, MacAddress address, Place place ) {
+   if ( address.isGroup() || address == MacAddress() ) {
+      return;
+   }
+   U64 const key = keyOf( vlan, address );
+   Place const * const known = places_.find( key );
+   if ( known ? *known != place : size() < kLimit ) {
+      places_.set( key, place );
+   }
+}
+
+MacTable MacTable::movedTo( Tables const & before, Tables const & after ) const {
+   MacTable result;
+   places_.forEach( [ & ]( U64 key, Place const & place ) {
+      Index const domain = after.domainOf( static_cast< Vlan >( key >> kVlanShift ) );
+      if ( domain == kNone ) {
+         return;
+      }
+      BridgeDomain const & there = after.domains[ domain ];
+      Place const moved =
+         place.isTunnel ? placeOfTunnel( before.tunnels[ place.index ], there, after )
+                        : placeOfInterface( before.interfaces[ place.index ].intfId, there, after );
+      if ( moved.index != kNone ) {
+         result.places_.set( key, moved );
+      }
+   } );
+   return result;
+}
+
+}  // namespace Chip

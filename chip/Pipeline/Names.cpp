@@ -1,0 +1,34 @@
+#include <Pipeline/FrameKind.h>
+#include <Pipeline/Reasons.h>
+
+namespace Chip {
+
+std::string_view nameOf( FrameKind kind ) {
+   constexpr std::array< std::string_view, kFrameKinds.size() > names{
+      "broadcast",        "unknown-unicast", "l2-multicast",
+      "routed-multicast", "known-unicast",   "routed-unicast"
+   };
+   return names.at( static_cast< std::size_t >( kind ) );
+}
+
+std::string_view nameOf( DropReason reason ) {
+   constexpr std::array< std::string_view, kDropReasons > names{
+      "unknown-port",       "frame-too-short",    "underlay-not-ip",   "outer-truncated",
+      "outer-bad-header",   "outer-bad-checksum", "not-for-this-vtep", "outer-fragment",
+      "not-vxlan",          "bad-udp-length",     "bad-vxlan-flags",   "unknown-vtep",
+      "unknown-vni",        "inner-too-short",    "inner-vlan-tag",    "unknown-vlan",
+      "frame-too-long",     "reserved-address",   "same-interface",    "tunnel-to-tunnel",
+      "for-router",         "bad-ip-header",      "bad-ip-checksum",   "not-routable",
+      "time-to-live-ended", "no-route",           "unknown-host"
+   };
+   return names.at( static_cast< std::size_t >( reason ) );
+}
+
+std::string_view nameOf( Verdict verdict ) {
+   constexpr std::array< std::string_view, kVerdicts > names{ "sent",          "arrival", "no-port",
+                                                              "no-vtep",       "masked",  "dropped",
+                                                              "not-designated" };
+   return names.at( static_cast< std::size_t >( verdict ) );
+}
+
+}  // namespace Chip

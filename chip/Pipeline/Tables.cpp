@@ -1,0 +1,184 @@
+#include <Pipeline/Tables.h>
+
+#include <Quelm/Error.h>
+#include <SoftSdk/Gport.h>
+
+namespace Chip {
+
+namespace {
+
+Group const * groupOf( Unit const & unit, Vornal::TcamGroupAssignment assignment ) {
+   auto const found = unit.groups().find( assignment );
+   return found == unit.groups().end() ? nullptr : &found->second;
+}
+
+// Throws unless it can be forwarded like this.
+ForwardingConfig const & checked( ForwardingConfig const & config ) {
+   checkForwarding( config );
+   return config;
+}
+
+}  // namespace
+
+DomainInterface const * BridgeDomain::find( Index interface ) const {
+   auto const found =
+      std::find_if( interfaces.begin(), interfaces.end(),
+                    [ & ]( DomainInterface const & part ) { return part.interface == interface; } );
+   return found == interfaces.end() ? nullptr : &*found;
+}
+
+Tables::Tables( Units const & all, ForwardingConfig const & forwarding )
+      : config( checked( forwarding ) ) {
+   domainOfVlan.fill( kNone );
+   unitsAre( all );
+   domainsAre();
+   interfacesAre();
+   tunnelsAre();
+   routesAre();
+}
+
+Index Tables::unitOf( U16 number ) const {
+   for ( std::size_t n = 0; n < units.size(); ++n ) {
+      if ( units[ n ].number == number ) {
+         return static_cast< Index >( n );
+      }
+   }
+   return kNone;
+}
+
+void Tables::unitsAre( Units const & all ) {
+   for ( auto const & [ number, unit ] : all ) {
+      UnitTables & tables = units.emplace_back();
+      tables.number = unit.number();
+      tables.modId = unit.modId();
+      tables.ingress = groupOf( unit, Vornal::kIfpLocalBiasGroup );
+      tables.egress = groupOf( unit, Vornal::kEfpLocalBiasGroup );
+      tables.interfaces.fill( kNone );
+   }
+}
+
+void Tables::domainsAre() {
+   for ( auto const & [ vlan, vni ] : config.vlanToVni ) {
+      Index const domain = domainFor( vlan );
+      domains[ domain ].vni = vni;
+      domainOfVni.set( vni, domain );
+   }
+}
+
+void Tables::interfacesAre() {
+   std::map< Pelk::IntfId, Index > portChannelOf;
+   for ( PortChannelConfig const & portChannel : config.portChannels ) {
+      Index const interface = interfaceNew( portChannel.intfId, portChannel.vlans );
+      for ( Pelk::IntfId const & member : portChannel.members ) {
+         portChannelOf[ member ] = interface;
+      }
+   }
+   for ( InterfaceConfig const & intf : config.interfaces ) {
+      auto const portChannel = portChannelOf.find( intf.intfId );
+      if ( portChannel != portChannelOf.end() ) {
+         portIs( intf, portChannel->second );
+         continue;
+      }
+      Index const interface = interfaceNew( intf.intfId, intf.vlans );
+      interfaces[ interface ].isUnderlay = intf.isUnderlay;
+      interfaces[ interface ].neighbour = intf.neighbour;
+      portIs( intf, interface );
+   }
+}
+
+Index Tables::interfaceNew( Pelk::IntfId const & intfId, AccessVlans const & vlans ) {
+   auto const interface = static_cast< Index >( interfaces.size() );
+   interfaces.emplace_back().intfId = intfId;
+   for ( Vlan const vlan : vlans.tagged ) {
+      membersAre( vlan, interface, true );
+   }
+   if ( vlans.untagged ) {
+      interfaces.back().untagged = *vlans.untagged;
+      membersAre( *vlans.untagged, interface, false );
+   }
+   return interface;
+}
+
+void Tables::membersAre( Vlan vlan, Index interface, bool isTagged ) {
+   bool const designated = isDesignated( interfaces[ interface ].intfId, vlan );
+   domains[ domainFor( vlan ) ].interfaces.push_back( { interface, isTagged, designated } );
+}
+
+void Tables::portIs( InterfaceConfig const & intf, Index interface ) {
+   Index const unit = unitOf( intf.unit );
+   if ( unit == kNone ) {
+      throw Quelm::Error( "forwarding: interface " + intf.intfId.stringValue() +
+                          ": the switch has no unit " + std::to_string( intf.unit ) );
+   }
+   units[ unit ].interfaces[ intf.logicalPort ] = interface;
+   interfaces[ interface ].ports.emplace_back( intf.unit, intf.logicalPort, units[ unit ].modId );
+}
+
+bool Tables::isDesignated( Pelk::IntfId const & intfId, Vlan vlan ) const {
+   auto const state = config.designatedForwarder.find( intfId );
+   if ( state == config.designatedForwarder.end() ) {
+      return true;
+   }
+   auto const forVlan = state->second.perVlan.find( vlan );
+   return forVlan == state->second.perVlan.end() ? state->second.allVlans : forVlan->second;
+}
+
+Index Tables::domainFor( Vlan vlan ) {
+   if ( domainOfVlan[ vlan ] == kNone ) {
+      domainOfVlan[ vlan ] = static_cast< Index >( domains.size() );
+      domains.emplace_back().vlan = vlan;
+   }
+   return domainOfVlan[ vlan ];
+}
+
+void Tables::tunnelsAre() {
+   for ( auto const & [ vtep, tunnel ] : config.tunnels ) {
+      Tunnel & entry = tunnels[ tunnelFor( vtep ) ];
+      entry.gport = vxlanGportOf( tunnel.vpIndex );
+      if ( tunnel.underlay.empty() ) {
+         continue;
+      }
+      std::erase_if( entry.underlay, [ & ]( Index interface ) {
+         auto const & named = tunnel.underlay;
+         Pelk::IntfId const & intfId = interfaces[ interface ].intfId;
+         return std::find( named.begin(), named.end(), intfId ) == named.end();
+      } );
+   }
+   for ( auto const & [ vni, vteps ] : config.floodLists ) {
+      for ( Pelk::IpGenAddr const & vtep : vteps ) {
+         domains[ *domainOfVni.find( vni ) ].floodList.push_back( tunnelFor( vtep ) );
+      }
+   }
+}
+
+// The tunnel to that VTEP; a new one leads over all underlay interfaces.
+Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
+   if ( Index const * const known = tunnelOfVtep.find( vtep ) ) {
+      return *known;
+   }
+   auto const index = static_cast< Index >( tunnels.size() );
+   Tunnel & tunnel = tunnels.emplace_back();
+   tunnel.remoteVtep = vtep;
+   for ( Index n = 0; n < interfaces.size(); ++n ) {
+      if ( interfaces[ n ].isUnderlay ) {
+         tunnel.underlay.push_back( n );
+      }
+   }
+   bool const isIpv4 = vtep.family() == Pelk::IpGenAddr::Family::ipv4;
+   if ( auto const & own = isIpv4 ? config.vtepIpv4 : config.vtepIpv6 ) {
+      tunnel.outer.emplace( config.routerMac, *own, vtep );
+   }
+   tunnelOfVtep.set( vtep, index );
+   return index;
+}
+
+void Tables::routesAre() {
+   for ( auto const & [ host, route ] : config.hostRoutes ) {
+      hostRoutes.set( host, { domainFor( route.vlan ), route.mac } );
+   }
+   for ( auto const & [ group, vlans ] : config.multicastRoutes ) {
+      multicastRoutes.set( group, &vlans );
+   }
+}
+
+}  // namespace Chip
