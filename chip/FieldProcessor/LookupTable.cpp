@@ -15,8 +15,8 @@ struct Ternary {
    LookupKey masks{};
 
    void fieldIs( std::size_t position, U32 value, U32 mask ) {
-      data[ position ] = value & mask;
-      masks[ position ] = mask;
+      data.fields[ position ] = value & mask;
+      masks.fields[ position ] = mask;
    }
 };
 
@@ -50,19 +50,22 @@ Ternary ternaryOf( EntryContent const & content ) {
 }
 
 LookupKey masked( LookupKey const & key, LookupKey const & masks ) {
-   return { key[ 0 ] & masks[ 0 ], key[ 1 ] & masks[ 1 ], key[ 2 ] & masks[ 2 ],
-            key[ 3 ] & masks[ 3 ] };
+   LookupKey result;
+   for ( std::size_t n = 0; n < result.fields.size(); ++n ) {
+      result.fields[ n ] = key.fields[ n ] & masks.fields[ n ];
+   }
+   return result;
 }
 
 }  // namespace
 
 LookupKey keyOf( IngressFields const & frame ) {
-   return { frame.srcVxlanGport, frame.packetRes, frame.tunnelTerminated ? 1U : 0U,
-            frame.vxlanNetworkId };
+   return { { frame.srcVxlanGport, frame.packetRes, frame.tunnelTerminated ? 1U : 0U,
+              frame.vxlanNetworkId } };
 }
 
 LookupKey keyOf( EgressFields const & frame ) {
-   return { frame.dstPort, frame.dstModId, frame.ipType, frame.ingressClass };
+   return { { frame.dstPort, frame.dstModId, frame.ipType, frame.ingressClass } };
 }
 
 Precedence precedenceOf( std::optional< U32 > const & priority, U32 id ) {
@@ -89,32 +92,18 @@ void LookupTable::remove( Entry const & entry ) {
    if ( candidates.empty() ) {
       table.byData.erase( ternary.data );
    }
-   std::erase_if( tables_, []( Table const & one ) { return one.byData.empty(); } );
+   std::erase_if( tables_, []( Table const & one ) { return one.byData.isEmpty(); } );
 }
 
 Entry const * LookupTable::find( LookupKey const & frame ) const {
    Candidate const * winner = nullptr;
    for ( Table const & table : tables_ ) {
-      auto const found = table.byData.find( masked( frame, table.masks ) );
-      if ( found == table.byData.end() ) {
-         continue;
-      }
-      Candidate const & best = found->second.front();
-      if ( !winner || best.precedence < winner->precedence ) {
-         winner = &best;
+      Candidates const * const found = table.byData.find( masked( frame, table.masks ) );
+      if ( found && ( !winner || found->front().precedence < winner->precedence ) ) {
+         winner = &found->front();
       }
    }
    return winner ? winner->entry : nullptr;
-}
-
-std::size_t LookupTable::Hash::operator()( LookupKey const & key ) const noexcept {
-   constexpr U64 golden = 0x9e3779b97f4a7c15;  // spreads neighbouring gports, VNIs and ports
-   U64 hash = 0;
-   for ( U32 const word : key ) {
-      hash = ( hash ^ word ) * golden;
-      hash ^= hash >> 32;
-   }
-   return static_cast< std::size_t >( hash );
 }
 
 LookupTable::Table & LookupTable::tableFor( LookupKey const & masks ) {

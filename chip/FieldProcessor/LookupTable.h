@@ -20,17 +20,28 @@
 #include <array>
 #include <compare>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include <FieldProcessor/Entry.h>
+#include <FlatMap/FlatMap.h>
 
 namespace Chip {
 
 // A frame's fields, or a rule's data or masks, in the fixed order of the kind:
 // ingress: source gport, packet resolution, tunnel terminated, VNI;
 // egress: logical port, module id, IP type, class.
-using LookupKey = std::array< U32, 4 >;
+struct LookupKey {
+   std::array< U32, 4 > fields{};
+
+   U64 low() const { return U64{ fields[ 1 ] } << 32 | fields[ 0 ]; }
+   U64 high() const { return U64{ fields[ 3 ] } << 32 | fields[ 2 ]; }
+
+   // By halves: a lookup for each copy of each frame makes this the most frequent comparison of
+   // all.
+   friend bool operator==( LookupKey const & a, LookupKey const & b ) {
+      return ( ( a.low() ^ b.low() ) | ( a.high() ^ b.high() ) ) == 0;
+   }
+};
 
 LookupKey keyOf( IngressFields const & frame );
 LookupKey keyOf( EgressFields const & frame );
@@ -60,13 +71,17 @@ class LookupTable {
    using Candidates = std::vector< Candidate >;  // never empty, the winner in front
 
    struct Hash {
-      std::size_t operator()( LookupKey const & key ) const noexcept;
+      std::size_t operator()( LookupKey const & key ) const noexcept {
+         constexpr U64 odd = 0xff51afd7ed558ccd;  // an odd number without pattern
+         U64 const mixed = ( key.low() ^ key.low() >> 32 ) * odd ^ key.high();
+         return static_cast< std::size_t >( mixed ^ mixed >> 32 );
+      }
    };
 
    // The entries of one set of masks.
    struct Table {
       LookupKey masks;
-      std::unordered_map< LookupKey, Candidates, Hash > byData;
+      FlatMap< LookupKey, Candidates, Hash > byData;
    };
 
    Table & tableFor( LookupKey const & masks );

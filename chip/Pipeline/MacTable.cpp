@@ -27,7 +27,7 @@ void MacTable::learn( Vlan vlan, MacAddress address, Place place ) {
    U64 const key = keyOf( vlan, address );
    Place const * const known = places_.find( key );
    if ( known ? *known != place : size() < kLimit ) {
-      places_.set( key, place );
+      places_[ key ] = place;
    }
 }
 
@@ -43,7 +43,7 @@ MacTable MacTable::movedTo( Tables const & before, Tables const & after ) const 
          place.isTunnel ? placeOfTunnel( before.tunnels[ place.index ], there, after )
                         : placeOfInterface( before.interfaces[ place.index ].intfId, there, after );
       if ( moved.index != kNone ) {
-         result.places_.set( key, moved );
+         result.places_[ key ] = moved;
       }
    } );
    return result;

@@ -61,7 +61,7 @@ void Tables::domainsAre() {
    for ( auto const & [ vlan, vni ] : config.vlanToVni ) {
       Index const domain = domainFor( vlan );
       domains[ domain ].vni = vni;
-      domainOfVni.set( vni, domain );
+      domainOfVni[ vni ] = domain;
    }
 }
 
@@ -168,16 +168,16 @@ Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
    if ( auto const & own = isIpv4 ? config.vtepIpv4 : config.vtepIpv6 ) {
       tunnel.outer.emplace( config.routerMac, *own, vtep );
    }
-   tunnelOfVtep.set( vtep, index );
+   tunnelOfVtep[ vtep ] = index;
    return index;
 }
 
 void Tables::routesAre() {
    for ( auto const & [ host, route ] : config.hostRoutes ) {
-      hostRoutes.set( host, { domainFor( route.vlan ), route.mac } );
+      hostRoutes[ host ] = { domainFor( route.vlan ), route.mac };
    }
    for ( auto const & [ group, vlans ] : config.multicastRoutes ) {
-      multicastRoutes.set( group, &vlans );
+      multicastRoutes[ group ] = &vlans;
    }
 }
 

@@ -9,8 +9,8 @@
 #include <limits>
 
 #include <FieldProcessor/Unit.h>
+#include <FlatMap/FlatMap.h>
 #include <Pipeline/Encapsulation.h>
-#include <Pipeline/FlatMap.h>
 #include <Pipeline/Forwarding.h>
 #include <VornalTypes/VornalPort.h>
 

@@ -1,0 +1,225 @@
+// The packet pipeline: frames a second through tunnel termination, ingress lookup, replication to
+// eight ports and egress check, and whole captures beside a bare copy of the same file.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <Board/Board.h>
+#include <Capture/CaptureReader.h>
+#include <Capture/PortCaptures.h>
+#include <Frames/FrameFields.h>
+#include <SoftSdk/Gport.h>
+#include <SoftSdk/PortBitmap.h>
+#include <pcap/pcap.h>
+#include <tins/ethernetII.h>
+#include <tins/ip.h>
+#include <tins/rawpdu.h>
+#include <tins/udp.h>
+
+namespace {
+
+using Pelk::IntfId;
+using Pelk::IpGenAddr;
+
+constexpr U32 kExact = BCM_FIELD_EXACT_MATCH_MASK;
+constexpr U32 kRules = 256;
+constexpr U16 kPorts = 8;
+VornalTypes::VornalPort const kUnderlay{ 0, 49 };
+
+IpGenAddr vtep( U32 n ) {
+   return IpGenAddr::ipv4( { 10, 0, static_cast< U8 >( n >> 8 ), static_cast< U8 >( n ) } );
+}
+
+// Counts what is sent, and looks at it no further.
+class Sink final : public Chip::Transmitter {
+ public:
+   void transmit( VornalTypes::VornalPort /*port*/, std::span< U8 const > frame ) override {
+      benchmark::DoNotOptimize( frame.data() );
+      ++count;
+   }
+
+   U64 count = 0;
+};
+
+// One unit: an underlay port and eight access ports, VTEPs 10.0.0.2 and up, all 256 entries of both
+// groups used. Each VTEP's frames are marked with a class id; port 1 drops them.
+class Switch {
+ public:
+   Switch() : pipeline( board.units() ) {
+      Chip::ForwardingConfig config;
+      config.vtepIpv4 = vtep( 1 );
+      config.vtepIpv6 = IpGenAddr::fromString( "2001:db8::1" );
+      config.vlanToVni = { { 10, 10100 } };
+      config.interfaces.push_back(
+         { .intfId = IntfId::fromString( "Ethernet49" ), .logicalPort = 49, .isUnderlay = true } );
+      for ( U16 port = 1; port <= kPorts; ++port ) {
+         config.interfaces.push_back(
+            { .intfId = IntfId::fromString( "Ethernet" + std::to_string( port ) ),
+              .logicalPort = port,
+              .vlans = { {}, 10 } } );
+      }
+      exemption( BCM_FIELD_PKT_RES_L2UC );
+      exemption( BCM_FIELD_PKT_RES_L3UCKNOWN );
+      for ( U16 n = 2; n < kRules; ++n ) {
+         config.tunnels[ vtep( n ) ] = { .vpIndex = n };
+         perVtep( n );
+      }
+      U16 const sixth = 1000;
+      for ( U16 n = 2; n <= 4; ++n ) {
+         std::string const address = "2001:db8::" + std::to_string( n );
+         config.tunnels[ IpGenAddr::fromString( address ) ] = { .vpIndex = static_cast< U16 >(
+                                                                   sixth + n ) };
+      }
+      for ( U16 n = 2; n < kRules + 2; ++n ) {
+         dropOnPort1( n );
+      }
+      pipeline.forwardingIs( config );
+   }
+
+   Chip::Board board{ { { { 0, 0, { { 157, kRules }, { 45, kRules } } } } } };
+   Chip::Pipeline pipeline;
+
+ private:
+   void exemption( U32 packetRes ) {
+      U32 const id = ifp->getEntry( 0, "no-op", {} );
+      board.sdk().bcm_field_qualify_PacketRes( 0, id, packetRes, 0xff );
+      board.sdk().bcm_field_qualify_TunnelTerminated( 0, id, 1, 1 );
+      ifp->installEntry( 0, id );
+   }
+   void perVtep( U16 vpIndex ) {
+      U32 const id = ifp->getEntry( 0, "from vtep", {} );
+      board.sdk().bcm_field_qualify_SrcVxlanGport( 0, id, Chip::vxlanGportOf( vpIndex ) );
+      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionEgressClassSelect,
+                                        BCM_FIELD_EGRESS_CLASS_SELECT_NEW, 0 );
+      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionNewClassId, vpIndex, 0 );
+      ifp->installEntry( 0, id );
+   }
+   void dropOnPort1( U16 classId ) {
+      U32 const id = efp->getEntry( 0, "drop", {} );
+      board.sdk().bcm_field_qualify_DstPort( 0, id, 0, kExact, 1, kExact );
+      board.sdk().bcm_field_qualify_IpType( 0, id, bcmFieldIpTypeAny );
+      board.sdk().bcm_field_qualify_IngressClassField( 0, id, classId, kExact );
+      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionDrop, 0, 0 );
+      efp->installEntry( 0, id );
+   }
+
+   Quelm::Ptr< Chip::SoftTcamEntryManager > ifp = board.entryManager( 157 );
+   Quelm::Ptr< Chip::SoftTcamEntryManager > efp = board.entryManager( 45 );
+};
+
+Chip::FrameFields broadcastFrom( U32 n ) {
+   return { .outer = Chip::OuterFields{ .sourceVtep = vtep( n ),
+                                        .destinationVtep = vtep( 1 ),
+                                        .vni = 10100 },
+            .source = Chip::MacAddress( 0x00005e005300 + n ),
+            .content = Chip::FrameContent::Udp,
+            .sourceIp = IpGenAddr::fromString( "192.0.2.2" ),
+            .destinationIp = IpGenAddr::fromString( "192.0.2.255" ) };
+}
+
+// Broadcasts of all VTEPs by turns: seven copies are sent, one is dropped by a rule.
+void floodFromTunnels( benchmark::State & state ) {
+   Switch leaf1;
+   Sink sink;
+   std::vector< std::vector< U8 > > frames;
+   for ( U32 n = 2; n < kRules; ++n ) {
+      frames.push_back( bytesOf( broadcastFrom( n ) ) );
+   }
+   std::size_t next = 0;
+   for ( auto _ : state ) {
+      leaf1.pipeline.forward( kUnderlay, frames[ next ], sink );
+      next = next + 1 == frames.size() ? 0 : next + 1;
+   }
+   state.SetItemsProcessed( state.iterations() );
+   state.counters[ "copies per frame" ] =
+      static_cast< double >( sink.count ) / static_cast< double >( state.iterations() );
+}
+BENCHMARK( floodFromTunnels );
+
+// The same headers read by a parsing library, which makes an object of each: why the pipeline has
+// readers of its own. No lookup, no copy.
+void parseByLibrary( benchmark::State & state ) {
+   std::vector< U8 > const frame = bytesOf( broadcastFrom( 2 ) );
+   for ( auto _ : state ) {
+      Tins::EthernetII const outer( frame.data(), static_cast< U32 >( frame.size() ) );
+      auto const & vxlan = outer.rfind_pdu< Tins::RawPDU >().payload();
+      Tins::EthernetII const inner( vxlan.data() + 8, static_cast< U32 >( vxlan.size() - 8 ) );
+      benchmark::DoNotOptimize( inner.rfind_pdu< Tins::UDP >().dport() );
+   }
+   state.SetItemsProcessed( state.iterations() );
+}
+BENCHMARK( parseByLibrary );
+
+// --- Whole files
+
+std::filesystem::path scratch() {
+   std::filesystem::path const folder =
+      std::filesystem::temp_directory_path() / "vornal-bench-pipeline";
+   std::filesystem::create_directories( folder );
+   return folder;
+}
+
+// A capture of the repository, a hundred thousand frames long by repetition.
+std::filesystem::path enlarged( std::string const & name ) {
+   std::filesystem::path const file = scratch() / name;
+   Chip::CaptureWriter writer( file );
+   for ( U64 count = 0; count < 100000; ) {
+      Chip::CaptureReader reader( VORNAL_SOURCE_DIR "/scenarios/captures/" + name );
+      for ( auto frame = reader.next(); frame; frame = reader.next(), ++count ) {
+         writer.write( frame->timestamp, frame->bytes );
+      }
+   }
+   writer.close();
+   return file;
+}
+
+// Reads and writes the file by libpcap and does nothing else.
+void copyFile( benchmark::State & state, std::string const & name ) {
+   std::filesystem::path const file = enlarged( name );
+   std::filesystem::path const copy = scratch() / "copy.pcap";
+   U64 frames = 0;
+   for ( auto _ : state ) {
+      std::array< char, PCAP_ERRBUF_SIZE > reason{};
+      pcap_t * const from = pcap_open_offline( file.c_str(), reason.data() );
+      pcap_dumper_t * const to = pcap_dump_open( from, copy.c_str() );
+      pcap_pkthdr * header = nullptr;
+      U8 const * bytes = nullptr;
+      for ( ; pcap_next_ex( from, &header, &bytes ) == 1; ++frames ) {
+         pcap_dump( reinterpret_cast< U8 * >( to ), header, bytes );
+      }
+      pcap_dump_close( to );
+      pcap_close( from );
+   }
+   state.SetItemsProcessed( static_cast< S64 >( frames ) );
+}
+
+// The file through the pipeline, what leaves into one file for each port.
+void forwardFile( benchmark::State & state, std::string const & name ) {
+   std::filesystem::path const file = enlarged( name );
+   Switch leaf1;
+   U64 frames = 0;
+   U64 copies = 0;
+   for ( auto _ : state ) {
+      Chip::CaptureReader reader( file );
+      Chip::PortCaptures captures( scratch() );
+      for ( auto frame = reader.next(); frame; frame = reader.next(), ++frames ) {
+         captures.timeIs( frame->timestamp );
+         leaf1.pipeline.forward( kUnderlay, frame->bytes, captures );
+      }
+      captures.close();
+   }
+   copies = leaf1.pipeline.counters()[ Chip::Verdict::Sent ];
+   state.SetItemsProcessed( static_cast< S64 >( frames ) );
+   state.counters[ "copies per frame" ] =
+      static_cast< double >( copies ) / static_cast< double >( frames );
+}
+
+BENCHMARK_CAPTURE( copyFile, v4, std::string( "fabric-v4.pcap" ) )->Unit( benchmark::kMillisecond );
+BENCHMARK_CAPTURE( forwardFile, v4, std::string( "fabric-v4.pcap" ) )
+   ->Unit( benchmark::kMillisecond );
+BENCHMARK_CAPTURE( copyFile, v6, std::string( "fabric-v6.pcap" ) )->Unit( benchmark::kMillisecond );
+BENCHMARK_CAPTURE( forwardFile, v6, std::string( "fabric-v6.pcap" ) )
+   ->Unit( benchmark::kMillisecond );
+
+}  // namespace
