@@ -48,6 +48,7 @@ struct Words {
    std::string scenario;
    std::string plugin;
    std::string ring;
+   std::string captures;
    std::vector< std::string > trace;
    std::string what;
    std::string path;
@@ -58,7 +59,10 @@ struct Words {
    }
 
    RunOptions runOptions() const {
-      RunOptions options{ scenario, pluginFile(), std::nullopt, {}, isJson };
+      RunOptions options{ scenario, pluginFile(), std::nullopt, {}, isJson, std::nullopt };
+      if ( !captures.empty() ) {
+         options.captures = captures;
+      }
       if ( !ring.empty() ) {
          options.ring = ring;
       }
@@ -98,6 +102,9 @@ void addRun( CLI::App & app, Words & words ) {
       ->expected( 1 );
    run.add_option( "--ring", words.ring, "Write the binary trace ring into this file" )
       ->type_name( "FILE" );
+   run.add_option( "--pcap-out", words.captures,
+                   "Write what leaves each port into this folder, as captures" )
+      ->type_name( "DIR" );
    run.footer( kExitCodes );
 }
 

@@ -17,6 +17,7 @@ struct RunOptions {
    std::optional< std::filesystem::path > ring;    // the trace ring's file
    std::vector< Scenario::TraceLevels > trace;
    bool isJson = false;
+   std::optional< std::filesystem::path > captures;  // the folder for what leaves each port
 };
 
 struct ShowOptions {

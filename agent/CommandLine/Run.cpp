@@ -5,6 +5,7 @@
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <Quelm/Error.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonWriter.h>
 
@@ -46,15 +47,31 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    return outcome.exitCode();
 }
 
+// The folder for captures, made if it is not there.
+std::optional< std::filesystem::path > folderOf(
+   std::optional< std::filesystem::path > const & captures ) {
+   std::error_code error;
+   if ( captures ) {
+      std::filesystem::create_directories( *captures, error );
+   }
+   if ( error ) {
+      throw Quelm::Error( "--pcap-out: " + captures->string() + " is no folder and cannot be made (" +
+                          error.message() + "); name one that can be written to" );
+   }
+   return captures;
+}
+
 }  // namespace
 
 Story::ExitCode run( RunOptions const & options ) {
    Scenario::Model const scenario = Scenario::read( options.scenario );
-   ScenarioRun const what{
-      scenario,
-      { options.scenario.string(), pluginFile( options.plugin ), options.trace, {} },
-      options.ring
-   };
+   ScenarioRun const what{ scenario,
+                           { .scenario = options.scenario.string(),
+                             .plugin = pluginFile( options.plugin ),
+                             .trace = options.trace,
+                             .show = {},
+                             .captures = folderOf( options.captures ) },
+                           options.ring };
    Progress progress( std::cerr );
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {

@@ -69,7 +69,11 @@ Story::ExitCode show( ShowOptions const & options ) {
    Story::Outcome outcome;
    ScenarioRun const what{
       scenario,
-      { options.scenario.string(), pluginFile( options.plugin ), {}, whatToShow( options ) },
+      { .scenario = options.scenario.string(),
+        .plugin = pluginFile( options.plugin ),
+        .trace = {},
+        .show = whatToShow( options ),
+        .captures = {} },
       {}
    };
    runScenario( what, { &writer, &shown }, outcome );

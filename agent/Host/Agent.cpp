@@ -21,7 +21,11 @@ Agent::Agent( Scenario::Model const & scenario, AgentConfig config, std::span< s
               Story::Observer & observer )
       : scenario_( scenario ),
         config_( std::move( config ) ),
-        environment_( scenario, ring, observer ) {}
+        environment_( scenario, ring, observer ) {
+   if ( config_.captures ) {
+      environment_.traffic().captureInto( *config_.captures );
+   }
+}
 
 void Agent::run() {
    try {
@@ -47,6 +51,7 @@ void Agent::runAll() {
                 scenario_.file + ":" + std::to_string( step.line ) },
               [ & ] { environment_.steps().queue( step ); } );
    }
+   environment_.traffic().close();
    std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
    inStep( { Story::StepKind::Teardown,
              0,

@@ -43,6 +43,8 @@ struct AgentConfig {
    std::filesystem::path plugin;                // the shared object
    std::vector< Scenario::TraceLevels > trace;  // in force after those of the scenario
    Show show;
+   // Where captures of what leaves each port go; nothing: nowhere.
+   std::optional< std::filesystem::path > captures;
 };
 
 class Agent {

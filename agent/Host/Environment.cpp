@@ -34,8 +34,9 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         processWide_( sdk_, ring_, toggles_, observer_ ),
         published_( scenario.device, activity_, database_, own_ ),
         finder_( { &database_, &own_ } ),
+        traffic_( { scenario, published_, board_.units(), activity_, observer_ } ),
         evidence_{ finder_, board_.units(), record_, *pluginPoint() },
-        steps_( { scenario.file, activity_, published_, board_, evidence_, observer_ } ),
+        steps_( { scenario.file, activity_, published_, traffic_, board_, evidence_, observer_ } ),
         subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
                         [ this ]( Kiv::Change const & change ) {
                            if ( change.newValue< bool >() ) {

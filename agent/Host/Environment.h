@@ -35,6 +35,7 @@ class Environment {
    Story::Observer & observer() { return observer_; }
    Kiv::ActivityManager & activity() { return activity_; }
    Published & published() { return published_; }
+   Traffic & traffic() { return traffic_; }
    Steps & steps() { return steps_; }
    // What other agents publish, and what this agent shares with, and has of, plug-ins.
    StateDatabase::Directory & database() { return database_; }
@@ -61,6 +62,7 @@ class Environment {
    StateDatabase::Directory own_;
    Published published_;
    StateDatabase::Finder finder_;
+   Traffic traffic_;
    Evidence evidence_;
    Steps steps_;
    std::vector< std::unique_ptr< StateDatabase::ChangeWatch > > watches_;

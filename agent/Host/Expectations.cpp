@@ -118,6 +118,80 @@ Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidenc
             count == 1 ? "there is one" : fmt::format( "there are {}", count ) };
 }
 
+// --- Frames
+
+bool isMeant( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
+   bool const isFrom =
+      !like.from || ( frame.tunnel && frame.tunnel->source == like.from->stringValue() );
+   bool const isOfKind = like.kinds.empty() ||
+                         std::any_of( like.kinds.begin(), like.kinds.end(), [ & ]( auto kind ) {
+                            return Chip::nameOf( kind ) == frame.kind;
+                         } );
+   return isFrom && isOfKind && ( !like.dropped || !frame.dropReason.empty() );
+}
+
+bool isAt( Story::FrameCopy const & copy, Scenario::FrameTarget const & target ) {
+   return std::visit( Story::Overloaded{ [ & ]( Pelk::IntfId const & intf ) {
+                                           return copy.vtep.empty() &&
+                                                  copy.intf == intf.stringValue();
+                                        },
+                                         [ & ]( Pelk::IpGenAddr const & vtep ) {
+                                            return copy.vtep == vtep.stringValue();
+                                         } },
+                      target );
+}
+
+std::string verdictAt( Story::FrameForwarded const & frame,
+                       Scenario::FrameTarget const & target ) {
+   auto const copy =
+      std::find_if( frame.copies.begin(), frame.copies.end(),
+                    [ & ]( Story::FrameCopy const & one ) { return isAt( one, target ); } );
+   return copy == frame.copies.end() ? "not considered" : copy->verdict;
+}
+
+// What is wrong with the frame; empty when nothing is.
+std::string mistakeOf( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
+   auto const mistake = [ & ]( Scenario::FrameTarget const & target, std::string const & verdict ) {
+      return fmt::format(
+         "frame {} is {} at {}", frame.number, verdict,
+         std::visit( []( auto const & one ) { return one.stringValue(); }, target ) );
+   };
+   for ( Scenario::FrameTarget const & target : like.reach ) {
+      if ( std::string const verdict = verdictAt( frame, target ); verdict != "sent" ) {
+         return mistake( target, verdict );
+      }
+   }
+   for ( Scenario::FrameTarget const & target : like.neverReach ) {
+      if ( std::string const verdict = verdictAt( frame, target ); verdict == "sent" ) {
+         return mistake( target, verdict );
+      }
+   }
+   for ( auto const & [ intf, wanted ] : like.verdicts ) {
+      if ( std::string const verdict = verdictAt( frame, intf ); verdict != nameOf( wanted ) ) {
+         return mistake( intf, verdict );
+      }
+   }
+   return like.dropped && frame.dropReason != nameOf( *like.dropped )
+             ? fmt::format( "frame {} is dropped as {}", frame.number, frame.dropReason )
+             : "";
+}
+
+Finding checkOne( Scenario::FramesLike const & expected, Evidence const & evidence ) {
+   U32 meant = 0;
+   for ( Story::FrameForwarded const & frame : evidence.record.frames() ) {
+      if ( !isMeant( frame, expected ) ) {
+         continue;
+      }
+      ++meant;
+      if ( std::string const mistake = mistakeOf( frame, expected ); !mistake.empty() ) {
+         return { false, mistake };
+      }
+   }
+   return { expected.count ? meant == *expected.count : meant > 0,
+            meant == 1 ? "there is one such frame"
+                       : fmt::format( "there are {} such frames", meant ) };
+}
+
 // --- Lines
 
 Finding timesFound( std::ptrdiff_t found, std::optional< U32 > const & expected ) {

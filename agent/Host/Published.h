@@ -49,6 +49,10 @@ class Published {
    ClassIdAllocator & allocator() { return *allocator_; }
 
    Quelm::Ptr< Vornal::VornalCommonSmData > const & common() const { return common_; }
+   Quelm::Ptr< Lag::Config > const & lagConfig() const { return lagConfig_; }
+   Quelm::Ptr< VornalCentral::VpIndexStatus > const & vpIndexStatus() const {
+      return vpIndexStatus_;
+   }
 
  private:
    void publishOne( Scenario::InterfacePort const & what );

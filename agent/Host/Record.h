@@ -1,5 +1,5 @@
 // What expectations ask about the past: the lines that were logged and traced, and the groups that
-// the plug-in asked for, since the run began.
+// the plug-in asked for, since the run began; and the frames that were injected last.
 #pragma once
 
 #include <string>
@@ -18,6 +18,8 @@ class Record final : public Story::Observer {
                      [ & ]( Story::TcamGroupAsked const & asked ) {
                         tcamGroups_.push_back( asked.group );
                      },
+                     [ & ]( Story::FramesBegin const & ) { frames_.clear(); },
+                     [ & ]( Story::FrameForwarded const & frame ) { frames_.push_back( frame ); },
                      []( auto const & ) {} },
                   event );
    }
@@ -25,11 +27,13 @@ class Record final : public Story::Observer {
    std::vector< std::string > const & log() const { return log_; }
    std::vector< Story::TraceLine > const & traces() const { return traces_; }
    std::vector< U32 > const & tcamGroups() const { return tcamGroups_; }
+   std::vector< Story::FrameForwarded > const & frames() const { return frames_; }
 
  private:
    std::vector< std::string > log_;
    std::vector< Story::TraceLine > traces_;
    std::vector< U32 > tcamGroups_;
+   std::vector< Story::FrameForwarded > frames_;
 };
 
 }  // namespace Host

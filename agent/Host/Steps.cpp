@@ -131,6 +131,20 @@ void Steps::queueAction( Scenario::ClassIdAllocator const & action, int line ) {
             [ this, &action ] { context_.published.allocator().isPausedIs( action.isPaused ); } );
 }
 
+// --- Frames
+
+void Steps::queueAction( Scenario::Frame const & action, int line ) {
+   turnNew( line, [ this, &action ] { context_.traffic.inject( action ); } );
+}
+
+void Steps::queueAction( Scenario::Capture const & action, int line ) {
+   turnNew( line, [ this, &action ] { context_.traffic.inject( action ); } );
+}
+
+void Steps::queueAction( Scenario::DesignatedForwarder const & action, int line ) {
+   turnNew( line, [ this, &action ] { context_.traffic.designatedIs( action ); } );
+}
+
 // --- Dumps
 
 void Steps::queueAction( Scenario::Dump const & action, int line ) {

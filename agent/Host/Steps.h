@@ -13,6 +13,7 @@
 #include <Board/Board.h>
 #include <Host/Expectations.h>
 #include <Host/Published.h>
+#include <Host/Traffic.h>
 #include <Kiv/Activity.h>
 #include <Story/Observer.h>
 
@@ -23,6 +24,7 @@ struct StepContext {
    std::string const & file;  // of the scenario
    Kiv::ActivityManager & activity;
    Published & published;
+   Traffic & traffic;
    Chip::Board & board;
    Evidence const & evidence;
    Story::Observer & observer;
@@ -47,6 +49,9 @@ class Steps {
    void queueAction( Scenario::ForeignEntries const & foreign, int line );
    void queueAction( Scenario::ClassIdAllocator const & allocator, int line );
    void queueAction( Scenario::Dump const & dump, int line );
+   void queueAction( Scenario::Frame const & frame, int line );
+   void queueAction( Scenario::Capture const & capture, int line );
+   void queueAction( Scenario::DesignatedForwarder const & designated, int line );
    void queueAction( Scenario::Expect const & expect, int line );
 
    void set( Scenario::Set const & set );

@@ -130,6 +130,35 @@ std::string describe( RulesLike const & what ) {
    return text;
 }
 
+std::string describe( std::vector< FrameTarget > const & targets ) {
+   std::string text;
+   for ( FrameTarget const & target : targets ) {
+      text += ( text.empty() ? "" : ", " ) +
+              std::visit( []( auto const & one ) { return textOf( one ); }, target );
+   }
+   return text;
+}
+
+std::string describe( FramesLike const & what ) {
+   std::string text;
+   for ( Chip::FrameKind const kind : what.kinds ) {
+      text += std::string( text.empty() ? "" : " or " ) + std::string( Chip::nameOf( kind ) );
+   }
+   text += text.empty() ? "frames" : " frames";
+   auto const add = [ & ]( bool isAsked, std::string const & more ) {
+      text += isAsked ? " " + more : "";
+   };
+   add( what.from.has_value(), "from VTEP " + textOf( what.from.value_or( Pelk::IpGenAddr() ) ) );
+   add( !what.reach.empty(), "reach " + describe( what.reach ) );
+   add( !what.neverReach.empty(), "never reach " + describe( what.neverReach ) );
+   for ( auto const & [ intf, verdict ] : what.verdicts ) {
+      add( true, fmt::format( "are {} at {}", Chip::nameOf( verdict ), textOf( intf ) ) );
+   }
+   add( what.dropped.has_value(),
+        what.dropped ? fmt::format( "are dropped as {}", Chip::nameOf( *what.dropped ) ) : "" );
+   return text + ( what.count ? fmt::format( ", {} of them", *what.count ) : "" );
+}
+
 std::string describe( LogLine const & what ) {
    return "log line \"" + what.text + '"' + times( what.times );
 }
@@ -187,6 +216,34 @@ std::string describe( ClassIdAllocator const & step ) {
 std::string describe( Dump const & step ) {
    auto const * const path = std::get_if< EntityPath >( &step.what );
    return "dump " + ( path ? path->stringValue() : "rules" );
+}
+
+std::string describe( Frame const & step ) {
+   auto const & outer = step.fields.outer;
+   std::string const from =
+      outer ? fmt::format( "from VTEP {} in VNI {}", textOf( outer->sourceVtep ), outer->vni )
+            : "on " + textOf( *step.on );
+   std::string const addresses =
+      step.fields.sourceIp && step.fields.destinationIp
+         ? fmt::format( ", {} to {}", textOf( *step.fields.sourceIp ),
+                        textOf( *step.fields.destinationIp ) )
+         : "";
+   return fmt::format( "a frame {}: {} to {}{}", from, textOf( step.fields.source ),
+                       textOf( step.fields.destination ), addresses );
+}
+
+std::string describe( Capture const & step ) {
+   return fmt::format( "the frames of {} on {}", step.file.filename().string(),
+                       textOf( step.on ) );
+}
+
+std::string describe( DesignatedForwarder const & step ) {
+   std::string text;
+   for ( auto const & [ intf, isDesignated ] : step.isDesignated ) {
+      text += fmt::format( "{}{} is {}designated", text.empty() ? "" : ", ", textOf( intf ),
+                           isDesignated ? "" : "not " );
+   }
+   return text;
 }
 
 std::string describe( Expect const & step ) {

@@ -136,6 +136,12 @@ void readRulesWord( Reading & reading, Value const & value, Expectations & expec
    add( expectations, value, std::move( rules ) );
 }
 
+void readFramesWord( Reading & reading, Value const & value, Expectations & expectations ) {
+   FramesLike frames;
+   readFramesLike( reading, value, frames );
+   add( expectations, value, std::move( frames ) );
+}
+
 // --- the words of one mapping of expectations
 
 Table< Expectations > const & expectTable() {
@@ -144,6 +150,7 @@ Table< Expectations > const & expectTable() {
                                                { { "tcam-groups", "" }, readTcamGroups },
                                                { { "state", "" }, readState },
                                                { { "rules", "" }, readRulesWord },
+                                               { { "frames", "" }, readFramesWord },
                                                { { "log", "" }, readLog },
                                                { { "trace", "" }, readTraceLine } } };
    return table;

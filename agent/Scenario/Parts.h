@@ -8,6 +8,8 @@
 // |                  | interfaces: before the plug-in is loaded and in steps     |
 // | Steps.cpp        | `steps`                                                   |
 // | Expectations.cpp | what the step `expect` holds                              |
+// | Forwarding.cpp   | `forwarding`                                              |
+// | Frames.cpp       | frames that are injected, and what is expected of them    |
 // | Rules.cpp        | which rules are expected, what others hold of their group |
 #pragma once
 
@@ -44,6 +46,13 @@ void readExpect( Reading & reading, Value const & value,
 void readRules( Reading & reading, Value const & value, RulesLike & rules );
 void readForeignEntries( Reading & reading, Value const & value, ForeignEntries & foreign );
 
+void readForwarding( Reading & reading, Value const & value,
+                     std::optional< Forwarding > & forwarding );
+void readDesignated( Reading & reading, Value const & value, DesignatedForwarder & designated );
+void readFrame( Reading & reading, Value const & value, Frame & frame );
+void readCapture( Reading & reading, Value const & value, Capture & capture );
+void readFramesLike( Reading & reading, Value const & value, FramesLike & frames );
+
 void readPath( Reading & reading, Value const & value, EntityPath & path );
 
 template< typename T > void readEntity( Reading & reading, Value const & value, T & target ) {
@@ -74,5 +83,7 @@ std::vector< WordList > publishedVocabulary();
 std::vector< WordList > stepsVocabulary();
 std::vector< WordList > expectationsVocabulary();
 std::vector< WordList > rulesVocabulary();
+std::vector< WordList > forwardingVocabulary();
+std::vector< WordList > framesVocabulary();
 
 }  // namespace Scenario

@@ -31,6 +31,10 @@ void readSwitchWord( Reading & reading, Value const & value, Document & document
    readSwitch( reading, value, document.model );
 }
 
+void readForwardingWord( Reading & reading, Value const & value, Document & document ) {
+   readForwarding( reading, value, document.model.forwarding );
+}
+
 void readEvpnWord( Reading & reading, Value const & value, Document & document ) {
    readEvpn( reading, value, document.model.published );
 }
@@ -101,6 +105,7 @@ Table< Document > const & scenarioTable() {
                                            { { "description", "" }, readDescription },
                                            { { "switch", "switch: { name: leaf1, ... }" },
                                              readSwitchWord },
+                                           { { "forwarding", "" }, readForwardingWord },
                                            { { "evpn", "" }, readEvpnWord },
                                            { { "features", "" }, readFeatures },
                                            { { "trace", "" }, readTrace },
@@ -204,7 +209,8 @@ Model readText( std::string const & text, fs::path const & file ) {
 std::vector< WordList > vocabulary() {
    std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
    for ( auto const & part : { switchVocabulary(), publishedVocabulary(), stepsVocabulary(),
-                               expectationsVocabulary(), rulesVocabulary() } ) {
+                               expectationsVocabulary(), rulesVocabulary(), forwardingVocabulary(),
+                               framesVocabulary() } ) {
       all.insert( all.end(), part.begin(), part.end() );
    }
    return all;

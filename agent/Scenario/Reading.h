@@ -8,6 +8,7 @@
 // list: that is where a person looks, and where an alias is used rather than anchored.
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
@@ -35,6 +36,11 @@ struct Value {
 class Reading {
  public:
    explicit Reading( std::string file ) : file_( std::move( file ) ) {}
+
+   // Where the files are that the scenario names.
+   std::filesystem::path directory() const {
+      return std::filesystem::path( file_ ).parent_path();
+   }
 
    void problem( int line, std::string message );
 

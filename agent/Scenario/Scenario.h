@@ -29,6 +29,7 @@
 #include <Pelk/IpGenAddr.h>
 #include <Quelm/Integers.h>
 #include <Scenario/EntityPath.h>
+#include <Scenario/Traffic.h>
 #include <VornalCommon/ClassId.h>
 #include <VornalTypes/VornalPort.h>
 #include <Vxlan/VniExtOrNone.h>
@@ -208,7 +209,7 @@ struct TraceLine {
 };
 
 using Expected = std::variant< AttributeEquals, AttributeHas, PluginReady, TcamGroupsAskedFor,
-                               RulesLike, LogLine, TraceLine >;
+                               RulesLike, FramesLike, LogLine, TraceLine >;
 
 struct Expectation {
    Expected what;
@@ -275,7 +276,7 @@ struct Dump {
 };
 
 using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, ForeignEntries,
-                             ClassIdAllocator, Dump, Expect >;
+                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder, Expect >;
 
 struct Step {
    Action action;
@@ -295,6 +296,7 @@ struct Model {
    std::string name;
    std::string description;
    Switch device;
+   std::optional< Forwarding > forwarding;  // nothing: it forwards no frames
    std::vector< Change > published;     // before the plug-in is loaded
    std::filesystem::path featureFiles;  // the directory of the feature files
    std::vector< TraceLevels > trace;    // in force from before the plug-in is loaded

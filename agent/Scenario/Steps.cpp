@@ -87,12 +87,6 @@ void readCall( Reading & reading, Value const & value, StepWords & words ) {
    words.actions.emplace_back( std::move( call ) );
 }
 
-void readForeignStep( Reading & reading, Value const & value, StepWords & words ) {
-   ForeignEntries foreign;
-   readForeignEntries( reading, value, foreign );
-   words.actions.emplace_back( foreign );
-}
-
 Choices< bool > const & allocatorStates() {
    static Choices< bool > const choices{ "class-id-allocator",
                                          { { "paused", true }, { "serving", false } } };
@@ -110,6 +104,13 @@ void readDump( Reading & reading, Value const & value, StepWords & words ) {
       readPath( reading, value, dump.what.emplace< EntityPath >() );
    }
    words.actions.emplace_back( std::move( dump ) );
+}
+
+template< typename Step, void ( *read )( Reading &, Value const &, Step & ) >
+void readStep( Reading & reading, Value const & value, StepWords & words ) {
+   Step step;
+   read( reading, value, step );
+   words.actions.emplace_back( std::move( step ) );
 }
 
 void readExpectStep( Reading & reading, Value const & value, StepWords & words ) {
@@ -131,7 +132,12 @@ Table< StepWords > const & stepTable() {
                                             { { "set", "" }, readSet },
                                             { { "delete", "" }, readDelete },
                                             { { "call", "" }, readCall },
-                                            { { "foreign-entries", "" }, readForeignStep },
+                                            { { "frame", "" }, readStep< Frame, readFrame > },
+                                            { { "frames", "" }, readStep< Capture, readCapture > },
+                                            { { "designated-forwarder", "" },
+                                              readStep< DesignatedForwarder, readDesignated > },
+                                            { { "foreign-entries", "" },
+                                              readStep< ForeignEntries, readForeignEntries > },
                                             { { "class-id-allocator", "" }, readAllocator },
                                             { { "dump", "" }, readDump },
                                             { { "expect", "" }, readExpectStep },

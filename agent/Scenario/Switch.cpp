@@ -117,13 +117,8 @@ void readClassIds( Reading & reading, Value const & value, Model & model ) {
    }
 }
 
-Choices< bool > const & yesOrNo() {
-   static Choices< bool > const choices{ "yes-or-no", { { "true", true }, { "false", false } } };
-   return choices;
-}
-
 void readL3MulticastExempt( Reading & reading, Value const & value, Model & model ) {
-   model.device.isL3MulticastExempt = choiceOf( reading, value, yesOrNo() ).value_or( false );
+   model.device.isL3MulticastExempt = yesOrNoOf( reading, value ).value_or( false );
 }
 
 void readSwitchInterfaces( Reading & reading, Value const & value, Model & model ) {

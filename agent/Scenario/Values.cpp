@@ -107,4 +107,9 @@ void noChoice( Reading & reading, Value const & value, WordList const & list ) {
                                       : "did you mean '" + std::string( near ) + "'?" ) );
 }
 
+std::optional< bool > yesOrNoOf( Reading & reading, Value const & value ) {
+   static Choices< bool > const choices{ "yes-or-no", { { "true", true }, { "false", false } } };
+   return choiceOf( reading, value, choices );
+}
+
 }  // namespace Scenario

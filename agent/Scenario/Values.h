@@ -151,6 +151,9 @@ std::optional< T > choiceOf( Reading & reading, Value const & value,
    return std::nullopt;
 }
 
+// `true` or `false`.
+std::optional< bool > yesOrNoOf( Reading & reading, Value const & value );
+
 // Rows of tables: a member that is a text, or a number from `lowest` to `highest`.
 template< typename T, std::string T::*member >
 void readText( Reading & reading, Value const & value, T & target ) {

@@ -47,6 +47,12 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Rule, key, name, priority, isWritten, qualif
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( CallValue, name, value )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Assertion, file, line, function, expression )
 
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameTunnel, source, destination, vni )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameInner, source, destination, vlan, etherType, sourceIp,
+                                    destinationIp )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameIngress, unit, rule, classId )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameCopy, intf, vtep, unit, port, verdict, rule )
+
 void to_json( nlohmann::json & out, EntityTree const & tree );
 void from_json( nlohmann::json const & in, EntityTree & tree );
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityItem, key, text, entity )
@@ -74,6 +80,9 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleGone, key )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TraceLine, handle, level, text )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( LogLine, name, line )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ExpectationChecked, text, place, held, found )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FramesBegin, arrival, frames )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameForwarded, number, arrival, length, tunnel, inner, kind,
+                                    dropReason, ingress, copies )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ForeignEntriesAre, unit, group, asked, held )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityDumped, path, tree )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RulesDumped, rules )

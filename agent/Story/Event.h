@@ -26,6 +26,7 @@
 
 #include <Quelm/Integers.h>
 #include <Story/EntityTree.h>
+#include <Story/Frame.h>
 #include <Story/Rule.h>
 
 namespace Story {
@@ -181,6 +182,27 @@ struct ExpectationChecked {
    std::string found;  // what was there instead, when it did not hold
 };
 
+// Frames come in, so many of them; each is told by itself.
+struct FramesBegin {
+   static constexpr char const * kName = "framesBegin";
+   std::string arrival;  // the interface
+   U64 frames = 0;
+};
+
+// A frame has gone through the switch.
+struct FrameForwarded {
+   static constexpr char const * kName = "frameForwarded";
+   U64 number = 0;       // from 1, in the run
+   std::string arrival;  // the interface
+   U64 length = 0;       // in bytes
+   std::optional< FrameTunnel > tunnel;
+   std::optional< FrameInner > inner;  // nothing when the frame was dropped before it was read
+   std::string kind;        // "broadcast", "known-unicast", ...; empty for one that was dropped
+   std::string dropReason;  // of the whole frame; empty for one that was not
+   std::vector< FrameIngress > ingress;
+   std::vector< FrameCopy > copies;
+};
+
 // Other users of a group hold this many of its entries now.
 struct ForeignEntriesAre {
    static constexpr char const * kName = "foreignEntriesAre";
@@ -237,8 +259,8 @@ using Event =
    std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, PluginLoaded, MountAsked,
                  MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
                  DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
-                 LogLine, ExpectationChecked, ForeignEntriesAre, EntityDumped, RulesDumped,
-                 EntityShown, OutputLine, Stopped >;
+                 LogLine, ExpectationChecked, FramesBegin, FrameForwarded, ForeignEntriesAre,
+                 EntityDumped, RulesDumped, EntityShown, OutputLine, Stopped >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

@@ -35,6 +35,7 @@ void HumanWriter::tell( StepBegins const & event ) {
 
 void HumanWriter::tell( StepEnds const & ) {
    ruleChanges();
+   frameTable();
    if ( held_ != 0 ) {
       detail( style_.good( isAnyFailed_ ? "the rest is as expected" : "as expected" ) );
    }
@@ -48,6 +49,7 @@ void HumanWriter::tell( RunEnds const & ) {
 
 void HumanWriter::tell( Stopped const & event ) {
    ruleChanges();
+   frameTable();
    std::string const where = outcome_.step() ? nameOf( *outcome_.step() ) : "the beginning";
    out_ << '\n'
         << style_.bad( fmt::format( "STOPPED in {}: the process of the plug-in ended with {}.",
@@ -91,7 +93,12 @@ void HumanWriter::verdict() {
    } else {
       out_ << style_.good( "COMPLETED" );
    }
-   out_ << "; " << rules << " in the chip at the end.\n" << std::flush;
+   out_ << "; " << rules << " in the chip at the end.\n";
+   if ( totals_.frames != 0 ) {
+      out_ << fmt::format( "{} in, {}; {}.\n", counted( totals_.frames, "frame" ),
+                           totals_.dropsText(), totals_.copiesText() );
+   }
+   out_ << std::flush;
 }
 
 // --- Rules
@@ -113,6 +120,22 @@ void HumanWriter::ruleChanges() {
 void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
    detail( what + headingOf( rule ) );
    detail( "   " + contentOf( rule ) );
+}
+
+// --- Frames
+
+void HumanWriter::tell( FrameForwarded const & event ) {
+   frames_.add( event );
+   totals_.add( event );
+}
+
+void HumanWriter::frameTable() {
+   if ( !frames_.isEmpty() ) {
+      for ( std::string const & line : frames_.lines() ) {
+         detail( line );
+      }
+      frames_.clear();
+   }
 }
 
 // --- Dumps

@@ -2,14 +2,16 @@
 // verdict at the end.
 //
 // What is shown below a step: what the plug-in asked the agent for, what it traced and logged, what
-// it wrote to the state database, the rules that the step added, changed and removed, and which
-// expectations held. What other agents publish is what the step's own line says.
+// it wrote to the state database, the rules that the step added, changed and removed, what became
+// of the frames that came in, and which expectations held. What other agents publish is what the step's own line says.
 #pragma once
 
 #include <ostream>
 #include <set>
 #include <string>
 
+#include <Story/FrameTable.h>
+#include <Story/FrameTotals.h>
 #include <Story/Outcome.h>
 #include <Story/RuleTable.h>
 #include <Story/Style.h>
@@ -36,6 +38,8 @@ class HumanWriter final : public Observer {
    void tell( RuleIs const & event ) { rules_.onEvent( event ); }
    void tell( RuleGone const & event ) { rules_.onEvent( event ); }
    void tell( ExpectationChecked const & event );
+   void tell( FramesBegin const & ) {}  // shows in the table
+   void tell( FrameForwarded const & event );
    void tell( EntityDumped const & event );
    void tell( RulesDumped const & event );
    void tell( HardwareCall const & ) {}  // shows in the rules
@@ -46,6 +50,7 @@ class HumanWriter final : public Observer {
    void detail( std::string const & text );
    void ruleChanges();
    void ruleLine( std::string const & what, Rule const & rule );
+   void frameTable();
    void publishedBefore();
    void verdict();
 
@@ -53,6 +58,8 @@ class HumanWriter final : public Observer {
    Style style_;
    Outcome outcome_;
    RuleTable rules_;
+   FrameTable frames_;  // of this step
+   FrameTotals totals_;
    std::size_t changesBefore_ = 0;     // before the first step
    std::size_t held_ = 0;              // expectations of this step
    bool isAnyFailed_ = false;          // of this step

@@ -34,6 +34,25 @@ Json jsonOf( std::vector< RuleField > const & fields ) {
    return json;
 }
 
+// Of the rule that decided, or null.
+Json jsonOf( std::optional< RuleKey > const & rule ) {
+   return rule ? Json{ { "unit", rule->unit }, { "group", rule->group }, { "id", rule->id } }
+               : Json();
+}
+
+Json jsonOf( FrameTunnel const & tunnel ) {
+   return { { "source", tunnel.source }, { "destination", tunnel.destination } };
+}
+
+Json jsonOf( FrameInner const & inner ) {
+   return { { "source", inner.source },
+            { "destination", inner.destination },
+            { "vlan", inner.vlan },
+            { "etherType", inner.etherType },
+            { "sourceIp", Story::jsonOf( inner.sourceIp ) },
+            { "destinationIp", Story::jsonOf( inner.destinationIp ) } };
+}
+
 Json jsonOf( EntityItem const & item, EntityAttribute const & attribute ) {
    if ( !item.entity.empty() ) {
       return Story::jsonOf( item.entity.front() );
@@ -105,6 +124,34 @@ Json jsonOf( EntityTree const & tree ) {
       json[ "attributes" ][ attribute.name ] = jsonOf( attribute );
    }
    return json;
+}
+
+Json jsonOf( FrameForwarded const & frame ) {
+   Json ingress = Json::array();
+   for ( FrameIngress const & lookup : frame.ingress ) {
+      ingress.push_back( { { "unit", lookup.unit },
+                           { "rule", jsonOf( lookup.rule ) },
+                           { "classId", lookup.classId == 0 ? Json() : Json( lookup.classId ) } } );
+   }
+   Json ports = Json::array();
+   for ( FrameCopy const & copy : frame.copies ) {
+      ports.push_back( { { "interface", textOrNull( copy.intf ) },
+                         { "vtep", textOrNull( copy.vtep ) },
+                         { "unit", jsonOf( copy.unit ) },
+                         { "port", jsonOf( copy.port ) },
+                         { "verdict", copy.verdict },
+                         { "rule", jsonOf( copy.rule ) } } );
+   }
+   return { { "number", frame.number },
+            { "arrival", textOrNull( frame.arrival ) },
+            { "length", frame.length },
+            { "outer", frame.tunnel ? jsonOf( *frame.tunnel ) : Json() },
+            { "inner", frame.inner ? jsonOf( *frame.inner ) : Json() },
+            { "vni", frame.tunnel ? jsonOf( frame.tunnel->vni ) : Json() },
+            { "kind", textOrNull( frame.kind ) },
+            { "dropReason", textOrNull( frame.dropReason ) },
+            { "ingress", std::move( ingress ) },
+            { "ports", std::move( ports ) } };
 }
 
 Json textOrNull( std::string const & text ) {

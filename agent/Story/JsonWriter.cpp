@@ -69,6 +69,8 @@ void JsonWriter::onEvent( Event const & event ) {
 void JsonWriter::write( std::ostream & out ) const {
    Json document = document_;
    document[ "end" ] = outcome_.endName();
+   document[ "counters" ][ "framesDropped" ] = totals_.drops;
+   document[ "counters" ][ "copies" ] = totals_.copies;
    for ( auto const & [ key, rule ] : rules_.rules() ) {
       document[ "rules" ].push_back( jsonOf( rule ) );
    }
@@ -209,6 +211,15 @@ void JsonWriter::take( ExpectationChecked const & event ) {
                                          { "place", event.place },
                                          { "held", event.held },
                                          { "found", textOrNull( event.found ) } } );
+}
+
+void JsonWriter::take( FrameForwarded const & event ) {
+   count( "frames" );
+   totals_.add( event );
+   step()[ "frames" ].push_back( event.number );
+   Json frame = jsonOf( event );
+   frame[ "step" ] = step()[ "number" ];
+   document_[ "frames" ].push_back( std::move( frame ) );
 }
 
 void JsonWriter::take( ForeignEntriesAre const & event ) {

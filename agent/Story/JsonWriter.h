@@ -10,7 +10,7 @@
 //                  tcamGroups, and whether it is ready
 //    steps         from 0, which is start-up; the last one is teardown
 //    rules         in the chips at the end, by unit, group and id
-//    frames        none yet
+//    frames        in the order in which they came in
 //    log           with the step of each line
 //    counters
 //
@@ -22,6 +22,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <Story/FrameTotals.h>
 #include <Story/Outcome.h>
 #include <Story/RuleTable.h>
 
@@ -58,6 +59,7 @@ class JsonWriter final : public Observer {
    void take( TraceLine const & event );
    void take( LogLine const & event );
    void take( ExpectationChecked const & event );
+   void take( FrameForwarded const & event );
    void take( ForeignEntriesAre const & event );
    void take( EntityDumped const & event );
    void take( RulesDumped const & event );
@@ -71,6 +73,7 @@ class JsonWriter final : public Observer {
    Json document_;
    Outcome outcome_;
    RuleTable rules_;
+   FrameTotals totals_;
 };
 
 }  // namespace Story

@@ -1,0 +1,175 @@
+#include <Host/Traffic.h>
+
+#include <fmt/format.h>
+
+#include <Capture/CaptureReader.h>
+#include <Host/FrameReporter.h>
+#include <Quelm/Error.h>
+#include <SoftSdk/Gport.h>
+
+namespace Host {
+
+namespace {
+
+using Pelk::IntfId;
+
+// Interfaces with a live port on one of the chips.
+void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const & said,
+                    Vornal::VornalCommonSmData const & common ) {
+   for ( auto live = common.vornalIntfToPortIter(); live; ++live ) {
+      VornalTypes::VornalPort const port = live.value();
+      if ( !port.isValid() || !common.vornalModIdHas( port.unit() ) ) {
+         continue;
+      }
+      Chip::InterfaceConfig interface{ .intfId = live.key(),
+                                       .unit = port.unit(),
+                                       .logicalPort = port.logicalPort() };
+      interface.isUnderlay = said.underlay.contains( live.key() );
+      if ( auto const vlans = said.vlans.find( live.key() ); vlans != said.vlans.end() ) {
+         interface.vlans = vlans->second;
+      }
+      config.interfaces.push_back( interface );
+   }
+}
+
+bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId ) {
+   return std::any_of( config.interfaces.begin(), config.interfaces.end(),
+                       [ & ]( auto const & interface ) { return interface.intfId == intfId; } );
+}
+
+// Port channels that carry VLANs, with those of their members that have a port.
+void addPortChannels( Chip::ForwardingConfig & config, Scenario::Forwarding const & said,
+                      Lag::Config const & lags ) {
+   for ( auto const & [ intfId, vlans ] : said.vlans ) {
+      if ( !isPortChannel( intfId ) ) {
+         continue;
+      }
+      Chip::PortChannelConfig portChannel{ intfId, {}, vlans };
+      for ( auto member = lags.phyIntfIter(); member; ++member ) {
+         if ( member.value()->lag() == intfId && hasInterface( config, member.key() ) ) {
+            portChannel.members.push_back( member.key() );
+         }
+      }
+      config.portChannels.push_back( std::move( portChannel ) );
+   }
+}
+
+void addTunnels( Chip::ForwardingConfig & config, VornalCentral::VpIndexStatus const & ports ) {
+   for ( auto vport = ports.remoteVportIter(); vport; ++vport ) {
+      config.tunnels[ vport.key().vtepIp() ] = { static_cast< U16 >( vport.value() ), {} };
+      for ( auto const & [ vlan, vni ] : config.vlanToVni ) {
+         config.floodLists[ vni ].push_back( vport.key().vtepIp() );
+      }
+   }
+}
+
+}  // namespace
+
+Traffic::Traffic( Context const & context )
+      : context_( context ),
+        forwarding_( context.scenario.forwarding ),
+        pipeline_( context.units ) {}
+
+// --- How the switch forwards
+
+Chip::ForwardingConfig Traffic::forwardingNow() const {
+   if ( !forwarding_ ) {
+      throw Quelm::Error( "the scenario does not say how the switch forwards; give it 'forwarding'" );
+   }
+   Chip::ForwardingConfig config = forwarding_->config;
+   addInterfaces( config, *forwarding_, *context_.published.common() );
+   addPortChannels( config, *forwarding_, *context_.published.lagConfig() );
+   addTunnels( config, *context_.published.vpIndexStatus() );
+   std::erase_if( config.designatedForwarder, [ & ]( auto const & one ) {
+      return !isPortChannel( one.first ) && !hasInterface( config, one.first );
+   } );
+   return config;
+}
+
+void Traffic::prepare() {
+   pipeline_.forwardingIs( forwardingNow() );
+}
+
+void Traffic::designatedIs( Scenario::DesignatedForwarder const & designated ) {
+   for ( auto const & [ intf, isDesignated ] : designated.isDesignated ) {
+      if ( forwarding_ ) {
+         forwarding_->config.designatedForwarder[ intf ].allVlans = isDesignated;
+      }
+   }
+   prepare();
+}
+
+// --- Injection
+
+VornalTypes::VornalPort Traffic::portOf( IntfId const & intfId ) const {
+   auto const & common = *context_.published.common();
+   if ( isPortChannel( intfId ) ) {
+      for ( auto const & portChannel : pipeline_.forwarding().portChannels ) {
+         if ( portChannel.intfId == intfId && !portChannel.members.empty() ) {
+            return common.vornalIntfToPort( portChannel.members.front() );
+         }
+      }
+   } else if ( common.vornalIntfToPortHas( intfId ) ) {
+      return common.vornalIntfToPort( intfId );
+   }
+   throw Quelm::Error( intfId.stringValue() + " has no port; no frame can come in on it" );
+}
+
+IntfId Traffic::arrivalOf( Scenario::Frame const & frame ) const {
+   if ( frame.on ) {
+      return *frame.on;
+   }
+   if ( forwarding_->underlay.empty() ) {
+      throw Quelm::Error( "a frame from a VTEP needs an underlay interface to come in on; name one "
+                          "in 'forwarding'" );
+   }
+   return *forwarding_->underlay.begin();
+}
+
+void Traffic::inject( Scenario::Frame const & frame ) {
+   prepare();
+   Chip::FrameFields fields = frame.fields;
+   if ( fields.outer ) {
+      auto const & own = fields.outer->sourceVtep.family() == Pelk::IpGenAddr::Family::ipv4
+                            ? forwarding_->config.vtepIpv4
+                            : forwarding_->config.vtepIpv6;
+      fields.outer->destinationVtep = own.value_or( Pelk::IpGenAddr() );
+   }
+   IntfId const arrival = arrivalOf( frame );
+   VornalTypes::VornalPort const port = portOf( arrival );
+   std::vector< U8 > const bytes = bytesOf( fields );
+   context_.observer.onEvent( Story::FramesBegin{ arrival.stringValue(), 1 } );
+   if ( captures_ ) {
+      captures_->timeIs( context_.activity.clock()->now() );
+   }
+   forward( port, bytes );
+}
+
+void Traffic::inject( Scenario::Capture const & capture ) {
+   prepare();
+   VornalTypes::VornalPort const port = portOf( capture.on );
+   context_.observer.onEvent(
+      Story::FramesBegin{ capture.on.stringValue(), framesIn( capture.file ) } );
+   Chip::CaptureReader reader( capture.file );
+   while ( auto const frame = reader.next() ) {
+      if ( captures_ ) {
+         captures_->timeIs( frame->timestamp );
+      }
+      forward( port, frame->bytes );
+   }
+}
+
+void Traffic::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
+   Chip::FrameStory const & story =
+      captures_ ? pipeline_.forward( arrival, frame, *captures_ )
+                : pipeline_.forward( arrival, frame, nowhere_ );
+   context_.observer.onEvent( frameOf( story, ++frames_ ) );
+}
+
+void Traffic::close() {
+   if ( captures_ ) {
+      captures_->close();
+   }
+}
+
+}  // namespace Host

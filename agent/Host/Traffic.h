@@ -1,0 +1,72 @@
+// The traffic of a scenario: frames that are injected into the switch, and what becomes of them.
+//
+// How the switch forwards is made anew from what is published before every injection: interfaces
+// with a live port, port channels with their members, a tunnel and a place in every flood list for
+// each remote VTEP that has a virtual port. The rest is the scenario's own configuration. So the
+// chip forwards by the same state as the plug-in programs it by.
+//
+// Every frame is told to the observer with its verdict at every port. What leaves can be written
+// into captures, one for each port.
+//
+// Failures: Quelm::Error for a scenario that does not say how the switch forwards, for an interface
+// without a port, and for a capture that cannot be read; nothing of that step is injected then, but
+// the frames before a capture's damage.
+//
+// Threads: the activity's.
+#pragma once
+
+#include <optional>
+
+#include <Board/Board.h>
+#include <Capture/PortCaptures.h>
+#include <Host/Published.h>
+#include <Kiv/Activity.h>
+#include <Pipeline/Pipeline.h>
+#include <Story/Observer.h>
+
+namespace Host {
+
+class Traffic {
+ public:
+   // What it works on; everything must outlive it.
+   struct Context {
+      Scenario::Model const & scenario;
+      Published const & published;
+      Chip::Units const & units;
+      Kiv::ActivityManager const & activity;
+      Story::Observer & observer;
+   };
+
+   explicit Traffic( Context const & context );
+
+   // Captures of what leaves go into that folder, which is there.
+   void captureInto( std::filesystem::path const & folder ) { captures_.emplace( folder ); }
+   void close();
+
+   void inject( Scenario::Frame const & frame );
+   void inject( Scenario::Capture const & capture );
+   void designatedIs( Scenario::DesignatedForwarder const & designated );
+
+   Chip::PipelineCounters const & counters() const { return pipeline_.counters(); }
+
+ private:
+   class Nowhere final : public Chip::Transmitter {
+    public:
+      void transmit( VornalTypes::VornalPort, Chip::Bytes ) override {}
+   };
+
+   void prepare();
+   Chip::ForwardingConfig forwardingNow() const;
+   VornalTypes::VornalPort portOf( Pelk::IntfId const & intfId ) const;
+   Pelk::IntfId arrivalOf( Scenario::Frame const & frame ) const;
+   void forward( VornalTypes::VornalPort arrival, Chip::Bytes frame );
+
+   Context context_;
+   std::optional< Scenario::Forwarding > forwarding_;
+   Chip::Pipeline pipeline_;
+   std::optional< Chip::PortCaptures > captures_;
+   Nowhere nowhere_;
+   U64 frames_ = 0;
+};
+
+}  // namespace Host

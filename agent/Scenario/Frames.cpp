@@ -1,0 +1,259 @@
+#include <Scenario/Parts.h>
+
+namespace Scenario {
+
+namespace {
+
+constexpr U32 kHighestVni = 0xffffff;
+constexpr U32 kHighestPort = 0xffff;
+constexpr U32 kLargestPayload = 9000;
+
+auto const addressIn = parsed< Pelk::IpGenAddr >;
+
+std::optional< Pelk::IntfId > intfOf( Reading & reading, std::string const & text, int line ) {
+   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
+   if ( intf ) {
+      reading.use( *intf, line );
+   }
+   return intf;
+}
+
+template< typename T >
+std::optional< T > valueOf( Reading & reading, Value const & value ) {
+   auto const text = stringOf( reading, value );
+   return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
+}
+
+// The names of all values of an enumeration of the chip.
+template< typename T > std::string_view nameOfChip( std::size_t value ) {
+   return Chip::nameOf( static_cast< T >( value ) );
+}
+
+template< typename T > Choices< T > choicesOf( std::string_view place, std::size_t count ) {
+   Choices< T > choices{ place, {} };
+   for ( std::size_t value = 0; value < count; ++value ) {
+      choices.all.push_back( { nameOfChip< T >( value ), static_cast< T >( value ) } );
+   }
+   return choices;
+}
+
+Choices< Chip::FrameKind > const & kinds() {
+   static auto const choices =
+      choicesOf< Chip::FrameKind >( "frame-kind", Chip::kFrameKinds.size() );
+   return choices;
+}
+
+Choices< Chip::Verdict > const & verdicts() {
+   static auto const choices = choicesOf< Chip::Verdict >( "verdict", Chip::kVerdicts );
+   return choices;
+}
+
+Choices< Chip::DropReason > const & dropReasons() {
+   static auto const choices = choicesOf< Chip::DropReason >( "drop-reason", Chip::kDropReasons );
+   return choices;
+}
+
+// --- a frame as fields
+
+Chip::OuterFields & outerOf( Frame & frame ) {
+   return frame.fields.outer ? *frame.fields.outer : frame.fields.outer.emplace();
+}
+
+template< typename T > void readOn( Reading & reading, Value const & value, T & target ) {
+   if ( auto const text = stringOf( reading, value ) ) {
+      if ( auto const intf = intfOf( reading, *text, value.line ) ) {
+         target.on = *intf;
+      }
+   }
+}
+
+void readFrom( Reading & reading, Value const & value, Frame & frame ) {
+   outerOf( frame ).sourceVtep =
+      valueOf< Pelk::IpGenAddr >( reading, value ).value_or( Pelk::IpGenAddr() );
+}
+
+void readVni( Reading & reading, Value const & value, Frame & frame ) {
+   outerOf( frame ).vni = numberOf( reading, value, 0, kHighestVni ).value_or( 0 );
+}
+
+template< Chip::MacAddress Chip::FrameFields::*mac >
+void readMac( Reading & reading, Value const & value, Frame & frame ) {
+   frame.fields.*mac =
+      valueOf< Chip::MacAddress >( reading, value ).value_or( Chip::MacAddress() );
+}
+
+template< std::optional< Pelk::IpGenAddr > Chip::FrameFields::*ip >
+void readIp( Reading & reading, Value const & value, Frame & frame ) {
+   frame.fields.*ip = valueOf< Pelk::IpGenAddr >( reading, value );
+}
+
+void readVlan( Reading & reading, Value const & value, Frame & frame ) {
+   constexpr U32 kHighestVlan = 4094;
+   if ( auto const vlan = numberOf( reading, value, 1, kHighestVlan ) ) {
+      frame.fields.vlan = static_cast< U16 >( *vlan );
+   }
+}
+
+template< typename T, T Chip::FrameFields::*number, U32 highest >
+void readFieldNumber( Reading & reading, Value const & value, Frame & frame ) {
+   if ( auto const read = numberOf( reading, value, 0, highest ) ) {
+      frame.fields.*number = static_cast< T >( *read );
+   }
+}
+
+Choices< Chip::FrameContent > const & contents() {
+   using Chip::FrameContent;
+   static Choices< FrameContent > const choices{
+      "frame-content",
+      { { "bare", FrameContent::Bare },
+        { "arp", FrameContent::Arp },
+        { "neighbour-solicitation", FrameContent::NeighbourSolicitation },
+        { "udp", FrameContent::Udp } }
+   };
+   return choices;
+}
+
+void readContent( Reading & reading, Value const & value, Frame & frame ) {
+   frame.fields.content =
+      choiceOf( reading, value, contents() ).value_or( Chip::FrameContent::Bare );
+}
+
+Table< Frame > const & frameTable() {
+   using Fields = Chip::FrameFields;
+   static Table< Frame > const table{
+      "frame",
+      { { { "on", "" }, readOn< Frame > },
+        { { "from", "" }, readFrom },
+        { { "vni", "" }, readVni },
+        { { "vlan", "" }, readVlan },
+        { { "source", "source: 00:00:5e:00:53:02" }, readMac< &Fields::source > },
+        { { "destination", "" }, readMac< &Fields::destination > },
+        { { "content", "" }, readContent },
+        { { "source-ip", "" }, readIp< &Fields::sourceIp > },
+        { { "destination-ip", "" }, readIp< &Fields::destinationIp > },
+        { { "ttl", "" }, readFieldNumber< U8, &Fields::timeToLive, 0xff > },
+        { { "source-port", "" }, readFieldNumber< U16, &Fields::sourcePort, kHighestPort > },
+        { { "destination-port", "" },
+          readFieldNumber< U16, &Fields::destinationPort, kHighestPort > },
+        { { "payload", "" },
+          readFieldNumber< std::size_t, &Fields::payloadSize, kLargestPayload > } }
+   };
+   return table;
+}
+
+// --- a capture
+
+void readFile( Reading & reading, Value const & value, Capture & capture ) {
+   auto const name = stringOf( reading, value );
+   if ( !name ) {
+      return;
+   }
+   capture.file = reading.directory() / *name;
+   std::error_code error;
+   if ( !std::filesystem::is_regular_file( capture.file, error ) ) {
+      reading.problem( value.line, "capture is " + inQuotes( *name ) +
+                                      ", which is no file; a capture is expected, relative to the "
+                                      "scenario's file" );
+   }
+}
+
+Table< Capture > const & captureTable() {
+   static Table< Capture > const table{
+      "frames",
+      { { { "capture", "capture: ../captures/fabric-v4.pcap" }, readFile },
+        { { "on", "on: Ethernet49" }, readOn< Capture > } }
+   };
+   return table;
+}
+
+// --- what is expected
+
+void readLikeFrom( Reading & reading, Value const & value, FramesLike & frames ) {
+   frames.from = valueOf< Pelk::IpGenAddr >( reading, value );
+}
+
+// One kind, or a list of them.
+void readLikeKind( Reading & reading, Value const & value, FramesLike & frames ) {
+   std::vector< Value > const all =
+      value.node.IsSequence() ? listOf( reading, value ) : std::vector{ value };
+   for ( Value const & one : all ) {
+      if ( auto const kind = choiceOf( reading, one, kinds() ) ) {
+         frames.kinds.insert( *kind );
+      }
+   }
+}
+
+std::optional< FrameTarget > targetIn( Reading & reading, std::string const & text, int line ) {
+   if ( text.find_first_of( ".:" ) != std::string::npos ) {
+      auto const vtep = addressIn( reading, text, line );
+      return vtep ? std::optional< FrameTarget >( *vtep ) : std::nullopt;
+   }
+   auto const intf = intfOf( reading, text, line );
+   return intf ? std::optional< FrameTarget >( *intf ) : std::nullopt;
+}
+
+template< std::vector< FrameTarget > FramesLike::*targets >
+void readTargets( Reading & reading, Value const & value, FramesLike & frames ) {
+   for ( Value const & element : listOf( reading, value ) ) {
+      auto const text = stringOf( reading, element );
+      if ( auto const target =
+              text ? targetIn( reading, *text, element.line ) : std::nullopt ) {
+         ( frames.*targets ).push_back( *target );
+      }
+   }
+}
+
+void readVerdicts( Reading & reading, Value const & value, FramesLike & frames ) {
+   for ( auto const & [ intf, about ] : keyedOf( reading, value, intfOf ) ) {
+      if ( auto const verdict = choiceOf( reading, about, verdicts() ) ) {
+         frames.verdicts[ intf ] = *verdict;
+      }
+   }
+}
+
+void readDropped( Reading & reading, Value const & value, FramesLike & frames ) {
+   frames.dropped = choiceOf( reading, value, dropReasons() );
+}
+
+Table< FramesLike > const & framesTable() {
+   static Table< FramesLike > const table{
+      "frames-like",
+      { { { "from", "" }, readLikeFrom },
+        { { "kind", "" }, readLikeKind },
+        { { "reach", "" }, readTargets< &FramesLike::reach > },
+        { { "never-reach", "" }, readTargets< &FramesLike::neverReach > },
+        { { "verdicts", "" }, readVerdicts },
+        { { "dropped", "" }, readDropped },
+        { { "count", "" }, readNumber< FramesLike, &FramesLike::count, 0, ~U32{ 0 } > } }
+   };
+   return table;
+}
+
+}  // namespace
+
+void readFrame( Reading & reading, Value const & value, Frame & frame ) {
+   readMapping( reading, value, frameTable(), frame );
+   auto const & outer = frame.fields.outer;
+   if ( !outer && !frame.on ) {
+      reading.problem( value.line, "a frame needs 'on', the interface it comes in on, or 'from', "
+                                   "the VTEP it comes from" );
+   } else if ( outer && ( outer->vni == 0 || outer->sourceVtep == Pelk::IpGenAddr() ) ) {
+      reading.problem( value.line,
+                       "'from' and 'vni' stand together: a frame from a VTEP comes in a VNI" );
+   }
+}
+
+void readCapture( Reading & reading, Value const & value, Capture & capture ) {
+   readMapping( reading, value, captureTable(), capture );
+}
+
+void readFramesLike( Reading & reading, Value const & value, FramesLike & frames ) {
+   readAsWritten( reading, value, framesTable(), frames );
+}
+
+std::vector< WordList > framesVocabulary() {
+   return { frameTable().list(),  captureTable().list(), framesTable().list(), kinds().list(),
+            verdicts().list(),    dropReasons().list(),  contents().list() };
+}
+
+}  // namespace Scenario

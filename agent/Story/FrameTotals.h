@@ -1,0 +1,24 @@
+// What became of all frames of a run, in numbers.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include <Story/Event.h>
+
+namespace Story {
+
+struct FrameTotals {
+   U64 frames = 0;
+   std::map< std::string, U64 > drops;   // whole frames, by reason
+   std::map< std::string, U64 > copies;  // by verdict; those that stay where they came from not
+
+   void add( FrameForwarded const & frame );
+
+   // "none dropped", or "3 dropped (2 unknown-vtep, 1 not-vxlan)".
+   std::string dropsText() const;
+   // "12 sent, 4 masked", or "nothing".
+   std::string copiesText() const;
+};
+
+}  // namespace Story
