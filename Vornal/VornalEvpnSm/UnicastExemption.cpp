@@ -13,6 +13,22 @@
 
 namespace Vornal {
 
+namespace {
+
+// A new entry for the exemption of `traffic`, "L2UC" or "L3UC"; 0 when there is no room.
+U32 exemptionEntryNew( VornalUnboundedTcamEntryManager & manager, U16 unit,
+                       std::string const & traffic ) {
+   U32 const entryId =
+      manager.getEntry( unit, "Skip shared ES pruning for " + traffic + " packets - No-op",
+                        VornalTcam::RequestKey() );
+   if ( entryId == 0 ) {
+      TRACE( smTrace, 2, "installRulesForUcastTraffic " << traffic << " entry allocation failed" );
+   }
+   return entryId;
+}
+
+}  // namespace
+
 void EvpnMultihomingLocalBiasSm::installRulesForUcastTraffic( U16 unit ) {
    TRACE( smTrace, 5, "installRulesForUcastTraffic, unit: " << unit );
    if ( !initialized() ) {
@@ -20,42 +36,26 @@ void EvpnMultihomingLocalBiasSm::installRulesForUcastTraffic( U16 unit ) {
    }
    QUELM_ASSERT( !l2UcastRuleInstalledHas( unit ) );
    QUELM_ASSERT( !l3UcastRuleInstalledHas( unit ) );
-   if ( installL2UcastRule( unit ) ) {
-      installL3UcastRule( unit );
-   }
-}
-
-bool EvpnMultihomingLocalBiasSm::installL2UcastRule( U16 unit ) {
-   U32 const entryId =
-      tcamManager()->getEntry( unit, "Skip shared ES pruning for L2UC packets - No-op",
-                               VornalTcam::RequestKey() );
+   S32 const BCM_E_NONE = Shim::sdk_->successCode();
+   U32 entryId = exemptionEntryNew( *tcamManager(), unit, "L2UC" );
    if ( entryId == 0 ) {
-      TRACE( smTrace, 2, "installRulesForUcastTraffic L2UC entry allocation failed" );
-      return false;
+      return;
    }
    SDK_FIELD_CALL_AT( 758,
                       bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff ) );
    SDK_FIELD_CALL_AT( 760, bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) );
-   S32 const BCM_E_NONE = Shim::sdk_->successCode();
-   S32 const rc = tcamManager()->installEntry( unit, entryId );
+   S32 rc = tcamManager()->installEntry( unit, entryId );
    QUELM_ASSERT_AT( 764, rc == BCM_E_NONE && "installEntry failed" );
    l2UcastRuleInstalledIs( unit, entryId );
-   return true;
-}
 
-void EvpnMultihomingLocalBiasSm::installL3UcastRule( U16 unit ) {
-   U32 const entryId =
-      tcamManager()->getEntry( unit, "Skip shared ES pruning for L3UC packets - No-op",
-                               VornalTcam::RequestKey() );
+   entryId = exemptionEntryNew( *tcamManager(), unit, "L3UC" );
    if ( entryId == 0 ) {
-      TRACE( smTrace, 2, "installRulesForUcastTraffic L3UC entry allocation failed" );
       return;
    }
    SDK_FIELD_CALL_AT( 777, bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L3UCKNOWN,
                                                         0xff ) );
    SDK_FIELD_CALL_AT( 779, bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) );
-   S32 const BCM_E_NONE = Shim::sdk_->successCode();
-   S32 const rc = tcamManager()->installEntry( unit, entryId );
+   rc = tcamManager()->installEntry( unit, entryId );
    QUELM_ASSERT_AT( 783, rc == BCM_E_NONE && "installEntry failed" );
    l3UcastRuleInstalledIs( unit, entryId );
 }

@@ -22,6 +22,22 @@ _shr_pbmp pbmpOf( Brum::PerUnitBitmap const & bitmap ) {
    return pbmp;
 }
 
+void clearPorts( Brum::PerUnitBitmap & ubmp, VornalPortList const & ports, char const * deed ) {
+   for ( VornalPort const & port : ports ) {
+      TRACE( smTrace, 7,
+             "updateIfpTcamEntries, " << deed << port.logicalPort() << " from egress mask bmp" );
+      ubmp.bitClear( port.logicalPort() );
+   }
+}
+
+void setPorts( Brum::PerUnitBitmap & ubmp, VornalPortList const & ports ) {
+   for ( VornalPort const & port : ports ) {
+      TRACE( smTrace, 7,
+             "updateIfpTcamEntries, adding lport " << port.logicalPort() << " to egress mask bmp" );
+      ubmp.bitSet( port.logicalPort() );
+   }
+}
+
 }  // namespace
 
 EvpnMultihomingLocalBiasWithEgressMaskSm::EvpnMultihomingLocalBiasWithEgressMaskSm(
@@ -56,7 +72,10 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::ifpTcamEntries( U32 unit,
    TRACE( smTrace, 4, "ifpTcamEntries working with IFP entry ID " << entryId );
    if ( add ) {
       QUELM_ASSERT( entryId );
-      installWithMask( unit, tepIp, entryId );
+      addMask( unit, tepIp, entryId );
+      S32 const BCM_E_NONE = Shim::sdk_->successCode();
+      S32 const rc = tcamManager()->installEntry( unit, entryId );
+      QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
    } else {
       QUELM_ASSERT( unitTepIpToEntry->esPbmpHas( tepIp ) );
       unitTepIpToEntry->esPbmpDel( tepIp );
@@ -64,9 +83,8 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::ifpTcamEntries( U32 unit,
    return true;
 }
 
-void EvpnMultihomingLocalBiasWithEgressMaskSm::installWithMask( U32 unit,
-                                                                Pelk::IpGenAddr const & tepIp,
-                                                                U32 entryId ) {
+void EvpnMultihomingLocalBiasWithEgressMaskSm::addMask( U32 unit, Pelk::IpGenAddr const & tepIp,
+                                                        U32 entryId ) {
    Brum::PerUnitBitmap const ubmp = getSharedESPortInfo( unit, tepIp ).sharedPortBitmap();
    if ( ubmp.isEmpty() ) {
       TRACE( smTrace, 3, "ifpTcamEntries no ports to be masked on unit: " << unit );
@@ -75,9 +93,6 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::installWithMask( U32 unit,
    TRACE( smTrace, 3, "ifpTcamEntries, unit: " << unit << ", ubmp: " << ubmp.bitmapToString() );
    tcamManager()->addEgressMaskAction( unit, entryId, pbmp );
    tepIpToEntry( unit )->esPbmpIs( tepIp, ubmp );
-   S32 const BCM_E_NONE = Shim::sdk_->successCode();
-   S32 const rc = tcamManager()->installEntry( unit, entryId );
-   QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
 }
 
 void EvpnMultihomingLocalBiasWithEgressMaskSm::updateTcamEntries( U32 unit,
@@ -102,28 +117,12 @@ bool EvpnMultihomingLocalBiasWithEgressMaskSm::updateIfpTcamEntries(
           "updateIfpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    Brum::PerUnitBitmap ubmp = unitTepIpToEntry->esPbmp( tepIp );
-   auto const remove = [ & ]( VornalPort const & port ) {
-      TRACE( smTrace, 7,
-             "updateIfpTcamEntries, removing old lport " << port.logicalPort()
-                                                         << " from egress mask bmp" );
-      ubmp.bitClear( port.logicalPort() );
-   };
-   auto const apply = [ & ]( VornalPort const & port ) {
-      if ( add ) {
-         TRACE( smTrace, 7,
-                "updateIfpTcamEntries, adding lport " << port.logicalPort()
-                                                      << " to egress mask bmp" );
-         ubmp.bitSet( port.logicalPort() );
-      } else {
-         TRACE( smTrace, 7,
-                "updateIfpTcamEntries, removing lport " << port.logicalPort()
-                                                        << " from egress mask bmp" );
-         ubmp.bitClear( port.logicalPort() );
-      }
-   };
-   std::for_each( oldPorts.begin(), oldPorts.end(), remove );
-   std::for_each( ports.begin(), ports.end(), apply );
-
+   clearPorts( ubmp, oldPorts, "removing old lport " );
+   if ( add ) {
+      setPorts( ubmp, ports );
+   } else {
+      clearPorts( ubmp, ports, "removing lport " );
+   }
    U32 const entryId = unitTepIpToEntry->entryId( tepIp );
    tcamManager()->updateEgressMaskAction( unit, entryId, pbmpOf( ubmp ) );
    S32 const BCM_E_NONE = Shim::sdk_->successCode();

@@ -43,7 +43,8 @@ class EvpnMultihomingLocalBiasWithEgressMaskSm final : public EvpnMultihomingLoc
    void handleInitialized() override;
 
  private:
-   void installWithMask( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId );
+   // Gives the entry its mask, staged only, and records it.
+   void addMask( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId );
 };
 
 // Builds one and switches its notifications on.

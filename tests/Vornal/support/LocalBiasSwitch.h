@@ -95,7 +95,6 @@ class LocalBiasSwitch : private Chip::CallObserver {
 
    // --- The machine
    Machine machineNew( Variant variant ) {
-      auto const ingress = board.entryManager( Vornal::kIfpLocalBiasGroup );
       if ( variant == Variant::EgressMask ) {
          return Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory( vcsd, dir, vpIndexStatus,
                                                                          evpnStatus, vtiStatusDir,
@@ -119,6 +118,13 @@ class LocalBiasSwitch : private Chip::CallObserver {
    bool hasTraced( std::string const & line ) const {
       return std::find( traces.begin(), traces.end(), line ) != traces.end();
    }
+   // The calls that reached the hardware, as lines.
+   Lines callLines() const {
+      Lines lines;
+      std::transform( calls.begin(), calls.end(), std::back_inserter( lines ), Chip::toText );
+      return lines;
+   }
+   Chip::CallObserver & callObserver() { return *this; }
    void forget() {
       traces.clear();
       calls.clear();
@@ -132,6 +138,9 @@ class LocalBiasSwitch : private Chip::CallObserver {
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor locked{ activity };
    Chip::Board board;
+   // The ingress entry manager that machineNew() gives the machine.
+   Quelm::Ptr< Vornal::VornalUnboundedTcamEntryManager > ingress =
+      board.entryManager( Vornal::kIfpLocalBiasGroup );
    Quelm::Ptr< Vornal::VornalCommonSmData > vcsd =
       Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    Quelm::Ptr< Oxa::EvpnTepSegmentDir > dir = Oxa::evpnTepSegmentDirFactory( "segments" );

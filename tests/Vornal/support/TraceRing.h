@@ -1,0 +1,35 @@
+// A trace ring that is in use while this object lives, with the lines that have gone to it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <Trace/Ring.h>
+
+namespace Support {
+
+class TraceRing {
+ public:
+   TraceRing() {
+      Trace::ringIs( &ring_ );
+      Trace::ringLevelsIs( "VornalEvpnSm", "0-9" );
+   }
+   TraceRing( TraceRing const & ) = delete;
+   TraceRing & operator=( TraceRing const & ) = delete;
+   ~TraceRing() { Trace::ringIs( nullptr ); }
+
+   // "LEVEL TEXT", oldest first.
+   std::vector< std::string > lines() const {
+      std::vector< std::string > lines;
+      for ( auto const & line : Trace::Ring::decode( memory_ ) ) {
+         lines.push_back( std::to_string( line.level ) + " " + line.text );
+      }
+      return lines;
+   }
+
+ private:
+   std::vector< std::byte > memory_ = std::vector< std::byte >( Trace::Ring::sizeFor( 64 ) );
+   Trace::Ring ring_{ memory_ };
+};
+
+}  // namespace Support
