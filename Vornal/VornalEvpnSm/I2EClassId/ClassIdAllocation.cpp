@@ -32,12 +32,16 @@ Sm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
         efpTcamManager_( efpTcamManager ),
         i2eClassIdIndexConfig_( i2eClassIdIndexConfig ),
         i2eClassIdIndexStatus_( i2eClassIdIndexStatus ),
+        requestsWatch_( i2eClassIdIndexConfig,
+                        [ this ]( Kiv::Change const & change ) {
+                           if ( change.attribute() == Requests::remoteESPeerVtepAttr() ) {
+                              notePending( change.key< Pelk::IpGenAddr >() );
+                           }
+                        } ),
         i2eClassIdIndexStatusDispatch_( i2eClassIdIndexStatus, [ this ](
                                                                   Kiv::Change const & change ) {
-           if ( change.attribute() ==
-                   VornalCentral::I2EClassIdIndexStatus::remoteESPeerVtepAttr() &&
-                !isZombie() ) {
-              handleRemoteESPeerVtepI2EClassId( change.key< Pelk::IpGenAddr >() );
+           if ( change.attribute() == Grants::remoteESPeerVtepAttr() ) {
+              handleGrantChange( change.key< Pelk::IpGenAddr >() );
            }
         } ) {
    handleInitialized();
@@ -51,6 +55,10 @@ Sm::~EvpnMultihomingLocalBiasWithI2EClassIdSm() {
 void Sm::hasNotificationActiveIs( bool active ) {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( active );
    i2eClassIdIndexStatusDispatch_.hasNotificationActiveIs( active );
+   requestsWatch_.hasNotificationActiveIs( active );
+   if ( active ) {
+      findPending();
+   }
 }
 
 void Sm::handleInitialized() {
@@ -59,6 +67,13 @@ void Sm::handleInitialized() {
       i2eClassIdIndexConfig()->remoteESPeerVtepDelAll();
    }
    EvpnMultihomingLocalBiasSm::handleInitialized();
+}
+
+void Sm::handleGrantChange( Pelk::IpGenAddr const & tepIp ) {
+   notePending( tepIp );
+   if ( !isZombie() ) {
+      handleRemoteESPeerVtepI2EClassId( tepIp );
+   }
 }
 
 bool Sm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
@@ -73,7 +88,7 @@ bool Sm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
 void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
    bool const isPeer = orEmpty( oxaEvpnTepSegmentDir() ).tepSegmentHas( tepIp );
    if ( !isPeer || !initialized() ) {
-      TRACE( smTrace, 5,
+      TRACE( smTrace, 2,
              " initialized: " << initialized()
                               << " tepIp part of oxaEvpnTepSegmentDir: " << isPeer );
       return;
@@ -95,7 +110,7 @@ void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
 
 void Sm::handleRemoteESPeerVtepI2EClassId() {
    if ( !initialized() ) {
-      TRACE( smTrace, 5, "handleRemoteESPeerVtepI2EClassId called pre-init" );
+      TRACE( smTrace, 2, "handleRemoteESPeerVtepI2EClassId called pre-init" );
       return;
    }
    for ( auto iter = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepIter(); iter; ++iter ) {
@@ -143,20 +158,17 @@ bool Sm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, bool add ) {
    if ( !EvpnMultihomingLocalBiasSm::ifpTcamEntries( unit, tepIp, add ) ) {
       return false;
    }
+   ClassId const i2eClassId = i2eTepIpClassId( tepIp );
    U32 const entryId = tepIpToEntry( unit )->entryId( tepIp );
    TRACE( smTrace, 4, "ifpTcamEntries working with IFP entry ID " << entryId );
-   if ( add ) {
-      QUELM_ASSERT( entryId );
-      mark( unit, tepIp, entryId );
-   } else {
+   if ( !add ) {
       QUELM_ASSERT( i2eTepIpClassIdHas( tepIp ) );
-      unmark( tepIp, entryId );
+      U32 const count = i2eTepIpClassIdRefCount( tepIp ) - 1;
+      traceRefCount( tepIp, entryId, count );
+      i2eTepIpClassIdRefCountIs( tepIp, count );
+      return true;
    }
-   return true;
-}
-
-void Sm::mark( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId ) {
-   ClassId const i2eClassId = i2eTepIpClassId( tepIp );
+   QUELM_ASSERT( entryId );
    U32 const count = i2eTepIpClassIdRefCount( tepIp ) + 1;
    i2eTepIpClassIdRefCountIs( tepIp, count );
    traceRefCount( tepIp, entryId, count );
@@ -167,12 +179,7 @@ void Sm::mark( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId ) {
    S32 const BCM_E_NONE = Shim::sdk_->successCode();
    S32 const rc = tcamManager()->installEntry( unit, entryId );
    QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
-}
-
-void Sm::unmark( Pelk::IpGenAddr const & tepIp, U32 entryId ) {
-   U32 const count = i2eTepIpClassIdRefCount( tepIp ) - 1;
-   traceRefCount( tepIp, entryId, count );
-   i2eTepIpClassIdRefCountIs( tepIp, count );
+   return true;
 }
 
 void Sm::traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const {

@@ -33,18 +33,6 @@ void Sm::verifyEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 9, "verifyEfpEntries" );
    U32 const expPortCount = expectedPortCount( unit, tepIp );
    U32 portCount = 0;
-   auto const record = tepIpToEntry( unit );
-   if ( auto const list = record ? record->esPortAndEFPEntryIdList( tepIp ) : nullptr ) {
-      for ( auto iter = list->efpEntryIdIter(); iter; ++iter ) {
-         ++portCount;
-         verifyEfpEntry( unit, tepIp, iter.key(), iter.value() );
-      }
-   }
-   QUELM_ASSERT( portCount == expPortCount );
-}
-
-void Sm::verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort const & sp,
-                         U32 entryId ) {
    U32 modId = 0;
    U32 modIdMask = 0;
    U32 portId = 0;
@@ -52,18 +40,27 @@ void Sm::verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort con
    U32 data = 0;
    U32 mask = 0;
    bcm_field_IpType_t ipType = bcmFieldIpTypeNonIp;
-   // clang-format off
-   SDK_FIELD_CALL( bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId, &portIdMask ) );
-   QUELM_ASSERT( modId == sp.modId() );
-   QUELM_ASSERT( unit == sp.unit() );
-   QUELM_ASSERT( portId == sp.logicalPort() );
-   SDK_FIELD_CALL( bcm_field_qualify_IngressClassField_get( unit, entryId, &data, &mask ) );
-   QUELM_ASSERT( data == i2eTepIpClassId( tepIp ).value() );
-   SDK_FIELD_CALL( bcm_field_qualify_IpType_get( unit, entryId, &ipType ) );
-   QUELM_ASSERT( ipType == bcmFieldIpTypeAny );
-   SDK_FIELD_CALL( bcm_field_action_get( unit, entryId, bcmFieldActionDrop, &data, &mask ) );
-   // clang-format on
-   QUELM_ASSERT( data == 0 );
+   auto const record = tepIpToEntry( unit );
+   if ( auto const list = record ? record->esPortAndEFPEntryIdList( tepIp ) : nullptr ) {
+      for ( auto iter = list->efpEntryIdIter(); iter; ++iter ) {
+         VornalPort const sp = iter.key();
+         U32 const entryId = iter.value();
+         ++portCount;
+         // clang-format off
+         SDK_FIELD_CALL( bcm_field_qualify_DstPort_get( unit, entryId, &modId, &modIdMask, &portId, &portIdMask ) );
+         QUELM_ASSERT( modId == sp.modId() );
+         QUELM_ASSERT( unit == sp.unit() );
+         QUELM_ASSERT( portId == sp.logicalPort() );
+         SDK_FIELD_CALL( bcm_field_qualify_IngressClassField_get( unit, entryId, &data, &mask ) );
+         QUELM_ASSERT( data == i2eTepIpClassId( tepIp ).value() );
+         SDK_FIELD_CALL( bcm_field_qualify_IpType_get( unit, entryId, &ipType ) );
+         QUELM_ASSERT( ipType == bcmFieldIpTypeAny );
+         SDK_FIELD_CALL( bcm_field_action_get( unit, entryId, bcmFieldActionDrop, &data, &mask ) );
+         QUELM_ASSERT( data == 0 );
+         // clang-format on
+      }
+   }
+   QUELM_ASSERT( portCount == expPortCount );
 }
 
 bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
@@ -103,16 +100,31 @@ bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
    return ifpTcamsUsed || ifpTcamsNeeded;
 }
 
-bool Sm::isAnyClassIdPending() const {
-   auto const & grants = orEmpty( i2eClassIdIndexStatus() );
-   auto const requests =
-      Quelm::Ptr< VornalCentral::I2EClassIdIndexConfig const >( i2eClassIdIndexConfig() );
-   for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
-      if ( !grants.remoteESPeerVtepHas( iter.key() ) ) {
-         return true;
-      }
+bool Sm::isAnyClassIdPending() {
+   if ( !hasNotificationActive() ) {
+      findPending();
    }
-   return false;
+   return !pendingClassIds_.empty();
+}
+
+void Sm::findPending() {
+   pendingClassIds_.clear();
+   for ( auto iter = requests().remoteESPeerVtepIter(); iter; ++iter ) {
+      notePending( iter.key() );
+   }
+}
+
+void Sm::notePending( Pelk::IpGenAddr const & tepIp ) {
+   bool const isGranted = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepHas( tepIp );
+   if ( !isGranted && requests().remoteESPeerVtepHas( tepIp ) ) {
+      pendingClassIds_.insert( tepIp );
+   } else {
+      pendingClassIds_.erase( tepIp );
+   }
+}
+
+Sm::Requests const & Sm::requests() const {
+   return orEmpty( Quelm::Ptr< Requests const >( i2eClassIdIndexConfig() ) );
 }
 
 }  // namespace Vornal

@@ -27,74 +27,74 @@ bool Sm::efpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList
       return true;
    }
    auto const record = tepIpToEntry( unit );
-   auto const list = record->esPortAndEFPEntryIdList( tepIp );
-   if ( add ) {
-      return installEfpEntries( unit, tepIp,
-                                list ? list : record->esPortAndEFPEntryIdListIs( tepIp ), ports );
+   auto esPortAndEFPEntryIdList = record->esPortAndEFPEntryIdList( tepIp );
+   if ( !add ) {
+      if ( esPortAndEFPEntryIdList && !freeEfpEntries( unit, *esPortAndEFPEntryIdList, ports ) ) {
+         TRACE( smTrace, 4, "efpTcamEntries freed all EFP entries for tepIp in unit" );
+         QUELM_ASSERT( !esPortAndEFPEntryIdList->efpEntryIds() );
+         record->esPortAndEFPEntryIdListDel( tepIp );
+      }
+      return true;
    }
-   if ( list ) {
-      freeEfpEntries( unit, tepIp, list, ports );
-   }
-   return true;
-}
-
-void Sm::freeEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
-                         EfpList const & esPortAndEFPEntryIdList, VornalPortList const & ports ) {
-   VornalPortList left = esPortAndEFPEntryIdList->esPortList();
-   for ( VornalPort const & sp : ports ) {
-      U32 const efpEntryId = esPortAndEFPEntryIdList->efpEntryId( sp );
-      efpTcamManager()->releaseEntry( unit, efpEntryId );
-      TRACE( smTrace, 4, "efpTcamEntries freed EFP entry ID " << efpEntryId );
-      left.portDel( sp );
-      esPortAndEFPEntryIdList->efpEntryIdDel( sp );
-   }
-   if ( !left.isEmpty() ) {
-      esPortAndEFPEntryIdList->esPortListIs( left );
-      return;
-   }
-   TRACE( smTrace, 4, "efpTcamEntries freed all EFP entries for tepIp in unit" );
-   QUELM_ASSERT( !esPortAndEFPEntryIdList->efpEntryIds() );
-   tepIpToEntry( unit )->esPortAndEFPEntryIdListDel( tepIp );
-}
-
-bool Sm::installEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList const & list,
-                            VornalPortList const & ports ) {
-   VornalPortList programmed = list->esPortList();
+   esPortAndEFPEntryIdList = record->esPortAndEFPEntryIdListIs( tepIp );
+   VornalPortList esPortList = esPortAndEFPEntryIdList->esPortList();
    ClassId const i2eClassId = i2eTepIpClassId( tepIp );
    TRACE( smTrace, 4, "efpTcamEntries Using I2E class ID " << i2eClassId );
    QUELM_ASSERT( i2eClassId.isValid() );
    for ( VornalPort const & sp : ports ) {
-      if ( list->efpEntryIdHas( sp ) ) {
+      if ( esPortAndEFPEntryIdList->efpEntryIdHas( sp ) ) {
          continue;
       }
-      Pelk::IntfId const intfId = orEmpty( vcsd() ).intfOfPort( sp );
-      U32 const efpEntryId = efpTcamManager()->getEntry(
-         unit, Quelm::formatted( kEfpEntryName, { tepIp.stringValue(), intfId.stringValue() } ),
-         VornalTcam::RequestKey() );
+      U32 const efpEntryId = obtainEfpEntry( unit, tepIp, sp );
       if ( efpEntryId == 0 ) {
-         TRACE( smTrace, 2, "efpTcamEntries failed to allocate EFP entry ID for " << intfId );
          return false;
       }
-      TRACE( smTrace, 4,
-             "efpTcamEntries allocated EFP entry ID " << efpEntryId << " for " << intfId );
-      programEfpEntry( unit, efpEntryId, sp, i2eClassId );
-      programmed.portIs( sp );
-      list->esPortListIs( programmed );
-      list->efpEntryIdIs( sp, efpEntryId );
+      // clang-format off
+      SDK_FIELD_CALL( bcm_field_qualify_DstPort( unit, efpEntryId, sp.modId() , BCM_FIELD_EXACT_MATCH_MASK, sp.logicalPort(), BCM_FIELD_EXACT_MATCH_MASK ) );
+      SDK_FIELD_CALL( bcm_field_qualify_IpType( unit, efpEntryId, bcmFieldIpTypeAny ) );
+      SDK_FIELD_CALL( bcm_field_qualify_IngressClassField( unit, efpEntryId, i2eClassId.value(), BCM_FIELD_EXACT_MATCH_MASK ) );
+      SDK_FIELD_CALL( bcm_field_action_add( unit, efpEntryId, bcmFieldActionDrop, 0, 0 ) );
+      // clang-format on
+      S32 const BCM_E_NONE = Shim::sdk_->successCode();
+      S32 const rc = efpTcamManager()->installEntry( unit, efpEntryId );
+      QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
+      esPortList.portIs( sp );
+      esPortAndEFPEntryIdList->esPortListIs( esPortList );
+      esPortAndEFPEntryIdList->efpEntryIdIs( sp, efpEntryId );
    }
    return true;
 }
 
-void Sm::programEfpEntry( U32 unit, U32 efpEntryId, VornalPort const & sp, ClassId i2eClassId ) {
-   // clang-format off
-   SDK_FIELD_CALL( bcm_field_qualify_DstPort( unit, efpEntryId, sp.modId() , BCM_FIELD_EXACT_MATCH_MASK, sp.logicalPort(), BCM_FIELD_EXACT_MATCH_MASK ) );
-   SDK_FIELD_CALL( bcm_field_qualify_IpType( unit, efpEntryId, bcmFieldIpTypeAny ) );
-   SDK_FIELD_CALL( bcm_field_qualify_IngressClassField( unit, efpEntryId, i2eClassId.value(), BCM_FIELD_EXACT_MATCH_MASK ) );
-   SDK_FIELD_CALL( bcm_field_action_add( unit, efpEntryId, bcmFieldActionDrop, 0, 0 ) );
-   // clang-format on
-   S32 const BCM_E_NONE = Shim::sdk_->successCode();
-   S32 const rc = efpTcamManager()->installEntry( unit, efpEntryId );
-   QUELM_ASSERT( rc == BCM_E_NONE && "installEntry failed" );
+bool Sm::freeEfpEntries( U32 unit, ESPortAndEFPEntryIdList & list, VornalPortList const & ports ) {
+   VornalPortList left = list.esPortList();
+   for ( VornalPort const & sp : ports ) {
+      U32 const efpEntryId = list.efpEntryId( sp );
+      efpTcamManager()->releaseEntry( unit, efpEntryId );
+      TRACE( smTrace, 4, "efpTcamEntries freed EFP entry ID " << efpEntryId );
+      left.portDel( sp );
+      list.efpEntryIdDel( sp );
+   }
+   if ( left.isEmpty() ) {
+      return false;
+   }
+   list.esPortListIs( left );
+   return true;
+}
+
+U32 Sm::obtainEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort const & sp ) {
+   Pelk::IntfId const intfId = orEmpty( vcsd() ).intfOfPort( sp );
+   U32 const efpEntryId =
+      efpTcamManager()->getEntry( unit,
+                                  Quelm::formatted( kEfpEntryName,
+                                                    { tepIp.stringValue(), intfId.stringValue() } ),
+                                  VornalTcam::RequestKey() );
+   if ( efpEntryId == 0 ) {
+      TRACE( smTrace, 2, "efpTcamEntries failed to allocate EFP entry ID for " << intfId );
+   } else {
+      TRACE( smTrace, 4,
+             "efpTcamEntries allocated EFP entry ID " << efpEntryId << " for " << intfId );
+   }
+   return efpEntryId;
 }
 
 bool Sm::updateEfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,

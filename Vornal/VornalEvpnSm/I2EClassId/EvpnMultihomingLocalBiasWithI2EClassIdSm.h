@@ -24,6 +24,8 @@
 // activity's.
 #pragma once
 
+#include <set>
+
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
 
 namespace Vornal {
@@ -76,25 +78,30 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
    void handleInitialized() override;
 
  private:
-   using EfpList = Quelm::Ptr< ESPortAndEFPEntryIdList >;
+   using Requests = VornalCentral::I2EClassIdIndexConfig;
+   using Grants = VornalCentral::I2EClassIdIndexStatus;
 
-   void mark( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId );
-   void unmark( Pelk::IpGenAddr const & tepIp, U32 entryId );
+   void handleGrantChange( Pelk::IpGenAddr const & tepIp );
    void traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const;
    void releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp );
    void releaseClassId( Pelk::IpGenAddr const & tepIp );
 
-   void freeEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList const & list,
+   // Whether the list still has ports when the entries of these have been released.
+   bool freeEfpEntries( U32 unit, ESPortAndEFPEntryIdList & list,
                         VornalTypes::VornalPortList const & ports );
-   bool installEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp, EfpList const & list,
-                           VornalTypes::VornalPortList const & ports );
-   void programEfpEntry( U32 unit, U32 efpEntryId, VornalTypes::VornalPort const & sp,
-                         VornalCommon::ClassId i2eClassId );
+   // A new entry for the port, or 0 when the group is full.
+   U32 obtainEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp,
+                       VornalTypes::VornalPort const & sp );
 
-   bool isAnyClassIdPending() const;
-   void verifyEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPort const & sp,
-                        U32 entryId );
+   bool isAnyClassIdPending();
+   void findPending();
+   void notePending( Pelk::IpGenAddr const & tepIp );
+   Requests const & requests() const;
 
+   // The requests without a grant, kept current while notifications are on, whoever writes: asked
+   // for on each removal of a VTEP, they must not cost a walk over all requests each time.
+   std::set< Pelk::IpGenAddr > pendingClassIds_;
+   Kiv::Watch< Requests > requestsWatch_;
    Kiv::Watch< VornalCentral::I2EClassIdIndexStatus > i2eClassIdIndexStatusDispatch_;
 };
 
