@@ -1,0 +1,129 @@
+// Whether a unit still needs its TCAM: while any class id that was asked for has not been granted.
+
+#include <gtest/gtest.h>
+
+#include <rapidcheck/gtest.h>
+
+#include "../support/ClassIdLeaf.h"
+
+namespace ClassIdPendingTest {
+
+using Support::ClassIdLeaf;
+using Support::ip;
+using Support::kEgress;
+using Support::kIngress;
+using Support::Lines;
+using VornalCommon::ClassId;
+
+class ClassIdPending : public testing::Test {
+ protected:
+   ClassIdLeaf leaf;
+};
+
+TEST_F( ClassIdPending, AnUnansweredRequestKeepsEveryUnitWithARecord ) {
+   auto & sm = leaf.start();
+   leaf.classIdConfig->remoteESPeerVtepIs( ip( "10.0.0.2" ), true );
+   EXPECT_FALSE( sm.unitUsesOrNeedsTcams( 0 ) ) << "no record";
+   ASSERT_EQ( leaf.traces.size(), 2U );
+   EXPECT_EQ( leaf.traces[ 0 ], "5 unitUsesOrNeedsTcams Mirel unit: 0" );
+   EXPECT_EQ( leaf.tracesOf( "4 unitUsesOrNeedsTcams Mirel Line: " ),
+              ( Lines{ leaf.traces[ 1 ] } ) );
+   sm.tepIpToEntryIs( U16{ 0 } );
+   leaf.forget();
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 0 ) );
+   EXPECT_EQ( leaf.traces,
+              ( Lines{ "5 unitUsesOrNeedsTcams Mirel unit: 0", "5 unitUsesOrNeedsTcams unit: 0",
+                       "4 unitUsesOrNeedsTcams ifpTcamsUsed: 0",
+                       "4 unitUsesOrNeedsTcams ifpTcamsUsed: 0 ifpTcamsNeeded: 1" } ) );
+}
+
+TEST_F( ClassIdPending, AUnitThatUsesItsTcamIsToldWhetherAnIdIsPendingAllTheSame ) {
+   leaf.interfaceIs( "Ethernet1", 0, 1 );
+   leaf.share( "Ethernet1", { "10.0.0.2", "10.0.0.3" } );
+   auto & sm = leaf.start();
+   leaf.classIdIs( "10.0.0.2", 5 );
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 0 ) );
+   EXPECT_EQ( leaf.traces.back(), "4 unitUsesOrNeedsTcams ifpTcamsUsed: 1 ifpTcamsNeeded: 1" );
+   leaf.classIdIs( "10.0.0.3", 6 );
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 0 ) );
+   EXPECT_EQ( leaf.traces.back(), "4 unitUsesOrNeedsTcams ifpTcamsUsed: 1 ifpTcamsNeeded: 0" );
+}
+
+TEST_F( ClassIdPending, RequestsAndGrantsFoundAtTheStartCount ) {
+   leaf.share( "Ethernet1", { "10.0.0.2" } );
+   auto & sm = leaf.start();
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 0 ) );
+   ClassIdLeaf other;
+   other.share( "Ethernet1", { "10.0.0.2" } );
+   other.classIdIs( "10.0.0.2", 5 );
+   EXPECT_FALSE( other.start().unitUsesOrNeedsTcams( 0 ) );
+}
+
+// The answer, found by a walk over all requests.
+bool isAnyPending( ClassIdLeaf const & leaf ) {
+   for ( auto iter = leaf.classIdConfig->remoteESPeerVtepIter(); iter; ++iter ) {
+      if ( !leaf.classIdStatus->remoteESPeerVtepHas( iter.key() ) ) {
+         return true;
+      }
+   }
+   return false;
+}
+
+void doStep( ClassIdLeaf & leaf, U8 kind, std::string const & address ) {
+   auto & requests = *leaf.classIdConfig;
+   auto & grants = *leaf.classIdStatus;
+   std::string const attribute = "remoteESPeerVtep";
+   switch ( kind ) {
+   case 0: requests.remoteESPeerVtepIs( ip( address ), true ); break;
+   case 1: requests.remoteESPeerVtepDel( ip( address ) ); break;
+   case 2: leaf.write( requests, attribute, address, "true" ); break;
+   case 3: requests.typeData().find( attribute )->del( requests, address ); break;
+   case 4: grants.remoteESPeerVtepIs( ip( address ), ClassId( 5 ) ); break;
+   case 5: grants.remoteESPeerVtepDel( ip( address ) ); break;
+   case 6: leaf.write( grants, attribute, address, "6" ); break;
+   case 7: grants.typeData().find( attribute )->del( grants, address ); break;
+   case 8: leaf.sm().handleInitialized(); break;
+   case 9: leaf.sm().hasNotificationActiveIs( false ); break;
+   case 10: leaf.sm().hasNotificationActiveIs( true ); break;
+   default: leaf.sm().addTcamEntries( 0, ip( address ) );
+   }
+}
+
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): the macro's class
+RC_GTEST_PROP( ClassIdPendingModel, TheAnswerIsAWalksAnswerWhoeverWrites, () ) {
+   auto const steps = *rc::gen::container< std::vector< std::pair< U8, U8 > > >(
+      rc::gen::pair( rc::gen::inRange< U8 >( 0, 12 ), rc::gen::inRange< U8 >( 1, 5 ) ) );
+   ClassIdLeaf leaf;
+   Trace::levelsIs( "VornalEvpnSm", "" );
+   leaf.start().tepIpToEntryIs( U16{ 0 } );
+   for ( auto const & [ kind, vtep ] : steps ) {
+      doStep( leaf, kind, "10.0.0." + std::to_string( vtep ) );
+      RC_ASSERT( leaf.sm().unitUsesOrNeedsTcams( 0 ) == isAnyPending( leaf ) );
+   }
+}
+
+TEST( ClassIdMany, ThousandsOfVtepsComeAndGoAndLeaveNothing ) {
+   ClassIdLeaf leaf( 1, 8192 );
+   Trace::levelsIs( "VornalEvpnSm", "" );
+   leaf.interfaceIs( "Ethernet1", 0, 1 );
+   std::vector< std::string > vteps;
+   for ( int n = 0; n < 4000; ++n ) {
+      vteps.push_back( "10.1." + std::to_string( n / 250 ) + "." + std::to_string( n % 250 ) );
+   }
+   auto & sm = leaf.start();
+   leaf.share( "Ethernet1", vteps );
+   EXPECT_EQ( leaf.requests().size(), 4000U );
+   U16 classId = 1;
+   for ( std::string const & address : vteps ) {
+      leaf.classIdIs( address, classId++ );
+   }
+   EXPECT_EQ( leaf.used( kIngress ), 4002U ) << "two of them are unicast exemptions";
+   EXPECT_EQ( leaf.used( kEgress ), 4000U );
+   leaf.segmentDel( "Ethernet1" );
+   EXPECT_EQ( leaf.requests().size(), 0U );
+   EXPECT_EQ( leaf.used( kIngress ), 0U );
+   EXPECT_EQ( leaf.used( kEgress ), 0U );
+   EXPECT_FALSE( sm.tepIpToEntryHas( 0 ) );
+}
+
+}  // namespace ClassIdPendingTest
