@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <Trace/Ring.h>
+
 #include "../support/ClassIdLeaf.h"
 
 namespace {
@@ -102,6 +104,29 @@ TEST_F( ClassIdMarking, TheMarkAndItsRemovalAreTraced ) {
                        "4 ifpTcamEntries for IFP entry ID : 0 using I2E class ID 5 whose refcount "
                        "is 0" } ) );
    EXPECT_EQ( leaf.hardware().size(), 1U ) << "the release is the only thing done to the chip";
+}
+
+TEST_F( ClassIdMarking, NoLineOfTheVariantGoesToTheRing ) {
+   std::vector< std::byte > memory( Trace::Ring::sizeFor( 64 ) );
+   Trace::Ring ring( memory );
+   Trace::ringIs( &ring );
+   Trace::ringLevelsIs( "VornalEvpnSm", "0-9" );
+   auto & sm = leaf.start();
+   leaf.classIdIs( "10.0.0.9", 4 );
+   leaf.classIdIs( "10.0.0.2", 5 );
+   leaf.segmentIs( "Ethernet2", { "10.0.0.2" } );
+   sm.handleVerify();
+   leaf.vtepDel( "10.0.0.2" );
+   Trace::ringIs( nullptr );
+   Lines lines;
+   for ( auto const & line : Trace::Ring::decode( memory ) ) {
+      lines.push_back( line.text );
+   }
+   EXPECT_EQ( lines,
+              ( Lines{ "handleSegmentStatusTcam rules addition case",
+                       "handleTepSegment tepIp: 10.0.0.2", "handleSegmentSet, intfId : Ethernet2",
+                       "getPortListsOnUpdate, unit: 0, tepIp: 10.0.0.2, intfId: Ethernet2",
+                       "handleRemoteVport, rvk.vtepIp: 10.0.0.2" } ) );
 }
 
 TEST_F( ClassIdMarking, TakingFromACountOfZeroGivesAllOnesAndTheClassIdIsKept ) {

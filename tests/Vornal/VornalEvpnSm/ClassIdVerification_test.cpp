@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 
 #include "../support/ClassIdLeaf.h"
 
@@ -137,6 +138,8 @@ struct Drift {
    std::string operation;
    std::string expression;
    std::function< void( ClassIdVerification & ) > happens;
+
+   friend void PrintTo( Drift const & row, std::ostream * out ) { *out << row.name; }
 };
 
 class ClassIdDriftDeath : public ClassIdVerification,
@@ -212,6 +215,8 @@ struct RefusedRead {
    Chip::Fault fault;
    std::string operation;
    std::string text;
+
+   friend void PrintTo( RefusedRead const & row, std::ostream * out ) { *out << row.name; }
 };
 
 class ClassIdReadBackDeath : public ClassIdVerification,

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "../support/ClassIdLeaf.h"
 
 namespace {
@@ -279,6 +281,8 @@ TEST_F( EgressDropRulesDeath, AnEntryOfAPortThatTheListDoesNotNameStops ) {
 struct FailingCall {
    std::string operation;
    std::string text;
+
+   friend void PrintTo( FailingCall const & row, std::ostream * out ) { *out << row.operation; }
 };
 
 class EgressCallDeath : public EgressDropRules,
