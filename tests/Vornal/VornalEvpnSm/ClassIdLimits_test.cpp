@@ -222,6 +222,18 @@ TEST_F( ClassIdLimits, AnIdThatWasGivenBackIsUsedWithoutARequestAfterSuchACrossi
    EXPECT_TRUE( leaf.drops( 0, 1, leaf.stamp( 0, 3 ) ) ) << "Ethernet1 is not shared with it";
 }
 
+TEST_F( ClassIdLimits, AGrantThatCrossesAChangedVirtualPortEndsUpWithTwoVteps ) {
+   leaf.segmentIs( "Ethernet2", { "10.0.0.3" } );
+   leaf.start();
+   leaf.vtepIs( "10.0.0.2", 12 );  // gives the request back and asks anew
+   leaf.classIdIs( "10.0.0.2", 5 );
+   leaf.classIdDel( "10.0.0.2" );
+   leaf.classIdIs( "10.0.0.3", 5 );  // which has waited longer
+   leaf.classIdIs( "10.0.0.2", 6 );
+   EXPECT_EQ( leaf.stamp( 0, 12 ), 5U ) << "rules are not made anew";
+   EXPECT_TRUE( leaf.drops( 0, 1, leaf.stamp( 0, 3 ) ) ) << "Ethernet1 is not shared with it";
+}
+
 // --- Records that go while a grant is on the way
 
 TEST_F( ClassIdLimits, ARecordThatGoesBeforeTheNewGrantLeavesTheVtepWithoutRules ) {
