@@ -134,7 +134,8 @@ void EvpnMultihomingLocalBiasSm::handleTime() {
       L3::VrfName const vrfName = rule.key();
       U32 const newVni = rule.value();
       for ( auto sm = vtiStatusIter(); sm; ++sm ) {
-         TRACE( smTrace, 5, "handleTime vrfName: " << vrfName << " newVni: " << newVni );
+         TRACE( smTrace, 5,
+                "handleTime vrfName: " << vrfName.stringValue() << " newVni: " << newVni );
          unprogrammedTcamRulesListDel( vrfName );
          sm.value()->handleVrfToVniMap( vrfName, 0, newVni );
       }
