@@ -38,7 +38,7 @@ std::ostream & operator<<( std::ostream & out, Round const & round ) {
 rc::Gen< std::vector< Round > > storm() {
    auto const kind = rc::gen::weightedElement< Round::Kind >( { { 6, Round::Map },
                                                                 { 3, Round::Unmap },
-                                                                { 3, Round::Fill },
+                                                                { 5, Round::Fill },
                                                                 { 3, Round::Free },
                                                                 { 4, Round::Turn } } );
    auto const rounds = rc::gen::container< std::vector< Round > >(
