@@ -1,0 +1,241 @@
+// Every assertion of the verification pass, and the drift between records, state and hardware that
+// it is there to find; and every read-back that can fail.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <ostream>
+
+#include "../support/RoutedSwitch.h"
+
+namespace {
+
+using Support::FieldCallFault;
+using Support::intf;
+using Support::ip;
+using Support::LocalBiasSwitch;
+using Support::Machine;
+using Support::stopsAt;
+using Support::Variant;
+
+// An egress-mask switch with Ethernet1 (port 5 of unit 0) shared with 10.0.0.2, and a hand that
+// changes what it should not.
+class DriftingSwitch : public LocalBiasSwitch {
+ public:
+   void start() {
+      interfaceIs( "Ethernet1", 0, 5 );
+      segmentIs( "Ethernet1", { vtep } );
+      vtepIs( vtep, 2 );
+      sm = machineNew( Variant::EgressMask );
+      sm->handleVerify();  // agrees so far
+   }
+   void startWithNothingToProtect() {
+      sm = machineNew( Variant::EgressMask );
+      sm->handleVerify();
+   }
+
+   // What is changed from here on is not noticed by the machine.
+   void unnoticed() { sm->hasNotificationActiveIs( false ); }
+
+   void install( U32 entry ) { ASSERT_EQ( sm->tcamManager()->installEntry( 0, entry ), 0 ); }
+   void packetResIs( U32 entry, U32 resolution ) {
+      ASSERT_EQ( Shim::sdk_->bcm_field_qualify_PacketRes( 0, entry, resolution, 0xff ), 0 );
+      install( entry );
+   }
+   void tunnelTerminatedIs( U32 entry, U8 data, U8 mask ) {
+      ASSERT_EQ( Shim::sdk_->bcm_field_qualify_TunnelTerminated( 0, entry, data, mask ), 0 );
+      install( entry );
+   }
+   void gportIs( U32 entry, U16 vpIndex ) {
+      ASSERT_EQ( Shim::sdk_->bcm_field_qualify_SrcVxlanGport( 0, entry,
+                                                              Shim::sdk_->vxlanGport( vpIndex ) ),
+                 0 );
+      install( entry );
+   }
+   U32 l2() const { return sm->l2UcastRuleInstalled( 0 ); }
+   U32 l3() const { return sm->l3UcastRuleInstalled( 0 ); }
+   Quelm::Ptr< Vornal::TepIpToEntry > record() const { return sm->tepIpToEntry( 0U ); }
+   U32 entry() const { return record()->entryId( ip( vtep ) ); }
+
+   Machine sm;
+   std::string const vtep = "10.0.0.2";
+};
+
+struct Drift {
+   std::string name;
+   std::function< void( DriftingSwitch & ) > happens;
+   std::string assertion;
+};
+
+std::ostream & operator<<( std::ostream & out, Drift const & drift ) {
+   return out << drift.assertion;
+}
+
+std::vector< Drift > const withNothingToProtect{
+   { "ARecordIsLeft", []( auto & leaf ) { leaf.sm->tepIpToEntryIs( U16{ 0 } ); },
+     "!tepIpToEntry( unit )" },
+   { "AnL2ExemptionIsLeft", []( auto & leaf ) { leaf.sm->l2UcastRuleInstalledIs( 0, 7 ); },
+     "!l2UcastRuleInstalledHas( unit )" },
+   { "AnL3ExemptionIsLeft", []( auto & leaf ) { leaf.sm->l3UcastRuleInstalledIs( 0, 7 ); },
+     "!l3UcastRuleInstalledHas( unit )" },
+};
+
+std::vector< Drift > const withSharedSegments{
+   { "RulesAreLeftOfAVtepWithoutVirtualPort",
+     []( auto & leaf ) {
+        leaf.unnoticed();
+        leaf.vtepIs( "10.0.0.9", 9 );
+        leaf.vtepDel( leaf.vtep );
+     },
+     "!unitUsesTcamsForTepIp( unit, tepIp )" },
+   { "TheL2ExemptionIsNotRecorded", []( auto & leaf ) { leaf.sm->l2UcastRuleInstalledDel( 0 ); },
+     "l2UcastRuleInstalledHas( unit )" },
+   { "TheL2ExemptionMatchesAnotherResolution",
+     []( auto & leaf ) { leaf.packetResIs( leaf.l2(), 5 ); }, "data == BCM_FIELD_PKT_RES_L2UC" },
+   { "TheL2ExemptionMatchesWhatLeftNoTunnel",
+     []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l2(), 0, 1 ); }, "tdata == 1" },
+   { "TheL2ExemptionDoesNotAskForATunnel",
+     []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l2(), 1, 0 ); }, "tmask == 1" },
+   { "TheL3ExemptionIsNotRecorded", []( auto & leaf ) { leaf.sm->l3UcastRuleInstalledDel( 0 ); },
+     "l3UcastRuleInstalledHas( unit )" },
+   { "TheL3ExemptionMatchesAnotherResolution",
+     []( auto & leaf ) { leaf.packetResIs( leaf.l3(), 5 ); },
+     "data == BCM_FIELD_PKT_RES_L3UCKNOWN" },
+   { "TheL3ExemptionMatchesWhatLeftNoTunnel",
+     []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l3(), 0, 1 ); }, "tdata == 1" },
+   { "TheL3ExemptionDoesNotAskForATunnel",
+     []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l3(), 1, 0 ); }, "tmask == 1" },
+   { "TheVtepsEntryIsNotRecorded",
+     []( auto & leaf ) {
+        leaf.record()->entryIdDel( ip( leaf.vtep ) );
+        leaf.record()->esPbmpDel( ip( leaf.vtep ) );
+     },
+     "unitUsesTcamsForTepIp( unit, tepIp )" },
+   { "TheVtepsEntryMatchesAnotherVtep", []( auto & leaf ) { leaf.gportIs( leaf.entry(), 3 ); },
+     "gport == gport_exp" },
+   { "TheVtepHasAnotherVirtualPortByNow",
+     []( auto & leaf ) {
+        leaf.unnoticed();
+        leaf.vtepIs( leaf.vtep, 3 );
+     },
+     "gport == gport_exp" },
+   { "TheMaskIsNotRecorded", []( auto & leaf ) { leaf.record()->esPbmpDel( ip( leaf.vtep ) ); },
+     "ifpTcamsUsed == esPbmpUsed" },
+   { "TheEntryIsNotRecordedButItsMaskIs",
+     []( auto & leaf ) { leaf.record()->entryIdDel( ip( leaf.vtep ) ); },
+     "ifpTcamsUsed == esPbmpUsed" },
+   { "AnInterfaceIsSharedThatTheMaskHasNot",
+     []( auto & leaf ) {
+        leaf.unnoticed();
+        leaf.interfaceIs( "Ethernet2", 0, 6 );
+        leaf.sm->oxaEvpnTepSegment( ip( leaf.vtep ) )->hasNotificationActiveIs( false );
+        leaf.segmentIs( "Ethernet2", { leaf.vtep } );
+     },
+     "tepIpToEntry( unit )->esPbmp( tepIp ) == ubmp" },
+   { "TheRecordedEntryHasNoMask",
+     []( auto & leaf ) {
+        U32 const bare = leaf.sm->tcamManager()->getEntry( 0, "without a mask", {} );
+        leaf.gportIs( bare, 2 );
+        leaf.record()->entryIdIs( ip( leaf.vtep ), bare );
+     },
+     "!pbmpRes->rc() && \"getEgressMaskActionPbmp fails\"" },
+   { "TheHardwareMasksOtherPorts",
+     []( auto & leaf ) {
+        leaf.sm->tcamManager()->updateEgressMaskAction( 0, leaf.entry(), _shr_pbmp{} );
+        leaf.install( leaf.entry() );
+     },
+     "BCM_PBMP_EQ( ports, ports_exp )" },
+   { "AnInterfaceHasNoValidPort",
+     []( auto & leaf ) {
+        leaf.unnoticed();
+        leaf.interfaceIs( "Ethernet2", 0, 1023 );
+        leaf.segmentIs( "Ethernet2", {} );
+        leaf.dir->tepSegment( ip( leaf.vtep ) )->segmentSetIs( intf( "Ethernet2" ) );
+     },
+     "portCount == expPortCount" },
+};
+
+auto const nameOfDrift = []( auto const & drift ) { return drift.param.name; };
+
+class NothingToProtectDeathTest : public testing::TestWithParam< Drift > {};
+INSTANTIATE_TEST_SUITE_P( Verification, NothingToProtectDeathTest,
+                          testing::ValuesIn( withNothingToProtect ), nameOfDrift );
+
+TEST_P( NothingToProtectDeathTest, StopsTheProcess ) {
+   DriftingSwitch leaf;
+   leaf.startWithNothingToProtect();
+   GetParam().happens( leaf );
+   EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( GetParam().assertion ) );
+}
+
+class SharedSegmentsDeathTest : public testing::TestWithParam< Drift > {};
+INSTANTIATE_TEST_SUITE_P( Verification, SharedSegmentsDeathTest,
+                          testing::ValuesIn( withSharedSegments ), nameOfDrift );
+
+TEST_P( SharedSegmentsDeathTest, StopsTheProcess ) {
+   DriftingSwitch leaf;
+   leaf.start();
+   GetParam().happens( leaf );
+   EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( GetParam().assertion ) );
+}
+
+// --- Which exemption it was
+
+// The two exemption rules are read by calls of the same name; the assertions of each come directly
+// after its call, and the other's later.
+TEST( ExemptionOrderDeathTest, TheL2ExemptionIsJudgedBeforeTheL3OneIsLookedFor ) {
+   DriftingSwitch leaf;
+   leaf.start();
+   leaf.tunnelTerminatedIs( leaf.l2(), 0, 0 );
+   leaf.sm->l3UcastRuleInstalledDel( 0 );
+   EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( "tdata == 1" ) );
+}
+
+TEST( ExemptionOrderDeathTest, ARecordIsJudgedBeforeTheExemptionsWhenThereIsNothingToProtect ) {
+   DriftingSwitch leaf;
+   leaf.startWithNothingToProtect();
+   leaf.sm->l3UcastRuleInstalledIs( 0, 8 );
+   leaf.sm->l2UcastRuleInstalledIs( 0, 7 );
+   EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( "!l2UcastRuleInstalledHas( unit )" ) );
+   leaf.sm->tepIpToEntryIs( U16{ 0 } );
+   EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( "!tepIpToEntry( unit )" ) );
+}
+
+// --- Read-backs that fail
+
+struct ReadBack {
+   std::string name;
+   U64 nth;
+   std::string callText;  // as a regular expression
+};
+
+std::ostream & operator<<( std::ostream & out, ReadBack const & readBack ) {
+   return out << readBack.callText;
+}
+
+class ReadBackDeathTest : public testing::TestWithParam< ReadBack > {};
+INSTANTIATE_TEST_SUITE_P(
+   Verification, ReadBackDeathTest,
+   testing::Values(
+      ReadBack{ "L2Resolution", 1,
+                "bcm_field_qualify_PacketRes_get\\( unit, l2EntryId, &data, &mask \\)" },
+      ReadBack{ "L2Tunnel", 2,
+                "bcm_field_qualify_TunnelTerminated_get\\( unit, l2EntryId, &tdata, &tmask \\)" },
+      ReadBack{ "L3Resolution", 3,
+                "bcm_field_qualify_PacketRes_get\\( unit, l3EntryId, &data, &mask \\)" },
+      ReadBack{ "L3Tunnel", 4,
+                "bcm_field_qualify_TunnelTerminated_get\\( unit, l3EntryId, &tdata, &tmask \\)" },
+      ReadBack{ "Gport", 5, "bcm_field_qualify_SrcVxlanGport_get\\( unit, entryId, &gport \\)" } ),
+   nameOfDrift );
+
+TEST_P( ReadBackDeathTest, SaysWhatFailedAndStopsTheProcess ) {
+   DriftingSwitch leaf;
+   leaf.start();
+   FieldCallFault const fault( { .nth = GetParam().nth, .code = -3 } );
+   EXPECT_DEATH( leaf.sm->handleVerify(),
+                 "^Verification\\.cpp:[0-9]+ " + GetParam().callText +
+                    " API ERROR:Not found \\(-3\\)\n"
+                    "Verification\\.cpp:[0-9]+: .*Assertion '0' failed\\.\n$" );
+}
+
+}  // namespace
