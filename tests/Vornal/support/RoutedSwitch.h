@@ -9,6 +9,8 @@
 #include <set>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include <Decorators/FailingSdk.h>
 #include <Snapshot/Rules.h>
 
