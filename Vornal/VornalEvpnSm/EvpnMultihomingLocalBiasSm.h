@@ -158,12 +158,8 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
    // The VXLAN source gport of the VTEP's virtual port.
    U32 gportOf( Pelk::IpGenAddr const & tepIp ) const;
    void releaseIfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, TepIpToEntry & unitTepIpToEntry );
-   bool installL2UcastRule( U16 unit );
-   void installL3UcastRule( U16 unit );
 
    void verifyTepIp( Pelk::IpGenAddr const & tepIp );
-   void verifyNothingIsProgrammed();
-   void verifyUcastRules( U16 unit );
 
    // Whether the interface has a live port, or is a port channel with members.
    bool isKnownIntf( Pelk::IntfId const & intfId ) const;

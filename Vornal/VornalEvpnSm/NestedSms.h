@@ -37,7 +37,7 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
    KIV_ENTITY( NestedSm_VtiStatus, Kiv::Entity )
    KIV_BACK( evpnMultihomingLocalBiasSm, EvpnMultihomingLocalBiasSm )
    // Moves a VRF's rules from one VNI to another; 0 on either side is none.
-   KIV_OPERATION( void, handleVrfToVniMap, ( L3::VrfName const & vrf, U32 oldVni, U32 newVni ) )
+   KIV_OPERATION( void, handleVrfToVniMap, ( L3::VrfName const & vrf, U32 oldVni, U32 newV ) )
    // The same for every VRF of the map, as if it had just been mapped.
    KIV_OVERLOAD( void, handleVrfToVniMap, () )
    // Takes the rules of every VRF of the map away.
@@ -62,9 +62,7 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
    }
    void onAttribute( Kiv::Change const & change ) override;
    void handleVrfToVniMapReactor( Kiv::Change const & change );
-   void releaseVniEntry( U16 unit, L3::VrfName const & vrf, U32 oldVni );
-   // False when the TCAM has no room for the entry.
-   bool installVniEntry( UnitIterator const & iter, L3::VrfName const & vrf, U32 newV );
+   U32 vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni );
 };
 
 // Watches the members of one port channel.

@@ -70,7 +70,7 @@ void VtiSm::handleVrfToVniUnmap() {
    }
 }
 
-void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newVni ) {
+void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newV ) {
    TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
    if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine().initialized() ) {
       TRACE( smTrace, 2, "handleVrfToVniMap, SM not initialized yet" );
@@ -80,60 +80,54 @@ void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newVni )
       return;
    }
    for ( auto iter = orEmpty( machine().vcsd() ).vornalModIdIter(); iter; ++iter ) {
-      if ( oldVni != 0 ) {
-         releaseVniEntry( iter.key(), vrf, oldVni );
+      if ( oldVni != 0 && !machine().vniToTcamEntryIdHas( oldVni ) ) {
+         machine().unprogrammedTcamRulesListDel( vrf );
+      } else if ( oldVni != 0 ) {
+         TRACE( smTrace, 8, kMapSignature << " old vni " << oldVni );
+         if ( oldVni != Vxlan::VniExtOrNone::kNone ) {
+            U32 const entryId = machine().vniToTcamEntryId( oldVni );
+            QUELM_ASSERT( entryId );
+            machine().tcamManager()->releaseEntry( iter.key(), entryId );
+            TRACE( smTrace, 4, "handleVrfToVniMap freed vni entry ID " << entryId );
+            machine().vniToTcamEntryIdDel( oldVni );
+         }
       }
-      if ( newVni != 0 && machine().isEvpn() && !installVniEntry( iter, vrf, newVni ) ) {
+      if ( newV == 0 || !machine().isEvpn() ) {
+         continue;
+      }
+      QUELM_ASSERT( !evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV ) );
+      TRACE( smTrace, 8, kMapSignature << " new vni " << newV );
+      if ( newV == Vxlan::VniExtOrNone::kNone ) {
+         continue;
+      }
+      U32 const ifpEntryId = vniEntryNew( iter.key(), vrf, newV );
+      if ( ifpEntryId == 0 ) {
          return;
       }
+      U32 const BCM_FIELD_PKT_RES_L3MCKNOWN = Shim::sdk_->packetResL3McKnown();
+      // clang-format off
+      SDK_FIELD_CALL_AT( 279, bcm_field_qualify_VxlanNetworkId( iter.key(), ifpEntryId, newV, 0xffffffff ) );
+      SDK_FIELD_CALL_AT( 282, bcm_field_qualify_PacketRes( iter.key(), ifpEntryId, BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK ) );
+      // clang-format on
+      machine().tcamManager()->setPriorityForEntry( iter.key(), ifpEntryId, kVniEntryPriority );
+      machine().tcamManager()->installEntry( iter.key(), ifpEntryId );
+      machine().vniToTcamEntryIdIs( newV, ifpEntryId );
    }
 }
 
-void VtiSm::releaseVniEntry( U16 unit, L3::VrfName const & vrf, U32 oldVni ) {
-   if ( !machine().vniToTcamEntryIdHas( oldVni ) ) {
-      machine().unprogrammedTcamRulesListDel( vrf );
-      return;
+// An entry for the VNI, or 0 with the VRF queued.
+U32 VtiSm::vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni ) {
+   std::string const name = Quelm::formatted( kVniEntryName, { std::to_string( vni ) } );
+   U32 const entryId = machine().tcamManager()->getEntry( unit, name, VornalTcam::RequestKey() );
+   if ( entryId != 0 ) {
+      TRACE( smTrace, 4, "handleVrfToVniMap allocated IFP entry ID " << entryId );
+      return entryId;
    }
-   TRACE( smTrace, 8, kMapSignature << " old vni " << oldVni );
-   if ( oldVni == Vxlan::VniExtOrNone::kNone ) {
-      return;
+   TRACE( smTrace, 2, "handleVrfToVniMap failed to allocate IFP entry ID" );
+   if ( !machine().unprogrammedTcamRulesListHas( vrf ) ) {
+      machine().unprogrammedTcamRulesListIs( vrf, vni );
    }
-   U32 const entryId = machine().vniToTcamEntryId( oldVni );
-   QUELM_ASSERT( entryId );
-   machine().tcamManager()->releaseEntry( unit, entryId );
-   TRACE( smTrace, 4, "handleVrfToVniMap freed vni entry ID " << entryId );
-   machine().vniToTcamEntryIdDel( oldVni );
-}
-
-bool VtiSm::installVniEntry( EvpnMultihomingLocalBiasSm::UnitIterator const & iter,
-                             L3::VrfName const & vrf, U32 newV ) {
-   QUELM_ASSERT( !evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV ) );
-   TRACE( smTrace, 8, kMapSignature << " new vni " << newV );
-   if ( newV == Vxlan::VniExtOrNone::kNone ) {
-      return true;
-   }
-   U32 const ifpEntryId =
-      machine().tcamManager()->getEntry( iter.key(),
-                                         Quelm::formatted( kVniEntryName,
-                                                           { std::to_string( newV ) } ),
-                                         VornalTcam::RequestKey() );
-   if ( ifpEntryId == 0 ) {
-      TRACE( smTrace, 2, "handleVrfToVniMap failed to allocate IFP entry ID" );
-      if ( !machine().unprogrammedTcamRulesListHas( vrf ) ) {
-         machine().unprogrammedTcamRulesListIs( vrf, newV );
-      }
-      return false;
-   }
-   TRACE( smTrace, 4, "handleVrfToVniMap allocated IFP entry ID " << ifpEntryId );
-   U32 const BCM_FIELD_PKT_RES_L3MCKNOWN = Shim::sdk_->packetResL3McKnown();
-   // clang-format off
-   SDK_FIELD_CALL_AT( 279, bcm_field_qualify_VxlanNetworkId( iter.key(), ifpEntryId, newV, 0xffffffff ) );
-   SDK_FIELD_CALL_AT( 282, bcm_field_qualify_PacketRes( iter.key(), ifpEntryId, BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK ) );
-   // clang-format on
-   machine().tcamManager()->setPriorityForEntry( iter.key(), ifpEntryId, kVniEntryPriority );
-   machine().tcamManager()->installEntry( iter.key(), ifpEntryId );
-   machine().vniToTcamEntryIdIs( newV, ifpEntryId );
-   return true;
+   return 0;
 }
 
 void VtiSm::doCleanup() {

@@ -32,7 +32,12 @@ void EvpnMultihomingLocalBiasSm::handleVerify() {
          verifyTepIp( iter.key() );
       }
    } else {
-      verifyNothingIsProgrammed();
+      for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
+         U16 const unit = iter.key();
+         QUELM_ASSERT( !tepIpToEntry( unit ) );
+         QUELM_ASSERT( !l2UcastRuleInstalledHas( unit ) );
+         QUELM_ASSERT( !l3UcastRuleInstalledHas( unit ) );
+      }
    }
 }
 
@@ -44,36 +49,19 @@ void EvpnMultihomingLocalBiasSm::verifyTepIp( Pelk::IpGenAddr const & tepIp ) {
    }
 }
 
-void EvpnMultihomingLocalBiasSm::verifyNothingIsProgrammed() {
-   for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
-      U16 const unit = iter.key();
-      QUELM_ASSERT( !tepIpToEntry( unit ) );
-      QUELM_ASSERT( !l2UcastRuleInstalledHas( unit ) );
-      QUELM_ASSERT( !l3UcastRuleInstalledHas( unit ) );
-   }
-}
-
 bool EvpnMultihomingLocalBiasSm::tcamSanityCheckForTepIp( U32, Pelk::IpGenAddr const & ) {
    return true;
 }
 
-void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 chip, Pelk::IpGenAddr const & tepIp ) {
+   U16 const unit = static_cast< U16 >( chip );
    TRACE( smTrace, 9, "verifyIfpEntries" );
    auto const rvk = VornalCentral::getRemoteVtepKeyForIp( tepIp );
    if ( !orEmpty( vpIndexStatus() ).remoteVportHas( rvk ) ) {
       QUELM_ASSERT( !unitUsesTcamsForTepIp( unit, tepIp ) );
       return;
    }
-   verifyUcastRules( static_cast< U16 >( unit ) );
-   QUELM_ASSERT( unitUsesTcamsForTepIp( unit, tepIp ) );
-   U32 const entryId = tepIpToEntry( unit )->entryId( tepIp );
-   U32 const gport_exp = gportOf( tepIp );
-   U32 gport = 0;
-   SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport_get( unit, entryId, &gport ) );
-   QUELM_ASSERT( gport == gport_exp );
-}
 
-void EvpnMultihomingLocalBiasSm::verifyUcastRules( U16 unit ) {
    U32 data = 0;
    U32 mask = 0;
    U8 tdata = 0;
@@ -94,6 +82,13 @@ void EvpnMultihomingLocalBiasSm::verifyUcastRules( U16 unit ) {
    SDK_FIELD_CALL( bcm_field_qualify_TunnelTerminated_get( unit, l3EntryId, &tdata, &tmask ) );
    QUELM_ASSERT( tdata == 1 );
    QUELM_ASSERT( tmask == 1 );
+
+   QUELM_ASSERT( unitUsesTcamsForTepIp( unit, tepIp ) );
+   U32 const entryId = tepIpToEntry( unit )->entryId( tepIp );
+   U32 const gport_exp = gportOf( tepIp );
+   U32 gport = 0;
+   SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport_get( unit, entryId, &gport ) );
+   QUELM_ASSERT( gport == gport_exp );
 }
 
 void EvpnMultihomingLocalBiasSm::verifyEfpEntries( U32, Pelk::IpGenAddr const & ) {}

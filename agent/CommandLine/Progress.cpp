@@ -42,8 +42,7 @@ void Progress::advance( std::string const & how ) {
    if ( Clock::time_point const now = now_(); now >= next_ ) {
       next_ = now + kInterval;
       isDrawn_ = true;
-      terminal_ << fmt::format( "\r   step {} of {}: {}\x1b[K", step_, steps_, how )
-                << std::flush;
+      terminal_ << fmt::format( "\r   step {} of {}: {}\x1b[K", step_, steps_, how ) << std::flush;
    }
 }
 

@@ -35,8 +35,8 @@ class Progress final : public Story::Observer {
    Now now_;
    U32 steps_ = 0;  // of the scenario
    U32 step_ = 0;
-   U64 calls_ = 0;           // to the hardware, in this step
-   U64 frames_ = 0;          // that have come in, of those that are to
+   U64 calls_ = 0;   // to the hardware, in this step
+   U64 frames_ = 0;  // that have come in, of those that are to
    U64 framesInAll_ = 0;
    Clock::time_point next_;  // when the line is drawn
    bool isDrawn_ = false;

@@ -55,8 +55,9 @@ std::optional< std::filesystem::path > folderOf(
       std::filesystem::create_directories( *captures, error );
    }
    if ( error ) {
-      throw Quelm::Error( "--pcap-out: " + captures->string() + " is no folder and cannot be made (" +
-                          error.message() + "); name one that can be written to" );
+      throw Quelm::Error( "--pcap-out: " + captures->string() +
+                          " is no folder and cannot be made (" + error.message() +
+                          "); name one that can be written to" );
    }
    return captures;
 }

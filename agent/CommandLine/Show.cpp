@@ -67,15 +67,13 @@ Story::ExitCode show( ShowOptions const & options ) {
    Story::HumanWriter writer( story, Story::Style( false ) );
    Shown shown;
    Story::Outcome outcome;
-   ScenarioRun const what{
-      scenario,
-      { .scenario = options.scenario.string(),
-        .plugin = pluginFile( options.plugin ),
-        .trace = {},
-        .show = whatToShow( options ),
-        .captures = {} },
-      {}
-   };
+   ScenarioRun const what{ scenario,
+                           { .scenario = options.scenario.string(),
+                             .plugin = pluginFile( options.plugin ),
+                             .trace = {},
+                             .show = whatToShow( options ),
+                             .captures = {} },
+                           {} };
    runScenario( what, { &writer, &shown }, outcome );
    if ( outcome.stopped() ) {
       std::cerr << story.str();

@@ -123,10 +123,10 @@ Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidenc
 bool isMeant( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
    bool const isFrom =
       !like.from || ( frame.tunnel && frame.tunnel->source == like.from->stringValue() );
-   bool const isOfKind = like.kinds.empty() ||
-                         std::any_of( like.kinds.begin(), like.kinds.end(), [ & ]( auto kind ) {
-                            return Chip::nameOf( kind ) == frame.kind;
-                         } );
+   bool const isOfKind =
+      like.kinds.empty() || std::any_of( like.kinds.begin(), like.kinds.end(), [ & ]( auto kind ) {
+         return Chip::nameOf( kind ) == frame.kind;
+      } );
    return isFrom && isOfKind && ( !like.dropped || !frame.dropReason.empty() );
 }
 
@@ -141,8 +141,7 @@ bool isAt( Story::FrameCopy const & copy, Scenario::FrameTarget const & target )
                       target );
 }
 
-std::string verdictAt( Story::FrameForwarded const & frame,
-                       Scenario::FrameTarget const & target ) {
+std::string verdictAt( Story::FrameForwarded const & frame, Scenario::FrameTarget const & target ) {
    auto const copy =
       std::find_if( frame.copies.begin(), frame.copies.end(),
                     [ & ]( Story::FrameCopy const & one ) { return isAt( one, target ); } );
@@ -152,9 +151,9 @@ std::string verdictAt( Story::FrameForwarded const & frame,
 // What is wrong with the frame; empty when nothing is.
 std::string mistakeOf( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
    auto const mistake = [ & ]( Scenario::FrameTarget const & target, std::string const & verdict ) {
-      return fmt::format(
-         "frame {} is {} at {}", frame.number, verdict,
-         std::visit( []( auto const & one ) { return one.stringValue(); }, target ) );
+      return fmt::format( "frame {} is {} at {}", frame.number, verdict,
+                          std::visit( []( auto const & one ) { return one.stringValue(); },
+                                      target ) );
    };
    for ( Scenario::FrameTarget const & target : like.reach ) {
       if ( std::string const verdict = verdictAt( frame, target ); verdict != "sent" ) {

@@ -16,8 +16,12 @@ Story::FrameTunnel tunnelOf( Chip::TunnelStory const & tunnel ) {
 }
 
 Story::FrameInner innerOf( Chip::InnerStory const & inner ) {
-   Story::FrameInner told{ inner.source.stringValue(), inner.destination.stringValue(),
-                           inner.vlan, inner.etherType, {}, {} };
+   Story::FrameInner told{ inner.source.stringValue(),
+                           inner.destination.stringValue(),
+                           inner.vlan,
+                           inner.etherType,
+                           {},
+                           {} };
    if ( inner.ip ) {
       told.sourceIp = inner.ip->source.stringValue();
       told.destinationIp = inner.ip->destination.stringValue();
@@ -26,9 +30,10 @@ Story::FrameInner innerOf( Chip::InnerStory const & inner ) {
 }
 
 Story::FrameCopy copyOf( Chip::Copy const & copy ) {
-   Story::FrameCopy told{ copy.intfId.stringValue(), {},
-                          {},                        {},
-                          std::string( nameOf( copy.verdict ) ), keyOf( copy.rule ) };
+   Story::FrameCopy told{
+      copy.intfId.stringValue(), {}, {}, {}, std::string( nameOf( copy.verdict ) ),
+      keyOf( copy.rule )
+   };
    if ( copy.port.isValid() && copy.verdict != Chip::Verdict::NoPort ) {
       told.unit = copy.port.unit();
       told.port = copy.port.logicalPort();

@@ -21,9 +21,9 @@ void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const 
       if ( !port.isValid() || !common.vornalModIdHas( port.unit() ) ) {
          continue;
       }
-      Chip::InterfaceConfig interface{ .intfId = live.key(),
-                                       .unit = port.unit(),
-                                       .logicalPort = port.logicalPort() };
+      Chip::InterfaceConfig interface {
+         .intfId = live.key(), .unit = port.unit(), .logicalPort = port.logicalPort()
+      };
       interface.isUnderlay = said.underlay.contains( live.key() );
       if ( auto const vlans = said.vlans.find( live.key() ); vlans != said.vlans.end() ) {
          interface.vlans = vlans->second;
@@ -74,7 +74,8 @@ Traffic::Traffic( Context const & context )
 
 Chip::ForwardingConfig Traffic::forwardingNow() const {
    if ( !forwarding_ ) {
-      throw Quelm::Error( "the scenario does not say how the switch forwards; give it 'forwarding'" );
+      throw Quelm::Error(
+         "the scenario does not say how the switch forwards; give it 'forwarding'" );
    }
    Chip::ForwardingConfig config = forwarding_->config;
    addInterfaces( config, *forwarding_, *context_.published.common() );
@@ -120,8 +121,9 @@ IntfId Traffic::arrivalOf( Scenario::Frame const & frame ) const {
       return *frame.on;
    }
    if ( forwarding_->underlay.empty() ) {
-      throw Quelm::Error( "a frame from a VTEP needs an underlay interface to come in on; name one "
-                          "in 'forwarding'" );
+      throw Quelm::Error(
+         "a frame from a VTEP needs an underlay interface to come in on; name one "
+         "in 'forwarding'" );
    }
    return *forwarding_->underlay.begin();
 }
@@ -160,9 +162,8 @@ void Traffic::inject( Scenario::Capture const & capture ) {
 }
 
 void Traffic::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
-   Chip::FrameStory const & story =
-      captures_ ? pipeline_.forward( arrival, frame, *captures_ )
-                : pipeline_.forward( arrival, frame, nowhere_ );
+   Chip::FrameStory const & story = captures_ ? pipeline_.forward( arrival, frame, *captures_ )
+                                              : pipeline_.forward( arrival, frame, nowhere_ );
    context_.observer.onEvent( frameOf( story, ++frames_ ) );
 }
 

@@ -223,18 +223,16 @@ std::string describe( Frame const & step ) {
    std::string const from =
       outer ? fmt::format( "from VTEP {} in VNI {}", textOf( outer->sourceVtep ), outer->vni )
             : "on " + textOf( *step.on );
-   std::string const addresses =
-      step.fields.sourceIp && step.fields.destinationIp
-         ? fmt::format( ", {} to {}", textOf( *step.fields.sourceIp ),
-                        textOf( *step.fields.destinationIp ) )
-         : "";
+   std::string const addresses = step.fields.sourceIp && step.fields.destinationIp
+                                    ? fmt::format( ", {} to {}", textOf( *step.fields.sourceIp ),
+                                                   textOf( *step.fields.destinationIp ) )
+                                    : "";
    return fmt::format( "a frame {}: {} to {}{}", from, textOf( step.fields.source ),
                        textOf( step.fields.destination ), addresses );
 }
 
 std::string describe( Capture const & step ) {
-   return fmt::format( "the frames of {} on {}", step.file.filename().string(),
-                       textOf( step.on ) );
+   return fmt::format( "the frames of {} on {}", step.file.filename().string(), textOf( step.on ) );
 }
 
 std::string describe( DesignatedForwarder const & step ) {

@@ -44,8 +44,8 @@ std::optional< Chip::MacAddress > macOf( Reading & reading, Value const & value 
 
 void readVtepAddresses( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ address, line ] : distinctOf( reading, value, addressIn ) ) {
-      auto & place =
-         address.family() == Pelk::IpGenAddr::Family::ipv4 ? forwarding.config.vtepIpv4 : forwarding.config.vtepIpv6;
+      auto & place = address.family() == Pelk::IpGenAddr::Family::ipv4 ? forwarding.config.vtepIpv4
+                                                                       : forwarding.config.vtepIpv6;
       if ( place ) {
          reading.problem( line, "the switch is " + place->stringValue() +
                                    " already; it has one VTEP address of each family" );
@@ -55,8 +55,7 @@ void readVtepAddresses( Reading & reading, Value const & value, Forwarding & for
 }
 
 void readRouterMac( Reading & reading, Value const & value, Forwarding & forwarding ) {
-   forwarding.config.routerMac =
-      macOf( reading, value ).value_or( forwarding.config.routerMac );
+   forwarding.config.routerMac = macOf( reading, value ).value_or( forwarding.config.routerMac );
 }
 
 // --- interfaces and VLANs
@@ -106,11 +105,10 @@ void readRouteMac( Reading & reading, Value const & value, Chip::HostRoute & rou
 }
 
 Table< Chip::HostRoute > const & hostTable() {
-   static Table< Chip::HostRoute > const table{
-      "host",
-      { { { "vlan", "vlan: 10" }, readRouteVlan },
-        { { "mac", "mac: 00:00:5e:00:53:01" }, readRouteMac } }
-   };
+   static Table< Chip::HostRoute > const table{ "host",
+                                                { { { "vlan", "vlan: 10" }, readRouteVlan },
+                                                  { { "mac", "mac: 00:00:5e:00:53:01" },
+                                                    readRouteMac } } };
    return table;
 }
 
@@ -151,8 +149,7 @@ void readForwarding( Reading & reading, Value const & value,
 
 void readDesignated( Reading & reading, Value const & value, DesignatedForwarder & designated ) {
    for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
-      designated.isDesignated[ intf ] =
-         yesOrNoOf( reading, about ).value_or( true );
+      designated.isDesignated[ intf ] = yesOrNoOf( reading, about ).value_or( true );
    }
 }
 

@@ -18,8 +18,7 @@ std::optional< Pelk::IntfId > intfOf( Reading & reading, std::string const & tex
    return intf;
 }
 
-template< typename T >
-std::optional< T > valueOf( Reading & reading, Value const & value ) {
+template< typename T > std::optional< T > valueOf( Reading & reading, Value const & value ) {
    auto const text = stringOf( reading, value );
    return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
 }
@@ -78,8 +77,7 @@ void readVni( Reading & reading, Value const & value, Frame & frame ) {
 
 template< Chip::MacAddress Chip::FrameFields::*mac >
 void readMac( Reading & reading, Value const & value, Frame & frame ) {
-   frame.fields.*mac =
-      valueOf< Chip::MacAddress >( reading, value ).value_or( Chip::MacAddress() );
+   frame.fields.*mac = valueOf< Chip::MacAddress >( reading, value ).value_or( Chip::MacAddress() );
 }
 
 template< std::optional< Pelk::IpGenAddr > Chip::FrameFields::*ip >
@@ -103,13 +101,12 @@ void readFieldNumber( Reading & reading, Value const & value, Frame & frame ) {
 
 Choices< Chip::FrameContent > const & contents() {
    using Chip::FrameContent;
-   static Choices< FrameContent > const choices{
-      "frame-content",
-      { { "bare", FrameContent::Bare },
-        { "arp", FrameContent::Arp },
-        { "neighbour-solicitation", FrameContent::NeighbourSolicitation },
-        { "udp", FrameContent::Udp } }
-   };
+   static Choices< FrameContent > const choices{ "frame-content",
+                                                 { { "bare", FrameContent::Bare },
+                                                   { "arp", FrameContent::Arp },
+                                                   { "neighbour-solicitation",
+                                                     FrameContent::NeighbourSolicitation },
+                                                   { "udp", FrameContent::Udp } } };
    return choices;
 }
 
@@ -158,11 +155,10 @@ void readFile( Reading & reading, Value const & value, Capture & capture ) {
 }
 
 Table< Capture > const & captureTable() {
-   static Table< Capture > const table{
-      "frames",
-      { { { "capture", "capture: ../captures/fabric-v4.pcap" }, readFile },
-        { { "on", "on: Ethernet49" }, readOn< Capture > } }
-   };
+   static Table< Capture > const table{ "frames",
+                                        { { { "capture", "capture: ../captures/fabric-v4.pcap" },
+                                            readFile },
+                                          { { "on", "on: Ethernet49" }, readOn< Capture > } } };
    return table;
 }
 
@@ -196,8 +192,7 @@ template< std::vector< FrameTarget > FramesLike::*targets >
 void readTargets( Reading & reading, Value const & value, FramesLike & frames ) {
    for ( Value const & element : listOf( reading, value ) ) {
       auto const text = stringOf( reading, element );
-      if ( auto const target =
-              text ? targetIn( reading, *text, element.line ) : std::nullopt ) {
+      if ( auto const target = text ? targetIn( reading, *text, element.line ) : std::nullopt ) {
          ( frames.*targets ).push_back( *target );
       }
    }
@@ -235,8 +230,9 @@ void readFrame( Reading & reading, Value const & value, Frame & frame ) {
    readMapping( reading, value, frameTable(), frame );
    auto const & outer = frame.fields.outer;
    if ( !outer && !frame.on ) {
-      reading.problem( value.line, "a frame needs 'on', the interface it comes in on, or 'from', "
-                                   "the VTEP it comes from" );
+      reading.problem( value.line,
+                       "a frame needs 'on', the interface it comes in on, or 'from', "
+                       "the VTEP it comes from" );
    } else if ( outer && ( outer->vni == 0 || outer->sourceVtep == Pelk::IpGenAddr() ) ) {
       reading.problem( value.line,
                        "'from' and 'vni' stand together: a frame from a VTEP comes in a VNI" );
@@ -252,8 +248,8 @@ void readFramesLike( Reading & reading, Value const & value, FramesLike & frames
 }
 
 std::vector< WordList > framesVocabulary() {
-   return { frameTable().list(),  captureTable().list(), framesTable().list(), kinds().list(),
-            verdicts().list(),    dropReasons().list(),  contents().list() };
+   return { frameTable().list(), captureTable().list(), framesTable().list(), kinds().list(),
+            verdicts().list(),   dropReasons().list(),  contents().list() };
 }
 
 }  // namespace Scenario

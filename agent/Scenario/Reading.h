@@ -38,9 +38,7 @@ class Reading {
    explicit Reading( std::string file ) : file_( std::move( file ) ) {}
 
    // Where the files are that the scenario names.
-   std::filesystem::path directory() const {
-      return std::filesystem::path( file_ ).parent_path();
-   }
+   std::filesystem::path directory() const { return std::filesystem::path( file_ ).parent_path(); }
 
    void problem( int line, std::string message );
 

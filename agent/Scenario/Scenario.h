@@ -297,9 +297,9 @@ struct Model {
    std::string description;
    Switch device;
    std::optional< Forwarding > forwarding;  // nothing: it forwards no frames
-   std::vector< Change > published;     // before the plug-in is loaded
-   std::filesystem::path featureFiles;  // the directory of the feature files
-   std::vector< TraceLevels > trace;    // in force from before the plug-in is loaded
+   std::vector< Change > published;         // before the plug-in is loaded
+   std::filesystem::path featureFiles;      // the directory of the feature files
+   std::vector< TraceLevels > trace;        // in force from before the plug-in is loaded
    std::vector< Step > steps;
 };
 

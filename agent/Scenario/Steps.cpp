@@ -124,24 +124,24 @@ void readOnlyOn( Reading & reading, Value const & value, StepWords & words ) {
 }
 
 Table< StepWords > const & stepTable() {
-   static Table< StepWords > const table{ "step",
-                                          { { { "note", "" }, readNote },
-                                            { { "ready", "" }, readReady },
-                                            { { "publish", "" }, readPublishStep },
-                                            { { "withdraw", "" }, readWithdrawStep },
-                                            { { "set", "" }, readSet },
-                                            { { "delete", "" }, readDelete },
-                                            { { "call", "" }, readCall },
-                                            { { "frame", "" }, readStep< Frame, readFrame > },
-                                            { { "frames", "" }, readStep< Capture, readCapture > },
-                                            { { "designated-forwarder", "" },
-                                              readStep< DesignatedForwarder, readDesignated > },
-                                            { { "foreign-entries", "" },
-                                              readStep< ForeignEntries, readForeignEntries > },
-                                            { { "class-id-allocator", "" }, readAllocator },
-                                            { { "dump", "" }, readDump },
-                                            { { "expect", "" }, readExpectStep },
-                                            { { "only-on", "" }, readOnlyOn } } };
+   static Table< StepWords > const table{
+      "step",
+      { { { "note", "" }, readNote },
+        { { "ready", "" }, readReady },
+        { { "publish", "" }, readPublishStep },
+        { { "withdraw", "" }, readWithdrawStep },
+        { { "set", "" }, readSet },
+        { { "delete", "" }, readDelete },
+        { { "call", "" }, readCall },
+        { { "frame", "" }, readStep< Frame, readFrame > },
+        { { "frames", "" }, readStep< Capture, readCapture > },
+        { { "designated-forwarder", "" }, readStep< DesignatedForwarder, readDesignated > },
+        { { "foreign-entries", "" }, readStep< ForeignEntries, readForeignEntries > },
+        { { "class-id-allocator", "" }, readAllocator },
+        { { "dump", "" }, readDump },
+        { { "expect", "" }, readExpectStep },
+        { { "only-on", "" }, readOnlyOn } }
+   };
    return table;
 }
 

@@ -37,10 +37,10 @@ struct FrameIngress {
 // One port, or one VTEP behind an underlay port.
 struct FrameCopy {
    std::string intf;
-   std::string vtep;            // empty for a frame that leaves as it is
-   std::optional< U32 > unit;   // nothing where there was no port to choose
-   std::optional< U32 > port;   // logical
-   std::string verdict;         // "sent", "masked", "dropped", "not-designated", ...
+   std::string vtep;               // empty for a frame that leaves as it is
+   std::optional< U32 > unit;      // nothing where there was no port to choose
+   std::optional< U32 > port;      // logical
+   std::string verdict;            // "sent", "masked", "dropped", "not-designated", ...
    std::optional< RuleKey > rule;  // that decided
 };
 

@@ -13,9 +13,9 @@ std::string placeOf( FrameCopy const & copy ) {
 }
 
 std::string outcomeOf( FrameCopy const & copy ) {
-   return copy.rule ? fmt::format( "{} by unit {} entry {}", copy.verdict, copy.rule->unit,
-                                   copy.rule->id )
-                    : copy.verdict;
+   return copy.rule
+             ? fmt::format( "{} by unit {} entry {}", copy.verdict, copy.rule->unit, copy.rule->id )
+             : copy.verdict;
 }
 
 // "Ethernet1 sent", or with the number of each where frames fared differently.

@@ -3,7 +3,8 @@
 //
 // What is shown below a step: what the plug-in asked the agent for, what it traced and logged, what
 // it wrote to the state database, the rules that the step added, changed and removed, what became
-// of the frames that came in, and which expectations held. What other agents publish is what the step's own line says.
+// of the frames that came in, and which expectations held. What other agents publish is what the
+// step's own line says.
 #pragma once
 
 #include <ostream>

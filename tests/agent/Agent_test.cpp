@@ -245,7 +245,7 @@ TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
       Support::Recorder refused;
       scenario = Scenario::readText( Switches::leaf( std::string( "   - " ) + one.step + "\n" ),
                                      "leaf.yaml" );
-      Host::Agent( scenario, { "leaf.yaml", Support::testPlugin( "segment-rules" ), {}, {} },
+      Host::Agent( scenario, { "leaf.yaml", Support::testPlugin( "segment-rules" ), {}, {}, {} },
                    ring.bytes(), refused )
          .run();
 
