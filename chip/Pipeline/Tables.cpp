@@ -135,20 +135,23 @@ void Tables::tunnelsAre() {
    for ( auto const & [ vtep, tunnel ] : config.tunnels ) {
       Tunnel & entry = tunnels[ tunnelFor( vtep ) ];
       entry.gport = vxlanGportOf( tunnel.vpIndex );
-      if ( tunnel.underlay.empty() ) {
-         continue;
+      if ( !tunnel.underlay.empty() ) {
+         underlayIs( entry, tunnel.underlay );
       }
-      std::erase_if( entry.underlay, [ & ]( Index interface ) {
-         auto const & named = tunnel.underlay;
-         Pelk::IntfId const & intfId = interfaces[ interface ].intfId;
-         return std::find( named.begin(), named.end(), intfId ) == named.end();
-      } );
    }
    for ( auto const & [ vni, vteps ] : config.floodLists ) {
       for ( Pelk::IpGenAddr const & vtep : vteps ) {
          domains[ *domainOfVni.find( vni ) ].floodList.push_back( tunnelFor( vtep ) );
       }
    }
+}
+
+// The tunnel leads over those underlay interfaces only.
+void Tables::underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const {
+   std::erase_if( tunnel.underlay, [ & ]( Index interface ) {
+      Pelk::IntfId const & intfId = interfaces[ interface ].intfId;
+      return std::find( named.begin(), named.end(), intfId ) == named.end();
+   } );
 }
 
 // The tunnel to that VTEP; a new one leads over all underlay interfaces.

@@ -97,6 +97,7 @@ struct Tables {
    Index interfaceNew( Pelk::IntfId const & intfId, AccessVlans const & vlans );
    void domainsAre();
    void tunnelsAre();
+   void underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const;
    void routesAre();
    Index domainFor( Vlan vlan );
    Index tunnelFor( Pelk::IpGenAddr const & vtep );

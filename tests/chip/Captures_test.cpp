@@ -1,0 +1,164 @@
+// Captures: what is written is read back, and what is no capture is refused by name and frame.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include <Capture/CaptureReader.h>
+#include <Capture/PortCaptures.h>
+#include <Quelm/Error.h>
+
+namespace CapturesTest {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using ByteList = std::vector< U8 >;
+
+class Captures : public testing::Test {
+ protected:
+   Captures()
+         : folder( fs::path( testing::TempDir() ) /
+                   ( std::string( "captures-" ) +
+                     testing::UnitTest::GetInstance()->current_test_info()->name() ) ),
+           file( folder / "some.pcap" ) {
+      fs::create_directories( folder );
+   }
+   ~Captures() override { fs::remove_all( folder ); }
+
+   void writeText( std::string const & text ) const {
+      std::ofstream( file, std::ios::binary ) << text;
+   }
+   // Changes one byte of the file.
+   void byteIs( std::streamoff at, char value ) const {
+      std::fstream stream( file, std::ios::binary | std::ios::in | std::ios::out );
+      stream.seekp( at );
+      stream.put( value );
+   }
+   void writeFrames( std::vector< ByteList > const & frames ) const {
+      Chip::CaptureWriter writer( file );
+      for ( ByteList const & frame : frames ) {
+         writer.write( 1700000000s + 5ns, frame );
+      }
+      writer.close();
+   }
+   static std::vector< ByteList > framesOf( fs::path const & path ) {
+      std::vector< ByteList > frames;
+      Chip::CaptureReader reader( path );
+      while ( auto const frame = reader.next() ) {
+         EXPECT_EQ( frame->number, frames.size() + 1 );
+         frames.emplace_back( frame->bytes.begin(), frame->bytes.end() );
+      }
+      return frames;
+   }
+   // Why the file is refused, with its name cut out; empty when it is not.
+   std::string refusal() const {
+      try {
+         framesOf( file );
+      } catch ( Quelm::Error const & error ) {
+         std::string text = error.what();
+         std::size_t const name = text.find( file.string() );
+         EXPECT_NE( name, std::string::npos ) << text;
+         return text.replace( name, file.string().size(), "FILE" );
+      }
+      return "";
+   }
+
+   fs::path const folder;
+   fs::path const file;
+};
+
+TEST_F( Captures, givesBackWhatWasWritten ) {
+   std::vector< ByteList > const frames{ ByteList( 60, 1 ), {}, ByteList( 9600, 2 ) };
+   writeFrames( frames );
+   EXPECT_EQ( framesOf( file ), frames );
+}
+
+TEST_F( Captures, keepsTimesToTheNanosecond ) {
+   writeFrames( { ByteList( 60 ) } );
+   EXPECT_EQ( Chip::CaptureReader( file ).next()->timestamp, 1700000000s + 5ns );
+}
+
+TEST_F( Captures, readsRealOnes ) {
+   fs::path const captures = VORNAL_SOURCE_DIR "/scenarios/captures";
+   EXPECT_EQ( framesOf( captures / "fabric-v4.pcap" ).size(), 119U );
+   EXPECT_EQ( framesOf( captures / "fabric-v6.pcap" ).size(), 114U );
+}
+
+TEST_F( Captures, refusesAFileThatIsNotThere ) {
+   EXPECT_EQ( refusal(), "capture FILE: No such file or directory" );
+}
+
+TEST_F( Captures, refusesAFolder ) {
+   fs::create_directory( file );
+   EXPECT_EQ( refusal(), "capture FILE: error reading dump file: Is a directory" );
+}
+
+TEST_F( Captures, refusesAnEmptyFile ) {
+   writeText( "" );
+   EXPECT_EQ( refusal(),
+              "capture FILE: truncated dump file; tried to read 4 file header bytes, only got 0" );
+}
+
+TEST_F( Captures, refusesAFileOfSomethingElse ) {
+   writeText( "name: start-up\nvariant: egress-mask\n" );
+   EXPECT_EQ( refusal(), "capture FILE: unknown file format" );
+}
+
+TEST_F( Captures, refusesFramesOfSomethingElse ) {
+   writeFrames( { ByteList( 60 ) } );
+   std::streamoff const linkType = 20;
+   byteIs( linkType, 113 );
+   EXPECT_EQ( refusal(), "capture FILE: its frames are of link type LINUX_SLL, not Ethernet" );
+}
+
+TEST_F( Captures, refusesAFrameThatTheFileEndsWithin ) {
+   writeFrames( { ByteList( 60 ), ByteList( 60 ) } );
+   fs::resize_file( file, fs::file_size( file ) - 1 );
+   EXPECT_EQ( refusal(),
+              "capture FILE: frame 2: truncated dump file; tried to read 60 captured "
+              "bytes, only got 59" );
+}
+
+TEST_F( Captures, refusesAFrameThatWasNotCapturedWhole ) {
+   writeFrames( { ByteList( 60 ) } );
+   std::streamoff const lengthOnTheWire = 24 + 12;
+   byteIs( lengthOnTheWire, 100 );
+   EXPECT_EQ( refusal(),
+              "capture FILE: frame 1: only 60 of its 100 bytes were captured; capture whole "
+              "frames" );
+}
+
+TEST_F( Captures, refusesToWriteWhereNothingCanBe ) {
+   fs::create_directory( file );
+   try {
+      Chip::CaptureWriter const writer( file );
+      FAIL() << "a folder was written";
+   } catch ( Quelm::Error const & error ) {
+      EXPECT_EQ( error.what(), "capture " + file.string() + ": Is a directory" );
+   }
+}
+
+TEST_F( Captures, tellsWhenTheDiskIsFull ) {
+   Chip::CaptureWriter writer( "/dev/full" );
+   writer.write( 1s, ByteList( 60 ) );
+   EXPECT_THROW( writer.close(), Quelm::Error );
+}
+
+TEST_F( Captures, ofPortsAreFilesOfTheirOwn ) {
+   Chip::PortCaptures captures( folder );
+   VornalTypes::VornalPort const five( 0, 5 );
+   VornalTypes::VornalPort const three( 1, 3, 4 );
+   captures.timeIs( 7s );
+   captures.transmit( five, ByteList( 60, 1 ) );
+   captures.timeIs( 8s );
+   captures.transmit( three, ByteList( 60, 2 ) );
+   captures.transmit( five, ByteList( 60, 3 ) );
+   captures.close();
+   EXPECT_EQ( captures.fileOf( five ), folder / "unit0-port5.pcap" );
+   EXPECT_EQ( framesOf( folder / "unit0-port5.pcap" ),
+              ( std::vector{ ByteList( 60, 1 ), ByteList( 60, 3 ) } ) );
+   EXPECT_EQ( framesOf( folder / "unit1-port3.pcap" ),
+              std::vector< ByteList >( { ByteList( 60, 2 ) } ) );
+   EXPECT_EQ( Chip::CaptureReader( folder / "unit1-port3.pcap" ).next()->timestamp, 8s );
+}
+
+}  // namespace CapturesTest
