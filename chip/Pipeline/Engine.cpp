@@ -228,7 +228,8 @@ void Pipeline::Engine::copyTo( DomainInterface const & to ) {
    }
    if ( copy.verdict == Verdict::Sent ) {
       Vlan const vlan = tables_->domains[ frame_.domain ].vlan;
-      transmit( copy, to.isTagged ? departure_.tagged( vlan ) : departure_.untagged() );
+      transmitter_->transmit( copy.port,
+                              to.isTagged ? departure_.tagged( vlan ) : departure_.untagged() );
    }
 }
 
@@ -249,10 +250,11 @@ void Pipeline::Engine::copyInto( Index tunnel ) {
    }
    judge( copy, true );
    if ( copy.verdict == Verdict::Sent ) {
-      transmit( copy,
-                departure_.enveloped( *to.outer, { .vni = tables_->domains[ frame_.domain ].vni,
-                                                   .flowHash = frame_.flowHash,
-                                                   .neighbour = underlay.neighbour } ) );
+      transmitter_->transmit( copy.port,
+                              departure_.enveloped( *to.outer,
+                                                    { .vni = tables_->domains[ frame_.domain ].vni,
+                                                      .flowHash = frame_.flowHash,
+                                                      .neighbour = underlay.neighbour } ) );
    }
 }
 
@@ -272,10 +274,6 @@ Copy & Pipeline::Engine::copyNew( Index interface ) {
       copy.intfId = tables_->interfaces[ interface ].intfId;
    }
    return copy;
-}
-
-void Pipeline::Engine::transmit( Copy const & copy, Bytes bytes ) {
-   transmitter_->transmit( copy.port, bytes );
 }
 
 void Pipeline::Engine::count() {

@@ -59,7 +59,6 @@ class Pipeline::Engine {
    void copyInto( Index tunnel );
    void judge( Copy & copy, bool isDesignated );
    Copy & copyNew( Index interface );
-   void transmit( Copy const & copy, Bytes bytes );
    // The member of an interface or the interface of a list that the frame's flow takes: where the
    // hash, as a fraction of its range, falls on the list. A division would cost more than a lookup.
    template< typename List > auto chosen( List const & list ) const {

@@ -132,7 +132,7 @@ class Check {
       std::string const place = "designated forwarder on '" + intfId.stringValue() + "'";
       auto const found = interfaces_.find( intfId );
       bool const isAccess = found != interfaces_.end() && !found->second->isUnderlay;
-      if ( !isAccess && portChannels_.count( intfId ) == 0 ) {
+      if ( !isAccess && !portChannels_.contains( intfId ) ) {
          refuse( place, "it is neither an access interface nor a port channel" );
       }
       for ( auto const & [ vlan, isDesignated ] : state.perVlan ) {
@@ -142,7 +142,7 @@ class Check {
    }
 
    void vlanIsOurs( std::string const & place, Vlan vlan ) const {
-      if ( vlans_.count( vlan ) == 0 ) {
+      if ( !vlans_.contains( vlan ) ) {
          refuse( place, "VLAN " + std::to_string( vlan ) +
                            " is neither on an interface nor mapped to a VNI" );
       }
@@ -171,7 +171,7 @@ class Check {
       }
       for ( auto const & [ vni, vteps ] : config_.floodLists ) {
          std::string const place = "flood list of VNI " + std::to_string( vni );
-         if ( vnis_.count( vni ) == 0 ) {
+         if ( !vnis_.contains( vni ) ) {
             refuse( place, "no VLAN is mapped to that VNI" );
          }
          for ( IpGenAddr const & vtep : vteps ) {

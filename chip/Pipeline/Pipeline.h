@@ -55,7 +55,8 @@
 
 namespace Chip {
 
-// Takes what leaves the switch. The bytes are valid during the call.
+// Takes what leaves the switch. The bytes are valid during the call, which gives nothing to the
+// same pipeline and changes no rules; what is to come back is kept until the frame is through.
 class Transmitter {
  public:
    virtual void transmit( VornalTypes::VornalPort port, std::span< U8 const > frame ) = 0;

@@ -162,9 +162,9 @@ Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
    auto const index = static_cast< Index >( tunnels.size() );
    Tunnel & tunnel = tunnels.emplace_back();
    tunnel.remoteVtep = vtep;
-   for ( Index n = 0; n < interfaces.size(); ++n ) {
+   for ( std::size_t n = 0; n < interfaces.size(); ++n ) {
       if ( interfaces[ n ].isUnderlay ) {
-         tunnel.underlay.push_back( n );
+         tunnel.underlay.push_back( static_cast< Index >( n ) );
       }
    }
    bool const isIpv4 = vtep.family() == Pelk::IpGenAddr::Family::ipv4;

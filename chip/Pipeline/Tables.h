@@ -68,7 +68,7 @@ struct UnitTables {
 
 struct Tables {
    // As forwardingIs() of the Pipeline.
-   Tables( Units const & units, ForwardingConfig const & config );
+   Tables( Units const & all, ForwardingConfig const & forwarding );
    Tables( Tables const & ) = delete;
    Tables & operator=( Tables const & ) = delete;
    ~Tables() = default;
