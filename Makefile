@@ -6,7 +6,7 @@ DESTDIR ?=
 .NOTPARALLEL:
 
 run: build
-	@build/release/vornal run scenarios/start-up/scenario.yaml
+	@build/release/vornal run scenarios/two-leaves/scenario.yaml
 
 test: build/release/build.ninja
 	@cmake --build --preset release

@@ -76,7 +76,7 @@ bool hasField( std::vector< Story::RuleField > const & fields,
       for ( Story::RuleValue const & value : field.values ) {
          numbers.push_back( static_cast< U32 >( value.data ) );
       }
-      return field.name == wanted.name && ( wanted.numbers.empty() || wanted.numbers == numbers );
+      return field.name == wanted.name && ( !wanted.numbers || *wanted.numbers == numbers );
    } );
 }
 

@@ -102,8 +102,11 @@ std::string describe( TcamGroupsAskedFor const & what ) {
 std::string describe( std::vector< RuleFieldWanted > const & fields ) {
    std::string text;
    for ( RuleFieldWanted const & field : fields ) {
-      text += fmt::format( "{}{}{}{}", text.empty() ? "" : " and ", field.name,
-                           field.numbers.empty() ? "" : " ", fmt::join( field.numbers, ", " ) );
+      text += ( text.empty() ? "" : " and " ) + field.name;
+      if ( field.numbers ) {
+         text += field.numbers->empty() ? " nothing"
+                                        : fmt::format( " {}", fmt::join( *field.numbers, ", " ) );
+      }
    }
    return text;
 }

@@ -25,13 +25,14 @@ template< typename T > void readUnit( Reading & reading, Value const & value, T 
 using Fields = std::vector< RuleFieldWanted >;
 
 // A number, a list of them, or nothing where any will do.
-std::vector< U32 > numbersOf( Reading & reading, Value const & value ) {
-   std::vector< U32 > numbers;
+std::optional< std::vector< U32 > > numbersOf( Reading & reading, Value const & value ) {
    if ( value.node.IsNull() ) {
-      return numbers;
+      return std::nullopt;
    }
+   std::vector< U32 > numbers;
    if ( !value.node.IsSequence() ) {
-      return { numberOf( reading, value, 0, kHighestNumber ).value_or( 0 ) };
+      numbers.push_back( numberOf( reading, value, 0, kHighestNumber ).value_or( 0 ) );
+      return numbers;
    }
    for ( Value const & element : listOf( reading, value ) ) {
       numbers.push_back( numberOf( reading, element, 0, kHighestNumber ).value_or( 0 ) );

@@ -175,7 +175,7 @@ struct TcamGroupsAskedFor {
 // with the ports of a port mask; without numbers any will do.
 struct RuleFieldWanted {
    std::string name;
-   std::vector< U32 > numbers;
+   std::optional< std::vector< U32 > > numbers;
 };
 
 // Rules that the plug-in holds in the group, on one unit or on all of them, which are as the rest

@@ -24,6 +24,15 @@ class AgentRun : public testing::Test {
       Host::Agent( scenario, config, ring.bytes(), story ).run();
    }
 
+   // Runs a whole scenario with the plug-in that ships.
+   void runText( std::string const & text ) {
+      scenario = Scenario::readText( text, "scenario.yaml" );
+      Host::AgentConfig config;
+      config.scenario = "scenario.yaml";
+      config.plugin = Support::plugin();
+      Host::Agent( scenario, config, ring.bytes(), story ).run();
+   }
+
    // The events of one kind that belong to a step.
    template< typename T > std::vector< T > inStep( U32 number ) const {
       std::vector< T > result;

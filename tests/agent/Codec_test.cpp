@@ -26,6 +26,20 @@ Story::Rule someRule() {
             { { "EgressMask", {}, std::vector< U32 >{ 3, 4 } }, { "Drop", {}, {} } } };
 }
 
+Story::FrameForwarded someFrame() {
+   Story::RuleKey const rule{ 1, 157, 9 };
+   return { 7,
+            "Ethernet49",
+            146,
+            Story::FrameTunnel{ "10.0.0.2", "10.0.0.1", 10100 },
+            Story::FrameInner{ "00:00:5e:00:53:02", "ff:ff:ff:ff:ff:ff", 10, 0x800, "192.0.2.2",
+                               "192.0.2.255" },
+            "broadcast",
+            "unknown-vtep",
+            { { 1, rule, 5 } },
+            { { "Ethernet1", "10.0.0.3", 1, 4, "masked", rule } } };
+}
+
 // One of every kind, with every field set to something that is not its default.
 std::vector< Event > oneOfEach() {
    return { Story::RunBegins{ "s.yaml", "title", "what it is", 3 },
@@ -55,6 +69,8 @@ std::vector< Event > oneOfEach() {
             Story::TraceLine{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
             Story::LogLine{ "NAME", "%VORNAL-3-NAME: text" },
             Story::ExpectationChecked{ "text", "s.yaml:8", true, "found" },
+            Story::FramesBegin{ "Ethernet49", 9 },
+            someFrame(),
             Story::ForeignEntriesAre{ 1, 157, 5, 3 },
             Story::EntityDumped{ "/evpn/status", someTree() },
             Story::RulesDumped{ { someRule() } },

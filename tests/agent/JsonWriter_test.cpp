@@ -184,7 +184,7 @@ TEST( JsonWriter, counts ) {
    EXPECT_EQ( counters, Json::parse( R"({ "steps": 3, "publishedChanges": 1, "hardwareCalls": 2,
                  "failedCalls": 1, "rulesAdded": 2, "rulesChanged": 0, "rulesRemoved": 1,
                  "logLines": 1, "traceLines": 1, "frames": 0, "expectations": 1,
-                 "expectationsFailed": 1 })" ) );
+                 "expectationsFailed": 1, "framesDropped": {}, "copies": {} })" ) );
 }
 
 TEST( JsonWriter, tells_log_lines_with_their_step ) {

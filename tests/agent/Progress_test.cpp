@@ -38,7 +38,7 @@ TEST_F( ProgressLine, tells_how_far_a_long_step_is_and_goes_before_anything_else
    calls( 9 );
    now += Progress::kPatience;
    calls( 1 );
-   EXPECT_EQ( terminal.str(), "\r   step 3 of 12: 10 hardware calls" );
+   EXPECT_EQ( terminal.str(), "\r   step 3 of 12: 10 hardware calls\x1b[K" );
 
    terminal.str( "" );
    progress.onEvent( Story::LogLine{} );

@@ -123,15 +123,15 @@ TEST( ScenarioExpectations, AreMappings ) {
    EXPECT_EQ(
       expectProblems( "ready" ),
       "leaf.yaml:10: expect is text; a mapping is expected, of plug-in, tcam-groups, state, "
-      "rules, log and trace" );
+      "rules, frames, log and trace" );
    EXPECT_EQ( expectProblems( "[ ready ]" ),
               "leaf.yaml:10: an element of expect is text; a mapping is expected, of plug-in, "
-              "tcam-groups, state, rules, log and trace" );
+              "tcam-groups, state, rules, frames, log and trace" );
 }
 
 TEST( ScenarioExpectations, RefuseToExpectNothing ) {
    std::string const empty =
-      " is empty; give one at least of plug-in, tcam-groups, state, rules, log "
+      " is empty; give one at least of plug-in, tcam-groups, state, rules, frames, log "
       "and trace";
    EXPECT_EQ( expectProblems( "{}" ), "leaf.yaml:10: expect" + empty );
    EXPECT_EQ( expectProblems( "[]" ), "leaf.yaml:10: expect" + empty );

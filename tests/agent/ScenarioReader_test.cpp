@@ -186,14 +186,14 @@ TEST( ScenarioReader, RefusesASecondDocument ) {
 TEST( ScenarioReader, RefusesAnEmptyText ) {
    EXPECT_EQ( problems( "" ),
               "leaf.yaml:1: the scenario is empty; a mapping is expected, of scenario, "
-              "description, switch, evpn, features, trace and steps" );
+              "description, switch, forwarding, evpn, features, trace and steps" );
 }
 
 TEST( ScenarioReader, RefusesAList ) {
    EXPECT_EQ(
       problems( "- scenario: a\n" ),
       "leaf.yaml:1: the scenario is a list; a mapping is expected, of scenario, description, "
-      "switch, evpn, features, trace and steps" );
+      "switch, forwarding, evpn, features, trace and steps" );
 }
 
 // --- words of the scenario
@@ -206,13 +206,14 @@ TEST( ScenarioReader, RefusesAnUnknownWordAndNamesTheNearest ) {
 TEST( ScenarioReader, RefusesAnUnknownWordAndNamesAllWhereNoneIsNear ) {
    EXPECT_EQ( leafProblems( "packets: []\n" ),
               "leaf.yaml:9: unknown word 'packets' in scenario; known are scenario, description, "
-              "switch, evpn, features, trace and steps" );
+              "switch, forwarding, evpn, features, trace and steps" );
 }
 
 TEST( ScenarioReader, CutsALongWordShort ) {
    EXPECT_EQ( leafProblems( std::string( 50, 'x' ) + ": 1\n" ),
               "leaf.yaml:9: unknown word '" + std::string( 40, 'x' ) +
-                 "...' in scenario; known are scenario, description, switch, evpn, features, trace "
+                 "...' in scenario; known are scenario, description, switch, forwarding, evpn, "
+                 "features, trace "
                  "and steps" );
 }
 

@@ -166,7 +166,7 @@ TEST( ScenarioVocabulary, SufficesForEveryShippedScenario ) {
    int count = 0;
    for ( auto const & folder : fs::directory_iterator( kSource / "scenarios" ) ) {
       fs::path const file = folder.path() / "scenario.yaml";
-      if ( folder.is_directory() ) {
+      if ( fs::exists( file ) ) {
          EXPECT_NO_THROW( Scenario::read( file ) );
          EXPECT_TRUE( fs::exists( folder.path() / "README.md" ) ) << folder.path();
          EXPECT_EQ( Scenario::read( file ).name, folder.path().filename() );

@@ -69,6 +69,10 @@ Ran vornal( std::vector< std::string > const & arguments ) {
    return { WIFEXITED( status ) ? WEXITSTATUS( status ) : -1, contentOf( out ), contentOf( err ) };
 }
 
+std::filesystem::path plugin() {
+   return std::filesystem::path( VORNAL_BINARY_DIR ) / "VornalEvpn.so";
+}
+
 std::filesystem::path testPlugin( std::string const & name ) {
    return std::filesystem::path( VORNAL_BINARY_DIR ) / "test-plugins" / ( name + ".so" );
 }

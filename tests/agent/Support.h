@@ -78,6 +78,8 @@ struct Ran {
 // Runs `vornal` with these arguments and without a terminal.
 Ran vornal( std::vector< std::string > const & arguments );
 
+// The shared object of the plug-in that ships.
+std::filesystem::path plugin();
 // The shared object of a plug-in in tests/agent/plugins.
 std::filesystem::path testPlugin( std::string const & name );
 

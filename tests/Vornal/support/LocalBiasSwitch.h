@@ -7,6 +7,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -134,6 +135,8 @@ class LocalBiasSwitch : private Chip::CallObserver {
    Lines traces;  // "LEVEL TEXT" of the handle VornalEvpnSm
    Lines logs;
    std::vector< Chip::HardwareCall > calls;
+   // What a test does after each call that has reached the hardware.
+   std::function< void() > afterCall = [] {};
 
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor locked{ activity };
@@ -171,7 +174,10 @@ class LocalBiasSwitch : private Chip::CallObserver {
       }
       return config;
    }
-   void callMade( Chip::HardwareCall const & call ) override { calls.push_back( call ); }
+   void callMade( Chip::HardwareCall const & call ) override {
+      calls.push_back( call );
+      afterCall();
+   }
 
    Chip::RecordingSdk recorder_;
 };

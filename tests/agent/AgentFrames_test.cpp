@@ -1,0 +1,229 @@
+// Frames in scenarios: what they need, what is told of them, what leaves.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <AgentRun.h>
+#include <Capture/CaptureReader.h>
+
+namespace {
+
+using Frames = AgentRun;
+
+std::string const kSwitch =
+   "scenario: leaf\n"
+   "switch:\n"
+   "  name: leaf1\n"
+   "  variant: egress-mask\n"
+   "  units: { 0: { module: 1 } }\n"
+   "  interfaces: { Ethernet1: { unit: 0, port: 1 }, Ethernet2: {}, Ethernet3: { unit: 0, port: 3 "
+   "},\n"
+   "                Ethernet49: { unit: 0, port: 49 } }\n"
+   "  port-channels: { Port-Channel2: [ Ethernet2 ] }\n";  // line 8
+
+std::string const kForwarding =
+   "forwarding:\n"
+   "  vtep-addresses: [ 10.0.0.1 ]\n"
+   "  underlay: [ Ethernet49 ]\n"
+   "  vlans: { 10: 10100 }\n"
+   "  access: { Ethernet1: 10, Ethernet3: 10, Port-Channel2: 10 }\n"
+   "evpn:\n"
+   "  segments: { Ethernet3: [ 10.0.0.2 ] }\n"
+   "  vteps: { 10.0.0.2: { virtual-port: 2 } }\n"
+   "steps:\n";  // line 17
+
+std::string const kFromPeer =
+   "  - frame: { from: 10.0.0.2, vni: 10100, source: '00:00:5e:00:53:02' }\n";
+
+std::string badInputOf( Support::Recorder const & story ) {
+   auto const told = story.all< Story::BadInput >();
+   return told.empty() ? "" : told.front().text;
+}
+
+std::map< std::string, std::string > verdictsOf( Story::FrameForwarded const & frame ) {
+   std::map< std::string, std::string > verdicts;
+   for ( Story::FrameCopy const & copy : frame.copies ) {
+      verdicts[ copy.vtep.empty() ? copy.intf : copy.vtep ] = copy.verdict;
+   }
+   return verdicts;
+}
+
+using Verdicts = std::map< std::string, std::string >;
+
+TEST_F( Frames, need_a_switch_that_is_told_how_to_forward ) {
+   runText( kSwitch + "steps:\n  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01' }\n" );
+
+   EXPECT_EQ( badInputOf( story ),
+              "scenario.yaml:10: the scenario does not say how the switch forwards; give it "
+              "'forwarding'" );
+}
+
+TEST_F( Frames, cannot_come_in_on_an_interface_without_a_port ) {
+   runText( kSwitch + kForwarding + "  - frame: { on: Ethernet2, source: '00:00:5e:00:53:01' }\n" );
+
+   EXPECT_EQ( badInputOf( story ),
+              "scenario.yaml:18: Ethernet2 has no port; no frame can come in on it" );
+}
+
+TEST_F( Frames, are_told_with_their_verdict_at_every_port_and_the_rule_that_decided ) {
+   runText( kSwitch + kForwarding + kFromPeer + "  - ready: subagents::l2Ready\n" + kFromPeer );
+
+   auto const told = story.all< Story::FrameForwarded >();
+   ASSERT_EQ( told.size(), 2U );
+   EXPECT_EQ( verdictsOf( told[ 0 ] ), ( Verdicts{ { "Ethernet1", "sent" },
+                                                   { "Ethernet3", "sent" },
+                                                   { "Port-Channel2", "no-port" } } ) );
+   EXPECT_EQ( verdictsOf( told[ 1 ] ).at( "Ethernet3" ), "masked" );
+   EXPECT_EQ( told[ 1 ].number, 2U );
+   EXPECT_EQ( told[ 1 ].arrival, "Ethernet49" );
+   EXPECT_EQ( told[ 1 ].kind, "broadcast" );
+   ASSERT_TRUE( told[ 1 ].tunnel );
+   EXPECT_EQ( told[ 1 ].tunnel->source, "10.0.0.2" );
+   EXPECT_EQ( told[ 1 ].tunnel->vni, 10100U );
+   ASSERT_TRUE( told[ 1 ].ingress.at( 0 ).rule );
+   EXPECT_EQ( told[ 1 ].ingress[ 0 ].rule->id, 3U );
+}
+
+TEST_F( Frames, follow_interfaces_port_channels_and_tunnels_as_they_are_published ) {
+   runText( kSwitch + kForwarding + kFromPeer +
+            "  - publish: { interfaces: { Ethernet2: { unit: 0, port: 2 } } }\n" + kFromPeer +
+            "  - withdraw: { interfaces: [ Ethernet1 ] }\n" + kFromPeer +
+            "  - withdraw: { vteps: [ 10.0.0.2 ] }\n" + kFromPeer +
+            "  - publish: { vteps: { 10.0.0.2: { virtual-port: 2 } } }\n"
+            "  - designated-forwarder: { Ethernet3: false }\n" +
+            kFromPeer );
+
+   auto const told = story.all< Story::FrameForwarded >();
+   ASSERT_EQ( told.size(), 5U );
+   EXPECT_EQ( verdictsOf( told[ 1 ] ).at( "Port-Channel2" ), "sent" );
+   EXPECT_FALSE( verdictsOf( told[ 2 ] ).contains( "Ethernet1" ) );
+   EXPECT_EQ( told[ 3 ].dropReason, "unknown-vtep" );
+   EXPECT_EQ( verdictsOf( told[ 4 ] ).at( "Ethernet3" ), "not-designated" );
+}
+
+TEST_F( Frames, hold_expectations_to_each_frame_that_is_meant ) {
+   runText( kSwitch + kForwarding + kFromPeer +
+            "  - expect:\n"
+            "      - frames: { from: 10.0.0.2, reach: [ Ethernet1, Ethernet3 ], count: 1 }\n"
+            "      - frames: { kind: broadcast, never-reach: [ Port-Channel2, 10.0.0.2 ] }\n"
+            "      - frames: { verdicts: { Port-Channel2: no-port } }\n"
+            "      - frames: { dropped: unknown-vtep, count: 0 }\n"
+            "      - frames: { from: 10.0.0.9, count: 0 }\n"
+            "  - expect:\n"
+            "      - frames: { never-reach: [ Ethernet1 ] }\n"
+            "      - frames: { reach: [ Port-Channel2 ] }\n"
+            "      - frames: { reach: [ 10.0.0.2 ] }\n"
+            "      - frames: { kind: known-unicast }\n"
+            "      - frames: { verdicts: { Ethernet1: masked } }\n" );
+
+   std::vector< std::string > found;
+   for ( auto const & expectation : story.all< Story::ExpectationChecked >() ) {
+      found.push_back( expectation.found );
+   }
+   EXPECT_EQ( found,
+              ( std::vector< std::string >{
+                 "", "", "", "", "", "frame 1 is sent at Ethernet1",
+                 "frame 1 is no-port at Port-Channel2", "frame 1 is not considered at 10.0.0.2",
+                 "there are 0 such frames", "frame 1 is sent at Ethernet1" } ) );
+}
+
+// --- The program
+
+class FramesOfProgram : public testing::Test {
+ protected:
+   std::filesystem::path scenario( std::string const & steps ) {
+      return directory.file( "scenario.yaml", kSwitch + kForwarding + steps );
+   }
+   std::size_t framesIn( std::string const & name ) {
+      Chip::CaptureReader reader( directory.path() / "out" / name );
+      std::size_t frames = 0;
+      while ( reader.next() ) {
+         ++frames;
+      }
+      return frames;
+   }
+
+   Support::Directory directory;
+};
+
+TEST_F( FramesOfProgram, leave_into_captures_one_for_each_port ) {
+   auto const out = directory.path() / "out";
+   auto const ran = Support::vornal(
+      { "run", scenario( kFromPeer + kFromPeer ).string(), "--pcap-out", out.string() } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 2U );
+   EXPECT_EQ( framesIn( "unit0-port3.pcap" ), 2U );
+   EXPECT_FALSE( std::filesystem::exists( out / "unit0-port49.pcap" ) );
+}
+
+TEST_F( FramesOfProgram, cannot_leave_into_a_file ) {
+   auto const file = directory.file( "file", "" );
+   auto const ran = Support::vornal(
+      { "run", scenario( kFromPeer ).string(), "--pcap-out", ( file / "out" ).string() } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_NE( ran.err.find( "name one that can be written to" ), std::string::npos ) << ran.err;
+}
+
+TEST_F( FramesOfProgram, are_in_the_document_with_names_that_scripts_hold_on_to ) {
+   auto const ran = Support::vornal( { "run", scenario( kFromPeer ).string(), "--json" } );
+   auto const document = nlohmann::json::parse( ran.out );
+
+   auto const & frame = document.at( "frames" ).at( 0 );
+   EXPECT_EQ( frame.at( "number" ), 1 );
+   EXPECT_EQ( frame.at( "step" ), 1 );
+   EXPECT_EQ( frame.at( "arrival" ), "Ethernet49" );
+   EXPECT_EQ( frame.at( "outer" ).at( "source" ), "10.0.0.2" );
+   EXPECT_EQ( frame.at( "outer" ).at( "destination" ), "10.0.0.1" );
+   EXPECT_EQ( frame.at( "inner" ).at( "source" ), "00:00:5e:00:53:02" );
+   EXPECT_EQ( frame.at( "vni" ), 10100 );
+   EXPECT_EQ( frame.at( "kind" ), "broadcast" );
+   EXPECT_TRUE( frame.at( "dropReason" ).is_null() );
+   auto const & ports = frame.at( "ports" );
+   auto const first = std::find_if( ports.begin(), ports.end(), []( auto const & port ) {
+      return port.at( "interface" ) == "Ethernet1";
+   } );
+   ASSERT_NE( first, ports.end() );
+   EXPECT_EQ( first->at( "verdict" ), "sent" );
+   EXPECT_EQ( first->at( "port" ), 1 );
+   EXPECT_TRUE( first->at( "rule" ).is_null() );
+   EXPECT_EQ( document.at( "counters" ).at( "frames" ), 1 );
+   EXPECT_EQ( document.at( "counters" ).at( "copies" ).at( "sent" ), 2 );
+   EXPECT_EQ( document.at( "steps" ).at( 1 ).at( "frames" ), nlohmann::json::array( { 1 } ) );
+}
+
+TEST_F( FramesOfProgram, are_shown_to_people_as_a_table_with_totals ) {
+   auto const ran = Support::vornal( { "run", scenario( kFromPeer ).string() } );
+
+   EXPECT_NE( ran.out.find( "   from      kind       frames  what became of them\n"
+                            "   10.0.0.2  broadcast       1  Ethernet1 sent; Ethernet3 sent; "
+                            "Port-Channel2 no-port\n" ),
+              std::string::npos )
+      << ran.out;
+   EXPECT_NE( ran.out.find( "1 frame in, none dropped; copies 1 no-port, 2 sent.\n" ),
+              std::string::npos )
+      << ran.out;
+}
+
+TEST_F( FramesOfProgram, that_cannot_be_read_end_the_run_before_any_of_them_comes_in ) {
+   directory.file( "no.pcap", "this is no capture" );
+   auto const ran = Support::vornal(
+      { "run", scenario( "  - frames: { capture: no.pcap, on: Ethernet49 }\n" ).string() } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_NE( ran.err.find( "scenario.yaml:18: " ), std::string::npos ) << ran.err;
+   EXPECT_NE( ran.err.find( "no.pcap" ), std::string::npos ) << ran.err;
+   EXPECT_EQ( ran.out.find( "what became of them" ), std::string::npos );
+}
+
+TEST_F( FramesOfProgram, of_a_capture_that_is_not_there_are_refused_before_anything_is_loaded ) {
+   auto const ran = Support::vornal(
+      { "run", scenario( "  - frames: { capture: nowhere.pcap, on: Ethernet49 }\n" ).string() } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_NE( ran.err.find( "capture is 'nowhere.pcap', which is no file" ), std::string::npos )
+      << ran.err;
+}
+
+}  // namespace
