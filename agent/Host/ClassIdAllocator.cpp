@@ -59,7 +59,7 @@ void ClassIdAllocator::actOnNext() {
       release( event.vtep );
    } else if ( !cancellations_.contains( event.vtep ) &&
                !status_->remoteESPeerVtepHas( event.vtep ) ) {
-      waiting_.push_back( event.vtep );
+      wait( event.vtep );
    }
    serve();
 }
@@ -69,8 +69,20 @@ void ClassIdAllocator::release( IpGenAddr const & vtep ) {
    if ( --cancellations->second == 0 ) {
       cancellations_.erase( cancellations );
    }
-   std::erase( waiting_, vtep );
+   waitNoMore( vtep );
    grantDel( vtep );
+}
+
+void ClassIdAllocator::wait( IpGenAddr const & vtep ) {
+   waitNoMore( vtep );
+   waiting_[ ++lastPlace_ ] = vtep;
+   place_[ vtep ] = lastPlace_;
+}
+
+void ClassIdAllocator::waitNoMore( IpGenAddr const & vtep ) {
+   if ( auto const place = place_.extract( vtep ) ) {
+      waiting_.erase( place.mapped() );
+   }
 }
 
 // --- Grants
@@ -83,8 +95,7 @@ void ClassIdAllocator::serveNext() {
    if ( isPaused_ || waiting_.empty() || free_.empty() ) {
       return;
    }
-   IpGenAddr const vtep = waiting_.front();
-   waiting_.pop_front();
+   IpGenAddr const vtep = waiting_.begin()->second;
    grantIs( vtep, ClassId( *free_.begin() ) );
    serve();
 }
@@ -99,7 +110,7 @@ void ClassIdAllocator::grantIs( IpGenAddr const & vtep, ClassId id ) {
       status_->remoteESPeerVtepIs( vtep, id );  // found at the start
       return;
    }
-   std::erase( waiting_, vtep );
+   waitNoMore( vtep );
    take( id );
    if ( status_->remoteESPeerVtepHas( vtep ) ) {
       giveBack( status_->remoteESPeerVtep( vtep ) );

@@ -61,6 +61,8 @@ class ClassIdAllocator {
    void turnAfter( U32 turns );
    void actOnNext();
    void release( Pelk::IpGenAddr const & vtep );
+   void wait( Pelk::IpGenAddr const & vtep );
+   void waitNoMore( Pelk::IpGenAddr const & vtep );
    void serve();
    void serveNext();
    void take( VornalCommon::ClassId id );
@@ -73,8 +75,11 @@ class ClassIdAllocator {
    Kiv::Watch< Config > watch_;
    std::deque< Event > events_;                      // not acted on yet
    std::map< Pelk::IpGenAddr, U32 > cancellations_;  // deleted requests among the events
-   std::deque< Pelk::IpGenAddr > waiting_;           // for a free id, the longest waiting in front
-   std::set< U16 > free_;                            // ids of the range
+   // For a free id: by the order of their coming, and the other way round.
+   std::map< U64, Pelk::IpGenAddr > waiting_;
+   std::map< Pelk::IpGenAddr, U64 > place_;
+   U64 lastPlace_ = 0;
+   std::set< U16 > free_;        // ids of the range
    std::map< U16, U32 > users_;  // of ids that are granted; by hand, one can be given twice
    bool isPaused_ = false;
 };
