@@ -108,8 +108,9 @@ Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidenc
       bool const isAsked = !expected.unit || *expected.unit == number;
       if ( isAsked && group != unit.groups().end() ) {
          auto const & entries = group->second.entries();
+         U32 const on = number;
          count += std::count_if( entries.begin(), entries.end(), [ & ]( auto const & entry ) {
-            return isLike( ruleOf( { number, group->first, entry.first }, entry.second ),
+            return isLike( ruleOf( { on, group->first, entry.first }, entry.second ),
                            expected );
          } );
       }

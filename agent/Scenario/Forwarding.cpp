@@ -11,15 +11,6 @@ constexpr U32 kHighestVni = 0xffffff;
 
 auto const addressIn = parsed< Pelk::IpGenAddr >;
 
-// An interface or a port channel that the switch has.
-std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line ) {
-   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
-   if ( intf ) {
-      reading.use( *intf, line );
-   }
-   return intf;
-}
-
 std::optional< Vlan > vlanOf( Reading & reading, Value const & value ) {
    auto const vlan = numberOf( reading, value, 1, kHighestVlan );
    return vlan ? std::optional( static_cast< Vlan >( *vlan ) ) : std::nullopt;
@@ -33,11 +24,6 @@ std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int l
    reading.problem( line,
                     "VLAN is " + inQuotes( text ) + "; a whole number from 1 to 4094 is expected" );
    return std::nullopt;
-}
-
-std::optional< Chip::MacAddress > macOf( Reading & reading, Value const & value ) {
-   auto const text = stringOf( reading, value );
-   return text ? parsed< Chip::MacAddress >( reading, *text, value.line ) : std::nullopt;
 }
 
 // --- what the switch is called
@@ -55,7 +41,8 @@ void readVtepAddresses( Reading & reading, Value const & value, Forwarding & for
 }
 
 void readRouterMac( Reading & reading, Value const & value, Forwarding & forwarding ) {
-   forwarding.config.routerMac = macOf( reading, value ).value_or( forwarding.config.routerMac );
+   forwarding.config.routerMac =
+      valueOf< Chip::MacAddress >( reading, value ).value_or( forwarding.config.routerMac );
 }
 
 // --- interfaces and VLANs
@@ -101,7 +88,7 @@ void readRouteVlan( Reading & reading, Value const & value, Chip::HostRoute & ro
 }
 
 void readRouteMac( Reading & reading, Value const & value, Chip::HostRoute & route ) {
-   route.mac = macOf( reading, value ).value_or( Chip::MacAddress() );
+   route.mac = valueOf< Chip::MacAddress >( reading, value ).value_or( Chip::MacAddress() );
 }
 
 Table< Chip::HostRoute > const & hostTable() {
@@ -141,6 +128,14 @@ Table< Forwarding > const & forwardingTable() {
 }
 
 }  // namespace
+
+std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line ) {
+   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
+   if ( intf ) {
+      reading.use( *intf, line );
+   }
+   return intf;
+}
 
 void readForwarding( Reading & reading, Value const & value,
                      std::optional< Forwarding > & forwarding ) {

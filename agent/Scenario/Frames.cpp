@@ -10,19 +10,6 @@ constexpr U32 kLargestPayload = 9000;
 
 auto const addressIn = parsed< Pelk::IpGenAddr >;
 
-std::optional< Pelk::IntfId > intfOf( Reading & reading, std::string const & text, int line ) {
-   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
-   if ( intf ) {
-      reading.use( *intf, line );
-   }
-   return intf;
-}
-
-template< typename T > std::optional< T > valueOf( Reading & reading, Value const & value ) {
-   auto const text = stringOf( reading, value );
-   return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
-}
-
 // The names of all values of an enumeration of the chip.
 template< typename T > std::string_view nameOfChip( std::size_t value ) {
    return Chip::nameOf( static_cast< T >( value ) );
@@ -60,7 +47,7 @@ Chip::OuterFields & outerOf( Frame & frame ) {
 
 template< typename T > void readOn( Reading & reading, Value const & value, T & target ) {
    if ( auto const text = stringOf( reading, value ) ) {
-      if ( auto const intf = intfOf( reading, *text, value.line ) ) {
+      if ( auto const intf = intfIn( reading, *text, value.line ) ) {
          target.on = *intf;
       }
    }
@@ -184,7 +171,7 @@ std::optional< FrameTarget > targetIn( Reading & reading, std::string const & te
       auto const vtep = addressIn( reading, text, line );
       return vtep ? std::optional< FrameTarget >( *vtep ) : std::nullopt;
    }
-   auto const intf = intfOf( reading, text, line );
+   auto const intf = intfIn( reading, text, line );
    return intf ? std::optional< FrameTarget >( *intf ) : std::nullopt;
 }
 
@@ -199,7 +186,7 @@ void readTargets( Reading & reading, Value const & value, FramesLike & frames ) 
 }
 
 void readVerdicts( Reading & reading, Value const & value, FramesLike & frames ) {
-   for ( auto const & [ intf, about ] : keyedOf( reading, value, intfOf ) ) {
+   for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
       if ( auto const verdict = choiceOf( reading, about, verdicts() ) ) {
          frames.verdicts[ intf ] = *verdict;
       }

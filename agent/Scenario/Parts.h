@@ -46,6 +46,9 @@ void readExpect( Reading & reading, Value const & value,
 void readRules( Reading & reading, Value const & value, RulesLike & rules );
 void readForeignEntries( Reading & reading, Value const & value, ForeignEntries & foreign );
 
+// An interface or a port channel, of which there must be a definition somewhere.
+std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line );
+
 void readForwarding( Reading & reading, Value const & value,
                      std::optional< Forwarding > & forwarding );
 void readDesignated( Reading & reading, Value const & value, DesignatedForwarder & designated );

@@ -51,6 +51,12 @@ std::optional< T > parsed( Reading & reading, std::string const & text, int line
    }
 }
 
+// A value in the text form of T.
+template< typename T > std::optional< T > valueOf( Reading & reading, Value const & value ) {
+   auto const text = stringOf( reading, value );
+   return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
+}
+
 // Where each of several things stands that must differ from each other: its line by its value.
 template< typename T > using Seen = std::map< T, int >;
 
