@@ -70,6 +70,7 @@ class Entry {
 
  private:
    friend class Group;
+   friend class Drift;  // changes the written copy as faulty hardware does (Drift/Drift.h)
 
    void write() { written_ = staged_; }
    template< typename Part, typename Value > ResultCode readPart( Part part, Value & value ) const;

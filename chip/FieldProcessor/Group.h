@@ -90,6 +90,8 @@ class Group {
    Entry const * lookup( EgressFields const & frame ) const;
 
  private:
+   friend class Drift;  // keeps the lookup in step with what it changes (Drift/Drift.h)
+
    void write( Entry & entry );
 
    Vornal::TcamGroupAssignment assignment_;

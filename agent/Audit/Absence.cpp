@@ -1,0 +1,108 @@
+// Why a rule is not there: whether that is a fault, or what is waited for.
+
+#include <Audit/Comparison.h>
+
+#include <fmt/format.h>
+
+namespace Audit {
+
+namespace {
+
+// Whether a group that is full, or was, is the reason.
+bool isOfRoom( Kind kind ) {
+   return kind == Kind::noRoom || kind == Kind::notRetried;
+}
+
+bool isThere( Sides const & sides, RuleFor const & what ) {
+   return sides.matched.rules.contains( what );
+}
+
+Absence whyAbsentInGroup( Sides const & sides, RuleFor const & what ) {
+   auto const * const group = groupOf( sides.units, what.unit, what.group() );
+   if ( !group ) {
+      return { Kind::noRoom, fmt::format( "unit {} has no group {}", what.unit, what.group() ) };
+   }
+   if ( group->room() == 0 ) {
+      return { Kind::noRoom,
+               fmt::format( "group {} has no room on unit {}", what.group(), what.unit ) };
+   }
+   if ( what.purpose == Purpose::vni && sides.records.hasQueued( what.vni ) ) {
+      return { Kind::queued, "the plug-in has queued it until there is room" };
+   }
+   if ( what.purpose == Purpose::vni && sides.state.freedVnis.contains( what.vni ) ) {
+      return { Kind::leftBehind, "Vxlan1 took all per-VNI rules with it when it was withdrawn" };
+   }
+   if ( what.purpose != Purpose::vni && sides.records.isExhausted ) {
+      return { Kind::notRetried,
+               "an entry was refused while the group was full; there is room now, and the plug-in "
+               "does not ask again by itself" };
+   }
+   return {};
+}
+
+// The egress rules of a VTEP follow its ingress rule on the unit.
+Absence whyNoEgressRule( Sides const & sides, RuleFor const & what ) {
+   RuleFor const ingress{ what.unit, Purpose::vtep, what.vtep };
+   Absence absence = isThere( sides, ingress ) ? Absence{} : whyAbsent( sides, ingress );
+   if ( !isOfRoom( absence.kind ) ) {
+      return whyAbsentInGroup( sides, what );
+   }
+   absence.reason = "the VTEP has no ingress rule either: " + absence.reason;
+   return absence;
+}
+
+// A unit that has no rule for any VTEP for want of room has no exemptions either.
+Absence whyNoUnicastRule( Sides const & sides, RuleFor const & what ) {
+   Absence absence;
+   for ( Pelk::IpGenAddr const & vtep : activeVteps( sides.state ) ) {
+      RuleFor const ingress{ what.unit, Purpose::vtep, vtep };
+      absence = isThere( sides, ingress ) ? Absence{} : whyAbsent( sides, ingress );
+      if ( !isOfRoom( absence.kind ) ) {
+         return whyAbsentInGroup( sides, what );
+      }
+   }
+   return absence;
+}
+
+}  // namespace
+
+Absence whyAbsent( Sides const & sides, RuleFor const & what ) {
+   if ( sides.records.entries.contains( what ) ) {
+      return { Kind::missingRule, "the plug-in has it on record" };
+   }
+   if ( sides.wanted.at( what ).isWithoutClassId ) {
+      return sides.state.classIdRequests.contains( what.vtep )
+                ? Absence{ Kind::waitingForClassId, "its class id is asked for and not granted" }
+                : Absence{ Kind::missingRule, "no class id is asked for" };
+   }
+   switch ( what.purpose ) {
+   case Purpose::egressDrop: return whyNoEgressRule( sides, what );
+   case Purpose::l2Unicast:
+   case Purpose::l3Unicast: return whyNoUnicastRule( sides, what );
+   default: return whyAbsentInGroup( sides, what );
+   }
+}
+
+std::string whyNot( State const & state, RuleFor const & what ) {
+   if ( !state.isPluginReady ) {
+      return "the plug-in is not ready";
+   }
+   std::string const vtep = what.vtep.stringValue();
+   switch ( what.purpose ) {
+   case Purpose::vni: return fmt::format( "no VRF needs an exemption for VNI {}", what.vni );
+   case Purpose::l2Unicast:
+   case Purpose::l3Unicast: return "no VTEP with a virtual port shares a segment";
+   case Purpose::egressDrop:
+      if ( activeVteps( state ).contains( what.vtep ) ) {
+         return fmt::format( "{} is on no segment that VTEP {} shares on unit {}",
+                             Quelm::textOf( what.port ), vtep, what.unit );
+      }
+      break;
+   case Purpose::vtep: break;
+   }
+   return state.virtualPorts.contains( what.vtep )
+             ? fmt::format( "VTEP {} shares no segment", vtep )
+             : fmt::format( "VTEP {} has no virtual port", vtep );
+}
+
+}  // namespace Audit

@@ -1,0 +1,41 @@
+#include <Audit/Audit.h>
+
+#include <algorithm>
+
+#include <Audit/Comparison.h>
+
+namespace Audit {
+
+namespace {
+
+Quelm::Ptr< Vxlan::VtiStatusDir const > tunnelsIn(
+   StateDatabase::Directory::Entities const & entities ) {
+   for ( auto const & [ path, entity ] : entities ) {
+      if ( auto const dir = Quelm::dynamicCast< Vxlan::VtiStatusDir const >( entity ) ) {
+         return dir;
+      }
+   }
+   return nullptr;
+}
+
+}  // namespace
+
+U32 Report::faults() const {
+   return static_cast< U32 >(
+      std::count_if( differences.begin(), differences.end(),
+                     []( Difference const & one ) { return !isKnown( one.kind ); } ) );
+}
+
+Auditor::Auditor( StateDatabase::Finder const & finder, Chip::Units const & units )
+      : finder_( finder ), units_( units ), tunnels_( tunnelsIn( finder.roots() ) ) {}
+
+Report Auditor::report() const {
+   auto const entities = finder_.roots();
+   State state = stateOf( entities );
+   state.leftVnis = tunnels_.leftVnis();
+   state.freedVnis = tunnels_.freedVnis();
+   U16 const lastUnit = state.modules.empty() ? U16{ 0 } : state.modules.rbegin()->first;
+   return compare( state, recordsOf( entities, lastUnit ), units_ );
+}
+
+}  // namespace Audit

@@ -1,0 +1,59 @@
+// The audit: whether the rules are as they should be, seen from outside of the plug-in.
+//
+// Three things are compared, and none of them is taken on trust:
+//
+//    published state ── WantedRules ──► the rules that the state calls for
+//    the plug-in's state machine ─────► its records                  (Records.h)
+//    the chip ────────────────────────► the written entries          (Matching.h)
+//
+// Wherever two of them do not agree there is a Difference, with the state behind it in words. The
+// audit repairs nothing, stops nothing, makes no hardware call and changes nothing of what it
+// reads.
+//
+// Not every rule that is missing is a fault. A group without room, a queue that waits for it, a
+// class id that has not been granted, a class id that the allocator took back while rules carry it,
+// and what tunnel interfaces leave behind are listed as well, as kinds that are known
+// (Difference.h): a switch with nothing but these is in step.
+//
+// The plug-in's own pass, its operation handleVerify, is another matter: it compares less, and
+// stops the process at the first thing that it finds.
+//
+// Cost: as Matching.h. Threads: the activity's, while nothing is under way: between two turns the
+// three may differ without fault.
+#pragma once
+
+#include <vector>
+
+#include <Audit/Difference.h>
+#include <Audit/TunnelHistory.h>
+#include <FieldProcessor/Unit.h>
+#include <StateDatabase/Finder.h>
+
+namespace Audit {
+
+struct Report {
+   U32 rules = 0;    // called for by the state
+   U32 entries = 0;  // in the chip
+   // By unit, group and entry; those of no single unit come first.
+   std::vector< Difference > differences;
+
+   // How many of them are not known.
+   U32 faults() const;
+   bool isInStep() const { return faults() == 0; }
+};
+
+class Auditor {
+ public:
+   // The published entities are there already, and are watched from now on. Finder and units must
+   // outlive the auditor.
+   Auditor( StateDatabase::Finder const & finder, Chip::Units const & units );
+
+   Report report() const;
+
+ private:
+   StateDatabase::Finder const & finder_;
+   Chip::Units const & units_;
+   TunnelHistory tunnels_;
+};
+
+}  // namespace Audit

@@ -1,0 +1,50 @@
+#include <Audit/Comparison.h>
+
+#include <algorithm>
+#include <tuple>
+
+namespace Audit {
+
+namespace {
+
+// A class id that is not granted any more stays in the rules that carry it, and the plug-in's
+// record is all that tells which it was.
+void fillInRecordedClassIds( Records const & records, WantedRules & wanted ) {
+   for ( auto & [ what, rule ] : wanted ) {
+      auto const * const recorded = findIn( records.classIds, what.vtep );
+      if ( rule.isWithoutClassId && recorded && recorded->isValid() ) {
+         classIdIs( what, *recorded, rule.content );
+      }
+   }
+}
+
+}  // namespace
+
+Difference about( RuleFor const & what, Kind kind, std::string rule ) {
+   Difference difference;
+   difference.kind = kind;
+   difference.unit = what.unit;
+   difference.group = what.group();
+   difference.rule = std::move( rule );
+   return difference;
+}
+
+Report compare( State const & state, Records const & records, Chip::Units const & units ) {
+   WantedRules wanted = wantedRules( state );
+   fillInRecordedClassIds( records, wanted );
+   Matched const matched = match( wanted, records, units );
+   Sides const sides{ state, records, units, wanted, matched };
+   Report report;
+   report.rules = static_cast< U32 >( wanted.size() );
+   report.entries = static_cast< U32 >( matched.rules.size() + matched.others.size() );
+   compareRules( sides, report.differences );
+   compareRecords( sides, report.differences );
+   std::stable_sort( report.differences.begin(), report.differences.end(),
+                     []( Difference const & a, Difference const & b ) {
+                        return std::tie( a.unit, a.group, a.entry ) <
+                               std::tie( b.unit, b.group, b.entry );
+                     } );
+   return report;
+}
+
+}  // namespace Audit

@@ -1,0 +1,149 @@
+// The chip's entries against the rules that the state calls for.
+
+#include <Audit/Comparison.h>
+#include <Audit/ContentText.h>
+
+namespace Audit {
+
+namespace {
+
+using Chip::EntryContent;
+
+// One rule that the chip has, against how it should be.
+class RuleCheck {
+ public:
+   RuleCheck( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
+              Differences & found )
+         : what_( what ), rule_( rule ), entry_( entry ), found_( found ) {}
+
+   void check() {
+      if ( !entry_.written() ) {
+         add( Kind::stagedOnly, {}, "staged, not in the hardware", textOf( rule_.content ) );
+         return;
+      }
+      for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
+         checkQualifier( qualifier, written()[ qualifier ], rule_.content[ qualifier ] );
+      }
+      for ( Chip::Action const action : Chip::kActions ) {
+         checkAction( action, written()[ action ], rule_.content[ action ] );
+      }
+      if ( written().priority != rule_.content.priority ) {
+         add( Kind::wrongPriority, "priority", priorityText( written().priority ),
+              priorityText( rule_.content.priority ) );
+      }
+   }
+
+ private:
+   using Match = std::optional< Chip::Match >;
+   using Parameters = std::optional< Chip::ActionParameters >;
+
+   void checkQualifier( Chip::Qualifier qualifier, Match const & is, Match const & shouldBe ) {
+      if ( is == shouldBe ) {
+         return;
+      }
+      bool const isOnlyMask =
+         is && shouldBe && is->data == shouldBe->data && is->modId == shouldBe->modId;
+      add( isOnlyMask ? Kind::wrongMask : Kind::wrongQualifier, nameOf( qualifier ),
+           textOf( qualifier, is ), textOf( qualifier, shouldBe ) );
+   }
+
+   void checkAction( Chip::Action action, Parameters const & is, Parameters const & shouldBe ) {
+      if ( is == shouldBe ) {
+         return;
+      }
+      bool const isPorts = is && shouldBe && is->ports != shouldBe->ports;
+      add( isPorts ? Kind::wrongMask : Kind::wrongAction, nameOf( action ), textOf( action, is ),
+           textOf( action, shouldBe ) );
+   }
+
+   void add( Kind kind, std::string_view field, std::string is, std::string shouldBe ) {
+      Difference difference = about( what_, kind, entry_.name() );
+      difference.entry = entry_.id();
+      difference.field = field;
+      difference.is = std::move( is );
+      difference.shouldBe = std::move( shouldBe );
+      difference.because = rule_.because;
+      found_.push_back( std::move( difference ) );
+   }
+
+   EntryContent const & written() const { return *entry_.written(); }
+
+   RuleFor const & what_;
+   WantedRule const & rule_;
+   Chip::Entry const & entry_;
+   Differences & found_;
+};
+
+void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & rule,
+                Differences & found ) {
+   Absence const absence = whyAbsent( sides, what );
+   Difference difference = about( what, absence.kind, rule.name );
+   difference.is = "no such rule";
+   difference.shouldBe = textOf( rule.content );
+   difference.because =
+      absence.reason.empty() ? rule.because : rule.because + "; " + absence.reason;
+   found.push_back( std::move( difference ) );
+}
+
+void addWithdrawnClassId( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
+                          Differences & found ) {
+   Difference difference = about( what, Kind::classIdWithdrawn, entry.name() );
+   difference.entry = entry.id();
+   difference.field = nameOf( Chip::Action::NewClassId );
+   difference.is = textOf( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
+   difference.shouldBe = difference.is;
+   difference.because = rule.because + "; its class id is not granted any more";
+   found.push_back( std::move( difference ) );
+}
+
+// --- Entries that nothing calls for
+
+// What a record says that the entry is for; nullptr when there is none.
+RuleFor const * recordedFor( Records const & records, EntryAt const & at ) {
+   for ( auto const & [ what, record ] : records.entries ) {
+      if ( record.id == at.entry->id() && what.unit == at.unit && what.group() == at.group ) {
+         return &what;
+      }
+   }
+   return nullptr;
+}
+
+void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found ) {
+   RuleFor const * const what = recordedFor( sides.records, at );
+   bool const isLeft =
+      what && what->purpose == Purpose::vni && sides.state.leftVnis.contains( what->vni );
+   Difference difference;
+   difference.kind = isLeft ? Kind::leftBehind : Kind::unexpectedRule;
+   difference.unit = at.unit;
+   difference.group = at.group;
+   difference.entry = at.entry->id();
+   difference.rule = at.entry->name();
+   difference.is = textOf( at.entry->written() ? *at.entry->written() : at.entry->staged() );
+   if ( !at.entry->written() ) {
+      difference.is += "; staged, not in the hardware";
+   }
+   difference.shouldBe = "no such rule";
+   difference.because = what ? whyNot( sides.state, *what ) : "nothing published calls for it";
+   found.push_back( std::move( difference ) );
+}
+
+}  // namespace
+
+void compareRules( Sides const & sides, Differences & found ) {
+   for ( auto const & [ what, rule ] : sides.wanted ) {
+      auto const * const entry = findIn( sides.matched.rules, what );
+      if ( !entry ) {
+         addAbsent( sides, what, rule, found );
+         continue;
+      }
+      RuleCheck( what, rule, **entry, found ).check();
+      if ( rule.isWithoutClassId && what.purpose == Purpose::vtep ) {
+         addWithdrawnClassId( what, rule, **entry, found );
+      }
+   }
+   for ( EntryAt const & at : sides.matched.others ) {
+      addUnexpected( sides, at, found );
+   }
+}
+
+}  // namespace Audit
