@@ -41,16 +41,6 @@ template< typename K > std::map< K, Entity > members( Entity const & entity, cha
    return result;
 }
 
-Entity machineIn( StateDatabase::Directory::Entities const & entities ) {
-   for ( auto const & [ path, entity ] : entities ) {
-      auto const * const attribute = entity->typeData().find( "evpnMultihomingLocalBiasSm" );
-      if ( auto const machine = attribute ? attribute->entity( *entity, {} ) : nullptr ) {
-         return machine;
-      }
-   }
-   return nullptr;
-}
-
 // --- The records
 
 template< typename T >
@@ -94,6 +84,16 @@ void readUnicast( Entity const & machine, char const * name, Purpose purpose, Re
 }
 
 }  // namespace
+
+Quelm::Ptr< Kiv::Entity > machineIn( StateDatabase::Directory::Entities const & entities ) {
+   for ( auto const & [ path, entity ] : entities ) {
+      auto const * const attribute = entity->typeData().find( "evpnMultihomingLocalBiasSm" );
+      if ( auto const machine = attribute ? attribute->entity( *entity, {} ) : nullptr ) {
+         return machine;
+      }
+   }
+   return nullptr;
+}
 
 bool Records::hasQueued( U32 vni ) const {
    return std::any_of( queue.begin(), queue.end(),

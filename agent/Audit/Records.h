@@ -47,6 +47,9 @@ struct Records {
    bool hasQueued( U32 vni ) const;
 };
 
+// The state machine that a mounter among these entities holds, or an empty reference.
+Quelm::Ptr< Kiv::Entity > machineIn( StateDatabase::Directory::Entities const & entities );
+
 // The records of the plug-in whose mounter is among these entities. A per-VNI entry, which is
 // recorded without its unit, counts as one of `lastUnit`.
 Records recordsOf( StateDatabase::Directory::Entities const & entities, U16 lastUnit );

@@ -13,6 +13,7 @@ namespace CommandLine {
 
 Story::ExitCode run( RunOptions const & options );
 Story::ExitCode show( ShowOptions const & options );
+Story::ExitCode verify( VerifyOptions const & options );
 Story::ExitCode ring( RingOptions const & options );
 
 }  // namespace CommandLine

@@ -53,6 +53,7 @@ struct Words {
    std::string what;
    std::string path;
    bool isJson = false;
+   bool isAfterEachStep = false;
 
    std::optional< std::filesystem::path > pluginFile() const {
       return plugin.empty() ? std::nullopt : std::optional< std::filesystem::path >( plugin );
@@ -121,6 +122,18 @@ void addShow( CLI::App & app, Words & words ) {
    show.footer( kExitCodes );
 }
 
+void addVerify( CLI::App & app, Words & words ) {
+   CLI::App & verify =
+      *app.add_subcommand( "verify",
+                           "Run a scenario, and hold the rules against the state that they serve" );
+   addScenarioOptions( verify, words );
+   verify.add_flag( "--after-each-step", words.isAfterEachStep,
+                    "Audit the rules after each step as well" );
+   verify.footer(
+      "Exit codes: 0 in step, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
+      "process, in its own pass or before" );
+}
+
 void addRing( CLI::App & app, Words & words ) {
    CLI::App & ring = *app.add_subcommand( "ring", "Print the lines of a binary trace ring" );
    ring.add_option( "FILE", words.ring, "The file that 'run --ring' has written" )->required();
@@ -132,6 +145,10 @@ Command commandOf( CLI::App const & app, Words const & words ) {
    }
    if ( app.got_subcommand( "show" ) ) {
       return words.showOptions();
+   }
+   if ( app.got_subcommand( "verify" ) ) {
+      return VerifyOptions{ words.scenario, words.pluginFile(), words.isAfterEachStep,
+                            words.isJson };
    }
    return RingOptions{ words.ring };
 }
@@ -148,6 +165,7 @@ std::variant< Command, Done > parse( int argc, char const * const * argv ) {
    Words words;
    addRun( app, words );
    addShow( app, words );
+   addVerify( app, words );
    addRing( app, words );
    try {
       app.parse( argc, argv );

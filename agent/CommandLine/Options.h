@@ -27,11 +27,18 @@ struct ShowOptions {
    bool isJson = false;
 };
 
+struct VerifyOptions {
+   std::filesystem::path scenario;
+   std::optional< std::filesystem::path > plugin;
+   bool isAfterEachStep = false;
+   bool isJson = false;
+};
+
 struct RingOptions {
    std::filesystem::path file;
 };
 
-using Command = std::variant< RunOptions, ShowOptions, RingOptions >;
+using Command = std::variant< RunOptions, ShowOptions, VerifyOptions, RingOptions >;
 
 // There is nothing to do but to end with this exit code: help was asked for and has been printed,
 // or the usage was wrong and standard error says how.

@@ -12,6 +12,7 @@ Story::ExitCode perform( Command const & command ) {
    return std::visit( Story::Overloaded{
                          []( RunOptions const & options ) { return run( options ); },
                          []( ShowOptions const & options ) { return show( options ); },
+                         []( VerifyOptions const & options ) { return verify( options ); },
                          []( RingOptions const & options ) { return ring( options ); } },
                       command );
 }

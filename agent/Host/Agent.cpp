@@ -49,10 +49,11 @@ void Agent::runAll() {
    for ( Scenario::Step const & step : scenario_.steps ) {
       inStep( { Story::StepKind::Scenario, 0, Scenario::description( step.action ),
                 scenario_.file + ":" + std::to_string( step.line ) },
-              [ & ] { environment_.steps().queue( step ); } );
+              [ & ] { carryOut( step ); } );
    }
    environment_.traffic().close();
    std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
+   verify();
    inStep( { Story::StepKind::Teardown,
              0,
              "the plug-in is destroyed and unloaded; its rules stay in the chip",
@@ -80,6 +81,22 @@ void Agent::startUp() {
    traceLevels();
    plugin_.emplace( config_.plugin, scenario_.device.slice, environment_ );
    plugin_->start();
+}
+
+// An audit after the step belongs to it: it sees the switch when nothing is left to do.
+void Agent::carryOut( Scenario::Step const & step ) {
+   environment_.steps().queue( step );
+   environment_.activity().run();
+   if ( config_.verify == AgentConfig::Verify::afterEachStep ) {
+      environment_.steps().queueVerification( Scenario::Verify::audit );
+   }
+}
+
+void Agent::verify() {
+   if ( config_.verify != AgentConfig::Verify::never ) {
+      inStep( { Story::StepKind::Verification, 0, "the rules are verified", {} },
+              [ this ] { environment_.steps().queueVerification( Scenario::Verify::both ); } );
+   }
 }
 
 // The start-up functions of the mounter are worth a line each, unless somebody asks for less.

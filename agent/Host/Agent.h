@@ -7,7 +7,7 @@
 // 3. The scenario's steps, one after the other. A step is over when the activity is idle: nothing
 // is
 //    queued, and no wake-up of the clock is armed. Waiting takes no time (Kiv/Clock.h).
-// 4. What is asked for is shown.
+// 4. What is asked for is shown, and verified.
 // 5. Teardown: mounters are destroyed and the plug-in is unloaded. Rules that it leaves in the chip
 //    stay.
 //
@@ -45,6 +45,10 @@ struct AgentConfig {
    Show show;
    // Where captures of what leaves each port go; nothing: nowhere.
    std::optional< std::filesystem::path > captures;
+   // When the rules are audited beside what the scenario's steps say; at the end the plug-in's own
+   // pass runs as well.
+   enum class Verify { never, atEnd, afterEachStep };
+   Verify verify = Verify::never;
 };
 
 class Agent {
@@ -61,6 +65,8 @@ class Agent {
    void traceLevels();
    template< typename Work > void inStep( Story::StepBegins const & begins, Work const & work );
    void startUp();
+   void carryOut( Scenario::Step const & step );
+   void verify();
    void show( AgentConfig::Nothing ) {}
    void show( AgentConfig::Paths );
    void show( Scenario::EntityPath const & path );

@@ -25,9 +25,10 @@ class ChipReporter final : public Chip::CallObserver {
 
    void callMade( Chip::HardwareCall const & call ) override;
 
- private:
+   // Tells the rule as it stands now, unless it has been told so.
    void tellRule( U32 unit, U32 entry );
 
+ private:
    Story::Observer & observer_;
    Chip::Units * units_ = nullptr;
    std::map< std::pair< U32, U32 >, Story::Rule > told_;  // by unit and id, as told last

@@ -35,8 +35,10 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         published_( scenario.device, activity_, database_, own_ ),
         finder_( { &database_, &own_ } ),
         traffic_( { scenario, published_, board_.units(), activity_, observer_ } ),
-        evidence_{ finder_, board_.units(), record_, *pluginPoint() },
-        steps_( { scenario.file, activity_, published_, traffic_, board_, evidence_, observer_ } ),
+        auditor_( finder_, board_.units() ),
+        evidence_{ finder_, board_.units(), record_, *pluginPoint(), auditor_ },
+        steps_( { scenario.file, activity_, published_, traffic_, board_, reporter_, evidence_,
+                  observer_ } ),
         subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
                         [ this ]( Kiv::Change const & change ) {
                            if ( change.newValue< bool >() ) {

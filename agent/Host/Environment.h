@@ -10,6 +10,7 @@
 #include <span>
 #include <vector>
 
+#include <Audit/Audit.h>
 #include <Board/Board.h>
 #include <Decorators/RecordingSdk.h>
 #include <FeatureFiles/Reader.h>
@@ -63,6 +64,7 @@ class Environment {
    Published published_;
    StateDatabase::Finder finder_;
    Traffic traffic_;
+   Audit::Auditor auditor_;
    Evidence evidence_;
    Steps steps_;
    std::vector< std::unique_ptr< StateDatabase::ChangeWatch > > watches_;

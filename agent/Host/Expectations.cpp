@@ -1,6 +1,7 @@
 #include <Host/Expectations.h>
 
 #include <algorithm>
+#include <map>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -190,6 +191,37 @@ Finding checkOne( Scenario::FramesLike const & expected, Evidence const & eviden
    return { expected.count ? meant == *expected.count : meant > 0,
             meant == 1 ? "there is one such frame"
                        : fmt::format( "there are {} such frames", meant ) };
+}
+
+// --- Audits
+
+std::string foundText( Audit::Report const & report ) {
+   std::map< std::string_view, U32 > counts;
+   for ( Audit::Difference const & difference : report.differences ) {
+      ++counts[ nameOf( difference.kind ) ];
+   }
+   std::string text;
+   for ( auto const & [ kind, count ] : counts ) {
+      text += fmt::format( "{}{} {}", text.empty() ? "" : ", ", count, kind );
+   }
+   return "it finds " + ( text.empty() ? "nothing" : text );
+}
+
+Finding checkOne( Scenario::InStep const & expected, Evidence const & evidence ) {
+   Audit::Report const report = evidence.auditor.report();
+   return { report.isInStep() == expected.isInStep, foundText( report ) };
+}
+
+Finding checkOne( Scenario::DifferencesLike const & expected, Evidence const & evidence ) {
+   Audit::Report const report = evidence.auditor.report();
+   auto const count = std::count_if( report.differences.begin(), report.differences.end(),
+                                     [ & ]( auto const & difference ) {
+                                        return expected.kind ? difference.kind == *expected.kind
+                                                             : !isKnown( difference.kind );
+                                     } );
+   bool const isAsExpected =
+      expected.count ? count == std::ptrdiff_t{ *expected.count } : count > 0;
+   return { isAsExpected, foundText( report ) };
 }
 
 // --- Lines

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include <Audit/Audit.h>
 #include <FieldProcessor/Unit.h>
 #include <Host/Record.h>
 #include <Scenario/Scenario.h>
@@ -24,6 +25,7 @@ struct Evidence {
    Chip::Units & units;
    Record const & record;
    Vornal::DependencyPoint const & pluginPoint;
+   Audit::Auditor const & auditor;
 };
 
 // The group's number on the chip.

@@ -1,7 +1,8 @@
 #include <Host/Steps.h>
 
-#include <Host/ChipReporter.h>
+#include <Host/DriftStep.h>
 #include <Host/InputError.h>
+#include <Host/Verification.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
 #include <StateDatabase/Tree.h>
@@ -170,6 +171,22 @@ void Steps::dump( Scenario::Dump::Rules ) {
       }
    }
    context_.observer.onEvent( dumped );
+}
+
+// --- Verification
+
+void Steps::queueAction( Scenario::Drift const & action, int line ) {
+   turnNew( line,
+            [ this, &action ] { drift( action, context_.board.units(), context_.reporter ); } );
+}
+
+void Steps::queueVerification( Scenario::Verify how, int line ) {
+   if ( how != Scenario::Verify::plugIn ) {
+      turnNew( line, [ this ] { tellAudit( context_.evidence.auditor, context_.observer ); } );
+   }
+   if ( how != Scenario::Verify::audit ) {
+      turnNew( line, [ this ] { runPluginPass( context_.evidence.finder, context_.observer ); } );
+   }
 }
 
 // --- Expectations

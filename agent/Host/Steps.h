@@ -11,6 +11,7 @@
 #include <functional>
 
 #include <Board/Board.h>
+#include <Host/ChipReporter.h>
 #include <Host/Expectations.h>
 #include <Host/Published.h>
 #include <Host/Traffic.h>
@@ -26,6 +27,7 @@ struct StepContext {
    Published & published;
    Traffic & traffic;
    Chip::Board & board;
+   ChipReporter & reporter;
    Evidence const & evidence;
    Story::Observer & observer;
 };
@@ -37,6 +39,8 @@ class Steps {
    void queue( Scenario::Step const & step );
    // One turn for each change.
    void queuePublished( std::vector< Scenario::Change > const & changes );
+   // An audit, and the plug-in's own pass after it: what that stops cannot be audited any more.
+   void queueVerification( Scenario::Verify how, int line = 0 );
 
  private:
    void queueAction( Scenario::Note const &, int ) {}
@@ -52,6 +56,8 @@ class Steps {
    void queueAction( Scenario::Frame const & frame, int line );
    void queueAction( Scenario::Capture const & capture, int line );
    void queueAction( Scenario::DesignatedForwarder const & designated, int line );
+   void queueAction( Scenario::Drift const & drift, int line );
+   void queueAction( Scenario::Verify how, int line ) { queueVerification( how, line ); }
    void queueAction( Scenario::Expect const & expect, int line );
 
    void set( Scenario::Set const & set );

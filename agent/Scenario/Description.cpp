@@ -172,6 +172,15 @@ std::string describe( TraceLine const & what ) {
                        times( what.times ) );
 }
 
+std::string describe( InStep const & what ) {
+   return what.isInStep ? "an audit finds the rules in step" : "an audit finds differences";
+}
+
+std::string describe( DifferencesLike const & what ) {
+   return fmt::format( "an audit finds {} {}", what.count ? std::to_string( *what.count ) : "some",
+                       what.kind ? nameOf( *what.kind ) : "differences" );
+}
+
 // --- steps
 
 std::string describe( Note const & step ) {
@@ -245,6 +254,66 @@ std::string describe( DesignatedForwarder const & step ) {
                            isDesignated ? "" : "not " );
    }
    return text;
+}
+
+std::string describe( RuleNamed const & rule ) {
+   auto const * const id = std::get_if< U32 >( &rule );
+   return id ? fmt::format( "entry {}", *id )
+             : fmt::format( "the rule named \"{}\"", std::get< std::string >( rule ) );
+}
+
+std::string describe( RulePart const & part ) {
+   return std::visit( []( auto one ) { return std::string( nameOf( one ) ); }, part );
+}
+
+std::string describe( PartFlips const & change ) {
+   return "flips a bit of " + describe( change.part );
+}
+
+std::string describe( QualifierMaskIs const & change ) {
+   return fmt::format( "gets mask {:#x} of {}", change.mask, nameOf( change.qualifier ) );
+}
+
+std::string describe( EgressMaskIs const & change ) {
+   return "masks ports " + Quelm::textOf( change.ports );
+}
+
+std::string describe( PriorityIs const & change ) {
+   return change.priority ? fmt::format( "gets priority {}", *change.priority )
+                          : "gets the default priority";
+}
+
+std::string describe( PartGoes const & change ) {
+   return "loses " + describe( change.part );
+}
+
+std::string describe( EntryFate const & change ) {
+   switch ( change ) {
+   case EntryFate::erased: return "is erased from the hardware";
+   case EntryFate::destroyed: return "is destroyed";
+   case EntryFate::copied: return "is copied";
+   }
+   return {};
+}
+
+std::string describe( GportsSwap const & change ) {
+   return "swaps its gport with " + describe( change.with );
+}
+
+std::string describe( Drift const & step ) {
+   return fmt::format( "drift: {} of group {} on unit {} {}", describe( step.rule ),
+                       nameOf( step.group ), step.unit,
+                       std::visit( []( auto const & change ) { return describe( change ); },
+                                   step.change ) );
+}
+
+std::string describe( Verify const & step ) {
+   switch ( step ) {
+   case Verify::audit: return "verify by the audit";
+   case Verify::plugIn: return "verify by the plug-in's own pass";
+   case Verify::both: return "verify by the audit and the plug-in's own pass";
+   }
+   return {};
 }
 
 std::string describe( Expect const & step ) {

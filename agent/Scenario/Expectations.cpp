@@ -142,6 +142,51 @@ void readFramesWord( Reading & reading, Value const & value, Expectations & expe
    add( expectations, value, std::move( frames ) );
 }
 
+// --- audit
+
+Choices< bool > const & auditVerdicts() {
+   static Choices< bool > const choices{ "audit",
+                                         { { "in-step", true }, { "differences", false } } };
+   return choices;
+}
+
+Choices< Audit::Kind > const & differenceKinds() {
+   static Choices< Audit::Kind > const choices = [] {
+      Choices< Audit::Kind > kinds{ "kind", {} };
+      for ( Audit::Kind const kind : Audit::kKinds ) {
+         kinds.all.push_back( { Audit::nameOf( kind ), kind } );
+      }
+      return kinds;
+   }();
+   return choices;
+}
+
+void readKind( Reading & reading, Value const & value, DifferencesLike & differences ) {
+   differences.kind = choiceOf( reading, value, differenceKinds() );
+}
+
+Table< DifferencesLike > const & differencesTable() {
+   static Table< DifferencesLike > const table{
+      "audit-differences",
+      { { { "kind", "" }, readKind },
+        { { "count", "" },
+          readNumber< DifferencesLike, &DifferencesLike::count, 0, kHighestCount > } }
+   };
+   return table;
+}
+
+// A verdict, or a mapping.
+void readAudit( Reading & reading, Value const & value, Expectations & expectations ) {
+   if ( value.node.IsScalar() ) {
+      InStep const inStep{ choiceOf( reading, value, auditVerdicts() ).value_or( true ) };
+      add( expectations, value, inStep );
+      return;
+   }
+   DifferencesLike differences;
+   readMapping( reading, value, differencesTable(), differences );
+   add( expectations, value, differences );
+}
+
 // --- the words of one mapping of expectations
 
 Table< Expectations > const & expectTable() {
@@ -151,6 +196,7 @@ Table< Expectations > const & expectTable() {
                                                { { "state", "" }, readState },
                                                { { "rules", "" }, readRulesWord },
                                                { { "frames", "" }, readFramesWord },
+                                               { { "audit", "" }, readAudit },
                                                { { "log", "" }, readLog },
                                                { { "trace", "" }, readTraceLine } } };
    return table;
@@ -170,8 +216,9 @@ void readExpect( Reading & reading, Value const & value, Expectations & expectat
 }
 
 std::vector< WordList > expectationsVocabulary() {
-   return { stateTable().list(), plugInStates().list(), logTable().list(), traceTable().list(),
-            expectTable().list() };
+   return { stateTable().list(),       plugInStates().list(),  logTable().list(),
+            traceTable().list(),       auditVerdicts().list(), differenceKinds().list(),
+            differencesTable().list(), expectTable().list() };
 }
 
 }  // namespace Scenario

@@ -11,6 +11,7 @@
 // | Forwarding.cpp   | `forwarding`                                              |
 // | Frames.cpp       | frames that are injected, and what is expected of them    |
 // | Rules.cpp        | which rules are expected, what others hold of their group |
+// | Drift.cpp        | what changes in the chip behind the plug-in's back        |
 #pragma once
 
 #include <optional>
@@ -55,6 +56,7 @@ void readDesignated( Reading & reading, Value const & value, DesignatedForwarder
 void readFrame( Reading & reading, Value const & value, Frame & frame );
 void readCapture( Reading & reading, Value const & value, Capture & capture );
 void readFramesLike( Reading & reading, Value const & value, FramesLike & frames );
+void readDrift( Reading & reading, Value const & value, Drift & drift );
 
 void readPath( Reading & reading, Value const & value, EntityPath & path );
 
@@ -88,5 +90,6 @@ std::vector< WordList > expectationsVocabulary();
 std::vector< WordList > rulesVocabulary();
 std::vector< WordList > forwardingVocabulary();
 std::vector< WordList > framesVocabulary();
+std::vector< WordList > driftVocabulary();
 
 }  // namespace Scenario

@@ -210,7 +210,7 @@ std::vector< WordList > vocabulary() {
    std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
    for ( auto const & part :
          { switchVocabulary(), publishedVocabulary(), stepsVocabulary(), expectationsVocabulary(),
-           rulesVocabulary(), forwardingVocabulary(), framesVocabulary() } ) {
+           rulesVocabulary(), forwardingVocabulary(), framesVocabulary(), driftVocabulary() } ) {
       all.insert( all.end(), part.begin(), part.end() );
    }
    return all;

@@ -24,10 +24,12 @@
 #include <variant>
 #include <vector>
 
+#include <Audit/Difference.h>
 #include <L3/VrfName.h>
 #include <Pelk/IntfId.h>
 #include <Pelk/IpGenAddr.h>
 #include <Quelm/Integers.h>
+#include <Scenario/Drift.h>
 #include <Scenario/EntityPath.h>
 #include <Scenario/Traffic.h>
 #include <VornalCommon/ClassId.h>
@@ -208,8 +210,20 @@ struct TraceLine {
    std::optional< U32 > times;
 };
 
+// An audit made now finds the rules in step, or not.
+struct InStep {
+   bool isInStep = true;
+};
+
+// An audit made now finds differences of that kind, or if that is empty of any kind that is not
+// known: `count` of them, or if that is empty at least one.
+struct DifferencesLike {
+   std::optional< Audit::Kind > kind;
+   std::optional< U32 > count;
+};
+
 using Expected = std::variant< AttributeEquals, AttributeHas, PluginReady, TcamGroupsAskedFor,
-                               RulesLike, FramesLike, LogLine, TraceLine >;
+                               RulesLike, FramesLike, LogLine, TraceLine, InStep, DifferencesLike >;
 
 struct Expectation {
    Expected what;
@@ -275,8 +289,12 @@ struct Dump {
    std::variant< Rules, EntityPath > what;
 };
 
+// The rules are audited, the plug-in's own pass runs, or both.
+enum class Verify { audit, plugIn, both };
+
 using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, ForeignEntries,
-                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder, Expect >;
+                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder,
+                             Drift, Verify, Expect >;
 
 struct Step {
    Action action;

@@ -113,6 +113,19 @@ void readStep( Reading & reading, Value const & value, StepWords & words ) {
    words.actions.emplace_back( std::move( step ) );
 }
 
+Choices< Verify > const & verifications() {
+   static Choices< Verify > const choices{
+      "verify",
+      { { "audit", Verify::audit }, { "plug-in", Verify::plugIn }, { "both", Verify::both } }
+   };
+   return choices;
+}
+
+void readVerify( Reading & reading, Value const & value, StepWords & words ) {
+   words.actions.emplace_back(
+      choiceOf( reading, value, verifications() ).value_or( Verify::both ) );
+}
+
 void readExpectStep( Reading & reading, Value const & value, StepWords & words ) {
    Expect expect;
    readExpect( reading, value, expect.expectations );
@@ -139,6 +152,8 @@ Table< StepWords > const & stepTable() {
         { { "foreign-entries", "" }, readStep< ForeignEntries, readForeignEntries > },
         { { "class-id-allocator", "" }, readAllocator },
         { { "dump", "" }, readDump },
+        { { "drift", "" }, readStep< Drift, readDrift > },
+        { { "verify", "" }, readVerify },
         { { "expect", "" }, readExpectStep },
         { { "only-on", "" }, readOnlyOn } }
    };
@@ -183,8 +198,8 @@ void readPath( Reading & reading, Value const & value, EntityPath & path ) {
 }
 
 std::vector< WordList > stepsVocabulary() {
-   return { setTable().list(), deleteTable().list(), callTable().list(), allocatorStates().list(),
-            stepTable().list() };
+   return { setTable().list(),        deleteTable().list(),   callTable().list(),
+            allocatorStates().list(), verifications().list(), stepTable().list() };
 }
 
 }  // namespace Scenario

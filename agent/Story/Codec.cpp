@@ -35,7 +35,22 @@ template<> struct adl_serializer< decltype( Story::CallValue::value ) > {
    }
 };
 
+// A kind of difference goes by its name.
+template<> struct adl_serializer< Audit::Kind > {
+   static void to_json( json & out, Audit::Kind kind ) { out = Audit::nameOf( kind ); }
+   static void from_json( json const & in, Audit::Kind & kind ) {
+      kind = Audit::kindNamed( in.get< std::string >() );
+   }
+};
+
 }  // namespace nlohmann
+
+namespace Audit {
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Difference, kind, unit, group, entry, rule, field, is, shouldBe,
+                                    because )
+
+}  // namespace Audit
 
 namespace Story {
 
@@ -86,6 +101,8 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameForwarded, number, arrival, length, tun
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ForeignEntriesAre, unit, group, asked, held )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityDumped, path, tree )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RulesDumped, rules )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Audited, rules, entries, differences )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PluginPass, state )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityShown, path, tree )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( OutputLine, text )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Stopped, reason, assertion, output, trace )

@@ -11,6 +11,7 @@
 //    PublishedChange...                      the state that is there before the plug-in
 //    StepBegins{ 0 } ... StepEnds            start-up
 //    StepBegins{ 1 } ... StepEnds            the scenario's steps, from 1
+//    StepBegins{ n + 1 } ... StepEnds        verification, when it is asked for
 //    StepBegins{ n + 1 } ... StepEnds        teardown
 //    RunEnds, or Stopped when the process did not get there
 //
@@ -24,6 +25,7 @@
 #include <variant>
 #include <vector>
 
+#include <Audit/Difference.h>
 #include <Quelm/Integers.h>
 #include <Story/EntityTree.h>
 #include <Story/Frame.h>
@@ -41,7 +43,7 @@ struct RunBegins {
    U32 steps = 0;  // of the scenario
 };
 
-enum class StepKind { StartUp, Scenario, Teardown };
+enum class StepKind { StartUp, Scenario, Verification, Teardown };
 
 struct StepBegins {
    static constexpr char const * kName = "stepBegins";
@@ -224,6 +226,22 @@ struct RulesDumped {
    std::vector< Rule > rules;
 };
 
+// An audit of the rules (Audit/Audit.h) was made.
+struct Audited {
+   static constexpr char const * kName = "audited";
+   U32 rules = 0;    // called for
+   U32 entries = 0;  // in the chip
+   std::vector< Audit::Difference > differences;
+};
+
+// The plug-in's own pass over its rules. One that begins and is not told of again has stopped the
+// process.
+struct PluginPass {
+   static constexpr char const * kName = "pluginPass";
+   enum class State { Begins, Held, Absent };  // Absent: there is no state machine yet
+   State state = State::Begins;
+};
+
 // An entity that was asked to be shown.
 struct EntityShown {
    static constexpr char const * kName = "entityShown";
@@ -260,7 +278,7 @@ using Event =
                  MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
                  DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
                  LogLine, ExpectationChecked, FramesBegin, FrameForwarded, ForeignEntriesAre,
-                 EntityDumped, RulesDumped, EntityShown, OutputLine, Stopped >;
+                 EntityDumped, RulesDumped, Audited, PluginPass, EntityShown, OutputLine, Stopped >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

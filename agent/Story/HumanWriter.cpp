@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <Story/AuditText.h>
 #include <Story/EntityText.h>
 
 namespace Story {
@@ -153,6 +154,14 @@ void HumanWriter::tell( RulesDumped const & event ) {
    }
    if ( event.rules.empty() ) {
       detail( "there are no rules" );
+   }
+}
+
+// --- Audits
+
+void HumanWriter::tell( Audited const & event ) {
+   for ( std::string const & line : linesOf( event, style_ ) ) {
+      detail( line );
    }
 }
 

@@ -43,6 +43,7 @@ class HumanWriter final : public Observer {
    void tell( FrameForwarded const & event );
    void tell( EntityDumped const & event );
    void tell( RulesDumped const & event );
+   void tell( Audited const & event );
    void tell( HardwareCall const & ) {}  // shows in the rules
    void tell( BadInput const & ) {}      // leaves nothing to tell
    void tell( EntityShown const & ) {}   // is what another command is for

@@ -76,6 +76,18 @@ Json jsonOf( EntityAttribute const & attribute ) {
    return json;
 }
 
+Json jsonOf( Audit::Difference const & difference ) {
+   return { { "kind", Audit::nameOf( difference.kind ) },
+            { "unit", Story::jsonOf( difference.unit ) },
+            { "group", Story::jsonOf( difference.group ) },
+            { "entry", difference.entry == 0 ? Json() : Json( difference.entry ) },
+            { "rule", textOrNull( difference.rule ) },
+            { "field", textOrNull( difference.field ) },
+            { "is", difference.is },
+            { "shouldBe", difference.shouldBe },
+            { "because", difference.because } };
+}
+
 }  // namespace
 
 Json jsonOf( Rule const & rule ) {
@@ -152,6 +164,20 @@ Json jsonOf( FrameForwarded const & frame ) {
             { "dropReason", textOrNull( frame.dropReason ) },
             { "ingress", std::move( ingress ) },
             { "ports", std::move( ports ) } };
+}
+
+Json jsonOf( Audited const & audited ) {
+   Json json{ { "inStep", true },
+              { "rules", audited.rules },
+              { "entries", audited.entries },
+              { "differences", Json::array() },
+              { "known", Json::array() } };
+   for ( Audit::Difference const & difference : audited.differences ) {
+      bool const isKnown = Audit::isKnown( difference.kind );
+      json[ isKnown ? "known" : "differences" ].push_back( jsonOf( difference ) );
+   }
+   json[ "inStep" ] = json[ "differences" ].empty();
+   return json;
 }
 
 Json textOrNull( std::string const & text ) {

@@ -13,6 +13,7 @@ nlohmann::ordered_json jsonOf( Assertion const & assertion );
 nlohmann::ordered_json jsonOf( TraceLine const & line );
 nlohmann::ordered_json jsonOf( EntityTree const & tree );
 nlohmann::ordered_json jsonOf( FrameForwarded const & frame );
+nlohmann::ordered_json jsonOf( Audited const & audited );
 
 // The value, or null.
 template< typename T > nlohmann::ordered_json jsonOf( std::optional< T > const & value ) {

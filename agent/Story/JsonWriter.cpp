@@ -22,6 +22,8 @@ Json emptyStep( StepBegins const & step ) {
             { "frames", Json::array() },
             { "foreignEntries", Json::array() },
             { "dumps", Json::array() },
+            { "audits", Json::array() },
+            { "pluginPass", nullptr },
             { "expectations", Json::array() } };
 }
 
@@ -202,6 +204,19 @@ void JsonWriter::take( LogLine const & event ) {
    step()[ "log" ].push_back( event.line );
    document_[ "log" ].push_back(
       { { "step", step()[ "number" ] }, { "name", event.name }, { "line", event.line } } );
+}
+
+void JsonWriter::take( Audited const & event ) {
+   step()[ "audits" ].push_back( jsonOf( event ) );
+}
+
+// A pass that is told to begin and not to have held has stopped the process.
+void JsonWriter::take( PluginPass const & event ) {
+   switch ( event.state ) {
+   case PluginPass::State::Begins: step()[ "pluginPass" ] = "stopped"; break;
+   case PluginPass::State::Held: step()[ "pluginPass" ] = "held"; break;
+   case PluginPass::State::Absent: step()[ "pluginPass" ] = "absent"; break;
+   }
 }
 
 void JsonWriter::take( ExpectationChecked const & event ) {

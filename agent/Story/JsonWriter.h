@@ -58,6 +58,8 @@ class JsonWriter final : public Observer {
    void take( RuleGone const & event ) { rules_.onEvent( event ); }
    void take( TraceLine const & event );
    void take( LogLine const & event );
+   void take( Audited const & event );
+   void take( PluginPass const & event );
    void take( ExpectationChecked const & event );
    void take( FrameForwarded const & event );
    void take( ForeignEntriesAre const & event );

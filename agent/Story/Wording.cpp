@@ -11,14 +11,6 @@ namespace {
 
 constexpr U64 kAllOnes = 0xffffffff;
 
-std::string groupName( U32 group ) {
-   switch ( group ) {
-   case Vornal::kIfpLocalBiasGroup: return fmt::format( "ingress group {}", group );
-   case Vornal::kEfpLocalBiasGroup: return fmt::format( "egress group {}", group );
-   default: return fmt::format( "group {}", group );
-   }
-}
-
 std::string accessName( std::string const & flags ) {
    return flags.starts_with( 'w' ) ? "to write" : "to read";
 }
@@ -133,13 +125,31 @@ std::string wordsOf( OutputLine const & event ) {
    return "printed: " + event.text;
 }
 
+std::string wordsOf( PluginPass const & event ) {
+   switch ( event.state ) {
+   case PluginPass::State::Begins: return "the plug-in's own pass begins";
+   case PluginPass::State::Held: return "the plug-in's own pass held";
+   case PluginPass::State::Absent: break;
+   }
+   return "the plug-in has no state machine yet, and no pass of its own";
+}
+
 std::string nameOf( StepBegins const & step ) {
    switch ( step.kind ) {
    case StepKind::StartUp: return "start-up";
+   case StepKind::Verification: return "verification";
    case StepKind::Teardown: return "teardown";
    case StepKind::Scenario: break;
    }
    return fmt::format( "step {}", step.number );
+}
+
+std::string groupName( U32 group ) {
+   switch ( group ) {
+   case Vornal::kIfpLocalBiasGroup: return fmt::format( "ingress group {}", group );
+   case Vornal::kEfpLocalBiasGroup: return fmt::format( "egress group {}", group );
+   default: return fmt::format( "group {}", group );
+   }
 }
 
 std::string headingOf( Rule const & rule ) {

@@ -21,9 +21,13 @@ std::string wordsOf( LogLine const & event );
 std::string wordsOf( ExpectationChecked const & event );
 std::string wordsOf( ForeignEntriesAre const & event );
 std::string wordsOf( OutputLine const & event );
+std::string wordsOf( PluginPass const & event );
 
-// "step 3", "start-up", "teardown".
+// "step 3", "start-up", "verification", "teardown".
 std::string nameOf( StepBegins const & step );
+
+// "ingress group 157".
+std::string groupName( U32 group );
 
 // Which rule: "unit 0, ingress group 157, entry 3, "Mark or drop ..."".
 std::string headingOf( Rule const & rule );

@@ -17,6 +17,7 @@ class Recorder final : public Story::Observer {
    void onEvent( Story::Event const & event ) override { events_.push_back( event ); }
 
    std::vector< Story::Event > const & events() const { return events_; }
+   void clear() { events_.clear(); }
 
    // The events of one kind, in order.
    template< typename T > std::vector< T > all() const {

@@ -1,0 +1,221 @@
+#include <iostream>
+#include <sstream>
+
+#include <fmt/format.h>
+
+#include <CommandLine/Commands.h>
+#include <CommandLine/PluginFile.h>
+#include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
+#include <Story/AuditText.h>
+#include <Story/HumanWriter.h>
+#include <Story/JsonForms.h>
+
+#include <unistd.h>
+
+namespace CommandLine {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// An audit, and the step after which it was made.
+struct AuditAfter {
+   Story::StepBegins step;
+   Story::Audited audit;
+};
+
+// What the command has asked for beside the scenario's steps: the last audit of each step, and the
+// plug-in's own pass at the end.
+class Verified final : public Story::Observer {
+ public:
+   using Pass = Story::PluginPass::State;
+
+   void onEvent( Story::Event const & event ) override {
+      std::visit( Story::Overloaded{
+                     [ & ]( Story::RunBegins const & run ) { title_ = run.title; },
+                     [ & ]( Story::StepBegins const & step ) { step_ = step; },
+                     [ & ]( Story::VariantChosen const & chosen ) { variant_ = chosen.variant; },
+                     [ & ]( Story::Audited const & audit ) { take( audit ); },
+                     [ & ]( Story::PluginPass const & pass ) { take( pass ); },
+                     []( auto const & ) {} },
+                  event );
+   }
+
+   std::string const & title() const { return title_; }
+   std::string const & variant() const { return variant_; }
+   std::vector< AuditAfter > const & audits() const { return audits_; }
+   // Nothing: the process did not get there.
+   std::optional< Pass > const & pass() const { return pass_; }
+   bool isPassStopped() const { return pass_ == Pass::Begins; }
+
+   // The audits that count: those that the command has asked for.
+   std::vector< AuditAfter > asked( bool isAfterEachStep ) const {
+      std::vector< AuditAfter > result;
+      for ( AuditAfter const & one : audits_ ) {
+         if ( isAfterEachStep || isFinal( one ) ) {
+            result.push_back( one );
+         }
+      }
+      return result;
+   }
+
+   static bool isFinal( AuditAfter const & one ) {
+      return one.step.kind == Story::StepKind::Verification;
+   }
+
+ private:
+   void take( Story::Audited const & audit ) {
+      if ( !audits_.empty() && audits_.back().step.number == step_.number ) {
+         audits_.back().audit = audit;
+      } else {
+         audits_.push_back( { step_, audit } );
+      }
+   }
+   void take( Story::PluginPass const & pass ) {
+      if ( step_.kind == Story::StepKind::Verification ) {
+         pass_ = pass.state;
+      }
+   }
+
+   std::string title_;
+   std::string variant_;
+   Story::StepBegins step_;
+   std::vector< AuditAfter > audits_;
+   std::optional< Pass > pass_;
+};
+
+std::size_t faultsIn( std::vector< AuditAfter > const & audits ) {
+   std::size_t faults = 0;
+   for ( AuditAfter const & one : audits ) {
+      faults += Story::faultsIn( one.audit );
+   }
+   return faults;
+}
+
+std::string passName( Verified const & verified ) {
+   if ( !verified.pass() ) {
+      return "not-run";
+   }
+   switch ( *verified.pass() ) {
+   case Verified::Pass::Begins: return "stopped";
+   case Verified::Pass::Held: return "held";
+   case Verified::Pass::Absent: break;
+   }
+   return "absent";
+}
+
+std::string endName( Story::ExitCode code ) {
+   switch ( code ) {
+   case Story::ExitCode::Held: return "in-step";
+   case Story::ExitCode::Stopped: return "stopped";
+   default: return "differences";
+   }
+}
+
+// --- For people
+
+std::string afterText( AuditAfter const & one ) {
+   return Verified::isFinal( one ) ? "at the end"
+                                   : "after " + nameOf( one.step ) + ": " + one.step.text;
+}
+
+std::string passText( Verified const & verified, Story::Outcome const & outcome ) {
+   if ( !verified.isPassStopped() ) {
+      return "the plug-in's own pass: " + passName( verified );
+   }
+   auto const & assertion = outcome.stopped()->assertion;
+   return assertion
+             ? fmt::format(
+                  "the plug-in's own pass stopped the process: assertion {}, at "
+                  "{}:{}, in {}",
+                  assertion->expression, assertion->file, assertion->line, assertion->function )
+             : "the plug-in's own pass stopped the process: " + outcome.stopped()->reason;
+}
+
+void print( Verified const & verified, std::vector< AuditAfter > const & audits,
+            Story::Outcome const & outcome, Story::ExitCode code ) {
+   Story::Style const style( isColoured( STDOUT_FILENO ) );
+   std::cout << style.bold( verified.title() ) << " (" << verified.variant() << ")\n";
+   for ( AuditAfter const & one : audits ) {
+      std::cout << style.bold( afterText( one ) ) << '\n';
+      for ( std::string const & line : linesOf( one.audit, style ) ) {
+         std::cout << "   " << line << '\n';
+      }
+   }
+   std::cout << "   " << passText( verified, outcome ) << '\n';
+   bool const isInStep = code == Story::ExitCode::Held;
+   std::cout << ( isInStep
+                     ? style.good( "IN STEP" )
+                     : style.bad( code == Story::ExitCode::Stopped ? "STOPPED" : "DIFFERENCES" ) )
+             << '\n';
+}
+
+// --- For programs
+
+Json auditJson( AuditAfter const & one ) {
+   Json json{ { "step", one.step.number },
+              { "text", one.step.text },
+              { "place", Story::textOrNull( one.step.place ) } };
+   json.update( jsonOf( one.audit ) );
+   return json;
+}
+
+void printJson( VerifyOptions const & options, Verified const & verified,
+                std::vector< AuditAfter > const & audits, Story::Outcome const & outcome,
+                Story::ExitCode code ) {
+   Json json{ { "scenario", verified.title() },
+              { "file", options.scenario.string() },
+              { "variant", Story::textOrNull( verified.variant() ) },
+              { "end", endName( code ) },
+              { "pluginPass", passName( verified ) },
+              { "assertion", nullptr },
+              { "step", nullptr },
+              { "audits", Json::array() } };
+   if ( outcome.stopped() ) {
+      json[ "step" ] = outcome.step()->number;
+      json[ "assertion" ] =
+         outcome.stopped()->assertion ? jsonOf( *outcome.stopped()->assertion ) : Json();
+   }
+   for ( AuditAfter const & one : audits ) {
+      json[ "audits" ].push_back( auditJson( one ) );
+   }
+   std::cout << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
+}
+
+}  // namespace
+
+Story::ExitCode verify( VerifyOptions const & options ) {
+   using When = Host::AgentConfig::Verify;
+   Scenario::Model const scenario = Scenario::read( options.scenario );
+   std::ostringstream story;
+   Story::HumanWriter writer( story, Story::Style( false ) );
+   Verified verified;
+   Story::Outcome outcome;
+   ScenarioRun const what{ scenario,
+                           { options.scenario.string(),
+                             pluginFile( options.plugin ),
+                             {},
+                             {},
+                             options.isAfterEachStep ? When::afterEachStep : When::atEnd },
+                           {} };
+   runScenario( what, { &writer, &verified }, outcome );
+   if ( !outcome.badInput().empty() ) {
+      return Story::ExitCode::BadInput;
+   }
+   auto const audits = verified.asked( options.isAfterEachStep );
+   auto const code = outcome.stopped()         ? Story::ExitCode::Stopped
+                     : faultsIn( audits ) != 0 ? Story::ExitCode::ExpectationFailed
+                                               : Story::ExitCode::Held;
+   if ( outcome.stopped() && !verified.isPassStopped() ) {
+      std::cerr << story.str();
+   }
+   if ( options.isJson ) {
+      printJson( options, verified, audits, outcome, code );
+   } else {
+      print( verified, audits, outcome, code );
+   }
+   return code;
+}
+
+}  // namespace CommandLine

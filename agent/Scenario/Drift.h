@@ -1,0 +1,64 @@
+// Hardware that drifts: what a step changes in the chip behind the plug-in's back.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+#include <Brum/PerUnitBitmap.h>
+#include <FieldProcessor/Fields.h>
+
+namespace Scenario {
+
+enum class TcamGroup;
+
+// A rule of a group on a unit: its entry id, or a part of its name that no other rule there has.
+using RuleNamed = std::variant< U32, std::string >;
+
+using RulePart = std::variant< Chip::Qualifier, Chip::Action >;
+
+// The lowest bit of a qualifier's data, or of an action's number, tips over.
+struct PartFlips {
+   RulePart part;
+};
+
+struct QualifierMaskIs {
+   Chip::Qualifier qualifier = Chip::Qualifier::SrcVxlanGport;
+   U32 mask = 0;
+};
+
+struct EgressMaskIs {
+   Brum::PerUnitBitmap ports;
+};
+
+struct PriorityIs {
+   std::optional< U32 > priority;  // nothing: the group's default
+};
+
+struct PartGoes {
+   RulePart part;
+};
+
+// What becomes of the whole entry.
+enum class EntryFate {
+   erased,     // out of the hardware; it stays in the group, as staged
+   destroyed,  // out of the group as well
+   copied,     // there is one more that is written as it is
+};
+
+// The rule exchanges its gport with another of the group on the unit.
+struct GportsSwap {
+   RuleNamed with;
+};
+
+struct Drift {
+   using Change = std::variant< PartFlips, QualifierMaskIs, EgressMaskIs, PriorityIs, PartGoes,
+                                EntryFate, GportsSwap >;
+
+   TcamGroup group{};
+   U16 unit = 0;
+   RuleNamed rule;
+   Change change;
+};
+
+}  // namespace Scenario

@@ -1,0 +1,70 @@
+#include <Story/AuditText.h>
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <Story/Wording.h>
+
+namespace Story {
+
+namespace {
+
+// "unit 0, ingress group 157, entry 3, "Mark or drop ...", EgressMask", as far as there are such.
+std::string placeOf( Audit::Difference const & difference ) {
+   std::vector< std::string > parts;
+   if ( difference.unit ) {
+      parts.push_back( fmt::format( "unit {}", *difference.unit ) );
+   }
+   if ( difference.group ) {
+      parts.push_back( groupName( *difference.group ) );
+   }
+   if ( difference.entry != 0 ) {
+      parts.push_back( fmt::format( "entry {}", difference.entry ) );
+   }
+   if ( !difference.rule.empty() ) {
+      parts.push_back( fmt::format( "\"{}\"", difference.rule ) );
+   }
+   if ( !difference.field.empty() ) {
+      parts.push_back( difference.field );
+   }
+   return fmt::format( "{}", fmt::join( parts, ", " ) );
+}
+
+std::string verdictOf( Audited const & audited, Style const & style ) {
+   std::size_t const faults = faultsIn( audited );
+   std::size_t const known = audited.differences.size() - faults;
+   std::string const counts = fmt::format( "{} called for, {} in the chip",
+                                           counted( audited.rules, "rule" ), audited.entries );
+   if ( faults != 0 ) {
+      return style.bad( fmt::format( "audit: {}", counted( faults, "difference" ) ) ) +
+             fmt::format( ", {} known; {}", known, counts );
+   }
+   return style.good( "audit: in step" ) +
+          ( known == 0 ? "" : fmt::format( ", {} known", known ) ) + "; " + counts;
+}
+
+}  // namespace
+
+std::size_t faultsIn( Audited const & audited ) {
+   return static_cast< std::size_t >(
+      std::count_if( audited.differences.begin(), audited.differences.end(),
+                     []( auto const & one ) { return !Audit::isKnown( one.kind ); } ) );
+}
+
+std::vector< std::string > linesOf( Audited const & audited, Style const & style ) {
+   std::vector< std::string > lines{ verdictOf( audited, style ) };
+   for ( Audit::Difference const & difference : audited.differences ) {
+      std::string const kind( Audit::nameOf( difference.kind ) );
+      lines.push_back( fmt::format( "   {}: {}",
+                                    Audit::isKnown( difference.kind ) ? kind : style.bad( kind ),
+                                    placeOf( difference ) ) );
+      lines.push_back(
+         fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) );
+      lines.push_back( "      " + difference.because );
+   }
+   return lines;
+}
+
+}  // namespace Story

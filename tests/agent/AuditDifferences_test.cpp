@@ -1,0 +1,282 @@
+// Every kind of difference, made by hardware that drifts or by a record that is wrong, and found.
+//
+// Entries of the leaf: 1 and 2 the unicast exemptions, 3 VTEP 10.0.0.2, 4 VTEP 10.0.0.4, 5 the VNI;
+// with class ids 3 the VNI, 4 VTEP 10.0.0.2 with 5 and 6 on egress, 7 VTEP 10.0.0.4 with 8 to 10.
+#include <AuditRun.h>
+
+namespace {
+
+std::string const kMachine =
+   "entity: /plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm";
+std::string const kUnitRecord =
+   "entity: \"/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm/tepIpToEntry[0]\"";
+
+std::string drift( std::string const & words, std::string const & group = "ingress" ) {
+   return "   - drift: { group: " + group + ", unit: 0, " + words + " }\n";
+}
+std::string set( std::string const & entity, std::string const & words ) {
+   return "   - set: { " + entity + ", " + words + " }\n";
+}
+std::string remove( std::string const & entity, std::string const & words ) {
+   return "   - delete: { " + entity + ", " + words + " }\n";
+}
+
+class AuditDifferences : public AuditRun {
+ protected:
+   // The one difference that is found.
+   Audit::Difference only( Leaf const & leaf, std::string const & steps ) {
+      auto const audited = auditAfter( leaf, steps );
+      EXPECT_EQ( audited.differences.size(), 1U ) << words( audited );
+      return audited.differences.empty() ? Audit::Difference() : audited.differences.front();
+   }
+
+   static void expectFound( Audit::Difference const & found, Audit::Kind kind, U32 entry,
+                            std::string const & field ) {
+      EXPECT_EQ( nameOf( found.kind ), nameOf( kind ) );
+      EXPECT_EQ( found.unit, 0U );
+      EXPECT_EQ( found.entry, entry );
+      EXPECT_EQ( found.field, field );
+      EXPECT_NE( found.because, "" );
+   }
+};
+
+using Audit::Kind;
+
+// --- The chip
+
+TEST_F( AuditDifferences, a_gport_that_tips_over ) {
+   auto const found = only( Leaf(), drift( "entry: 3, flip: SrcVxlanGport" ) );
+
+   expectFound( found, Kind::wrongQualifier, 3, "SrcVxlanGport" );
+   EXPECT_EQ( found.group, 157U );
+   EXPECT_EQ( found.rule, "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments" );
+   EXPECT_EQ( found.is, "0x56000003" );
+   EXPECT_EQ( found.shouldBe, "0x56000002" );
+   EXPECT_EQ( found.because,
+              "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3 and Ethernet4; virtual "
+              "port 2" );
+}
+
+TEST_F( AuditDifferences, a_virtual_port_counts_by_its_low_16_bits ) {
+   auto const found = only( Leaf(), drift( "entry: 4, flip: SrcVxlanGport" ) );
+
+   EXPECT_EQ( found.shouldBe, "0x56000004" );
+   EXPECT_EQ( found.because,
+              "VTEP 10.0.0.4 shares segment Ethernet1 through Ethernet1, and segment "
+              "Port-Channel2 through Ethernet3 and Ethernet4; virtual port 65540" );
+}
+
+TEST_F( AuditDifferences, an_egress_mask_that_covers_other_ports ) {
+   auto const found = only( Leaf(), drift( "entry: 3, egress-mask: [ 3 ]" ) );
+
+   expectFound( found, Kind::wrongMask, 3, "EgressMask" );
+   EXPECT_EQ( found.is, "ports 3" );
+   EXPECT_EQ( found.shouldBe, "ports 3, 4" );
+}
+
+TEST_F( AuditDifferences, a_mask_of_a_qualifier ) {
+   auto const found = only( Leaf(), drift( "entry: 1, mask: { PacketRes: 0xf }" ) );
+
+   expectFound( found, Kind::wrongMask, 1, "PacketRes" );
+   EXPECT_EQ( found.is, "4 mask 0xf" );
+   EXPECT_EQ( found.shouldBe, "4 mask 0xff" );
+   EXPECT_EQ( found.because, "segments are shared with VTEP 10.0.0.2, 10.0.0.4" );
+}
+
+TEST_F( AuditDifferences, a_qualifier_that_is_gone ) {
+   auto const found = only( Leaf(), drift( "entry: 2, remove: TunnelTerminated" ) );
+
+   expectFound( found, Kind::wrongQualifier, 2, "TunnelTerminated" );
+   EXPECT_EQ( found.is, "absent" );
+}
+
+TEST_F( AuditDifferences, actions_that_are_gone_or_changed ) {
+   expectFound( only( Leaf(), drift( "entry: 3, remove: EgressMask" ) ), Kind::wrongAction, 3,
+                "EgressMask" );
+   story.clear();
+   expectFound( only( classIdLeaf(), drift( "entry: 4, flip: NewClassId" ) ), Kind::wrongAction, 4,
+                "NewClassId" );
+   story.clear();
+   expectFound( only( classIdLeaf(), drift( "entry: 4, flip: EgressClassSelect" ) ),
+                Kind::wrongAction, 4, "EgressClassSelect" );
+   story.clear();
+   expectFound( only( classIdLeaf(), drift( "entry: 5, remove: Drop", "egress" ) ),
+                Kind::wrongAction, 5, "Drop" );
+}
+
+TEST_F( AuditDifferences, fields_of_an_egress_rule ) {
+   auto const found = only( classIdLeaf(), drift( "entry: 6, flip: DstPort", "egress" ) );
+   expectFound( found, Kind::wrongQualifier, 6, "DstPort" );
+   EXPECT_EQ( found.is, "module 1 port 5" );
+   EXPECT_EQ( found.shouldBe, "module 1 port 4" );
+   EXPECT_TRUE( found.because.ends_with( "; virtual port 2; class id 1" ) ) << found.because;
+
+   story.clear();
+   expectFound( only( classIdLeaf(), drift( "entry: 6, flip: IngressClassField", "egress" ) ),
+                Kind::wrongQualifier, 6, "IngressClassField" );
+   story.clear();
+   expectFound( only( classIdLeaf(), drift( "entry: 6, mask: { IpType: 1 }", "egress" ) ),
+                Kind::wrongMask, 6, "IpType" );
+}
+
+TEST_F( AuditDifferences, a_priority ) {
+   auto const found = only( Leaf(), drift( "entry: 5, priority: default" ) );
+
+   expectFound( found, Kind::wrongPriority, 5, "priority" );
+   EXPECT_EQ( found.is, "the group's default priority" );
+   EXPECT_EQ( found.shouldBe, "priority 2" );
+   EXPECT_EQ( found.because, "VRF red has VNI 50001 on Vxlan1, and there are Ethernet segments" );
+}
+
+TEST_F( AuditDifferences, two_gports_that_are_swapped ) {
+   auto const audited =
+      auditAfter( Leaf(), drift( "rule: vtep IP 10.0.0.2, swap-gport-with: vtep IP 10.0.0.4" ) );
+
+   EXPECT_EQ( kinds( audited ), "wrong-qualifier wrong-qualifier" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 0 ].is, "0x56000004" );
+   EXPECT_EQ( audited.differences[ 1 ].is, "0x56000002" );
+}
+
+TEST_F( AuditDifferences, an_entry_that_is_not_in_the_hardware_any_more ) {
+   auto const found = only( Leaf(), drift( "entry: 3, entry-is: erased" ) );
+
+   expectFound( found, Kind::stagedOnly, 3, "" );
+   EXPECT_EQ( found.shouldBe,
+              "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1" );
+}
+
+TEST_F( AuditDifferences, an_entry_that_is_destroyed ) {
+   auto const audited = auditAfter( Leaf(), drift( "entry: 3, entry-is: destroyed" ) );
+
+   EXPECT_EQ( kinds( audited ), "missing-rule record-without-rule record-differs record-differs" )
+      << words( audited );
+   EXPECT_EQ( audited.differences[ 0 ].is, "no such rule" );
+   EXPECT_EQ( audited.differences[ 1 ].field, "tepIpToEntry[0]/entryId[10.0.0.2]" );
+}
+
+TEST_F( AuditDifferences, an_entry_that_is_there_twice ) {
+   auto const found = only( Leaf(), drift( "entry: 3, entry-is: copied" ) );
+
+   expectFound( found, Kind::unexpectedRule, 6, "" );
+   EXPECT_EQ( found.shouldBe, "no such rule" );
+   EXPECT_EQ( found.because, "nothing published calls for it" );
+}
+
+TEST_F( AuditDifferences, a_rule_whose_record_was_lost_before_its_vtep_went ) {
+   auto const audited =
+      auditAfter( Leaf(), remove( kUnitRecord, "attribute: entryId, key: 10.0.0.2" ) +
+                             remove( kUnitRecord, "attribute: esPbmp, key: 10.0.0.2" ) +
+                             "   - publish: { segments: { Ethernet2: [] } }\n"
+                             "   - delete: { entity: /hardware/vornal/vp/status/vornalL3, "
+                             "attribute: remoteVport, key: 10.0.0.3 }\n" );
+
+   EXPECT_EQ( kinds( audited ), "record-differs rule-without-record" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 1 ].entry, 3U );
+}
+
+// --- The records
+
+TEST_F( AuditDifferences, a_record_of_another_entry ) {
+   auto const found =
+      only( Leaf(), set( kUnitRecord, "attribute: entryId, key: 10.0.0.2, value: 4" ) );
+
+   expectFound( found, Kind::recordDiffers, 3, "tepIpToEntry[0]/entryId[10.0.0.2]" );
+   EXPECT_EQ( found.is, "entry 4" );
+   EXPECT_EQ( found.shouldBe, "entry 3" );
+}
+
+TEST_F( AuditDifferences, a_record_of_a_rule_for_a_vtep_that_needs_none ) {
+   auto const found =
+      only( Leaf(), set( kUnitRecord, "attribute: entryId, key: 10.0.0.3, value: 9" ) );
+
+   expectFound( found, Kind::recordWithoutRule, 0, "tepIpToEntry[0]/entryId[10.0.0.3]" );
+   EXPECT_EQ( found.because, "VTEP 10.0.0.3 shares no segment" );
+}
+
+TEST_F( AuditDifferences, records_of_what_a_rule_matches_and_masks ) {
+   auto const mask =
+      only( Leaf(), set( kUnitRecord, "attribute: esPbmp, key: 10.0.0.2, value: \"{3}\"" ) );
+   EXPECT_EQ( mask.field, "tepIpToEntry[0]/esPbmp[10.0.0.2]" );
+   EXPECT_EQ( mask.is, "ports 3" );
+   EXPECT_EQ( mask.shouldBe, "ports 3, 4" );
+
+   story.clear();
+   auto const vpIndex =
+      only( Leaf(), set( kUnitRecord, "attribute: vpIndex, key: 10.0.0.4, value: 3" ) );
+   EXPECT_EQ( vpIndex.field, "tepIpToEntry[0]/vpIndex[10.0.0.4]" );
+   EXPECT_EQ( vpIndex.shouldBe, "4" );
+}
+
+TEST_F( AuditDifferences, records_of_the_exemptions ) {
+   expectFound( only( Leaf(), remove( kMachine, "attribute: l2UcastRuleInstalled, key: 0" ) ),
+                Kind::ruleWithoutRecord, 1, "" );
+   story.clear();
+   expectFound( only( Leaf(),
+                      set( kMachine, "attribute: l3UcastRuleInstalled, key: 0, value: 1" ) ),
+                Kind::recordDiffers, 2, "l3UcastRuleInstalled[0]" );
+   story.clear();
+   expectFound( only( Leaf(), remove( kMachine, "attribute: vniToTcamEntryId, key: 50001" ) ),
+                Kind::ruleWithoutRecord, 5, "" );
+}
+
+TEST_F( AuditDifferences, records_of_egress_rules ) {
+   std::string const list =
+      "entity: \"/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm/tepIpToEntry[0]/"
+      "esPortAndEFPEntryIdList[10.0.0.2]\"";
+   auto const id =
+      only( classIdLeaf(), set( list, "attribute: efpEntryId, key: unit0/port3/mod1, value: 6" ) );
+   expectFound( id, Kind::recordDiffers, 5,
+                "tepIpToEntry[0]/esPortAndEFPEntryIdList[10.0.0.2]/efpEntryId[unit0/port3/mod1]" );
+
+   story.clear();
+   auto const ports =
+      only( classIdLeaf(), set( list, "attribute: esPortList, value: \"{unit0/port3/mod1}\"" ) );
+   EXPECT_EQ( ports.field, "tepIpToEntry[0]/esPortAndEFPEntryIdList[10.0.0.2]" );
+   EXPECT_EQ( ports.shouldBe, "{unit0/port3/mod1,unit0/port4/mod1}" );
+}
+
+TEST_F( AuditDifferences, records_of_class_ids ) {
+   auto const classId =
+      only( classIdLeaf(), set( kMachine, "attribute: i2eTepIpClassId, key: 10.0.0.2, value: 8" ) );
+   EXPECT_EQ( classId.field, "i2eTepIpClassId[10.0.0.2]" );
+   EXPECT_EQ( classId.unit, std::nullopt );
+   EXPECT_EQ( classId.shouldBe, "1" );
+
+   story.clear();
+   auto const users =
+      only( classIdLeaf(),
+            set( kMachine, "attribute: i2eTepIpClassIdRefCount, key: 10.0.0.2, value: 2" ) );
+   EXPECT_EQ( users.field, "i2eTepIpClassIdRefCount[10.0.0.2]" );
+   EXPECT_EQ( users.shouldBe, "1" );
+
+   story.clear();
+   auto const stray =
+      only( classIdLeaf(), set( kMachine, "attribute: i2eTepIpClassId, key: 10.0.0.9, value: 8" ) );
+   EXPECT_EQ( stray.shouldBe, "absent" );
+}
+
+TEST_F( AuditDifferences, a_queue_for_what_is_there ) {
+   auto const found =
+      only( Leaf(),
+            set( kMachine, "attribute: unprogrammedTcamRulesList, key: red, value: 50001" ) );
+
+   EXPECT_EQ( nameOf( found.kind ), "record-differs" );
+   EXPECT_EQ( found.field, "unprogrammedTcamRulesList[red]" );
+}
+
+TEST_F( AuditDifferences, a_machine_that_claims_not_to_be_initialized ) {
+   auto const found = only( Leaf(), set( kMachine, "attribute: initialized, value: false" ) );
+
+   EXPECT_EQ( found.field, "initialized" );
+}
+
+TEST_F( AuditDifferences, a_unit_record_that_nothing_needs ) {
+   Leaf leaf;
+   leaf.segments = "{}";
+   auto const found = only( leaf, set( kMachine, "attribute: tepIpToEntry, key: 0" ) );
+
+   EXPECT_EQ( found.field, "tepIpToEntry[0]" );
+   EXPECT_EQ( found.because, "no VTEP with a virtual port shares a segment" );
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+// What is not as the state alone says, and all right: listed under a kind of its own.
+#include <AuditRun.h>
+
+namespace {
+
+using AuditKnown = AuditRun;
+
+Leaf leafWithRoom( std::string const & ingress, std::string const & egress = "64" ) {
+   Leaf leaf = classIdLeaf();
+   leaf.tcam = "{ ingress: " + ingress + ", egress: " + egress + " }";
+   return leaf;
+}
+
+TEST_F( AuditKnown, a_class_id_that_is_not_granted_yet_is_waited_for ) {
+   auto const audited = auditAfter( classIdLeaf(),
+                                    "   - class-id-allocator: paused\n"
+                                    "   - publish: { segments: { Ethernet2: [ 10.0.0.3 ] } }\n" );
+
+   EXPECT_EQ( kinds( audited ), "waiting-for-class-id waiting-for-class-id" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 1 ].because,
+              "VTEP 10.0.0.3 shares segment Ethernet2 through Ethernet2; virtual port 3; its class "
+              "id is asked for and not granted" );
+}
+
+TEST_F( AuditKnown, a_class_id_that_nobody_asks_for_is_not_waited_for ) {
+   auto const audited =
+      auditAfter( classIdLeaf(),
+                  "   - class-id-allocator: paused\n"
+                  "   - publish: { segments: { Ethernet2: [ 10.0.0.3 ] } }\n"
+                  "   - delete: { entity: /hardware/vornal/i2eclassid/config/slice/1,\n"
+                  "               attribute: remoteESPeerVtep, key: 10.0.0.3 }\n" );
+
+   EXPECT_EQ( kinds( audited ), "missing-rule missing-rule" ) << words( audited );
+}
+
+TEST_F( AuditKnown, rules_keep_a_class_id_that_is_withdrawn ) {
+   auto const audited =
+      auditAfter( classIdLeaf(), "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
+
+   EXPECT_EQ( kinds( audited ), "class-id-withdrawn" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 0 ].is, "1" );
+}
+
+TEST_F( AuditKnown, a_class_id_that_changes_under_the_rules_is_a_difference ) {
+   auto const audited =
+      auditAfter( classIdLeaf(), "   - publish: { class-id-grants: { 10.0.0.2: 77 } }\n" );
+
+   EXPECT_EQ( kinds( audited ), "wrong-qualifier wrong-qualifier wrong-action" )
+      << words( audited );
+   EXPECT_EQ( audited.differences[ 2 ].field, "NewClassId" );
+   EXPECT_EQ( audited.differences[ 2 ].is, "1" );
+   EXPECT_EQ( audited.differences[ 2 ].shouldBe, "77" );
+}
+
+TEST_F( AuditKnown, a_full_ingress_group_has_no_room_for_a_vtep_and_what_follows_it ) {
+   auto const audited = auditAfter( leafWithRoom( "3" ), "" );
+
+   // One VTEP with its egress rules, and the per-VNI rule.
+   EXPECT_EQ( kinds( audited ), "no-room no-room no-room no-room no-room" ) << words( audited );
+   EXPECT_TRUE( audited.differences[ 0 ].because.ends_with(
+      "the VTEP has no ingress rule either: group 157 has no room on unit 0" ) )
+      << words( audited );
+}
+
+TEST_F( AuditKnown, a_full_egress_group_has_no_room_for_the_rest ) {
+   auto const audited = auditAfter( leafWithRoom( "64", "1" ), "" );
+
+   EXPECT_EQ( kinds( audited ), "no-room no-room no-room no-room" ) << words( audited );
+}
+
+TEST_F( AuditKnown, a_switch_without_room_at_all_lacks_everything ) {
+   auto const audited = auditAfter( leafWithRoom( "0", "0" ), "" );
+
+   EXPECT_EQ( audited.differences.size(), audited.rules );
+   EXPECT_EQ( kinds( audited ).find( "missing" ), std::string::npos ) << words( audited );
+}
+
+TEST_F( AuditKnown, a_rule_that_nobody_asks_for_again_is_a_difference_once_there_is_room ) {
+   auto const audited = auditAfter( leafWithRoom( "4" ),
+                                    "   - withdraw: { tunnel-interfaces: { Vxlan1: [ red ] } }\n"
+                                    "   - publish: { vteps: { 10.0.0.9: { virtual-port: 9 } } }\n"
+                                    "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+                                    "   - withdraw: { vteps: [ 10.0.0.2 ] }\n" );
+
+   EXPECT_EQ( kinds( audited ), "not-retried not-retried" ) << words( audited );
+}
+
+TEST_F( AuditKnown, a_vni_is_queued_until_there_is_room ) {
+   Leaf leaf;
+   leaf.tcam = "{ ingress: 4, egress: 4 }";
+   auto const audited = auditAfter( leaf, "" );
+   EXPECT_EQ( kinds( audited ), "no-room" ) << words( audited );
+
+   story.clear();
+   leaf.tcam = "{ ingress: 5, egress: 4 }";
+   auto const queued =
+      auditAfter( leaf,
+                  "   - set: { entity: "
+                  "/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm,\n"
+                  "            attribute: unprogrammedTcamRulesList, key: green, value: 9 }\n"
+                  "   - drift: { group: ingress, unit: 0, rule: 50001, entry-is: destroyed }\n"
+                  "   - delete: { entity: "
+                  "/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm,\n"
+                  "               attribute: vniToTcamEntryId, key: 50001 }\n"
+                  "   - set: { entity: "
+                  "/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm,\n"
+                  "            attribute: unprogrammedTcamRulesList, key: red, value: 50001 }\n" );
+   EXPECT_EQ( kinds( queued ), "left-behind queued" ) << words( queued );
+}
+
+TEST_F( AuditKnown, another_tunnel_interface_leaves_its_vni_rules_behind ) {
+   Leaf leaf;
+   leaf.tunnels = "{ Vxlan1: { vrf-vni: { red: 50001 } }, Vxlan2: { vrf-vni: { blue: 50002 } } }";
+   auto const audited = auditAfter( leaf, "   - withdraw: { tunnel-interfaces: [ Vxlan2 ] }\n" );
+
+   EXPECT_EQ( kinds( audited ), "left-behind" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 0 ].rule,
+              "Skip shared ES pruning for packets with vni 50002 - No-op" );
+}
+
+TEST_F( AuditKnown, vxlan1_takes_the_vni_rules_of_all_with_it ) {
+   Leaf leaf;
+   leaf.tunnels = "{ Vxlan1: { vrf-vni: { red: 50001 } }, Vxlan2: { vrf-vni: { blue: 50002 } } }";
+   auto const audited = auditAfter( leaf, "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );
+
+   EXPECT_EQ( kinds( audited ), "left-behind" ) << words( audited );
+   EXPECT_EQ( audited.differences[ 0 ].is, "no such rule" );
+}
+
+}  // namespace

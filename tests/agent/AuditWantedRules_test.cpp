@@ -1,0 +1,152 @@
+// Which rules a published state calls for, on states made up by hand.
+#include <Audit/WantedRules.h>
+
+#include <gtest/gtest.h>
+
+#include <Audit/ContentText.h>
+
+namespace {
+
+using Audit::Purpose;
+using Audit::RuleFor;
+using Audit::State;
+using Pelk::IntfId;
+using Pelk::IpGenAddr;
+using VornalTypes::VornalPort;
+
+IntfId intf( char const * name ) {
+   return IntfId::fromString( name );
+}
+
+IpGenAddr const kVtep = IpGenAddr::fromString( "10.0.0.2" );
+
+// Two units; a port channel with a member on each, and one without a port; a VTEP on it.
+State twoUnits() {
+   State state;
+   state.isPluginReady = true;
+   state.modules = { { 0, 1 }, { 1, 5 } };
+   state.ports = { { intf( "Ethernet1" ), VornalPort( 0, 7, 1 ) },
+                   { intf( "Ethernet2" ), VornalPort( 1, 7, 5 ) } };
+   state.lags[ intf( "Port-Channel1" ) ] = { intf( "Ethernet1" ), intf( "Ethernet2" ),
+                                             intf( "Ethernet3" ) };
+   state.segments[ intf( "Port-Channel1" ) ] = { kVtep };
+   state.virtualPorts[ kVtep ] = 0x30004;
+   return state;
+}
+
+std::string contentOf( State const & state, RuleFor const & what ) {
+   auto const rules = wantedRules( state );
+   auto const found = rules.find( what );
+   return found == rules.end() ? "none" : textOf( found->second.content );
+}
+
+TEST( AuditWantedRules, are_none_before_the_plug_in_is_ready ) {
+   State state = twoUnits();
+   state.isPluginReady = false;
+   EXPECT_TRUE( wantedRules( state ).empty() );
+}
+
+TEST( AuditWantedRules, exempt_unicast_and_mask_each_units_own_ports ) {
+   State const state = twoUnits();
+
+   EXPECT_EQ( wantedRules( state ).size(), 6U );
+   EXPECT_EQ( contentOf( state, { 0, Purpose::l2Unicast } ),
+              "matches PacketRes 4 mask 0xff and TunnelTerminated 1 mask 0x1; does nothing; the "
+              "group's default priority" );
+   EXPECT_EQ( contentOf( state, { 1, Purpose::l3Unicast } ),
+              "matches PacketRes 10 mask 0xff and TunnelTerminated 1 mask 0x1; does nothing; the "
+              "group's default priority" );
+   EXPECT_EQ( contentOf( state, { 1, Purpose::vtep, kVtep } ),
+              "matches SrcVxlanGport 0x56000004; does EgressMask ports 7; priority 1" );
+   EXPECT_EQ( wantedRules( state ).at( { 1, Purpose::vtep, kVtep } ).because,
+              "VTEP 10.0.0.2 shares segment Port-Channel1 through Ethernet2; virtual port 196612" );
+}
+
+TEST( AuditWantedRules, mask_no_port_where_none_is_shared ) {
+   State state = twoUnits();
+   state.ports[ intf( "Ethernet2" ) ] = VornalPort( 1, VornalPort::kInvalidLogicalPort, 5 );
+
+   EXPECT_EQ( contentOf( state, { 1, Purpose::vtep, kVtep } ),
+              "matches SrcVxlanGport 0x56000004; does EgressMask no port; priority 1" );
+   EXPECT_EQ( wantedRules( state ).at( { 1, Purpose::vtep, kVtep } ).because,
+              "VTEP 10.0.0.2 shares segment Port-Channel1, which has no port on unit 1; virtual "
+              "port 196612" );
+}
+
+TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
+   State state = twoUnits();
+   state.isClassIdVariant = true;
+   state.classIds[ kVtep ] = VornalCommon::ClassId( 9 );
+
+   EXPECT_EQ( wantedRules( state ).size(), 8U );
+   EXPECT_EQ( contentOf( state, { 0, Purpose::vtep, kVtep } ),
+              "matches SrcVxlanGport 0x56000004; does EgressClassSelect 1 and NewClassId 9; "
+              "priority 1" );
+   RuleFor const drop{ 1, Purpose::egressDrop, kVtep, VornalPort( 1, 7, 5 ) };
+   EXPECT_EQ( contentOf( state, drop ),
+              "matches DstPort module 5 port 7 and IpType 0 mask 0x0 and IngressClassField 9; does "
+              "Drop present; the group's default priority" );
+   EXPECT_EQ( wantedRules( state ).at( drop ).name,
+              "Drop packets at EFP from vtep IP 10.0.0.2 on Ethernet2" );
+   EXPECT_EQ( drop.group(), 45 );
+}
+
+TEST( AuditWantedRules, leave_the_class_id_open_until_it_is_granted ) {
+   State state = twoUnits();
+   state.isClassIdVariant = true;
+
+   auto const rule = wantedRules( state ).at( { 0, Purpose::vtep, kVtep } );
+   EXPECT_TRUE( rule.isWithoutClassId );
+   EXPECT_FALSE( rule.content[ Chip::Action::NewClassId ] );
+}
+
+TEST( AuditWantedRules, exempt_the_vnis_of_every_tunnel_interface_while_there_are_segments ) {
+   State state = twoUnits();
+   state.modules = { { 0, 1 } };
+   state.vnis = { { intf( "Vxlan1" ), { { L3::VrfName( "red" ), 10 } } },
+                  { intf( "Vxlan2" ), { { L3::VrfName( "blue" ), 20 } } } };
+
+   EXPECT_EQ( wantedRules( state ).size(), 5U );
+   EXPECT_EQ( contentOf( state, { 0, Purpose::vni, {}, {}, 20 } ),
+              "matches PacketRes 12 and VxlanNetworkId 20; does nothing; priority 2" );
+
+   state.virtualPorts.clear();
+   EXPECT_EQ( wantedRules( state ).size(), 2U );
+   state.isL3MulticastExempt = true;
+   EXPECT_EQ( wantedRules( state ).size(), 0U );
+   state.isL3MulticastExempt = false;
+   state.segments.clear();
+   EXPECT_EQ( wantedRules( state ).size(), 0U );
+}
+
+TEST( AuditWantedRules, have_no_priorities_and_no_vnis_without_the_override_rule ) {
+   State state = twoUnits();
+   state.isOverrideRuleOn = false;
+   state.vnis[ intf( "Vxlan1" ) ][ L3::VrfName( "red" ) ] = 10;
+
+   EXPECT_EQ( wantedRules( state ).size(), 6U );
+   EXPECT_EQ( contentOf( state, { 0, Purpose::vtep, kVtep } ),
+              "matches SrcVxlanGport 0x56000004; does EgressMask ports 7; the group's default "
+              "priority" );
+}
+
+TEST( AuditWantedRules, count_a_port_once_that_is_shared_twice ) {
+   State state = twoUnits();
+   state.segments[ intf( "Ethernet1" ) ] = { kVtep };
+
+   EXPECT_EQ( sharedPorts( state, 0, kVtep ).size(), 1U );
+   EXPECT_EQ( activeVteps( state ).size(), 1U );
+   EXPECT_EQ( vpIndexOf( state, kVtep ), 4U );
+   EXPECT_EQ( vpIndexOf( state, IpGenAddr::fromString( "10.0.0.3" ) ), 0U );
+}
+
+TEST( AuditKinds, have_names_that_lead_back ) {
+   for ( Audit::Kind const kind : Audit::kKinds ) {
+      EXPECT_EQ( Audit::kindNamed( nameOf( kind ) ), kind );
+   }
+   EXPECT_THROW( Audit::kindNamed( "missing" ), std::out_of_range );
+   EXPECT_TRUE( isKnown( Audit::Kind::noRoom ) );
+   EXPECT_FALSE( isKnown( Audit::Kind::recordDiffers ) );
+}
+
+}  // namespace

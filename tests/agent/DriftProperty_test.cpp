@@ -1,0 +1,197 @@
+// Whatever single thing changes in the chip, the audit finds it: a thousand drifts, each on a
+// switch that has just come up.
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include <AuditRun.h>
+#include <Drift/Drift.h>
+#include <Host/Environment.h>
+#include <Host/LoadedPlugin.h>
+#include <Scenario/Description.h>
+
+namespace {
+
+using Scenario::Drift;
+
+constexpr int kDriftsOfEach = 10;
+
+// A switch that is up and stays so, for many drifts.
+class Switch {
+ public:
+   explicit Switch( Leaf const & leaf )
+         : scenario_(
+              Scenario::readText( leaf.text( "   - ready: subagents::l2Ready\n" ), "leaf.yaml" ) ),
+           environment_( scenario_, ring_.bytes(), story_ ) {
+      environment_.steps().queuePublished( scenario_.published );
+      environment_.activity().run();
+      environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
+      plugin_.emplace( VORNAL_BINARY_DIR "/VornalEvpn.so", "1", environment_ );
+      plugin_->start();
+      environment_.activity().run();
+      environment_.steps().queue( scenario_.steps.at( 0 ) );
+      environment_.activity().run();
+      for ( auto const & event : story_.events() ) {
+         rules_.take( event );
+      }
+   }
+
+   // The rules as they were before any drift.
+   std::vector< Story::Rule > rules() const { return rules_.all(); }
+
+   Story::Audited audited() {
+      story_.clear();
+      environment_.steps().queueVerification( Scenario::Verify::audit );
+      environment_.activity().run();
+      return story_.all< Story::Audited >().at( 0 );
+   }
+
+   void drifts( Drift const & drift ) {
+      Scenario::Step const step{ drift, 1 };
+      environment_.steps().queue( step );
+      environment_.activity().run();
+   }
+
+ private:
+   struct Rules {
+      void take( Story::Event const & event ) {
+         if ( auto const * const is = std::get_if< Story::RuleIs >( &event ) ) {
+            byKey.insert_or_assign( is->rule.key, is->rule );
+         }
+      }
+      std::vector< Story::Rule > all() const {
+         std::vector< Story::Rule > result;
+         for ( auto const & [ key, rule ] : byKey ) {
+            result.push_back( rule );
+         }
+         return result;
+      }
+      std::map< Story::RuleKey, Story::Rule > byKey;
+   };
+
+   Process::RingMemory ring_;
+   Support::Recorder story_;
+   Scenario::Model scenario_;
+   Host::Environment environment_;
+   std::optional< Host::LoadedPlugin > plugin_;
+   Rules rules_;
+};
+
+// --- Any one change of a rule
+
+Chip::Qualifier qualifierNamed( std::string const & name ) {
+   return *std::find_if( Chip::kQualifiers.begin(), Chip::kQualifiers.end(),
+                         [ & ]( auto one ) { return nameOf( one ) == name; } );
+}
+
+Chip::Action actionNamed( std::string const & name ) {
+   return *std::find_if( Chip::kActions.begin(), Chip::kActions.end(),
+                         [ & ]( auto one ) { return nameOf( one ) == name; } );
+}
+
+Drift::Change changeOfQualifier( Story::RuleField const & field ) {
+   Chip::Qualifier const qualifier = qualifierNamed( field.name );
+   switch ( *rc::gen::inRange( 0, 3 ) ) {
+   case 0: return Scenario::PartFlips{ qualifier };
+   case 1: return Scenario::PartGoes{ qualifier };
+   default: break;
+   }
+   U64 const now = field.values.back().mask.value_or( 0 );
+   U32 const mask =
+      *rc::gen::suchThat( rc::gen::arbitrary< U32 >(), [ & ]( U32 one ) { return one != now; } );
+   return Scenario::QualifierMaskIs{ qualifier, mask };
+}
+
+Drift::Change changeOfAction( Story::RuleField const & field ) {
+   Chip::Action const action = actionNamed( field.name );
+   bool const isNumber =
+      action == Chip::Action::EgressClassSelect || action == Chip::Action::NewClassId;
+   if ( *rc::gen::arbitrary< bool >() ) {
+      return Scenario::PartGoes{ action };
+   }
+   if ( isNumber ) {
+      return Scenario::PartFlips{ action };
+   }
+   if ( !field.ports ) {
+      return Scenario::PartGoes{ action };
+   }
+   Scenario::EgressMaskIs mask;
+   for ( U32 const port : *field.ports ) {
+      mask.ports.bitSet( port );
+   }
+   U32 const tipped = *rc::gen::inRange< U32 >( 0, Brum::PerUnitBitmap::kBits );
+   mask.ports.bit( tipped ) ? mask.ports.bitClear( tipped ) : mask.ports.bitSet( tipped );
+   return mask;
+}
+
+Drift::Change changeOfPriority( Story::Rule const & rule ) {
+   auto const other = *rc::gen::suchThat( rc::gen::inRange< U32 >( 0, 5 ),
+                                          [ & ]( U32 one ) { return one != rule.priority; } );
+   return rule.priority && other == 4 ? Scenario::PriorityIs{} : Scenario::PriorityIs{ other };
+}
+
+// A rule that matches another gport.
+std::optional< U32 > otherWithGport( Story::Rule const & rule,
+                                     std::vector< Story::Rule > const & rules ) {
+   for ( Story::Rule const & other : rules ) {
+      if ( other.key.unit == rule.key.unit && other.key.id != rule.key.id &&
+           other.qualifiers.front().name == "SrcVxlanGport" &&
+           rule.qualifiers.front().name == "SrcVxlanGport" ) {
+         return other.key.id;
+      }
+   }
+   return std::nullopt;
+}
+
+Drift::Change anyChange( Story::Rule const & rule, std::vector< Story::Rule > const & rules ) {
+   switch ( *rc::gen::inRange( 0, 5 ) ) {
+   case 0:
+      return *rc::gen::element( Scenario::EntryFate::erased, Scenario::EntryFate::destroyed,
+                                Scenario::EntryFate::copied );
+   case 1: return changeOfPriority( rule );
+   case 2:
+      if ( !rule.actions.empty() ) {
+         return changeOfAction( *rc::gen::elementOf( rule.actions ) );
+      }
+      break;
+   case 3:
+      if ( auto const other = otherWithGport( rule, rules ) ) {
+         return Scenario::GportsSwap{ *other };
+      }
+      break;
+   default: break;
+   }
+   return changeOfQualifier( *rc::gen::elementOf( rule.qualifiers ) );
+}
+
+Drift anyDrift( std::vector< Story::Rule > const & rules ) {
+   Story::Rule const rule = *rc::gen::elementOf( rules );
+   Drift drift;
+   drift.group = rule.key.group == Vornal::kIfpLocalBiasGroup ? Scenario::TcamGroup::ingress
+                                                              : Scenario::TcamGroup::egress;
+   drift.unit = static_cast< U16 >( rule.key.unit );
+   drift.rule = rule.key.id;
+   drift.change = anyChange( rule, rules );
+   return drift;
+}
+
+bool isAbout( Audit::Difference const & difference, Drift const & drift ) {
+   return difference.unit == drift.unit && !isKnown( difference.kind );
+}
+
+// rapidcheck tries a hundred switches and prints its seed.
+RC_GTEST_PROP( DriftProperty, theAuditFindsEverySingleDrift, () ) {
+   Leaf const leaf = *rc::gen::element( Leaf(), classIdLeaf(), twoUnitLeaf( "egress-mask" ),
+                                        twoUnitLeaf( "class-id" ) );
+   for ( int n = 0; n < kDriftsOfEach; ++n ) {
+      Switch device( leaf );
+      RC_ASSERT( device.audited().differences.empty() );
+      Drift const drift = anyDrift( device.rules() );
+      RC_LOG() << leaf.variant << ", " << Scenario::description( drift ) << '\n';
+      device.drifts( drift );
+      auto const found = device.audited().differences;
+      RC_ASSERT( std::any_of( found.begin(), found.end(),
+                              [ & ]( auto const & one ) { return isAbout( one, drift ); } ) );
+   }
+}
+
+}  // namespace
