@@ -188,17 +188,15 @@ void printJson( VerifyOptions const & options, Verified const & verified,
 Story::ExitCode verify( VerifyOptions const & options ) {
    using When = Host::AgentConfig::Verify;
    Scenario::Model const scenario = Scenario::read( options.scenario );
+   Host::AgentConfig config;
+   config.scenario = options.scenario.string();
+   config.plugin = pluginFile( options.plugin );
+   config.verify = options.isAfterEachStep ? When::afterEachStep : When::atEnd;
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
    Verified verified;
    Story::Outcome outcome;
-   ScenarioRun const what{ scenario,
-                           { options.scenario.string(),
-                             pluginFile( options.plugin ),
-                             {},
-                             {},
-                             options.isAfterEachStep ? When::afterEachStep : When::atEnd },
-                           {} };
+   ScenarioRun const what{ scenario, std::move( config ), {} };
    runScenario( what, { &writer, &verified }, outcome );
    if ( !outcome.badInput().empty() ) {
       return Story::ExitCode::BadInput;

@@ -293,8 +293,8 @@ struct Dump {
 enum class Verify { audit, plugIn, both };
 
 using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, ForeignEntries,
-                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder,
-                             Drift, Verify, Expect >;
+                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder, Drift,
+                             Verify, Expect >;
 
 struct Step {
    Action action;

@@ -102,9 +102,8 @@ TEST_F( AuditInStep, without_the_override_rule_all_priorities_are_the_default ) 
    std::string const text = "features: " + directory.path().string() + "\n" +
                             Leaf().text( "   - ready: subagents::l2Ready\n   - verify: audit\n" );
    scenario = Scenario::readText( text, "leaf.yaml" );
-   Host::AgentConfig const config{
-      "leaf.yaml", VORNAL_BINARY_DIR "/VornalEvpn.so", {}, {}, Host::AgentConfig::Verify::never
-   };
+   Host::AgentConfig config;
+   config.plugin = VORNAL_BINARY_DIR "/VornalEvpn.so";
    Host::Agent( scenario, config, ring.bytes(), story ).run();
 
    auto const audited = story.all< Story::Audited >().at( 0 );

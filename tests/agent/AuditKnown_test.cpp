@@ -55,8 +55,9 @@ TEST_F( AuditKnown, a_class_id_that_changes_under_the_rules_is_a_difference ) {
 TEST_F( AuditKnown, a_full_ingress_group_has_no_room_for_a_vtep_and_what_follows_it ) {
    auto const audited = auditAfter( leafWithRoom( "3" ), "" );
 
-   // One VTEP with its egress rules, and the per-VNI rule.
-   EXPECT_EQ( kinds( audited ), "no-room no-room no-room no-room no-room" ) << words( audited );
+   // The unicast exemptions and the per-VNI rule have taken it all.
+   EXPECT_EQ( kinds( audited ), "no-room no-room no-room no-room no-room no-room no-room" )
+      << words( audited );
    EXPECT_TRUE( audited.differences[ 0 ].because.ends_with(
       "the VTEP has no ingress rule either: group 157 has no room on unit 0" ) )
       << words( audited );
@@ -75,14 +76,27 @@ TEST_F( AuditKnown, a_switch_without_room_at_all_lacks_everything ) {
    EXPECT_EQ( kinds( audited ).find( "missing" ), std::string::npos ) << words( audited );
 }
 
-TEST_F( AuditKnown, a_rule_that_nobody_asks_for_again_is_a_difference_once_there_is_room ) {
-   auto const audited = auditAfter( leafWithRoom( "4" ),
-                                    "   - withdraw: { tunnel-interfaces: { Vxlan1: [ red ] } }\n"
-                                    "   - publish: { vteps: { 10.0.0.9: { virtual-port: 9 } } }\n"
-                                    "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
-                                    "   - withdraw: { vteps: [ 10.0.0.2 ] }\n" );
+std::string const kRoomForOne = "   - withdraw: { tunnel-interfaces: { Vxlan1: [ red ] } }\n";
 
-   EXPECT_EQ( kinds( audited ), "not-retried not-retried" ) << words( audited );
+TEST_F( AuditKnown, a_rule_that_nobody_asks_for_again_is_a_difference_once_there_is_room ) {
+   auto const audited = auditAfter( leafWithRoom( "4" ), kRoomForOne );
+
+   EXPECT_EQ( kinds( audited ), "not-retried not-retried not-retried not-retried" )
+      << words( audited );
+}
+
+TEST_F( AuditKnown, a_vtep_that_finds_room_hides_that_another_did_not ) {
+   auto const audited =
+      auditAfter( leafWithRoom( "4" ),
+                  kRoomForOne +
+                     "   - publish: { vteps: { 10.0.0.9: { virtual-port: 9 } } }\n"
+                     "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+                     "   - expect: { log: MULTIHOMING_TCAM_RESOURCE_RECOVERED }\n"
+                     "   - withdraw: { vteps: [ 10.0.0.2 ] }\n" );
+
+   EXPECT_EQ( failedExpectations(), 0U );
+   EXPECT_EQ( kinds( audited ), "missing-rule missing-rule missing-rule missing-rule" )
+      << words( audited );
 }
 
 TEST_F( AuditKnown, a_vni_is_queued_until_there_is_room ) {

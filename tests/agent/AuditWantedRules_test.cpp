@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <Audit/ContentText.h>
+#include <Audit/Difference.h>
 
 namespace {
 
@@ -37,7 +38,7 @@ State twoUnits() {
 std::string contentOf( State const & state, RuleFor const & what ) {
    auto const rules = wantedRules( state );
    auto const found = rules.find( what );
-   return found == rules.end() ? "none" : textOf( found->second.content );
+   return found == rules.end() ? "none" : Audit::textOf( found->second.content );
 }
 
 TEST( AuditWantedRules, are_none_before_the_plug_in_is_ready ) {
