@@ -103,7 +103,7 @@ TEST_F( AuditInStep, without_the_override_rule_all_priorities_are_the_default ) 
                             Leaf().text( "   - ready: subagents::l2Ready\n   - verify: audit\n" );
    scenario = Scenario::readText( text, "leaf.yaml" );
    Host::AgentConfig config;
-   config.plugin = VORNAL_BINARY_DIR "/VornalEvpn.so";
+   config.plugin = Support::plugin();
    Host::Agent( scenario, config, ring.bytes(), story ).run();
 
    auto const audited = story.all< Story::Audited >().at( 0 );

@@ -55,7 +55,7 @@ class AuditRun : public AgentRun {
    void play( Leaf const & leaf, std::string const & steps, Host::AgentConfig config = {} ) {
       scenario = Scenario::readText( leaf.text( steps ), "leaf.yaml" );
       config.scenario = "leaf.yaml";
-      config.plugin = VORNAL_BINARY_DIR "/VornalEvpn.so";
+      config.plugin = Support::plugin();
       Host::Agent( scenario, config, ring.bytes(), story ).run();
       for ( auto const & wrong : story.all< Story::BadInput >() ) {
          ADD_FAILURE() << wrong.text;

@@ -25,7 +25,7 @@ class Switch {
       environment_.steps().queuePublished( scenario_.published );
       environment_.activity().run();
       environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
-      plugin_.emplace( VORNAL_BINARY_DIR "/VornalEvpn.so", "1", environment_ );
+      plugin_.emplace( Support::plugin(), "1", environment_ );
       plugin_->start();
       environment_.activity().run();
       environment_.steps().queue( scenario_.steps.at( 0 ) );

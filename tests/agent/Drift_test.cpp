@@ -102,7 +102,7 @@ class DriftStep : public AuditRun {
                                                   words + " }\n" ),
                                      "leaf.yaml" );
       Host::AgentConfig config;
-      config.plugin = VORNAL_BINARY_DIR "/VornalEvpn.so";
+      config.plugin = Support::plugin();
       Host::Agent( scenario, config, ring.bytes(), story ).run();
       return badInput();
    }

@@ -42,7 +42,7 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
                        "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",
-                       "dumps", "expectations" } ) );
+                       "dumps", "audits", "pluginPass", "expectations" } ) );
    EXPECT_EQ( namesIn( document[ "rules" ][ 0 ] ),
               ( Names{ "unit", "group", "id", "name", "priority", "written", "qualifiers",
                        "actions" } ) );

@@ -123,16 +123,16 @@ TEST( ScenarioExpectations, AreMappings ) {
    EXPECT_EQ(
       expectProblems( "ready" ),
       "leaf.yaml:10: expect is text; a mapping is expected, of plug-in, tcam-groups, state, "
-      "rules, frames, log and trace" );
+      "rules, frames, audit, log and trace" );
    EXPECT_EQ( expectProblems( "[ ready ]" ),
               "leaf.yaml:10: an element of expect is text; a mapping is expected, of plug-in, "
-              "tcam-groups, state, rules, frames, log and trace" );
+              "tcam-groups, state, rules, frames, audit, log and trace" );
 }
 
 TEST( ScenarioExpectations, RefuseToExpectNothing ) {
    std::string const empty =
-      " is empty; give one at least of plug-in, tcam-groups, state, rules, frames, log "
-      "and trace";
+      " is empty; give one at least of plug-in, tcam-groups, state, rules, frames, audit, "
+      "log and trace";
    EXPECT_EQ( expectProblems( "{}" ), "leaf.yaml:10: expect" + empty );
    EXPECT_EQ( expectProblems( "[]" ), "leaf.yaml:10: expect" + empty );
    EXPECT_EQ( expectProblems( "[ {} ]" ), "leaf.yaml:10: an element of expect" + empty );

@@ -90,12 +90,12 @@ TEST( ScenarioSteps, AreMappings ) {
               "leaf.yaml:10: an element of steps is text; a mapping is expected, of note, ready, "
               "publish, withdraw, set, delete, call, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "expect and only-on" );
+              "drift, verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps:\n   -\n" ),
               "leaf.yaml:9: an element of steps is empty; a mapping is expected, of note, ready, "
               "publish, withdraw, set, delete, call, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "expect and only-on" );
+              "drift, verify, expect and only-on" );
 }
 
 TEST( ScenarioSteps, DoOneThingEach ) {
