@@ -1,4 +1,6 @@
 // Where MAC addresses are: learned on both sides, moved, kept over changes that they survive.
+#include <Frames/Bytes.h>
+
 #include "Leaf.h"
 
 namespace LearningTest {
@@ -80,8 +82,11 @@ TEST( Learning, allCanBeForgotten ) {
 
 TEST( Learning, endsAtALimitAndKnownAddressesStillMove ) {
    Leaf leaf1;
+   std::vector< U8 > bytes = bytesOf( fromHost1() );
    for ( U64 n = 0; n < 33000; ++n ) {
-      leaf1.learn( MacAddress( 0x020000100000 + n ), kPort1 );
+      Chip::macAtIs( bytes, MacAddress::kBytes, MacAddress( 0x020000100000 + n ) );
+      leaf1.wire.sent.clear();
+      leaf1.pipeline.forward( kPort1, bytes, leaf1.wire );
    }
    EXPECT_EQ( leaf1.pipeline.learned(), 32768U );
    leaf1.learn( MacAddress( 0x020000100000 ), kPort2 );
