@@ -111,8 +111,7 @@ Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidenc
          auto const & entries = group->second.entries();
          U32 const on = number;
          count += std::count_if( entries.begin(), entries.end(), [ & ]( auto const & entry ) {
-            return isLike( ruleOf( { on, group->first, entry.first }, entry.second ),
-                           expected );
+            return isLike( ruleOf( { on, group->first, entry.first }, entry.second ), expected );
          } );
       }
    }

@@ -9,8 +9,7 @@ namespace {
 class ShippedScenario : public testing::TestWithParam< std::string > {};
 
 TEST_P( ShippedScenario, Holds ) {
-   Support::Ran const ran =
-      Support::vornal( { "run", Shipped::fileOf( GetParam() ).string() } );
+   Support::Ran const ran = Support::vornal( { "run", Shipped::fileOf( GetParam() ).string() } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
 }
 
