@@ -1,8 +1,8 @@
 // The state database as a plug-in sees it: mounting paths, and finding what is mounted.
 //
-// A plug-in opens a mount group, adds the paths it wants, and closes the group. Closing it with an empty
-// name asks the agent to perform the mounts and to call the mounter's doMountsComplete() when they are
-// done, with the outcome and the manager from which the entities can be taken.
+// A plug-in opens a mount group, adds the paths it wants, and closes the group. Closing it with an
+// empty name asks the agent to perform the mounts and to call the mounter's doMountsComplete() when
+// they are done, with the outcome and the manager from which the entities can be taken.
 //
 // The agent implements these interfaces. A path that nobody publishes is not an error: getEntity()
 // returns an empty reference for it.

@@ -1,6 +1,9 @@
 // Feature toggles: switches that support staff set in a file, by name.
 //
-// A toggle is a boolean in a JSON feature file ("VornalL3.json": { "SbdEvpnTcamOverrideRule": false }).
+// A toggle is a boolean in a JSON feature file, as in this "VornalL3.json":
+//
+//    { "SbdEvpnTcamOverrideRule": false }
+//
 // Reading files is the agent's business; it provides the facility. What every facility keeps to:
 //
 // - a toggle that the file does not name, and every toggle of a file that does not exist, has the

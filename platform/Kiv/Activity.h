@@ -1,22 +1,22 @@
 // The activity: one thread, one lock, a queue of turns and a clock.
 //
-// All work of an agent and its plug-ins is done in turns: a change that another agent wrote, a wake-up
-// of the clock, a step of the agent itself. Turns run one after the other, on the thread that calls
-// run(), with the activity lock held; within a turn nothing else of the agent runs.
+// All work of an agent and its plug-ins is done in turns: a change that another agent wrote, a
+// wake-up of the clock, a step of the agent itself. Turns run one after the other, on the thread
+// that calls run(), with the activity lock held; within a turn nothing else of the agent runs.
 //
 // What holds:
 // - Turns that were queued run in the order of queueing, never merged.
-// - A wake-up that is due runs before the next queued turn. When neither is left, the clock moves on
-//   to the next armed wake-up.
+// - A wake-up that is due runs before the next queued turn. When neither is left, the clock moves
+//   on to the next armed wake-up.
 // - The lock is given up only by an ActivityUnlockAnchor: for its scope, the holder's thread works
 //   without it and any other thread may take it. The anchor takes it back at the end of the scope,
 //   also when an exception passes. Whoever opens the scope must not rely on state that others can
 //   change.
 // - ActivityLockAnchor is how any other thread comes in.
 //
-// Failures: unlocking on a thread that does not hold the lock is a failed assertion, and so is locking
-// on one that does, by run() within a turn for example. An exception that leaves a turn passes through
-// run(); turns behind it stay queued.
+// Failures: unlocking on a thread that does not hold the lock is a failed assertion, and so is
+// locking on one that does, by run() within a turn for example. An exception that leaves a turn
+// passes through run(); turns behind it stay queued.
 //
 // The manager is an object that the agent owns. activityManager() finds the one in charge, which is
 // the one most recently built and still alive.

@@ -57,13 +57,13 @@ void Attribute::refuse( std::string const & what ) const {
 
 std::string_view kindName( Attribute::Kind kind ) {
    switch ( kind ) {
-    case Attribute::Kind::Key: return "key";
-    case Attribute::Kind::Value: return "value";
-    case Attribute::Kind::Reference: return "reference";
-    case Attribute::Kind::Set: return "set";
-    case Attribute::Kind::Collection: return "collection";
-    case Attribute::Kind::Members: return "collection of entities";
-    case Attribute::Kind::Operation: return "operation";
+   case Attribute::Kind::Key: return "key";
+   case Attribute::Kind::Value: return "value";
+   case Attribute::Kind::Reference: return "reference";
+   case Attribute::Kind::Set: return "set";
+   case Attribute::Kind::Collection: return "collection";
+   case Attribute::Kind::Members: return "collection of entities";
+   case Attribute::Kind::Operation: return "operation";
    }
    return {};
 }

@@ -1,9 +1,9 @@
 // One row of an introspection table: the generic interface to one attribute.
 //
-// Everything here is text: keys, values, arguments and results in the text forms of Quelm/Text.h, so
-// that state files, `show`, dumps and scenario steps work on every entity without knowing its class.
-// What goes through the generic interface goes through the same accessors as a handler's own code:
-// same factories, same notifications.
+// Everything here is text: keys, values, arguments and results in the text forms of Quelm/Text.h,
+// so that state files, `show`, dumps and scenario steps work on every entity without knowing its
+// class. What goes through the generic interface goes through the same accessors as a handler's own
+// code: same factories, same notifications.
 //
 // Failures: what a kind of attribute does not offer (a key on a plain value, writing what is
 // read-only) throws Quelm::AccessError, a text that is not the type's form throws Quelm::TextError;

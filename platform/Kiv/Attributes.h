@@ -4,31 +4,33 @@
 // Each line gives the storage, the accessors, the identifier xAttr(), the row of the introspection
 // table and the notification:
 //
-//    KIV_KEY( x, T )              x()                                  set by the constructor (x_)
+//    KIV_KEY( x, T )              x()                  set by the constructor (x_)
 //    KIV_VALUE( x, T )            x() xIs( value )
-//    KIV_REFERENCE( x, T )        x() xIs( ptr )                       counted reference
-//    KIV_HELD( x, T )             x()                                  counted reference, written by the
-//                                                                      class only: xHeldIs( ptr )
-//    KIV_BACK( x, T )             x()                                  back reference: a plain pointer,
-//                                                                      written by the class only
+//    KIV_REFERENCE( x, T )        x() xIs( ptr )       counted reference
+//    KIV_HELD( x, T )             x()                  counted reference, written by the class
+//                                                      only: xHeldIs( ptr )
+//    KIV_BACK( x, T )             x()                  back reference: a plain pointer, written
+//                                                      by the class only
 //    KIV_SET( x, K )              xHas( k ) xIs( k ) xDel( k ) xDelAll() xIter()
-//    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter() xFinder()
-//    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be built
-//                                 from its key), xIs( ptr ) inserts an entity under its own key
+//    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter()
+//                                 xFinder()
+//    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be
+//                                 built from its key), xIs( ptr ) inserts an entity under its
+//                                 own key
 //    KIV_NESTED( x, K, T )        nested reactors (Kiv/NestedReactor.h): x( k ) xHas( k ) xDel( k )
 //                                 xDelAll() xIter(); the class writes its own xIs
 //    KIV_OPERATION( R, x, ( P p, ... ) )   declares R x( P p, ... ), callable by name
-//    KIV_QUERY, KIV_VIRTUAL       the same for a const, a virtual one; an overriding operation needs
-//                                 no line, that of the one it overrides calls it
+//    KIV_QUERY, KIV_VIRTUAL       the same for a const, a virtual one; an overriding operation
+//                                 needs no line, that of the one it overrides calls it
 //    KIV_ABSTRACT                 the same for one without a body
 //    KIV_OVERLOAD( R, x, () )     a further operation of an existing name; no row of its own
 //
 // The three kinds with keys take one more word where the count is wanted: its name, as in
 // KIV_COLLECTION( efpEntryId, VornalPort, U32, efpEntryIds ).
 //
-// Reading what is absent gives the type's default; xDel gives back what was removed, or the default.
-// Members are looked up as references to const through a const entity; what a reference line or a
-// walk gives is as declared. xIter() starts a walk, xFinder() a row of look-ups (see
+// Reading what is absent gives the type's default; xDel gives back what was removed, or the
+// default. Members are looked up as references to const through a const entity; what a reference
+// line or a walk gives is as declared. xIter() starts a walk, xFinder() a row of look-ups (see
 // Kiv/Collection.h).
 //
 // KIV_DEFINE( Namespace::Class ), once in a source file, builds the table and registers the type.
@@ -53,6 +55,8 @@ template< typename Class, int line > consteval AttributeId attributeId() {
 }  // namespace Kiv
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage, bugprone-macro-parentheses)
+// Version 14 of clang-format would open every body within a macro.
+// clang-format off
 #define KIV_ENTITY( Class, Base )                                                                  \
  public:                                                                                           \
    using KivSelf = Class;                                                                          \
@@ -225,4 +229,5 @@ template< typename Class, int line > consteval AttributeId attributeId() {
          static_cast< R ( KivSelf::* ) parameters >( &KivSelf::x ) > >( #x );                      \
    }
 
+// clang-format on
 // NOLINTEND(cppcoreguidelines-macro-usage, bugprone-macro-parentheses)

@@ -1,12 +1,12 @@
 // Time, and reactors to it.
 //
 // Time is counted in nanoseconds since the agent started. The clock does not tick: the activity
-// moves it on (Kiv/Activity.h), to the next armed wake-up once nothing else is left to do, so that a
-// run that waits an hour takes no time and ends the same every time.
+// moves it on (Kiv/Activity.h), to the next armed wake-up once nothing else is left to do, so that
+// a run that waits an hour takes no time and ends the same every time.
 //
 // A ClockReactor is armed with timeMinIs(): it fires once, in a turn of its own, when the clock has
-// reached that time. Arming it again moves the time; arming it with a time that has been reached makes
-// it fire at the next turn. Reactors armed for the same time fire in the order of arming.
+// reached that time. Arming it again moves the time; arming it with a time that has been reached
+// makes it fire at the next turn. Reactors armed for the same time fire in the order of arming.
 #pragma once
 
 #include <chrono>
@@ -44,8 +44,8 @@ class Clock : public Entity {
    std::map< Due, ClockReactor * > armed_;
 };
 
-// Calls a function when its time has come. A time that comes while its notifications are inactive, or
-// while it is out of service, passes without a call.
+// Calls a function when its time has come. A time that comes while its notifications are inactive,
+// or while it is out of service, passes without a call.
 class ClockReactor {
  public:
    ClockReactor( Quelm::Ptr< Clock > clock, std::function< void() > handler );

@@ -12,9 +12,9 @@
 //
 // The storage knows nothing of entities and notifies nobody; Kiv/Store.h does that.
 //
-// Cost: that of std::map; a walk adds one comparison a member, insertion and removal one test while no
-// walk is under way. What walks need to know of an insertion is kept beside the members, until the last
-// walk ends. Threads: none of its own (Activity.h).
+// Cost: that of std::map; a walk adds one comparison a member, insertion and removal one test while
+// no walk is under way. What walks need to know of an insertion is kept beside the members, until
+// the last walk ends. Threads: none of its own (Activity.h).
 #pragma once
 
 #include <forward_list>
@@ -117,15 +117,15 @@ template< typename Key, typename T > class Collection {
 
    mutable Map map_;
    mutable Iterator * walks_ = nullptr;  // the innermost of those under way
-   // Until the last walk ends: the members inserted since the first one began, numbered in that order
-   // (removed ones too: their nodes live as long), and the nodes of the removed ones.
+   // Until the last walk ends: the members inserted since the first one began, numbered in that
+   // order (removed ones too: their nodes live as long), and the nodes of the removed ones.
    mutable std::map< Pair const *, std::size_t > inserted_;
    mutable std::forward_list< typename Map::node_type > removed_;
 };
 
-// Looks keys up one after the other. A key that follows the one found before costs one comparison, any
-// other a look-up: for walking along two collections with the same kind of key. The collection stands
-// still meanwhile.
+// Looks keys up one after the other. A key that follows the one found before costs one comparison,
+// any other a look-up: for walking along two collections with the same kind of key. The collection
+// stands still meanwhile.
 template< typename Key, typename T > class Collection< Key, T >::Finder {
  public:
    explicit Finder( Collection const & collection )

@@ -1,7 +1,7 @@
 // Kiv::Entity: what every object of the state database, and every object of a plug-in, is.
 //
-// An entity has typed attributes in a fixed order (its type's table, Kiv/Type.h), counted references
-// (Quelm/Ptr.h) and subscribers (Kiv/Reactor.h). A class reads as its attribute table:
+// An entity has typed attributes in a fixed order (its type's table, Kiv/Type.h), counted
+// references (Quelm/Ptr.h) and subscribers (Kiv/Reactor.h). A class reads as its attribute table:
 //
 //    class TepIpToEntry : public Kiv::Entity {
 //       KIV_ENTITY( TepIpToEntry, Kiv::Entity )
@@ -15,8 +15,8 @@
 // A node's flags, all false at birth:
 // - notification active: the entity's own reactors are subscribed to their inputs;
 // - zombie: out of service; reactors that still fire do only what keeps them consistent;
-// - being destroyed: set by owners that tear down in a fixed order; nothing that changes from then on
-//   is delivered to subscribers.
+// - being destroyed: set by owners that tear down in a fixed order; nothing that changes from then
+//   on is delivered to subscribers.
 //
 // The order of the virtual operations is the order in which derived classes extend them.
 #pragma once

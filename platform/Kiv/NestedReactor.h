@@ -1,16 +1,16 @@
 // Nested reactors: one small reactor for each member of a collection that somebody else publishes.
 //
 // A reactor that watches a collection often has to watch every member as well. It then keeps a
-// collection of nested reactors of its own, keyed like the watched one: a nested reactor enters when a
-// member is first seen, is re-pointed when the member is replaced by another object under the same key,
-// and is retired when the member has gone. Retiring puts it out of service, switches its notifications
-// off and, after that, gives it a last word in retired().
+// collection of nested reactors of its own, keyed like the watched one: a nested reactor enters
+// when a member is first seen, is re-pointed when the member is replaced by another object under
+// the same key, and is retired when the member has gone. Retiring puts it out of service, switches
+// its notifications off and, after that, gives it a last word in retired().
 //
 // The owner dropping its collection (in its destructor) is not retiring: the reactors forget the
 // owner, in case somebody else still refers to them, and nothing else is called.
 //
-// Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost: one
-// look-up and one subscription a member. Threads: the activity's.
+// Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost:
+// one look-up and one subscription a member. Threads: the activity's.
 #pragma once
 
 #include <string>
@@ -47,8 +47,7 @@ template< typename T > class NestedReactor : public Entity {
 
  protected:
    explicit NestedReactor( Notifier const & notifier )
-         : notifier_( notifier ),
-           watch_( notifier, [ this ]( Change const & change ) {
+         : notifier_( notifier ), watch_( notifier, [ this ]( Change const & change ) {
               Quelm::Ptr< NestedReactor > const alive( this );  // the handler may retire it
               onAttribute( change );
            } ) {}

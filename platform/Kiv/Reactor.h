@@ -6,9 +6,9 @@
 //
 // What holds:
 // - A reactor is called at most once per change, and never after it has unsubscribed or died.
-// - Subscribing, unsubscribing, re-pointing and destroying any reactor from inside a handler is safe,
-//   also of the one that is running. A reactor that subscribes during a delivery is not called for
-//   the change being delivered.
+// - Subscribing, unsubscribing, re-pointing and destroying any reactor from inside a handler is
+//   safe, also of the one that is running. A reactor that subscribes during a delivery is not
+//   called for the change being delivered.
 // - A reactor keeps its notifier alive while it watches it.
 // - Being out of service ("zombie") is a mark on the reactor. It does not unsubscribe; each
 //   handler decides what it still does.

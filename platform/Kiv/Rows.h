@@ -164,8 +164,7 @@ class Rows {
       void entityIs( Entity & entity, Quelm::Ptr< Entity > const & target ) const override {
          auto const typed = Quelm::dynamicCast< T >( target );
          if ( target && !typed ) {
-            this->refuse( "holds a " + this->valueType() + ", not a " +
-                          target->typeData().name() );
+            this->refuse( "holds a " + this->valueType() + ", not a " + target->typeData().name() );
          }
          put( entity, typed );
       }
@@ -293,7 +292,8 @@ class Rows {
 
  private:
    template< typename Member > struct Signature;
-   template< typename Owner, typename R, typename... P > struct Signature< R ( Owner::* )( P... ) > {
+   template< typename Owner, typename R, typename... P >
+   struct Signature< R ( Owner::* )( P... ) > {
       using Self = Owner;
       using Result = R;
       using Arguments = std::tuple< std::decay_t< P >... >;
@@ -365,9 +365,8 @@ template< typename Class, int n > void addLine( Type & type ) {
 // Builds the table of `Class` from its attribute lines.
 template< typename Class > Type makeType() {
    Type type( Class::kivTypeName(), &Class::KivBase::kivType() );
-   Quelm::forEachLine< Class::kivFirstLine >( [ & ]< int n >( Quelm::Line< n > ) {
-      addLine< Class, n >( type );
-   } );
+   Quelm::forEachLine< Class::kivFirstLine >(
+      [ & ]< int n >( Quelm::Line< n > ) { addLine< Class, n >( type ); } );
    return type;
 }
 
@@ -383,6 +382,8 @@ template< typename Class > Type makeNamedType() {
 }  // namespace Kiv
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage)
+// Version 14 of clang-format would open every body within a macro.
+// clang-format off
 #define KIV_DEFINE_AS( Class, makeTable )                                                          \
    char const * Class::kivTypeName() { return #Class; }                                            \
    ::Kiv::Type const & Class::kivType() {                                                          \
@@ -397,4 +398,5 @@ template< typename Class > Type makeNamedType() {
 
 #define KIV_UNIQUE_OF( name, line ) name##line
 #define KIV_UNIQUE( name, line ) KIV_UNIQUE_OF( name, line )
+// clang-format on
 // NOLINTEND(cppcoreguidelines-macro-usage)

@@ -33,9 +33,9 @@ void assign( Owner & entity, AttributeId attribute, T & storage, T value ) {
    std::swap( storage, value );
    if ( entity.publisher().hasSubscribers() ) {
       T const now = storage;
-      publish( entity, Change( entity, attribute )
-                          .from( TypedPointer( &value ) )
-                          .to( TypedPointer( &now ) ) );
+      publish(
+         entity,
+         Change( entity, attribute ).from( TypedPointer( &value ) ).to( TypedPointer( &now ) ) );
    }
 }
 
@@ -84,9 +84,8 @@ T remove( Owner & entity, AttributeId attribute, Collection< Key, T > & storage,
 // Removes every member present, one by one in key order.
 template< typename Owner, typename Key, typename T >
 void removeAll( Owner & entity, AttributeId attribute, Collection< Key, T > & storage ) {
-   for ( typename Collection< Key, T >::Iterator iter(
-            storage, Quelm::Ptr< Quelm::Counted const >( &entity ) );
-         iter; ++iter ) {
+   Quelm::Ptr< Quelm::Counted const > const owner( &entity );
+   for ( typename Collection< Key, T >::Iterator iter( storage, owner ); iter; ++iter ) {
       remove( entity, attribute, storage, iter.key() );
    }
 }

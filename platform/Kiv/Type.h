@@ -6,8 +6,8 @@
 // operation follow in a list of their own and have no identifier.
 //
 // The register knows every type of every loaded module by name. State loading creates entities
-// through it, so that a new entity type needs no line of code there. A module adds its types when it
-// is loaded and takes them out when it is unloaded; both happen on the loading thread.
+// through it, so that a new entity type needs no line of code there. A module adds its types when
+// it is loaded and takes them out when it is unloaded; both happen on the loading thread.
 #pragma once
 
 #include <functional>

@@ -6,8 +6,9 @@ KIV_DEFINE( Lag::LagPhyIntfMappingSm )
 
 namespace Lag {
 
-LagPhyIntfMappingSm::LagPhyIntfMappingSm( Quelm::Ptr< Config const > const & lagConfig,
-                                          Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping )
+LagPhyIntfMappingSm::LagPhyIntfMappingSm(
+   Quelm::Ptr< Config const > const & lagConfig,
+   Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping )
       : configWatch_( lagConfig, [ this ]( Kiv::Change const & change ) {
            if ( change.attribute() == Config::phyIntfAttr() ) {
               handlePhyIntf( change.key< Pelk::IntfId >() );

@@ -1,8 +1,8 @@
 // Derives the member mapping of port channels from the membership of physical interfaces.
 //
-// The configuration says, per physical interface, which port channel it is in; the mapping says, per
-// port channel, which interfaces are in it. The order of the changes it makes is what its readers
-// rely on:
+// The configuration says, per physical interface, which port channel it is in; the mapping says,
+// per port channel, which interfaces are in it. The order of the changes it makes is what its
+// readers rely on:
 //
 // - a port channel enters the mapping empty, and its first member joins after that;
 // - its last member leaves, and the port channel goes after that;
@@ -10,8 +10,8 @@
 //
 // While its notifications are active the mapping is in step; switching them on brings it into step
 // first. Switching them off, and destroying this object, leaves the mapping as it is: an agent that
-// restarts must not see every port channel fall apart. A missing configuration or mapping means that
-// nothing is derived.
+// restarts must not see every port channel fall apart. A missing configuration or mapping means
+// that nothing is derived.
 //
 // Cost: one look-up per changed interface. Threads: the activity's.
 #pragma once
@@ -33,9 +33,9 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
    ~LagPhyIntfMappingSm() override;
 
    // Builds one; the caller switches its notifications on.
-   static Quelm::Ptr< LagPhyIntfMappingSm >
-   LagPhyIntfMappingSmIs( Quelm::Ptr< Config const > const & lagConfig,
-                          Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );
+   static Quelm::Ptr< LagPhyIntfMappingSm > LagPhyIntfMappingSmIs(
+      Quelm::Ptr< Config const > const & lagConfig,
+      Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );
 
    void hasNotificationActiveIs( bool active ) override;
 

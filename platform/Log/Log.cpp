@@ -41,10 +41,9 @@ Handle::~Handle() {
 }
 
 void Handle::log( std::initializer_list< std::string_view > arguments ) const {
-   std::string const line = "%VORNAL-" +
-                            std::to_string( static_cast< unsigned >( descriptor_.severity ) ) + "-" +
-                            descriptor_.name + ": " +
-                            Quelm::formatted( descriptor_.format, arguments );
+   std::string const line =
+      "%VORNAL-" + std::to_string( static_cast< unsigned >( descriptor_.severity ) ) + "-" +
+      descriptor_.name + ": " + Quelm::formatted( descriptor_.format, arguments );
    if ( shared().sink ) {
       shared().sink( Message{ descriptor_, line } );
    } else {

@@ -32,7 +32,7 @@ Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs(
    Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
    Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping ) {
    return Quelm::make< OxaEvpnTepSegmentSm >( evpnStatus, tepSegmentDir, bridgingHwCapabilities,
-                                                 lagPhyIntfMapping );
+                                              lagPhyIntfMapping );
 }
 
 void OxaEvpnTepSegmentSm::hasNotificationActiveIs( bool active ) {

@@ -1,21 +1,21 @@
 // Derives the shared segments of each remote VTEP from the segment status.
 //
-// The segment status says, per segment interface, which remote VTEPs are attached; the directory says,
-// per remote VTEP, which interfaces are shared with it. The order of the changes it makes is what its
-// readers rely on:
+// The segment status says, per segment interface, which remote VTEPs are attached; the directory
+// says, per remote VTEP, which interfaces are shared with it. The order of the changes it makes is
+// what its readers rely on:
 //
 // - a VTEP's segment entity is filled before it enters the directory, with every interface that is
 //   shared with the VTEP at that moment;
-// - an interface that is no longer shared leaves the set first, and the last one takes the entity out
-//   of the directory after that;
+// - an interface that is no longer shared leaves the set first, and the last one takes the entity
+//   out of the directory after that;
 // - an entity in the directory is never replaced by another.
 //
-// While its notifications are active the directory is in step; switching them on brings it into step
-// first. Switching them off, and destroying this object, leaves the directory as it is. A missing
-// status or directory means that nothing is derived.
+// While its notifications are active the directory is in step; switching them on brings it into
+// step first. Switching them off, and destroying this object, leaves the directory as it is. A
+// missing status or directory means that nothing is derived.
 //
-// The bridging capabilities and the LAG mapping are held for those who ask; the shared interfaces are
-// those that the segments are configured on, port channels as such.
+// The bridging capabilities and the LAG mapping are held for those who ask; the shared interfaces
+// are those that the segments are configured on, port channels as such.
 //
 // Cost: proportional to the changed segment's VTEPs. Threads: the activity's.
 #pragma once
@@ -44,11 +44,11 @@ class OxaEvpnTepSegmentSm : public Kiv::Entity {
    ~OxaEvpnTepSegmentSm() override;
 
    // Builds one; the caller switches its notifications on.
-   static Quelm::Ptr< OxaEvpnTepSegmentSm >
-   OxaEvpnTepSegmentSmIs( Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
-                          Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
-                          Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
-                          Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
+   static Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSmIs(
+      Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
+      Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
+      Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
+      Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
 
    void hasNotificationActiveIs( bool active ) override;
 

@@ -1,9 +1,9 @@
 // How an agent meets its plug-ins.
 //
-// A plug-in is a shared object that the agent opens. Opening it runs its module initialisation, which
-// registers one or more mounters by a MounterRegistration. The agent then creates every mounter it
-// finds, tells it its slice and its entity manager, and calls doInit(); when the paths that doInit()
-// asked for are mounted, doMountsComplete() follows in an activity turn of its own.
+// A plug-in is a shared object that the agent opens. Opening it runs its module initialisation,
+// which registers one or more mounters by a MounterRegistration. The agent then creates every
+// mounter it finds, tells it its slice and its entity manager, and calls doInit(); when the paths
+// that doInit() asked for are mounted, doMountsComplete() follows in an activity turn of its own.
 //
 // The registration goes with the module: after closing the shared object its mounters are gone.
 #pragma once

@@ -91,6 +91,8 @@ template< typename Owner, int first > struct FieldsOf {
 }  // namespace Quelm
 
 // NOLINTBEGIN(cppcoreguidelines-macro-usage, bugprone-macro-parentheses)
+// Version 14 of clang-format would open every body within a macro.
+// clang-format off
 #define QUELM_VALUE( Class, typeNameText )                                                         \
  private:                                                                                          \
    using QuelmOwner = Class;                                                                       \
@@ -117,4 +119,5 @@ template< typename Owner, int first > struct FieldsOf {
    }                                                                                               \
    __VA_ARGS__ const & field() const { return field##_; }                                          \
    void field##Is( __VA_ARGS__ value ) { field##_ = std::move( value ); }
+// clang-format on
 // NOLINTEND(cppcoreguidelines-macro-usage, bugprone-macro-parentheses)

@@ -1,12 +1,14 @@
 // Quelm::Ptr< T >: a counted reference to an object that counts its own users.
 //
 // The count lives inside the object, so a plain `this` can be turned into a reference at any time
-// and a reference costs one pointer. Users of an object are equal: whoever lets go last destroys it.
+// and a reference costs one pointer. Users of an object are equal: whoever lets go last destroys
+// it.
 //
 // Life of the count. An object is born with one user, its creator, and Quelm::make hands that use
-// over to the reference that it returns. A constructor may therefore run handlers that take and drop
-// references to the object being built: the count never falls to zero before the constructor has
-// returned. A destructor may do the same: once the last user is gone the count is set far from zero.
+// over to the reference that it returns. A constructor may therefore run handlers that take and
+// drop references to the object being built: the count never falls to zero before the constructor
+// has returned. A destructor may do the same: once the last user is gone the count is set far from
+// zero.
 //
 // An empty reference that is used is a failed assertion, never undefined behaviour:
 // "reference is not empty", with the type of the reference in the function's signature.
@@ -66,9 +68,12 @@ template< typename T > class Ptr {
          : target_( other.get() ) {
       take();
    }
+   // Version 14 of clang-format takes the noexcept for a part of the body.
+   // clang-format off
    template< typename U >
    requires std::is_convertible_v< U *, T * > Ptr( Ptr< U > && other ) noexcept
          : target_( other.release() ) {}
+   // clang-format on
    ~Ptr() { drop(); }
 
    Ptr & operator=( Ptr other ) noexcept {

@@ -121,10 +121,10 @@ template< PlainInteger T > struct TextForm< T > {
    static std::string_view typeName() {
       constexpr bool isSigned = std::is_signed_v< T >;
       switch ( sizeof( T ) ) {
-       case 1: return isSigned ? "S8" : "U8";
-       case 2: return isSigned ? "S16" : "U16";
-       case 4: return isSigned ? "S32" : "U32";
-       default: return isSigned ? "S64" : "U64";
+      case 1: return isSigned ? "S8" : "U8";
+      case 2: return isSigned ? "S16" : "U16";
+      case 4: return isSigned ? "S32" : "U32";
+      default: return isSigned ? "S64" : "U64";
       }
    }
    static void write( std::string & out, T value ) { out += std::to_string( value ); }

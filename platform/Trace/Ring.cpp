@@ -50,7 +50,8 @@ Ring::Decoded decoded( Slot const & slot ) {
 
 }  // namespace
 
-Ring::Ring( std::span< std::byte > memory ) : memory_( memory ), slots_( memory.size() / kSlotSize ) {
+Ring::Ring( std::span< std::byte > memory )
+      : memory_( memory ), slots_( memory.size() / kSlotSize ) {
    if ( slots_ < 2 || reinterpret_cast< std::uintptr_t >( memory.data() ) % alignof( Slot ) != 0 ) {
       throw Quelm::RangeError( "a trace ring needs at least " + std::to_string( sizeFor( 1 ) ) +
                                " bytes, aligned to " + std::to_string( alignof( Slot ) ) );
@@ -76,7 +77,8 @@ void Ring::lineNew( Line const & line ) {
    slot.textSize = static_cast< U16 >( size );
    line.handle.copy( slot.handle, sizeof slot.handle - 1 );
    line.text.copy( slot.text, size );
-   std::memcpy( place + sizeof slot.state, reinterpret_cast< std::byte * >( &slot ) + sizeof slot.state,
+   std::memcpy( place + sizeof slot.state,
+                reinterpret_cast< std::byte * >( &slot ) + sizeof slot.state,
                 kSlotSize - sizeof slot.state );
 
    std::atomic_ref< U64 >( *state ).store( ++next_, std::memory_order_release );
@@ -99,9 +101,8 @@ std::vector< Ring::Decoded > Ring::decode( std::span< std::byte const > memory )
          lines.push_back( decoded( slot ) );
       }
    }
-   std::sort( lines.begin(), lines.end(), []( Decoded const & a, Decoded const & b ) {
-      return a.number < b.number;
-   } );
+   std::sort( lines.begin(), lines.end(),
+              []( Decoded const & a, Decoded const & b ) { return a.number < b.number; } );
    return lines;
 }
 

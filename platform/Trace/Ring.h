@@ -1,15 +1,16 @@
 // The binary trace ring: the last lines of a process, readable after it has stopped.
 //
 // A ring is a block of memory that its owner provides; the agent maps a file, so that the block is
-// still there when the process is not. It holds a header and a number of slots of one fixed size. Line n
-// goes to slot n modulo their number and overwrites what was there. A slot is marked as being written
-// before, and as complete after its text is in place: a stop in mid-line costs that line only.
+// still there when the process is not. It holds a header and a number of slots of one fixed size.
+// Line n goes to slot n modulo their number and overwrites what was there. A slot is marked as
+// being written before, and as complete after its text is in place: a stop in mid-line costs that
+// line only.
 //
-// A line longer than a slot is cut; its slot says so. Times are those of the agent's clock where there
-// is one, in nanoseconds, and 0 elsewhere.
+// A line longer than a slot is cut; its slot says so. Times are those of the agent's clock where
+// there is one, in nanoseconds, and 0 elsewhere.
 //
-// The layout is the machine's own byte order and read by the program that wrote it: the decoder checks
-// a mark and a version, and refuses anything else with Quelm::TextError.
+// The layout is the machine's own byte order and read by the program that wrote it: the decoder
+// checks a mark and a version, and refuses anything else with Quelm::TextError.
 //
 // Cost: one copy a line, no allocation. Threads: writers hold the activity lock.
 #pragma once
@@ -30,7 +31,8 @@ class Ring {
    // The block size that holds `slots` lines.
    static constexpr std::size_t sizeFor( std::size_t slots ) { return ( slots + 1 ) * kSlotSize; }
 
-   // Takes `memory` over and empties it. At least one slot, aligned to 8 bytes; RangeError otherwise.
+   // Takes `memory` over and empties it. At least one slot, aligned to 8 bytes; RangeError
+   // otherwise.
    explicit Ring( std::span< std::byte > memory );
 
    void lineNew( Line const & line );

@@ -17,13 +17,14 @@ struct Setting {
 
    bool applies( std::string_view handle ) const {
       std::string_view const pattern = names;
-      return pattern.ends_with( '*' ) ? handle.starts_with( pattern.substr( 0, pattern.size() - 1 ) )
-                                      : handle == pattern;
+      return pattern.ends_with( '*' )
+                ? handle.starts_with( pattern.substr( 0, pattern.size() - 1 ) )
+                : handle == pattern;
    }
 };
 
-// Handles are built and destroyed while modules load and unload, so what they share is built on first
-// use and never destroyed.
+// Handles are built and destroyed while modules load and unload, so what they share is built on
+// first use and never destroyed.
 struct Shared {
    std::vector< Handle * > handles;
    std::vector< Setting > textSettings{ { "*", 0x001 } };

@@ -1,7 +1,7 @@
 // Leveled tracing.
 //
-// A plug-in traces through handles. A handle has a name and ten levels, 0 to 9, each of which can be
-// on or off; a line at a level that is off costs one test and formats nothing:
+// A plug-in traces through handles. A handle has a name and ten levels, 0 to 9, each of which can
+// be on or off; a line at a level that is off costs one test and formats nothing:
 //
 //    TRACE( handle, 5, "ifpTcamEntries" << ", unit: " << unit );
 //    TRACE_RING( handle, 5, "handleTepSegment" << " tepIp: " << tepIp );
@@ -10,12 +10,13 @@
 // 5 entry into an operation, 6 and 7 per-unit and per-port detail, 8 handler signatures,
 // 9 verification. Level 0 is for what happens once.
 //
-// TRACE writes a text line. TRACE_RING writes it to the binary ring (Trace/Ring.h) as well; the ring has
-// level switches of its own, so that the last lines survive a stop when the text trace was off.
+// TRACE writes a text line. TRACE_RING writes it to the binary ring (Trace/Ring.h) as well; the
+// ring has level switches of its own, so that the last lines survive a stop when the text trace was
+// off.
 //
-// Switching: levelsIs( "VornalEvpn*", "0-5" ) sets the text levels of every handle whose name matches,
-// those made later included; ringLevelsIs does the same for the ring. Both start with every level
-// off, except level 0 in the text trace and levels 0 to 5 in the ring.
+// Switching: levelsIs( "VornalEvpn*", "0-5" ) sets the text levels of every handle whose name
+// matches, those made later included; ringLevelsIs does the same for the ring. Both start with
+// every level off, except level 0 in the text trace and levels 0 to 5 in the ring.
 //
 // Sinks belong to the agent: sinkIs() takes the text lines, ringIs() the ring. Without a sink the
 // lines go to standard error. Lines are made by holders of the activity lock only.

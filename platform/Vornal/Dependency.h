@@ -1,8 +1,8 @@
 // Dependency points: how the parts of an agent wait for each other while it starts.
 //
 // A point is a name that becomes ready once. A set holds points by name; the points of a group are
-// named "group::point", as in "subagents::l2Ready". A plug-in waits for the points it needs and marks
-// its own when it has started.
+// named "group::point", as in "subagents::l2Ready". A plug-in waits for the points it needs and
+// marks its own when it has started.
 #pragma once
 
 #include <string>

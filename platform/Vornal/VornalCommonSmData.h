@@ -2,7 +2,8 @@
 //
 // Two maps lead from an interface to its chip port. The live map holds what is true now. The cached
 // map holds the last port that an interface had, so that what was programmed for it can be undone
-// after it has lost or changed its port. intfPortIs() and intfPortDel() keep the order between them:
+// after it has lost or changed its port. intfPortIs() and intfPortDel() keep the order between
+// them:
 //
 // - a first-seen interface enters the cached map before the live map announces it;
 // - when a known interface changes or loses its port, the live map announces that first and the
@@ -25,7 +26,8 @@ class VornalCommonSmData : public Kiv::NamedEntity {
    KIV_COLLECTION( vornalIntfToPortCache, Pelk::IntfId, VornalTypes::VornalPort )
    KIV_COLLECTION( vornalModId, U16, U16 )  // unit to module id
    KIV_REFERENCE( sliceDependencyPoints, VornalSliceDependencyPoints )
-   KIV_OPERATION( void, intfPortIs, ( Pelk::IntfId const & intfId, VornalTypes::VornalPort const & port ) )
+   KIV_OPERATION( void, intfPortIs,
+                  ( Pelk::IntfId const & intfId, VornalTypes::VornalPort const & port ) )
    KIV_OPERATION( void, intfPortDel, ( Pelk::IntfId const & intfId ) )
    // The interface whose live port is `port`, or an empty one. Visits the live map: linear in the
    // number of interfaces.

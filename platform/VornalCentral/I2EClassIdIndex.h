@@ -1,4 +1,5 @@
-// Ingress-to-egress class ids: requests to, and grants of, the central allocator. One pair per slice.
+// Ingress-to-egress class ids: requests to, and grants of, the central allocator. One pair per
+// slice.
 #pragma once
 
 #include <Kiv/Entity.h>
