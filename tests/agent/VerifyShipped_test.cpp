@@ -2,6 +2,7 @@
 // audit from outside come to the same end; or the state is one of the known limits of the pass.
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -59,26 +60,97 @@ bool isNotRetried( Story::Audited const & audited ) {
                        } );
 }
 
+// Hands on what the verdicts are made from, and the end: much more happens in a run.
+class Relevant final : public Story::Observer {
+ public:
+   explicit Relevant( Story::Observer & observer ) : observer_( observer ) {}
+
+   void onEvent( Story::Event const & event ) override {
+      if ( isOneOf< Story::StepBegins, Story::Audited, Story::BadInput, Story::RunEnds >(
+              event ) ) {
+         observer_.onEvent( event );
+      }
+   }
+
+ private:
+   template< typename... Kinds > static bool isOneOf( Story::Event const & event ) {
+      return ( std::holds_alternative< Kinds >( event ) || ... );
+   }
+
+   Story::Observer & observer_;
+};
+
 class VerifyShipped : public testing::TestWithParam< std::string > {
  protected:
-   // The scenario up to this step, in a process of its own, and what both say then.
-   static Verdicts verdictsAfter( Scenario::Model scenario, std::size_t steps ) {
-      scenario.steps.resize( steps );
-      scenario.steps.push_back( { Scenario::Verify::both, 0 } );
+   // What both say after each step that changes anything. One run is asked after every such step; a
+   // pass that stops its process ends it there, and the next run is asked from the next step on.
+   static std::map< std::size_t, Verdicts > verdictsOf( Scenario::Model const & scenario ) {
+      std::vector< std::size_t > asked;
+      for ( std::size_t step = 0; step < scenario.steps.size(); ++step ) {
+         if ( isEvent( scenario.steps[ step ] ) ) {
+            asked.push_back( step );
+         }
+      }
+      std::map< std::size_t, Verdicts > result;
+      while ( !asked.empty() ) {
+         auto const told = verdictsAfter( asked, scenario );
+         for ( std::size_t n = 0; n < told.size(); ++n ) {
+            result[ asked[ n ] ] = told[ n ];
+         }
+         asked.erase( asked.begin(), asked.begin() + std::ssize( told ) );
+      }
+      return result;
+   }
+
+   // What both say after these steps, up to the first at which the pass stops: a run in a process
+   // of its own. At least one.
+   static std::vector< Verdicts > verdictsAfter( std::vector< std::size_t > const & steps,
+                                                 Scenario::Model const & scenario ) {
+      auto const story = played( withVerification( scenario, steps ) );
+      std::vector< Verdicts > result;
+      bool isAsked = false;
+      for ( Story::Event const & event : story ) {
+         if ( auto const * const step = std::get_if< Story::StepBegins >( &event ) ) {
+            isAsked = step->place == scenario.file + ":" + std::to_string( kAskedLine );
+         } else if ( auto const * const audited = std::get_if< Story::Audited >( &event );
+                     audited && isAsked ) {
+            result.push_back( { faultsIn( *audited ), isNotRetried( *audited ), "" } );
+         } else if ( auto const * const stopped = std::get_if< Story::Stopped >( &event ) ) {
+            result.at( result.size() - 1 ).pass = stopped->assertion.value().expression;
+         }
+      }
+      return result.empty() ? throw std::logic_error( scenario.file + ": no audit" ) : result;
+   }
+
+   static Scenario::Model withVerification( Scenario::Model const & scenario,
+                                            std::vector< std::size_t > const & steps ) {
+      Scenario::Model result = scenario;
+      result.steps.clear();
+      for ( std::size_t step = 0; step < scenario.steps.size(); ++step ) {
+         result.steps.push_back( scenario.steps[ step ] );
+         if ( std::binary_search( steps.begin(), steps.end(), step ) ) {
+            result.steps.push_back( { Scenario::Verify::both, kAskedLine } );
+         }
+      }
+      return result;
+   }
+
+   static std::vector< Story::Event > played( Scenario::Model const & scenario ) {
       Process::RingMemory const ring;
       Support::Recorder story;
       Process::runInChild(
          [ & ]( Story::Observer & observer ) {
+            Relevant relevant( observer );
             Host::Agent( scenario, { scenario.file, Support::plugin(), {}, {}, {} }, ring.bytes(),
-                         observer )
+                         relevant )
                .run();
          },
          ring.bytes(), story );
-      auto const stopped = story.all< Story::Stopped >();
-      Story::Audited const audited = story.all< Story::Audited >().back();
-      return { faultsIn( audited ), isNotRetried( audited ),
-               stopped.empty() ? "" : stopped.back().assertion.value().expression };
+      return story.events();
    }
+
+   // Where no step of a scenario can stand.
+   static constexpr int kAskedLine = 0;
 
    // Whether it is the limit that this scenario is known to show.
    static bool isLimit( Verdicts const & verdicts ) {
@@ -97,11 +169,7 @@ class VerifyShipped : public testing::TestWithParam< std::string > {
 TEST_P( VerifyShipped, ThePassAndTheAuditAgreeAfterEveryStep ) {
    auto const scenario = Scenario::read( Shipped::fileOf( GetParam() ) );
    bool hasShownItsLimit = false;
-   for ( std::size_t step = 0; step < scenario.steps.size(); ++step ) {
-      if ( !isEvent( scenario.steps[ step ] ) ) {
-         continue;
-      }
-      Verdicts const verdicts = verdictsAfter( scenario, step + 1 );
+   for ( auto const & [ step, verdicts ] : verdictsOf( scenario ) ) {
       hasShownItsLimit |= !verdicts.agree();
       EXPECT_TRUE( verdicts.agree() || isLimit( verdicts ) )
          << scenario.file << ":" << scenario.steps[ step ].line << "\naudit: " << verdicts.audit
