@@ -21,24 +21,35 @@ function( seal target )
 endfunction()
 
 # add_ring_test( <ring> <library>... ): the executable test-<ring> of all .cpp files in this folder;
-# each TEST in it becomes a test of ctest, named <ring>/<suite>.<test>, and runs in a process of its
-# own.
+# each file <name>_test.cpp becomes a test of ctest, named <ring>/<name>. Each TEST in it runs in a
+# process of its own (tests/runner).
 function( add_ring_test ring )
    ring_sources( sources )
    set( target test-${ring} )
    add_executable( ${target} ${sources} )
    target_include_directories( ${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} )
    # Tests are compiled far more often than they run; what they test is optimised.
-   target_compile_options( ${target} PRIVATE $<$<CONFIG:Release>:-O0> )
-   target_link_libraries( ${target} PRIVATE ${ARGN} GTest::gtest GTest::gtest_main rapidcheck )
+   target_compile_options( ${target} PRIVATE -O0 )
+   target_link_libraries( ${target} PRIVATE ${ARGN} test-runner rapidcheck )
    # Parsed once, not once for each file.
    target_precompile_headers( ${target} PRIVATE <gtest/gtest.h> <rapidcheck.h> )
    target_compile_definitions(
       ${target}
       PRIVATE VORNAL_SOURCE_DIR="${CMAKE_SOURCE_DIR}" VORNAL_BINARY_DIR="${CMAKE_BINARY_DIR}" )
-   gtest_discover_tests(
-      ${target}
-      TEST_PREFIX ${ring}/
-      DISCOVERY_MODE PRE_TEST
-      PROPERTIES TIMEOUT 60 LABELS ${ring} )
+   foreach( source IN LISTS sources )
+      if( source MATCHES "${CMAKE_CURRENT_SOURCE_DIR}/(.*)_test\\.cpp$" )
+         add_test(
+            NAME ${ring}/${CMAKE_MATCH_1}
+            COMMAND ${target} --tests-of ${ring}/${CMAKE_MATCH_1}_test.cpp
+                    --seconds ${VORNAL_SECONDS_PER_TEST} )
+         set_tests_properties( ${ring}/${CMAKE_MATCH_1} PROPERTIES LABELS ${ring} )
+      endif()
+   endforeach()
+endfunction()
+
+# optimise_tests( <file>... ): tests that try very many cases are optimised as well, and take seconds
+# less. The precompiled headers are not.
+function( optimise_tests )
+   set_source_files_properties(
+      ${ARGN} PROPERTIES COMPILE_OPTIONS -O2 SKIP_PRECOMPILE_HEADERS ON )
 endfunction()
