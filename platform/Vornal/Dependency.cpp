@@ -14,6 +14,9 @@ VornalSliceDependencyPoints::VornalSliceDependencyPoints() {
 }
 
 bool VornalSliceDependencyPoints::isReady( std::string const & name ) const {
+   if ( name == evpnDependencyPoint()->name() ) {
+      return evpnDependencyPoint()->isReady();
+   }
    std::string const group = "subagents::";
    return name.starts_with( group ) && subAgentDependencyPoints() &&
           subAgentDependencyPoints()->readyHas( name.substr( group.size() ) );

@@ -38,7 +38,7 @@ class SubAgentDependencyPoints : public Kiv::NamedEntity {
 };
 
 // All points of one slice: those of its sub-agents (named "subagents::..."), and the one that the
-// EVPN plug-in marks.
+// EVPN plug-in marks ("evpn").
 class VornalSliceDependencyPoints : public DependencySet {
    KIV_ENTITY( VornalSliceDependencyPoints, DependencySet )
    KIV_REFERENCE( subAgentDependencyPoints, SubAgentDependencyPoints )

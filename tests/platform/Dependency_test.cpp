@@ -71,6 +71,21 @@ TEST_F( Dependencies, subAgentsPointIsReadyWhenItsGroupSaysSo ) {
    EXPECT_TRUE( slice->isReady( "subagents::l2Ready" ) );
 }
 
+TEST_F( Dependencies, plugInsOwnPointIsFoundByItsNameInTheSlicesSet ) {
+   EXPECT_FALSE( slice->isReady( "evpn" ) );
+   EXPECT_FALSE( areReady( { "evpn" } ) );
+   slice->evpnDependencyPoint()->markReady();
+   EXPECT_TRUE( slice->isReady( "evpn" ) );
+   EXPECT_TRUE( areReady( { "evpn" } ) );
+   EXPECT_FALSE( slice->isReady( "subagents::evpn" ) );
+}
+
+TEST_F( Dependencies, subAgentOfThePlugInsNameIsNotItsPoint ) {
+   pointsAre( { "evpn" } );
+   EXPECT_FALSE( slice->isReady( "evpn" ) );
+   EXPECT_TRUE( slice->isReady( "subagents::evpn" ) );
+}
+
 TEST_F( Dependencies, namesAreExact ) {
    pointsAre( { "l2Ready" } );
    for ( char const * const name : { "l2Ready", "subagents", "subagents::", "subagents::l2",
