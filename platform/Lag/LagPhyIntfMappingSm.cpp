@@ -29,12 +29,21 @@ Quelm::Ptr< LagPhyIntfMappingSm > LagPhyIntfMappingSm::LagPhyIntfMappingSmIs(
 }
 
 void LagPhyIntfMappingSm::hasNotificationActiveIs( bool active ) {
-   if ( active == hasNotificationActive() ) {
+   Entity::hasNotificationActiveIs( active );
+   isDerivingIs( active && !isZombie() );
+}
+
+void LagPhyIntfMappingSm::kivDoZombieReactors( bool zombie ) {
+   Entity::kivDoZombieReactors( zombie );
+   isDerivingIs( hasNotificationActive() && !zombie );
+}
+
+void LagPhyIntfMappingSm::isDerivingIs( bool deriving ) {
+   if ( deriving == isDeriving() ) {
       return;
    }
-   Entity::hasNotificationActiveIs( active );
-   configWatch_.hasNotificationActiveIs( active );
-   if ( active ) {
+   configWatch_.hasNotificationActiveIs( deriving );
+   if ( deriving ) {
       handlePhyIntfs();
    } else {
       phyIntf_.clear();
@@ -63,7 +72,7 @@ void LagPhyIntfMappingSm::handlePhyIntfs() {
 }
 
 void LagPhyIntfMappingSm::handlePhyIntf( Pelk::IntfId const & intfId ) {
-   if ( !lagPhyIntfMapping() ) {
+   if ( !lagPhyIntfMapping() || !isDeriving() ) {
       return;
    }
    watch( phyIntf_[ intfId ], lagConfig()->phyIntf( intfId ) );

@@ -10,8 +10,8 @@
 //
 // While its notifications are active the mapping is in step; switching them on brings it into step
 // first. Switching them off, and destroying this object, leaves the mapping as it is: an agent that
-// restarts must not see every port channel fall apart. A missing configuration or mapping means
-// that nothing is derived.
+// restarts must not see every port channel fall apart. Out of service it derives as little as when
+// it is switched off. A missing configuration or mapping means that nothing is derived.
 //
 // Cost: one look-up per changed interface. Threads: the activity's.
 #pragma once
@@ -38,6 +38,7 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
       Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );
 
    void hasNotificationActiveIs( bool active ) override;
+   void kivDoZombieReactors( bool zombie ) override;
 
  private:
    // One physical interface of the configuration.
@@ -46,6 +47,9 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
       Pelk::IntfId lag;  // the port channel it is a member of in the mapping
    };
 
+   // Switched on, and in service.
+   bool isDeriving() const { return configWatch_.hasNotificationActive(); }
+   void isDerivingIs( bool deriving );
    void handlePhyIntfs();
    void handlePhyIntf( Pelk::IntfId const & intfId );
    void handleLag( Pelk::IntfId const & intfId );

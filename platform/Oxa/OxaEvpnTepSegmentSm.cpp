@@ -36,12 +36,21 @@ Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs(
 }
 
 void OxaEvpnTepSegmentSm::hasNotificationActiveIs( bool active ) {
-   if ( active == hasNotificationActive() ) {
+   Entity::hasNotificationActiveIs( active );
+   isDerivingIs( active && !isZombie() );
+}
+
+void OxaEvpnTepSegmentSm::kivDoZombieReactors( bool zombie ) {
+   Entity::kivDoZombieReactors( zombie );
+   isDerivingIs( hasNotificationActive() && !zombie );
+}
+
+void OxaEvpnTepSegmentSm::isDerivingIs( bool deriving ) {
+   if ( deriving == isDeriving() ) {
       return;
    }
-   Entity::hasNotificationActiveIs( active );
-   statusWatch_.hasNotificationActiveIs( active );
-   if ( active ) {
+   statusWatch_.hasNotificationActiveIs( deriving );
+   if ( deriving ) {
       handleSegments();
    } else {
       segment_.clear();
@@ -78,6 +87,9 @@ void OxaEvpnTepSegmentSm::handleSegment( Kiv::Change const & change ) {
 
 void OxaEvpnTepSegmentSm::segmentNew(
    Quelm::Ptr< Evpn::EthernetSegmentStatus const > const & segment ) {
+   if ( !isDeriving() ) {
+      return;  // a reader of the directory has ended it
+   }
    Pelk::IntfId const intfId = segment->intfId();
    auto watch = std::make_unique< Kiv::Watch< Evpn::EthernetSegmentStatus > >(
       segment, [ this, intfId ]( Kiv::Change const & change ) {
@@ -99,6 +111,9 @@ void OxaEvpnTepSegmentSm::segmentGone( Evpn::EthernetSegmentStatus const & segme
 
 void OxaEvpnTepSegmentSm::handleRemoteTep( Pelk::IntfId const & intfId,
                                            Pelk::IpGenAddr const & tepIp ) {
+   if ( !isDeriving() ) {
+      return;
+   }
    if ( !isShared( intfId, tepIp ) ) {
       leave( tepIp, intfId );
    } else if ( auto const entity = tepSegmentDir()->tepSegment( tepIp ) ) {

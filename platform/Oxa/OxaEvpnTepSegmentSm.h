@@ -11,8 +11,9 @@
 // - an entity in the directory is never replaced by another.
 //
 // While its notifications are active the directory is in step; switching them on brings it into
-// step first. Switching them off, and destroying this object, leaves the directory as it is. A
-// missing status or directory means that nothing is derived.
+// step first. Switching them off, and destroying this object, leaves the directory as it is. Out of
+// service it derives as little as when it is switched off. A missing status or directory means that
+// nothing is derived.
 //
 // The bridging capabilities and the LAG mapping are held for those who ask; the shared interfaces
 // are those that the segments are configured on, port channels as such.
@@ -51,8 +52,12 @@ class OxaEvpnTepSegmentSm : public Kiv::Entity {
       Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
 
    void hasNotificationActiveIs( bool active ) override;
+   void kivDoZombieReactors( bool zombie ) override;
 
  private:
+   // Switched on, and in service.
+   bool isDeriving() const { return statusWatch_.hasNotificationActive(); }
+   void isDerivingIs( bool deriving );
    void handleSegments();
    void handleSegment( Kiv::Change const & change );
    void segmentNew( Quelm::Ptr< Evpn::EthernetSegmentStatus const > const & segment );

@@ -213,6 +213,55 @@ TEST_F( LagMapping, switchingOnBringsItIntoStep ) {
    EXPECT_EQ( state(), "Po2{Ethernet1}" );
 }
 
+TEST_F( LagMapping, staysWhenItsDerivationIsOutOfServiceAndIsBroughtIntoStepAfterwards ) {
+   auto const sm = derived();
+   lagIs( et1, po1 );
+   lagIs( et2, po1 );
+   sm->kivDoZombieReactors( true );
+   news();
+   lagIs( et1, po2 );
+   lagIs( et3, po1 );
+   config->phyIntfDel( et2 );
+   EXPECT_EQ( news(), Journal{} );
+   EXPECT_EQ( state(), "Po1{Ethernet1 Ethernet2}" );
+   sm->kivDoZombieReactors( false );
+   EXPECT_EQ( state(), "Po1{Ethernet3}Po2{Ethernet1}" );
+   lagIs( et3, noLag );
+   EXPECT_EQ( state(), "Po2{Ethernet1}" );
+}
+
+TEST_F( LagMapping, isDerivedOnlyByADerivationThatIsBothSwitchedOnAndInService ) {
+   auto const sm = derived();
+   sm->kivDoZombieReactors( true );
+   sm->hasNotificationActiveIs( false );
+   sm->hasNotificationActiveIs( true );
+   lagIs( et1, po1 );
+   EXPECT_EQ( state(), "" );
+   sm->hasNotificationActiveIs( false );
+   sm->kivDoZombieReactors( false );
+   EXPECT_EQ( state(), "" );
+   sm->hasNotificationActiveIs( true );
+   EXPECT_EQ( state(), "Po1{Ethernet1}" );
+}
+
+// A reader of the mapping ends the derivation as soon as the first port channel has entered. The
+// interface that was on its way in still joins, and no other.
+TEST_F( LagMapping, isLeftAloneFromTheMomentThatAReaderEndsItsDerivation ) {
+   lagIs( et1, po1 );
+   lagIs( et2, po1 );
+   lagIs( et3, po2 );
+   auto const sm = LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( config, mapping );
+   Kiv::Watch< LagPhyIntfMapping > reader( mapping, [ & ]( Kiv::Change const & ) {
+      sm->kivDoZombieReactors( true );
+   } );
+   reader.hasNotificationActiveIs( true );
+   sm->hasNotificationActiveIs( true );
+   EXPECT_EQ( state(), "Po1{Ethernet1}" );
+   for ( IntfId const & intfId : { et1, et2, et3 } ) {
+      EXPECT_EQ( config->phyIntf( intfId )->publisher().subscribers(), 0U ) << intfId;
+   }
+}
+
 TEST_F( LagMapping, switchingOnWithNothingMissedChangesNothing ) {
    auto const sm = derived();
    lagIs( et1, po1 );
@@ -254,14 +303,23 @@ TEST_F( LagMapping, missingInputsDeriveNothing ) {
 // --- Any edits
 
 struct Edit {
-   enum Kind { SetLag, Delete, Replace, SwitchOff, SwitchOn, Rebuild } kind;
+   enum Kind {
+      SetLag,
+      Delete,
+      Replace,
+      SwitchOff,
+      SwitchOn,
+      OutOfService,
+      InService,
+      Rebuild
+   } kind;
    int phyIntf;
    int lag;
 };
 
 std::ostream & operator<<( std::ostream & out, Edit const & edit ) {
-   static char const * const name[] = { "SetLag",    "Delete",   "Replace",
-                                        "SwitchOff", "SwitchOn", "Rebuild" };
+   static char const * const name[] = { "SetLag",   "Delete",       "Replace",   "SwitchOff",
+                                        "SwitchOn", "OutOfService", "InService", "Rebuild" };
    return out << name[ edit.kind ] << " et" << edit.phyIntf << " po" << edit.lag;
 }
 
@@ -271,6 +329,8 @@ rc::Gen< std::vector< Edit > > anyEdits() {
                                                                { 3, Edit::Replace },
                                                                { 1, Edit::SwitchOff },
                                                                { 2, Edit::SwitchOn },
+                                                               { 1, Edit::OutOfService },
+                                                               { 2, Edit::InService },
                                                                { 1, Edit::Rebuild } } );
    return rc::gen::container< std::vector< Edit > >(
       rc::gen::construct< Edit >( kind, rc::gen::inRange( 0, 5 ), rc::gen::inRange( 0, 4 ) ) );
@@ -314,6 +374,8 @@ void apply( Edit const & edit, Config & config, Ptr< LagPhyIntfMapping > const &
    }
    case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
    case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
+   case Edit::OutOfService: sm->kivDoZombieReactors( true ); break;
+   case Edit::InService: sm->kivDoZombieReactors( false ); break;
    case Edit::Rebuild:
       sm = nullptr;
       sm = LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( Ptr< Config >( &config ), mapping );
@@ -321,7 +383,7 @@ void apply( Edit const & edit, Config & config, Ptr< LagPhyIntfMapping > const &
    }
 }
 
-RC_GTEST_PROP( LagMappingModel, isInStepWhileOnAndStaysAsItIsWhileOff, () ) {
+RC_GTEST_PROP( LagMappingModel, isInStepWhileOnAndInServiceAndStaysAsItIsOtherwise, () ) {
    auto const config = Quelm::make< Config >( "config" );
    auto const mapping = Quelm::make< LagPhyIntfMapping >( "mapping" );
    auto sm = LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( config, mapping );
@@ -329,8 +391,8 @@ RC_GTEST_PROP( LagMappingModel, isInStepWhileOnAndStaysAsItIsWhileOff, () ) {
    for ( Edit const & edit : *anyEdits() ) {
       Members const before = held( *mapping );
       apply( edit, *config, mapping, sm );
-      RC_ASSERT( held( *mapping ) ==
-                 ( sm->hasNotificationActive() ? computed( *config ) : before ) );
+      bool const isDerived = sm->hasNotificationActive() && !sm->isZombie();
+      RC_ASSERT( held( *mapping ) == ( isDerived ? computed( *config ) : before ) );
    }
 }
 

@@ -215,6 +215,54 @@ TEST_F( SegmentDirectory, staysWhenSwitchedOffAndIsBroughtIntoStepWhenOnAgain ) 
    EXPECT_EQ( state(), "" );
 }
 
+TEST_F( SegmentDirectory, staysWhenItsDerivationIsOutOfServiceAndIsBroughtIntoStepAfterwards ) {
+   auto const sm = derived();
+   status->segmentStatusIs( segmentWith( et1, { leaf2 } ) );
+   share( et2, leaf2 );
+   sm->kivDoZombieReactors( true );
+   news();
+   unshare( et1, leaf2 );
+   status->segmentStatusDel( et2 );
+   share( po7, leaf3 );
+   EXPECT_EQ( news(), Journal{} );
+   EXPECT_EQ( state(), "10.0.0.2{Ethernet1 Ethernet2}" );
+   sm->kivDoZombieReactors( false );
+   EXPECT_EQ( state(), "2001:db8::3{Port-Channel7}" );
+   unshare( po7, leaf3 );
+   EXPECT_EQ( state(), "" );
+}
+
+TEST_F( SegmentDirectory, isDerivedOnlyByADerivationThatIsBothSwitchedOnAndInService ) {
+   auto const sm = derived();
+   sm->kivDoZombieReactors( true );
+   sm->hasNotificationActiveIs( false );
+   sm->hasNotificationActiveIs( true );
+   share( et1, leaf2 );
+   EXPECT_EQ( state(), "" );
+   sm->hasNotificationActiveIs( false );
+   sm->kivDoZombieReactors( false );
+   EXPECT_EQ( state(), "" );
+   sm->hasNotificationActiveIs( true );
+   EXPECT_EQ( state(), "10.0.0.2{Ethernet1}" );
+}
+
+// A reader of the directory ends the derivation as soon as the first VTEP has entered.
+TEST_F( SegmentDirectory, isLeftAloneFromTheMomentThatAReaderEndsItsDerivation ) {
+   share( et1, leaf2 );
+   share( et1, leaf3 );
+   share( et2, leaf3 );
+   auto const sm =
+      OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( status, directory, nullptr, nullptr );
+   Kiv::Watch< EvpnTepSegmentDir > reader( directory, [ & ]( Kiv::Change const & ) {
+      sm->kivDoZombieReactors( true );
+   } );
+   reader.hasNotificationActiveIs( true );
+   sm->hasNotificationActiveIs( true );
+   EXPECT_EQ( state(), "10.0.0.2{Ethernet1}" );
+   EXPECT_EQ( status->segmentStatus( et1 )->publisher().subscribers(), 0U );
+   EXPECT_EQ( status->segmentStatus( et2 )->publisher().subscribers(), 0U );
+}
+
 TEST_F( SegmentDirectory, vtepThatIsStillSharedKeepsItsEntityThroughCatchingUp ) {
    auto const sm = derived();
    share( et1, leaf2 );
@@ -266,14 +314,25 @@ TEST_F( SegmentDirectory, missingInputsDeriveNothing ) {
 // --- Any edits
 
 struct Edit {
-   enum Kind { Share, Unshare, DeleteSegment, Replace, SwitchOff, SwitchOn, Rebuild } kind;
+   enum Kind {
+      Share,
+      Unshare,
+      DeleteSegment,
+      Replace,
+      SwitchOff,
+      SwitchOn,
+      OutOfService,
+      InService,
+      Rebuild
+   } kind;
    int segment;
    int tep;
 };
 
 std::ostream & operator<<( std::ostream & out, Edit const & edit ) {
-   static char const * const name[] = { "Share",     "Unshare",  "DeleteSegment", "Replace",
-                                        "SwitchOff", "SwitchOn", "Rebuild" };
+   static char const * const name[] = { "Share",        "Unshare",   "DeleteSegment",
+                                        "Replace",      "SwitchOff", "SwitchOn",
+                                        "OutOfService", "InService", "Rebuild" };
    return out << name[ edit.kind ] << " et" << edit.segment << " leaf" << edit.tep;
 }
 
@@ -284,6 +343,8 @@ rc::Gen< std::vector< Edit > > anyEdits() {
                                                                { 2, Edit::Replace },
                                                                { 1, Edit::SwitchOff },
                                                                { 2, Edit::SwitchOn },
+                                                               { 1, Edit::OutOfService },
+                                                               { 2, Edit::InService },
                                                                { 1, Edit::Rebuild } } );
    return rc::gen::container< std::vector< Edit > >(
       rc::gen::construct< Edit >( kind, rc::gen::inRange( 0, 4 ), rc::gen::inRange( 0, 4 ) ) );
@@ -323,6 +384,8 @@ void apply( Edit const & edit, EvpnStatus & status, Ptr< EvpnTepSegmentDir > con
    case Edit::Replace: status.segmentStatusIs( segmentWith( segment, { tep, leaf3 } ) ); break;
    case Edit::SwitchOff: sm->hasNotificationActiveIs( false ); break;
    case Edit::SwitchOn: sm->hasNotificationActiveIs( true ); break;
+   case Edit::OutOfService: sm->kivDoZombieReactors( true ); break;
+   case Edit::InService: sm->kivDoZombieReactors( false ); break;
    case Edit::Rebuild:
       sm = nullptr;
       sm = OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( Ptr< EvpnStatus >( &status ), directory,
@@ -331,7 +394,7 @@ void apply( Edit const & edit, EvpnStatus & status, Ptr< EvpnTepSegmentDir > con
    }
 }
 
-RC_GTEST_PROP( SegmentDirectoryModel, isInStepWhileOnAndStaysAsItIsWhileOff, () ) {
+RC_GTEST_PROP( SegmentDirectoryModel, isInStepWhileOnAndInServiceAndStaysAsItIsOtherwise, () ) {
    auto const status = Quelm::make< EvpnStatus >( "status" );
    auto const directory = Oxa::evpnTepSegmentDirFactory( "dir" );
    Kiv::Watch< EvpnTepSegmentDir > watch( directory, []( Kiv::Change const & change ) {
@@ -343,8 +406,8 @@ RC_GTEST_PROP( SegmentDirectoryModel, isInStepWhileOnAndStaysAsItIsWhileOff, () 
    for ( Edit const & edit : *anyEdits() ) {
       Shared const before = held( *directory );
       apply( edit, *status, directory, sm );
-      RC_ASSERT( held( *directory ) ==
-                 ( sm->hasNotificationActive() ? computed( *status ) : before ) );
+      bool const isDerived = sm->hasNotificationActive() && !sm->isZombie();
+      RC_ASSERT( held( *directory ) == ( isDerived ? computed( *status ) : before ) );
    }
 }
 
