@@ -6,8 +6,9 @@
 // the same key, and is retired when the member has gone. Retiring puts it out of service, switches
 // its notifications off and, after that, gives it a last word in retired().
 //
-// The owner dropping its collection (in its destructor) is not retiring: the reactors forget the
-// owner, in case somebody else still refers to them, and nothing else is called.
+// The owner dropping its collection (in its destructor) is not retiring: there is no last word. The
+// reactors are put out of service, switched off and forget the owner, so that one that somebody
+// else still refers to is silent, also when the owner's own notifications were off.
 //
 // Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost:
 // one look-up and one subscription a member. Threads: the activity's.
@@ -93,11 +94,15 @@ Quelm::Ptr< Reactor > nestedDel( Owner & owner, AttributeId attribute,
    return reactor;
 }
 
+// Takes out and retires every reactor that is there when it begins. A reactor's last word may
+// retire others, and may nest new ones, which stay.
 template< typename Owner, typename Key, typename Reactor >
 void nestedDelAll( Owner & owner, AttributeId attribute,
                    Collection< Key, Quelm::Ptr< Reactor > > & storage ) {
-   while ( Key const * const key = storage.firstKey() ) {
-      nestedDel( owner, attribute, storage, Key( *key ) );
+   Quelm::Ptr< Quelm::Counted const > const alive( &owner );
+   for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, alive ); iter;
+         ++iter ) {
+      nestedDel( owner, attribute, storage, iter.key() );
    }
 }
 
@@ -120,12 +125,16 @@ void nestedZombieIs( Collection< Key, Quelm::Ptr< Reactor > > const & storage, b
    }
 }
 
-// The owner is going: every nested reactor forgets it.
+// The owner is going: every nested reactor is put out of service, switched off and forgets it, and
+// the collection is empty after that.
 template< typename Key, typename Reactor >
-void nestedOwnerDel( Collection< Key, Quelm::Ptr< Reactor > > const & storage ) {
-   for ( typename Collection< Key, Quelm::Ptr< Reactor > >::Iterator iter( storage, nullptr ); iter;
-         ++iter ) {
-      iter.value()->ownerDel();
+void nestedOwnerDel( Collection< Key, Quelm::Ptr< Reactor > > & storage ) {
+   while ( Key const * const key = storage.firstKey() ) {
+      Quelm::Ptr< Reactor > reactor;
+      storage.remove( Key( *key ), reactor );
+      reactor->kivDoZombieReactors( true );
+      reactor->hasNotificationActiveIs( false );
+      reactor->ownerDel();
    }
 }
 

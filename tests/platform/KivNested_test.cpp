@@ -83,6 +83,43 @@ TEST_F( KivNested, retiringAllGoesInKeyOrder ) {
    EXPECT_EQ( panel->lamps(), 0U );
 }
 
+// Every lamp takes the other one off with its last word.
+TEST_F( KivNested, retiringAllRetiresEachOnceWhenOneRetiresAnother ) {
+   panel->lampIs( leaf1->portIs( 7 ) );
+   panel->onRetired = [ & ]( Lamp & lamp ) {
+      panel->lampDel( static_cast< U16 >( lamp.kivKey() + 1 ) );
+      panel->lampDel( static_cast< U16 >( lamp.kivKey() - 1 ) );
+   };
+   panel->lampDelAll();
+   EXPECT_EQ( story(),
+              ( Journal{ "lamp 5: retired, out of service", "lamp 6: retired, out of service",
+                         "lamp 7: retired, out of service" } ) );
+   EXPECT_EQ( panel->lamps(), 0U );
+}
+
+TEST_F( KivNested, retiringAllEndsWhenOneRetiresAll ) {
+   panel->onRetired = [ & ]( Lamp & ) { panel->lampDelAll(); };
+   panel->lampDelAll();
+   EXPECT_EQ( story(),
+              ( Journal{ "lamp 5: retired, out of service", "lamp 6: retired, out of service" } ) );
+   EXPECT_EQ( panel->lamps(), 0U );
+}
+
+// Every lamp replaces itself and the other one with its last word.
+TEST_F( KivNested, retiringAllLeavesThoseThatComeMeanwhile ) {
+   panel->onRetired = [ & ]( Lamp & lamp ) {
+      ASSERT_LT( panel->story.size(), 9U );
+      panel->lampDel( lamp.kivKey() == 5 ? 6 : 5 );
+      panel->lampIs( leaf1->port( lamp.kivKey() ) );
+   };
+   panel->lampDelAll();
+   EXPECT_EQ( story(),
+              ( Journal{ "lamp 5: retired, out of service", "lamp 6: retired, out of service" } ) );
+   EXPECT_EQ( panel->lamps(), 2U );
+   port5->speedIs( 100 );
+   EXPECT_EQ( story(), Journal{ "lamp 5: speed 100" } );
+}
+
 TEST_F( KivNested, handlerMayRetireItsOwnReactor ) {
    panel->isRetiringOnChange = true;
    port5->speedIs( 100 );
@@ -92,6 +129,22 @@ TEST_F( KivNested, handlerMayRetireItsOwnReactor ) {
 
 TEST_F( KivNested, ownerThatGoesRetiresNobody ) {
    panel = nullptr;
+   EXPECT_EQ( port5->publisher().subscribers(), 0U );
+   port5->speedIs( 100 );
+}
+
+TEST_F( KivNested, reactorThatOutlivesItsOwnerIsSilentHoweverTheOwnerWasSwitched ) {
+   Ptr< Lamp > const lamp = panel->lamp( 5 );
+   panel->hasNotificationActiveIs( false );
+   lamp->hasNotificationActiveIs( true );  // as one that was nested while its owner was off
+   Ptr< Lamp > const other = panel->lamp( 6 );
+   panel = nullptr;
+   for ( Ptr< Lamp > const & left : { lamp, other } ) {
+      EXPECT_EQ( left->panel(), nullptr );
+      EXPECT_TRUE( left->isZombie() );
+      EXPECT_FALSE( left->hasNotificationActive() );
+      EXPECT_EQ( left->users(), 2U ) << "ours and the list's, not the owner's";
+   }
    EXPECT_EQ( port5->publisher().subscribers(), 0U );
    port5->speedIs( 100 );
 }

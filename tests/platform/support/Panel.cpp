@@ -12,20 +12,27 @@ Lamp::Lamp( Notifier const & port, Panel * panel ) : NestedReactor( port ) {
 }
 
 void Lamp::retired() {
-   note( std::string( "retired" ) + ( isZombie() ? ", out of service" : "" ) +
-         ( hasNotificationActive() ? ", active" : "" ) );
+   note( *panel(), std::string( "retired" ) + ( isZombie() ? ", out of service" : "" ) +
+                      ( hasNotificationActive() ? ", active" : "" ) );
+   panel()->onRetired( *this );
 }
 
 void Lamp::onAttribute( Kiv::Change const & ) {
-   if ( panel_->isRetiringOnChange ) {
-      panel_->lampDel( kivKey() );
+   QUELM_ASSERT( panel() );
+   Panel & owner = *panel();
+   if ( owner.isRetiringOnChange ) {
+      owner.lampDel( kivKey() );
    }
-   note( "speed " + std::to_string( notifier()->speed() ) +
-         ( isZombie() ? ", out of service" : "" ) );
+   note( owner, "speed " + std::to_string( notifier()->speed() ) +
+                   ( isZombie() ? ", out of service" : "" ) );
 }
 
-void Lamp::note( std::string const & text ) {
-   panel_->story.push_back( "lamp " + identity() + ": " + text );
+void Lamp::note( Panel & panel, std::string const & text ) const {
+   panel.story.push_back( "lamp " + identity() + ": " + text );
+}
+
+Panel::~Panel() {
+   Kiv::nestedOwnerDel( lamp_ );
 }
 
 void Panel::lampIs( Quelm::Ptr< Port const > const & port ) {

@@ -1,6 +1,7 @@
 // A panel with one lamp for each port of a switch: an entity with nested reactors.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,10 +21,11 @@ class Lamp : public Kiv::NestedReactor< Port > {
    Lamp( Notifier const & port, Panel * panel );
 
    void retired() override;
+   void ownerDel() override { panel_ = nullptr; }
 
  private:
    void onAttribute( Kiv::Change const & change ) override;
-   void note( std::string const & text );
+   void note( Panel & panel, std::string const & text ) const;
 };
 
 class Panel : public Kiv::NamedEntity {
@@ -31,6 +33,7 @@ class Panel : public Kiv::NamedEntity {
    KIV_NESTED( lamp, U16, Lamp, lamps )
 
    using NamedEntity::NamedEntity;
+   ~Panel() override;
 
    void lampIs( Quelm::Ptr< Port const > const & port );
    void hasNotificationActiveIs( bool active ) override;
@@ -38,6 +41,8 @@ class Panel : public Kiv::NamedEntity {
 
    std::vector< std::string > story;
    bool isRetiringOnChange = false;  // a lamp is taken off by the first change that it sees
+   // What a lamp does with its last word.
+   std::function< void( Lamp & ) > onRetired = []( Lamp & ) {};
 };
 
 }  // namespace Support
