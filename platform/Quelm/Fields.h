@@ -12,8 +12,10 @@
 //    VornalTcam::RequestKey( name=..., number=... )
 //
 // Reading is the exact inverse: same names, same order, same blanks. An error inside a field is
-// raised again as AttributeTextError naming the field; a failed reading leaves no object. Equality
-// and order are the class's own to declare, since some compare fields in an order of their own.
+// raised again as AttributeTextError naming the field. The type's name belongs to the first field
+// and the closing text to the last, so that a text that is cut off anywhere names a field too. A
+// failed reading leaves no object. Equality and order are the class's own to declare, since some
+// compare fields in an order of their own.
 #pragma once
 
 #include <string>
@@ -42,13 +44,28 @@ void write( std::string & out, Owner const & value, Field< Owner, T > const & fi
    TextForm< T >::write( out, value.*field.storage );
 }
 
+// What stands around a field in the text.
+struct Surroundings {
+   std::string_view typeName;  // of the value, in front of its first field; empty before the others
+   bool isLast;
+};
+
 template< typename Owner, typename T >
-void read( TextReader & in, Owner & value, Field< Owner, T > const & field, bool isFirst ) {
+void read( TextReader & in, Owner & value, Field< Owner, T > const & field,
+           Surroundings const & around ) {
    try {
-      in.expect( isFirst ? " " : ", " );
+      if ( around.typeName.empty() ) {
+         in.expect( ", " );
+      } else {
+         in.expect( around.typeName );
+         in.expect( "( " );
+      }
       in.expect( field.name );
       in.expect( "=" );
       value.*field.storage = TextForm< T >::read( in );
+      if ( around.isLast ) {
+         in.expect( " )" );
+      }
    } catch ( TextError const & error ) {
       throw AttributeTextError( std::string( field.name ), error.what() );
    }
@@ -66,24 +83,37 @@ template< typename Owner, int first > struct FieldsOf {
    }
    static Owner read( TextReader & in, std::string_view name ) {
       Owner value;
-      in.expect( name );
-      in.expect( "(" );
-      bool isFirst = true;
-      forEachLine< first >( [ & ]< int n >( Line< n > ) { readLine< n >( in, value, isFirst ); } );
-      in.expect( " )" );
+      if constexpr ( kFields == 0 ) {
+         in.expect( name );
+         in.expect( "( )" );
+      }
+      forEachLine< first >( [ & ]< int n >( Line< n > ) { readLine< n >( in, value, name ); } );
       return value;
+   }
+   // Calls `visit` with the Field of every field, in order.
+   template< typename Visit > static void forEachField( Visit && visit ) {
+      forEachLine< first >( [ & ]< int n >( Line< n > ) { visitLine< n >( visit ); } );
    }
 
  private:
+   static constexpr int kFields = linesUpTo< Owner, first, first + kMostLines - 1 >;
+
    template< int n > static void writeLine( std::string & out, Owner const & value ) {
       if constexpr ( HasLine< Owner, n > ) {
          FieldText::write( out, value, Owner::quelmLine( Line< n >{} ) );
       }
    }
-   template< int n > static void readLine( TextReader & in, Owner & value, bool & isFirst ) {
+   template< int n >
+   static void readLine( TextReader & in, Owner & value, std::string_view typeName ) {
       if constexpr ( HasLine< Owner, n > ) {
+         constexpr int position = linesUpTo< Owner, first, n >;
          FieldText::read( in, value, Owner::quelmLine( Line< n >{} ),
-                          std::exchange( isFirst, false ) );
+                          { position == 1 ? typeName : std::string_view(), position == kFields } );
+      }
+   }
+   template< int n, typename Visit > static void visitLine( Visit && visit ) {
+      if constexpr ( HasLine< Owner, n > ) {
+         visit( Owner::quelmLine( Line< n >{} ) );
       }
    }
 };
@@ -106,6 +136,9 @@ template< typename Owner, int first > struct FieldsOf {
    }                                                                                               \
    static Class textFrom( ::Quelm::TextReader & in ) {                                             \
       return ::Quelm::FieldsOf< Class, quelmFirstLine >::read( in, typeNameText );                 \
+   }                                                                                               \
+   template< typename Visit > static void quelmForEachField( Visit && visit ) {                    \
+      ::Quelm::FieldsOf< Class, quelmFirstLine >::forEachField( visit );                           \
    }
 
 #define QUELM_FIELD( field, ... )                                                                  \

@@ -107,13 +107,35 @@ TEST( QuelmFields, fieldInsideAFieldIsNamedByItsWay ) {
               "type U32 at character 67, found ', vtepIp=::1 ), isUp=tru'" );
 }
 
-TEST( QuelmFields, typeNameAndClosingTextAreRequired ) {
+TEST( QuelmFields, typeNameBelongsToTheFirstFieldAndTheClosingTextToTheLast ) {
    EXPECT_EQ( refusal< Tunnel >( "Test::Segment( )" ),
-              "expected 'Test::Tunnel' at character 1, found 'Test::Segment( )'" );
+              "cannot read attribute 'name': expected 'Test::Tunnel' at character 1, found "
+              "'Test::Segment( )'" );
    EXPECT_EQ( refusal< Tunnel >( "Test::Tunnel( name=a, vni=1, vtepIp=::1" ),
-              "expected ' )' at character 40, found the end of the text" );
+              "cannot read attribute 'vtepIp': expected ' )' at character 40, found the end of the "
+              "text" );
+   EXPECT_EQ( refusal< Nothing >( "Test::Nothing(" ), "expected '( )' at character 14, found '('" );
    EXPECT_EQ( refusal< Tunnel >( "Test::Tunnel( name=a, vni=1, vtepIp=::1 ) " ),
               "expected the end of the text at character 42, found ' '" );
+}
+
+// Wherever the text is cut, the first field is named whose text is not whole. The comma in front of
+// a field belongs to it, and the closing text to the last.
+TEST( QuelmFields, textThatIsCutOffNamesTheFieldAtWhichItEnds ) {
+   std::string const text = kLeaf2Text;
+   std::size_t const vni = text.find( ", vni" );
+   std::size_t const vtepIp = text.find( ", vtepIp" );
+   for ( std::size_t length = 0; length < text.size(); ++length ) {
+      std::string const cut = text.substr( 0, length );
+      std::string const missing = length <= vni ? "name" : length <= vtepIp ? "vni" : "vtepIp";
+      std::string const said = refusal< Tunnel >( cut );
+      // "leaf" for "leaf2" is a name, and the text ends at what is to follow it.
+      bool const isNameRead = length > text.find( '=' ) + 1 && length <= vni;
+      bool const isVniRead = length > text.find( '=', vni ) + 1 && length <= vtepIp;
+      std::string const named = isNameRead ? "vni" : isVniRead ? "vtepIp" : missing;
+      EXPECT_TRUE( said.starts_with( "cannot read attribute '" + named + "'" ) )
+         << "'" << cut << "': " << said;
+   }
 }
 
 TEST( QuelmFields, valueIsComparableOnlyIfItsClassSaysHow ) {
