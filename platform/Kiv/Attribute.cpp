@@ -41,6 +41,14 @@ std::string Attribute::call( Entity &, std::vector< std::string > const & ) cons
    refuse( "cannot be called" );
 }
 
+std::string Attribute::textIn( std::string_view ) const {
+   refuse( "belongs to an entity, not to a value" );
+}
+
+std::string Attribute::valueWith( std::string_view, std::string_view ) const {
+   refuse( "belongs to an entity, not to a value" );
+}
+
 std::string Attribute::keyTextOf( TypedPointer const & ) const {
    return {};
 }

@@ -1,4 +1,5 @@
-// One row of an introspection table: the generic interface to one attribute.
+// One row of an introspection table: the generic interface to one attribute, of an entity or of a
+// value.
 //
 // Everything here is text: keys, values, arguments and results in the text forms of Quelm/Text.h,
 // so that state files, `show`, dumps and scenario steps work on every entity without knowing its
@@ -71,6 +72,12 @@ class Attribute {
    virtual std::string call( Entity & entity, std::vector< std::string > const & arguments ) const;
    // The number of arguments of an operation.
    virtual std::size_t arity() const { return 0; }
+
+   // --- Attributes of value types; a value is its text form
+   // The attribute's text within `value`.
+   virtual std::string textIn( std::string_view value ) const;
+   // `value` with the attribute set to `text`.
+   virtual std::string valueWith( std::string_view value, std::string_view text ) const;
 
    // The texts of a change's key and values; empty text where there is none.
    virtual std::string keyTextOf( TypedPointer const & key ) const;

@@ -15,6 +15,7 @@
 
 #include <Kiv/Attribute.h>
 #include <Kiv/Entity.h>
+#include <Kiv/Registration.h>
 #include <Kiv/Store.h>
 #include <Quelm/Error.h>
 #include <Quelm/Text.h>
@@ -391,12 +392,10 @@ template< typename Class > Type makeNamedType() {
       return type;                                                                                 \
    }                                                                                               \
    ::Kiv::Type const & Class::typeData() const { return kivType(); }                               \
-   static ::Kiv::TypeRegistration const KIV_UNIQUE( kivRegistration, __LINE__ )( Class::kivType() );
+   KIV_REGISTER( Class::kivType() )
 
 #define KIV_DEFINE( Class ) KIV_DEFINE_AS( Class, ::Kiv::makeType )
 #define KIV_DEFINE_NAMED( Class ) KIV_DEFINE_AS( Class, ::Kiv::makeNamedType )
 
-#define KIV_UNIQUE_OF( name, line ) name##line
-#define KIV_UNIQUE( name, line ) KIV_UNIQUE_OF( name, line )
 // clang-format on
 // NOLINTEND(cppcoreguidelines-macro-usage)

@@ -1,13 +1,15 @@
-// The introspection table of an entity type, and the register of all types.
+// The introspection table of a type, and the register of all types.
 //
 // Kiv::Type lists a type's attributes, those of its base first, each with its name, kind and types.
 // It is built from the class declaration the first time it is asked for and lives as long as the
 // module that defines it. Attribute identifiers are positions in it, from 1; overloads of an
 // operation follow in a list of their own and have no identifier.
 //
-// The register knows every type of every loaded module by name. State loading creates entities
-// through it, so that a new entity type needs no line of code there. A module adds its types when
-// it is loaded and takes them out when it is unloaded; both happen on the loading thread.
+// The register knows every type of every loaded module by name: the entity types, and the value
+// types that a module makes known (Kiv/ValueRows.h), which have no base and no identifiers. State
+// loading creates entities through it, so that a new entity type needs no line of code there. A
+// module adds its types when it is loaded, before anything else that it registers, and takes them
+// out when it is unloaded, after everything else; both happen on the loading thread.
 #pragma once
 
 #include <functional>

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <vector>
 
 #include <Quelm/Error.h>
 #include <Trace/Ring.h>
@@ -130,6 +129,14 @@ void ringLevelsIs( std::string const & names, std::string_view levels ) {
          handle->ringLevelsIs( setting.levels );
       }
    }
+}
+
+std::vector< std::string > handleNames() {
+   std::vector< std::string > names;
+   for ( Handle const * const handle : shared().handles ) {
+      names.push_back( handle->name() );
+   }
+   return names;
 }
 
 }  // namespace Trace

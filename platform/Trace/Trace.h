@@ -26,6 +26,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <Quelm/Integers.h>
 
@@ -80,6 +81,9 @@ void ringIs( Ring * ring );
 // text that is neither throws Quelm::TextError and changes nothing. Later settings win.
 void levelsIs( std::string const & names, std::string_view levels );
 void ringLevelsIs( std::string const & names, std::string_view levels );
+
+// The names of the handles that there are, in the order of their making.
+std::vector< std::string > handleNames();
 
 }  // namespace Trace
 

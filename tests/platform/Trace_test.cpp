@@ -203,6 +203,18 @@ TEST_F( TraceText, anythingElseIsRefusedAndChangesNothing ) {
    }
 }
 
+TEST_F( TraceText, handlesAreListedInTheOrderOfTheirMakingWhileTheyLive ) {
+   Lines const before = Trace::handleNames();
+   Handle const second( "TestB" );
+   {
+      Handle const third( "TestA" );
+      Lines expected = before;
+      expected.insert( expected.end(), { "TestB", "TestA" } );
+      EXPECT_EQ( Trace::handleNames(), expected );
+   }
+   EXPECT_EQ( Trace::handleNames().size(), before.size() + 1 );
+}
+
 TEST_F( TraceText, destroyedHandleIsForgotten ) {
    { Handle const handle( "TestGone" ); }
    Trace::levelsIs( "TestGone", "0-9" );
