@@ -36,8 +36,9 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
       : public Kiv::NestedReactor< Vxlan::VtiStatus > {
    KIV_ENTITY( NestedSm_VtiStatus, Kiv::Entity )
    KIV_BACK( evpnMultihomingLocalBiasSm, EvpnMultihomingLocalBiasSm )
-   // Moves a VRF's rules from one VNI to another; 0 on either side is none.
-   KIV_OPERATION( void, handleVrfToVniMap, ( L3::VrfName const & vrf, U32 oldVni, U32 newV ) )
+   // Moves a VRF's rules from one VNI to another; 0 on either side is none. Support tools know the
+   // operation by its signature, in traces and in what a stop prints, so the VRF comes by value.
+   KIV_OPERATION( void, handleVrfToVniMap, ( L3::VrfName vrf, U32 oldVni, U32 newV ) )
    // The same for every VRF of the map, as if it had just been mapped.
    KIV_OVERLOAD( void, handleVrfToVniMap, () )
    // Takes the rules of every VRF of the map away.
@@ -61,8 +62,11 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
       return *evpnMultihomingLocalBiasSm();
    }
    void onAttribute( Kiv::Change const & change ) override;
-   void handleVrfToVniMapReactor( Kiv::Change const & change );
+   // The VRF's VNI is another one by now; which ones they are is in the change.
+   void handleVrfToVniMapReactor( L3::VrfName vrf );
    U32 vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni );
+
+   Kiv::Change const * change_ = nullptr;  // the one that is being delivered
 };
 
 // Watches the members of one port channel.

@@ -11,6 +11,8 @@
 //
 // The line numbers are those by which support tools know the calls.
 
+#include <utility>
+
 #include <FeatureToggle/FeatureToggle.h>
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
@@ -47,14 +49,16 @@ VtiSm::NestedSm_VtiStatus( Notifier const & status, EvpnMultihomingLocalBiasSm *
 
 void VtiSm::onAttribute( Kiv::Change const & change ) {
    if ( change.attribute() == Vxlan::VtiStatus::vrfToVniMapAttr() && hasNotificationActive() ) {
-      handleVrfToVniMapReactor( change );
+      Kiv::Change const * const outer = std::exchange( change_, &change );
+      handleVrfToVniMapReactor( change.key< L3::VrfName >() );
+      change_ = outer;
    }
 }
 
-void VtiSm::handleVrfToVniMapReactor( Kiv::Change const & change ) {
-   auto const * const oldVni = change.oldValue< Vxlan::VniExtOrNone >();
-   auto const * const newVni = change.newValue< Vxlan::VniExtOrNone >();
-   handleVrfToVniMap( change.key< L3::VrfName >(), oldVni ? oldVni->value() : 0,
+void VtiSm::handleVrfToVniMapReactor( L3::VrfName vrf ) {
+   auto const * const oldVni = change_->oldValue< Vxlan::VniExtOrNone >();
+   auto const * const newVni = change_->newValue< Vxlan::VniExtOrNone >();
+   handleVrfToVniMap( std::move( vrf ), oldVni ? oldVni->value() : 0,
                       newVni ? newVni->value() : 0 );
 }
 
@@ -70,7 +74,8 @@ void VtiSm::handleVrfToVniUnmap() {
    }
 }
 
-void VtiSm::handleVrfToVniMap( L3::VrfName const & vrf, U32 oldVni, U32 newV ) {
+// NOLINTNEXTLINE(performance-unnecessary-value-param): part of the signature (NestedSms.h)
+void VtiSm::handleVrfToVniMap( L3::VrfName vrf, U32 oldVni, U32 newV ) {
    TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
    if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine().initialized() ) {
       TRACE( smTrace, 2, "handleVrfToVniMap, SM not initialized yet" );

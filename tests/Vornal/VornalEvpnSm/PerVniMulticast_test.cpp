@@ -7,12 +7,14 @@
 #include <VornalCentral/Capabilities.h>
 
 #include "../support/RoutedSwitch.h"
+#include "../support/Stops.h"
 
 namespace {
 
 using Support::FieldCallFault;
 using Support::intf;
 using Support::Lines;
+using Support::literally;
 using Support::Machine;
 using Support::RoutedSwitch;
 using Support::stopsAt;
@@ -290,6 +292,14 @@ TEST_P( PerVniMulticastDeathTest, ANewVniThatHasAnEntryStopsTheProcess ) {
    leaf.vniIs( "red", 50001 );
    EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )->handleVrfToVniMap( vrf( "red" ), 0, 50001 ),
                  stopsAt( vniIsTaken ) );
+}
+
+TEST_P( PerVniMulticastDeathTest, AStopNamesTheOperationByTheSignatureThatItTraces ) {
+   start();
+   leaf.vniIs( "red", 50001 );
+   EXPECT_DEATH( leaf.vniIs( "blue", 50001 ),
+                 "^PerVniMulticast\\.cpp:[0-9]+: " +
+                    literally( signature + ": Assertion '" + vniIsTaken + "' failed.\n" ) + "$" );
 }
 
 TEST_P( PerVniMulticastDeathTest, AFailedVniQualifierIsReportedAtItsLine ) {
