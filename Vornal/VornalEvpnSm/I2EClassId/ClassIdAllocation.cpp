@@ -89,8 +89,8 @@ void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
    bool const isPeer = orEmpty( oxaEvpnTepSegmentDir() ).tepSegmentHas( tepIp );
    if ( !isPeer || !initialized() ) {
       TRACE( smTrace, 2,
-             " initialized: " << initialized()
-                              << " tepIp part of oxaEvpnTepSegmentDir: " << isPeer );
+             "handleRemoteESPeerVtepI2EClassId initialized: "
+                << initialized() << " tepIp part of oxaEvpnTepSegmentDir: " << isPeer );
       return;
    }
    TRACE( smTrace, 5, "handleRemoteESPeerVtepI2EClassId tepIp " << tepIp );
@@ -208,7 +208,7 @@ void Sm::releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp ) {
       VornalTypes::VornalPortList const ports = list->esPortList();
       efpTcamEntries( unit, tepIp, ports, false );
    }
-   TRACE( smTrace, 5, ", TCAM entries deleted " );
+   TRACE( smTrace, 5, "deleteTcamEntries, TCAM entries deleted " );
 }
 
 void Sm::releaseClassId( Pelk::IpGenAddr const & tepIp ) {

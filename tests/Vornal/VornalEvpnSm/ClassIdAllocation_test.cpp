@@ -156,7 +156,9 @@ TEST_F( ClassIdAllocation, AGrantWithoutAValidIdProgramsNothingAndTheNextChangeT
 TEST_F( ClassIdAllocation, AGrantForAVtepThatSharesNothingIsIgnored ) {
    auto & sm = leaf.start();
    leaf.classIdIs( "10.0.0.9", 5 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "2  initialized: 1 tepIp part of oxaEvpnTepSegmentDir: 0" } ) );
+   EXPECT_EQ( leaf.traces,
+              ( Lines{ "2 handleRemoteESPeerVtepI2EClassId initialized: 1 tepIp part of "
+                       "oxaEvpnTepSegmentDir: 0" } ) );
    EXPECT_FALSE( sm.i2eTepIpClassIdHas( ip( "10.0.0.9" ) ) );
 }
 
@@ -166,7 +168,9 @@ TEST_F( ClassIdAllocation,
    auto & sm = leaf.start();
    sm.initializedIs( false );
    leaf.classIdIs( "10.0.0.2", 5 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "2  initialized: 0 tepIp part of oxaEvpnTepSegmentDir: 1" } ) );
+   EXPECT_EQ( leaf.traces,
+              ( Lines{ "2 handleRemoteESPeerVtepI2EClassId initialized: 0 tepIp part of "
+                       "oxaEvpnTepSegmentDir: 1" } ) );
    EXPECT_FALSE( sm.i2eTepIpClassIdHas( ip( "10.0.0.2" ) ) );
    leaf.classIdConfig->remoteESPeerVtepIs( ip( "10.0.0.8" ), true );
    watch.hasNotificationActiveIs( true );
@@ -234,7 +238,7 @@ TEST_F( ClassIdAllocation, TheFirstOfTwoUnitsLeavesTheClassIdAndTheSecondGivesIt
    EXPECT_FALSE( sm.i2eTepIpClassIdRefCountHas( ip( "10.0.0.2" ) ) );
    EXPECT_EQ( leaf.requests(), Lines{} );
    EXPECT_EQ( leaf.traces.front(), "5 deleteTcamEntries, unit: 1, tepIp: 10.0.0.2" );
-   EXPECT_EQ( *( leaf.traces.end() - 2 ), "5 , TCAM entries deleted " );
+   EXPECT_EQ( *( leaf.traces.end() - 2 ), "5 deleteTcamEntries, TCAM entries deleted " );
    EXPECT_EQ( leaf.traces.back(), "5 deleteTcamEntries freed I2E class ID 5" );
 }
 
@@ -261,7 +265,7 @@ TEST_F( ClassIdAllocation, AUnitThatNeverHadRulesWithdrawsAPendingRequest ) {
    EXPECT_TRUE( sm.deleteTcamEntries( 1, ip( "10.0.0.2" ) ) );
    EXPECT_EQ( leaf.requests(), Lines{} );
    EXPECT_TRUE( leaf.calls.empty() );
-   EXPECT_FALSE( leaf.hasTraced( "5 , TCAM entries deleted " ) );
+   EXPECT_FALSE( leaf.hasTraced( "5 deleteTcamEntries, TCAM entries deleted " ) );
 }
 
 TEST_F( ClassIdAllocation, AGrantThatWasNeverUsedIsGivenBack ) {

@@ -95,7 +95,9 @@ TEST( ClassIdVariant, AGrantCallsItsHandler ) {
    auto const sm = leaf.machineNew( Variant::I2EClassId );
    leaf.forget();
    leaf.classIdIs( "10.0.0.2", 5 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "2  initialized: 1 tepIp part of oxaEvpnTepSegmentDir: 0" } ) );
+   EXPECT_EQ( leaf.traces,
+              ( Lines{ "2 handleRemoteESPeerVtepI2EClassId initialized: 1 tepIp part of "
+                       "oxaEvpnTepSegmentDir: 0" } ) );
 }
 
 TEST( ClassIdVariant, RequestsOfAnEarlierRunAreClearedBeforeAnyNewOneIsMade ) {
