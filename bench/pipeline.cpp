@@ -189,7 +189,7 @@ std::filesystem::path enlarged( std::string const & name ) {
          writer.write( frame->timestamp, frame->bytes );
       }
    }
-   writer.close();
+   writer.flush();
    return file;
 }
 
@@ -225,7 +225,7 @@ void forwardFile( benchmark::State & state, std::string const & name ) {
          captures.timeIs( frame->timestamp );
          leaf1.pipeline.forward( kUnderlay, frame->bytes, captures );
       }
-      captures.close();
+      captures.flush();
    }
    U64 const copies = leaf1.pipeline.counters()[ Chip::Verdict::Sent ];
    state.SetItemsProcessed( static_cast< S64 >( frames ) );

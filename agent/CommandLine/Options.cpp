@@ -1,5 +1,7 @@
 #include <CommandLine/Options.h>
 
+#include <iostream>
+
 #include <CLI/CLI.hpp>
 
 #include <Quelm/Error.h>
@@ -155,7 +157,7 @@ Command commandOf( CLI::App const & app, Words const & words ) {
 
 }  // namespace
 
-std::variant< Command, Done > parse( int argc, char const * const * argv ) {
+std::variant< Command, Done > parse( int argc, char const * const * argv, std::ostream & out ) {
    CLI::App app(
       "An off-switch agent: loads a forwarding plug-in, plays the other agents of a "
       "switch, and tells what the plug-in does.",
@@ -171,7 +173,7 @@ std::variant< Command, Done > parse( int argc, char const * const * argv ) {
       app.parse( argc, argv );
       return commandOf( app, words );
    } catch ( CLI::ParseError const & error ) {
-      bool const isHelp = app.exit( error ) == 0;
+      bool const isHelp = app.exit( error, out, std::cerr ) == 0;
       return Done{ isHelp ? 0 : static_cast< int >( Story::ExitCode::BadInput ) };
    }
 }

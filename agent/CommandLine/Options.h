@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <variant>
 #include <vector>
@@ -46,6 +47,7 @@ struct Done {
    int exitCode = 0;
 };
 
-std::variant< Command, Done > parse( int argc, char const * const * argv );
+// Help goes to `out`.
+std::variant< Command, Done > parse( int argc, char const * const * argv, std::ostream & out );
 
 }  // namespace CommandLine

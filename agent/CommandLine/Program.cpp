@@ -3,32 +3,47 @@
 #include <iostream>
 
 #include <CommandLine/Commands.h>
+#include <CommandLine/OutputStream.h>
+
+#include <signal.h>
+#include <unistd.h>
 
 namespace CommandLine {
 
 namespace {
 
-Story::ExitCode perform( Command const & command ) {
+constexpr int kBadInput = static_cast< int >( Story::ExitCode::BadInput );
+
+Story::ExitCode perform( Command const & command, std::ostream & out ) {
    return std::visit( Story::Overloaded{
-                         []( RunOptions const & options ) { return run( options ); },
-                         []( ShowOptions const & options ) { return show( options ); },
-                         []( VerifyOptions const & options ) { return verify( options ); },
-                         []( RingOptions const & options ) { return ring( options ); } },
+                         [ & ]( RunOptions const & options ) { return run( options, out ); },
+                         [ & ]( ShowOptions const & options ) { return show( options, out ); },
+                         [ & ]( VerifyOptions const & options ) { return verify( options, out ); },
+                         [ & ]( RingOptions const & options ) { return ring( options, out ); } },
                       command );
+}
+
+int answer( int argc, char const * const * argv, std::ostream & out ) {
+   auto const asked = parse( argc, argv, out );
+   auto const * const done = std::get_if< Done >( &asked );
+   return done ? done->exitCode
+               : static_cast< int >( perform( std::get< Command >( asked ), out ) );
 }
 
 }  // namespace
 
 int program( int argc, char const * const * argv ) {
-   auto const asked = parse( argc, argv );
-   if ( auto const * const done = std::get_if< Done >( &asked ) ) {
-      return done->exitCode;
-   }
+   // A file that grows beyond the limit of a process is an error of that file, not an end.
+   signal( SIGXFSZ, SIG_IGN );
+   OutputStream out( STDOUT_FILENO, "standard output" );
    try {
-      return static_cast< int >( perform( std::get< Command >( asked ) ) );
+      int const exitCode = answer( argc, argv, out );
+      out.flush();
+      // Nowhere is left to say that standard error is not complete.
+      return std::cerr ? exitCode : kBadInput;
    } catch ( std::exception const & error ) {
       std::cerr << error.what() << '\n';
-      return static_cast< int >( Story::ExitCode::BadInput );
+      return kBadInput;
    }
 }
 

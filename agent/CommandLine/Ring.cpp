@@ -1,5 +1,4 @@
 #include <fstream>
-#include <iostream>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -32,11 +31,11 @@ std::string lineOf( Trace::Ring::Decoded const & line ) {
 
 }  // namespace
 
-Story::ExitCode ring( RingOptions const & options ) {
+Story::ExitCode ring( RingOptions const & options, std::ostream & out ) {
    std::vector< char > const content = contentOf( options.file );
    try {
       for ( auto const & line : Trace::Ring::decode( std::as_bytes( std::span( content ) ) ) ) {
-         std::cout << lineOf( line );
+         out << lineOf( line );
       }
    } catch ( Quelm::TextError const & error ) {
       throw Host::InputError( options.file.string() + ": " + error.what() );

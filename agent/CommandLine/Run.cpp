@@ -25,9 +25,9 @@ class OutputEcho final : public Story::Observer {
    }
 };
 
-Story::ExitCode runForPeople( ScenarioRun const & what,
-                              std::vector< Story::Observer * > observers ) {
-   Story::HumanWriter writer( std::cout, Story::Style( isColoured( STDOUT_FILENO ) ) );
+Story::ExitCode runForPeople( ScenarioRun const & what, std::vector< Story::Observer * > observers,
+                              std::ostream & out ) {
+   Story::HumanWriter writer( out, Story::Style( isColoured( STDOUT_FILENO ) ) );
    observers.push_back( &writer );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
@@ -35,14 +35,14 @@ Story::ExitCode runForPeople( ScenarioRun const & what,
 }
 
 Story::ExitCode runForPrograms( ScenarioRun const & what,
-                                std::vector< Story::Observer * > observers ) {
+                                std::vector< Story::Observer * > observers, std::ostream & out ) {
    Story::JsonWriter writer;
    OutputEcho echo;
    observers.insert( observers.end(), { &writer, &echo } );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
    if ( outcome.exitCode() != Story::ExitCode::BadInput ) {
-      writer.write( std::cout );
+      writer.write( out );
    }
    return outcome.exitCode();
 }
@@ -64,7 +64,7 @@ std::optional< std::filesystem::path > folderOf(
 
 }  // namespace
 
-Story::ExitCode run( RunOptions const & options ) {
+Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
    Scenario::Model const scenario = Scenario::read( options.scenario );
    ScenarioRun const what{ scenario,
                            { .scenario = options.scenario.string(),
@@ -78,8 +78,8 @@ Story::ExitCode run( RunOptions const & options ) {
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
    }
-   return options.isJson ? runForPrograms( what, std::move( observers ) )
-                         : runForPeople( what, std::move( observers ) );
+   return options.isJson ? runForPrograms( what, std::move( observers ), out )
+                         : runForPeople( what, std::move( observers ), out );
 }
 
 }  // namespace CommandLine

@@ -38,17 +38,18 @@ Json pathsJson( std::vector< Story::EntityShown > const & entities ) {
    return { { "entities", std::move( json ) } };
 }
 
-void print( ShowOptions const & options, std::vector< Story::EntityShown > const & entities ) {
+void print( ShowOptions const & options, std::vector< Story::EntityShown > const & entities,
+            std::ostream & out ) {
    if ( options.isJson ) {
       Json const json = options.path ? Json{ { "path", entities.front().path },
                                              { "entity", jsonOf( entities.front().tree ) } }
                                      : pathsJson( entities );
-      std::cout << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
+      out << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
       return;
    }
    for ( Story::EntityShown const & shown : entities ) {
-      std::cout << ( options.path ? Story::treeText( shown.path, shown.tree )
-                                  : Story::pathLine( shown ) );
+      out << ( options.path ? Story::treeText( shown.path, shown.tree )
+                            : Story::pathLine( shown ) );
    }
 }
 
@@ -61,7 +62,7 @@ Host::AgentConfig::Show whatToShow( ShowOptions const & options ) {
 
 }  // namespace
 
-Story::ExitCode show( ShowOptions const & options ) {
+Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
    Scenario::Model const scenario = Scenario::read( options.scenario );
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
@@ -82,7 +83,7 @@ Story::ExitCode show( ShowOptions const & options ) {
    if ( !outcome.badInput().empty() ) {
       return Story::ExitCode::BadInput;
    }
-   print( options, shown.entities() );
+   print( options, shown.entities(), out );
    return Story::ExitCode::Held;
 }
 

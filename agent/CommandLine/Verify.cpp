@@ -134,21 +134,20 @@ std::string passText( Verified const & verified, Story::Outcome const & outcome 
 }
 
 void print( Verified const & verified, std::vector< AuditAfter > const & audits,
-            Story::Outcome const & outcome, Story::ExitCode code ) {
+            Story::Outcome const & outcome, Story::ExitCode code, std::ostream & out ) {
    Story::Style const style( isColoured( STDOUT_FILENO ) );
-   std::cout << style.bold( verified.title() ) << " (" << verified.variant() << ")\n";
+   out << style.bold( verified.title() ) << " (" << verified.variant() << ")\n";
    for ( AuditAfter const & one : audits ) {
-      std::cout << style.bold( afterText( one ) ) << '\n';
+      out << style.bold( afterText( one ) ) << '\n';
       for ( std::string const & line : linesOf( one.audit, style ) ) {
-         std::cout << "   " << line << '\n';
+         out << "   " << line << '\n';
       }
    }
-   std::cout << "   " << passText( verified, outcome ) << '\n';
+   out << "   " << passText( verified, outcome ) << '\n';
    bool const isInStep = code == Story::ExitCode::Held;
-   std::cout << ( isInStep
-                     ? style.good( "IN STEP" )
+   out << ( isInStep ? style.good( "IN STEP" )
                      : style.bad( code == Story::ExitCode::Stopped ? "STOPPED" : "DIFFERENCES" ) )
-             << '\n';
+       << '\n';
 }
 
 // --- For programs
@@ -163,7 +162,7 @@ Json auditJson( AuditAfter const & one ) {
 
 void printJson( VerifyOptions const & options, Verified const & verified,
                 std::vector< AuditAfter > const & audits, Story::Outcome const & outcome,
-                Story::ExitCode code ) {
+                Story::ExitCode code, std::ostream & out ) {
    Json json{ { "scenario", verified.title() },
               { "file", options.scenario.string() },
               { "variant", Story::textOrNull( verified.variant() ) },
@@ -180,12 +179,12 @@ void printJson( VerifyOptions const & options, Verified const & verified,
    for ( AuditAfter const & one : audits ) {
       json[ "audits" ].push_back( auditJson( one ) );
    }
-   std::cout << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
+   out << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
 }
 
 }  // namespace
 
-Story::ExitCode verify( VerifyOptions const & options ) {
+Story::ExitCode verify( VerifyOptions const & options, std::ostream & out ) {
    using When = Host::AgentConfig::Verify;
    Scenario::Model const scenario = Scenario::read( options.scenario );
    Host::AgentConfig config;
@@ -209,9 +208,9 @@ Story::ExitCode verify( VerifyOptions const & options ) {
       std::cerr << story.str();
    }
    if ( options.isJson ) {
-      printJson( options, verified, audits, outcome, code );
+      printJson( options, verified, audits, outcome, code, out );
    } else {
-      print( verified, audits, outcome, code );
+      print( verified, audits, outcome, code, out );
    }
    return code;
 }

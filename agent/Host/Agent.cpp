@@ -51,7 +51,6 @@ void Agent::runAll() {
                 scenario_.file + ":" + std::to_string( step.line ) },
               [ & ] { carryOut( step ); } );
    }
-   environment_.traffic().close();
    std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
    verify();
    inStep( { Story::StepKind::Teardown,

@@ -164,13 +164,10 @@ void Traffic::inject( Scenario::Capture const & capture ) {
 void Traffic::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
    Chip::FrameStory const & story = captures_ ? pipeline_.forward( arrival, frame, *captures_ )
                                               : pipeline_.forward( arrival, frame, nowhere_ );
-   context_.observer.onEvent( frameOf( story, ++frames_ ) );
-}
-
-void Traffic::close() {
    if ( captures_ ) {
-      captures_->close();
+      captures_->flush();
    }
+   context_.observer.onEvent( frameOf( story, ++frames_ ) );
 }
 
 }  // namespace Host

@@ -6,11 +6,13 @@
 // chip forwards by the same state as the plug-in programs it by.
 //
 // Every frame is told to the observer with its verdict at every port. What leaves can be written
-// into captures, one for each port.
+// into captures, one for each port; a frame that has been told is in them, whatever becomes of this
+// process.
 //
 // Failures: Quelm::Error for a scenario that does not say how the switch forwards, for an interface
 // without a port, and for a capture that cannot be read; nothing of that step is injected then, but
-// the frames before a capture's damage.
+// the frames before a capture's damage. Quelm::Error as well for a capture that does not take what
+// leaves.
 //
 // Threads: the activity's.
 #pragma once
@@ -41,7 +43,6 @@ class Traffic {
 
    // Captures of what leaves go into that folder, which is there.
    void captureInto( std::filesystem::path const & folder ) { captures_.emplace( folder ); }
-   void close();
 
    void inject( Scenario::Frame const & frame );
    void inject( Scenario::Capture const & capture );

@@ -1,6 +1,8 @@
 #include <Capture/CaptureWriter.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include <Quelm/Assert.h>
 #include <Quelm/Error.h>
@@ -11,6 +13,10 @@ namespace Chip {
 namespace {
 
 constexpr int kLongestFrame = 262144;  // what tools that read captures expect as the limit
+
+// Of a pcap file: its own header, and that of each frame.
+constexpr std::uintmax_t kFileHeader = 24;
+constexpr std::uintmax_t kFrameHeader = 16;
 
 }  // namespace
 
@@ -30,10 +36,12 @@ CaptureWriter::CaptureWriter( std::filesystem::path file )
    if ( !dumper_ ) {
       throw Quelm::Error( std::string( "capture " ) + pcap_geterr( handle_.get() ) );
    }
+   written_ = kFileHeader;
+   flush();
 }
 
 void CaptureWriter::write( std::chrono::nanoseconds timestamp, Bytes frame ) {
-   QUELM_ASSERT( dumper_ && "capture written after it was closed" );
+   QUELM_ASSERT( dumper_ && "capture written after it failed" );
    auto const seconds = std::chrono::floor< std::chrono::seconds >( timestamp );
    auto const length = static_cast< bpf_u_int32 >( frame.size() );
    pcap_pkthdr header{};
@@ -43,15 +51,27 @@ void CaptureWriter::write( std::chrono::nanoseconds timestamp, Bytes frame ) {
    header.len = length;
    // libpcap hands the dumper on as the bytes that its reading functions pass to their callers.
    pcap_dump( reinterpret_cast< U8 * >( dumper_.get() ), &header, frame.data() );
+   if ( std::ferror( pcap_dump_file( dumper_.get() ) ) != 0 ) {
+      fail( errno );
+   }
+   written_ += kFrameHeader + length;
 }
 
-void CaptureWriter::close() {
-   bool const isWhole =
-      pcap_dump_flush( dumper_.get() ) == 0 && std::ferror( pcap_dump_file( dumper_.get() ) ) == 0;
-   dumper_.reset();
-   if ( !isWhole ) {
-      throw Quelm::Error( "capture " + file_.string() + ": it could not be written to its end" );
+void CaptureWriter::flush() {
+   QUELM_ASSERT( dumper_ && "capture flushed after it failed" );
+   if ( pcap_dump_flush( dumper_.get() ) != 0 ) {
+      fail( errno );
    }
+   flushed_ = written_;
+}
+
+void CaptureWriter::fail( int reason ) {
+   dumper_.reset();
+   std::error_code notCut;  // a device has no end to cut off
+   std::filesystem::resize_file( file_, flushed_, notCut );
+   throw Quelm::Error( "capture " + file_.string() + ": " +
+                       std::generic_category().message( reason ) +
+                       "; the frames from there on are not in it" );
 }
 
 }  // namespace Chip

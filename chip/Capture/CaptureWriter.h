@@ -1,8 +1,10 @@
 // Frames into a capture file (pcap with nanoseconds), one after the other.
 //
-// Failures: Quelm::Error, which names the file, when it cannot be created or written. What is
-// written is buffered; close() says whether all of it has reached the file, and the destructor
-// closes without a word.
+// What is written is buffered. After flush() it is in the file, whatever becomes of this process.
+// The destructor writes the rest without a word.
+//
+// Failures: Quelm::Error, which names the file, when it cannot be created or does not take what it
+// is given. Nothing is written after that, and the file ends where it was flushed last.
 #pragma once
 
 #include <chrono>
@@ -24,8 +26,7 @@ class CaptureWriter {
    std::filesystem::path const & file() const { return file_; }
    // `timestamp` is since 1970.
    void write( std::chrono::nanoseconds timestamp, Bytes frame );
-   // Nothing is written after it.
-   void close();
+   void flush();
 
  private:
    struct Close {
@@ -33,9 +34,13 @@ class CaptureWriter {
       void operator()( pcap_dumper * dumper ) const;
    };
 
+   [[noreturn]] void fail( int reason );
+
    std::filesystem::path file_;
    std::unique_ptr< pcap, Close > handle_;
-   std::unique_ptr< pcap_dumper, Close > dumper_;
+   std::unique_ptr< pcap_dumper, Close > dumper_;  // none after a failure
+   std::uintmax_t written_ = 0;                    // in bytes
+   std::uintmax_t flushed_ = 0;                    // of these
 };
 
 }  // namespace Chip

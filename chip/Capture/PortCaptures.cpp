@@ -10,11 +10,10 @@ void PortCaptures::transmit( VornalTypes::VornalPort port, Bytes frame ) {
    writer->second.write( time_, frame );
 }
 
-void PortCaptures::close() {
+void PortCaptures::flush() {
    for ( auto & [ port, writer ] : writers_ ) {
-      writer.close();
+      writer.flush();
    }
-   writers_.clear();
 }
 
 std::filesystem::path PortCaptures::fileOf( VornalTypes::VornalPort port ) const {

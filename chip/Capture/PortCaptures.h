@@ -16,9 +16,9 @@ class PortCaptures final : public Transmitter {
 
    // When what is transmitted from now on has left; since 1970.
    void timeIs( std::chrono::nanoseconds time ) { time_ = time; }
-   // Throws as CaptureWriter does.
+   // Both throw as CaptureWriter does.
    void transmit( VornalTypes::VornalPort port, Bytes frame ) override;
-   void close();
+   void flush();
 
    // The file of that port, whether or not something has left by it.
    std::filesystem::path fileOf( VornalTypes::VornalPort port ) const;

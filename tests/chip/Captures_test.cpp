@@ -7,6 +7,9 @@
 #include <Capture/PortCaptures.h>
 #include <Quelm/Error.h>
 
+#include <signal.h>
+#include <sys/resource.h>
+
 namespace CapturesTest {
 
 namespace fs = std::filesystem;
@@ -38,7 +41,7 @@ class Captures : public testing::Test {
       for ( ByteList const & frame : frames ) {
          writer.write( 1700000000s + 5ns, frame );
       }
-      writer.close();
+      writer.flush();
    }
    static std::vector< ByteList > framesOf( fs::path const & path ) {
       std::vector< ByteList > frames;
@@ -138,9 +141,51 @@ TEST_F( Captures, refusesToWriteWhereNothingCanBe ) {
 }
 
 TEST_F( Captures, tellsWhenTheDiskIsFull ) {
-   Chip::CaptureWriter writer( "/dev/full" );
-   writer.write( 1s, ByteList( 60 ) );
-   EXPECT_THROW( writer.close(), Quelm::Error );
+   try {
+      Chip::CaptureWriter const writer( "/dev/full" );
+      FAIL() << "a full disk was written";
+   } catch ( Quelm::Error const & error ) {
+      EXPECT_EQ( std::string( error.what() ),
+                 "capture /dev/full: No space left on device; the frames from there on are not in "
+                 "it" );
+   }
+}
+
+// A limit on the size of files stands in for a disk that fills up.
+TEST_F( Captures, endWithAWholeFrameWhenTheDiskFillsUp ) {
+   signal( SIGXFSZ, SIG_IGN );
+   rlimit const room{ 300, RLIM_INFINITY };
+   setrlimit( RLIMIT_FSIZE, &room );
+   Chip::CaptureWriter writer( file );
+   std::string told;
+   std::size_t taken = 0;
+   while ( told.empty() ) {
+      try {
+         writer.write( 1s, ByteList( 60 ) );
+         writer.flush();
+         ++taken;
+      } catch ( Quelm::Error const & error ) {
+         told = error.what();
+      }
+   }
+
+   EXPECT_EQ( told, "capture " + file.string() +
+                       ": File too large; the frames from there on are not in it" );
+   EXPECT_EQ( taken, 3U );
+   EXPECT_EQ( framesOf( file ), std::vector( taken, ByteList( 60 ) ) );
+}
+
+TEST_F( Captures, holdWhatWasFlushedWhateverBecomesOfTheProcess ) {
+   EXPECT_EXIT(
+      {
+         Chip::CaptureWriter writer( file );
+         writer.write( 1s, ByteList( 60 ) );
+         writer.flush();
+         raise( SIGKILL );
+      },
+      testing::KilledBySignal( SIGKILL ), "" );
+
+   EXPECT_EQ( framesOf( file ).size(), 1U );
 }
 
 TEST_F( Captures, ofPortsAreFilesOfTheirOwn ) {
@@ -152,7 +197,7 @@ TEST_F( Captures, ofPortsAreFilesOfTheirOwn ) {
    captures.timeIs( 8s );
    captures.transmit( three, ByteList( 60, 2 ) );
    captures.transmit( five, ByteList( 60, 3 ) );
-   captures.close();
+   captures.flush();
    EXPECT_EQ( captures.fileOf( five ), folder / "unit0-port5.pcap" );
    EXPECT_EQ( framesOf( folder / "unit0-port5.pcap" ),
               ( std::vector{ ByteList( 60, 1 ), ByteList( 60, 3 ) } ) );

@@ -1,0 +1,91 @@
+#include <CommandLine/OutputStream.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <CommandLine/Terminal.h>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace CommandLine {
+
+namespace {
+
+constexpr std::size_t kMostPending = 65536;
+
+// " (/mnt/report.txt)", the file that the descriptor leads to; empty for a pipe and the like.
+std::string fileBehind( int fd ) {
+   std::error_code error;
+   auto const file =
+      std::filesystem::read_symlink( "/proc/self/fd/" + std::to_string( fd ), error ).string();
+   return file.starts_with( '/' ) ? " (" + file + ")" : "";
+}
+
+// Waits for the reader of a descriptor that does not wait by itself.
+void awaitRoom( int fd ) {
+   pollfd room{ fd, POLLOUT, 0 };
+   poll( &room, 1, -1 );
+}
+
+}  // namespace
+
+OutputStream::OutputStream( int fd, std::string name )
+      : std::ostream( nullptr ), buffer_( fd, std::move( name ) ) {
+   rdbuf( &buffer_ );
+   // The buffer's exceptions pass through the stream instead of becoming a state of it.
+   exceptions( std::ios::badbit );
+}
+
+OutputStream::Buffer::Buffer( int fd, std::string name )
+      : fd_( fd ), name_( std::move( name ) ), isTerminal_( isTerminal( fd ) ) {}
+
+OutputStream::Buffer::int_type OutputStream::Buffer::overflow( int_type c ) {
+   if ( !traits_type::eq_int_type( c, traits_type::eof() ) ) {
+      char const one = traits_type::to_char_type( c );
+      put( { &one, 1 } );
+   }
+   return traits_type::not_eof( c );
+}
+
+std::streamsize OutputStream::Buffer::xsputn( char const * text, std::streamsize size ) {
+   put( { text, static_cast< std::size_t >( size ) } );
+   return size;
+}
+
+int OutputStream::Buffer::sync() {
+   // What could not be written is not tried again.
+   writeAll( std::exchange( pending_, {} ) );
+   return 0;
+}
+
+void OutputStream::Buffer::put( std::string_view text ) {
+   pending_ += text;
+   bool const isLineAtTerminal = isTerminal_ && text.find( '\n' ) != std::string_view::npos;
+   if ( pending_.size() >= kMostPending || isLineAtTerminal ) {
+      sync();
+   }
+}
+
+void OutputStream::Buffer::writeAll( std::string_view text ) {
+   while ( !text.empty() ) {
+      ssize_t const written = ::write( fd_, text.data(), text.size() );
+      if ( written >= 0 ) {
+         text.remove_prefix( static_cast< std::size_t >( written ) );
+      } else if ( errno == EAGAIN ) {
+         awaitRoom( fd_ );
+      } else if ( errno != EINTR ) {
+         fail( errno );
+      }
+   }
+}
+
+void OutputStream::Buffer::fail( int reason ) const {
+   throw OutputError( "cannot write " + name_ + fileBehind( fd_ ) + ": " +
+                      std::generic_category().message( reason ) +
+                      "; what it holds is not complete" );
+}
+
+}  // namespace CommandLine

@@ -1,0 +1,136 @@
+// Outputs that do not take what the program has to say.
+#include <CommandLine/OutputStream.h>
+
+#include <array>
+#include <cstdlib>
+#include <future>
+
+#include <gtest/gtest.h>
+
+#include <Support.h>
+#include <Switches.h>
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+std::string const ready = "   - ready: subagents::l2Ready\n";
+
+bool contains( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+// --- The program
+
+class Outputs : public testing::Test {
+ protected:
+   Outputs() {
+      directory.file( "leaf.yaml", Switches::leaf( ready ) );
+      directory.file( "wrong.yaml",
+                      Switches::leaf( "   - call: { entity: /plugins/Sample::Mounter, "
+                                      "operation: print, arguments: [ '\"x\"' ] }\n" ) );
+   }
+
+   // Runs `vornal WORDS` by a shell, which redirects as the words say.
+   Support::Ran shell( std::string const & words ) {
+      std::string const err = directory.path() / "err";
+      std::string const command = "cd '" + directory.path().string() + "' && { " + before +
+                                  VORNAL_BINARY_DIR "/vornal " + words + " ; } 2>'" + err + "'";
+      int const status = std::system( command.c_str() );
+      return { WIFEXITED( status ) ? WEXITSTATUS( status ) : -1, "", Support::contentOf( err ) };
+   }
+
+   std::string const plugin =
+      " --plugin '" + Support::testPlugin( "segment-rules" ).string() + "' ";
+   Support::Directory directory;
+   std::string before;  // commands of the shell before the program
+};
+
+TEST_F( Outputs, a_full_disk_is_told_by_every_command_and_ends_it_with_2 ) {
+   ASSERT_EQ( shell( "run leaf.yaml --ring ring >/dev/null" + plugin ).exitCode, 0 );
+   for ( std::string const & words : std::vector< std::string >{
+            "run leaf.yaml" + plugin, "run --json leaf.yaml" + plugin,
+            "show leaf.yaml entities" + plugin, "show --json leaf.yaml entities" + plugin,
+            "verify leaf.yaml" + plugin, "verify --json leaf.yaml" + plugin, "ring ring", "--help",
+            "run --help" } ) {
+      auto const ran = shell( words + " >/dev/full" );
+
+      EXPECT_EQ( ran.exitCode, 2 ) << words;
+      EXPECT_EQ( ran.err,
+                 "cannot write standard output (/dev/full): No space left on device; what it holds "
+                 "is not complete\n" )
+         << words;
+   }
+}
+
+TEST_F( Outputs, standard_error_that_is_full_ends_it_with_2 ) {
+   EXPECT_EQ( shell( "run --json wrong.yaml >/dev/null" + plugin ).exitCode, 0 );
+   EXPECT_EQ( shell( "run --json wrong.yaml >/dev/null 2>/dev/full" + plugin ).exitCode, 2 );
+}
+
+TEST_F( Outputs, a_limit_on_the_size_of_files_is_an_error_of_the_file ) {
+   before = "ulimit -f 0; ";
+   auto const ran = shell( "run leaf.yaml 2>/dev/null >story" + plugin );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+}
+
+// --- The stream
+
+TEST( OutputStream, takes_everything_before_it_is_flushed ) {
+   Support::Directory const directory;
+   std::string const file = directory.path() / "out";
+   int const fd = open( file.c_str(), O_WRONLY | O_CREAT, 0600 );
+   CommandLine::OutputStream out( fd, "standard output" );
+   std::string const much( 300000, 'x' );
+   out << much << 7 << '\n';
+   out.flush();
+   close( fd );
+
+   EXPECT_EQ( Support::contentOf( file ), much + "7\n" );
+}
+
+TEST( OutputStream, names_what_cannot_be_written_as_soon_as_it_is_flushed ) {
+   CommandLine::OutputStream out( -1, "standard output" );
+   out << "a line\n";
+   try {
+      out.flush();
+      FAIL() << "a closed descriptor was written";
+   } catch ( CommandLine::OutputError const & error ) {
+      EXPECT_TRUE( contains( error.what(), "cannot write standard output: Bad file descriptor" ) )
+         << error.what();
+   }
+}
+
+TEST( OutputStream, tells_while_a_long_text_goes_on ) {
+   int const fd = open( "/dev/full", O_WRONLY );
+   CommandLine::OutputStream out( fd, "standard output" );
+   EXPECT_THROW( out << std::string( 300000, 'x' ), CommandLine::OutputError );
+   close( fd );
+}
+
+TEST( OutputStream, waits_for_a_slow_reader_that_it_is_told_not_to_wait_for ) {
+   std::array< int, 2 > ends{};
+   ASSERT_EQ( pipe2( ends.data(), O_NONBLOCK ), 0 );
+   std::size_t const much = 1000000;
+   auto writing = std::async( std::launch::async, [ & ] {
+      CommandLine::OutputStream out( ends[ 1 ], "standard output" );
+      out << std::string( much, 'x' );
+      out.flush();
+      close( ends[ 1 ] );
+   } );
+   std::size_t read = 0;
+   std::array< char, 1000 > some{};
+   ssize_t size = 0;
+   while ( ( size = ::read( ends[ 0 ], some.data(), some.size() ) ) != 0 ) {
+      read += size > 0 ? static_cast< std::size_t >( size ) : 0;
+   }
+   writing.get();
+   close( ends[ 0 ] );
+
+   EXPECT_EQ( read, much );
+}
+
+}  // namespace
