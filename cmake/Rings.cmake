@@ -20,31 +20,62 @@ function( seal target )
    endif()
 endfunction()
 
-# add_ring_test( <ring> <library>... ): the executable test-<ring> of all .cpp files in this folder;
-# each file <name>_test.cpp becomes a test of ctest, named <ring>/<name>. Each TEST in it runs in a
-# process of its own (tests/runner).
+# add_ring_test( <ring> <library>... [PRECOMPILED <header>...] [NEEDS <target>...] ): the executable
+# test-<ring> of all .cpp files in this folder; each file <name>_test.cpp becomes a test of ctest,
+# named <ring>/<name>. Each TEST in it runs in a process of its own (tests/runner).
+#
+# PRECOMPILED: headers that are parsed once, not once for each file, beside those of the frameworks.
+# NEEDS: what the tests find in the build folder.
 function( add_ring_test ring )
+   cmake_parse_arguments( PARSE_ARGV 1 arg "" "" "PRECOMPILED;NEEDS" )
    ring_sources( sources )
+   if( VORNAL_TESTS_OF_THREADS_ALONE )
+      leave_out_tests_without_threads( sources )
+   endif()
+   set( tests ${sources} )
+   list( FILTER tests INCLUDE REGEX "_test\\.cpp$" )
+   if( NOT tests )
+      return()
+   endif()
+
    set( target test-${ring} )
    add_executable( ${target} ${sources} )
+   add_dependencies( ring-tests ${target} ${arg_NEEDS} )
+   if( arg_NEEDS )
+      add_dependencies( ${target} ${arg_NEEDS} )
+   endif()
    target_include_directories( ${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR} )
    # Tests are compiled far more often than they run; what they test is optimised.
    target_compile_options( ${target} PRIVATE -O0 )
-   target_link_libraries( ${target} PRIVATE ${ARGN} test-runner rapidcheck )
-   # Parsed once, not once for each file.
-   target_precompile_headers( ${target} PRIVATE <gtest/gtest.h> <rapidcheck.h> )
+   target_link_libraries( ${target} PRIVATE ${arg_UNPARSED_ARGUMENTS} test-runner rapidcheck )
+   target_precompile_headers(
+      ${target} PRIVATE <gtest/gtest.h> <rapidcheck.h> ${arg_PRECOMPILED} )
    target_compile_definitions(
       ${target}
       PRIVATE VORNAL_SOURCE_DIR="${CMAKE_SOURCE_DIR}" VORNAL_BINARY_DIR="${CMAKE_BINARY_DIR}" )
-   foreach( source IN LISTS sources )
-      if( source MATCHES "${CMAKE_CURRENT_SOURCE_DIR}/(.*)_test\\.cpp$" )
-         add_test(
-            NAME ${ring}/${CMAKE_MATCH_1}
-            COMMAND ${target} --tests-of ${ring}/${CMAKE_MATCH_1}_test.cpp
-                    --seconds ${VORNAL_SECONDS_PER_TEST} )
-         set_tests_properties( ${ring}/${CMAKE_MATCH_1} PROPERTIES LABELS ${ring} )
+   foreach( test IN LISTS tests )
+      cmake_path( RELATIVE_PATH test BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} )
+      string( REGEX REPLACE "_test\\.cpp$" "" name ${ring}/${test} )
+      add_test( NAME ${name} COMMAND ${target} --tests-of ${ring}/${test} --seconds
+                                     ${VORNAL_SECONDS_PER_TEST} )
+      set_tests_properties( ${name} PROPERTIES LABELS ${ring} )
+   endforeach()
+endfunction()
+
+# leave_out_tests_without_threads( <variable> ): of a list of sources, the tests that start threads
+# stay, and whatever is no test.
+function( leave_out_tests_without_threads variable )
+   set( kept "" )
+   foreach( source IN LISTS ${variable} )
+      set( threads "no test" )
+      if( source MATCHES "_test\\.cpp$" )
+         file( STRINGS ${source} threads REGEX "std::(j?thread|async)" )
+      endif()
+      if( threads )
+         list( APPEND kept ${source} )
       endif()
    endforeach()
+   set( ${variable} ${kept} PARENT_SCOPE )
 endfunction()
 
 # optimise_tests( <file>... ): tests that try very many cases are optimised as well, and take seconds

@@ -87,7 +87,7 @@ std::vector< std::string > handleNames();
 
 }  // namespace Trace
 
-// NOLINTBEGIN(cppcoreguidelines-macro-usage): only a macro leaves `expression` unevaluated.
+// NOLINTBEGIN(*-macro-usage, *-macro-parentheses): `expression` is left unevaluated, and holds `<<`.
 #define TRACE( handle, level, expression )                                                         \
    do {                                                                                            \
       if ( ( handle ).isTextEnabled( level ) ) [[unlikely]] {                                      \
@@ -101,4 +101,4 @@ std::vector< std::string > handleNames();
          ( handle ).ringLine( level, ( std::ostringstream() << expression ).str() );               \
       }                                                                                            \
    } while ( false )
-// NOLINTEND(cppcoreguidelines-macro-usage)
+// NOLINTEND(*-macro-usage, *-macro-parentheses)

@@ -10,9 +10,11 @@
 // there is none, or a test stands in a file where this would not find it.
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -23,7 +25,6 @@
 
 #include <gtest/gtest.h>
 
-#include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -31,6 +32,8 @@
 namespace {
 
 constexpr std::string_view kFileEnd = "_test.cpp";
+// The exit code of a process whose test has passed: none that a test would end it with.
+constexpr int kPassed = 119;
 
 // --- What to run
 
@@ -94,8 +97,9 @@ using File =
    dup2( fileno( output ), STDOUT_FILENO );
    dup2( fileno( output ), STDERR_FILENO );
    GTEST_FLAG_SET( filter, nameOf( test ) );
-   int const result = RUN_ALL_TESTS();
-   std::exit( testing::UnitTest::GetInstance()->test_to_run_count() == 1 ? result : EXIT_FAILURE );
+   bool const isPassed =
+      RUN_ALL_TESTS() == 0 && testing::UnitTest::GetInstance()->test_to_run_count() == 1;
+   std::exit( isPassed ? kPassed : EXIT_FAILURE );
 }
 
 void show( std::FILE * output ) {
@@ -130,7 +134,7 @@ bool passes( testing::TestInfo const & test, unsigned seconds ) {
    int status = 0;
    while ( waitpid( pid, &status, 0 ) < 0 && errno == EINTR ) {
    }
-   bool const isPassed = WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_SUCCESS;
+   bool const isPassed = WIFEXITED( status ) && WEXITSTATUS( status ) == kPassed;
    if ( !isPassed ) {
       show( output.get() );
       std::cout << "FAILED: " << nameOf( test ) << ": " << endOf( status ) << "\n\n";
@@ -172,7 +176,12 @@ int run( Orders const & orders ) {
 }  // namespace
 
 int main( int argc, char ** argv ) {
-   testing::InitGoogleTest( &argc, argv );
-   auto const orders = ordersIn( argc, argv );
-   return orders ? run( *orders ) : RUN_ALL_TESTS();
+   try {
+      testing::InitGoogleTest( &argc, argv );
+      auto const orders = ordersIn( argc, argv );
+      return orders ? run( *orders ) : RUN_ALL_TESTS();
+   } catch ( std::exception const & error ) {
+      std::cerr << argv[ 0 ] << ": " << error.what() << '\n';
+      return 2;
+   }
 }
