@@ -382,7 +382,7 @@ template< typename Class > Type makeNamedType() {
 
 }  // namespace Kiv
 
-// NOLINTBEGIN(cppcoreguidelines-macro-usage)
+// NOLINTBEGIN(*-macro-usage, *-macro-parentheses): a name is not put into parentheses.
 // Version 14 of clang-format would open every body within a macro.
 // clang-format off
 #define KIV_DEFINE_AS( Class, makeTable )                                                          \
@@ -398,4 +398,4 @@ template< typename Class > Type makeNamedType() {
 #define KIV_DEFINE_NAMED( Class ) KIV_DEFINE_AS( Class, ::Kiv::makeNamedType )
 
 // clang-format on
-// NOLINTEND(cppcoreguidelines-macro-usage)
+// NOLINTEND(*-macro-usage, *-macro-parentheses)
