@@ -1,5 +1,10 @@
 #include <VornalEvpnSm/PortLists.h>
 
+#include <Kiv/ValueRows.h>
+
+KIV_DEFINE_VALUE( Vornal::SharedESPortInfo )
+KIV_DEFINE_VALUE( Vornal::PortListsOnUpdate )
+
 namespace Vornal {
 
 SharedESPortInfo::SharedESPortInfo( char const * begin, char const * end )

@@ -7,11 +7,15 @@
 #include <string>
 #include <vector>
 
+#include <Kiv/Activity.h>
 #include <Kiv/Type.h>
 #include <Log/Log.h>
 #include <Plugin/Mounter.h>
 #include <Shim/FieldCall.h>
 #include <Trace/Trace.h>
+#include <Vornal/VornalCommonSmData.h>
+#include <VornalCentral/Capabilities.h>
+#include <VornalLib/MounterBase.h>
 
 namespace OpeningTest {
 
@@ -89,6 +93,26 @@ TEST( PlugIn, bringsItsEntityTypes ) {
    }
 }
 
+TEST( PlugIn, bringsItsValueTypesWithTheirAttributes ) {
+   struct ValueType {
+      char const * name;
+      Names attributes;
+   };
+   for ( ValueType const & expected :
+         { ValueType{ "Vornal::SharedESPortInfo", { "sharedPortBitmap", "sharedPortList" } },
+           ValueType{ "Vornal::PortListsOnUpdate", { "portList", "prevPortList" } } } ) {
+      EXPECT_EQ( Kiv::typeNamed( expected.name ), nullptr ) << expected.name;
+      Opened const plugIn;
+      Kiv::Type const * const type = Kiv::typeNamed( expected.name );
+      ASSERT_NE( type, nullptr ) << expected.name;
+      Names attributes;
+      for ( Kiv::Attribute const * const attribute : type->attributes() ) {
+         attributes.push_back( attribute->name() );
+      }
+      EXPECT_EQ( attributes, expected.attributes );
+   }
+}
+
 TEST( PlugIn, bringsItsLogMessages ) {
    EXPECT_EQ( logNames(), Names{} );
    Opened const plugIn;
@@ -141,6 +165,59 @@ TEST( PlugIn, canBeOpenedAgain ) {
    EXPECT_EQ( typeNames(), firstTypes );
    EXPECT_EQ( logNames().size(), 4U );
    EXPECT_EQ( mounterNames().size(), 1U );
+}
+
+// --- The start
+
+// The agent's shared entities: what the plug-in cannot start without, and nothing else.
+class Shared final : public VornalLib::SharedEntities {
+ public:
+   explicit Shared( Quelm::Ptr< Vornal::VornalCommonSmData > const & common ) : common_( common ) {}
+   Quelm::Ptr< Kiv::Entity > entity( std::string const & name ) override {
+      return name == "vornalCommon" ? Quelm::Ptr< Kiv::Entity >( common_ ) : nullptr;
+   }
+
+ private:
+   Quelm::Ptr< Vornal::VornalCommonSmData > common_;
+};
+
+// A state database in which nothing is published but what the chip can do.
+class Database final : public Corrum::EntityManager {
+ public:
+   Quelm::Ptr< Corrum::MountGroup > getMountGroup() override { return nullptr; }
+   Quelm::Ptr< Kiv::Entity > getEntity( std::string const & path ) const override {
+      return path.ends_with( "vxlanCapabilities" )
+                ? Quelm::Ptr< Kiv::Entity >(
+                     Quelm::make< VornalCentral::VxlanCapabilities >( "vxlanCapabilities" ) )
+                : nullptr;
+   }
+};
+
+// Starts the plug-in that is open; layer 2 is ready. Whether it marks its point.
+bool hasStarted() {
+   auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
+   common->sliceDependencyPointsIs( Quelm::make< Vornal::VornalSliceDependencyPoints >() );
+   auto const subAgents = Quelm::make< Vornal::SubAgentDependencyPoints >( "subagents" );
+   subAgents->readyIs( "l2Ready" );
+   common->sliceDependencyPoints()->subAgentDependencyPointsIs( subAgents );
+   auto const mounter = Quelm::dynamicCast< VornalLib::MounterBase >(
+      Plugin::registeredMounters().front()->mounterNew() );
+   mounter->sharedEntitiesIs( Quelm::make< Shared >( common ) );
+   mounter->doMountsComplete( Corrum::MountStatus::Complete, Quelm::make< Database >() );
+   return common->sliceDependencyPoints()->isReady( "evpn" );
+}
+
+TEST( PlugIn, startsOnceFromOneOpeningAndAgainFromTheNext ) {
+   Trace::sinkIs( []( Trace::Line const & ) {} );
+   Kiv::ActivityManager activity;
+   {
+      Opened const plugIn;
+      EXPECT_TRUE( hasStarted() );
+      EXPECT_FALSE( hasStarted() );
+   }
+   Opened const plugIn;
+   EXPECT_TRUE( hasStarted() );
+   Trace::sinkIs( {} );
 }
 
 }  // namespace OpeningTest

@@ -243,6 +243,50 @@ TEST( SharedESPortInfo, NamesTheAttributeOfADamagedText ) {
          .starts_with( "cannot read attribute 'prevPortList'" ) );
 }
 
+// Wherever the text ends too early, an attribute is named.
+template< typename T > void expectCutsNameAnAttribute( T const & value ) {
+   std::string const text = Quelm::textOf( value );
+   for ( std::size_t length = 0; length < text.size(); ++length ) {
+      std::string const cut = text.substr( 0, length );
+      EXPECT_TRUE( refusalOf< T >( cut ).starts_with( "cannot read attribute '" ) ) << cut;
+   }
+}
+
+TEST( SharedESPortInfo, NamesTheAttributeAtWhichItsTextIsCutOff ) {
+   VornalPortList const ports = portsOf( { VornalPort( 0, 5, 40 ) } );
+   expectCutsNameAnAttribute( infoOf( { 5 }, ports ) );
+   expectCutsNameAnAttribute( listsOf( ports, ports ) );
+   EXPECT_EQ( refusalOf< SharedESPortInfo >( "" ),
+              "cannot read attribute 'sharedPortBitmap': expected 'Vornal::SharedESPortInfo' at "
+              "character 1, found the end of the text" );
+   EXPECT_EQ( refusalOf< PortListsOnUpdate >( "Vornal::PortListsOnUpdate( portList={}, "
+                                              "prevPortList={}" ),
+              "cannot read attribute 'prevPortList': expected ' )' at character 56, found the end "
+              "of the text" );
+}
+
+TEST( SharedESPortInfo, IsVisibleByNameToTheGenericInterface ) {
+   Kiv::Type const * const info = Kiv::typeNamed( "Vornal::SharedESPortInfo" );
+   ASSERT_NE( info, nullptr );
+   EXPECT_EQ( attributesOf( *info ), ( std::vector< std::string >{
+                                        "sharedPortBitmap:  -> Brum::PerUnitBitmap",
+                                        "sharedPortList:  -> VornalTypes::VornalPortList",
+                                     } ) );
+   Kiv::Type const * const lists = Kiv::typeNamed( "Vornal::PortListsOnUpdate" );
+   ASSERT_NE( lists, nullptr );
+   EXPECT_EQ( attributesOf( *lists ), ( std::vector< std::string >{
+                                         "portList:  -> VornalTypes::VornalPortList",
+                                         "prevPortList:  -> VornalTypes::VornalPortList",
+                                      } ) );
+   std::string const text = Quelm::textOf( infoOf( { 5, 6 }, {} ) );
+   EXPECT_EQ( info->find( "sharedPortBitmap" )->textIn( text ), "{5-6}" );
+   EXPECT_EQ( info->find( "sharedPortBitmap" )->valueWith( text, "{7}" ),
+              Quelm::textOf( infoOf( { 7 }, {} ) ) );
+   EXPECT_EQ( lists->find( "prevPortList" )
+                 ->valueWith( Quelm::textOf( PortListsOnUpdate() ), "{unit0/port5/mod0}" ),
+              Quelm::textOf( listsOf( {}, portsOf( { VornalPort( 0, 5 ) } ) ) ) );
+}
+
 TEST( SharedESPortInfo, RefusesAnotherTypesTextAndTrailingCharacters ) {
    EXPECT_THROW( parsed< SharedESPortInfo >( Quelm::textOf( PortListsOnUpdate() ) ),
                  Quelm::TextError );
