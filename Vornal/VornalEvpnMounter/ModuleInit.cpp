@@ -1,8 +1,8 @@
 // Module initialisation: what happens when the agent opens the plug-in.
 //
-// The objects below register themselves, in this order: trace handles, log message descriptors, the
-// mounter. The entity types register in the files that define them. Closing the plug-in takes all
-// of it back.
+// The types register first, in the files that define them (Kiv/Registration.h). Then the objects
+// below register themselves, in this order: trace handles, log message descriptors, the mounter.
+// Closing the plug-in takes all of it back.
 
 #include <Plugin/Mounter.h>
 #include <VornalEvpnMounter/ModuleTrace.h>
