@@ -20,11 +20,12 @@ constexpr char const * kVtiStatusDirPath = "interface/status/eth/vxlan";
 constexpr char const * kLagConfigPath = "lag/config";
 constexpr char const * kHwCapabilitiesPath = "bridging/hwcapabilities";
 
-// The entity at `path`, or an empty reference when there is none or it is not a T.
+// The entity at `path`, or an empty reference when there is none, when it is not a T, or when there
+// is no manager.
 template< typename T >
 Quelm::Ptr< T > entityAt( Quelm::Ptr< Corrum::EntityManager > const & manager,
                           std::string const & path ) {
-   return Quelm::dynamicCast< T >( manager->getEntity( path ) );
+   return manager ? Quelm::dynamicCast< T >( manager->getEntity( path ) ) : nullptr;
 }
 
 Quelm::Ptr< VornalUnboundedTcamEntryManager > entryManagerFor(

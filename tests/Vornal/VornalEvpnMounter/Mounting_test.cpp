@@ -126,6 +126,34 @@ TEST_F( Mounting, takesTheSamePathWhateverTheMountsCameTo ) {
    }
 }
 
+// The agent may hand over another manager than the one that the paths were mounted through.
+TEST_F( Mounting, takesEntitiesFromTheManagerThatItIsHanded ) {
+   Journal asked;
+   auto const other = Quelm::make< StateDatabase >( asked );
+   auto const status = Quelm::make< Evpn::EvpnStatus >( "the other's" );
+   other->publish( evpnStatusPath, status );
+   leaf.mounter->doMountsComplete( Corrum::MountStatus::Complete, other );
+   EXPECT_EQ( leaf.journal, Journal{ "shared vornalCommon" } );
+   EXPECT_EQ( asked.size(), lookUps.size() - 1 );
+   EXPECT_EQ( leaf.mounter->evpnStatus(), status );
+   EXPECT_EQ( held( "lagConfig" ), "none" );
+   EXPECT_EQ( leaf.mounter->entityManager(), leaf.database );
+}
+
+TEST_F( Mounting, goesOnWithoutAnyEntityWhenNoManagerIsHanded ) {
+   leaf.mounter->doMountsComplete( Corrum::MountStatus::Failed, nullptr );
+   for ( char const * const name :
+         { "evpnStatus", "svpShimStatus", "vxlanCapabilities", "i2eClassIdIndexConfig",
+           "i2eClassIdIndexStatus", "vtiStatusDir", "lagConfig", "bridgingHwCapabilities" } ) {
+      EXPECT_EQ( held( name ), "none" ) << name;
+   }
+   EXPECT_EQ( leaf.mounter->vcsd(), leaf.common() );
+   ASSERT_TRUE( leaf.mounter->evpnDependencyWaiter() );
+   EXPECT_EQ( leaf.mounter->evpnDependencyWaiter()->vcsd(), leaf.common() );
+   EXPECT_EQ( leaf.logs, Journal{} );
+   EXPECT_EQ( leaf.traces, Journal{} );
+}
+
 // What is published at `path` instead of the right entity leaves just `attribute` empty.
 void expectOnlyThisEmpty( std::string const & path, std::string const & attribute,
                           Quelm::Ptr< Kiv::Entity > const & wrong ) {
