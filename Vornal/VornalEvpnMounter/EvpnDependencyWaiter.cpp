@@ -12,7 +12,7 @@ namespace {
 
 char const * const requiredDependencies[] = { "subagents::l2Ready", nullptr };
 
-// Whether any waiter of this process has seen its dependencies satisfied.
+// Whether any waiter has seen its dependencies satisfied since the plug-in was loaded.
 bool areDependenciesSatisfied = false;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The dependency waiter: the plug-in starts when layer 2 is ready, once in the life of the process.
+// The dependency waiter: the plug-in starts when layer 2 is ready, once however often that is told.
 #include <gtest/gtest.h>
 
 #include "../support/Leaf.h"
@@ -186,6 +186,17 @@ TEST_F( DependencyWaiter, waitsOnWithoutSlicePointsUntilThereAreSome ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
+TEST_F( DependencyWaiter, letsGoOfSubAgentPointsThatTheSliceHasLost ) {
+   leaf.mountsComplete();
+   auto const lost = leaf.subAgents();
+   leaf.points()->subAgentDependencyPointsIs( nullptr );
+   EXPECT_FALSE( waiter().deps() );
+   EXPECT_EQ( lost->users(), 1U );
+   EXPECT_EQ( lost->publisher().subscribers(), 0U );
+   lost->readyIs( "l2Ready" );
+   EXPECT_EQ( leaf.initialisations(), 0 );
+}
+
 TEST_F( DependencyWaiter, letsGoOfPointsThatTheCommonDataHasLost ) {
    leaf.mountsComplete();
    auto const oldPoints = leaf.points();
@@ -294,6 +305,44 @@ TEST_F( DependencyWaiter, switchesCommonDataThenSubAgentsThenSlicePoints ) {
    touched.clear();
    waiting->hasNotificationActiveIs( false );
    EXPECT_EQ( touched, order );
+}
+
+// A waiter that is the last user of all that it holds ends. What it holds says when it is let go
+// of, and whether the waiter is still switched on and in service then.
+TEST_F( DependencyWaiter, goesOutOfServiceThenReleasesSlicePointsThenSubAgentsThenCommonData ) {
+   Journal events;
+   Vornal::EvpnDependencyWaiter const * ending = nullptr;
+   auto const listener = [ & ]( std::string const & name ) {
+      auto const note = [ &events, &ending, name ]( std::string const & what ) {
+         if ( ending ) {
+            events.push_back( what + name + ( ending->hasNotificationActive() ? ", on" : "" ) +
+                              ( ending->isZombie() ? ", out of service" : "" ) );
+         }
+      };
+      return Listener{ .onSubscription = [ note ] { note( "unsubscribed from " ); },
+                       .onRelease = [ note ] { note( "released " ); } };
+   };
+   auto subAgents =
+      make< Observed< SubAgentDependencyPoints > >( listener( "subAgents" ), "subagents" );
+   auto points = make< Observed< VornalSliceDependencyPoints > >( listener( "slicePoints" ) );
+   auto common = make< Observed< Vornal::VornalCommonSmData > >( listener( "common" ), "common" );
+   points->subAgentDependencyPointsIs( subAgents );
+   common->sliceDependencyPointsIs( points );
+   auto waiting = make< Vornal::EvpnDependencyWaiter >( leaf.mounter.get(), common );
+   // The waiter holds each of the three by itself once they have let go of each other.
+   points->subAgentDependencyPointsIs( nullptr );
+   common->sliceDependencyPointsIs( nullptr );
+   waiting->hasNotificationActiveIs( true );
+   subAgents = nullptr;
+   points = nullptr;
+   common = nullptr;
+   ending = waiting.get();
+   waiting = nullptr;
+   EXPECT_EQ( events,
+              ( Journal{ "unsubscribed from common", "unsubscribed from subAgents",
+                         "unsubscribed from slicePoints", "released slicePoints, out of service",
+                         "released subAgents, out of service",
+                         "released common, out of service" } ) );
 }
 
 std::string const checkName = "void Vornal::EvpnDependencyWaiter::checkAndSetDependencies()";

@@ -110,6 +110,32 @@ TEST_F( OwnedObjects, waiterIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
    expectReplaced( second, third, mounter.evpnDependencyWaiter() );
 }
 
+// Whenever the mounter takes a new object in, it says which, and whether it is switched on by then.
+TEST_F( OwnedObjects, replaceTheHeldOneBeforeTheyAreSwitchedOn ) {
+   Journal taken;
+   Kiv::Watch< Vornal::VornalEvpnMounter > watch( leaf.mounter, [ & ](
+                                                                   Kiv::Change const & change ) {
+      auto const & attribute = change.entity().typeData().attribute( change.attribute() );
+      auto const held = attribute.entity( change.entity(), "" );
+      taken.push_back( attribute.name() + ( held->hasNotificationActive() ? " on" : " off" ) );
+   } );
+   watch.hasNotificationActiveIs( true );
+   for ( int round = 0; round < 2; ++round ) {
+      taken.clear();
+      auto const mapping = mounter.lagPhyIntfMappingIs( "mapping" + std::to_string( round ) );
+      auto const lagSm = mounter.lagPhyIntfMappingSmIs( nullptr, mapping );
+      auto const tepSm = mounter.evpnTepSegmentSmIs( nullptr, nullptr, nullptr, mapping );
+      auto const waiter =
+         mounter.evpnDependencyWaiterIs( &mounter, round == 0 ? leaf.common() : nullptr );
+      EXPECT_EQ( taken, ( Journal{ "lagPhyIntfMapping off", "lagPhyIntfMappingSm off",
+                                   "evpnTepSegmentSm off", "evpnDependencyWaiter off" } ) );
+      for ( Quelm::Ptr< Kiv::Entity > const & built :
+            std::vector< Quelm::Ptr< Kiv::Entity > >{ mapping, lagSm, tepSm, waiter } ) {
+         EXPECT_TRUE( built->hasNotificationActive() );
+      }
+   }
+}
+
 TEST_F( OwnedObjects, reactiveObjectsAreSwitchedOffAndHandedBack ) {
    auto const waiter = mounter.evpnDependencyWaiterIs( &mounter, leaf.common() );
    auto const lagSm =
