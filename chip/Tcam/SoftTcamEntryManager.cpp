@@ -68,10 +68,14 @@ void SoftTcamEntryManager::tell( HardwareCall call ) const {
 }
 
 U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
-                                    VornalTcam::RequestKey const & ) {
+                                    VornalTcam::RequestKey const & key ) {
    Group * const group = groupOn( unit );
    U32 const entryId = group ? group->entryNew( name ) : 0;
-   tell( { __func__, {}, unit, entryId, { { "name", name } }, {} } );
+   HardwareCall call{ __func__, {}, unit, entryId, { { "name", name } }, {} };
+   if ( key != VornalTcam::RequestKey() ) {
+      call.values.push_back( { "key", Quelm::textOf( key ) } );
+   }
+   tell( std::move( call ) );
    if ( group && entryId == 0 ) {
       exhaustedIs( static_cast< U16 >( unit ), true );
    }

@@ -12,7 +12,8 @@
 // - addEgressMaskAction on an entry that has a mask changes nothing, and so does
 //   updateEgressMaskAction on one that has none, and any operation on an unknown unit or entry.
 //   Operations that return nothing tell only the observer what became of them.
-// - Request keys are not kept: every request is for a new entry.
+// - Request keys are not kept: every request is for a new entry. The observer is told of a key that
+//   is not empty, as the request's value "key".
 //
 // Every operation of the base class is told to the observer, before the flag that it changes is
 // notified.

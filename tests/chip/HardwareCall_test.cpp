@@ -61,6 +61,19 @@ TEST_F( HardwareCalls, theLifeOfARuleIsOneListInOrder ) {
               } ) );
 }
 
+TEST_F( HardwareCalls, aRequestWithAKeyIsRecordedWithIt ) {
+   VornalTcam::RequestKey key;
+   key.numberIs( 7 );
+   leaf1.ifp->getEntry( 0, "rule", {} );
+   leaf1.ifp->getEntry( 0, "rule", key );
+   EXPECT_EQ( record.texts(),
+              ( Texts{
+                 "unit 0 entry 1: getEntry( group 157, name rule )",
+                 "unit 0 entry 2: getEntry( group 157, name rule, key "
+                 "\"VornalTcam::RequestKey( owner=\\\"\\\", number=7, detail=\\\"\\\" )\" )",
+              } ) );
+}
+
 TEST_F( HardwareCalls, everyFieldCallIsRecordedWithItsValues ) {
    U32 const ingress = leaf1.ifp->getEntry( 1, "ingress", {} );
    U32 const egress = leaf1.efp->getEntry( 1, "egress", {} );

@@ -104,8 +104,7 @@ class LocalBiasSwitch : private Chip::CallObserver {
       }
       return Vornal::evpnMultihomingLocalBiasWithI2EClassIdSmFactory(
          vcsd, dir, vpIndexStatus, evpnStatus, vtiStatusDir, ingress, activity.clock(), lagConfig,
-         lagMapping, board.entryManager( Vornal::kEfpLocalBiasGroup ), classIdConfig,
-         classIdStatus );
+         lagMapping, egress, classIdConfig, classIdStatus );
    }
 
    // --- What is seen
@@ -141,9 +140,11 @@ class LocalBiasSwitch : private Chip::CallObserver {
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor locked{ activity };
    Chip::Board board;
-   // The ingress entry manager that machineNew() gives the machine.
+   // The entry managers that machineNew() gives the machine.
    Quelm::Ptr< Vornal::VornalUnboundedTcamEntryManager > ingress =
       board.entryManager( Vornal::kIfpLocalBiasGroup );
+   Quelm::Ptr< Vornal::VornalUnboundedTcamEntryManager > egress =
+      board.entryManager( Vornal::kEfpLocalBiasGroup );
    Quelm::Ptr< Vornal::VornalCommonSmData > vcsd =
       Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    Quelm::Ptr< Oxa::EvpnTepSegmentDir > dir = Oxa::evpnTepSegmentDirFactory( "segments" );

@@ -10,14 +10,18 @@
 
 namespace Support {
 
-// Writes "tcam GROUP OPERATION UNIT ENTRY"; the entry is missing from a request.
+// Writes "tcam GROUP OPERATION UNIT ENTRY". A request has its key in the place of the entry, unless
+// the key is empty.
 class EntryManager : public Vornal::VornalUnboundedTcamEntryManager {
  public:
    EntryManager( Vornal::TcamGroupAssignment assignment, Journal & journal )
          : VornalUnboundedTcamEntryManager( assignment ), journal_( journal ) {}
 
-   U32 getEntry( U32 unit, std::string const &, VornalTcam::RequestKey const & ) override {
+   U32 getEntry( U32 unit, std::string const &, VornalTcam::RequestKey const & key ) override {
       write( "getEntry", unit );
+      if ( key != VornalTcam::RequestKey() ) {
+         journal_.back() += " " + Quelm::textOf( key );
+      }
       return ++lastEntry_;
    }
    S32 installEntry( U32 unit, U32 entryId ) override {
