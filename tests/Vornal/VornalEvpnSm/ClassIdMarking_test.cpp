@@ -188,6 +188,15 @@ TEST_F( ClassIdMarking, FullAndRecoveredAreLoggedOnceAnEpisode ) {
    EXPECT_EQ( leaf.logs, ( Lines{ logFull, logRecovered, logFull } ) );
 }
 
+TEST_F( ClassIdMarking, TheAddThatEndsAnEpisodeHasSucceeded ) {
+   auto & sm = leaf.start();
+   sm.i2eTepIpClassIdIs( ip( "10.0.0.2" ), ClassId( 5 ) );
+   sm.tcamExhaustionIs( true );
+   EXPECT_TRUE( sm.addTcamEntriesWithI2EClassId( 0, ip( "10.0.0.2" ) ) );
+   EXPECT_EQ( leaf.logs, ( Lines{ logRecovered } ) );
+   EXPECT_FALSE( sm.tcamExhaustion() );
+}
+
 TEST_F( ClassIdMarking, AFailedIngressStepWhileFullIsLoggedIsSilent ) {
    leaf.share( "Ethernet2", { "10.0.0.3" } );
    auto & sm = leaf.start();

@@ -131,6 +131,35 @@ TEST_F( ClassIdVerification, APhysicalInterfaceCountsOnEveryUnitAndAMemberOnItsO
                             "portCount == expPortCount" ) );
 }
 
+TEST_F( ClassIdVerification, APortChannelWithALivePortCountsOneHoweverManyMembersItHas ) {
+   leaf.interfaceIs( "Port-Channel1", 0, 9 );
+   grant();
+   EXPECT_DEATH( leaf.sm().verifyEfpEntries( 0, tepIp ),
+                 stoppedAt( "ClassIdVerification", "verifyEfpEntries",
+                            "portCount == expPortCount" ) );
+   leaf.memberDel( "Ethernet3" );
+   leaf.sm().verifyEfpEntries( 0, tepIp );
+}
+
+TEST_F( ClassIdVerification, OnEachUnitTheCheckTheIngressAndTheEgressEntriesComeInThisOrder ) {
+   ClassIdLeaf spine( 2 );
+   spine.share( "Port-Channel1", { "10.0.0.2" } );
+   auto & sm = spine.start();
+   spine.classIdIs( "10.0.0.2", 5 );
+   spine.forget();
+   sm.handleVerify();
+   Lines steps;
+   std::copy_if( spine.traces.begin(), spine.traces.end(), std::back_inserter( steps ),
+                 []( std::string const & line ) {
+                    return line.starts_with( "5 tcamSanity" ) || line.starts_with( "9 verify" );
+                 } );
+   EXPECT_EQ( steps,
+              ( Lines{ "5 tcamSanityCheckForTepIp unit: 0 tepIp: 10.0.0.2", "9 verifyIfpEntries 3",
+                       "9 verifyIfpEntries", "9 verifyEfpEntries",
+                       "5 tcamSanityCheckForTepIp unit: 1 tepIp: 10.0.0.2", "9 verifyIfpEntries 3",
+                       "9 verifyIfpEntries", "9 verifyEfpEntries" } ) );
+}
+
 // --- What stops the process: one row an assertion
 
 struct Drift {
@@ -166,8 +195,22 @@ INSTANTIATE_TEST_SUITE_P(
       Drift{
          "AnIngressRuleWithoutAClassId", "tcamSanityCheckForTepIp", "classIdsUsed",
          []( ClassIdVerification & test ) { test.leaf.sm().i2eTepIpClassIdDel( test.tepIp ); } },
+      Drift{ "AnIngressRuleWithoutAClassIdBeforeAnythingOfTheEgressRules",
+             "tcamSanityCheckForTepIp", "classIdsUsed",
+             []( ClassIdVerification & test ) {
+                test.leaf.sm().i2eTepIpClassIdDel( test.tepIp );
+                test.list().efpEntryIdDel( ClassIdLeaf::port( 0, 1 ) );
+             } },
       // As a group leaves it that fills up during installation, had it recorded the port first.
-      Drift{ "AListedPortWithoutAnEntry", "tcamSanityCheckForTepIp",
+      Drift{ "TwoListedPortsAndOneEntry", "tcamSanityCheckForTepIp",
+             "numEfpTcamsUsed == numESPortsUsed",
+             []( ClassIdVerification & test ) {
+                test.list().efpEntryIdDel( ClassIdLeaf::port( 0, 2 ) );
+                test.list().efpEntryIdDel( ClassIdLeaf::port( 0, 3 ) );
+                test.leaf.write( test.list(), "esPortList", "",
+                                 "{unit0/port1/mod40,unit0/port2/mod40}" );
+             } },
+      Drift{ "TwoListedPortsAndThreeEntries", "tcamSanityCheckForTepIp",
              "numEfpTcamsUsed == numESPortsUsed",
              []( ClassIdVerification & test ) {
                 test.leaf.write( test.list(), "esPortList", "",
@@ -207,6 +250,23 @@ INSTANTIATE_TEST_SUITE_P(
                 test.leaf.sm().efpTcamEntries( 0, test.tepIp, ports, false );
              } } ),
    []( auto const & drift ) { return drift.param.name; } );
+
+TEST_F( ClassIdVerification, AVtepWithoutAnIngressRuleIsHeldAgainstItsEgressRulesAllTheSame ) {
+   leaf.sm().tepIpToEntry( 0U )->esPortAndEFPEntryIdListIs( tepIp )->efpEntryIdIs(
+      ClassIdLeaf::port( 0, 1 ), 7 );
+   EXPECT_DEATH( leaf.sm().tcamSanityCheckForTepIp( 0, tepIp ),
+                 stoppedAt( "ClassIdVerification", "tcamSanityCheckForTepIp",
+                            "numEfpTcamsUsed == numESPortsUsed" ) );
+}
+
+TEST_F( ClassIdVerification, TheClassSelectionIsJudgedBeforeTheMarkIsRead ) {
+   grant();
+   drift( kIngress, ingressEntry(), Chip::Action::EgressClassSelect, 2 );
+   leaf.fail( { .nth = 2, .code = -3, .operation = "bcm_field_action_get" } );
+   EXPECT_DEATH( leaf.sm().handleVerify(),
+                 stoppedAt( "ClassIdVerification", "verifyIfpEntries",
+                            "data == BCM_FIELD_EGRESS_CLASS_SELECT_NEW" ) );
+}
 
 // --- One row a read-back that the hardware refuses
 

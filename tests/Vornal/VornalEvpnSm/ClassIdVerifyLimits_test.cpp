@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "../support/ClassIdLeaf.h"
+#include "../support/Stops.h"
 
 namespace {
 
 using Support::ClassIdLeaf;
-using Support::exactly;
 using Support::failedAt;
 using Support::kEgress;
 using Support::kIngress;
@@ -33,8 +33,7 @@ class ClassIdVerifyLimitsDeath : public testing::Test {
    }
    // At an assertion that both variants share.
    static std::string sharedStop( std::string const & expression ) {
-      return exactly( "Verification.cpp:" ) + "[0-9]+.*" +
-             exactly( ": Assertion '" + expression + "' failed.\n" );
+      return Support::stopsAt( "EvpnMultihomingLocalBiasSm::verifyIfpEntries", expression );
    }
    static inline std::string const countDiffers =
       stopOf( "verifyEfpEntries", "portCount == expPortCount" );
@@ -110,7 +109,9 @@ TEST_F( ClassIdVerifyLimitsDeath, AfterAGrantCrossedTheWithdrawalOfItsVirtualPor
    EXPECT_DEATH( leaf.sm().handleVerify(), sharedStop( "!unitUsesTcamsForTepIp( unit, tepIp )" ) );
    leaf.segmentDel( "Ethernet1" );
    leaf.segmentDel( "Ethernet2" );
-   EXPECT_DEATH( leaf.sm().handleVerify(), sharedStop( "!tepIpToEntry( unit )" ) );
+   EXPECT_DEATH( leaf.sm().handleVerify(),
+                 Support::stopsAt( "EvpnMultihomingLocalBiasSm::handleVerify",
+                                   "!tepIpToEntry( unit )" ) );
 }
 
 // --- Two units

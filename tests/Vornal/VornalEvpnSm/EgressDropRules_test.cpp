@@ -187,6 +187,13 @@ TEST_F( EgressDropRules, AnUpdateRemovesFirstAndAddsThen ) {
    EXPECT_EQ( leaf.hardware(), released( 0, kEgress, { 2 } ) );
 }
 
+TEST_F( EgressDropRules, AnUpdateRemovesAlsoWhatItAddsAgain ) {
+   add( { 1 } );
+   leaf.hardware();
+   EXPECT_TRUE( leaf.sm().updateEfpTcamEntries( 0, tepIp, ports( { 1 } ), ports( { 1 } ), true ) );
+   EXPECT_EQ( leaf.hardware(), released( 0, kEgress, { 1 } ) + rule( 2, 1 ) );
+}
+
 // --- Ports that come and go
 
 // The VTEP shares Port-Channel1, whose only member is Ethernet1, and has its rules.

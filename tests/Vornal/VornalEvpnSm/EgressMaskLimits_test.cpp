@@ -24,9 +24,7 @@ std::string stopOf( std::string const & file, std::string const & operation,
 
 std::string const noMask =
    stopOf( "EgressMaskProgramming.cpp:", "ifpTcamEntries", "unitTepIpToEntry->esPbmpHas( tepIp )" );
-std::string const noRecord =
-   "^Ptr.h:[0-9]+: [^\n]*TepIpToEntry[^\n]*: " +
-   Support::literally( "Assertion '\"reference is not empty\" && target_' failed." ) + "\n$";
+std::string const noRecord = Support::stopsAtEmptyReferenceTo( "TepIpToEntry" );
 std::string const rangeError = "^exception left a change handler: " +
                                Support::literally(
                                   "Brum::PerUnitBitmapWordIndex::value < 0 or > "

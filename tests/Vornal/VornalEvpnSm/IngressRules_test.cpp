@@ -67,6 +67,27 @@ TEST_F( IngressRules, TheEntryOfAnIpv6VtepIsNamedAfterIt ) {
    EXPECT_EQ( rule.content[ Chip::Qualifier::SrcVxlanGport ]->data, 0x5600ffffU );
 }
 
+TEST_F( IngressRules, TheGportIsWhatTheShimMakesOfTheVpIndex ) {
+   class OtherGports final : public Chip::SdkDecorator {
+    public:
+      using SdkDecorator::SdkDecorator;
+      U32 vxlanGport( U16 vpIndex ) const override {
+         return SdkDecorator::vxlanGport( vpIndex ) | 0x0f00U;
+      }
+   };
+   OtherGports shim( *Shim::sdk_ );
+   Shim::sdk_ = &shim;
+   sm->ifpTcamEntries( 0, ip( "10.0.0.2" ), true );
+   EXPECT_EQ( leaf.callLines()[ 1 ],
+              "unit 0 entry 1: bcm_field_qualify_SrcVxlanGport( gport 0x56000f02 ) = 0" );
+}
+
+TEST_F( IngressRules, TheSharedPartObtainsAnotherEntryWhenItIsAskedAgain ) {
+   sm->ifpTcamEntries( 0, ip( "10.0.0.2" ), true );
+   EXPECT_TRUE( sm->ifpTcamEntries( 0, ip( "10.0.0.2" ), true ) );
+   EXPECT_EQ( record->entryId( ip( "10.0.0.2" ) ), 2U );
+}
+
 TEST_F( IngressRules, RemovingReleasesTheEntryAndForgetsIt ) {
    sm->ifpTcamEntries( 0, ip( "10.0.0.2" ), true );
    leaf.forget();

@@ -11,6 +11,7 @@
 
 namespace {
 
+using Support::failedCall;
 using Support::FieldCallFault;
 using Support::intf;
 using Support::Lines;
@@ -27,6 +28,7 @@ using VniOfVrf = RoutedSwitch::VniOfVrf;
 std::string const signature =
    "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
    "U32, U32)";
+std::string const operation = "NestedSm_VtiStatus::handleVrfToVniMap";
 
 class PerVniMulticast : public testing::TestWithParam< Variant > {
  protected:
@@ -135,6 +137,14 @@ TEST_P( PerVniMulticast, AVrfThatLeavesTheMapOnlyReleases ) {
    EXPECT_TRUE( leaf.vnisRecorded( sm ).empty() );
 }
 
+TEST_P( PerVniMulticast, TheSameVniAgainReleasesItsEntryAndObtainsAnother ) {
+   start();
+   leaf.vniIs( "red", 50001 );
+   sm->vtiStatus( intf( "Vxlan1" ) )->handleVrfToVniMap( vrf( "red" ), 50001, 50001 );
+   EXPECT_EQ( sm->vniToTcamEntryId( 50001 ), 2U );
+   EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 50001 } ) );
+}
+
 TEST_P( PerVniMulticast, VniZeroIsNoVni ) {
    start();
    leaf.vniIs( "red", 50001 );
@@ -165,6 +175,15 @@ TEST_P( PerVniMulticast, AnEntryRecordedForTheVniThatMeansNoneIsNotReleased ) {
       ->handleVrfToVniMap( vrf( "red" ), Vxlan::VniExtOrNone::kNone, 0 );
    EXPECT_EQ( leaf.traces,
               ( Lines{ "8 " + signature + " vrf red", "8 " + signature + " old vni 16777216" } ) );
+   EXPECT_TRUE( leaf.calls.empty() );
+   EXPECT_TRUE( sm->vniToTcamEntryIdHas( Vxlan::VniExtOrNone::kNone ) );
+}
+
+TEST_P( PerVniMulticast, NorIsAnEntryMissedThatIsNotThere ) {
+   start();
+   sm->vniToTcamEntryIdIs( Vxlan::VniExtOrNone::kNone, 0 );
+   sm->vtiStatus( intf( "Vxlan1" ) )
+      ->handleVrfToVniMap( vrf( "red" ), Vxlan::VniExtOrNone::kNone, 0 );
    EXPECT_TRUE( leaf.calls.empty() );
    EXPECT_TRUE( sm->vniToTcamEntryIdHas( Vxlan::VniExtOrNone::kNone ) );
 }
@@ -250,6 +269,17 @@ TEST_P( PerVniMulticast, APlatformThatNeedsNoRulesGetsNoneWithoutAWord ) {
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
+TEST_P( PerVniMulticast, BeforeInitialisationNobodyAsksWhatThePlatformNeeds ) {
+   auto const & platform = VornalCentral::vornalAttributes();
+   platform->l3McastExemptFromSplitHorizonIs( true );
+   start();
+   sm->initializedIs( false );
+   leaf.vniIs( "red", 50001 );
+   platform->l3McastExemptFromSplitHorizonIs( false );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red",
+                                    "2 handleVrfToVniMap, SM not initialized yet" } ) );
+}
+
 TEST_P( PerVniMulticast, SwitchedOffTheMapIsNotFollowed ) {
    start();
    sm->hasNotificationActiveIs( false );
@@ -284,14 +314,22 @@ TEST_P( PerVniMulticastDeathTest, AnOldVniRecordedWithoutAnEntryStopsTheProcess 
    start();
    sm->vniToTcamEntryIdIs( 50001, 0 );
    EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )->handleVrfToVniMap( vrf( "red" ), 50001, 0 ),
-                 stopsAt( "entryId" ) );
+                 stopsAt( operation, "entryId" ) );
 }
 
 TEST_P( PerVniMulticastDeathTest, ANewVniThatHasAnEntryStopsTheProcess ) {
    start();
    leaf.vniIs( "red", 50001 );
    EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )->handleVrfToVniMap( vrf( "red" ), 0, 50001 ),
-                 stopsAt( vniIsTaken ) );
+                 vniIsTaken );
+}
+
+TEST_P( PerVniMulticastDeathTest, SoDoesTheNewVniThatMeansNone ) {
+   start();
+   sm->vniToTcamEntryIdIs( Vxlan::VniExtOrNone::kNone, 7 );
+   EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )
+                    ->handleVrfToVniMap( vrf( "red" ), 0, Vxlan::VniExtOrNone::kNone ),
+                 vniIsTaken );
 }
 
 TEST_P( PerVniMulticastDeathTest, AStopNamesTheOperationByTheSignatureThatItTraces ) {
@@ -306,19 +344,20 @@ TEST_P( PerVniMulticastDeathTest, AFailedVniQualifierIsReportedAtItsLine ) {
    start();
    FieldCallFault const fault( { .nth = 1, .code = -4 } );
    EXPECT_DEATH( leaf.vniIs( "red", 50001 ),
-                 "^PerVniMulticast\\.cpp:279 bcm_field_qualify_VxlanNetworkId\\( iter\\.key\\(\\), "
-                 "ifpEntryId, newV, 0xffffffff \\) API ERROR:Action exists \\(-4\\)\n"
-                 "PerVniMulticast\\.cpp:279: .*Assertion '0' failed\\.\n$" );
+                 failedCall( "PerVniMulticast.cpp:279", operation,
+                             "bcm_field_qualify_VxlanNetworkId( iter.key(), ifpEntryId, newV, "
+                             "0xffffffff )",
+                             "Action exists (-4)" ) );
 }
 
 TEST_P( PerVniMulticastDeathTest, AFailedResolutionQualifierIsReportedAtItsLine ) {
    start();
    FieldCallFault const fault( { .nth = 2, .code = -4 } );
    EXPECT_DEATH( leaf.vniIs( "red", 50001 ),
-                 "^PerVniMulticast\\.cpp:282 bcm_field_qualify_PacketRes\\( iter\\.key\\(\\), "
-                 "ifpEntryId, BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK \\) API "
-                 "ERROR:Action exists \\(-4\\)\n"
-                 "PerVniMulticast\\.cpp:282: .*Assertion '0' failed\\.\n$" );
+                 failedCall( "PerVniMulticast.cpp:282", operation,
+                             "bcm_field_qualify_PacketRes( iter.key(), ifpEntryId, "
+                             "BCM_FIELD_PKT_RES_L3MCKNOWN, BCM_FIELD_EXACT_MATCH_MASK )",
+                             "Action exists (-4)" ) );
 }
 
 TEST_P( PerVniMulticast, APositiveCodeOfAFieldCallIsSuccess ) {

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include <FeatureToggle/FeatureToggle.h>
+#include <VornalCentral/Capabilities.h>
 
 #include "../support/RoutedSwitch.h"
 
@@ -99,6 +100,35 @@ TEST_F( PerVniToggleDeathTest, OffTheCleanUpFreesNothing ) {
                                        "NestedSm_VtiStatus::doCleanup(): Cleanup" } ) );
       EXPECT_TRUE( leaf.calls.empty() );
       EXPECT_TRUE( sm->vniToTcamEntryIdHas( 50001 ) );
+   } );
+}
+
+TEST_F( PerVniToggleDeathTest, OffAnotherTunnelInterfaceIsIgnoredInAsManyWords ) {
+   toldAlone( [] {
+      FeatureFile const file( false );
+      RoutedSwitch leaf;
+      leaf.tunnelIs( "Vxlan2" );
+      auto const sm = leaf.machineNew( Variant::EgressMask );
+      leaf.forget();
+      leaf.tunnelDel( "Vxlan2" );
+      std::string const signature =
+         "8 void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::doCleanup()";
+      EXPECT_EQ( leaf.traces,
+                 ( Lines{ signature + ": Cleanup", signature + ": Ignoring VTI interfaceVx2" } ) );
+   } );
+}
+
+TEST_F( PerVniToggleDeathTest, OffNobodyAsksWhatThePlatformNeeds ) {
+   toldAlone( [] {
+      FeatureFile const file( false );
+      RoutedSwitch leaf;
+      leaf.tunnelIs();
+      auto const sm = leaf.machineNew( Variant::EgressMask );
+      VornalCentral::vornalAttributes()->l3McastExemptFromSplitHorizonIs( true );
+      leaf.forget();
+      leaf.vniIs( "red", 50001 );
+      EXPECT_EQ( leaf.tracesOf( "2 " ),
+                 ( Lines{ "2 handleVrfToVniMap, SM not initialized yet" } ) );
    } );
 }
 

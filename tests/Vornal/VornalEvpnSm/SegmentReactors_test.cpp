@@ -77,6 +77,44 @@ TEST_F( SegmentReactors, AnUnknownInterfaceChangesNothingAndIsTracedOnEveryUnitW
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
+TEST_F( SegmentReactors, AnUnknownInterfaceIsNotLookedForOnAUnitWithoutTheVtepsRules ) {
+   leaf.board.entryManager( Vornal::kIfpLocalBiasGroup )->foreignEntriesIs( 1, 64 );
+   auto const sm = leaf.machineNew( Variant::EgressMask );
+   leaf.forget();
+   leaf.segmentIs( "Ethernet9", { "10.0.0.2" } );
+   EXPECT_EQ( leaf.tracesOf( "2 handleSegmentSet" ),
+              ( Lines{
+                 "2 handleSegmentSet, Ethernet9 not part of unit 0",
+                 "2 handleSegmentSet, not processing updates with respect to Ethernet9 since no "
+                 "TCAMs are installed on unit 1 for tepIp 10.0.0.2",
+              } ) );
+}
+
+TEST_F( SegmentReactors, APortChannelIsKnownByItsEntryEvenWithoutMembers ) {
+   leaf.lagMapping->lagPhyIntfConfigIs(
+      Quelm::make< Lag::LagPhyIntfConfig >( intf( "Port-Channel9" ) ) );
+   auto const sm = leaf.machineNew( Variant::EgressMask );
+   leaf.forget();
+   leaf.segmentIs( "Port-Channel9", { "10.0.0.2" } );
+   EXPECT_TRUE( leaf.tracesOf( "2 handleSegmentSet" ).empty() );
+   EXPECT_EQ( leaf.tracesOf( "7  Adding" ), ( Lines{
+                                               "7  Adding Port-Channel9 to egress mask",
+                                               "7  Adding Port-Channel9 to egress mask",
+                                            } ) );
+   EXPECT_EQ( leaf.tracesOf( "7 updateTcamEntries, no update needed" ).size(), 2U );
+   EXPECT_TRUE( leaf.calls.empty() );
+}
+
+TEST_F( SegmentReactors, APortChannelIsKnownByALivePortOfItsOwnButHasNoPorts ) {
+   leaf.interfaceIs( "Port-Channel9", 0, 9 );
+   auto const sm = leaf.machineNew( Variant::EgressMask );
+   leaf.forget();
+   leaf.segmentIs( "Port-Channel9", { "10.0.0.2" } );
+   EXPECT_TRUE( leaf.tracesOf( "2 handleSegmentSet" ).empty() );
+   EXPECT_EQ( leaf.tracesOf( "7 updateTcamEntries, no update needed" ).size(), 2U );
+   EXPECT_TRUE( leaf.calls.empty() );
+}
+
 TEST_F( SegmentReactors, APortChannelIsKnownByItsMembers ) {
    leaf.memberIs( "Port-Channel2", "Ethernet2" );
    auto const sm = leaf.machineNew( Variant::EgressMask );
@@ -206,6 +244,20 @@ TEST_F( SegmentStatus, TheLastSegmentTakesThemAwayOnce ) {
    leaf.forget();
    sm->handleSegmentStatus();
    EXPECT_EQ( leaf.traces, ( Lines{ signature } ) );
+}
+
+TEST_F( SegmentStatus, EveryTunnelInterfaceIsToldOfTheFirstSegmentAndOfTheLast ) {
+   leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan2" ) )
+      ->vrfToVniMapIs( L3::VrfName( "green" ), Vxlan::VniExtOrNone( 50003 ) );
+   auto const hasRules = [ & ] {
+      return std::vector< bool >{ sm->vniToTcamEntryIdHas( 50001 ),
+                                  sm->vniToTcamEntryIdHas( 50002 ),
+                                  sm->vniToTcamEntryIdHas( 50003 ) };
+   };
+   leaf.segmentIs( "Ethernet1", {} );
+   EXPECT_EQ( hasRules(), ( std::vector< bool >{ true, true, true } ) );
+   leaf.segmentDel( "Ethernet1" );
+   EXPECT_EQ( hasRules(), ( std::vector< bool >{ false, false, false } ) );
 }
 
 // --- The ring

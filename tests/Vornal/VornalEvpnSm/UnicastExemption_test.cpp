@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <iostream>
 
 #include <Decorators/FailingSdk.h>
 #include <Snapshot/Rules.h>
@@ -90,6 +91,26 @@ TEST_F( UnicastExemption, BeforeInitialisationBothOperationsOnlyTrace ) {
                               "5 removeRulesForUcastTraffic",
                            } ) );
    EXPECT_TRUE( leaf.calls.empty() );
+}
+
+TEST_F( UnicastExemption, BeforeInitialisationRulesInTheWayStopNobody ) {
+   sm->initializedIs( false );
+   sm->l2UcastRuleInstalledIs( 0, 7 );
+   sm->l3UcastRuleInstalledIs( 0, 8 );
+   leaf.forget();
+   sm->installRulesForUcastTraffic( 0 );
+   EXPECT_EQ( leaf.traces, ( Lines{ "5 installRulesForUcastTraffic, unit: 0" } ) );
+   EXPECT_EQ( sm->l2UcastRuleInstalled( 0 ), 7U );
+   EXPECT_EQ( sm->l3UcastRuleInstalled( 0 ), 8U );
+}
+
+TEST_F( UnicastExemption, ARemoveWithoutL3FreesL2 ) {
+   sm->installRulesForUcastTraffic( 0 );
+   sm->l3UcastRuleInstalledDel( 0 );
+   leaf.forget();
+   sm->removeRulesForUcastTraffic( 0 );
+   EXPECT_EQ( leaf.callLines(), ( Lines{ "unit 0 entry 1: releaseEntry( group 157 ) = 0" } ) );
+   EXPECT_FALSE( sm->l2UcastRuleInstalledHas( 0 ) );
 }
 
 TEST_F( UnicastExemption, EachUnitHasItsOwn ) {
@@ -184,6 +205,7 @@ TEST_F( UnicastExemptionDeathTest, AUnitIsNotGivenASecondL2Rule ) {
 
 TEST_F( UnicastExemptionDeathTest, AUnitIsNotGivenASecondL3Rule ) {
    sm->l3UcastRuleInstalledIs( 0, 8 );
+   leaf.afterCall = [] { std::cerr << "the chip was called before\n"; };
    EXPECT_EXIT( sm->installRulesForUcastTraffic( 0 ), testing::KilledBySignal( SIGABRT ),
                 stopOf( "UnicastExemption.cpp:", "installRulesForUcastTraffic",
                         "!l3UcastRuleInstalledHas( unit )" ) );

@@ -67,6 +67,14 @@ TEST_P( Verification, BeforeInitialisationItOnlyTraces ) {
    EXPECT_EQ( leaf.traces, ( Lines{ "9 handleVerify" } ) );
 }
 
+TEST_P( Verification, BeforeInitialisationAFullTcamIsNoReason ) {
+   start( leaf, {} );
+   sm->initializedIs( false );
+   sm->tcamExhaustionIs( true );
+   sm->handleVerify();
+   EXPECT_EQ( leaf.traces, ( Lines{ "9 handleVerify" } ) );
+}
+
 TEST_P( Verification, WhileTheTcamIsExhaustedItOnlyTraces ) {
    shareEthernet1( leaf, { "10.0.0.2" } );
    start( leaf, { "10.0.0.2" } );

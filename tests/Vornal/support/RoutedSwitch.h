@@ -15,6 +15,7 @@
 #include <Snapshot/Rules.h>
 
 #include "LocalBiasSwitch.h"
+#include "Stops.h"
 
 namespace Support {
 
@@ -124,18 +125,9 @@ class FieldCallFault {
    Chip::FailingSdk failing_;
 };
 
-// What the process says when that assertion fails, for death tests.
-inline std::string stopsAt( std::string const & expression ) {
-   std::string pattern = "Assertion '";
-   for ( char const c : expression + "' failed." ) {
-      if ( std::string( ".[]{}()\\*+?|^$" ).find( c ) != std::string::npos ) {
-         pattern += '\\';
-      }
-      pattern += c;
-   }
-   return pattern;
-}
-
-inline std::string const vniIsTaken = "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )";
+// The stop over a VNI that has an entry already.
+inline std::string const vniIsTaken =
+   stopsAt( "NestedSm_VtiStatus::handleVrfToVniMap",
+            "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )" );
 
 }  // namespace Support

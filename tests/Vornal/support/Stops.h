@@ -1,4 +1,5 @@
-// What a process that stops says on standard error.
+// What a process that stops says on standard error. Every pattern here names the operation that
+// stops: the same expression is asserted in several of them.
 #pragma once
 
 #include <string>
@@ -24,6 +25,19 @@ inline std::string assertionLine( std::string const & place, std::string const &
    return literally( place ) + ( place.ends_with( ':' ) ? "[0-9]+" : "" ) +
           ": [^\n]*::" + operation +
           "\\([^\n]*\\): " + literally( "Assertion '" + expression + "' failed." ) + "\n";
+}
+
+// The same of an operation with its class, "Class::operation", in whatever file that is.
+inline std::string stopsAt( std::string const & operation, std::string const & expression ) {
+   return "^[A-Za-z0-9]+\\.(cpp|h):[0-9]+: [^\n]*[ :]" + literally( operation ) +
+          "\\([^\n]*: " + literally( "Assertion '" + expression + "' failed." ) + "\n$";
+}
+
+// The use of an empty reference to a `type`.
+inline std::string stopsAtEmptyReferenceTo( std::string const & type ) {
+   return "^Ptr\\.h:[0-9]+: [^\n]*::operator->\\([^\n]*" + literally( type ) +
+          "[^\n]*: " + literally( "Assertion '\"reference is not empty\" && target_' failed." ) +
+          "\n$";
 }
 
 // A failed field call: the error line and the assertion that follows, and nothing else.
