@@ -49,6 +49,7 @@ class Published {
    ClassIdAllocator & allocator() { return *allocator_; }
 
    Quelm::Ptr< Vornal::VornalCommonSmData > const & common() const { return common_; }
+   Quelm::Ptr< Evpn::EvpnStatus > const & evpnStatus() const { return evpnStatus_; }
    Quelm::Ptr< Lag::Config > const & lagConfig() const { return lagConfig_; }
    Quelm::Ptr< VornalCentral::VpIndexStatus > const & vpIndexStatus() const {
       return vpIndexStatus_;

@@ -37,20 +37,37 @@ bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId 
                        [ & ]( auto const & interface ) { return interface.intfId == intfId; } );
 }
 
-// Port channels that carry VLANs, with those of their members that have a port.
+// With those of its members that have a port.
+void addPortChannel( Chip::ForwardingConfig & config, Chip::PortChannelConfig portChannel,
+                     Lag::Config const & lags ) {
+   for ( auto member = lags.phyIntfIter(); member; ++member ) {
+      if ( member.value()->lag() == portChannel.intfId && hasInterface( config, member.key() ) ) {
+         portChannel.members.push_back( member.key() );
+      }
+   }
+   config.portChannels.push_back( std::move( portChannel ) );
+}
+
+// Port channels that carry VLANs, or VXLAN.
 void addPortChannels( Chip::ForwardingConfig & config, Scenario::Forwarding const & said,
                       Lag::Config const & lags ) {
    for ( auto const & [ intfId, vlans ] : said.vlans ) {
-      if ( !isPortChannel( intfId ) ) {
-         continue;
+      if ( isPortChannel( intfId ) && !said.underlay.contains( intfId ) ) {
+         addPortChannel( config, { .intfId = intfId, .vlans = vlans }, lags );
       }
-      Chip::PortChannelConfig portChannel{ intfId, {}, vlans };
-      for ( auto member = lags.phyIntfIter(); member; ++member ) {
-         if ( member.value()->lag() == intfId && hasInterface( config, member.key() ) ) {
-            portChannel.members.push_back( member.key() );
-         }
+   }
+   for ( IntfId const & intfId : said.underlay ) {
+      if ( isPortChannel( intfId ) ) {
+         addPortChannel( config, { .intfId = intfId, .isUnderlay = true }, lags );
       }
-      config.portChannels.push_back( std::move( portChannel ) );
+   }
+}
+
+void addSegments( Chip::ForwardingConfig & config, Evpn::EvpnStatus const & status ) {
+   for ( auto segment = status.segmentStatusIter(); segment; ++segment ) {
+      for ( auto vtep = segment.value()->remoteTepIter(); vtep; ++vtep ) {
+         config.sharedWith[ segment.key() ].insert( vtep.key() );
+      }
    }
 }
 
@@ -81,6 +98,7 @@ Chip::ForwardingConfig Traffic::forwardingNow() const {
    addInterfaces( config, *forwarding_, *context_.published.common() );
    addPortChannels( config, *forwarding_, *context_.published.lagConfig() );
    addTunnels( config, *context_.published.vpIndexStatus() );
+   addSegments( config, *context_.published.evpnStatus() );
    std::erase_if( config.designatedForwarder, [ & ]( auto const & one ) {
       return !isPortChannel( one.first ) && !hasInterface( config, one.first );
    } );

@@ -124,7 +124,7 @@ void Pipeline::Engine::ownHeadersAre( Bytes bytes, EthernetHeader const & ethern
 void Pipeline::Engine::learn() {
    Place const place =
       isFromTunnel() ? Place{ true, frame_.tunnel } : Place{ false, frame_.interface };
-   macs_.learn( story_.inner->vlan, frame_.ethernet.source, place );
+   macs_.learn( story_.inner->vlan, frame_.ethernet.source, place, *tables_ );
 }
 
 Pipeline::Engine::Failure Pipeline::Engine::decide() {
@@ -223,7 +223,8 @@ void Pipeline::Engine::copyTo( DomainInterface const & to ) {
    } else if ( ports.empty() ) {
       copy.verdict = Verdict::NoPort;
    } else {
-      copy.port = chosen( ports );
+      U32 hash = frame_.flowHash;
+      copy.port = chosen( ports, hash );
       judge( copy, to.isDesignated );
    }
    if ( copy.verdict == Verdict::Sent ) {
@@ -235,7 +236,8 @@ void Pipeline::Engine::copyTo( DomainInterface const & to ) {
 
 void Pipeline::Engine::copyInto( Index tunnel ) {
    Tunnel const & to = tables_->tunnels[ tunnel ];
-   Index const interface = to.underlay.empty() ? kNone : chosen( to.underlay );
+   U32 hash = frame_.flowHash;
+   Index const interface = to.underlay.empty() ? kNone : chosen( to.underlay, hash );
    Copy & copy = copyNew( interface );
    copy.remoteVtep = to.remoteVtep;
    if ( interface == kNone ) {
@@ -243,7 +245,7 @@ void Pipeline::Engine::copyInto( Index tunnel ) {
       return;
    }
    ForwardingInterface const & underlay = tables_->interfaces[ interface ];
-   copy.port = underlay.ports.front();
+   copy.port = chosen( underlay.ports, hash );
    if ( !to.outer ) {
       copy.verdict = Verdict::NoVtep;
       return;

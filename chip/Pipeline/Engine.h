@@ -59,10 +59,13 @@ class Pipeline::Engine {
    void copyInto( Index tunnel );
    void judge( Copy & copy, bool isDesignated );
    Copy & copyNew( Index interface );
-   // The member of an interface or the interface of a list that the frame's flow takes: where the
-   // hash, as a fraction of its range, falls on the list. A division would cost more than a lookup.
-   template< typename List > auto chosen( List const & list ) const {
-      return list[ U64{ frame_.flowHash } * list.size() >> 32 ];
+   // The member of an interface or the interface of a list that a flow takes: where its hash, as a
+   // fraction of its range, falls on the list. A division would cost more than a lookup. How far
+   // into its place it falls is left of the hash, for a choice that does not follow from this one.
+   template< typename List > static auto chosen( List const & list, U32 & hash ) {
+      U64 const fall = U64{ hash } * list.size();
+      hash = static_cast< U32 >( fall );
+      return list[ fall >> 32 ];
    }
 
    bool isFromTunnel() const { return frame_.tunnel != kNone; }

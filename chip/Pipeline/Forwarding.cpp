@@ -65,10 +65,7 @@ class Check {
          refuse( place,
                  portName( intf ) + " is that of " + other->second.stringValue() + " already" );
       }
-      if ( intf.isUnderlay && intf.vlans != AccessVlans{} ) {
-         refuse( place, "an underlay interface carries VXLAN only and has no VLANs" );
-      }
-      vlansHold( place, intf.vlans );
+      vlansHold( place, intf );
    }
 
    void portChannelHolds( PortChannelConfig const & portChannel ) {
@@ -93,10 +90,18 @@ class Check {
                               other->second.stringValue() + " already" );
          }
       }
-      vlansHold( place, portChannel.vlans );
+      vlansHold( place, portChannel );
    }
 
-   void vlansHold( std::string const & place, AccessVlans const & vlans ) {
+   // Of an interface or a port channel.
+   template< typename Config > void vlansHold( std::string const & place, Config const & config ) {
+      AccessVlans const & vlans = config.vlans;
+      if ( config.isUnderlay ) {
+         underlay_.insert( config.intfId );
+         if ( vlans != AccessVlans{} ) {
+            refuse( place, "an underlay interface carries VXLAN only and has no VLANs" );
+         }
+      }
       for ( Vlan const vlan : vlans.tagged ) {
          vlanHolds( place, vlan );
          if ( vlan == vlans.untagged ) {
@@ -130,9 +135,8 @@ class Check {
 
    void designationHolds( IntfId const & intfId, DesignatedForwarderConfig const & state ) {
       std::string const place = "designated forwarder on '" + intfId.stringValue() + "'";
-      auto const found = interfaces_.find( intfId );
-      bool const isAccess = found != interfaces_.end() && !found->second->isUnderlay;
-      if ( !isAccess && !portChannels_.contains( intfId ) ) {
+      bool const isThere = interfaces_.contains( intfId ) || portChannels_.contains( intfId );
+      if ( !isThere || underlay_.contains( intfId ) ) {
          refuse( place, "it is neither an access interface nor a port channel" );
       }
       for ( auto const & [ vlan, isDesignated ] : state.perVlan ) {
@@ -163,8 +167,7 @@ class Check {
          std::string const place = "tunnel to " + vtep.stringValue();
          remoteVtepHolds( place, vtep );
          for ( IntfId const & underlay : tunnel.underlay ) {
-            auto const found = interfaces_.find( underlay );
-            if ( found == interfaces_.end() || !found->second->isUnderlay ) {
+            if ( !underlay_.contains( underlay ) ) {
                refuse( place, "'" + underlay.stringValue() + "' is no underlay interface" );
             }
          }
@@ -206,6 +209,7 @@ class Check {
    std::map< std::pair< U16, U16 >, IntfId > places_;
    std::set< IntfId > portChannels_;
    std::map< IntfId, IntfId > memberOf_;
+   std::set< IntfId > underlay_;
    std::set< Vlan > vlans_;
    std::map< Vni, Vlan > vnis_;
 };

@@ -11,7 +11,7 @@
 //   only interfaces name is bridged locally.
 // - An interface is a physical port. Those that are members of a port channel forward as the port
 //   channel, whose VLANs hold; their own do not. Underlay interfaces carry VXLAN between VTEPs and
-//   nothing else.
+//   nothing else; a port channel can be one too.
 // - A tunnel is a remote VTEP from which frames are accepted, with the virtual port that stands for
 //   it in the chip. To which VTEPs flooded frames go is said for each VNI by itself.
 // - There is one routing table. A routed frame keeps its bridge domain as long as no host route
@@ -63,6 +63,9 @@ struct PortChannelConfig {
    // Interfaces above; none while all links are down.
    std::vector< Pelk::IntfId > members{};
    AccessVlans vlans{};
+   // As for interfaces; the members themselves are no underlay interfaces.
+   bool isUnderlay = false;
+   MacAddress neighbour = MacAddress::broadcast();
 
    friend bool operator==( PortChannelConfig const &, PortChannelConfig const & ) = default;
 };
@@ -104,6 +107,9 @@ struct ForwardingConfig {
    std::vector< InterfaceConfig > interfaces{};
    std::vector< PortChannelConfig > portChannels{};
    std::map< Pelk::IntfId, DesignatedForwarderConfig > designatedForwarder{};
+   // The remote VTEPs that are attached to the Ethernet segment of an interface or port channel as
+   // well. Of an interface that is not there, or a VTEP without tunnel, this says nothing.
+   std::map< Pelk::IntfId, std::set< Pelk::IpGenAddr > > sharedWith{};
 
    std::map< Vlan, Vni > vlanToVni{};
    std::map< Pelk::IpGenAddr, TunnelConfig > tunnels{};  // by remote VTEP
@@ -121,7 +127,7 @@ struct ForwardingConfig {
 //   another does, and logical ports are below 352;
 // - the members of a port channel are interfaces, no underlay, and in no other port channel;
 // - VLANs and VNIs are in their ranges, no VLAN is tagged and untagged at once, no VNI has two
-//   VLANs, and underlay interfaces have no VLANs;
+//   VLANs, and what is underlay has no VLANs;
 // - designated-forwarder state is of an interface or port channel with VLANs;
 // - own VTEP addresses have the family of their place, remote ones are not the own ones, tunnels
 //   lead over underlay interfaces, and flood lists are of VNIs that a VLAN is mapped to;

@@ -18,15 +18,26 @@ Place placeOfTunnel( Tunnel const & tunnel, BridgeDomain const & domain, Tables 
    return { true, found && domain.vni != 0 ? *found : kNone };
 }
 
+// Whether one place is a segment of this switch, and the other a VTEP that is on it as well.
+bool isOneSegment( Place known, Place seen, Tables const & tables ) {
+   if ( known.isTunnel || !seen.isTunnel ) {
+      return false;
+   }
+   std::vector< Index > const & shared = tables.tunnels[ seen.index ].shared;
+   return std::find( shared.begin(), shared.end(), known.index ) != shared.end();
+}
+
 }  // namespace
 
-void MacTable::learn( Vlan vlan, MacAddress address, Place place ) {
+void MacTable::learn( Vlan vlan, MacAddress address, Place place, Tables const & tables ) {
    if ( address.isGroup() || address == MacAddress() ) {
       return;
    }
    U64 const key = keyOf( vlan, address );
    Place const * const known = places_.find( key );
-   if ( known ? *known != place : size() < kLimit ) {
+   bool const isNews =
+      known ? *known != place && !isOneSegment( *known, place, tables ) : size() < kLimit;
+   if ( isNews ) {
       places_[ key ] = place;
    }
 }

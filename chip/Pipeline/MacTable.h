@@ -2,7 +2,9 @@
 // (IEEE 802.1Q, section 8.7).
 //
 // An address belongs to one VLAN and is in one place, an interface or behind a tunnel: seen
-// elsewhere, it has moved. Addresses do not age. The table has a limit, so that no sender of
+// elsewhere, it has moved. What is known on an Ethernet segment of this switch has not moved when
+// it is seen through another VTEP of that segment: it is on the segment, which both are on (RFC
+// 7432, section 15). Addresses do not age. The table has a limit, so that no sender of
 // made-up addresses can fill the memory; beyond it nothing new is learned, and known addresses
 // still move.
 #pragma once
@@ -25,8 +27,9 @@ class MacTable {
 
    std::size_t size() const { return places_.size(); }
 
-   // Group addresses and the address of all zeros are nobody's and are not learned.
-   void learn( Vlan vlan, MacAddress address, Place place );
+   // The address has been seen at that place of the tables. Group addresses and the address of all
+   // zeros are nobody's and are not learned.
+   void learn( Vlan vlan, MacAddress address, Place place, Tables const & tables );
    // The place, or nullptr; valid until the next learn().
    Place const * find( Vlan vlan, MacAddress address ) const {
       return places_.find( keyOf( vlan, address ) );

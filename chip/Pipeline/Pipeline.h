@@ -6,7 +6,8 @@
 //    arrival         the port's interface; a port channel for its members
 //    tunnel          on underlay interfaces: the outer headers end here and say source VTEP,
 //                    source gport and bridge domain (RFC 7348); on access interfaces the VLAN does
-//    learning        the source address is where the frame came from; group addresses are nobody's
+//    learning        the source address is where the frame came from, unless it is known on a
+//                    segment that the source VTEP shares; group addresses are nobody's
 //    decision        FrameKind, and with it the packet resolution; routed frames get their new
 //                    addresses
 //    ingress rules   of the arrival's unit

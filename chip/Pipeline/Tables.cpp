@@ -34,6 +34,7 @@ Tables::Tables( Units const & all, ForwardingConfig const & forwarding )
    domainsAre();
    interfacesAre();
    tunnelsAre();
+   segmentsAre();
    routesAre();
 }
 
@@ -68,7 +69,7 @@ void Tables::domainsAre() {
 void Tables::interfacesAre() {
    std::map< Pelk::IntfId, Index > portChannelOf;
    for ( PortChannelConfig const & portChannel : config.portChannels ) {
-      Index const interface = interfaceNew( portChannel.intfId, portChannel.vlans );
+      Index const interface = interfaceNew( portChannel );
       for ( Pelk::IntfId const & member : portChannel.members ) {
          portChannelOf[ member ] = interface;
       }
@@ -79,24 +80,25 @@ void Tables::interfacesAre() {
          portIs( intf, portChannel->second );
          continue;
       }
-      Index const interface = interfaceNew( intf.intfId, intf.vlans );
-      interfaces[ interface ].isUnderlay = intf.isUnderlay;
-      interfaces[ interface ].neighbour = intf.neighbour;
-      portIs( intf, interface );
+      portIs( intf, interfaceNew( intf ) );
    }
 }
 
-Index Tables::interfaceNew( Pelk::IntfId const & intfId, AccessVlans const & vlans ) {
-   auto const interface = static_cast< Index >( interfaces.size() );
-   interfaces.emplace_back().intfId = intfId;
-   for ( Vlan const vlan : vlans.tagged ) {
-      membersAre( vlan, interface, true );
+// Of an interface or a port channel.
+template< typename Config > Index Tables::interfaceNew( Config const & of ) {
+   auto const index = static_cast< Index >( interfaces.size() );
+   ForwardingInterface & interface = interfaces.emplace_back();
+   interface.intfId = of.intfId;
+   interface.isUnderlay = of.isUnderlay;
+   interface.neighbour = of.neighbour;
+   interface.untagged = of.vlans.untagged.value_or( 0 );
+   for ( Vlan const vlan : of.vlans.tagged ) {
+      membersAre( vlan, index, true );
    }
-   if ( vlans.untagged ) {
-      interfaces.back().untagged = *vlans.untagged;
-      membersAre( *vlans.untagged, interface, false );
+   if ( of.vlans.untagged ) {
+      membersAre( *of.vlans.untagged, index, false );
    }
-   return interface;
+   return index;
 }
 
 void Tables::membersAre( Vlan vlan, Index interface, bool isTagged ) {
@@ -154,6 +156,20 @@ void Tables::underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & na
    } );
 }
 
+void Tables::segmentsAre() {
+   for ( std::size_t n = 0; n < interfaces.size(); ++n ) {
+      auto const segment = config.sharedWith.find( interfaces[ n ].intfId );
+      if ( segment == config.sharedWith.end() ) {
+         continue;
+      }
+      for ( Pelk::IpGenAddr const & vtep : segment->second ) {
+         if ( Index const * const tunnel = tunnelOfVtep.find( vtep ) ) {
+            tunnels[ *tunnel ].shared.push_back( static_cast< Index >( n ) );
+         }
+      }
+   }
+}
+
 // The tunnel to that VTEP; a new one leads over all underlay interfaces.
 Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
    if ( Index const * const known = tunnelOfVtep.find( vtep ) ) {
@@ -163,7 +179,7 @@ Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
    Tunnel & tunnel = tunnels.emplace_back();
    tunnel.remoteVtep = vtep;
    for ( std::size_t n = 0; n < interfaces.size(); ++n ) {
-      if ( interfaces[ n ].isUnderlay ) {
+      if ( interfaces[ n ].isUnderlay && !interfaces[ n ].ports.empty() ) {
          tunnel.underlay.push_back( static_cast< Index >( n ) );
       }
    }

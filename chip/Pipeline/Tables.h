@@ -47,8 +47,9 @@ struct BridgeDomain {
 
 struct Tunnel {
    Pelk::IpGenAddr remoteVtep{};
-   U32 gport = 0;  // 0: frames are sent there, and not accepted from there
-   std::vector< Index > underlay{};
+   U32 gport = 0;                          // 0: frames are sent there, and not accepted from there
+   std::vector< Index > underlay{};        // interfaces that have a port
+   std::vector< Index > shared{};          // interfaces of segments that the VTEP is on as well
    std::optional< OuterHeaders > outer{};  // none without an own address of the family
 };
 
@@ -94,9 +95,10 @@ struct Tables {
    void interfacesAre();
    void membersAre( Vlan vlan, Index interface, bool isTagged );
    void portIs( InterfaceConfig const & intf, Index interface );
-   Index interfaceNew( Pelk::IntfId const & intfId, AccessVlans const & vlans );
+   template< typename Config > Index interfaceNew( Config const & of );
    void domainsAre();
    void tunnelsAre();
+   void segmentsAre();
    void underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const;
    void routesAre();
    Index domainFor( Vlan vlan );

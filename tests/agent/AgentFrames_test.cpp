@@ -126,6 +126,59 @@ TEST_F( Frames, hold_expectations_to_each_frame_that_is_meant ) {
                  "there are 0 such frames", "frame 1 is sent at Ethernet1" } ) );
 }
 
+TEST_F( Frames, of_a_host_on_a_segment_that_come_through_its_other_vtep_leave_it_there ) {
+   runText( kSwitch + kForwarding +
+            "  - frame: { on: Ethernet3, source: '00:00:5e:00:53:09' }\n"
+            "  - frame: { from: 10.0.0.2, vni: 10100, source: '00:00:5e:00:53:09' }\n"
+            "  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01',\n"
+            "             destination: '00:00:5e:00:53:09' }\n"
+            "  - expect: { frames: { kind: known-unicast, reach: [ Ethernet3 ] } }\n"
+            "  - withdraw: { segments: { Ethernet3: [ 10.0.0.2 ] } }\n"
+            "  - frame: { from: 10.0.0.2, vni: 10100, source: '00:00:5e:00:53:09' }\n"
+            "  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01',\n"
+            "             destination: '00:00:5e:00:53:09' }\n"
+            "  - expect: { frames: { kind: known-unicast, reach: [ 10.0.0.2 ] } }\n" );
+
+   EXPECT_EQ( badInputOf( story ), "" );
+   EXPECT_EQ( failedExpectations(), 0U );
+}
+
+TEST_F( Frames, come_and_go_over_a_port_channel_as_underlay ) {
+   runText(
+      "scenario: leaf\n"
+      "switch:\n"
+      "  name: leaf1\n"
+      "  variant: egress-mask\n"
+      "  units: { 0: { module: 1 } }\n"
+      "  interfaces: { Ethernet1: { unit: 0, port: 1 }, Ethernet49: { unit: 0, port: 49 },\n"
+      "                Ethernet50: { unit: 0, port: 50 } }\n"
+      "  port-channels: { Port-Channel49: [ Ethernet49, Ethernet50 ] }\n"
+      "forwarding:\n"
+      "  vtep-addresses: [ 10.0.0.1 ]\n"
+      "  underlay: [ Port-Channel49 ]\n"
+      "  vlans: { 10: 10100 }\n"
+      "  access: { Ethernet1: 10 }\n"
+      "evpn:\n"
+      "  vteps: { 10.0.0.2: { virtual-port: 2 } }\n"
+      "steps:\n" +
+      kFromPeer +
+      "  - expect: { frames: { reach: [ Ethernet1 ] } }\n"
+      "  - frame: { on: Ethernet50, from: 10.0.0.2, vni: 10100, source: '00:00:5e:00:53:02' }\n"
+      "  - expect: { frames: { reach: [ Ethernet1 ] } }\n"
+      "  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01' }\n"
+      "  - expect: { frames: { reach: [ 10.0.0.2 ] } }\n"
+      "  - withdraw: { port-channels: { Port-Channel49: [ Ethernet49 ] } }\n"
+      "  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01' }\n"
+      "  - expect: { frames: { reach: [ 10.0.0.2 ] } }\n" );
+
+   EXPECT_EQ( badInputOf( story ), "" );
+   EXPECT_EQ( failedExpectations(), 0U );
+   auto const told = story.all< Story::FrameForwarded >();
+   ASSERT_EQ( told.size(), 4U );
+   EXPECT_EQ( told[ 1 ].arrival, "Port-Channel49" );
+   EXPECT_EQ( told[ 3 ].copies.back().intf, "Port-Channel49" );
+}
+
 // --- The program
 
 class FramesOfProgram : public testing::Test {

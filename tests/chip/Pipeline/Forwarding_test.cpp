@@ -83,6 +83,9 @@ TEST( Forwarding, vlansAndVnisAreInTheirRanges ) {
    EXPECT_EQ( refusal( []( auto & config ) { config.interfaces.back().vlans.tagged = { 10 }; } ),
               "forwarding: interface Ethernet49: an underlay interface carries VXLAN only and has "
               "no VLANs" );
+   EXPECT_EQ( refusal( []( auto & config ) { config.portChannels[ 0 ].isUnderlay = true; } ),
+              "forwarding: port channel Port-Channel1: an underlay interface carries VXLAN only "
+              "and has no VLANs" );
    EXPECT_EQ( refusal( []( auto & config ) { config.vlanToVni[ 10 ] = 0x1000000; } ),
               "forwarding: VLAN 10: there is no VNI 16777216; VNIs are 1 to 16777215" );
    EXPECT_EQ( refusal( []( auto & config ) { config.vlanToVni[ 20 ] = 10100; } ),
@@ -94,6 +97,13 @@ TEST( Forwarding, designationIsOfAccessInterfaces ) {
                  []( auto & config ) { config.designatedForwarder[ intf( "Ethernet49" ) ]; } ),
               "forwarding: designated forwarder on 'Ethernet49': it is neither an access interface "
               "nor a port channel" );
+   EXPECT_EQ( refusal( []( auto & config ) {
+                 config.portChannels[ 0 ].isUnderlay = true;
+                 config.portChannels[ 0 ].vlans = {};
+                 config.designatedForwarder[ intf( "Port-Channel1" ) ];
+              } ),
+              "forwarding: designated forwarder on 'Port-Channel1': it is neither an access "
+              "interface nor a port channel" );
    EXPECT_EQ( refusal( []( auto & config ) {
                  config.designatedForwarder[ intf( "Ethernet1" ) ].perVlan[ 30 ] = false;
               } ),

@@ -43,6 +43,62 @@ TEST( Learning, anAddressMoves ) {
    EXPECT_EQ( leaf1.pipeline.learned(), 2U ) << "host 1 and the one that asks";
 }
 
+// leaf1, on which leaf2 is attached to the segment on the port channel, or on another interface.
+Chip::ForwardingConfig sharedWithLeaf2( std::string_view interface ) {
+   Chip::ForwardingConfig config = leaf1Config();
+   config.sharedWith[ intf( interface ) ] = { kLeaf2 };
+   return config;
+}
+
+TEST( Learning, anAddressOnASegmentStaysThereWhenItIsSeenThroughAVtepOfTheSegment ) {
+   Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
+   leaf1.learn( kHost1, kPort5 );
+   leaf1.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "Port-Channel1" );
+   Leaf single( sharedWithLeaf2( "Ethernet1" ) );
+   single.learn( kHost1, kPort1 );
+   single.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( single, kHost1 ), "Ethernet1" );
+}
+
+TEST( Learning, anAddressOnASegmentMovesToAVtepThatIsNotOnIt ) {
+   Leaf leaf1( sharedWithLeaf2( "Ethernet1" ) );
+   leaf1.learn( kHost1, kPort5 );
+   leaf1.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" ) << "it was on another interface";
+   leaf1.learn( kHost1, kPort1 );
+   FrameFields frame = fromLeaf2();
+   frame.outer->sourceVtep = kLeaf3;
+   frame.source = kHost1;
+   leaf1.forward( frame );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.3" ) << "which is on no segment";
+}
+
+TEST( Learning, anAddressThatIsFirstSeenThroughATunnelMovesToTheSegment ) {
+   Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
+   leaf1.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
+   leaf1.learn( kHost1, kPort4 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "Port-Channel1" );
+}
+
+TEST( Learning, anAddressMovesOnceTheVtepHasLeftTheSegment ) {
+   Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
+   leaf1.learn( kHost1, kPort5 );
+   leaf1.pipeline.forwardingIs( leaf1Config() );
+   leaf1.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
+}
+
+TEST( Learning, aSegmentOfAnInterfaceThatIsNotThereSaysNothing ) {
+   Chip::ForwardingConfig config = sharedWithLeaf2( "Ethernet9" );
+   config.sharedWith[ intf( "Ethernet1" ) ] = { ip( "10.0.0.9" ) };
+   Leaf leaf1( config );
+   leaf1.learn( kHost1, kPort1 );
+   leaf1.learnBehindLeaf2( kHost1 );
+   EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
+}
+
 TEST( Learning, anAddressBehindAMemberIsBehindThePortChannel ) {
    Leaf leaf1;
    leaf1.learn( kHost1, kPort5 );
