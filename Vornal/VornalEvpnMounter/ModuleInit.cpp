@@ -3,6 +3,10 @@
 // The types register first, in the files that define them (Kiv/Registration.h). Then the objects
 // below register themselves, in this order: trace handles, log message descriptors, the mounter.
 // Closing the plug-in takes all of it back.
+//
+// Few lines of the state machines are marked for the trace ring, and each is wanted there, whatever
+// its level: the ring takes every level of their handle from here on, also when the plug-in is
+// opened again. An agent that wants fewer says so after it has opened it.
 
 #include <Plugin/Mounter.h>
 #include <VornalEvpnMounter/ModuleTrace.h>
@@ -32,6 +36,14 @@ Log::Handle const multihomingTcamResourceFull( {
 } );
 
 namespace {
+
+class OpenToTheRing {
+ public:
+   explicit OpenToTheRing( Trace::Handle const & handle ) {
+      Trace::ringLevelsIs( handle.name(), "0-9" );
+   }
+};
+OpenToTheRing const smTraceIsOpen( smTrace );
 
 // Known to the switch log as long as the plug-in is loaded; the agent emits them.
 Log::Handle const unexpectedRestart( {

@@ -89,6 +89,13 @@ TEST( ModuleTrace, hasAHandleForTheMounterOneForTheMachinesAndOneForTheChip ) {
    EXPECT_EQ( Shim::apiTrace().name(), "ApiVornal" );
 }
 
+TEST( ModuleTrace, theRingTakesEveryLevelOfTheMachinesAndTheFirstSixOfTheMounter ) {
+   for ( int level = 0; level < 10; ++level ) {
+      EXPECT_TRUE( Vornal::smTrace.isRingEnabled( level ) ) << level;
+      EXPECT_EQ( Vornal::mounterTrace.isRingEnabled( level ), level < 6 ) << level;
+   }
+}
+
 // Compilers differ in the blanks before a '&'.
 std::string withoutBlanksBeforeAmpersands( std::string text ) {
    for ( std::size_t at = 0; ( at = text.find( " &" ) ) != std::string::npos; ) {
