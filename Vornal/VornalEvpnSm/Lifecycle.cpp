@@ -93,10 +93,12 @@ EvpnMultihomingLocalBiasSm::EvpnMultihomingLocalBiasSm(
    }
 }
 
-// The variants' destructors have switched off what they added. No rule is deleted.
+// The variants' destructors have switched off what they added. Somebody may hold a nested reactor
+// longer than the machine lives: it hears nothing any more. No rule is deleted.
 EvpnMultihomingLocalBiasSm::~EvpnMultihomingLocalBiasSm() {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( false );
    EvpnMultihomingLocalBiasSm::kivDoZombieReactors( true );
+   kivClock_->ownerDel();
    Kiv::nestedOwnerDel( oxaEvpnTepSegment_ );
    Kiv::nestedOwnerDel( vtiStatus_ );
    Kiv::nestedOwnerDel( lagPhyIntfConfig_ );
@@ -181,6 +183,12 @@ void EvpnMultihomingLocalBiasSm::lagPhyIntfConfigIs(
 
 EvpnMultihomingLocalBiasSm::KivClock::KivClock( Quelm::Ptr< Kiv::Clock > const & clock,
                                                 EvpnMultihomingLocalBiasSm * machine )
-      : reactor_( clock, [ machine ] { machine->handleTime(); } ) {}
+      : evpnMultihomingLocalBiasSm_( machine ), reactor_( clock, [ this ] { handleTime(); } ) {}
+
+void EvpnMultihomingLocalBiasSm::KivClock::handleTime() {
+   if ( evpnMultihomingLocalBiasSm_ ) {
+      evpnMultihomingLocalBiasSm_->handleTime();
+   }
+}
 
 }  // namespace Vornal

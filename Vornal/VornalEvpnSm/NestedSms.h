@@ -1,5 +1,5 @@
-// The state machine's nested reactors: one for each shared segment, tunnel interface and port
-// channel, and the one on the clock.
+// The state machine's nested reactors: one for each VTEP that shares a segment, for each tunnel
+// interface and for each port channel, and the one on the clock.
 //
 // Each watches a single entity and knows its machine by a back reference. What a change leads to is
 // in the file of its subject (SegmentTracking, PerVniMulticast, PortResolution, IngressRules).
@@ -90,7 +90,8 @@ class EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig final
    void onAttribute( Kiv::Change const & change ) override;
 };
 
-// Calls handleTime() when the clock has reached the time it is armed for.
+// Calls handleTime() when the clock has reached the time it is armed for, unless it is out of
+// service, switched off or has lost its machine by then.
 class EvpnMultihomingLocalBiasSm::KivClock final {
  public:
    KivClock( Quelm::Ptr< Kiv::Clock > const & clock, EvpnMultihomingLocalBiasSm * machine );
@@ -101,7 +102,15 @@ class EvpnMultihomingLocalBiasSm::KivClock final {
    bool isZombie() const { return reactor_.isZombie(); }
    bool isArmed() const { return reactor_.isArmed(); }
 
+   EvpnMultihomingLocalBiasSm * evpnMultihomingLocalBiasSm() const {
+      return evpnMultihomingLocalBiasSm_;
+   }
+   void ownerDel() { evpnMultihomingLocalBiasSm_ = nullptr; }
+
  private:
+   void handleTime();
+
+   EvpnMultihomingLocalBiasSm * evpnMultihomingLocalBiasSm_;
    Kiv::ClockReactor reactor_;
 };
 

@@ -284,6 +284,16 @@ TEST_P( BothVariants, OutOfServiceTheClockCallsNobody ) {
    EXPECT_TRUE( leaf.traces.empty() );
 }
 
+TEST_P( BothVariants, WithoutItsMachineTheClockCallsNobody ) {
+   auto const sm = leaf.machineNew( GetParam() );
+   EXPECT_EQ( sm->kivClock().evpnMultihomingLocalBiasSm(), sm.get() );
+   sm->handleTcamExhaustion();
+   sm->kivClock().ownerDel();
+   leaf.forget();
+   EXPECT_TRUE( leaf.activity.clock()->fireOne() );
+   EXPECT_TRUE( leaf.traces.empty() );
+}
+
 TEST_P( BothVariants, APortChannelThatIsReplacedIsWatchedByTheSameReactor ) {
    leaf.memberIs( "Port-Channel3", "Ethernet3" );
    auto const sm = leaf.machineNew( GetParam() );
@@ -305,11 +315,11 @@ TEST_P( BothVariants, SegmentsAndPortChannelsAreListenedToFromTheFirst ) {
 
 // --- The ring
 
-TEST_P( BothVariants, TheRingHoldsTheMarkedLinesOnly ) {
+TEST_P( BothVariants, TheRingHoldsTheMarkedLinesOfEveryLevelAndNoOthersAlsoWithTheTextTraceOff ) {
    std::vector< std::byte > memory( Trace::Ring::sizeFor( 64 ) );
    Trace::Ring ring( memory );
    Trace::ringIs( &ring );
-   Trace::ringLevelsIs( "VornalEvpnSm", "0-9" );
+   Trace::levelsIs( "VornalEvpnSm", "" );
    shareEthernet1();
    auto const sm = leaf.machineNew( GetParam() );
    sm->getPortListsOnUpdate( 0, ip( "10.0.0.2" ), intf( "Ethernet9" ), true );
@@ -343,6 +353,30 @@ TEST_P( BothVariants, ANestedReactorThatOutlivesItsMachineHasForgottenIt ) {
    EXPECT_FALSE( reactor->evpnMultihomingLocalBiasSm() );
    EXPECT_DEATH( reactor->handleSegmentSet( intf( "Ethernet1" ) ),
                  "Assertion 'evpnMultihomingLocalBiasSm\\(\\)' failed" );
+}
+
+TEST_P( BothVariants, AHeldReactorOfAMachineThatEndedSwitchedOffHearsNothing ) {
+   auto const tunnel = leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
+   auto const segment = Quelm::make< Oxa::EvpnTepSegment >( ip( "10.0.0.2" ) );
+   auto const portChannel = Quelm::make< Lag::LagPhyIntfConfig >( intf( "Port-Channel3" ) );
+   auto sm = leaf.machineNew( GetParam() );
+   sm->hasNotificationActiveIs( false );
+   sm->oxaEvpnTepSegmentIs( segment );
+   sm->lagPhyIntfConfigIs( portChannel );
+   auto const ofSegment = sm->oxaEvpnTepSegment( ip( "10.0.0.2" ) );
+   auto const ofTunnel = sm->vtiStatus( intf( "Vxlan1" ) );
+   auto const ofPortChannel = sm->lagPhyIntfConfig( intf( "Port-Channel3" ) );
+   ofTunnel->hasNotificationActiveIs( true );
+   leaf.forget();
+   sm = nullptr;
+   segment->segmentSetIs( intf( "Ethernet1" ) );
+   tunnel->vrfToVniMapIs( L3::VrfName( "red" ), Vxlan::VniExtOrNone( 50001 ) );
+   portChannel->phyIntfIs( intf( "Ethernet3" ) );
+   EXPECT_TRUE( leaf.traces.empty() );
+   EXPECT_FALSE( ofSegment->hasNotificationActive() );
+   EXPECT_FALSE( ofSegment->evpnMultihomingLocalBiasSm() );
+   EXPECT_FALSE( ofTunnel->evpnMultihomingLocalBiasSm() );
+   EXPECT_FALSE( ofPortChannel->evpnMultihomingLocalBiasSm() );
 }
 
 TEST( ClassIdVariant, WithoutAnyInputItIsEmpty ) {
