@@ -91,7 +91,7 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
    KIV_VIRTUAL( bool, deleteTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )
    KIV_VIRTUAL( bool, updateIfpTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPortList const & oldPorts, VornalTypes::VornalPortList const & ports, bool add ) )
    KIV_VIRTUAL( bool, updateEfpTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPortList const & portsToRemove, VornalTypes::VornalPortList const & ports, bool add ) )
-   KIV_VIRTUAL( void, updateTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId, bool add ) )
+   virtual void updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId, bool add );  // the last row
    KIV_VIRTUAL( bool, unitUsesOrNeedsTcams, ( U32 unit ) )
    KIV_QUERY( bool, unitUsesTcamsForTepIp, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )
    KIV_VIRTUAL( bool, tcamSanityCheckForTepIp, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )
@@ -100,6 +100,7 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
    KIV_OPERATION( void, handleVerify, () )
    KIV_VALUE( initialized, bool )
    KIV_VIRTUAL( void, handleInitialized, () )
+   KIV_CALLABLE( void, updateTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId, bool add ), )
    // clang-format on
 
    EvpnMultihomingLocalBiasSm(

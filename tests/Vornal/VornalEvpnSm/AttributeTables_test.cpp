@@ -70,7 +70,6 @@ Rows const baseRows{
    "VornalTypes::VornalPortList, bool ) -> bool",
    "updateEfpTcamEntries( U32, Pelk::IpGenAddr, VornalTypes::VornalPortList, "
    "VornalTypes::VornalPortList, bool ) -> bool",
-   "updateTcamEntries( U32, Pelk::IpGenAddr, Pelk::IntfId, bool )",
    "unitUsesOrNeedsTcams( U32 ) -> bool",
    "unitUsesTcamsForTepIp( U32, Pelk::IpGenAddr ) -> bool",
    "tcamSanityCheckForTepIp( U32, Pelk::IpGenAddr ) -> bool",
@@ -79,6 +78,7 @@ Rows const baseRows{
    "handleVerify(  )",
    "initialized bool",
    "handleInitialized(  )",
+   "updateTcamEntries( U32, Pelk::IpGenAddr, Pelk::IntfId, bool )",
 };
 
 TEST( LocalBiasTable, OfTheBaseHasItsAttributesInOrder ) {
@@ -110,8 +110,15 @@ TEST( LocalBiasTable, IdentifiersArePositions ) {
    using I2E = Vornal::EvpnMultihomingLocalBiasWithI2EClassIdSm;
    EXPECT_EQ( Sm::vcsdAttr(), 1U );
    EXPECT_EQ( Sm::tepIpToEntryAttr(), 10U );
-   EXPECT_EQ( Sm::unitUsesOrNeedsTcamsAttr(), 38U );
-   EXPECT_EQ( Sm::initializedAttr(), 44U );
+   EXPECT_EQ( Sm::unitUsesOrNeedsTcamsAttr(), 37U );
+   EXPECT_EQ( Sm::unitUsesTcamsForTepIpAttr(), 38U );
+   EXPECT_EQ( Sm::tcamSanityCheckForTepIpAttr(), 39U );
+   EXPECT_EQ( Sm::verifyIfpEntriesAttr(), 40U );
+   EXPECT_EQ( Sm::verifyEfpEntriesAttr(), 41U );
+   EXPECT_EQ( Sm::handleVerifyAttr(), 42U );
+   EXPECT_EQ( Sm::initializedAttr(), 43U );
+   EXPECT_EQ( Sm::handleInitializedAttr(), 44U );
+   EXPECT_EQ( Sm::updateTcamEntriesAttr(), 45U );
    EXPECT_EQ( I2E::efpTcamManagerAttr(), 46U );
 }
 
