@@ -32,12 +32,6 @@ Sm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
         efpTcamManager_( efpTcamManager ),
         i2eClassIdIndexConfig_( i2eClassIdIndexConfig ),
         i2eClassIdIndexStatus_( i2eClassIdIndexStatus ),
-        requestsWatch_( i2eClassIdIndexConfig,
-                        [ this ]( Kiv::Change const & change ) {
-                           if ( change.attribute() == Requests::remoteESPeerVtepAttr() ) {
-                              notePending( change.key< Pelk::IpGenAddr >() );
-                           }
-                        } ),
         i2eClassIdIndexStatusDispatch_( i2eClassIdIndexStatus, [ this ](
                                                                   Kiv::Change const & change ) {
            if ( change.attribute() == Grants::remoteESPeerVtepAttr() ) {
@@ -55,10 +49,6 @@ Sm::~EvpnMultihomingLocalBiasWithI2EClassIdSm() {
 void Sm::hasNotificationActiveIs( bool active ) {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( active );
    i2eClassIdIndexStatusDispatch_.hasNotificationActiveIs( active );
-   requestsWatch_.hasNotificationActiveIs( active );
-   if ( active ) {
-      findPending();
-   }
 }
 
 void Sm::handleInitialized() {
@@ -70,7 +60,6 @@ void Sm::handleInitialized() {
 }
 
 void Sm::handleGrantChange( Pelk::IpGenAddr const & tepIp ) {
-   notePending( tepIp );
    if ( !isZombie() ) {
       handleRemoteESPeerVtepI2EClassId( tepIp );
    }

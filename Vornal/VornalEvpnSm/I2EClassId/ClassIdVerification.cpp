@@ -85,7 +85,9 @@ bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    return true;
 }
 
-// While any class id is pending, every unit with a record needs its TCAM.
+// While any class id is pending, every unit with a record needs its TCAM. This is asked at each
+// removal of a VTEP; while the unit has rules the answer needs no search, so that removing many
+// VTEPs stays linear.
 bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
    TRACE( smTrace, 5, "unitUsesOrNeedsTcams Mirel unit: " << unit );
    if ( !tepIpToEntry( unit ) ) {
@@ -93,38 +95,21 @@ bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
       return false;
    }
    bool const ifpTcamsUsed = EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( unit );
-   bool const ifpTcamsNeeded = isAnyClassIdPending();
    TRACE( smTrace, 4,
           "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed
-                                                << " ifpTcamsNeeded: " << ifpTcamsNeeded );
-   return ifpTcamsUsed || ifpTcamsNeeded;
+                                                << " ifpTcamsNeeded: " << isAnyClassIdPending() );
+   return ifpTcamsUsed || isAnyClassIdPending();
 }
 
-bool Sm::isAnyClassIdPending() {
-   if ( !hasNotificationActive() ) {
-      findPending();
+bool Sm::isAnyClassIdPending() const {
+   Quelm::Ptr< Requests const > const requests( i2eClassIdIndexConfig() );
+   auto grants = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepFinder();
+   for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
+      if ( !grants.find( iter.key() ) ) {
+         return true;
+      }
    }
-   return !pendingClassIds_.empty();
-}
-
-void Sm::findPending() {
-   pendingClassIds_.clear();
-   for ( auto iter = requests().remoteESPeerVtepIter(); iter; ++iter ) {
-      notePending( iter.key() );
-   }
-}
-
-void Sm::notePending( Pelk::IpGenAddr const & tepIp ) {
-   bool const isGranted = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepHas( tepIp );
-   if ( !isGranted && requests().remoteESPeerVtepHas( tepIp ) ) {
-      pendingClassIds_.insert( tepIp );
-   } else {
-      pendingClassIds_.erase( tepIp );
-   }
-}
-
-Sm::Requests const & Sm::requests() const {
-   return orEmpty( Quelm::Ptr< Requests const >( i2eClassIdIndexConfig() ) );
+   return false;
 }
 
 }  // namespace Vornal

@@ -8,7 +8,8 @@
 // entry in its status; a grant that disappears again takes nothing away here. Per VTEP:
 //
 //    none       addTcamEntries on any unit asks for an id                     -> requested
-//    requested  the grant arrives; every unit that lacks rules is programmed  -> granted, in use
+//    requested  the grant arrives; every unit that has a record and lacks
+//               rules is programmed                                           -> granted, in use
 //    in use     counted: one per unit whose ingress entry carries the id
 //    any        deleteTcamEntries gives the id back once the count is 0, or withdraws the request
 //
@@ -16,15 +17,15 @@
 // unsigned and not checked: taking from 0 gives all ones. The list of a VTEP's egress entries on a
 // unit exists from the first programming with ports until a removal leaves it without any.
 //
-// Failures: a pending grant is not exhaustion, and nothing is logged for it. A full egress group
+// Failures: a pending grant is not exhaustion, and nothing is logged for it. A missing
+// configuration reads as empty: nothing is pending in it, and there is nothing to clear or to
+// withdraw. A request has nowhere to go then, and stops the process. A full egress group
 // leaves the ingress entry, and the ports done so far, in place; the full and the recovered message
 // are logged once per episode.
 //
 // Files: ClassIdAllocation.cpp, EgressDropRules.cpp, ClassIdVerification.cpp. Threads: the
 // activity's.
 #pragma once
-
-#include <set>
 
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
 
@@ -84,6 +85,7 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
    void handleGrantChange( Pelk::IpGenAddr const & tepIp );
    void traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const;
    void releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp );
+   void withdrawRequest( Pelk::IpGenAddr const & tepIp );
    void releaseClassId( Pelk::IpGenAddr const & tepIp );
 
    // Whether the list still has ports when the entries of these have been released.
@@ -93,16 +95,10 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
    U32 obtainEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp,
                        VornalTypes::VornalPort const & sp );
 
-   bool isAnyClassIdPending();
-   void findPending();
-   void notePending( Pelk::IpGenAddr const & tepIp );
-   Requests const & requests() const;
+   // Whether some request has no grant yet: a search that ends at the first of them.
+   bool isAnyClassIdPending() const;
 
-   // The requests without a grant, kept current while notifications are on, whoever writes: asked
-   // for on each removal of a VTEP, they must not cost a walk over all requests each time.
-   std::set< Pelk::IpGenAddr > pendingClassIds_;
-   Kiv::Watch< Requests > requestsWatch_;
-   Kiv::Watch< VornalCentral::I2EClassIdIndexStatus > i2eClassIdIndexStatusDispatch_;
+   Kiv::Watch< Grants > i2eClassIdIndexStatusDispatch_;
 };
 
 // Builds one and switches its notifications on.

@@ -103,6 +103,7 @@ class ClassIdLeaf : public LocalBiasSwitch {
       return sm();
    }
    ClassIdSm & sm() { return static_cast< ClassIdSm & >( *machine_ ); }
+   bool isStarted() const { return static_cast< bool >( machine_ ); }
    void stop() { machine_ = nullptr; }
 
    // A segment on this interface, shared with these VTEPs; the n-th has virtual port 2 + n.
