@@ -184,7 +184,7 @@ bool Sm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
       releaseRules( unit, tepIp );
    }
    if ( !i2eTepIpClassIdHas( tepIp ) ) {
-      i2eClassIdIndexConfig()->remoteESPeerVtepDel( tepIp );
+      withdrawRequest( tepIp );
    } else if ( i2eTepIpClassIdRefCount( tepIp ) == 0 ) {
       releaseClassId( tepIp );
    }
@@ -200,8 +200,14 @@ void Sm::releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "deleteTcamEntries, TCAM entries deleted " );
 }
 
+void Sm::withdrawRequest( Pelk::IpGenAddr const & tepIp ) {
+   if ( i2eClassIdIndexConfig() ) {
+      i2eClassIdIndexConfig()->remoteESPeerVtepDel( tepIp );
+   }
+}
+
 void Sm::releaseClassId( Pelk::IpGenAddr const & tepIp ) {
-   i2eClassIdIndexConfig()->remoteESPeerVtepDel( tepIp );
+   withdrawRequest( tepIp );
    ClassId const classId = i2eTepIpClassIdDel( tepIp );
    i2eTepIpClassIdRefCountDel( tepIp );
    TRACE( smTrace, 5, "deleteTcamEntries freed I2E class ID " << classId );
