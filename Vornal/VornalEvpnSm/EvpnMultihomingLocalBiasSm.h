@@ -20,14 +20,16 @@
 // that traffic stays filtered while the agent restarts.
 //
 // Failures. A broken invariant, a failed SDK call and a failed install stop the process: after them
-// nobody knows what the chip does. A full TCAM is none of these: it is traced, logged once, and
-// retried when room is reported. A state that cannot be acted on yet (no virtual port, no port for
-// an interface) is traced at level 2 and waited out.
+// nobody knows what the chip does. (The install of a per-VNI rule is the exception: its result is
+// not looked at.) A full TCAM is no failure: it is traced, and an ingress entry that found no room
+// is logged, once. Only the rules for VNIs are retried when room is reported. A state that cannot
+// be acted on yet (no virtual port, no port for an interface) is traced at level 2 and waited out.
 //
 // Threads: the activity's. The activity lock is given up during each field call; handlers may
 // otherwise rely on a state database that stands still.
 #pragma once
 
+#include <concepts>
 #include <memory>
 
 #include <Evpn/EvpnStatus.h>
@@ -122,6 +124,15 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
       return unit > 0xffff ? nullptr : tepIpToEntry( static_cast< U16 >( unit ) );
    }
 
+   // Whether a unit as operations carry it has its exemption rule. (Constrained, so that a plain
+   // number stays a unit of 16 bits.)
+   bool l2UcastRuleInstalledHas( std::same_as< U32 > auto unit ) const {
+      return unit <= 0xffff && l2UcastRuleInstalledHas( static_cast< U16 >( unit ) );
+   }
+   bool l3UcastRuleInstalledHas( std::same_as< U32 > auto unit ) const {
+      return unit <= 0xffff && l3UcastRuleInstalledHas( static_cast< U16 >( unit ) );
+   }
+
    void hasNotificationActiveIs( bool active ) override;
    void kivDoZombieReactors( bool zombie ) override;
 
@@ -162,7 +173,7 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
 
    void verifyTepIp( Pelk::IpGenAddr const & tepIp );
 
-   // Whether the interface has a live port, or is a port channel with members.
+   // Whether the interface has a live port, or is a port channel with an entry in the LAG mapping.
    bool isKnownIntf( Pelk::IntfId const & intfId ) const;
    void portListsOfPhyIntf( Pelk::IntfId const & intfId, VornalTypes::VornalPortList & portList,
                             VornalTypes::VornalPortList & prevPortList ) const;

@@ -53,8 +53,7 @@ bool EvpnMultihomingLocalBiasSm::tcamSanityCheckForTepIp( U32, Pelk::IpGenAddr c
    return true;
 }
 
-void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 chip, Pelk::IpGenAddr const & tepIp ) {
-   U16 const unit = static_cast< U16 >( chip );
+void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 9, "verifyIfpEntries" );
    auto const rvk = VornalCentral::getRemoteVtepKeyForIp( tepIp );
    if ( !orEmpty( vpIndexStatus() ).remoteVportHas( rvk ) ) {
@@ -68,7 +67,7 @@ void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 chip, Pelk::IpGenAddr con
    U8 tmask = 0;
 
    QUELM_ASSERT( l2UcastRuleInstalledHas( unit ) );
-   U32 const l2EntryId = l2UcastRuleInstalled( unit );
+   U32 const l2EntryId = l2UcastRuleInstalled( static_cast< U16 >( unit ) );
    SDK_FIELD_CALL( bcm_field_qualify_PacketRes_get( unit, l2EntryId, &data, &mask ) );
    QUELM_ASSERT( data == BCM_FIELD_PKT_RES_L2UC );
    SDK_FIELD_CALL( bcm_field_qualify_TunnelTerminated_get( unit, l2EntryId, &tdata, &tmask ) );
@@ -76,7 +75,7 @@ void EvpnMultihomingLocalBiasSm::verifyIfpEntries( U32 chip, Pelk::IpGenAddr con
    QUELM_ASSERT( tmask == 1 );
 
    QUELM_ASSERT( l3UcastRuleInstalledHas( unit ) );
-   U32 const l3EntryId = l3UcastRuleInstalled( unit );
+   U32 const l3EntryId = l3UcastRuleInstalled( static_cast< U16 >( unit ) );
    SDK_FIELD_CALL( bcm_field_qualify_PacketRes_get( unit, l3EntryId, &data, &mask ) );
    QUELM_ASSERT( data == BCM_FIELD_PKT_RES_L3UCKNOWN );
    SDK_FIELD_CALL( bcm_field_qualify_TunnelTerminated_get( unit, l3EntryId, &tdata, &tmask ) );

@@ -31,8 +31,7 @@ void EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries( U32 unit,
    _shr_pbmp ports_exp;
    Shim::sdk_->pbmpClear( ports );
    Shim::sdk_->pbmpClear( ports_exp );
-   auto const record = tepIpToEntry( unit );
-   U32 const entryId = record ? record->entryId( tepIp ) : 0;
+   U32 const entryId = tepIpToEntry( unit )->entryId( tepIp );
    EvpnMultihomingLocalBiasSm::verifyIfpEntries( unit, tepIp );
 
    U32 const expPortCount = expectedPortCount( unit, tepIp );

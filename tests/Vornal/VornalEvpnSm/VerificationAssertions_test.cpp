@@ -7,9 +7,11 @@
 #include <ostream>
 
 #include "../support/RoutedSwitch.h"
+#include "../support/Stops.h"
 
 namespace {
 
+using Support::assertionLine;
 using Support::FieldCallFault;
 using Support::intf;
 using Support::ip;
@@ -115,6 +117,8 @@ std::vector< Drift > const withSharedSegments{
      []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l3(), 0, 1 ); }, shared, "tdata == 1" },
    { "TheL3ExemptionDoesNotAskForATunnel",
      []( auto & leaf ) { leaf.tunnelTerminatedIs( leaf.l3(), 1, 0 ); }, shared, "tmask == 1" },
+   { "TheUnitsRecordHasGone", []( auto & leaf ) { leaf.sm->tepIpToEntryDel( 0 ); }, "operator->",
+     "\"reference is not empty\" && target_" },
    { "TheVtepsEntryIsNotRecorded",
      []( auto & leaf ) {
         leaf.record()->entryIdDel( ip( leaf.vtep ) );
@@ -253,6 +257,16 @@ TEST( ExemptionOrderDeathTest, ARecordIsJudgedBeforeTheExemptionsWhenThereIsNoth
    EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( pass, "!l2UcastRuleInstalledHas( unit )" ) );
    leaf.sm->tepIpToEntryIs( U16{ 0 } );
    EXPECT_DEATH( leaf.sm->handleVerify(), stopsAt( pass, "!tepIpToEntry( unit )" ) );
+}
+
+// --- A unit that no collection can have
+
+TEST( WideUnitDeathTest, IsNotTakenForTheUnitOfItsLowSixteenBits ) {
+   DriftingSwitch leaf;
+   leaf.start();
+   EXPECT_DEATH( leaf.sm->EvpnMultihomingLocalBiasSm::verifyIfpEntries( 0x10000, ip( leaf.vtep ) ),
+                 assertionLine( "Verification.cpp:", "verifyIfpEntries",
+                                "l2UcastRuleInstalledHas( unit )" ) );
 }
 
 // --- Read-backs that fail
