@@ -62,7 +62,8 @@ class EvpnDependencyWaiter : public Kiv::Entity {
    static Quelm::Ptr< EvpnDependencyWaiter > EvpnDependencyWaiterIs(
       VornalEvpnMounter * mounter, Quelm::Ptr< VornalCommonSmData > const & commonSmData );
 
-   // Watches `points` from now on and looks at once whether they are ready.
+   // Watches `points` from now on and looks at once whether what is needed is ready. Without effect
+   // for the points that are held already; out of service nobody looks.
    void depsIs( Quelm::Ptr< SubAgentDependencyPoints > const & points );
    void depsDel() { depsIs( nullptr ); }
 

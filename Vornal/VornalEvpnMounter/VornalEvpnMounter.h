@@ -14,7 +14,8 @@
 //
 // The creators (xIs) keep the object they hold when it was built from the same arguments, and
 // otherwise build a new one, which replaces it, and switch its notifications on. The removers
-// (xDel) switch the object's notifications off, let go of it and return it.
+// (xDel) switch the object's notifications off, let go of it and return it; that of the LAG
+// mapping, which reacts to nothing, only lets go.
 //
 // Destroying the mounter takes the working objects apart in a fixed order and deletes no TCAM rule.
 // Threads: the activity's.

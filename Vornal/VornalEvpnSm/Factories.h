@@ -2,7 +2,7 @@
 //
 // Both build the machine, which walks the existing state and programs the first rules, and then
 // switch its notifications on. Any input may be missing, and reads as empty. An output that is
-// missing (an entry manager, the class-id requests) stops the process when it is first written to.
+// missing (an entry manager, the class-id requests) stops the process when it has something to do.
 #pragma once
 
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>

@@ -4,11 +4,11 @@
 // with one port, or a port channel, with the ports of its members. Everything is worked out from
 // the inputs each time it is asked for; nothing is stored.
 //
-// Two things are as they are on purpose. getPortListsOnUpdate filters the members of a port channel
-// by unit but not a physical interface: its callers rely on the unit of the interface's own record.
-// handleVornalIntfToPort takes that unit from the cached map, which still has an interface that the
-// live map has lost. And only getSharedESPortInfo leaves invalid ports out: an update to logical
-// port 1023 is handed on, and stops the process where a bitmap has no such bit.
+// Three things are as they are on purpose. getPortListsOnUpdate filters the members of a port
+// channel by unit but not a physical interface: its callers rely on the unit of the interface's own
+// record. handleVornalIntfToPort takes that unit from the cached map, which still has an interface
+// that the live map has lost. Only getSharedESPortInfo leaves invalid ports out: an update to
+// logical port 1023 is handed on, and stops the process where a bitmap has no such bit.
 
 #include <algorithm>
 

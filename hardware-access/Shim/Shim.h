@@ -9,9 +9,9 @@
 // which is also what announces the call by beforeFieldCall() and stops the process when it fails.
 //
 // Qualifiers and actions change the staged copy of an entry; the entry managers (VornalTcam/) write
-// it to the hardware. Each qualifier states data and mask; reading back gives the written copy. A
-// qualifier or action that the entry's group does not support is refused with a negative code, and
-// so is an entry id that the unit does not know.
+// it to the hardware. A qualifier states data and mask, those of source gport and IP type a value
+// alone; reading back gives the written copy. A qualifier or action that the entry's group does not
+// support is refused with a negative code, and so is an entry id that the unit does not know.
 //
 // Threads: field calls are made with the activity lock given up, by one thread at a time.
 #pragma once

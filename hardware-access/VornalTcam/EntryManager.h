@@ -11,10 +11,10 @@
 //
 // Contracts. getEntry returns 0 when the group has no room on that unit; that is not an error. The
 // unit's `exhausted` flag is then set, and a release that makes room clears it; both are notified.
-// Ids are never 0, and one unit never uses an id twice. Releasing id 0 or an unknown id does
-// nothing. installEntry and reinstallEntry return the SDK's code, to be compared with the shim's
-// success code: anything else is failure, and the hardware is unchanged by it. An egress mask is
-// staged by the add and update operations and in force once the entry is (re)installed.
+// Ids are never 0, and releasing id 0 does nothing. installEntry and reinstallEntry return the
+// SDK's code; anything but the shim's success code is failure. An egress mask is staged by the add
+// and update operations and in force once the entry is (re)installed. Whether an id is used again,
+// and what an unknown id or a failed install comes to, each agent's managers say for themselves.
 //
 // Precedence within a group: the highest priority wins, and between equals the entry obtained
 // first. An entry whose priority was never set has the group's default priority, above all set

@@ -8,8 +8,10 @@
 // last written to the hardware. A VTEP without shared ports on a unit has an entry with an empty
 // mask.
 //
-// Failures: a full TCAM leaves nothing recorded. A failed install or reinstall stops the process,
-// and so does taking away an entry that has no recorded mask: a delete that follows a failed add.
+// Failures: a full TCAM leaves neither an entry nor a mask recorded; the VP index is recorded all
+// the same. A failed install or reinstall stops the process, and so does taking away an entry that
+// has no recorded mask: a delete that follows a failed add. A verification of a unit without a
+// record stops it, too.
 //
 // Files: EgressMaskProgramming.cpp, EgressMaskVerification.cpp. Threads: the activity's.
 #pragma once
