@@ -11,8 +11,8 @@ using Support::intf;
 using Support::Lines;
 using Support::Machine;
 using Support::RoutedSwitch;
+using Support::stopsAtTakenVni;
 using Support::Variant;
-using Support::vniIsTaken;
 using Support::vrf;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
@@ -36,14 +36,14 @@ class PerVniLimitsDeathTest : public PerVniLimits {};
 TEST_F( PerVniLimitsDeathTest, OnTwoUnitsTheFirstVniStopsTheProcessAtTheSecondUnit ) {
    RoutedSwitch twoUnits( 2 );
    start( twoUnits );
-   EXPECT_DEATH( twoUnits.vniIs( "red", 50001 ), vniIsTaken );
+   EXPECT_DEATH( twoUnits.vniIs( "red", 50001 ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, OnTwoUnitsAMappedVniStopsTheProcessAtTheStart ) {
    RoutedSwitch twoUnits( 2 );
    twoUnits.tunnelIs();
    twoUnits.vniIs( "red", 50001 );
-   EXPECT_DEATH( twoUnits.machineNew( Variant::EgressMask ), vniIsTaken );
+   EXPECT_DEATH( twoUnits.machineNew( Variant::EgressMask ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, OnTwoUnitsTheFirstSegmentStopsTheProcess ) {
@@ -51,7 +51,7 @@ TEST_F( PerVniLimitsDeathTest, OnTwoUnitsTheFirstSegmentStopsTheProcess ) {
    twoUnits.segmentDel( "Ethernet1" );
    start( twoUnits );
    twoUnits.vniIs( "red", 50001 );
-   EXPECT_DEATH( twoUnits.segmentIs( "Ethernet1", {} ), vniIsTaken );
+   EXPECT_DEATH( twoUnits.segmentIs( "Ethernet1", {} ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, OnTwoUnitsAFullFirstUnitOnlyPutsTheStopOff ) {
@@ -61,7 +61,7 @@ TEST_F( PerVniLimitsDeathTest, OnTwoUnitsAFullFirstUnitOnlyPutsTheStopOff ) {
    twoUnits.vniIs( "red", 50001 );
    EXPECT_EQ( twoUnits.wakeUps(), 1U );  // unit 1 has room, so there is a retry, in vain
    twoUnits.roomIs( 1, 0 );
-   EXPECT_DEATH( twoUnits.wakeUps(), vniIsTaken );
+   EXPECT_DEATH( twoUnits.wakeUps(), stopsAtTakenVni );
 }
 
 // The first unit releases the entry; the second finds none, and takes it for a VRF that waits.
@@ -92,7 +92,7 @@ TEST_F( PerVniLimits, OnTwoUnitsTheVniThatMeansNoneIsTracedForEach ) {
 TEST_F( PerVniLimitsDeathTest, ASecondVrfWithTheSameVniStopsTheProcess ) {
    start( leaf1 );
    leaf1.vniIs( "red", 50001 );
-   EXPECT_DEATH( leaf1.vniIs( "blue", 50001 ), vniIsTaken );
+   EXPECT_DEATH( leaf1.vniIs( "blue", 50001 ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, TwoVrfsQueuedWithTheSameVniStopTheProcessAtTheRetry ) {
@@ -101,14 +101,14 @@ TEST_F( PerVniLimitsDeathTest, TwoVrfsQueuedWithTheSameVniStopTheProcessAtTheRet
    leaf1.vniIs( "red", 50001 );
    leaf1.vniIs( "blue", 50001 );
    leaf1.roomIs( 2 );
-   EXPECT_DEATH( leaf1.wakeUps(), vniIsTaken );
+   EXPECT_DEATH( leaf1.wakeUps(), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, TwoVrfsThatSwapTheirVnisStopTheProcess ) {
    start( leaf1 );
    leaf1.vniIs( "red", 50001 );
    leaf1.vniIs( "blue", 50002 );
-   EXPECT_DEATH( leaf1.vniIs( "red", 50002 ), vniIsTaken );
+   EXPECT_DEATH( leaf1.vniIs( "red", 50002 ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, TwoVrfsMaySwapTheirVnisWhenOneLeavesTheMapFirst ) {
@@ -141,7 +141,7 @@ TEST_F( PerVniLimitsDeathTest, ASwapWithOneVrfQueuedStopsTheProcessAtTheRetryTha
    leaf1.vniIs( "blue", 50002 );
    leaf1.vniIs( "red", 50002 );  // 50001 makes room, and blue is to be tried again
    EXPECT_EQ( leaf1.vnisOnChip(), ( Vnis{ 50002 } ) );
-   EXPECT_DEATH( leaf1.wakeUps(), vniIsTaken );
+   EXPECT_DEATH( leaf1.wakeUps(), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, ASwapWithOneVrfQueuedInASingleTurnLeavesAStaleVniInTheQueue ) {
@@ -166,7 +166,7 @@ TEST_F( PerVniLimitsDeathTest, AVniOnASecondTunnelInterfaceStopsTheProcess ) {
    start( leaf1 );
    leaf1.tunnelIs( "Vxlan2" );
    leaf1.vniIs( "red", 50001, "Vxlan1" );
-   EXPECT_DEATH( leaf1.vniIs( "red", 50001, "Vxlan2" ), vniIsTaken );
+   EXPECT_DEATH( leaf1.vniIs( "red", 50001, "Vxlan2" ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimitsDeathTest, WithTwoTunnelInterfacesARetryThatSucceedsStopsTheProcess ) {
@@ -175,7 +175,7 @@ TEST_F( PerVniLimitsDeathTest, WithTwoTunnelInterfacesARetryThatSucceedsStopsThe
    leaf1.roomIs( 0 );
    leaf1.vniIs( "red", 50001, "Vxlan1" );
    leaf1.roomIs( 1 );
-   EXPECT_DEATH( leaf1.wakeUps(), vniIsTaken );
+   EXPECT_DEATH( leaf1.wakeUps(), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, AVrfQueuedOnTwoTunnelInterfacesKeepsOnlyTheFirstVni ) {
@@ -214,7 +214,7 @@ TEST_F( PerVniLimitsDeathTest, AnotherTunnelInterfaceThatComesBackStopsTheProces
    leaf1.vniIs( "blue", 50002, "Vxlan2" );
    leaf1.tunnelDel( "Vxlan2" );
    leaf1.tunnelIs( "Vxlan2" );
-   EXPECT_DEATH( leaf1.vniIs( "blue", 50002, "Vxlan2" ), vniIsTaken );
+   EXPECT_DEATH( leaf1.vniIs( "blue", 50002, "Vxlan2" ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, AVrfQueuedByAnInterfaceThatHasGoneIsProgrammedByAnother ) {
@@ -243,7 +243,7 @@ TEST_F( PerVniLimitsDeathTest, ProgrammedAfterTheReturnAStillQueuedVrfStopsThePr
    EXPECT_EQ( leaf1.queued( sm ), ( VniOfVrf{ { "red", 50001 } } ) );
    leaf1.vniIs( "blue", 50002 );  // does not fit
    leaf1.roomIs( 1 );
-   EXPECT_DEATH( leaf1.wakeUps(), vniIsTaken );
+   EXPECT_DEATH( leaf1.wakeUps(), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, ProgrammedAfterTheReturnAStillQueuedVrfStaysQueuedWhenItsVniGoes ) {
@@ -290,7 +290,7 @@ TEST_F( PerVniLimitsDeathTest, ATunnelInterfaceReplacedInPlaceStopsTheProcess ) 
    leaf1.vniIs( "red", 50001 );
    leaf1.vtiStatusDir->vtiStatusIs( Quelm::make< Vxlan::VtiStatus >( intf( "Vxlan1" ) ) );
    EXPECT_EQ( leaf1.vnisOnChip(), ( Vnis{ 50001 } ) );
-   EXPECT_DEATH( leaf1.vniIs( "red", 50001 ), vniIsTaken );
+   EXPECT_DEATH( leaf1.vniIs( "red", 50001 ), stopsAtTakenVni );
 }
 
 TEST_F( PerVniLimits, ATunnelInterfaceThatIsPublishedFullIsNotReadUntilTheNextSegmentOrStart ) {

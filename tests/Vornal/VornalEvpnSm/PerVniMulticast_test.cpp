@@ -19,8 +19,8 @@ using Support::literally;
 using Support::Machine;
 using Support::RoutedSwitch;
 using Support::stopsAt;
+using Support::stopsAtTakenVni;
 using Support::Variant;
-using Support::vniIsTaken;
 using Support::vrf;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
@@ -321,7 +321,7 @@ TEST_P( PerVniMulticastDeathTest, ANewVniThatHasAnEntryStopsTheProcess ) {
    start();
    leaf.vniIs( "red", 50001 );
    EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )->handleVrfToVniMap( vrf( "red" ), 0, 50001 ),
-                 vniIsTaken );
+                 stopsAtTakenVni );
 }
 
 TEST_P( PerVniMulticastDeathTest, SoDoesTheNewVniThatMeansNone ) {
@@ -329,7 +329,7 @@ TEST_P( PerVniMulticastDeathTest, SoDoesTheNewVniThatMeansNone ) {
    sm->vniToTcamEntryIdIs( Vxlan::VniExtOrNone::kNone, 7 );
    EXPECT_DEATH( sm->vtiStatus( intf( "Vxlan1" ) )
                     ->handleVrfToVniMap( vrf( "red" ), 0, Vxlan::VniExtOrNone::kNone ),
-                 vniIsTaken );
+                 stopsAtTakenVni );
 }
 
 TEST_P( PerVniMulticastDeathTest, AStopNamesTheOperationByTheSignatureThatItTraces ) {

@@ -125,9 +125,9 @@ class FieldCallFault {
    Chip::FailingSdk failing_;
 };
 
+inline std::string const vniIsTaken = "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )";
 // The stop over a VNI that has an entry already.
-inline std::string const vniIsTaken =
-   stopsAt( "NestedSm_VtiStatus::handleVrfToVniMap",
-            "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )" );
+inline std::string const stopsAtTakenVni =
+   stopsAt( "NestedSm_VtiStatus::handleVrfToVniMap", vniIsTaken );
 
 }  // namespace Support
