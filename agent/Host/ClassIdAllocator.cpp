@@ -12,7 +12,8 @@ ClassIdAllocator::ClassIdAllocator( Scenario::ClassIds const & range,
         activity_( activity ),
         config_( std::move( config ) ),
         status_( std::move( status ) ),
-        watch_( config_, [ this ]( Kiv::Change const & change ) { noteRequest( change ); } ) {
+        requests_( config_, [ this ]( Kiv::Change const & change ) { noteRequest( change ); } ),
+        grants_( status_, [ this ]( Kiv::Change const & change ) { noteGrant( change ); } ) {
    for ( U32 id = range_.first; id <= range_.last; ++id ) {
       free_.insert( static_cast< U16 >( id ) );
    }
@@ -30,7 +31,8 @@ void ClassIdAllocator::start() {
          queue( { request.key(), true } );
       }
    }
-   watch_.hasNotificationActiveIs( true );
+   requests_.hasNotificationActiveIs( true );
+   grants_.hasNotificationActiveIs( true );
 }
 
 // --- Requests
@@ -43,6 +45,7 @@ void ClassIdAllocator::queue( Event const & event ) {
    events_.push_back( event );
    if ( !event.isRequest ) {
       ++cancellations_[ event.vtep ];
+      waitNoMore( event.vtep );
    }
    turnAfter( range_.delay );
 }
@@ -53,6 +56,10 @@ void ClassIdAllocator::turnAfter( U32 turns ) {
 }
 
 void ClassIdAllocator::actOnNext() {
+   if ( isPaused_ ) {
+      ++heldBack_;
+      return;
+   }
    Event const event = events_.front();
    events_.pop_front();
    if ( !event.isRequest ) {
@@ -61,7 +68,6 @@ void ClassIdAllocator::actOnNext() {
                !status_->remoteESPeerVtepHas( event.vtep ) ) {
       wait( event.vtep );
    }
-   serve();
 }
 
 void ClassIdAllocator::release( IpGenAddr const & vtep ) {
@@ -69,7 +75,6 @@ void ClassIdAllocator::release( IpGenAddr const & vtep ) {
    if ( --cancellations->second == 0 ) {
       cancellations_.erase( cancellations );
    }
-   waitNoMore( vtep );
    grantDel( vtep );
 }
 
@@ -77,6 +82,7 @@ void ClassIdAllocator::wait( IpGenAddr const & vtep ) {
    waitNoMore( vtep );
    waiting_[ ++lastPlace_ ] = vtep;
    place_[ vtep ] = lastPlace_;
+   serve();
 }
 
 void ClassIdAllocator::waitNoMore( IpGenAddr const & vtep ) {
@@ -85,43 +91,52 @@ void ClassIdAllocator::waitNoMore( IpGenAddr const & vtep ) {
    }
 }
 
+void ClassIdAllocator::isPausedIs( bool paused ) {
+   isPaused_ = paused;
+   if ( !isPaused_ ) {
+      for ( ; heldBack_ > 0; --heldBack_ ) {
+         turnAfter( 0 );
+      }
+      serve();
+   }
+}
+
 // --- Grants
 
+bool ClassIdAllocator::canServe() const {
+   return !isPaused_ && !waiting_.empty() && !free_.empty();
+}
+
 void ClassIdAllocator::serve() {
-   activity_.turnNew( [ this ] { serveNext(); } );
+   if ( canServe() ) {
+      activity_.turnNew( [ this ] { serveNext(); } );
+   }
 }
 
 void ClassIdAllocator::serveNext() {
-   if ( isPaused_ || waiting_.empty() || free_.empty() ) {
-      return;
+   if ( canServe() ) {
+      IpGenAddr const vtep = waiting_.begin()->second;
+      grantIs( vtep, ClassId( *free_.begin() ) );
+      serve();
    }
-   IpGenAddr const vtep = waiting_.begin()->second;
-   grantIs( vtep, ClassId( *free_.begin() ) );
-   serve();
-}
-
-void ClassIdAllocator::isPausedIs( bool paused ) {
-   isPaused_ = paused;
-   serve();
 }
 
 void ClassIdAllocator::grantIs( IpGenAddr const & vtep, ClassId id ) {
-   if ( !watch_.hasNotificationActive() ) {
-      status_->remoteESPeerVtepIs( vtep, id );  // found at the start
-      return;
-   }
-   waitNoMore( vtep );
-   take( id );
-   if ( status_->remoteESPeerVtepHas( vtep ) ) {
-      giveBack( status_->remoteESPeerVtep( vtep ) );
-   }
    status_->remoteESPeerVtepIs( vtep, id );
 }
 
 void ClassIdAllocator::grantDel( IpGenAddr const & vtep ) {
-   if ( status_->remoteESPeerVtepHas( vtep ) ) {
-      giveBack( status_->remoteESPeerVtep( vtep ) );
-      status_->remoteESPeerVtepDel( vtep );
+   status_->remoteESPeerVtepDel( vtep );
+}
+
+// A grant has come, changed or gone, whoever has written it.
+void ClassIdAllocator::noteGrant( Kiv::Change const & change ) {
+   if ( auto const * const id = change.newValue< ClassId >() ) {
+      waitNoMore( change.key< IpGenAddr >() );
+      take( *id );
+   }
+   if ( auto const * const id = change.oldValue< ClassId >() ) {
+      giveBack( *id );
    }
 }
 
@@ -138,6 +153,7 @@ void ClassIdAllocator::giveBack( ClassId id ) {
       users_.erase( users );
       if ( id.value() >= range_.first && id.value() <= range_.last ) {
          free_.insert( id.value() );
+         serve();
       }
    }
 }

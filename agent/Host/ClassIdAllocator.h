@@ -12,8 +12,12 @@
 // Each grant, and each grant that goes, is a turn of its own. When it starts it finds what is there
 // already: a grant without a request is withdrawn, a request without a grant is served.
 //
-// A grant can be given, changed or withdrawn by hand. The id that is given counts as taken; a VTEP
-// whose grant was withdrawn by hand gets another one when it is asked for again.
+// A grant can be given, changed or withdrawn by hand, through this class or past it. The id that is
+// given counts as taken, and one that comes free serves who has waited longest; a VTEP whose grant
+// was withdrawn by hand gets another one when it is asked for again.
+//
+// While it is paused it acts on nothing: requests, and their ends, are kept until it serves again,
+// and then acted on in their order, each in a turn of its own.
 //
 // Cost: an event is logarithmic in the number of requests, and of ids in use.
 //
@@ -43,7 +47,7 @@ class ClassIdAllocator {
    // To be called in a turn, once.
    void start();
 
-   // While it is paused, requests are taken note of and nothing is granted.
+   // Paused, it grants nothing and takes nothing back.
    void isPausedIs( bool paused );
 
    // Grants by hand, within a turn. Before it starts, what it is to find there.
@@ -57,12 +61,15 @@ class ClassIdAllocator {
    };
 
    void noteRequest( Kiv::Change const & change );
+   void noteGrant( Kiv::Change const & change );
    void queue( Event const & event );
    void turnAfter( U32 turns );
    void actOnNext();
    void release( Pelk::IpGenAddr const & vtep );
    void wait( Pelk::IpGenAddr const & vtep );
    void waitNoMore( Pelk::IpGenAddr const & vtep );
+   bool canServe() const;
+   // Grants what can be granted, behind the turns that are queued by now.
    void serve();
    void serveNext();
    void take( VornalCommon::ClassId id );
@@ -72,7 +79,8 @@ class ClassIdAllocator {
    Kiv::ActivityManager & activity_;
    Quelm::Ptr< Config > config_;
    Quelm::Ptr< Status > status_;
-   Kiv::Watch< Config > watch_;
+   Kiv::Watch< Config > requests_;
+   Kiv::Watch< Status > grants_;
    std::deque< Event > events_;                      // not acted on yet
    std::map< Pelk::IpGenAddr, U32 > cancellations_;  // deleted requests among the events
    // For a free id: by the order of their coming, and the other way round.
@@ -82,6 +90,7 @@ class ClassIdAllocator {
    std::set< U16 > free_;        // ids of the range
    std::map< U16, U32 > users_;  // of ids that are granted; by hand, one can be given twice
    bool isPaused_ = false;
+   U32 heldBack_ = 0;  // events whose turn has come while it was paused
 };
 
 }  // namespace Host

@@ -169,4 +169,132 @@ TEST_F( Allocator, GrantsAnewAfterAWithdrawalByHandOnlyWhenItIsAskedAgain ) {
    EXPECT_EQ( grant( 2 ), 1 );
 }
 
+// --- Ids that come free by hand
+
+// One id, which VTEP 2 has; VTEPs 3 and 4 wait for it, in this order.
+class WithoutAFreeId : public Allocator {
+ protected:
+   explicit WithoutAFreeId( U32 delay = 0 ) {
+      start( { 1, 1, delay } );
+      inTurn( [ this ] {
+         for ( U32 const n : { 2U, 3U, 4U } ) {
+            ask( n );
+         }
+      } );
+      story.clear();
+   }
+};
+
+TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsWithdrawnByHand ) {
+   inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
+}
+
+TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsReplacedByHand ) {
+   inTurn( [ & ] { allocator->grantIs( vtep( 2 ), ClassId( 7 ) ); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 7", "10.0.0.3 gets 1" } ) );
+}
+
+TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsDeletedPastTheAllocator ) {
+   inTurn( [ & ] { status->remoteESPeerVtepDelAll(); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
+   inTurn( [ & ] { status->remoteESPeerVtepIs( vtep( 3 ), ClassId( 9 ) ); } );
+   EXPECT_EQ( grant( 4 ), 1 );
+}
+
+TEST_F( WithoutAFreeId, AnIdThatIsTakenPastTheAllocatorIsNotFree ) {
+   inTurn( [ & ] {
+      status->remoteESPeerVtepIs( vtep( 9 ), ClassId( 1 ) );
+      status->remoteESPeerVtepDel( vtep( 2 ) );
+   } );
+   EXPECT_EQ( grant( 3 ), 0 );
+}
+
+TEST_F( WithoutAFreeId, AGrantByHandIsNotWaitedForAnyMore ) {
+   inTurn( [ & ] { allocator->grantIs( vtep( 3 ), ClassId( 7 ) ); } );
+   inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.3 gets 7", "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
+}
+
+TEST_F( WithoutAFreeId, TheGrantStandsBehindTheTurnsThatAreQueuedWhenTheIdComesFree ) {
+   activity.turnNew( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
+   activity.turnNew( [ & ] { story.push_back( "another turn" ); } );
+   activity.run();
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "another turn", "10.0.0.3 gets 1" } ) );
+}
+
+struct WithoutAFreeIdAndSlow : WithoutAFreeId {
+   WithoutAFreeIdAndSlow() : WithoutAFreeId( 3 ) {}
+};
+
+TEST_F( WithoutAFreeIdAndSlow, ARequestThatIsGivenUpIsNotServedBeforeItsEndIsActedOn ) {
+   inTurn( [ & ] {
+      giveBack( 3 );
+      allocator->grantDel( vtep( 2 ) );
+   } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
+}
+
+// --- Paused
+
+// VTEP 2 has id 1 of two, and the allocator is paused.
+class Paused : public Allocator {
+ protected:
+   Paused() {
+      start( { 1, 2, 0 } );
+      inTurn( [ this ] { ask( 2 ); } );
+      inTurn( [ this ] { allocator->isPausedIs( true ); } );
+      story.clear();
+   }
+   void resume() {
+      inTurn( [ this ] { allocator->isPausedIs( false ); } );
+   }
+};
+
+TEST_F( Paused, TakesNoGrantBackBeforeItServesAgain ) {
+   inTurn( [ & ] { giveBack( 2 ); } );
+   EXPECT_EQ( story, Story() );
+   resume();
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+}
+
+TEST_F( Paused, ActsOnWhatHasHappenedInItsOrderOnceItServesAgain ) {
+   inTurn( [ & ] { ask( 3 ); } );
+   inTurn( [ & ] { giveBack( 2 ); } );
+   inTurn( [ & ] { ask( 4 ); } );
+   inTurn( [ & ] { ask( 2 ); } );
+   inTurn( [ & ] { giveBack( 3 ); } );
+   inTurn( [ & ] { ask( 5 ); } );
+   EXPECT_EQ( story, Story() );
+   resume();
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.4 gets 1", "10.0.0.2 gets 2" } ) )
+      << "VTEP 3 has given up, VTEP 5 has come last";
+}
+
+TEST_F( Paused, ServesNobodyWhenAnIdComesFreeByHand ) {
+   inTurn( [ & ] { ask( 3 ); } );
+   inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+   resume();
+   EXPECT_EQ( grant( 3 ), 1 );
+}
+
+TEST_F( Paused, HoldsBackAgainWhatItHasNotActedOnWhenItPausesAgain ) {
+   inTurn( [ & ] { giveBack( 2 ); } );
+   inTurn( [ & ] {
+      allocator->isPausedIs( false );
+      allocator->isPausedIs( true );
+   } );
+   EXPECT_EQ( story, Story() );
+   resume();
+   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+}
+
+TEST_F( Paused, AsksForNothingTwiceWhenItIsToldToServeTwice ) {
+   inTurn( [ & ] { ask( 3 ); } );
+   resume();
+   resume();
+   EXPECT_EQ( story, ( Story{ "10.0.0.3 gets 2" } ) );
+}
+
 }  // namespace
