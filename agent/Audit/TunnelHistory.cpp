@@ -14,8 +14,10 @@ void collect( Vxlan::VtiStatus const & tunnel, std::set< U32 > & vnis ) {
 
 TunnelHistory::TunnelHistory( Quelm::Ptr< Vxlan::VtiStatusDir const > dir )
       : dir_( std::move( dir ) ), watch_( dir_, [ this ]( Kiv::Change const & change ) {
-           if ( auto const * const gone = change.oldValue< Quelm::Ptr< Vxlan::VtiStatus > >() ) {
-              handleGone( **gone );
+           using Tunnel = Quelm::Ptr< Vxlan::VtiStatus >;
+           auto const * const before = change.oldValue< Tunnel >();
+           if ( before && !change.newValue< Tunnel >() ) {
+              handleGone( **before );
            }
         } ) {
    watch_.hasNotificationActiveIs( true );

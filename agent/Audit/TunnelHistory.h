@@ -3,7 +3,7 @@
 // Per-VNI rules follow the mappings of every tunnel interface, but only Vxlan1 takes rules with it
 // when it is withdrawn, and then it takes all of them. So a rule can be left of an interface that
 // has gone, and be missing for one that is still there. No present state says so; this does, by
-// watching the interfaces go.
+// watching the interfaces go. One that is replaced in place has not gone.
 //
 // Threads: the activity's.
 #pragma once

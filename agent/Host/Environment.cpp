@@ -27,8 +27,9 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
                           Story::Observer & observer )
       : observer_( { &record_, &observer } ),
         reporter_( observer_ ),
-        board_( boardOf( scenario.device ), &reporter_ ),
-        sdk_( board_.sdk(), reporter_ ),
+        board_( boardOf( scenario.device ), &reporter_, &faults_ ),
+        failing_( board_.sdk(), faults_ ),
+        sdk_( failing_, reporter_ ),
         ring_( ring ),
         toggles_( scenario.featureFiles ),
         processWide_( sdk_, ring_, toggles_, observer_ ),
@@ -37,8 +38,8 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         traffic_( { scenario, published_, board_.units(), activity_, observer_ } ),
         auditor_( finder_, board_.units() ),
         evidence_{ finder_, board_.units(), record_, *pluginPoint(), auditor_ },
-        steps_( { scenario.file, activity_, published_, traffic_, board_, reporter_, evidence_,
-                  observer_ } ),
+        steps_( { scenario.file, activity_, published_, traffic_, board_, faults_, reporter_,
+                  evidence_, observer_ } ),
         subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
                         [ this ]( Kiv::Change const & change ) {
                            if ( change.newValue< bool >() ) {

@@ -12,6 +12,7 @@
 
 #include <Audit/Audit.h>
 #include <Board/Board.h>
+#include <Decorators/FailingSdk.h>
 #include <Decorators/RecordingSdk.h>
 #include <FeatureFiles/Reader.h>
 #include <Host/ChipReporter.h>
@@ -54,7 +55,9 @@ class Environment {
    Story::Observers observer_;
    Kiv::ActivityManager activity_;
    ChipReporter reporter_;
+   Chip::Faults faults_;
    Chip::Board board_;
+   Chip::FailingSdk failing_;
    Chip::RecordingSdk sdk_;
    Trace::Ring ring_;
    FeatureFiles::Reader toggles_;

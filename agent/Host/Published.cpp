@@ -58,6 +58,10 @@ void Published::withdraw( Scenario::Published const & what ) {
    std::visit( [ this ]( auto const & one ) { withdrawOne( one ); }, what );
 }
 
+void Published::replace( Scenario::Replaced const & what ) {
+   std::visit( [ this ]( auto const & one ) { replaceOne( one ); }, what );
+}
+
 // --- Interfaces and port channels
 
 void Published::publishOne( Scenario::InterfacePort const & what ) {
@@ -99,6 +103,14 @@ void Published::withdrawOne( Scenario::SegmentVtep const & what ) {
    }
 }
 
+void Published::replaceOne( Scenario::SegmentReplaced const & what ) {
+   auto const segment = Quelm::make< Evpn::EthernetSegmentStatus >( what.intf );
+   for ( Pelk::IpGenAddr const & vtep : what.vteps ) {
+      segment->remoteTepIs( vtep );
+   }
+   evpnStatus_->segmentStatusIs( segment );
+}
+
 // --- VTEPs and tunnel interfaces
 
 void Published::publishOne( Scenario::VtepVirtualPort const & what ) {
@@ -126,6 +138,14 @@ void Published::withdrawOne( Scenario::VrfVni const & what ) {
    if ( auto const vti = vtiStatusDir_->vtiStatus( what.intf ) ) {
       vti->vrfToVniMapDel( what.vrf );
    }
+}
+
+void Published::replaceOne( Scenario::TunnelInterfaceReplaced const & what ) {
+   auto const vti = Quelm::make< Vxlan::VtiStatus >( what.intf );
+   for ( Scenario::VrfVni const & vrf : what.vnis ) {
+      vti->vrfToVniMapIs( vrf.vrf, vrf.vni );
+   }
+   vtiStatusDir_->vtiStatusIs( vti );
 }
 
 // --- Class ids

@@ -43,6 +43,8 @@ class Published {
 
    void publish( Scenario::Published const & what );
    void withdraw( Scenario::Published const & what );
+   // In one change, the whole entity.
+   void replace( Scenario::Replaced const & what );
 
    // The agent that grants class ids; to be started when everything before the plug-in is
    // published.
@@ -75,6 +77,9 @@ class Published {
    void withdrawOne( Scenario::VrfVni const & what );
    void withdrawOne( Scenario::ClassIdRequest const & what );
    void withdrawOne( Scenario::ClassIdGrant const & what );
+
+   void replaceOne( Scenario::SegmentReplaced const & what );
+   void replaceOne( Scenario::TunnelInterfaceReplaced const & what );
 
    Quelm::Ptr< Evpn::EvpnStatus > evpnStatus_;
    Quelm::Ptr< VornalCentral::VpIndexStatus > vpIndexStatus_;

@@ -24,14 +24,16 @@ std::string Steps::placeOf( int line ) const {
    return context_.file + ":" + std::to_string( line );
 }
 
+template< typename Work > void Steps::at( int line, Work const & work ) const {
+   try {
+      work();
+   } catch ( Quelm::Error const & error ) {
+      throw InputError( placeOf( line ) + ": " + error.what() );
+   }
+}
+
 void Steps::turnNew( int line, std::function< void() > turn ) {
-   context_.activity.turnNew( [ this, line, turn = std::move( turn ) ] {
-      try {
-         turn();
-      } catch ( Quelm::Error const & error ) {
-         throw InputError( placeOf( line ) + ": " + error.what() );
-      }
-   } );
+   context_.activity.turnNew( [ this, line, turn = std::move( turn ) ] { at( line, turn ); } );
 }
 
 void Steps::queue( Scenario::Step const & step ) {
@@ -56,11 +58,49 @@ void Steps::queueAction( Scenario::Withdraw const & withdraw, int ) {
    }
 }
 
+void Steps::queueAction( Scenario::Replace const & replace, int ) {
+   for ( auto const & [ what, line ] : replace.replacements ) {
+      turnNew( line, [ this, &what = what ] { context_.published.replace( what ); } );
+   }
+}
+
 void Steps::queueAction( Scenario::Ready const & ready, int line ) {
-   turnNew( line, [ this, &ready ] {
-      auto const & points = context_.published.common()->sliceDependencyPoints();
-      points->subAgentDependencyPoints()->readyIs( ready.point );
+   turnNew( line, [ this, &ready ] { change( ready ); } );
+}
+
+// --- Several changes in one turn
+
+void Steps::queueAction( Scenario::Turn const & turn, int line ) {
+   turnNew( line, [ this, &turn ] {
+      for ( Scenario::Turn::PlacedPart const & one : turn.parts ) {
+         at( one.line, [ & ] {
+            std::visit( [ this ]( auto const & action ) { change( action ); }, one.part );
+         } );
+      }
    } );
+}
+
+void Steps::change( Scenario::Ready const & ready ) {
+   auto const & points = context_.published.common()->sliceDependencyPoints();
+   points->subAgentDependencyPoints()->readyIs( ready.point );
+}
+
+void Steps::change( Scenario::Publish const & publish ) {
+   for ( auto const & [ what, line ] : publish.changes ) {
+      at( line, [ this, &what = what ] { context_.published.publish( what ); } );
+   }
+}
+
+void Steps::change( Scenario::Withdraw const & withdraw ) {
+   for ( auto const & [ what, line ] : withdraw.changes ) {
+      at( line, [ this, &what = what ] { context_.published.withdraw( what ); } );
+   }
+}
+
+void Steps::change( Scenario::Replace const & replace ) {
+   for ( auto const & [ what, line ] : replace.replacements ) {
+      at( line, [ this, &what = what ] { context_.published.replace( what ); } );
+   }
 }
 
 // --- The generic interface
@@ -178,6 +218,12 @@ void Steps::dump( Scenario::Dump::Rules ) {
 void Steps::queueAction( Scenario::Drift const & action, int line ) {
    turnNew( line,
             [ this, &action ] { drift( action, context_.board.units(), context_.reporter ); } );
+}
+
+void Steps::queueAction( Scenario::FailCall const & action, int line ) {
+   turnNew( line, [ this, &action ] {
+      context_.faults.faultNew( { action.number, action.code, action.operation } );
+   } );
 }
 
 void Steps::queueVerification( Scenario::Verify how, int line ) {

@@ -27,6 +27,7 @@ struct StepContext {
    Published & published;
    Traffic & traffic;
    Chip::Board & board;
+   Chip::Faults & faults;
    ChipReporter & reporter;
    Evidence const & evidence;
    Story::Observer & observer;
@@ -50,6 +51,8 @@ class Steps {
    void queueAction( Scenario::Set const & set, int line );
    void queueAction( Scenario::Delete const & del, int line );
    void queueAction( Scenario::Call const & call, int line );
+   void queueAction( Scenario::Replace const & replace, int line );
+   void queueAction( Scenario::Turn const & turn, int line );
    void queueAction( Scenario::ForeignEntries const & foreign, int line );
    void queueAction( Scenario::ClassIdAllocator const & allocator, int line );
    void queueAction( Scenario::Dump const & dump, int line );
@@ -57,8 +60,18 @@ class Steps {
    void queueAction( Scenario::Capture const & capture, int line );
    void queueAction( Scenario::DesignatedForwarder const & designated, int line );
    void queueAction( Scenario::Drift const & drift, int line );
+   void queueAction( Scenario::FailCall const & fail, int line );
    void queueAction( Scenario::Verify how, int line ) { queueVerification( how, line ); }
    void queueAction( Scenario::Expect const & expect, int line );
+
+   // What a step changes, within one turn.
+   void change( Scenario::Ready const & ready );
+   void change( Scenario::Publish const & publish );
+   void change( Scenario::Withdraw const & withdraw );
+   void change( Scenario::Replace const & replace );
+   void change( Scenario::Set const & action ) { set( action ); }
+   void change( Scenario::Delete const & action ) { remove( action ); }
+   void change( Scenario::Call const & action ) { call( action ); }
 
    void set( Scenario::Set const & set );
    void remove( Scenario::Delete const & del );
@@ -68,7 +81,8 @@ class Steps {
    void dump( Scenario::Dump::Rules );
    void expect( Scenario::Expectation const & expectation );
 
-   // A turn whose refusals become InputErrors at that line.
+   // Work whose refusals become InputErrors at that line; and a turn of such work.
+   template< typename Work > void at( int line, Work const & work ) const;
    void turnNew( int line, std::function< void() > turn );
    std::string placeOf( int line ) const;
 

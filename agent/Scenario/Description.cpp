@@ -199,6 +199,33 @@ std::string describe( Withdraw const & step ) {
    return "withdraw" + describe( step.changes, true );
 }
 
+std::string describe( SegmentReplaced const & what ) {
+   std::vector< std::string > vteps;
+   for ( Pelk::IpGenAddr const & vtep : what.vteps ) {
+      vteps.push_back( textOf( vtep ) );
+   }
+   return fmt::format( "segment {} with {}{}", textOf( what.intf ),
+                       vteps.empty() ? "no VTEP" : "VTEP ", fmt::join( vteps, " and " ) );
+}
+
+std::string describe( TunnelInterfaceReplaced const & what ) {
+   std::vector< std::string > vnis;
+   for ( VrfVni const & vrf : what.vnis ) {
+      vnis.push_back( fmt::format( "VNI {} of VRF {}", textOf( vrf.vni ), vrf.vrf.stringValue() ) );
+   }
+   return fmt::format( "tunnel interface {} with {}{}", textOf( what.intf ),
+                       vnis.empty() ? "no VNI" : "", fmt::join( vnis, " and " ) );
+}
+
+std::string describe( Replace const & step ) {
+   std::vector< std::string > texts;
+   for ( Replacement const & one : step.replacements ) {
+      texts.push_back(
+         std::visit( []( auto const & what ) { return describe( what ); }, one.what ) );
+   }
+   return fmt::format( "replace by {}", fmt::join( texts, ", " ) );
+}
+
 std::string describe( Set const & step ) {
    return "set " + at( step.at ) + ( step.value.empty() ? "" : " to " + step.value );
 }
@@ -214,6 +241,20 @@ std::string describe( Call const & step ) {
    }
    return fmt::format( "call {} {}({}{}", step.entity.stringValue(), step.operation, arguments,
                        arguments.empty() ? ")" : " )" );
+}
+
+std::string describe( Turn const & step ) {
+   std::vector< std::string > texts;
+   for ( Turn::PlacedPart const & one : step.parts ) {
+      texts.push_back(
+         std::visit( []( auto const & part ) { return describe( part ); }, one.part ) );
+   }
+   return fmt::format( "in one turn: {}", fmt::join( texts, "; " ) );
+}
+
+std::string describe( FailCall const & step ) {
+   return fmt::format( "call {} of {} from now on is not made and gives code {}", step.number,
+                       step.operation, step.code );
 }
 
 std::string describe( ForeignEntries const & step ) {

@@ -12,6 +12,8 @@
 // | Frames.cpp       | frames that are injected, and what is expected of them    |
 // | Rules.cpp        | which rules are expected, what others hold of their group |
 // | Drift.cpp        | what changes in the chip behind the plug-in's back        |
+// | Replace.cpp      | whole entities that take the place of others              |
+// | FailCall.cpp     | calls of the chip that fail                               |
 #pragma once
 
 #include <optional>
@@ -33,6 +35,8 @@ void readPortChannels( Reading & reading, Value const & value, std::vector< Chan
 void readEvpn( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readPublish( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readWithdraw( Reading & reading, Value const & value, std::vector< Change > & changes );
+// Segments and tunnel interfaces, each followed by what it holds.
+void readReplaced( Reading & reading, Value const & value, std::vector< Change > & changes );
 
 // A step, and the variant that it is for unless it is for both.
 struct StepOf {
@@ -57,6 +61,8 @@ void readFrame( Reading & reading, Value const & value, Frame & frame );
 void readCapture( Reading & reading, Value const & value, Capture & capture );
 void readFramesLike( Reading & reading, Value const & value, FramesLike & frames );
 void readDrift( Reading & reading, Value const & value, Drift & drift );
+void readReplace( Reading & reading, Value const & value, Replace & replace );
+void readFailCall( Reading & reading, Value const & value, FailCall & fail );
 
 void readPath( Reading & reading, Value const & value, EntityPath & path );
 
@@ -91,5 +97,6 @@ std::vector< WordList > rulesVocabulary();
 std::vector< WordList > forwardingVocabulary();
 std::vector< WordList > framesVocabulary();
 std::vector< WordList > driftVocabulary();
+std::vector< WordList > failCallVocabulary();
 
 }  // namespace Scenario

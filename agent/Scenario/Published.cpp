@@ -283,6 +283,13 @@ Table< Changes > const & publishTable() {
    return table;
 }
 
+Table< Changes > const & replaceTable() {
+   static Table< Changes > const table{ "replace",
+                                        { { { "segments", "" }, readSegments },
+                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+   return table;
+}
+
 Table< Changes > const & withdrawTable() {
    static Table< Changes > const table{ "withdraw",
                                         { { { "interfaces", "" }, interfacesGone },
@@ -331,13 +338,18 @@ void readPublish( Reading & reading, Value const & value, Changes & changes ) {
    readAsWritten( reading, value, publishTable(), changes );
 }
 
+void readReplaced( Reading & reading, Value const & value, Changes & changes ) {
+   readAsWritten( reading, value, replaceTable(), changes );
+}
+
 void readWithdraw( Reading & reading, Value const & value, Changes & changes ) {
    readAsWritten( reading, value, withdrawTable(), changes );
 }
 
 std::vector< WordList > publishedVocabulary() {
    return { interfaceTable().list(), vtepTable().list(),    tunnelTable().list(),
-            evpnTable().list(),      publishTable().list(), withdrawTable().list() };
+            evpnTable().list(),      publishTable().list(), withdrawTable().list(),
+            replaceTable().list() };
 }
 
 }  // namespace Scenario

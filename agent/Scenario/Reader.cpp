@@ -208,9 +208,9 @@ Model readText( std::string const & text, fs::path const & file ) {
 
 std::vector< WordList > vocabulary() {
    std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
-   for ( auto const & part :
-         { switchVocabulary(), publishedVocabulary(), stepsVocabulary(), expectationsVocabulary(),
-           rulesVocabulary(), forwardingVocabulary(), framesVocabulary(), driftVocabulary() } ) {
+   for ( auto const & part : { switchVocabulary(), publishedVocabulary(), stepsVocabulary(),
+                               expectationsVocabulary(), rulesVocabulary(), forwardingVocabulary(),
+                               framesVocabulary(), driftVocabulary(), failCallVocabulary() } ) {
       all.insert( all.end(), part.begin(), part.end() );
    }
    return all;

@@ -271,6 +271,48 @@ struct Expect {
    std::vector< Expectation > expectations;
 };
 
+// A new entity takes the place of the one of its key, in one change, with all that it holds; where
+// there is none, it enters filled.
+struct SegmentReplaced {
+   Pelk::IntfId intf;
+   std::vector< Pelk::IpGenAddr > vteps;
+};
+
+struct TunnelInterfaceReplaced {
+   Pelk::IntfId intf;
+   std::vector< VrfVni > vnis;
+};
+
+using Replaced = std::variant< SegmentReplaced, TunnelInterfaceReplaced >;
+
+struct Replacement {
+   Replaced what;
+   int line = 0;
+};
+
+struct Replace {
+   std::vector< Replacement > replacements;
+};
+
+// Several changes that are made in one turn, one after the other.
+struct Turn {
+   using Part = std::variant< Ready, Publish, Withdraw, Replace, Set, Delete, Call >;
+   struct PlacedPart {
+      Part part;
+      int line = 0;
+   };
+
+   std::vector< PlacedPart > parts;
+};
+
+// Of the calls of a chip's operation from now on (Chip::kFallibleOperations), number `number` is
+// not made, and has this result code.
+struct FailCall {
+   std::string operation;
+   U32 number = 1;
+   S32 code = 0;
+};
+
 // Other users of the group hold `count` entries of it from now on, on one unit or on each of them.
 struct ForeignEntries {
    TcamGroup group = TcamGroup::ingress;
@@ -292,9 +334,9 @@ struct Dump {
 // The rules are audited, the plug-in's own pass runs, or both.
 enum class Verify { audit, plugIn, both };
 
-using Action = std::variant< Note, Ready, Publish, Withdraw, Set, Delete, Call, ForeignEntries,
-                             ClassIdAllocator, Dump, Frame, Capture, DesignatedForwarder, Drift,
-                             Verify, Expect >;
+using Action = std::variant< Note, Ready, Publish, Withdraw, Replace, Set, Delete, Call, Turn,
+                             ForeignEntries, ClassIdAllocator, Dump, Frame, Capture,
+                             DesignatedForwarder, Drift, FailCall, Verify, Expect >;
 
 struct Step {
    Action action;

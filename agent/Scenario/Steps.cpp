@@ -136,6 +136,50 @@ void readOnlyOn( Reading & reading, Value const & value, StepWords & words ) {
    words.onlyOn = choiceOf( reading, value, variants() );
 }
 
+// --- Several changes in one turn
+
+Table< StepWords > const & turnTable() {
+   static Table< StepWords > const table{ "turn",
+                                          { { { "ready", "" }, readReady },
+                                            { { "publish", "" }, readPublishStep },
+                                            { { "withdraw", "" }, readWithdrawStep },
+                                            { { "replace", "" }, readStep< Replace, readReplace > },
+                                            { { "set", "" }, readSet },
+                                            { { "delete", "" }, readDelete },
+                                            { { "call", "" }, readCall } } };
+   return table;
+}
+
+// The table above has no word for any other action.
+void addPart( Action && action, int line, Turn & turn ) {
+   std::visit(
+      [ & ]< typename T >( T & one ) {
+         if constexpr ( std::is_constructible_v< Turn::Part, T > ) {
+            turn.parts.push_back( { std::move( one ), line } );
+         }
+      },
+      action );
+}
+
+void readTurn( Reading & reading, Value const & value, Turn & turn ) {
+   std::vector< Value > const elements = listOf( reading, value );
+   if ( value.node.IsSequence() && elements.empty() ) {
+      reading.problem( value.line, "turn is empty; give one change at least" );
+   }
+   for ( Value const & element : elements ) {
+      StepWords words;
+      readMapping( reading, element, turnTable(), words );
+      if ( element.node.IsMap() && element.node.size() != 1 ) {
+         reading.problem( element.line, "an element of turn changes one thing, this one " +
+                                           std::to_string( element.node.size() ) +
+                                           "; write an element for each" );
+      }
+      for ( Action & action : words.actions ) {
+         addPart( std::move( action ), element.line, turn );
+      }
+   }
+}
+
 Table< StepWords > const & stepTable() {
    static Table< StepWords > const table{
       "step",
@@ -143,9 +187,11 @@ Table< StepWords > const & stepTable() {
         { { "ready", "" }, readReady },
         { { "publish", "" }, readPublishStep },
         { { "withdraw", "" }, readWithdrawStep },
+        { { "replace", "" }, readStep< Replace, readReplace > },
         { { "set", "" }, readSet },
         { { "delete", "" }, readDelete },
         { { "call", "" }, readCall },
+        { { "turn", "" }, readStep< Turn, readTurn > },
         { { "frame", "" }, readStep< Frame, readFrame > },
         { { "frames", "" }, readStep< Capture, readCapture > },
         { { "designated-forwarder", "" }, readStep< DesignatedForwarder, readDesignated > },
@@ -153,6 +199,7 @@ Table< StepWords > const & stepTable() {
         { { "class-id-allocator", "" }, readAllocator },
         { { "dump", "" }, readDump },
         { { "drift", "" }, readStep< Drift, readDrift > },
+        { { "fail-call", "" }, readStep< FailCall, readFailCall > },
         { { "verify", "" }, readVerify },
         { { "expect", "" }, readExpectStep },
         { { "only-on", "" }, readOnlyOn } }
@@ -198,8 +245,9 @@ void readPath( Reading & reading, Value const & value, EntityPath & path ) {
 }
 
 std::vector< WordList > stepsVocabulary() {
-   return { setTable().list(),        deleteTable().list(),   callTable().list(),
-            allocatorStates().list(), verifications().list(), stepTable().list() };
+   return { setTable().list(),  deleteTable().list(),     callTable().list(),
+            turnTable().list(), allocatorStates().list(), verifications().list(),
+            stepTable().list() };
 }
 
 }  // namespace Scenario

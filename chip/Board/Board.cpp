@@ -30,11 +30,12 @@ void addUnit( Units & units, UnitConfig const & config ) {
 
 }  // namespace
 
-Board::Board( BoardConfig const & config, CallObserver * observer ) : sdk_( units_ ) {
+Board::Board( BoardConfig const & config, CallObserver * observer, Faults * faults )
+      : sdk_( units_ ) {
    for ( UnitConfig const & unit : config.units ) {
       addUnit( units_, unit );
    }
-   groupManager_ = Quelm::make< SoftTcamGroupManager >( "tcamGroups", units_, observer );
+   groupManager_ = Quelm::make< SoftTcamGroupManager >( "tcamGroups", units_, observer, faults );
 }
 
 Quelm::Ptr< SoftTcamEntryManager > Board::entryManager( Vornal::TcamGroupAssignment group ) const {

@@ -31,9 +31,11 @@ struct BoardConfig {
 class Board {
  public:
    // Throws Quelm::Error, naming the unit, when a unit comes twice or has a group that is not
-   // known. The observer is told of the entry managers' operations; it is not owned, outlives the
-   // board and may be nullptr. For field calls, give it to a RecordingSdk in front of sdk().
-   explicit Board( BoardConfig const & config, CallObserver * observer = nullptr );
+   // known. The observer is told of the entry managers' operations, and the faults say which of
+   // them fail; neither is owned, both outlive the board and may be nullptr. For field calls, give
+   // them to a RecordingSdk and a FailingSdk in front of sdk().
+   explicit Board( BoardConfig const & config, CallObserver * observer = nullptr,
+                   Faults * faults = nullptr );
    Board( Board const & ) = delete;
    Board & operator=( Board const & ) = delete;
    ~Board() = default;

@@ -46,14 +46,18 @@ void SoftTcamEntryManager::roomMade( U32 unit ) {
 // --- Entries
 
 template< typename Operation >
-ResultCode SoftTcamEntryManager::onGroup( U32 unit, Operation operation ) {
+S32 SoftTcamEntryManager::onGroup( std::string_view name, U32 unit, Operation operation ) {
+   if ( auto const failed = faults_ ? faults_->resultInsteadOf( name ) : std::nullopt ) {
+      return *failed;
+   }
    Group * const group = groupOn( unit );
-   return group ? operation( *group ) : ResultCode::UnknownUnit;
+   return codeOf( group ? operation( *group ) : ResultCode::UnknownUnit );
 }
 
 template< typename Operation >
-ResultCode SoftTcamEntryManager::onEntry( U32 unit, U32 entryId, Operation operation ) {
-   return onGroup( unit, [ & ]( Group & group ) {
+S32 SoftTcamEntryManager::onEntry( std::string_view name, U32 unit, U32 entryId,
+                                   Operation operation ) {
+   return onGroup( name, unit, [ & ]( Group & group ) {
       Entry * const entry = group.entry( entryId );
       return entry ? operation( *entry ) : ResultCode::UnknownEntry;
    } );
@@ -84,64 +88,64 @@ U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
 
 S32 SoftTcamEntryManager::installEntry( U32 unit, U32 entryId ) {
    S32 const rc =
-      codeOf( onGroup( unit, [ & ]( Group & group ) { return group.install( entryId ); } ) );
+      onGroup( __func__, unit, [ & ]( Group & group ) { return group.install( entryId ); } );
    tell( { __func__, {}, unit, entryId, {}, rc } );
    return rc;
 }
 
 S32 SoftTcamEntryManager::reinstallEntry( U32 unit, U32 entryId ) {
    S32 const rc =
-      codeOf( onGroup( unit, [ & ]( Group & group ) { return group.reinstall( entryId ); } ) );
+      onGroup( __func__, unit, [ & ]( Group & group ) { return group.reinstall( entryId ); } );
    tell( { __func__, {}, unit, entryId, {}, rc } );
    return rc;
 }
 
 void SoftTcamEntryManager::releaseEntry( U32 unit, U32 entryId ) {
-   ResultCode const code =
-      onGroup( unit, [ & ]( Group & group ) { return group.release( entryId ); } );
-   tell( { __func__, {}, unit, entryId, {}, codeOf( code ) } );
-   if ( code == ResultCode::None ) {
+   S32 const rc =
+      onGroup( __func__, unit, [ & ]( Group & group ) { return group.release( entryId ); } );
+   tell( { __func__, {}, unit, entryId, {}, rc } );
+   if ( rc == codeOf( ResultCode::None ) ) {
       roomMade( unit );
    }
 }
 
 void SoftTcamEntryManager::setPriorityForEntry( U32 unit, U32 entryId, U32 priority ) {
-   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+   S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry & entry ) {
       entry.priorityIs( priority );
       return ResultCode::None;
    } );
-   tell( { __func__, {}, unit, entryId, { { "priority", priority } }, codeOf( code ) } );
+   tell( { __func__, {}, unit, entryId, { { "priority", priority } }, rc } );
 }
 
 // --- Egress mask
 
 void SoftTcamEntryManager::addEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) {
    Brum::PerUnitBitmap const ports = bitmapOf( pbmp );
-   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+   S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry & entry ) {
       return entry.actionAdd( Action::EgressMask, { .ports = ports } );
    } );
-   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, codeOf( code ) } );
+   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, rc } );
 }
 
 void SoftTcamEntryManager::updateEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) {
    Brum::PerUnitBitmap const ports = bitmapOf( pbmp );
-   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry & entry ) {
+   S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry & entry ) {
       return entry.actionUpdate( Action::EgressMask, { .ports = ports } );
    } );
-   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, codeOf( code ) } );
+   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, rc } );
 }
 
 Vornal::EgressMaskResult SoftTcamEntryManager::getEgressMaskActionPbmp( U32 unit, U32 entryId ) {
    ActionParameters mask;
-   ResultCode const code = onEntry( unit, entryId, [ & ]( Entry const & entry ) {
+   S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry const & entry ) {
       return entry.readBack( Action::EgressMask, mask );
    } );
-   HardwareCall call{ __func__, {}, unit, entryId, {}, codeOf( code ) };
-   if ( code == ResultCode::None ) {
+   HardwareCall call{ __func__, {}, unit, entryId, {}, rc };
+   if ( rc == codeOf( ResultCode::None ) ) {
       call.values.push_back( { "ports", mask.ports } );
    }
    tell( std::move( call ) );
-   return { codeOf( code ), pbmpOf( mask.ports ) };
+   return { rc, pbmpOf( mask.ports ) };
 }
 
 }  // namespace Chip

@@ -14,11 +14,14 @@
 //   Operations that return nothing tell only the observer what became of them.
 // - Request keys are not kept: every request is for a new entry. The observer is told of a key that
 //   is not empty, as the request's value "key".
+// - Request keys are not kept: every request is for a new entry.
+// - A call that is to fail (Calls/Faults.h) changes nothing.
 //
 // Every operation of the base class is told to the observer, before the flag that it changes is
 // notified.
 #pragma once
 
+#include <Calls/Faults.h>
 #include <Calls/HardwareCall.h>
 #include <FieldProcessor/Unit.h>
 #include <VornalTcam/EntryManager.h>
@@ -35,9 +38,14 @@ class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
    // What they hold then.
    KIV_OPERATION( U32, foreignEntriesIs, ( U32 unit, U32 count ) )
 
-   // Units and observer are not owned and outlive the manager; the observer may be nullptr.
-   SoftTcamEntryManager( Vornal::TcamGroupAssignment group, Units & units, CallObserver * observer )
-         : VornalUnboundedTcamEntryManager( group ), units_( units ), observer_( observer ) {}
+   // Units, observer and faults are not owned and outlive the manager; the latter two may be
+   // nullptr.
+   SoftTcamEntryManager( Vornal::TcamGroupAssignment group, Units & units, CallObserver * observer,
+                         Faults * faults = nullptr )
+         : VornalUnboundedTcamEntryManager( group ),
+           units_( units ),
+           observer_( observer ),
+           faults_( faults ) {}
 
    U32 getEntry( U32 unit, std::string const & name, VornalTcam::RequestKey const & key ) override;
    S32 installEntry( U32 unit, U32 entryId ) override;
@@ -51,14 +59,18 @@ class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
 
  private:
    Group * groupOn( U32 unit ) const { return units_.group( unit, group() ); }
-   template< typename Operation > ResultCode onGroup( U32 unit, Operation operation );
-   template< typename Operation > ResultCode onEntry( U32 unit, U32 entryId, Operation operation );
+   // The result code of what `name` does to the group, or to the entry.
+   template< typename Operation >
+   S32 onGroup( std::string_view name, U32 unit, Operation operation );
+   template< typename Operation >
+   S32 onEntry( std::string_view name, U32 unit, U32 entryId, Operation operation );
 
    void tell( HardwareCall call ) const;
    void roomMade( U32 unit );
 
    Units & units_;
    CallObserver * observer_;
+   Faults * faults_;
 };
 
 }  // namespace Chip

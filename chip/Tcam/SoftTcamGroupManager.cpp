@@ -7,12 +7,13 @@ KIV_DEFINE( Chip::SoftTcamGroupManager )
 namespace Chip {
 
 SoftTcamGroupManager::SoftTcamGroupManager( std::string name, Units & units,
-                                            CallObserver * observer )
+                                            CallObserver * observer, Faults * faults )
       : VornalTcamGroupManager( std::move( name ) ) {
    for ( auto const & [ number, unit ] : units ) {
       for ( auto const & [ assignment, group ] : unit.groups() ) {
          if ( !entryManagerHas( assignment ) ) {
-            entryManagerIs( Quelm::make< SoftTcamEntryManager >( assignment, units, observer ) );
+            entryManagerIs(
+               Quelm::make< SoftTcamEntryManager >( assignment, units, observer, faults ) );
          }
       }
    }

@@ -88,14 +88,14 @@ TEST( ScenarioSteps, AreAList ) {
 TEST( ScenarioSteps, AreMappings ) {
    EXPECT_EQ( stepProblems( "ready" ),
               "leaf.yaml:10: an element of steps is text; a mapping is expected, of note, ready, "
-              "publish, withdraw, set, delete, call, frame, frames, "
+              "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "drift, verify, expect and only-on" );
+              "drift, fail-call, verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps:\n   -\n" ),
               "leaf.yaml:9: an element of steps is empty; a mapping is expected, of note, ready, "
-              "publish, withdraw, set, delete, call, frame, frames, "
+              "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "drift, verify, expect and only-on" );
+              "drift, fail-call, verify, expect and only-on" );
 }
 
 TEST( ScenarioSteps, DoOneThingEach ) {

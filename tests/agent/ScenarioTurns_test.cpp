@@ -1,0 +1,176 @@
+// Steps of several changes in one turn, of entities that are replaced, and of calls that fail.
+#include <gtest/gtest.h>
+
+#include <Calls/Faults.h>
+#include <Scenario/Description.h>
+#include <ScenarioTexts.h>
+
+namespace {
+
+using namespace ScenarioTexts;
+
+// The switch with one step, in line 10 and those after it.
+std::string stepProblems( std::string const & step ) {
+   return leafProblems( "steps:\n   - " + step + '\n' );
+}
+
+Scenario::Action actionOf( std::string const & step ) {
+   return readLeaf( "steps:\n   - " + step + '\n' ).steps.at( 0 ).action;
+}
+
+template< typename Action > Action step( std::string const & text ) {
+   return std::get< Action >( actionOf( text ) );
+}
+
+std::string described( std::string const & step ) {
+   return Scenario::description( actionOf( step ) );
+}
+
+// --- turn
+
+TEST( ScenarioTurns, HoldTheirChangesInTheOrderWrittenWithTheirLines ) {
+   auto const turn = step< Scenario::Turn >(
+      "turn:\n"
+      "        - withdraw: { vteps: [ 10.0.0.2 ] }\n"
+      "        - publish: { vteps: { 10.0.0.2: { virtual-port: 7 } } }\n"
+      "        - replace: { segments: { Ethernet1: [] } }\n"
+      "        - ready: subagents::l2Ready\n"
+      "        - set: { entity: /a, attribute: b, value: c }\n"
+      "        - delete: { entity: /a, attribute: b }\n"
+      "        - call: { entity: /a, operation: b }" );
+
+   ASSERT_EQ( turn.parts.size(), 7U );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Withdraw >( turn.parts[ 0 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Publish >( turn.parts[ 1 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Replace >( turn.parts[ 2 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Ready >( turn.parts[ 3 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Set >( turn.parts[ 4 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Delete >( turn.parts[ 5 ].part ) );
+   EXPECT_TRUE( std::holds_alternative< Scenario::Call >( turn.parts[ 6 ].part ) );
+   EXPECT_EQ( turn.parts[ 0 ].line, 11 );
+   EXPECT_EQ( turn.parts[ 6 ].line, 17 );
+}
+
+TEST( ScenarioTurns, AreDescribedChangeByChange ) {
+   EXPECT_EQ( described( "turn: [ { withdraw: { vteps: [ 10.0.0.2 ] } },"
+                         " { set: { entity: /a, attribute: b, value: c } } ]" ),
+              "in one turn: withdraw virtual port of VTEP 10.0.0.2; set /a b to c" );
+}
+
+TEST( ScenarioTurns, RefuseAnEmptyList ) {
+   EXPECT_EQ( stepProblems( "turn: []" ), "leaf.yaml:10: turn is empty; give one change at least" );
+   EXPECT_EQ( stepProblems( "turn: { publish: {} }" ),
+              "leaf.yaml:10: turn is a mapping; a list is expected" );
+}
+
+TEST( ScenarioTurns, RefuseWhatChangesNothing ) {
+   EXPECT_EQ( stepProblems( "turn: [ { frames: { capture: a, on: Ethernet1 } } ]" ),
+              "leaf.yaml:10: unknown word 'frames' in turn; known are ready, publish, withdraw, "
+              "replace, set, delete and call" );
+   EXPECT_EQ( stepProblems( "turn: [ { expect: { audit: in-step } } ]" ),
+              "leaf.yaml:10: unknown word 'expect' in turn; known are ready, publish, withdraw, "
+              "replace, set, delete and call" );
+}
+
+TEST( ScenarioTurns, RefuseTwoWordsInOneElement ) {
+   EXPECT_EQ(
+      stepProblems( "turn:\n"
+                    "        - { ready: subagents::l2Ready,"
+                    " withdraw: { vteps: [ 10.0.0.2 ] } }" ),
+      "leaf.yaml:11: an element of turn changes one thing, this one 2; write an element for "
+      "each" );
+}
+
+TEST( ScenarioTurns, RefuseWhatTheirWordsRefuse ) {
+   EXPECT_EQ( stepProblems( "turn:\n        - publish: { segments: { Ethernet9: [] } }" ),
+              "leaf.yaml:11: Ethernet9 is not defined; define it under 'interfaces'" );
+}
+
+// --- replace
+
+TEST( ScenarioReplace, TakesWholeEntitiesWithWhatTheyHold ) {
+   auto const replace = step< Scenario::Replace >(
+      "replace:\n"
+      "        segments: { Ethernet1: [ 10.0.0.2, 10.0.0.3 ], Port-Channel2: [] }\n"
+      "        tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001, blue: none } } }" );
+
+   ASSERT_EQ( replace.replacements.size(), 3U );
+   auto const & first = std::get< Scenario::SegmentReplaced >( replace.replacements[ 0 ].what );
+   EXPECT_EQ( first.intf.stringValue(), "Ethernet1" );
+   EXPECT_EQ( first.vteps.size(), 2U );
+   EXPECT_EQ( replace.replacements[ 0 ].line, 11 );
+   EXPECT_TRUE(
+      std::get< Scenario::SegmentReplaced >( replace.replacements[ 1 ].what ).vteps.empty() );
+   auto const & tunnel =
+      std::get< Scenario::TunnelInterfaceReplaced >( replace.replacements[ 2 ].what );
+   EXPECT_EQ( tunnel.vnis.size(), 2U );
+   EXPECT_TRUE( tunnel.vnis[ 1 ].vni.isNone() );
+   EXPECT_EQ( replace.replacements[ 2 ].line, 12 );
+}
+
+TEST( ScenarioReplace, IsDescribedEntityByEntity ) {
+   EXPECT_EQ( described( "replace: { segments: { Ethernet1: [ 10.0.0.2, 10.0.0.3 ] },"
+                         " tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001 } } } }" ),
+              "replace by segment Ethernet1 with VTEP 10.0.0.2 and 10.0.0.3, tunnel interface "
+              "Vxlan1 with VNI 50001 of VRF red" );
+   EXPECT_EQ( described( "replace: { segments: { Ethernet1: [] }, tunnel-interfaces: { Vxlan1: {} "
+                         "} }" ),
+              "replace by segment Ethernet1 with no VTEP, tunnel interface Vxlan1 with no VNI" );
+}
+
+TEST( ScenarioReplace, RefusesWhatHasNoEntityOfItsOwn ) {
+   EXPECT_EQ( stepProblems( "replace: { vteps: { 10.0.0.2: { virtual-port: 2 } } }" ),
+              "leaf.yaml:10: unknown word 'vteps' in replace; known are segments and "
+              "tunnel-interfaces" );
+   EXPECT_EQ( stepProblems( "replace: {}" ),
+              "leaf.yaml:10: replace is empty; give one at least of segments and "
+              "tunnel-interfaces" );
+}
+
+// --- fail-call
+
+TEST( ScenarioFailCall, NamesOperationNumberAndCode ) {
+   auto const fail =
+      step< Scenario::FailCall >( "fail-call: { operation: installEntry, number: 3, code: -6 }" );
+   EXPECT_EQ( fail.operation, "installEntry" );
+   EXPECT_EQ( fail.number, 3U );
+   EXPECT_EQ( fail.code, -6 );
+   EXPECT_EQ( described( "fail-call: { operation: installEntry, number: 3, code: -6 }" ),
+              "call 3 of installEntry from now on is not made and gives code -6" );
+}
+
+TEST( ScenarioFailCall, IsTheNextCallIfNoNumberIsGiven ) {
+   auto const fail =
+      step< Scenario::FailCall >( "fail-call: { operation: bcm_field_action_add, code: 2 }" );
+   EXPECT_EQ( fail.number, 1U );
+   EXPECT_EQ( fail.code, 2 );
+}
+
+TEST( ScenarioFailCall, KnowsEveryOperationThatCanFail ) {
+   for ( std::string_view const name : Chip::kFallibleOperations ) {
+      EXPECT_EQ( stepProblems( "fail-call: { operation: " + std::string( name ) + ", code: -1 }" ),
+                 "" );
+   }
+}
+
+TEST( ScenarioFailCall, RefusesAnOperationThatCannotFail ) {
+   EXPECT_EQ( stepProblems( "fail-call: { operation: installEntri, code: -1 }" ),
+              "leaf.yaml:10: operation is 'installEntri'; did you mean 'installEntry'?" );
+}
+
+TEST( ScenarioFailCall, RefusesWhatIsNoNumberOrCode ) {
+   EXPECT_EQ( stepProblems( "fail-call: { operation: installEntry, number: 0, code: -1 }" ),
+              "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
+   for ( std::string const code : { "0", "full", "-1.5", "3000000000", "'-1'" } ) {
+      std::string const bare = code.front() == '\'' ? code.substr( 1, code.size() - 2 ) : code;
+      EXPECT_EQ( stepProblems( "fail-call: { operation: installEntry, code: " + code + " }" ),
+                 "leaf.yaml:10: code is '" + bare +
+                    "'; a result code of the chip is expected, as in -1, which is not 0 and stands "
+                    "without quotes" );
+   }
+   EXPECT_EQ( stepProblems( "fail-call: { code: -1 }" ),
+              "leaf.yaml:10: 'operation' is missing in fail-call; give it, as in 'operation: "
+              "installEntry'" );
+}
+
+}  // namespace
