@@ -1,12 +1,23 @@
 #include <Kiv/Activity.h>
 
+#include <Kiv/TurnWatch.h>
+
 namespace Kiv {
 
 namespace {
 
 ActivityManager * inCharge = nullptr;
 
+TurnWatch & turnWatch() {
+   static TurnWatch watch;
+   return watch;
+}
+
 }  // namespace
+
+void turnWatchIs( TurnWatch watch ) {
+   turnWatch() = std::move( watch );
+}
 
 ActivityManager::ActivityManager()
       : clock_( Quelm::make< Clock >() ), previous_( std::exchange( inCharge, this ) ) {}
@@ -30,6 +41,9 @@ void ActivityManager::run() {
 }
 
 bool ActivityManager::turnRun() {
+   if ( turnWatch() ) {
+      turnWatch()();
+   }
    if ( clock_->fireOne() ) {
       return true;
    }

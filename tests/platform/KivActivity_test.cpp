@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <Kiv/Activity.h>
+#include <Kiv/TurnWatch.h>
 
 namespace KivActivityTest {
 
@@ -53,6 +54,21 @@ TEST_F( KivActivity, equalTurnsAreNotMerged ) {
    }
    manager.run();
    EXPECT_EQ( story, ( Story{ "again", "again", "again" } ) );
+}
+
+TEST_F( KivActivity, theWatchIsToldBeforeEveryTurnAndEveryWakeUp ) {
+   Kiv::turnWatchIs( note( "watch" ) );
+   ClockReactor reactor( manager.clock(), note( "wake-up" ) );
+   reactor.hasNotificationActiveIs( true );
+   reactor.timeMinIs( manager.clock()->now() + 1s );
+   manager.turnNew( note( "first" ) );
+   manager.turnNew( note( "second" ) );
+   manager.run();
+   Kiv::turnWatchIs( {} );
+   manager.turnNew( note( "unseen" ) );
+   manager.run();
+   EXPECT_EQ( story, ( Story{ "watch", "first", "watch", "second", "watch", "watch", "wake-up",
+                              "watch", "unseen" } ) );
 }
 
 TEST_F( KivActivity, runOneRunsOneTurnAndTellsWhetherThereWasOne ) {

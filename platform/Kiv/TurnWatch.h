@@ -1,0 +1,17 @@
+// Who is told that a turn of the activity begins: whoever has to notice that one does not end.
+//
+// There is one watch in a process. It is called on the activity's thread with the lock held, before
+// every turn and every wake-up of the clock, and once more when nothing is left to do. It must be
+// quick and must not throw.
+#pragma once
+
+#include <functional>
+
+namespace Kiv {
+
+using TurnWatch = std::function< void() >;
+
+// In force from the next turn on; an empty one ends it.
+void turnWatchIs( TurnWatch watch );
+
+}  // namespace Kiv
