@@ -1,9 +1,11 @@
 #include <FeatureFiles/Reader.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iostream>
-#include <sstream>
+#include <iterator>
+#include <system_error>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -14,12 +16,60 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kNumberTooLarge = 406;  // the library's number for it
+
+// Reads over everything, and takes note of where that ends. An exception of the library does not
+// always know.
+class EarlyEnd final : public nlohmann::json_sax< nlohmann::json > {
+ public:
+   std::size_t position() const { return position_; }
+
+   bool null() override { return true; }
+   bool boolean( bool ) override { return true; }
+   bool number_integer( number_integer_t ) override { return true; }
+   bool number_unsigned( number_unsigned_t ) override { return true; }
+   bool number_float( number_float_t, string_t const & ) override { return true; }
+   bool string( string_t & ) override { return true; }
+   bool binary( binary_t & ) override { return true; }
+   bool start_object( std::size_t ) override { return true; }
+   bool key( string_t & ) override { return true; }
+   bool end_object() override { return true; }
+   bool start_array( std::size_t ) override { return true; }
+   bool end_array() override { return true; }
+   bool parse_error( std::size_t position, std::string const &,
+                     nlohmann::detail::exception const & ) override {
+      position_ = position;
+      return false;
+   }
+
+ private:
+   std::size_t position_ = 1;
+};
+
 // The line of the character at `position`, both from 1.
 std::size_t lineAt( std::string const & text, std::size_t position ) {
    auto const end =
       text.begin() + static_cast< std::ptrdiff_t >(
                         std::min( std::max< std::size_t >( position, 1 ) - 1, text.size() ) );
    return static_cast< std::size_t >( std::count( text.begin(), end, '\n' ) ) + 1;
+}
+
+// The line where reading the text as JSON comes to an early end.
+std::size_t lineOfDamage( std::string const & text ) {
+   EarlyEnd end;
+   nlohmann::json::sax_parse( text, &end );
+   return lineAt( text, end.position() );
+}
+
+std::string unreadable( std::error_code const & error ) {
+   return "the file cannot be read (" + error.message() + ")";
+}
+
+// A name as JSON writes it, in single quotes.
+std::string quoted( std::string const & name ) {
+   std::string text = nlohmann::json( name ).dump();
+   text.front() = text.back() = '\'';
+   return text;
 }
 
 std::size_t lineOfMember( std::string const & text, std::string const & name ) {
@@ -51,16 +101,25 @@ Reader::Toggles const & Reader::togglesIn( std::string const & file ) {
 
 Reader::Toggles Reader::read( fs::path const & path ) const {
    std::error_code error;
-   if ( !fs::exists( path, error ) ) {
+   fs::file_status const status = fs::status( path, error );
+   if ( status.type() == fs::file_type::not_found ) {
+      return {};
+   }
+   if ( status.type() != fs::file_type::regular ) {
+      reportDamage( path, 1, error ? unreadable( error ) : "this is no regular file" );
       return {};
    }
    std::ifstream in( path, std::ios::binary );
-   std::ostringstream buffer;
-   if ( !fs::is_regular_file( path, error ) || !( buffer << in.rdbuf() ) ) {
-      reportDamage( path, 1, "the file cannot be read or is empty" );
+   if ( !in.is_open() ) {
+      reportDamage( path, 1, unreadable( std::error_code( errno, std::generic_category() ) ) );
       return {};
    }
-   std::string const text = buffer.str();
+   std::string const text{ std::istreambuf_iterator< char >( in ),
+                           std::istreambuf_iterator< char >() };
+   return togglesOf( text, path );
+}
+
+Reader::Toggles Reader::togglesOf( std::string const & text, fs::path const & path ) const {
    Toggles toggles;
    try {
       nlohmann::json const json = nlohmann::json::parse( text );
@@ -71,13 +130,16 @@ Reader::Toggles Reader::read( fs::path const & path ) const {
       for ( auto const & [ name, value ] : json.items() ) {
          if ( !value.is_boolean() ) {
             reportDamage( path, lineOfMember( text, name ),
-                          '\'' + name + "' is of type " + value.type_name() );
+                          quoted( name ) + " is of type " + value.type_name() );
             return {};
          }
          toggles.emplace( name, value.get< bool >() );
       }
-   } catch ( nlohmann::json::parse_error const & damage ) {
-      reportDamage( path, lineAt( text, damage.byte ), "this is not JSON" );
+   } catch ( nlohmann::json::exception const & damage ) {
+      reportDamage( path, lineOfDamage( text ),
+                    text.empty()                   ? "the file is empty"
+                    : damage.id == kNumberTooLarge ? "this number is too large"
+                                                   : "this is not JSON" );
       return {};
    }
    return toggles;

@@ -6,7 +6,8 @@
 // for, and kept: what support staff change later counts from the next start.
 //
 // A file that is not there gives every toggle its default, as does a toggle that is not in the
-// file. A file that is there and is not such an object is damaged: it is reported once, as one line
+// file. A file that is there and is not such an object, a pipe, a device or a directory also, is
+// damaged: it is reported once, as one line
 // that names file, line and remedy, and then reads as if it were not there. Nothing is taken from a
 // damaged file, since nobody can tell which half of it was meant.
 //
@@ -38,6 +39,7 @@ class Reader final : public FeatureToggle::Facility {
 
    Toggles const & togglesIn( std::string const & file );
    Toggles read( std::filesystem::path const & path ) const;
+   Toggles togglesOf( std::string const & text, std::filesystem::path const & path ) const;
    void reportDamage( std::filesystem::path const & path, std::size_t line,
                       std::string const & what ) const;
 

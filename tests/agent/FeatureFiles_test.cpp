@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -103,7 +104,7 @@ TEST_F( FeatureFilesReader, AreReportedOnceWhenTheyAreNoJson ) {
 }
 
 TEST_F( FeatureFilesReader, AreReportedWhenTheyAreEmpty ) {
-   EXPECT_EQ( damageOf( "" ), reportOf( 1, "the file cannot be read or is empty" ) );
+   EXPECT_EQ( damageOf( "" ), reportOf( 1, "the file is empty" ) );
 }
 
 TEST_F( FeatureFilesReader, AreReportedWhenTheyAreNoObject ) {
@@ -122,7 +123,41 @@ TEST_F( FeatureFilesReader, AreReportedWhenTheyAreDirectories ) {
    fs::create_directory( directory_ / kFile );
    EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
    ASSERT_EQ( reported_.size(), 1U );
-   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "the file cannot be read or is empty" ) );
+   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "this is no regular file" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedAndNotWaitedForWhenTheyArePipesOrDevices ) {
+   ASSERT_EQ( mkfifo( ( directory_ / kFile ).c_str(), 0600 ), 0 );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   fs::create_symlink( "/dev/zero", directory_ / "device.json" );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, "device.json", true ) );
+
+   ASSERT_EQ( reported_.size(), 2U );
+   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "this is no regular file" ) );
+   EXPECT_NE( reported_[ 1 ].find( "this is no regular file" ), std::string::npos );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyAreLinksThatLeadNowhereInTheEnd ) {
+   fs::create_symlink( kFile, directory_ / kFile );
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   ASSERT_EQ( reported_.size(), 1U );
+   EXPECT_EQ( reported_[ 0 ],
+              reportOf( 1, "the file cannot be read (Too many levels of symbolic links)" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyHoldANumberThatNothingCanHold ) {
+   EXPECT_EQ( damageOf( "{\n  \"a\":\n  1e999\n}" ), reportOf( 3, "this number is too large" ) );
+   EXPECT_EQ( damageOf( R"({"a":1e999})" ), reportOf( 1, "this number is too large" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedWhenTheyAreNestedWithoutEnd ) {
+   EXPECT_EQ( damageOf( std::string( 1'000'000, '[' ) ), reportOf( 1, "this is not JSON" ) );
+   EXPECT_EQ( damageOf( std::string( 1'000'000, '[' ) + std::string( 1'000'000, ']' ) ),
+              reportOf( 1, "this is of type array" ) );
+}
+
+TEST_F( FeatureFilesReader, AreReportedInOneLineWhateverTheirNamesHold ) {
+   EXPECT_EQ( damageOf( R"({ "a\nb": 1 })" ), reportOf( 1, R"('a\nb' is of type number)" ) );
 }
 
 TEST_F( FeatureFilesReader, AreReportedOnStandardErrorUnlessItIsSaidWhere ) {
