@@ -9,11 +9,13 @@ namespace CommandLine {
 namespace fs = std::filesystem;
 
 fs::path pluginFile( std::optional< fs::path > const & asked ) {
+   std::error_code error;
    if ( asked ) {
-      if ( !fs::exists( *asked ) ) {
+      if ( !fs::exists( *asked, error ) ) {
          throw Host::InputError( asked->string() +
-                                 ": there is no such file; --plugin takes the "
-                                 "plug-in's shared object" );
+                                 ( error ? ": the file cannot be reached (" + error.message() + ")"
+                                         : ": there is no such file" ) +
+                                 "; --plugin takes the plug-in's shared object" );
       }
       return *asked;
    }
@@ -21,7 +23,7 @@ fs::path pluginFile( std::optional< fs::path > const & asked ) {
    std::array const candidates{ folder / "VornalEvpn.so",
                                 folder.parent_path() / "lib/vornal/plugins/VornalEvpn.so" };
    for ( fs::path const & candidate : candidates ) {
-      if ( fs::exists( candidate ) ) {
+      if ( fs::exists( candidate, error ) ) {
          return candidate;
       }
    }

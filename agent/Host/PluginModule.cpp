@@ -1,12 +1,14 @@
 #include <Host/PluginModule.h>
 
 #include <Host/InputError.h>
+#include <Host/SharedObject.h>
 
 #include <dlfcn.h>
 
 namespace Host {
 
 PluginModule::PluginModule( std::filesystem::path const & file ) {
+   checkIsPlugin( file );
    std::size_t const before = Plugin::registeredMounters().size();
    // A name without a '/' would be looked for among the system's libraries.
    handle_ = dlopen( std::filesystem::absolute( file ).c_str(), RTLD_NOW | RTLD_LOCAL );

@@ -14,6 +14,7 @@ namespace Host {
 // resolved when it is opened, and none is visible to others.
 //
 // Failures: InputError when the file cannot be opened as a shared object, or registers no mounter.
+// Of a file that cannot be a plug-in (Host/SharedObject.h) nothing is run.
 class PluginModule {
  public:
    explicit PluginModule( std::filesystem::path const & file );

@@ -1,0 +1,159 @@
+#include <Host/SharedObject.h>
+
+#include <algorithm>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Host/InputError.h>
+#include <Plugin/Mounter.h>
+
+#include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
+
+namespace Host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Header = ElfW( Ehdr );
+using Segment = ElfW( Phdr );
+using Entry = ElfW( Dyn );
+
+// A file in the executable and linkable format, which need not be sound.
+class ElfFile {
+ public:
+   explicit ElfFile( fs::path const & file )
+         : in_( file, std::ios::binary ), size_( fs::file_size( file ) ) {
+      header_ = read< Header >( 0 );
+   }
+
+   bool isReadable() const { return in_.is_open(); }
+   std::uintmax_t size() const { return size_; }
+
+   // As programs of this machine are, this one included.
+   bool isSharedObject() const {
+      Header const own = ElfFile( "/proc/self/exe" ).header_.value_or( Header{} );
+      return header_ && std::memcmp( header_->e_ident, own.e_ident, EI_VERSION + 1 ) == 0 &&
+             header_->e_machine == own.e_machine && header_->e_type == ET_DYN;
+   }
+
+   // How long the file has to be for all that it speaks of.
+   std::uintmax_t sizeTold() {
+      std::uintmax_t told =
+         header_->e_shoff + std::uintmax_t{ header_->e_shnum } * header_->e_shentsize;
+      for ( Segment const & segment : segments() ) {
+         told = std::max< std::uintmax_t >( told, segment.p_offset + segment.p_filesz );
+      }
+      return std::max( told, endOfSegments() );
+   }
+
+   // Whether it asks the loader for that library itself.
+   bool isNeeding( std::string const & library ) {
+      std::vector< Entry > const entries = dynamicEntries();
+      auto const texts = std::find_if( entries.begin(), entries.end(), []( Entry const & entry ) {
+         return entry.d_tag == DT_STRTAB;
+      } );
+      return texts != entries.end() &&
+             std::any_of( entries.begin(), entries.end(), [ & ]( Entry const & entry ) {
+                return entry.d_tag == DT_NEEDED &&
+                       hasText( offsetOf( texts->d_un.d_ptr + entry.d_un.d_val ), library );
+             } );
+   }
+
+ private:
+   template< typename T > std::optional< T > read( std::uintmax_t offset ) {
+      T value{};
+      in_.clear();
+      in_.seekg( static_cast< std::streamoff >( offset ) );
+      in_.read( reinterpret_cast< char * >( &value ), sizeof value );
+      return in_ ? std::optional< T >( value ) : std::nullopt;
+   }
+   template< typename T > std::vector< T > readAll( std::uintmax_t offset, std::uintmax_t count ) {
+      std::vector< T > values;
+      for ( std::uintmax_t n = 0; n < count; ++n ) {
+         if ( auto const value = read< T >( offset + n * sizeof( T ) ) ) {
+            values.push_back( *value );
+         } else {
+            break;
+         }
+      }
+      return values;
+   }
+   bool hasText( std::uintmax_t offset, std::string const & text ) {
+      auto const characters = readAll< char >( offset, text.size() + 1 );
+      return std::string( characters.begin(), characters.end() ) == text + '\0';
+   }
+
+   std::uintmax_t endOfSegments() const {
+      return header_->e_phoff + std::uintmax_t{ header_->e_phnum } * sizeof( Segment );
+   }
+   std::vector< Segment > segments() {
+      return readAll< Segment >( header_->e_phoff, header_->e_phnum );
+   }
+   std::vector< Entry > dynamicEntries() {
+      for ( Segment const & segment : segments() ) {
+         if ( segment.p_type == PT_DYNAMIC ) {
+            return readAll< Entry >( segment.p_offset, segment.p_filesz / sizeof( Entry ) );
+         }
+      }
+      return {};
+   }
+   // Where in the file the byte stands that is loaded at that address.
+   std::uintmax_t offsetOf( std::uintmax_t address ) {
+      for ( Segment const & segment : segments() ) {
+         if ( segment.p_type == PT_LOAD && address >= segment.p_vaddr &&
+              address - segment.p_vaddr < segment.p_filesz ) {
+            return segment.p_offset + ( address - segment.p_vaddr );
+         }
+      }
+      return size_;
+   }
+
+   std::ifstream in_;
+   std::uintmax_t size_;
+   std::optional< Header > header_;
+};
+
+// The library that every plug-in gets its mounters' registration from.
+std::string platformLibrary() {
+   Dl_info info{};
+   dladdr( reinterpret_cast< void * >( &Plugin::registeredMounters ), &info );
+   return fs::path( info.dli_fname ).filename().string();
+}
+
+[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+   throw InputError( file.string() + ' ' + why );
+}
+
+}  // namespace
+
+void checkIsPlugin( fs::path const & file ) {
+   std::error_code error;
+   if ( !fs::is_regular_file( file, error ) ) {
+      refuse( file, "is no file; --plugin takes the plug-in's shared object" );
+   }
+   ElfFile elf( file );
+   if ( !elf.isReadable() ) {
+      refuse( file, "cannot be read; --plugin takes the plug-in's shared object" );
+   }
+   if ( !elf.isSharedObject() ) {
+      refuse( file,
+              "is no shared object of this machine; --plugin takes the one that a plug-in has been "
+              "built into" );
+   }
+   if ( std::uintmax_t const told = elf.sizeTold(); told > elf.size() ) {
+      refuse( file, "is cut short: it has " + std::to_string( elf.size() ) + " bytes of " +
+                       std::to_string( told ) + "; build it or copy it again" );
+   }
+   if ( std::string const library = platformLibrary(); !elf.isNeeding( library ) ) {
+      refuse( file, "registers no mounter, so it is no plug-in: it is not linked with " + library +
+                       "; a plug-in has a Plugin::MounterRegistration for each of its mounters" );
+   }
+}
+
+}  // namespace Host
