@@ -4,18 +4,22 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <Story/Event.h>
 
 namespace Process {
 
 // The assertion that a line of standard error reports (Quelm/Assert.h):
-// `FILE:LINE: FUNCTION: Assertion 'EXPRESSION' failed.` Nothing for any other line.
-std::optional< Story::Assertion > assertionIn( std::string const & line );
+// `FILE:LINE: FUNCTION: Assertion 'EXPRESSION' failed.` Nothing for any other line. Takes time in
+// proportion to its length, whatever it holds.
+std::optional< Story::Assertion > assertionIn( std::string_view line );
 
 class LastWords {
  public:
    static constexpr std::size_t kMostLines = 20;
+   // In bytes; of a longer line its beginning is kept, and " ..." says so.
+   static constexpr std::size_t kLongestLine = 4096;
 
    void lineNew( std::string const & line );
 
