@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -12,12 +14,21 @@ namespace CommandLine {
 
 namespace {
 
-std::vector< char > contentOf( std::filesystem::path const & file ) {
+namespace fs = std::filesystem;
+
+std::vector< char > contentOf( fs::path const & file ) {
+   std::error_code error;
+   if ( fs::exists( file, error ) && !fs::is_regular_file( file, error ) ) {
+      throw Host::InputError( file.string() +
+                              ": this is no regular file; name one that 'run --ring' has written" );
+   }
    std::ifstream in( file, std::ios::binary );
    std::vector< char > content{ std::istreambuf_iterator< char >( in ),
                                 std::istreambuf_iterator< char >() };
    if ( !in.is_open() || in.bad() ) {
-      throw Host::InputError( file.string() + ": the file cannot be read" );
+      throw Host::InputError( file.string() + ": the file cannot be read (" +
+                              std::strerror( errno ) +
+                              "); name one that 'run --ring' has written" );
    }
    return content;
 }

@@ -1,54 +1,130 @@
 #include <Process/RingMemory.h>
 
 #include <cerrno>
+#include <tuple>
 
-#include <Process/Descriptor.h>
 #include <Quelm/Error.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Process {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::size_t kSize = Trace::Ring::sizeFor( RingMemory::kLines );
 
-// A file of the ring's size, all of it backed by disk: a full disk shows here and not in the middle
-// of a run.
-Descriptor openFile( std::filesystem::path const & file ) {
-   Descriptor opened( open( file.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644 ) );
-   if ( !opened.isOpen() ) {
-      failed( "cannot write the trace ring " + file.string() );
+[[noreturn]] void cannotWrite( fs::path const & file ) {
+   failed( "cannot write the trace ring " + file.string() );
+}
+
+[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+   throw Quelm::Error( "--ring: " + file.string() + " " + why +
+                       "; name a new file, or the ring of a run that is over" );
+}
+
+std::span< std::byte > mapped( Descriptor const & file, std::size_t size ) {
+   int const flags = MAP_SHARED | ( file.isOpen() ? 0 : MAP_ANONYMOUS );
+   void * const memory = mmap( nullptr, size, PROT_READ | PROT_WRITE, flags, file.fd(), 0 );
+   if ( memory == MAP_FAILED ) {
+      failed( "there is not enough memory for the trace ring" );
    }
-   errno = posix_fallocate( opened.fd(), 0, static_cast< off_t >( kSize ) );
-   if ( errno != 0 ) {
-      failed( "cannot write the trace ring " + file.string() );
+   return { static_cast< std::byte * >( memory ), size };
+}
+
+// An open file that nobody else has as a ring.
+Descriptor opened( fs::path const & file ) {
+   // A pipe or a device is not waited for.
+   Descriptor opened( open( file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644 ) );
+   struct stat status {};
+   if ( !opened.isOpen() && errno != EISDIR ) {
+      cannotWrite( file );
+   }
+   if ( !opened.isOpen() || fstat( opened.fd(), &status ) != 0 || !S_ISREG( status.st_mode ) ) {
+      refuse( file, "is no regular file" );
+   }
+   if ( flock( opened.fd(), LOCK_EX | LOCK_NB ) != 0 ) {
+      if ( errno != EWOULDBLOCK ) {
+         cannotWrite( file );
+      }
+      refuse( file, "is the ring of a run that goes on" );
    }
    return opened;
 }
 
+std::size_t sizeOf( Descriptor const & file ) {
+   struct stat status {};
+   return fstat( file.fd(), &status ) == 0 ? static_cast< std::size_t >( status.st_size ) : 0;
+}
+
+// All of the file is backed by disk: a full disk shows here and not in the middle of a run, and
+// leaves the file empty as it was.
+void extend( Descriptor const & opened, fs::path const & file ) {
+   int const error = posix_fallocate( opened.fd(), 0, static_cast< off_t >( kSize ) );
+   if ( error != 0 ) {
+      std::ignore = ftruncate( opened.fd(), 0 );
+      errno = error;
+      cannotWrite( file );
+   }
+}
+
+bool isRing( std::span< std::byte const > bytes ) {
+   try {
+      Trace::Ring::decode( bytes );
+      return true;
+   } catch ( Quelm::TextError const & ) {
+      return false;
+   }
+}
+
+// Memory that a process can be sure to be able to read.
+std::vector< std::byte > copyOf( std::span< std::byte const > bytes ) {
+   Descriptor const copy( memfd_create( "ring", MFD_CLOEXEC ) );
+   ssize_t const written = write( copy.fd(), bytes.data(), bytes.size() );
+   std::vector< std::byte > result( written < 0 ? 0 : static_cast< std::size_t >( written ) );
+   ssize_t const read = pread( copy.fd(), result.data(), result.size(), 0 );
+   result.resize( read < 0 ? 0 : static_cast< std::size_t >( read ) );
+   return result;
+}
+
 }  // namespace
 
-RingMemory::RingMemory( std::optional< std::filesystem::path > const & file ) {
-   Descriptor const opened = file ? openFile( *file ) : Descriptor();
-   void * const memory = mmap( nullptr, kSize, PROT_READ | PROT_WRITE,
-                               MAP_SHARED | ( file ? 0 : MAP_ANONYMOUS ), opened.fd(), 0 );
-   if ( memory == MAP_FAILED ) {
-      failed( "cannot map the trace ring" + ( file ? " " + file->string() : "" ) );
+RingMemory::RingMemory( std::optional< fs::path > const & file ) {
+   if ( !file ) {
+      bytes_ = mapped( file_, kSize );
+      return;
    }
-   bytes_ = { static_cast< std::byte * >( memory ), kSize };
+   file_ = opened( *file );
+   std::size_t const size = sizeOf( file_ );
+   if ( size == 0 ) {
+      extend( file_, *file );
+   }
+   bytes_ = mapped( file_, size == 0 ? kSize : size );
+   if ( size != 0 && !isRing( bytes_ ) ) {
+      munmap( bytes_.data(), bytes_.size() );
+      refuse( *file, "holds something else" );
+   }
+   Trace::Ring const empty( bytes_ );
 }
 
 RingMemory::~RingMemory() {
    munmap( bytes_.data(), bytes_.size() );
 }
 
+// The kernel says that memory is not there any more; reading it would stop this process.
+bool isWhole( std::span< std::byte const > ring ) {
+   return copyOf( ring ).size() == ring.size();
+}
+
 std::vector< Story::TraceLine > lastLines( std::span< std::byte const > ring, std::size_t most ) {
    std::vector< Story::TraceLine > result;
    try {
-      auto const lines = Trace::Ring::decode( ring );
+      auto const lines = Trace::Ring::decode( copyOf( ring ) );
       std::size_t const first = lines.size() > most ? lines.size() - most : 0;
       for ( std::size_t n = first; n < lines.size(); ++n ) {
          result.push_back( { lines[ n ].handle, lines[ n ].level, lines[ n ].text } );
