@@ -4,10 +4,10 @@
 // nothing until "subagents::l2Ready" is ready on this slice. The waiter watches the slice's
 // dependency points, and the first time that everything it needs is ready it calls the mounter's
 // finishInit() and then marks the plug-in's own dependency point. That happens once in the life of
-// the loaded plug-in: a flag shared by all waiters is set before finishInit() runs, so that whatever
-// finishInit() stirs up cannot start a second one. An agent keeps the plug-in for the life of its
-// process; one that closes it and opens it again starts it afresh, flag included. A later loss of
-// readiness is not watched.
+// the loaded plug-in: a flag shared by all waiters is set before finishInit() runs, so that
+// whatever finishInit() stirs up cannot start a second one. An agent keeps the plug-in for the life
+// of its process; one that closes it and opens it again starts it afresh, flag included. A later
+// loss of readiness is not watched.
 //
 // What leads to the points changes too. The common data may be given other slice dependency points,
 // and those other sub-agent points; the waiter follows both.
