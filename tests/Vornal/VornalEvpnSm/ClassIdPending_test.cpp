@@ -37,6 +37,17 @@ TEST_F( ClassIdPending, AnUnansweredRequestKeepsEveryUnitWithARecord ) {
                        "4 unitUsesOrNeedsTcams ifpTcamsUsed: 0 ifpTcamsNeeded: 1" } ) );
 }
 
+TEST_F( ClassIdPending, OneUnansweredRequestKeepsEachUnit ) {
+   ClassIdLeaf spine( 2 );
+   auto & sm = spine.start();
+   sm.tepIpToEntryIs( U16{ 0 } );
+   sm.tepIpToEntryIs( U16{ 1 } );
+   EXPECT_FALSE( sm.unitUsesOrNeedsTcams( 1 ) );
+   spine.classIdConfig->remoteESPeerVtepIs( ip( "10.0.0.2" ), true );
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 0 ) );
+   EXPECT_TRUE( sm.unitUsesOrNeedsTcams( 1 ) );
+}
+
 TEST_F( ClassIdPending, AUnitThatUsesItsTcamIsToldWhetherAnIdIsPendingAllTheSame ) {
    leaf.interfaceIs( "Ethernet1", 0, 1 );
    leaf.share( "Ethernet1", { "10.0.0.2", "10.0.0.3" } );

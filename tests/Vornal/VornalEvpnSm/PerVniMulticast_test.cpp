@@ -21,6 +21,7 @@ using Support::RoutedSwitch;
 using Support::stopsAt;
 using Support::stopsAtTakenVni;
 using Support::Variant;
+using Support::vniIsTaken;
 using Support::vrf;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;

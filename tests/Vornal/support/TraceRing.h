@@ -10,7 +10,7 @@ namespace Support {
 
 class TraceRing {
  public:
-   TraceRing() {
+   explicit TraceRing( std::size_t records = 64 ) : memory_( Trace::Ring::sizeFor( records ) ) {
       Trace::ringIs( &ring_ );
       Trace::ringLevelsIs( "VornalEvpnSm", "0-9" );
    }
@@ -28,7 +28,7 @@ class TraceRing {
    }
 
  private:
-   std::vector< std::byte > memory_ = std::vector< std::byte >( Trace::Ring::sizeFor( 64 ) );
+   std::vector< std::byte > memory_;
    Trace::Ring ring_{ memory_ };
 };
 
