@@ -22,11 +22,13 @@
 // three may differ without fault.
 #pragma once
 
+#include <set>
 #include <vector>
 
 #include <Audit/Difference.h>
 #include <Audit/TunnelHistory.h>
 #include <FieldProcessor/Unit.h>
+#include <Pelk/IpGenAddr.h>
 #include <StateDatabase/Finder.h>
 
 namespace Audit {
@@ -36,6 +38,8 @@ struct Report {
    U32 entries = 0;  // in the chip
    // By unit, group and entry; those of no single unit come first.
    std::vector< Difference > differences;
+   // The VTEPs that a rule is missing for, known or not: some of their frames arrive twice.
+   std::set< Pelk::IpGenAddr > unprotected;
 
    // How many of them are not known.
    U32 faults() const;

@@ -18,6 +18,18 @@ void fillInRecordedClassIds( Records const & records, WantedRules & wanted ) {
    }
 }
 
+std::set< Pelk::IpGenAddr > vtepsWithoutARule( WantedRules const & wanted,
+                                               Matched const & matched ) {
+   std::set< Pelk::IpGenAddr > vteps;
+   for ( auto const & [ what, rule ] : wanted ) {
+      bool const isOfVtep = what.purpose == Purpose::vtep || what.purpose == Purpose::egressDrop;
+      if ( isOfVtep && !matched.rules.contains( what ) ) {
+         vteps.insert( what.vtep );
+      }
+   }
+   return vteps;
+}
+
 }  // namespace
 
 Difference about( RuleFor const & what, Kind kind, std::string rule ) {
@@ -37,6 +49,7 @@ Report compare( State const & state, Records const & records, Chip::Units const 
    Report report;
    report.rules = static_cast< U32 >( wanted.size() );
    report.entries = static_cast< U32 >( matched.rules.size() + matched.others.size() );
+   report.unprotected = vtepsWithoutARule( wanted, matched );
    compareRules( sides, report.differences );
    compareRecords( sides, report.differences );
    std::stable_sort( report.differences.begin(), report.differences.end(),

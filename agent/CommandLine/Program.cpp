@@ -4,6 +4,7 @@
 
 #include <CommandLine/Commands.h>
 #include <CommandLine/OutputStream.h>
+#include <Story/Printable.h>
 
 #include <signal.h>
 #include <unistd.h>
@@ -42,7 +43,7 @@ int program( int argc, char const * const * argv ) {
       // Nowhere is left to say that standard error is not complete.
       return std::cerr ? exitCode : kBadInput;
    } catch ( std::exception const & error ) {
-      std::cerr << error.what() << '\n';
+      std::cerr << Story::printableLines( error.what() ) << '\n';
       return kBadInput;
    }
 }

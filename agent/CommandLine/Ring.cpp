@@ -8,6 +8,7 @@
 #include <CommandLine/Commands.h>
 #include <Host/InputError.h>
 #include <Quelm/Error.h>
+#include <Story/Printable.h>
 #include <Trace/Ring.h>
 
 namespace CommandLine {
@@ -36,8 +37,8 @@ std::vector< char > contentOf( fs::path const & file ) {
 std::string lineOf( Trace::Ring::Decoded const & line ) {
    constexpr S64 kSecond = 1'000'000'000;
    return fmt::format( "{:>8} {:>6}.{:09} {} {}: {}{}\n", line.number, line.time / kSecond,
-                       line.time % kSecond, line.handle, line.level, line.text,
-                       line.isCut ? " ..." : "" );
+                       line.time % kSecond, Story::printable( line.handle ), line.level,
+                       Story::printable( line.text ), line.isCut ? " ..." : "" );
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
+#include <Story/Printable.h>
 
 namespace CommandLine {
 
@@ -18,7 +19,7 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
       },
       ring.bytes(), all );
    if ( !outcome.badInput().empty() ) {
-      std::cerr << outcome.badInput() << '\n';
+      std::cerr << Story::printableLines( outcome.badInput() ) << '\n';
    }
 }
 

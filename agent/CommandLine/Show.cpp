@@ -44,7 +44,7 @@ void print( ShowOptions const & options, std::vector< Story::EntityShown > const
       Json const json = options.path ? Json{ { "path", entities.front().path },
                                              { "entity", jsonOf( entities.front().tree ) } }
                                      : pathsJson( entities );
-      out << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
+      out << Story::documentText( json );
       return;
    }
    for ( Story::EntityShown const & shown : entities ) {

@@ -47,6 +47,8 @@ class Verified final : public Story::Observer {
    std::vector< AuditAfter > const & audits() const { return audits_; }
    // Nothing: the process did not get there.
    std::optional< Pass > const & pass() const { return pass_; }
+   // Empty when it was not.
+   std::string const & whySkipped() const { return whySkipped_; }
    bool isPassStopped() const { return pass_ == Pass::Begins; }
 
    // The audits that count: those that the command has asked for.
@@ -75,6 +77,7 @@ class Verified final : public Story::Observer {
    void take( Story::PluginPass const & pass ) {
       if ( step_.kind == Story::StepKind::Verification ) {
          pass_ = pass.state;
+         whySkipped_ = pass.reason;
       }
    }
 
@@ -83,6 +86,7 @@ class Verified final : public Story::Observer {
    Story::StepBegins step_;
    std::vector< AuditAfter > audits_;
    std::optional< Pass > pass_;
+   std::string whySkipped_;
 };
 
 std::size_t faultsIn( std::vector< AuditAfter > const & audits ) {
@@ -100,6 +104,7 @@ std::string passName( Verified const & verified ) {
    switch ( *verified.pass() ) {
    case Verified::Pass::Begins: return "stopped";
    case Verified::Pass::Held: return "held";
+   case Verified::Pass::Skipped: return "skipped";
    case Verified::Pass::Absent: break;
    }
    return "absent";
@@ -122,7 +127,8 @@ std::string afterText( AuditAfter const & one ) {
 
 std::string passText( Verified const & verified, Story::Outcome const & outcome ) {
    if ( !verified.isPassStopped() ) {
-      return "the plug-in's own pass: " + passName( verified );
+      return "the plug-in's own pass: " + passName( verified ) +
+             ( verified.whySkipped().empty() ? "" : "; " + verified.whySkipped() );
    }
    auto const & assertion = outcome.stopped()->assertion;
    return assertion
@@ -133,21 +139,34 @@ std::string passText( Verified const & verified, Story::Outcome const & outcome 
              : "the plug-in's own pass stopped the process: " + outcome.stopped()->reason;
 }
 
+// A switch that is in step for want of room, or of a class id, says so.
+std::string verdictText( std::vector< AuditAfter > const & audits, Story::ExitCode code,
+                         Story::Style const & style ) {
+   if ( code != Story::ExitCode::Held ) {
+      return style.bad( code == Story::ExitCode::Stopped ? "STOPPED" : "DIFFERENCES" );
+   }
+   std::string const unprotected =
+      audits.empty() ? "" : Story::unprotectedText( audits.back().audit );
+   return unprotected.empty() ? style.good( "IN STEP" )
+                              : style.bold( "IN STEP, but with " + unprotected );
+}
+
 void print( Verified const & verified, std::vector< AuditAfter > const & audits,
             Story::Outcome const & outcome, Story::ExitCode code, std::ostream & out ) {
    Story::Style const style( isColoured( STDOUT_FILENO ) );
-   out << style.bold( verified.title() ) << " (" << verified.variant() << ")\n";
+   out << style.bold( verified.title() ) << " (" << Story::printable( verified.variant() ) << ")\n";
    for ( AuditAfter const & one : audits ) {
       out << style.bold( afterText( one ) ) << '\n';
       for ( std::string const & line : linesOf( one.audit, style ) ) {
          out << "   " << line << '\n';
       }
    }
-   out << "   " << passText( verified, outcome ) << '\n';
-   bool const isInStep = code == Story::ExitCode::Held;
-   out << ( isInStep ? style.good( "IN STEP" )
-                     : style.bad( code == Story::ExitCode::Stopped ? "STOPPED" : "DIFFERENCES" ) )
-       << '\n';
+   out << "   " << Story::printable( passText( verified, outcome ) ) << '\n';
+   for ( Story::KnownLimit const & limit : outcome.limits() ) {
+      out << "   known limit (docs/limits.md): " << style.bold( limit.title ) << '\n'
+          << "      Remedy: " << Story::printable( limit.remedy ) << '\n';
+   }
+   out << verdictText( audits, code, style ) << '\n';
 }
 
 // --- For programs
@@ -170,6 +189,7 @@ void printJson( VerifyOptions const & options, Verified const & verified,
               { "pluginPass", passName( verified ) },
               { "assertion", nullptr },
               { "step", nullptr },
+              { "limits", jsonOf( outcome.limits() ) },
               { "audits", Json::array() } };
    if ( outcome.stopped() ) {
       json[ "step" ] = outcome.step()->number;
@@ -179,7 +199,7 @@ void printJson( VerifyOptions const & options, Verified const & verified,
    for ( AuditAfter const & one : audits ) {
       json[ "audits" ].push_back( auditJson( one ) );
    }
-   out << json.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n';
+   out << Story::documentText( json );
 }
 
 }  // namespace

@@ -11,7 +11,8 @@ namespace Host {
 void tellAudit( Audit::Auditor const & auditor, Story::Observer & observer );
 
 // Runs the pass of the plug-in's state machine, handleVerify, which stops the process at the first
-// thing that it does not agree with; tells that it begins, and that it held.
+// thing that it does not agree with; tells that it begins, and that it held or has compared
+// nothing.
 void runPluginPass( StateDatabase::Finder const & finder, Story::Observer & observer );
 
 }  // namespace Host

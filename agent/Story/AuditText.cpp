@@ -35,13 +35,16 @@ std::string placeOf( Audit::Difference const & difference ) {
 std::string verdictOf( Audited const & audited, Style const & style ) {
    std::size_t const faults = faultsIn( audited );
    std::size_t const known = audited.differences.size() - faults;
-   std::string const counts = fmt::format( "{} called for, {} in the chip",
-                                           counted( audited.rules, "rule" ), audited.entries );
+   std::string const unprotected = unprotectedText( audited );
+   std::string const counts =
+      fmt::format( "{} called for, {} in the chip{}{}", counted( audited.rules, "rule" ),
+                   audited.entries, unprotected.empty() ? "" : "; ", printable( unprotected ) );
    if ( faults != 0 ) {
       return style.bad( fmt::format( "audit: {}", counted( faults, "difference" ) ) ) +
              fmt::format( ", {} known; {}", known, counts );
    }
-   return style.good( "audit: in step" ) +
+   std::string const inStep = "audit: in step";
+   return ( unprotected.empty() ? style.good( inStep ) : style.bold( inStep ) ) +
           ( known == 0 ? "" : fmt::format( ", {} known", known ) ) + "; " + counts;
 }
 
@@ -53,16 +56,23 @@ std::size_t faultsIn( Audited const & audited ) {
                      []( auto const & one ) { return !Audit::isKnown( one.kind ); } ) );
 }
 
+std::string unprotectedText( Audited const & audited ) {
+   return audited.unprotected.empty()
+             ? ""
+             : fmt::format( "{} unprotected: {}", counted( audited.unprotected.size(), "VTEP" ),
+                            fmt::join( audited.unprotected, ", " ) );
+}
+
 std::vector< std::string > linesOf( Audited const & audited, Style const & style ) {
    std::vector< std::string > lines{ verdictOf( audited, style ) };
    for ( Audit::Difference const & difference : audited.differences ) {
       std::string const kind( Audit::nameOf( difference.kind ) );
       lines.push_back( fmt::format( "   {}: {}",
                                     Audit::isKnown( difference.kind ) ? kind : style.bad( kind ),
-                                    placeOf( difference ) ) );
-      lines.push_back(
-         fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) );
-      lines.push_back( "      " + difference.because );
+                                    printable( placeOf( difference ) ) ) );
+      lines.push_back( printable(
+         fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) ) );
+      lines.push_back( printable( "      " + difference.because ) );
    }
    return lines;
 }

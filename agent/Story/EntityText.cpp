@@ -1,6 +1,6 @@
 #include <Story/EntityText.h>
 
-#include <fmt/format.h>
+#include <Story/Printable.h>
 
 namespace Story {
 
@@ -48,7 +48,9 @@ class Writer {
       }
    }
 
-   void line( std::string const & text ) { text_ += std::string( indent_, ' ' ) + text + '\n'; }
+   void line( std::string const & text ) {
+      text_ += std::string( indent_, ' ' ) + printable( text ) + '\n';
+   }
 
    template< typename Write > void deeper( Write const & write ) {
       indent_ += kIndent;
@@ -69,7 +71,7 @@ std::string treeText( std::string const & path, EntityTree const & tree ) {
 }
 
 std::string pathLine( EntityShown const & shown ) {
-   return fmt::format( "{}: {}\n", shown.path, shown.tree.type );
+   return printable( shown.path + ": " + shown.tree.type ) + '\n';
 }
 
 }  // namespace Story

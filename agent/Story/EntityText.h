@@ -1,4 +1,4 @@
-// Entities as text for people: a tree by indentation.
+// Entities as text for people: a tree by indentation. All of it is printable.
 //
 //    /evpn/status: Evpn::EvpnStatus status
 //       segmentStatus

@@ -232,14 +232,21 @@ struct Audited {
    U32 rules = 0;    // called for
    U32 entries = 0;  // in the chip
    std::vector< Audit::Difference > differences;
+   std::vector< std::string > unprotected{};  // VTEPs that a rule is missing for
 };
 
 // The plug-in's own pass over its rules. One that begins and is not told of again has stopped the
 // process.
 struct PluginPass {
    static constexpr char const * kName = "pluginPass";
-   enum class State { Begins, Held, Absent };  // Absent: there is no state machine yet
+   enum class State {
+      Begins,
+      Held,
+      Absent,  // there is no state machine yet
+      Skipped  // it has compared nothing
+   };
    State state = State::Begins;
+   std::string reason{};  // why it was skipped
 };
 
 // An entity that was asked to be shown.

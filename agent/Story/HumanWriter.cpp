@@ -14,16 +14,16 @@ void HumanWriter::onEvent( Event const & event ) {
    std::visit( [ this ]( auto const & what ) { tell( what ); }, event );
 }
 
-void HumanWriter::detail( std::string const & text ) {
+void HumanWriter::shown( std::string const & text ) {
    out_ << "   " << text << '\n';
 }
 
 // --- Where the run stands
 
 void HumanWriter::tell( RunBegins const & event ) {
-   out_ << style_.bold( event.title ) << " (" << event.scenario << ")\n";
+   out_ << style_.bold( event.title ) << " (" << printable( event.scenario ) << ")\n";
    if ( !event.description.empty() ) {
-      out_ << event.description << '\n';
+      out_ << printableLines( event.description ) << '\n';
    }
 }
 
@@ -31,14 +31,16 @@ void HumanWriter::tell( StepBegins const & event ) {
    if ( event.kind == StepKind::StartUp ) {
       publishedBefore();
    }
-   out_ << '\n' << style_.bold( nameOf( event ) ) << ": " << event.text << '\n' << std::flush;
+   out_ << '\n'
+        << style_.bold( nameOf( event ) ) << ": " << printable( event.text ) << '\n'
+        << std::flush;
 }
 
 void HumanWriter::tell( StepEnds const & ) {
    ruleChanges();
    frameTable();
    if ( held_ != 0 ) {
-      detail( style_.good( isAnyFailed_ ? "the rest is as expected" : "as expected" ) );
+      shown( style_.good( isAnyFailed_ ? "the rest is as expected" : "as expected" ) );
    }
    held_ = 0;
    isAnyFailed_ = false;
@@ -57,10 +59,11 @@ void HumanWriter::tell( Stopped const & event ) {
                                     where, event.reason ) )
         << '\n';
    if ( event.assertion ) {
-      detail( fmt::format( "assertion  {}", style_.bold( event.assertion->expression ) ) );
+      shown( "assertion  " + style_.bold( event.assertion->expression ) );
       detail( fmt::format( "at         {}:{}", event.assertion->file, event.assertion->line ) );
       detail( fmt::format( "in         {}", event.assertion->function ) );
    }
+   knownLimits();
    if ( !event.trace.empty() ) {
       out_ << "The last lines of its trace ring:\n";
       for ( TraceLine const & line : event.trace ) {
@@ -74,6 +77,19 @@ void HumanWriter::tell( Stopped const & event ) {
       }
    }
    out_ << std::flush;
+}
+
+void HumanWriter::knownLimits() {
+   auto const & limits = outcome_.limits();
+   if ( limits.size() > 1 ) {
+      out_ << "One of these known limits (docs/limits.md):\n";
+   } else if ( !limits.empty() ) {
+      out_ << "A known limit (docs/limits.md):\n";
+   }
+   for ( KnownLimit const & limit : limits ) {
+      shown( style_.bold( limit.title ) );
+      detail( "   Remedy: " + limit.remedy );
+   }
 }
 
 void HumanWriter::publishedBefore() {
@@ -114,12 +130,12 @@ void HumanWriter::ruleChanges() {
       detail( "   before: " + contentOf( change.before ) );
    }
    for ( Rule const & rule : changes.removed ) {
-      detail( style_.bad( "rule removed: " ) + headingOf( rule ) );
+      shown( style_.bad( "rule removed: " ) + printable( headingOf( rule ) ) );
    }
 }
 
 void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
-   detail( what + headingOf( rule ) );
+   shown( what + printable( headingOf( rule ) ) );
    detail( "   " + contentOf( rule ) );
 }
 
@@ -161,7 +177,7 @@ void HumanWriter::tell( RulesDumped const & event ) {
 
 void HumanWriter::tell( Audited const & event ) {
    for ( std::string const & line : linesOf( event, style_ ) ) {
-      detail( line );
+      shown( line );
    }
 }
 
@@ -175,7 +191,7 @@ void HumanWriter::tell( MountAsked const & event ) {
 }
 
 void HumanWriter::tell( MountsDone const & event ) {
-   detail( event.problems.empty() ? wordsOf( event ) : style_.bad( wordsOf( event ) ) );
+   shown( event.problems.empty() ? printable( wordsOf( event ) ) : style_.bad( wordsOf( event ) ) );
 }
 
 void HumanWriter::tell( PublishedChange const & event ) {
@@ -191,7 +207,7 @@ void HumanWriter::tell( ExpectationChecked const & event ) {
       ++held_;
    } else {
       isAnyFailed_ = true;
-      detail( style_.bad( wordsOf( event ) ) );
+      shown( style_.bad( wordsOf( event ) ) );
    }
 }
 

@@ -1,5 +1,7 @@
 #include <Story/JsonForms.h>
 
+#include <fmt/format.h>
+
 namespace Story {
 
 namespace {
@@ -177,7 +179,36 @@ Json jsonOf( Audited const & audited ) {
       json[ isKnown ? "known" : "differences" ].push_back( jsonOf( difference ) );
    }
    json[ "inStep" ] = json[ "differences" ].empty();
+   json[ "unprotected" ] = audited.unprotected;
    return json;
+}
+
+Json jsonOf( std::vector< KnownLimit > const & limits ) {
+   Json json = Json::array();
+   for ( KnownLimit const & limit : limits ) {
+      json.push_back( { { "title", limit.title }, { "remedy", limit.remedy } } );
+   }
+   return json;
+}
+
+// A dump escapes the control characters below the blank. The others, DEL and U+0080 to U+009F, can
+// stand in its texts alone.
+std::string documentText( Json const & document ) {
+   constexpr char kDel = 0x7f;
+   constexpr char kC1Lead = '\xc2';
+   std::string const dumped = document.dump( 3, ' ', false, Json::error_handler_t::replace );
+   std::string text;
+   text.reserve( dumped.size() + 1 );
+   for ( std::size_t n = 0; n < dumped.size(); ++n ) {
+      bool const isC1 = dumped[ n ] == kC1Lead && static_cast< U8 >( dumped[ n + 1 ] ) < 0xa0;
+      if ( isC1 || dumped[ n ] == kDel ) {
+         n += isC1 ? 1 : 0;
+         text += fmt::format( "\\u{:04x}", static_cast< U8 >( dumped[ n ] ) );
+      } else {
+         text += dumped[ n ];
+      }
+   }
+   return text + '\n';
 }
 
 Json textOrNull( std::string const & text ) {

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <Story/Event.h>
+#include <Story/LimitIndex.h>
 
 namespace Story {
 
@@ -14,6 +15,11 @@ nlohmann::ordered_json jsonOf( TraceLine const & line );
 nlohmann::ordered_json jsonOf( EntityTree const & tree );
 nlohmann::ordered_json jsonOf( FrameForwarded const & frame );
 nlohmann::ordered_json jsonOf( Audited const & audited );
+nlohmann::ordered_json jsonOf( std::vector< KnownLimit > const & limits );
+
+// A whole document as text, with its line end. It is UTF-8 whatever the texts in it are, and holds
+// no control character but line ends.
+std::string documentText( nlohmann::ordered_json const & document );
 
 // The value, or null.
 template< typename T > nlohmann::ordered_json jsonOf( std::optional< T > const & value ) {

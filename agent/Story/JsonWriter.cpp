@@ -76,7 +76,7 @@ void JsonWriter::write( std::ostream & out ) const {
    for ( auto const & [ key, rule ] : rules_.rules() ) {
       document[ "rules" ].push_back( jsonOf( rule ) );
    }
-   out << document.dump( 3, ' ', false, Json::error_handler_t::replace ) << '\n' << std::flush;
+   out << documentText( document ) << std::flush;
 }
 
 void JsonWriter::count( char const * counter, std::size_t by ) {
@@ -114,7 +114,8 @@ void JsonWriter::take( Stopped const & event ) {
    }
    document_[ "stop" ] = { { "reason", event.reason },
                            { "output", event.output },
-                           { "traces", std::move( traces ) } };
+                           { "traces", std::move( traces ) },
+                           { "limits", jsonOf( outcome_.limits() ) } };
 }
 
 void JsonWriter::ruleChanges() {
@@ -215,6 +216,7 @@ void JsonWriter::take( PluginPass const & event ) {
    switch ( event.state ) {
    case PluginPass::State::Begins: step()[ "pluginPass" ] = "stopped"; break;
    case PluginPass::State::Held: step()[ "pluginPass" ] = "held"; break;
+   case PluginPass::State::Skipped: step()[ "pluginPass" ] = "skipped"; break;
    case PluginPass::State::Absent: step()[ "pluginPass" ] = "absent"; break;
    }
 }

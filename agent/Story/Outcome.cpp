@@ -3,13 +3,17 @@
 namespace Story {
 
 void Outcome::onEvent( Event const & event ) {
+   stopEvents_.onEvent( event );
    std::visit( Overloaded{ [ & ]( StepBegins const & step ) { step_ = step; },
                            [ & ]( ExpectationChecked const & expectation ) {
                               ++expectations_;
                               failedExpectations_ += expectation.held ? 0 : 1;
                            },
                            [ & ]( BadInput const & input ) { badInput_ = input.text; },
-                           [ & ]( Stopped const & stopped ) { stopped_ = stopped; },
+                           [ & ]( Stopped const & stopped ) {
+                              stopped_ = stopped;
+                              limits_ = limitIndex().limitsAt( stopped, stopEvents_.cause() );
+                           },
                            []( auto const & ) {} },
                event );
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <Story/Observer.h>
+#include <Story/StopEvents.h>
 
 namespace Story {
 
@@ -28,6 +29,8 @@ class Outcome final : public Observer {
    std::optional< Stopped > const & stopped() const { return stopped_; }
    // What was wrong with the input; empty when nothing was.
    std::string const & badInput() const { return badInput_; }
+   // The known limits that the stop may be; none when it is not known, or there was none.
+   std::vector< KnownLimit > const & limits() const { return limits_; }
 
  private:
    U32 expectations_ = 0;
@@ -35,6 +38,8 @@ class Outcome final : public Observer {
    std::optional< StepBegins > step_;
    std::optional< Stopped > stopped_;
    std::string badInput_;
+   StopEvents stopEvents_;
+   std::vector< KnownLimit > limits_;
 };
 
 }  // namespace Story

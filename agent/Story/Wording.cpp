@@ -129,6 +129,7 @@ std::string wordsOf( PluginPass const & event ) {
    switch ( event.state ) {
    case PluginPass::State::Begins: return "the plug-in's own pass begins";
    case PluginPass::State::Held: return "the plug-in's own pass held";
+   case PluginPass::State::Skipped: return "the plug-in's own pass was skipped: " + event.reason;
    case PluginPass::State::Absent: break;
    }
    return "the plug-in has no state machine yet, and no pass of its own";

@@ -155,6 +155,89 @@ TEST_F( HumanWriter, shows_a_half_built_rule_when_the_plug_in_stops_in_the_middl
    EXPECT_NE( text.find( "staged only, not written to the chip" ), std::string::npos );
 }
 
+// Whatever others call themselves, a terminal sees it written out.
+TEST( HumanWriterStyle, lets_no_control_character_of_others_through ) {
+   std::string const evil = "\x1b]0;x\x07\r\xc2\x9b\x7f\xff";
+   std::string const written = "\\x1b]0;x\\x07\\r\\u009b\\x7f\\xff";
+   Story::Rule named = rule( 1 );
+   named.name = evil;
+   Story::Rule changed = named;
+   changed.priority.reset();
+   Story::EntityTree const tree{ evil, evil, evil, {} };
+   Audit::Difference difference;
+   difference.rule = difference.field = difference.is = evil;
+   difference.shouldBe = difference.because = evil;
+   Story::Stopped stop = stopped();
+   stop.assertion = Story::Assertion{ evil, 1, evil, evil };
+   stop.output = { evil };
+   stop.trace = { { evil, 1, evil } };
+   std::vector< Story::Event > const events{
+      Story::RunBegins{ evil, evil, evil + "\nof two lines", 1 },
+      Story::StepBegins{ Story::StepKind::Scenario, 1, evil, evil },
+      Story::PluginLoaded{ evil, { evil } },
+      Story::MountAsked{ evil, evil, "wc" },
+      Story::MountsDone{ evil, evil, { evil } },
+      Story::EntityLookedUp{ evil, evil },
+      Story::SharedEntityAsked{ evil, evil },
+      Story::VariantChosen{ evil, evil },
+      Story::DependencyPointReady{ evil, true },
+      Story::PublishedChange{ "/" + evil, evil, evil, {}, evil },
+      Story::RuleIs{ named },
+      Story::TraceLine{ evil, 1, evil },
+      Story::LogLine{ evil, evil },
+      Story::ExpectationChecked{ evil, evil, false, evil },
+      Story::EntityDumped{ evil, tree },
+      Story::RulesDumped{ { named } },
+      Story::Audited{ 1, 1, { difference }, { evil } },
+      Story::PluginPass{ Story::PluginPass::State::Skipped, evil },
+      Story::OutputLine{ evil },
+      Story::StepEnds{ 1 },
+      Story::StepBegins{ Story::StepKind::Scenario, 2, evil, evil },
+      Story::RuleIs{ changed },
+      Story::StepEnds{ 2 },
+      Story::RuleGone{ named.key },
+      stop
+   };
+   std::ostringstream plain;
+   Story::HumanWriter onFile( plain, Story::Style( false ) );
+   tell( onFile, events );
+
+   std::string const text = plain.str();
+   EXPECT_GE( Support::timesIn( text, written ), 35U ) << text;
+   for ( char const c : text ) {
+      EXPECT_TRUE( c == '\n' || ( c >= ' ' && c < '\x7f' ) ) << static_cast< int >( c );
+   }
+
+   std::ostringstream coloured;
+   Story::HumanWriter onTerminal( coloured, Story::Style( true ) );
+   tell( onTerminal, events );
+   EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b" ),
+              Support::timesIn( coloured.str(), "\x1b[1;31m" ) +
+                 Support::timesIn( coloured.str(), "\x1b[1m" ) +
+                 Support::timesIn( coloured.str(), "\x1b[32m" ) +
+                 Support::timesIn( coloured.str(), "\x1b[0m" ) );
+}
+
+TEST_F( HumanWriter, names_the_known_limit_of_a_stop_and_its_remedy ) {
+   told( readyStep() );
+   Story::Stopped stop = stopped();
+   stop.assertion =
+      Story::Assertion{ "EgressDropRules.cpp", 1, "void Vornal::Sm::efpTcamEntries(U32)",
+                        "i2eClassId.isValid()" };
+
+   std::string const text =
+      told( { Story::VariantChosen{ "class-id", "T" }, step( 2, "publish virtual port" ),
+              Story::PublishedChange{ "/p", "remoteVport", "10.0.0.2", "2", "3" }, stop } );
+
+   EXPECT_NE( text.find( "A known limit (docs/limits.md):\n"
+                         "   A grant turns into one without a class id\n"
+                         "      Remedy: Withdraw the grant instead: a withdrawn grant changes "
+                         "nothing in the plug-in.\n" ),
+              std::string::npos )
+      << text;
+   EXPECT_EQ( told( { step( 3 ), stop } ).find( "known limit" ), std::string::npos );
+}
+
 TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
    std::ostringstream plain;
    Story::HumanWriter onFile( plain, Story::Style( false ) );

@@ -166,6 +166,42 @@ TEST( JsonWriter, says_where_and_why_the_plug_in_stopped ) {
    EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ][ 0 ][ "id" ], 9 );
 }
 
+TEST( JsonWriter, names_the_known_limits_that_a_stop_may_be ) {
+   Story::Stopped stop = stopped();
+   EXPECT_EQ( documentOf( { readyStep(), { stop } } )[ "stop" ][ "limits" ], Json::array() );
+
+   stop.assertion =
+      Story::Assertion{ "PerVniMulticast.cpp", 1, "void Vornal::Sm::handleVrfToVniMap(U32)",
+                        "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )" };
+   Json const limits =
+      documentOf( { readyStep(),
+                    { step( 2 ), Story::PublishedChange{ "/v", "vrfToVniMap", "red", {}, "1" },
+                      stop } } )[ "stop" ][ "limits" ];
+   ASSERT_GE( limits.size(), 2U );
+   EXPECT_EQ( namesIn( limits[ 0 ] ), ( Names{ "title", "remedy" } ) );
+}
+
+TEST( JsonWriter, is_utf_8_without_control_characters_and_keeps_those_of_texts ) {
+   std::string const text = "\x1b[31m\x7f M\xc3\xbcnchen \xc2\x9b";
+   Story::JsonWriter writer;
+   tell( writer, { Story::RunBegins{ "s.yaml", text, "", 1 }, step( 1 ),
+                   Story::LogLine{ "N", text }, stopped() } );
+   tell( writer, { Story::Stopped{ "signal 6", {}, { "\xff no UTF-8 \xc2" }, {} } } );
+   std::ostringstream out;
+   writer.write( out );
+
+   std::string const document = out.str();
+   for ( char const c : document ) {
+      EXPECT_TRUE( c == '\n' || static_cast< unsigned char >( c ) >= ' ' )
+         << static_cast< int >( c );
+      EXPECT_NE( c, '\x7f' );
+   }
+   EXPECT_EQ( document.find( "\xc2" ), std::string::npos );
+   EXPECT_EQ( Json::parse( document )[ "scenario" ], text );
+   EXPECT_EQ( Json::parse( document )[ "stop" ][ "output" ][ 0 ],
+              "\xef\xbf\xbd no UTF-8 \xef\xbf\xbd" );
+}
+
 TEST( JsonWriter, can_tell_of_a_stop_before_the_first_step ) {
    Json const document = documentOf( { { stopped() } } );
 

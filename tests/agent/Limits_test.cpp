@@ -117,6 +117,13 @@ class KnownLimit : public testing::TestWithParam< Way > {
       return ran.out.empty() ? Json::object() : Json::parse( ran.out );
    }
 
+   // Whether the program has found the limit, and its remedy, by the stop.
+   static bool namesLimit( Json const & limits ) {
+      return std::any_of( limits.begin(), limits.end(), []( Json const & limit ) {
+         return limit.at( "title" ) == GetParam().limit && limit.at( "remedy" ) != "";
+      } );
+   }
+
    static void expectAllHeld( Json const & document ) {
       for ( Json const & step : document.at( "steps" ) ) {
          for ( Json const & expectation : step.at( "expectations" ) ) {
@@ -128,6 +135,9 @@ class KnownLimit : public testing::TestWithParam< Way > {
    // An exception that ends the process leaves no assertion, only its text.
    static void expectEnd( Json const & document ) {
       std::string const & expression = GetParam().expression;
+      if ( !expression.empty() ) {
+         EXPECT_TRUE( namesLimit( document.at( "stop" ).at( "limits" ) ) ) << document.at( "stop" );
+      }
       Json const & assertion = document.at( "assertion" );
       if ( assertion.is_object() ) {
          EXPECT_EQ( assertion.at( "expression" ), expression );

@@ -28,6 +28,8 @@ class Verify : public testing::Test {
       return Json::parse( command( leaf, steps, more ).out );
    }
 
+   std::string scenario() const { return directory.path() / "leaf.yaml"; }
+
    Support::Directory directory;
 };
 
@@ -160,6 +162,79 @@ TEST_F( Verify, does_not_count_the_audits_that_the_scenario_asks_for_itself ) {
                               "   - verify: audit\n"
                               "   - drift: { group: ingress, unit: 0, entry: 5, priority: 2 }\n";
    EXPECT_EQ( command( Leaf(), healed ).exitCode, 0 );
+}
+
+// Room for the exemptions and one VTEP, not for both.
+Leaf fullLeaf() {
+   Leaf leaf;
+   leaf.tcam = "{ ingress: 4, egress: 4 }";
+   leaf.tunnels = "{}";
+   return leaf;
+}
+
+std::string const others = "   - foreign-entries: { group: ingress, count: 1 }\n";
+
+TEST_F( Verify, a_pass_that_compares_nothing_is_skipped_and_has_not_held ) {
+   Support::Ran const ran = Support::vornal(
+      { "verify",
+        directory.file( "leaf.yaml",
+                        fullLeaf().text( others + "   - ready: subagents::l2Ready\n" ) ) } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+   EXPECT_TRUE( contains( ran.out,
+                          "   the plug-in's own pass: skipped; a TCAM group counts as full, and "
+                          "nothing is compared while one does\n" ) )
+      << ran.out;
+
+   Support::Ran const json = Support::vornal( { "verify", "--json", scenario() } );
+   EXPECT_EQ( Json::parse( json.out )[ "pluginPass" ], "skipped" );
+}
+
+TEST_F( Verify, a_switch_with_a_vtep_without_its_rule_is_not_in_step_without_a_word ) {
+   Support::Ran const ran = Support::vornal(
+      { "verify",
+        directory.file( "leaf.yaml", fullLeaf().text( others + "   - ready: "
+                                                               "subagents::l2Ready\n" ) ) } );
+
+   EXPECT_EQ( ran.exitCode, 0 );
+   EXPECT_TRUE( contains( ran.out,
+                          "audit: in step, 1 known; 4 rules called for, 3 in the chip; 1 "
+                          "VTEP unprotected: 10.0.0.4\n" ) )
+      << ran.out;
+   EXPECT_TRUE( ran.out.ends_with( "IN STEP, but with 1 VTEP unprotected: 10.0.0.4\n" ) )
+      << ran.out;
+
+   Json const json = Json::parse( Support::vornal( { "verify", "--json", scenario() } ).out );
+   EXPECT_EQ( json[ "end" ], "in-step" );
+   EXPECT_EQ( json[ "audits" ][ 0 ][ "unprotected" ], Json::array( { "10.0.0.4" } ) );
+}
+
+TEST_F( Verify, a_vtep_without_its_class_id_is_unprotected ) {
+   auto const ran = Support::vornal(
+      { "verify",
+        directory.file( "leaf.yaml", classIdLeaf().text( "   - class-id-allocator: paused\n"
+                                                         "   - ready: subagents::l2Ready\n" ) ) } );
+
+   EXPECT_TRUE( contains( ran.out, "2 VTEPs unprotected: 10.0.0.2, 10.0.0.4\n" ) ) << ran.out;
+}
+
+TEST_F( Verify, the_step_tells_of_a_pass_that_was_skipped ) {
+   auto const text = fullLeaf().text( others +
+                                      "   - ready: subagents::l2Ready\n"
+                                      "   - verify: plug-in\n" );
+   auto const ran = Support::vornal( { "run", directory.file( "leaf.yaml", text ) } );
+   EXPECT_TRUE( contains( ran.out, "   the plug-in's own pass was skipped: a TCAM group counts" ) )
+      << ran.out;
+
+   auto const json = Support::vornal( { "run", "--json", scenario() } );
+   EXPECT_EQ( Json::parse( json.out )[ "steps" ][ 3 ][ "pluginPass" ], "skipped" );
+}
+
+TEST_F( Verify, names_the_known_limit_at_which_the_pass_stops ) {
+   std::string const file = VORNAL_SOURCE_DIR "/scenarios/limits/port-beyond-bitmap/scenario.yaml";
+   EXPECT_TRUE( contains( Support::vornal( { "verify", file } ).out,
+                          "known limit (docs/limits.md): A logical port above 351\n"
+                          "      Remedy: Use no segment on such ports;" ) );
 }
 
 TEST_F( Verify, has_no_pass_of_a_plug_in_that_has_not_come_up ) {
