@@ -1,13 +1,14 @@
 #include <iostream>
 
+#include <CommandLine/CaptureFolder.h>
 #include <CommandLine/Commands.h>
 #include <CommandLine/PluginFile.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
-#include <Quelm/Error.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonWriter.h>
+#include <Story/Printable.h>
 
 #include <unistd.h>
 
@@ -20,7 +21,7 @@ class OutputEcho final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override {
       if ( auto const * const line = std::get_if< Story::OutputLine >( &event ) ) {
-         std::cerr << line->text << '\n';
+         std::cerr << Story::printable( line->text ) << '\n';
       }
    }
 };
@@ -47,21 +48,6 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    return outcome.exitCode();
 }
 
-// The folder for captures, made if it is not there.
-std::optional< std::filesystem::path > folderOf(
-   std::optional< std::filesystem::path > const & captures ) {
-   std::error_code error;
-   if ( captures ) {
-      std::filesystem::create_directories( *captures, error );
-   }
-   if ( error ) {
-      throw Quelm::Error( "--pcap-out: " + captures->string() +
-                          " is no folder and cannot be made (" + error.message() +
-                          "); name one that can be written to" );
-   }
-   return captures;
-}
-
 }  // namespace
 
 Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
@@ -71,7 +57,7 @@ Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
                              .plugin = pluginFile( options.plugin ),
                              .trace = options.trace,
                              .show = {},
-                             .captures = folderOf( options.captures ) },
+                             .captures = captureFolder( options.captures, scenario ) },
                            options.ring };
    Progress progress( std::cerr );
    std::vector< Story::Observer * > observers;

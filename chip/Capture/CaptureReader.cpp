@@ -45,10 +45,20 @@ std::optional< CapturedFrame > CaptureReader::next() {
       refuse( "only " + std::to_string( header->caplen ) + " of its " +
               std::to_string( header->len ) + " bytes were captured; capture whole frames" );
    }
-   // The precision asked for makes these nanoseconds.
-   auto const timestamp =
-      std::chrono::seconds( header->ts.tv_sec ) + std::chrono::nanoseconds( header->ts.tv_usec );
-   return CapturedFrame{ number_, timestamp, Bytes( data, header->caplen ) };
+   return CapturedFrame{ number_, timeOf( *header ), Bytes( data, header->caplen ) };
+}
+
+// A pcapng capture can tell times that 64 bits of nanoseconds cannot.
+std::chrono::nanoseconds CaptureReader::timeOf( pcap_pkthdr const & header ) const {
+   using std::chrono::nanoseconds;
+   constexpr auto kMost = std::chrono::floor< std::chrono::seconds >( nanoseconds::max() );
+   constexpr auto kLeast = std::chrono::ceil< std::chrono::seconds >( nanoseconds::min() );
+   if ( header.ts.tv_sec >= kMost.count() || header.ts.tv_sec <= kLeast.count() ) {
+      refuse( "its time is " + std::to_string( header.ts.tv_sec ) +
+              " seconds after 1970; times of the years 1678 to 2261 are read" );
+   }
+   // The precision asked for makes the rest nanoseconds.
+   return std::chrono::seconds( header.ts.tv_sec ) + nanoseconds( header.ts.tv_usec );
 }
 
 void CaptureReader::refuse( std::string const & reason ) const {

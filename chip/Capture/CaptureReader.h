@@ -7,7 +7,8 @@
 //
 // Failures: Quelm::Error, which names the file and the frame, for a file that cannot be read, is no
 // capture or one of something else than Ethernet, ends within a frame, or holds frames of which
-// only the beginning was captured. The frames before it have been given by then.
+// only the beginning was captured or whose time is beyond that of nanoseconds in 64 bits. The
+// frames before it have been given by then.
 #pragma once
 
 #include <chrono>
@@ -18,6 +19,7 @@
 #include <Frames/Bytes.h>
 
 struct pcap;
+struct pcap_pkthdr;
 
 namespace Chip {
 
@@ -39,6 +41,7 @@ class CaptureReader {
       void operator()( pcap * handle ) const;
    };
 
+   std::chrono::nanoseconds timeOf( pcap_pkthdr const & header ) const;
    [[noreturn]] void refuse( std::string const & reason ) const;
 
    std::filesystem::path file_;

@@ -14,6 +14,9 @@ namespace {
 
 constexpr int kLongestFrame = 262144;  // what tools that read captures expect as the limit
 
+// A pcap file has 32 bits for it.
+constexpr S64 kLastSecond = 0xffffffff;
+
 // Of a pcap file: its own header, and that of each frame.
 constexpr std::uintmax_t kFileHeader = 24;
 constexpr std::uintmax_t kFrameHeader = 16;
@@ -43,6 +46,11 @@ CaptureWriter::CaptureWriter( std::filesystem::path file )
 void CaptureWriter::write( std::chrono::nanoseconds timestamp, Bytes frame ) {
    QUELM_ASSERT( dumper_ && "capture written after it failed" );
    auto const seconds = std::chrono::floor< std::chrono::seconds >( timestamp );
+   if ( seconds.count() < 0 || seconds.count() > kLastSecond ) {
+      throw Quelm::Error( "capture " + file_.string() + ": a frame's time is " +
+                          std::to_string( seconds.count() ) +
+                          " seconds after 1970; a pcap file has times of the years 1970 to 2105" );
+   }
    auto const length = static_cast< bpf_u_int32 >( frame.size() );
    pcap_pkthdr header{};
    header.ts.tv_sec = seconds.count();

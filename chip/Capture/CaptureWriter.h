@@ -3,8 +3,9 @@
 // What is written is buffered. After flush() it is in the file, whatever becomes of this process.
 // The destructor writes the rest without a word.
 //
-// Failures: Quelm::Error, which names the file, when it cannot be created or does not take what it
-// is given. Nothing is written after that, and the file ends where it was flushed last.
+// Failures: Quelm::Error, which names the file, when it cannot be created, does not take what it is
+// given, or is given a time that its form has no room for. Nothing is written after that, and the
+// file ends where it was flushed last.
 #pragma once
 
 #include <chrono>

@@ -1,5 +1,7 @@
 #include <Capture/PortCaptures.h>
 
+#include <regex>
+
 namespace Chip {
 
 void PortCaptures::transmit( VornalTypes::VornalPort port, Bytes frame ) {
@@ -19,6 +21,11 @@ void PortCaptures::flush() {
 std::filesystem::path PortCaptures::fileOf( VornalTypes::VornalPort port ) const {
    return folder_ / ( "unit" + std::to_string( port.unit() ) + "-port" +
                       std::to_string( port.logicalPort() ) + ".pcap" );
+}
+
+bool PortCaptures::isPortCapture( std::filesystem::path const & file ) {
+   static std::regex const form( "unit[0-9]{1,5}-port[0-9]{1,5}\\.pcap" );
+   return std::regex_match( file.filename().string(), form );
 }
 
 }  // namespace Chip

@@ -22,6 +22,8 @@ class PortCaptures final : public Transmitter {
 
    // The file of that port, whether or not something has left by it.
    std::filesystem::path fileOf( VornalTypes::VornalPort port ) const;
+   // Whether a file is named as these are.
+   static bool isPortCapture( std::filesystem::path const & file );
 
  private:
    std::filesystem::path folder_;

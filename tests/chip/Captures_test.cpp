@@ -130,6 +130,55 @@ TEST_F( Captures, refusesAFrameThatWasNotCapturedWhole ) {
               "frames" );
 }
 
+// A section header, an interface and a packet of pcapng, whose time is in microseconds.
+std::string pcapngAt( U64 microseconds ) {
+   std::string file;
+   auto const add = [ & ]( std::initializer_list< U32 > words ) {
+      for ( U32 const word : words ) {
+         file.append( reinterpret_cast< char const * >( &word ), sizeof word );
+      }
+   };
+   add( { 0x0a0d0d0a, 28, 0x1a2b3c4d, 1, ~U32{ 0 }, ~U32{ 0 }, 28 } );
+   add( { 1, 20, 1, 65535, 20 } );
+   add( { 6, 96, 0, static_cast< U32 >( microseconds >> 32U ), static_cast< U32 >( microseconds ),
+          64, 64 } );
+   file.append( 64, '\0' );
+   add( { 96 } );
+   return file;
+}
+
+TEST_F( Captures, keepTimesToTheEndOfWhatNanosecondsCanTell ) {
+   U64 const microsecond = 1000000;
+   U64 const last = 9223372035 * microsecond;
+   writeText( pcapngAt( last ) );
+   EXPECT_EQ( Chip::CaptureReader( file ).next()->timestamp, 9223372035s );
+
+   for ( U64 const beyond : { last + microsecond, last * 2, ~U64{ 0 } } ) {
+      writeText( pcapngAt( beyond ) );
+      EXPECT_EQ( refusal(), "capture FILE: frame 1: its time is " +
+                               std::to_string( beyond / microsecond ) +
+                               " seconds after 1970; times of the years 1678 to 2261 are read" );
+   }
+}
+
+TEST_F( Captures, refuseTimesThatAPcapFileHasNoRoomFor ) {
+   Chip::CaptureWriter writer( file );
+   writer.write( 4294967295s, ByteList( 60 ) );
+   for ( auto const time : { 4294967296s, -1s } ) {
+      try {
+         writer.write( time, ByteList( 60 ) );
+         FAIL() << "a time that comes back as another";
+      } catch ( Quelm::Error const & error ) {
+         EXPECT_EQ( std::string( error.what() ),
+                    "capture " + file.string() + ": a frame's time is " +
+                       std::to_string( time.count() ) +
+                       " seconds after 1970; a pcap file has times of the years 1970 to 2105" );
+      }
+   }
+   writer.flush();
+   EXPECT_EQ( Chip::CaptureReader( file ).next()->timestamp, 4294967295s );
+}
+
 TEST_F( Captures, refusesToWriteWhereNothingCanBe ) {
    fs::create_directory( file );
    try {

@@ -1,0 +1,80 @@
+#include <CommandLine/CaptureFolder.h>
+
+#include <vector>
+
+#include <Capture/PortCaptures.h>
+#include <Quelm/Error.h>
+
+namespace CommandLine {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void refuse( std::string const & reason ) {
+   throw Quelm::Error( "--pcap-out: " + reason );
+}
+
+void make( fs::path const & folder ) {
+   std::error_code error;
+   fs::create_directories( folder, error );
+   if ( error ) {
+      refuse( folder.string() + " is no folder and cannot be made (" + error.message() +
+              "); name one that can be written to" );
+   }
+}
+
+std::vector< fs::path > capturesIn( fs::path const & folder ) {
+   std::vector< fs::path > captures;
+   std::error_code error;
+   for ( auto const & entry : fs::directory_iterator( folder, error ) ) {
+      if ( Chip::PortCaptures::isPortCapture( entry.path() ) ) {
+         captures.push_back( entry.path() );
+      }
+   }
+   if ( error ) {
+      refuse( folder.string() + " cannot be read (" + error.message() +
+              "); name a folder that can be" );
+   }
+   return captures;
+}
+
+// A capture that is played would be gone before, or written while it is read.
+void checkNotPlayed( fs::path const & capture, Scenario::Model const & scenario ) {
+   for ( Scenario::Step const & step : scenario.steps ) {
+      auto const * const played = std::get_if< Scenario::Capture >( &step.action );
+      std::error_code notThere;
+      if ( played && fs::equivalent( played->file, capture, notThere ) ) {
+         refuse( capture.string() + " is played by the scenario, in line " +
+                 std::to_string( step.line ) + "; name another folder" );
+      }
+   }
+}
+
+void discard( fs::path const & capture ) {
+   std::error_code error;
+   fs::remove( capture, error );
+   if ( error ) {
+      refuse( capture.string() + " is of an earlier run and cannot be removed (" + error.message() +
+              "); name another folder" );
+   }
+}
+
+}  // namespace
+
+std::optional< fs::path > captureFolder( std::optional< fs::path > const & asked,
+                                         Scenario::Model const & scenario ) {
+   if ( asked ) {
+      make( *asked );
+      auto const captures = capturesIn( *asked );
+      for ( fs::path const & capture : captures ) {
+         checkNotPlayed( capture, scenario );
+      }
+      for ( fs::path const & capture : captures ) {
+         discard( capture );
+      }
+   }
+   return asked;
+}
+
+}  // namespace CommandLine
