@@ -3,6 +3,7 @@
 #include <Host/InputError.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
+#include <Scenario/ShownTraces.h>
 #include <StateDatabase/Tree.h>
 
 namespace Host {
@@ -98,9 +99,9 @@ void Agent::verify() {
    }
 }
 
-// The start-up functions of the mounter are worth a line each, unless somebody asks for less.
 void Agent::traceLevels() {
-   Trace::levelsIs( "VornalEvpnMounter", "0,8" );
+   Trace::levelsIs( std::string( Scenario::kMounterTrace ),
+                    "0," + std::to_string( Scenario::kMounterLevel ) );
    levelsAre( scenario_.trace );
    levelsAre( config_.trace );
 }

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <Host/ChipReporter.h>
+#include <Host/RuleExpectations.h>
 #include <Quelm/Error.h>
 
 namespace Host {
@@ -42,11 +42,24 @@ Finding checkOne( Scenario::AttributeEquals const & expected, Evidence const & e
    } );
 }
 
+// "it has Ethernet1, Ethernet2 and 7 more".
+std::string keysText( std::vector< std::string > keys ) {
+   constexpr std::size_t kMost = 8;
+   std::size_t const more = keys.size() > kMost ? keys.size() - kMost : 0;
+   keys.resize( keys.size() - more );
+   return keys.empty() ? "it is empty"
+                       : fmt::format( "it has {}{}", fmt::join( keys, ", " ),
+                                      more == 0 ? "" : fmt::format( " and {} more", more ) );
+}
+
 Finding checkOne( Scenario::AttributeHas const & expected, Evidence const & evidence ) {
    Scenario::AttributeAt const & at = expected.at;
    return lookAt( at, evidence, [ & ]( Kiv::Entity & entity, Kiv::Attribute const & attribute ) {
       bool const isPresent = attribute.has( entity, at.key );
-      return Finding{ isPresent == expected.isPresent, isPresent ? "it has" : "it has not" };
+      return Finding{ isPresent == expected.isPresent,
+                      isPresent ? "it has " + at.key
+                                : fmt::format( "it lacks {}; {}", at.key,
+                                               keysText( attribute.keys( entity ) ) ) };
    } );
 }
 
@@ -70,53 +83,8 @@ Finding checkOne( Scenario::TcamGroupsAskedFor const & expected, Evidence const 
 
 // --- Rules
 
-bool hasField( std::vector< Story::RuleField > const & fields,
-               Scenario::RuleFieldWanted const & wanted ) {
-   return std::any_of( fields.begin(), fields.end(), [ & ]( Story::RuleField const & field ) {
-      std::vector< U32 > numbers = field.ports.value_or( std::vector< U32 >() );
-      for ( Story::RuleValue const & value : field.values ) {
-         numbers.push_back( static_cast< U32 >( value.data ) );
-      }
-      return field.name == wanted.name && ( !wanted.numbers || *wanted.numbers == numbers );
-   } );
-}
-
-bool hasFields( std::vector< Story::RuleField > const & fields,
-                std::vector< Scenario::RuleFieldWanted > const & wanted ) {
-   return std::all_of( wanted.begin(), wanted.end(),
-                       [ & ]( auto const & field ) { return hasField( fields, field ); } );
-}
-
-bool hasPriority( Story::Rule const & rule, Scenario::RulesLike const & like ) {
-   if ( !like.priority ) {
-      return true;
-   }
-   auto const * const number = std::get_if< U32 >( &*like.priority );
-   return rule.priority == ( number ? std::optional( *number ) : std::nullopt );
-}
-
-bool isLike( Story::Rule const & rule, Scenario::RulesLike const & like ) {
-   return contains( rule.name, like.name ) && hasPriority( rule, like ) &&
-          rule.isWritten == like.isWritten.value_or( rule.isWritten ) &&
-          hasFields( rule.qualifiers, like.qualifiers ) &&
-          hasFields( rule.actions, like.actions ) && ( !like.doesNothing || rule.actions.empty() );
-}
-
 Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidence ) {
-   std::ptrdiff_t count = 0;
-   for ( auto const & [ number, unit ] : evidence.units ) {
-      auto const group = unit.groups().find( assignmentOf( expected.group ) );
-      bool const isAsked = !expected.unit || *expected.unit == number;
-      if ( isAsked && group != unit.groups().end() ) {
-         auto const & entries = group->second.entries();
-         U32 const on = number;
-         count += std::count_if( entries.begin(), entries.end(), [ & ]( auto const & entry ) {
-            return isLike( ruleOf( { on, group->first, entry.first }, entry.second ), expected );
-         } );
-      }
-   }
-   return { expected.count ? count == std::ptrdiff_t{ *expected.count } : count > 0,
-            count == 1 ? "there is one" : fmt::format( "there are {}", count ) };
+   return checkRules( expected, evidence );
 }
 
 // --- Frames
@@ -149,6 +117,40 @@ std::string verdictAt( Story::FrameForwarded const & frame, Scenario::FrameTarge
    return copy == frame.copies.end() ? "not considered" : copy->verdict;
 }
 
+// The port channel that the interface is a member of; empty when there is none.
+std::string portChannelOf( Scenario::FrameTarget const & target, Evidence const & evidence ) {
+   auto const * const intf = std::get_if< Pelk::IntfId >( &target );
+   if ( !intf ) {
+      return "";
+   }
+   auto const path =
+      Scenario::EntityPath::fromString( "/lag/config/phyIntf[" + intf->stringValue() + "]" );
+   try {
+      auto const member = evidence.finder.entity( path );
+      return StateDatabase::attributeOf( *member, "lag" ).text( *member, {} );
+   } catch ( Quelm::AccessError const & ) {
+      return "";
+   }
+}
+
+// Frames leave by a port channel, whichever of its members they take.
+std::string memberMistake( Scenario::FramesLike const & like, Evidence const & evidence ) {
+   std::vector< Scenario::FrameTarget > targets = like.reach;
+   targets.insert( targets.end(), like.neverReach.begin(), like.neverReach.end() );
+   for ( auto const & [ intf, wanted ] : like.verdicts ) {
+      targets.emplace_back( intf );
+   }
+   for ( Scenario::FrameTarget const & target : targets ) {
+      if ( std::string const portChannel = portChannelOf( target, evidence );
+           !portChannel.empty() ) {
+         std::string const intf = std::get< Pelk::IntfId >( target ).stringValue();
+         return fmt::format( "{} is a member of {}, by which frames leave as one; name {}", intf,
+                             portChannel, portChannel );
+      }
+   }
+   return "";
+}
+
 // What is wrong with the frame; empty when nothing is.
 std::string mistakeOf( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
    auto const mistake = [ & ]( Scenario::FrameTarget const & target, std::string const & verdict ) {
@@ -177,6 +179,9 @@ std::string mistakeOf( Story::FrameForwarded const & frame, Scenario::FramesLike
 }
 
 Finding checkOne( Scenario::FramesLike const & expected, Evidence const & evidence ) {
+   if ( std::string const mistake = memberMistake( expected, evidence ); !mistake.empty() ) {
+      return { false, mistake };
+   }
    U32 meant = 0;
    for ( Story::FrameForwarded const & frame : evidence.record.frames() ) {
       if ( !isMeant( frame, expected ) ) {

@@ -6,6 +6,8 @@
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
 #include <StateDatabase/Tree.h>
+#include <StateDatabase/TypeName.h>
+#include <Story/Wording.h>
 
 namespace Host {
 
@@ -142,9 +144,9 @@ void Steps::call( Scenario::Call const & action ) {
    Kiv::Type const & type = entity->typeData();
    auto const * const operation = type.findOperation( action.operation, action.arguments.size() );
    if ( !operation ) {
-      throw Quelm::AccessError( "a " + type.name() + " has no operation '" + action.operation +
-                                "' that takes " + std::to_string( action.arguments.size() ) +
-                                " arguments" );
+      throw Quelm::AccessError( StateDatabase::withArticle( type.name() ) + " has no operation '" +
+                                action.operation + "' that takes " +
+                                Story::counted( action.arguments.size(), "argument" ) );
    }
    operation->call( *entity, action.arguments );
 }

@@ -71,6 +71,10 @@ std::string describe( std::vector< Change > const & changes, bool isWithdrawn ) 
 
 // --- expectations
 
+std::string counted( U32 count, std::string const & thing ) {
+   return fmt::format( "{} {}{}", count, thing, count == 1 ? "" : "s" );
+}
+
 std::string times( std::optional< U32 > const & count ) {
    if ( !count ) {
       return "";
@@ -118,8 +122,9 @@ std::string describePriority( RulesLike const & what ) {
 
 std::string describe( RulesLike const & what ) {
    std::string text =
-      fmt::format( "{} rules in group {}{}",
-                   what.count ? std::to_string( *what.count ) : "one or more", nameOf( what.group ),
+      fmt::format( "{} in group {}{}",
+                   what.count ? counted( *what.count, "rule" ) : "one or more rules",
+                   nameOf( what.group ),
                    what.unit ? fmt::format( " of unit {}", *what.unit ) : "" );
    auto const add = [ & ]( bool isAsked, std::string const & more ) {
       text += isAsked ? ", " + more : "";
@@ -177,8 +182,13 @@ std::string describe( InStep const & what ) {
 }
 
 std::string describe( DifferencesLike const & what ) {
-   return fmt::format( "an audit finds {} {}", what.count ? std::to_string( *what.count ) : "some",
-                       what.kind ? nameOf( *what.kind ) : "differences" );
+   if ( what.kind ) {
+      return fmt::format( "an audit finds {} {}",
+                          what.count ? std::to_string( *what.count ) : "some",
+                          nameOf( *what.kind ) );
+   }
+   return "an audit finds " +
+          ( what.count ? counted( *what.count, "difference" ) : "some differences" );
 }
 
 // --- steps
@@ -258,7 +268,9 @@ std::string describe( FailCall const & step ) {
 }
 
 std::string describe( ForeignEntries const & step ) {
-   return fmt::format( "others hold {} entries of group {} on {}", step.count, nameOf( step.group ),
+   return fmt::format( "others hold {} of group {} on {}",
+                       step.count == 1 ? "1 entry" : fmt::format( "{} entries", step.count ),
+                       nameOf( step.group ),
                        step.unit ? fmt::format( "unit {}", *step.unit ) : "each unit" );
 }
 

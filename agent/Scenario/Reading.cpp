@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
+#include <Scenario/ShownTraces.h>
+
 namespace Scenario {
 
 namespace {
@@ -51,7 +53,7 @@ std::optional< U16 > Reading::module( U16 unit, int line ) {
 }
 
 bool Reading::isTraced( std::string_view handle, int level ) const {
-   bool isOn = level == 0;
+   bool isOn = isShownFromTheStart( handle, level );
    for ( auto const & [ names, levels ] : trace_ ) {
       isOn = matches( names, handle ) ? ( levels >> level & 1U ) != 0 : isOn;
    }

@@ -1,6 +1,7 @@
 #include <StateDatabase/Finder.h>
 
 #include <Quelm/Error.h>
+#include <StateDatabase/TypeName.h>
 
 namespace StateDatabase {
 
@@ -36,8 +37,8 @@ Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string cons
    for ( Kiv::Attribute const * const attribute : entity.typeData().attributes() ) {
       known += ( known.empty() ? "" : ", " ) + attribute->name();
    }
-   throw Quelm::AccessError( "a " + entity.typeData().name() + " has no attribute '" + name + "'" +
-                             ( known.empty() ? "" : "; it has " + known ) );
+   throw Quelm::AccessError( withArticle( entity.typeData().name() ) + " has no attribute '" +
+                             name + "'" + ( known.empty() ? "" : "; it has " + known ) );
 }
 
 Finder::Root Finder::rootOf( Scenario::EntityPath const & path ) const {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <Quelm/Error.h>
+#include <StateDatabase/TypeName.h>
 
 namespace StateDatabase {
 
@@ -53,7 +54,8 @@ std::string Group::problemOf( Corrum::Mount const & mount ) const {
    }
    auto const entity = context_.directory.entity( mount.path );
    if ( entity && !isOfType( *entity, mount.type ) ) {
-      return mount.path + " is a " + entity->typeData().name() + ", not a " + mount.type;
+      return mount.path + " is " + withArticle( entity->typeData().name() ) + ", not " +
+             withArticle( mount.type );
    }
    return {};
 }

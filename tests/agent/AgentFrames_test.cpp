@@ -179,7 +179,34 @@ TEST_F( Frames, come_and_go_over_a_port_channel_as_underlay ) {
    EXPECT_EQ( told[ 3 ].copies.back().intf, "Port-Channel49" );
 }
 
+// Of a port channel with a member that has a port.
+std::string const kWithMember =
+   "  - publish: { interfaces: { Ethernet2: { unit: 0, port: 2 } } }\n" + kFromPeer;
+
+TEST_F( Frames, are_never_expected_at_a_member_of_a_port_channel ) {
+   runText( kSwitch + kForwarding + kWithMember +
+            "  - expect:\n"
+            "      - frames: { reach: [ Port-Channel2 ] }\n"
+            "      - frames: { reach: [ Ethernet2 ] }\n"
+            "      - frames: { never-reach: [ Ethernet2 ] }\n"
+            "      - frames: { verdicts: { Ethernet2: sent } }\n" );
+
+   auto const told = story.all< Story::ExpectationChecked >();
+   ASSERT_EQ( told.size(), 4U );
+   EXPECT_TRUE( told[ 0 ].held );
+   for ( std::size_t n = 1; n < told.size(); ++n ) {
+      EXPECT_FALSE( told[ n ].held );
+      EXPECT_EQ( told[ n ].found,
+                 "Ethernet2 is a member of Port-Channel2, by which frames leave as one; name "
+                 "Port-Channel2" );
+   }
+}
+
 // --- The program
+
+bool contains( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
 
 class FramesOfProgram : public testing::Test {
  protected:
@@ -207,6 +234,54 @@ TEST_F( FramesOfProgram, leave_into_captures_one_for_each_port ) {
    EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 2U );
    EXPECT_EQ( framesIn( "unit0-port3.pcap" ), 2U );
    EXPECT_FALSE( std::filesystem::exists( out / "unit0-port49.pcap" ) );
+}
+
+TEST_F( FramesOfProgram, are_in_the_captures_when_the_plug_in_stops ) {
+   auto const out = directory.path() / "out";
+   auto const ran = Support::vornal(
+      { "run",
+        scenario( kFromPeer + "  - ready: subagents::l2Ready\n" + kFromPeer +
+                  "  - call: { entity: "
+                  "/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm,\n"
+                  "            operation: handleTepSegment, arguments: [ 10.0.0.2 ] }\n" )
+           .string(),
+        "--pcap-out", out.string() } );
+
+   EXPECT_EQ( ran.exitCode, 3 ) << ran.out;
+   EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 2U );
+   EXPECT_EQ( framesIn( "unit0-port3.pcap" ), 1U );
+}
+
+TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
+   auto const out = directory.path() / "out";
+   std::filesystem::create_directories( out );
+   directory.file( "out/unit0-port7.pcap", "of an earlier run" );
+   directory.file( "out/notes.txt", "" );
+   directory.file( "out/unit0-port7.pcap.old", "" );
+   auto const ran =
+      Support::vornal( { "run", scenario( kFromPeer ).string(), "--pcap-out", out.string() } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 1U );
+   EXPECT_FALSE( std::filesystem::exists( out / "unit0-port7.pcap" ) );
+   EXPECT_TRUE( std::filesystem::exists( out / "notes.txt" ) );
+   EXPECT_TRUE( std::filesystem::exists( out / "unit0-port7.pcap.old" ) );
+}
+
+TEST_F( FramesOfProgram, do_not_replace_a_capture_that_the_scenario_plays ) {
+   auto const out = directory.path() / "out";
+   auto const ran = [ & ]( std::string const & steps ) {
+      return Support::vornal( { "run", scenario( steps ).string(), "--pcap-out", out.string() } );
+   };
+   ASSERT_EQ( ran( kFromPeer ).exitCode, 0 );
+   auto const refused = ran( "  - capture: { file: out/unit0-port1.pcap, on: Ethernet3 }\n" );
+
+   EXPECT_EQ( refused.exitCode, 2 );
+   EXPECT_TRUE( contains( refused.err,
+                          "unit0-port1.pcap is played by the scenario, in line 18; "
+                          "name another folder\n" ) )
+      << refused.err;
+   EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 1U );
 }
 
 TEST_F( FramesOfProgram, cannot_leave_into_a_file ) {

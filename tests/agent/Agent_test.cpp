@@ -220,7 +220,7 @@ TEST_F( Agent, ends_at_a_step_that_names_what_is_not_there_with_its_place ) {
       "   - note: never reached\n" );
 
    EXPECT_EQ( badInput(),
-              "leaf.yaml:21: a Evpn::EvpnStatus has no attribute 'segments'; it has "
+              "leaf.yaml:21: an Evpn::EvpnStatus has no attribute 'segments'; it has "
               "segmentStatus" );
    EXPECT_TRUE( inStep< Story::StepBegins >( 3 ).empty() );
    EXPECT_TRUE( std::holds_alternative< Story::BadInput >( story.events().back() ) );
@@ -238,7 +238,7 @@ TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
                  "attribute 'lag' has no keys; leave the key out" },
            Case{
               "call: { entity: /plugins/Sample::Mounter, operation: finishInit, arguments: [ 1 ] }",
-              "has no operation 'finishInit' that takes 1 arguments" },
+              "has no operation 'finishInit' that takes 1 argument" },
            Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, value: "
                  "/lag/config }",
                  "not a Lag::Config" } } ) {
@@ -293,11 +293,35 @@ TEST_F( Agent, says_what_was_found_when_an_expectation_does_not_hold ) {
       EXPECT_FALSE( expectation.held );
       found.push_back( expectation.found );
    }
-   EXPECT_EQ( found, ( std::vector< std::string >{
-                        "it is not ready", "it asked for none", "it has not", "it is 1",
-                        "there is no key 5", "there is no entity at 'segmentStatus[Ethernet2]'",
-                        "there are 0", "it is there 0 times" } ) );
+   EXPECT_EQ( found,
+              ( std::vector< std::string >{
+                 "it is not ready", "it asked for none", "it lacks Ethernet2; it has Ethernet1",
+                 "it is 1", "there is no key 5", "there is no entity at 'segmentStatus[Ethernet2]'",
+                 "there are 0; the group has no other rules", "it is there 0 times" } ) );
    EXPECT_EQ( story.all< Story::ExpectationChecked >().at( 0 ).place, "leaf.yaml:21" );
+}
+
+TEST_F( Agent, names_the_rule_that_comes_nearest_and_what_differs ) {
+   run(
+      "   - ready: subagents::l2Ready\n"
+      "   - publish: { segments: { Ethernet2: [] } }\n"
+      "   - expect:\n"
+      "      - rules: { group: ingress, name: Ethernet2, priority: 2, actions: { EgressMask: [ 4 ] "
+      "} }\n"
+      "      - rules: { group: ingress, name: Sample, count: 3 }\n"
+      "      - rules: { group: ingress, name: Sample, count: 1 }\n"
+      "      - rules: { group: ingress, name: Ethernet, qualifiers: { IpType: }, count: 1 }\n" );
+
+   std::vector< std::string > found;
+   for ( auto const & expectation : story.all< Story::ExpectationChecked >() ) {
+      found.push_back( expectation.found );
+   }
+   EXPECT_EQ( found, ( std::vector< std::string >{
+                        "there are 0; the nearest is unit 0, ingress group 157, entry 2, \"Sample "
+                        "Ethernet2\", which has priority 1 and EgressMask 3",
+                        "there are 2; the group has no other rules", "there are 2",
+                        "there are 0; the nearest is unit 0, ingress group 157, entry 1, \"Sample "
+                        "Ethernet1\", which has no IpType" } ) );
 }
 
 TEST_F( Agent, goes_on_after_an_expectation_that_did_not_hold ) {

@@ -69,7 +69,7 @@ TEST_F( Finder, lists_the_beginnings_when_a_path_has_none_of_them ) {
 
 TEST_F( Finder, says_which_attributes_there_are_when_one_does_not_exist ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segments" ),
-              "a Evpn::EvpnStatus has no attribute 'segments'; it has segmentStatus" );
+              "an Evpn::EvpnStatus has no attribute 'segments'; it has segmentStatus" );
 }
 
 TEST_F( Finder, says_whether_a_key_is_needed ) {

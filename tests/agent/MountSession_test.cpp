@@ -74,7 +74,7 @@ TEST_F( MountSession, is_partial_when_an_entity_is_of_another_type_and_says_whic
    EXPECT_EQ( told, MountStatus::Partial );
    EXPECT_EQ( story.all< Story::MountsDone >().at( 0 ).problems,
               std::vector< std::string >{
-                 "evpn/status is a Evpn::EvpnStatus, not a Lag::Config" } );
+                 "evpn/status is an Evpn::EvpnStatus, not a Lag::Config" } );
 }
 
 TEST_F( MountSession, fails_when_no_mount_succeeds ) {

@@ -86,7 +86,7 @@ TEST( ScenarioExpectations, DescribeRulesByWhatTheyMatchAndDo ) {
    EXPECT_EQ( describedOf( "{ rules: { group: ingress, name: from vtep, state: written,\n"
                            "           priority: 1, qualifiers: { SrcVxlanGport: 0x56000002 },\n"
                            "           actions: { EgressMask: [ 3, 4 ] }, count: 1 } }" ),
-              "1 rules in group ingress, named \"from vtep\", matching SrcVxlanGport 1442840578, "
+              "1 rule in group ingress, named \"from vtep\", matching SrcVxlanGport 1442840578, "
               "doing EgressMask 3, 4, priority 1, written" );
    EXPECT_EQ( describedOf( "{ rules: { group: ingress, priority: default, actions: none,\n"
                            "           qualifiers: { TunnelTerminated: }, state: staged-only } }" ),
@@ -218,6 +218,8 @@ TEST( ScenarioExpectations, RefuseATraceLineThatIsNotTraced ) {
       "VornalEvpnSm: 0-0 }'" )
       << "the levels given replace level 0, which is on otherwise";
    EXPECT_EQ( expectProblems( "{ trace: { handle: ApiVornal, level: 0, text: a } }" ), "" );
+   EXPECT_EQ( expectProblems( "{ trace: { handle: VornalEvpnMounter, level: 8, text: a } }" ), "" )
+      << "shown without anybody's asking";
    EXPECT_EQ(
       leafProblems( "trace: { Vornal*: 0-8, VornalEvpnSm: 1 }\n"
                     "steps: [ { expect: { trace: { handle: VornalEvpnSm, level: 8,\n"

@@ -1,0 +1,16 @@
+// What text traces show without anybody's asking: level 0 of every handle, and the start-up
+// functions of the plug-in's mounter, which are worth a line each.
+#pragma once
+
+#include <string_view>
+
+namespace Scenario {
+
+inline constexpr std::string_view kMounterTrace = "VornalEvpnMounter";
+inline constexpr int kMounterLevel = 8;
+
+constexpr bool isShownFromTheStart( std::string_view handle, int level ) {
+   return level == 0 || ( handle == kMounterTrace && level == kMounterLevel );
+}
+
+}  // namespace Scenario
