@@ -42,5 +42,5 @@ install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
 set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
 install( TARGETS vornal RUNTIME DESTINATION bin )
 
-install( DIRECTORY scenarios DESTINATION share/vornal )
-install( FILES docs/scenario.schema.json DESTINATION share/vornal )
+# Documents and scenarios lead to each other by relative paths, as here.
+install( DIRECTORY scenarios docs DESTINATION share/vornal )
