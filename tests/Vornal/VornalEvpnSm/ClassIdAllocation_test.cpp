@@ -281,6 +281,14 @@ TEST_F( ClassIdAllocation, AGrantThatWasNeverUsedIsGivenBack ) {
    EXPECT_EQ( leaf.requests(), Lines{} );
 }
 
+TEST_F( ClassIdAllocation, AWithdrawnRequestIsNotSpokenOfAsAnIdThatWasFreed ) {
+   leaf.share( "Port-Channel1", { "10.0.0.2" } );
+   auto & sm = leaf.start();
+   sm.deleteTcamEntries( 1, ip( "10.0.0.2" ) );
+   EXPECT_EQ( leaf.requests(), Lines{} );
+   EXPECT_TRUE( leaf.tracesOf( "5 deleteTcamEntries freed" ).empty() );
+}
+
 TEST_F( ClassIdAllocation, OnTwoUnitsAChangedVirtualPortKeepsTheClassId ) {
    leaf.share( "Port-Channel1", { "10.0.0.2" } );
    auto & sm = leaf.start();

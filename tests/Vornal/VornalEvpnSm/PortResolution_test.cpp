@@ -123,6 +123,17 @@ TEST_F( TwoUnits, AMemberChangeVisitsEachVtepAndForItEachUnit ) {
                       } ) );
 }
 
+TEST_F( TwoUnits, AMemberChangeLeavesAUnitWithoutTheVtepsRulesAlone ) {
+   leaf.board.entryManager( Vornal::kIfpLocalBiasGroup )->foreignEntriesIs( 1, 64 );
+   leaf.vtepIs( "10.0.0.2", 2 );
+   auto const sm = leaf.machineNew( Variant::EgressMask );
+   leaf.forget();
+   leaf.memberIs( "Port-Channel2", "Ethernet1" );
+   EXPECT_EQ( leaf.tracesOf( "5 updateTcamEntries" ),
+              ( Lines{
+                 "5 updateTcamEntries, unit: 0, tepIp: 10.0.0.2, add 1, intfId: Ethernet1" } ) );
+}
+
 TEST_F( TwoUnits, ALostPortUpdatesOnTheUnitThatTheCachedMapKnows ) {
    leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
    leaf.interfaceIs( "Ethernet12", 1, 2 );

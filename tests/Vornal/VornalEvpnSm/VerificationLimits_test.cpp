@@ -113,6 +113,17 @@ TEST_F( EgressMaskLimitsDeathTest, APortChannelWithALivePortCountsOneEvenWithout
    EXPECT_DEATH( sm->handleVerify(), countDiffers );
 }
 
+// What is no port channel has no members, whatever the mapping says of it.
+TEST_F( EgressMaskLimitsDeathTest, AnInterfaceThatIsNoPortChannelCountsNothingWithoutALivePort ) {
+   shareEthernet1();
+   leaf.segmentIs( "Ethernet7", { "10.0.0.2" } );
+   start();
+   auto const misnamed = Quelm::make< Lag::LagPhyIntfConfig >( intf( "Ethernet7" ) );
+   misnamed->phyIntfIs( intf( "Ethernet1" ) );
+   leaf.lagMapping->lagPhyIntfConfigIs( misnamed );
+   sm->handleVerify();
+}
+
 // --- Several units
 
 TEST_F( TwoUnitLimitsDeathTest, APhysicalSegmentInterface ) {
