@@ -274,7 +274,7 @@ TEST_F( FramesOfProgram, do_not_replace_a_capture_that_the_scenario_plays ) {
       return Support::vornal( { "run", scenario( steps ).string(), "--pcap-out", out.string() } );
    };
    ASSERT_EQ( ran( kFromPeer ).exitCode, 0 );
-   auto const refused = ran( "  - capture: { file: out/unit0-port1.pcap, on: Ethernet3 }\n" );
+   auto const refused = ran( "  - frames: { capture: out/unit0-port1.pcap, on: Ethernet3 }\n" );
 
    EXPECT_EQ( refused.exitCode, 2 );
    EXPECT_TRUE( contains( refused.err,
