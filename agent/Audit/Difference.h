@@ -19,10 +19,12 @@ enum class Kind : U8 {
    wrongMask,          // it compares under another mask, or masks other ports
    wrongAction,        // it does something else
    wrongPriority,      // it stands elsewhere among the rules
+   stagedDiffers,      // it is right in the hardware, and something else is staged for it
    notRetried,         // it was refused while the group was full, and is not asked for again
    ruleWithoutRecord,  // the chip has it, the plug-in does not know
    recordWithoutRule,  // the plug-in has a record of it, the chip does not have it
    recordDiffers,      // a record says something else than the state does
+   unneededRequest,    // a class id is asked for, for a VTEP that needs no rules
    // --- Known: not as the state alone says, and all right
    noRoom,             // the group has no room for the rule
    queued,             // there was no room for the rule, and the plug-in will ask again
@@ -38,10 +40,12 @@ inline constexpr std::array kKinds{ Kind::missingRule,
                                     Kind::wrongMask,
                                     Kind::wrongAction,
                                     Kind::wrongPriority,
+                                    Kind::stagedDiffers,
                                     Kind::notRetried,
                                     Kind::ruleWithoutRecord,
                                     Kind::recordWithoutRule,
                                     Kind::recordDiffers,
+                                    Kind::unneededRequest,
                                     Kind::noRoom,
                                     Kind::queued,
                                     Kind::waitingForClassId,

@@ -41,6 +41,7 @@ class RecordCheck {
       checkEgressPorts();
       checkClassIds();
       checkClassIdUsers();
+      checkClassIdRequests();
       checkQueue();
    }
 
@@ -196,11 +197,12 @@ class RecordCheck {
       return units;
    }
 
-   void addVtep( IpGenAddr const & vtep, char const * name, std::string is, std::string shouldBe ) {
+   void addVtep( IpGenAddr const & vtep, char const * name, std::string is, std::string shouldBe,
+                 Kind kind = Kind::recordDiffers ) {
       VtepOn const anywhere{ state_.modules.empty() ? U16{ 0 } : state_.modules.begin()->first,
                              vtep };
       add( {}, fmt::format( "{}[{}]", name, vtep.stringValue() ), std::move( is ),
-           std::move( shouldBe ), because( anywhere ) );
+           std::move( shouldBe ), because( anywhere ), kind );
    }
 
    void checkClassIds() {
@@ -230,6 +232,20 @@ class RecordCheck {
          if ( is != shouldBe ) {
             addVtep( vtep, "i2eTepIpClassIdRefCount", std::to_string( is ),
                      std::to_string( shouldBe ) );
+         }
+      }
+   }
+
+   // Requests are the plug-in's own: it drops those of an earlier run when it starts.
+   void checkClassIdRequests() {
+      if ( !state_.isPluginReady || !state_.isClassIdVariant ) {
+         return;
+      }
+      auto const active = activeVteps( state_ );
+      for ( IpGenAddr const & vtep : state_.classIdRequests ) {
+         if ( !active.contains( vtep ) ) {
+            addVtep( vtep, "i2eClassIdIndexConfig/remoteESPeerVtep", "present", kAbsent,
+                     Kind::unneededRequest );
          }
       }
    }

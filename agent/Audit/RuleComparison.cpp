@@ -31,6 +31,7 @@ class RuleCheck {
          add( Kind::wrongPriority, "priority", priorityText( written().priority ),
               priorityText( rule_.content.priority ) );
       }
+      checkStaged();
    }
 
  private:
@@ -56,6 +57,35 @@ class RuleCheck {
            textOf( action, shouldBe ) );
    }
 
+   // What the next reinstall would change for the worse. Where the hardware is wrong already, that
+   // is what counts.
+   void checkStaged() {
+      for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
+         checkStagedPart( qualifier );
+      }
+      for ( Chip::Action const action : Chip::kActions ) {
+         checkStagedPart( action );
+      }
+      if ( isOnlyStaged( written().priority, rule_.content.priority, staged().priority ) ) {
+         add( Kind::stagedDiffers, "priority", priorityText( staged().priority ) + kStaged,
+              priorityText( rule_.content.priority ) );
+      }
+   }
+
+   template< typename Part > void checkStagedPart( Part part ) {
+      if ( isOnlyStaged( written()[ part ], rule_.content[ part ], staged()[ part ] ) ) {
+         add( Kind::stagedDiffers, nameOf( part ), textOf( part, staged()[ part ] ) + kStaged,
+              textOf( part, rule_.content[ part ] ) );
+      }
+   }
+
+   template< typename T >
+   static bool isOnlyStaged( T const & written, T const & wanted, T const & staged ) {
+      return written == wanted && staged != written;
+   }
+
+   static constexpr char const * kStaged = ", staged for the next reinstall";
+
    void add( Kind kind, std::string_view field, std::string is, std::string shouldBe ) {
       Difference difference = about( what_, kind, entry_.name() );
       difference.entry = entry_.id();
@@ -67,6 +97,7 @@ class RuleCheck {
    }
 
    EntryContent const & written() const { return *entry_.written(); }
+   EntryContent const & staged() const { return entry_.staged(); }
 
    RuleFor const & what_;
    WantedRule const & rule_;

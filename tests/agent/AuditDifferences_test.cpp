@@ -253,6 +253,35 @@ TEST_F( AuditDifferences, records_of_class_ids ) {
    EXPECT_EQ( stray.shouldBe, "absent" );
 }
 
+std::string const kRequests = "entity: /hardware/vornal/i2eclassid/config/slice/1";
+
+TEST_F( AuditDifferences, a_request_that_is_left_over ) {
+   auto const found = only( classIdLeaf(), "   - class-id-allocator: paused\n" +
+                                              set( kRequests,
+                                                   "attribute: remoteESPeerVtep, key: 10.0.0.3, "
+                                                   "value: true" ) );
+
+   EXPECT_EQ( nameOf( found.kind ), "unneeded-request" );
+   EXPECT_FALSE( isKnown( found.kind ) );
+   EXPECT_EQ( found.unit, std::nullopt );
+   EXPECT_EQ( found.field, "i2eClassIdIndexConfig/remoteESPeerVtep[10.0.0.3]" );
+   EXPECT_EQ( found.is, "present" );
+   EXPECT_EQ( found.shouldBe, "absent" );
+   EXPECT_EQ( found.because, "VTEP 10.0.0.3 shares no segment" );
+}
+
+TEST_F( AuditDifferences, a_request_for_a_vtep_without_a_virtual_port ) {
+   auto const found = only( classIdLeaf(),
+                            "   - class-id-allocator: paused\n"
+                            "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" +
+                               set( kRequests,
+                                    "attribute: remoteESPeerVtep, key: 10.0.0.9, "
+                                    "value: true" ) );
+
+   EXPECT_EQ( nameOf( found.kind ), "unneeded-request" );
+   EXPECT_EQ( found.because, "VTEP 10.0.0.9 has no virtual port" );
+}
+
 TEST_F( AuditDifferences, a_queue_for_what_is_there ) {
    auto const found =
       only( Leaf(),

@@ -33,6 +33,16 @@ TEST_F( AuditKnown, a_class_id_that_nobody_asks_for_is_not_waited_for ) {
    EXPECT_EQ( kinds( audited ), "missing-rule missing-rule" ) << words( audited );
 }
 
+TEST_F( AuditKnown, a_request_is_nobodys_on_a_switch_without_class_ids ) {
+   auto const audited =
+      auditAfter( Leaf(),
+                  "   - set: { entity: /hardware/vornal/i2eclassid/config/slice/1,\n"
+                  "            attribute: remoteESPeerVtep, key: 10.0.0.3,\n"
+                  "            value: true }\n" );
+
+   EXPECT_EQ( kinds( audited ), "" ) << words( audited );
+}
+
 TEST_F( AuditKnown, rules_keep_a_class_id_that_is_withdrawn ) {
    auto const audited =
       auditAfter( classIdLeaf(), "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
@@ -130,6 +140,13 @@ TEST_F( AuditKnown, another_tunnel_interface_leaves_its_vni_rules_behind ) {
    EXPECT_EQ( kinds( audited ), "left-behind" ) << words( audited );
    EXPECT_EQ( audited.differences[ 0 ].rule,
               "Skip shared ES pruning for packets with vni 50002 - No-op" );
+}
+
+TEST_F( AuditKnown, a_tunnel_interface_that_is_replaced_in_place_leaves_a_rule_that_is_not_known ) {
+   auto const audited = auditAfter(
+      Leaf(), "   - replace: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50003 } } } }\n" );
+
+   EXPECT_EQ( kinds( audited ), "missing-rule unexpected-rule" ) << words( audited );
 }
 
 TEST_F( AuditKnown, vxlan1_takes_the_vni_rules_of_all_with_it ) {

@@ -6,10 +6,8 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
-#include <AuditRun.h>
 #include <Drift/Drift.h>
-#include <Host/Environment.h>
-#include <Host/LoadedPlugin.h>
+#include <LiveSwitch.h>
 #include <Scenario/Description.h>
 
 #include <sys/wait.h>
@@ -21,66 +19,20 @@ using Scenario::Drift;
 
 constexpr int kDriftsOfEach = 3;
 
-// A switch that is up.
-class Switch {
- public:
-   explicit Switch( Leaf const & leaf )
-         : scenario_(
-              Scenario::readText( leaf.text( "   - ready: subagents::l2Ready\n" ), "leaf.yaml" ) ),
-           environment_( scenario_, ring_.bytes(), story_ ) {
-      environment_.steps().queuePublished( scenario_.published );
-      environment_.activity().run();
-      environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
-      plugin_.emplace( Support::plugin(), "1", environment_ );
-      plugin_->start();
-      environment_.activity().run();
-      environment_.steps().queue( scenario_.steps.at( 0 ) );
-      environment_.activity().run();
-      for ( auto const & event : story_.events() ) {
-         rules_.take( event );
+// The rules of a switch that has just come up.
+std::vector< Story::Rule > rulesOf( LiveSwitch const & device ) {
+   std::map< Story::RuleKey, Story::Rule > byKey;
+   for ( Story::Event const & event : device.events() ) {
+      if ( auto const * const is = std::get_if< Story::RuleIs >( &event ) ) {
+         byKey.insert_or_assign( is->rule.key, is->rule );
       }
    }
-
-   // The rules as they were before any drift.
-   std::vector< Story::Rule > rules() const { return rules_.all(); }
-
-   Story::Audited audited() {
-      story_.clear();
-      environment_.steps().queueVerification( Scenario::Verify::audit );
-      environment_.activity().run();
-      return story_.all< Story::Audited >().at( 0 );
+   std::vector< Story::Rule > rules;
+   for ( auto const & [ key, rule ] : byKey ) {
+      rules.push_back( rule );
    }
-
-   void drifts( Drift const & drift ) {
-      Scenario::Step const step{ drift, 1 };
-      environment_.steps().queue( step );
-      environment_.activity().run();
-   }
-
- private:
-   struct Rules {
-      void take( Story::Event const & event ) {
-         if ( auto const * const is = std::get_if< Story::RuleIs >( &event ) ) {
-            byKey.insert_or_assign( is->rule.key, is->rule );
-         }
-      }
-      std::vector< Story::Rule > all() const {
-         std::vector< Story::Rule > result;
-         for ( auto const & [ key, rule ] : byKey ) {
-            result.push_back( rule );
-         }
-         return result;
-      }
-      std::map< Story::RuleKey, Story::Rule > byKey;
-   };
-
-   Process::RingMemory ring_;
-   Support::Recorder story_;
-   Scenario::Model scenario_;
-   Host::Environment environment_;
-   std::optional< Host::LoadedPlugin > plugin_;
-   Rules rules_;
-};
+   return rules;
+}
 
 // --- Any one change of a rule
 
@@ -184,15 +136,15 @@ bool isAbout( Audit::Difference const & difference, Drift const & drift ) {
    return difference.unit == drift.unit && !isKnown( difference.kind );
 }
 
-bool isFound( Drift const & drift, Switch & device ) {
-   device.drifts( drift );
+bool isFound( Drift const & drift, LiveSwitch & device ) {
+   device.take( { drift, 1 } );
    auto const found = device.audited().differences;
    return std::any_of( found.begin(), found.end(),
                        [ & ]( auto const & one ) { return isAbout( one, drift ); } );
 }
 
 // Whether the audit finds it in a copy of this process; the switch here stays as it is.
-bool isFoundInCopy( Drift const & drift, Switch & device ) {
+bool isFoundInCopy( Drift const & drift, LiveSwitch & device ) {
    pid_t const pid = fork();
    if ( pid == 0 ) {
       _exit( isFound( drift, device ) ? EXIT_SUCCESS : EXIT_FAILURE );
@@ -213,9 +165,9 @@ class DriftProperty : public testing::TestWithParam< Kind > {};
 
 // rapidcheck tries a hundred times and prints its seed.
 TEST_P( DriftProperty, theAuditFindsEverySingleDrift ) {
-   Switch device( GetParam().leaf );
+   LiveSwitch device( GetParam().leaf );
+   auto const rules = rulesOf( device );
    ASSERT_TRUE( device.audited().differences.empty() );
-   auto const rules = device.rules();
    EXPECT_TRUE( rc::check( [ & ] {
       for ( int n = 0; n < kDriftsOfEach; ++n ) {
          Drift const drift = anyDrift( rules );

@@ -1,0 +1,62 @@
+// What is staged for an entry and not written: what the next reinstall would make of a right rule.
+//
+// Entries of the leaf: 1 and 2 the unicast exemptions, 3 VTEP 10.0.0.2, 4 VTEP 10.0.0.4, 5 the VNI.
+#include <LiveSwitch.h>
+#include <Shim/Shim.h>
+
+namespace {
+
+using Audit::Difference;
+using Audit::Kind;
+
+class AuditStaged : public testing::Test {
+ protected:
+   Difference only() {
+      auto const audited = leaf1.audited();
+      EXPECT_EQ( audited.differences.size(), 1U );
+      return audited.differences.empty() ? Difference() : audited.differences.front();
+   }
+
+   LiveSwitch leaf1{ Leaf() };
+};
+
+TEST_F( AuditStaged, nothing_is_found_while_all_is_written_as_it_is_staged ) {
+   Shim::sdk_->bcm_field_qualify_SrcVxlanGport( 0, 3, 0x56000002 );
+
+   EXPECT_TRUE( leaf1.audited().differences.empty() ) << "it has been staged before";
+}
+
+TEST_F( AuditStaged, a_qualifier_that_is_staged_with_another_value_is_found ) {
+   Shim::sdk_->bcm_field_qualify_SrcVxlanGport( 0, 3, 0x56000007 );
+
+   Difference const found = only();
+   EXPECT_EQ( nameOf( found.kind ), "staged-differs" );
+   EXPECT_FALSE( isKnown( found.kind ) );
+   EXPECT_EQ( found.entry, 3U );
+   EXPECT_EQ( found.field, "SrcVxlanGport" );
+   EXPECT_EQ( found.is, "0x56000007, staged for the next reinstall" );
+   EXPECT_EQ( found.shouldBe, "0x56000002" );
+   EXPECT_NE( found.because, "" );
+}
+
+TEST_F( AuditStaged, an_action_that_is_staged_beside_those_in_the_hardware_is_found ) {
+   Shim::sdk_->bcm_field_action_add( 0, 1, bcmFieldActionNewClassId, 9, 0 );
+
+   Difference const found = only();
+   EXPECT_EQ( nameOf( found.kind ), "staged-differs" );
+   EXPECT_EQ( found.field, "NewClassId" );
+   EXPECT_EQ( found.is, "9, staged for the next reinstall" );
+   EXPECT_EQ( found.shouldBe, "absent" );
+}
+
+TEST_F( AuditStaged, a_part_that_is_wrong_in_the_hardware_is_found_once ) {
+   Scenario::Drift drift;
+   drift.group = Scenario::TcamGroup::ingress;
+   drift.rule = U32{ 5 };
+   drift.change = Scenario::PriorityIs{ 9 };
+   leaf1.take( { drift, 1 } );
+
+   EXPECT_EQ( nameOf( only().kind ), "wrong-priority" ) << "what is staged is right";
+}
+
+}  // namespace
