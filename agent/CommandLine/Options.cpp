@@ -1,5 +1,6 @@
 #include <CommandLine/Options.h>
 
+#include <cmath>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
@@ -15,6 +16,8 @@ namespace {
 constexpr char const * kExitCodes =
    "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
    "the process";
+
+constexpr double kLongestTurnLimit = 86400;  // a day, in seconds
 
 // Reads "HANDLE/LEVELS".
 Scenario::TraceLevels traceOf( std::string const & text ) {
@@ -56,13 +59,22 @@ struct Words {
    std::string path;
    bool isJson = false;
    bool isAfterEachStep = false;
+   double turnLimit = std::chrono::duration< double >( kTurnLimit ).count();
 
+   std::chrono::milliseconds turnLimitOption() const {
+      if ( std::isnan( turnLimit ) ) {
+         throw CLI::ValidationError( "--turn-limit", "this is no number of seconds" );
+      }
+      return std::chrono::ceil< std::chrono::milliseconds >(
+         std::chrono::duration< double >( turnLimit ) );
+   }
    std::optional< std::filesystem::path > pluginFile() const {
       return plugin.empty() ? std::nullopt : std::optional< std::filesystem::path >( plugin );
    }
 
    RunOptions runOptions() const {
-      RunOptions options{ scenario, pluginFile(), std::nullopt, {}, isJson, std::nullopt };
+      RunOptions options{ scenario, pluginFile(), std::nullopt,     {},
+                          isJson,   std::nullopt, turnLimitOption() };
       if ( !captures.empty() ) {
          options.captures = captures;
       }
@@ -76,7 +88,7 @@ struct Words {
    }
 
    ShowOptions showOptions() const {
-      ShowOptions options{ scenario, std::nullopt, pluginFile(), isJson };
+      ShowOptions options{ scenario, std::nullopt, pluginFile(), isJson, turnLimitOption() };
       if ( !path.empty() ) {
          options.path = pathOf( path );
       }
@@ -92,6 +104,13 @@ void addScenarioOptions( CLI::App & command, Words & words ) {
                    "none is given" )
       ->type_name( "FILE" );
    command.add_flag( "--json", words.isJson, "Print one JSON document instead of text" );
+   command
+      .add_option( "--turn-limit", words.turnLimit,
+                   "How long a turn of the plug-in may take before it counts as hanging; 0 for as "
+                   "long as it likes" )
+      ->type_name( "SECONDS" )
+      ->check( CLI::Range( 0.0, kLongestTurnLimit, "0 to 86400" ) )
+      ->capture_default_str();
 }
 
 void addRun( CLI::App & app, Words & words ) {
@@ -149,8 +168,8 @@ Command commandOf( CLI::App const & app, Words const & words ) {
       return words.showOptions();
    }
    if ( app.got_subcommand( "verify" ) ) {
-      return VerifyOptions{ words.scenario, words.pluginFile(), words.isAfterEachStep,
-                            words.isJson };
+      return VerifyOptions{ words.scenario, words.pluginFile(), words.isAfterEachStep, words.isJson,
+                            words.turnLimitOption() };
    }
    return RingOptions{ words.ring };
 }

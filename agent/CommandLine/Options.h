@@ -1,6 +1,7 @@
 // What was asked for on the command line.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -12,13 +13,18 @@
 
 namespace CommandLine {
 
+// How long a turn may take, unless it is said otherwise: longer than any that gets on, and as long
+// as a person waits before they look what is wrong.
+inline constexpr std::chrono::milliseconds kTurnLimit = std::chrono::seconds( 60 );
+
 struct RunOptions {
    std::filesystem::path scenario;
    std::optional< std::filesystem::path > plugin;  // nothing: the one that comes with the program
    std::optional< std::filesystem::path > ring;    // the trace ring's file
    std::vector< Scenario::TraceLevels > trace;
    bool isJson = false;
-   std::optional< std::filesystem::path > captures;  // the folder for what leaves each port
+   std::optional< std::filesystem::path > captures;   // the folder for what leaves each port
+   std::chrono::milliseconds turnLimit = kTurnLimit;  // 0: none
 };
 
 struct ShowOptions {
@@ -26,6 +32,7 @@ struct ShowOptions {
    std::optional< Scenario::EntityPath > path;  // nothing: the paths at which entities are
    std::optional< std::filesystem::path > plugin;
    bool isJson = false;
+   std::chrono::milliseconds turnLimit = kTurnLimit;
 };
 
 struct VerifyOptions {
@@ -33,6 +40,7 @@ struct VerifyOptions {
    std::optional< std::filesystem::path > plugin;
    bool isAfterEachStep = false;
    bool isJson = false;
+   std::chrono::milliseconds turnLimit = kTurnLimit;
 };
 
 struct RingOptions {

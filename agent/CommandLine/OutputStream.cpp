@@ -83,7 +83,9 @@ void OutputStream::Buffer::writeAll( std::string_view text ) {
 }
 
 void OutputStream::Buffer::fail( int reason ) const {
-   throw OutputError( "cannot write " + name_ + fileBehind( fd_ ) + ": " +
+   // What is not open has no file.
+   std::string const file = reason == EBADF ? "" : fileBehind( fd_ );
+   throw OutputError( "cannot write " + name_ + file + ": " +
                       std::generic_category().message( reason ) +
                       "; what it holds is not complete" );
 }

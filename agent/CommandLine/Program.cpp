@@ -1,9 +1,11 @@
 #include <CommandLine/Program.h>
 
 #include <iostream>
+#include <new>
 
 #include <CommandLine/Commands.h>
 #include <CommandLine/OutputStream.h>
+#include <Process/Standard.h>
 #include <Story/Printable.h>
 
 #include <signal.h>
@@ -34,14 +36,21 @@ int answer( int argc, char const * const * argv, std::ostream & out ) {
 }  // namespace
 
 int program( int argc, char const * const * argv ) {
-   // A file that grows beyond the limit of a process is an error of that file, not an end.
+   Process::standardDescriptorsAreTaken();
+   // A file that grows beyond the limit of a process is an error of that file, and a reader that
+   // has gone is one of standard output: neither is an end without a word.
    signal( SIGXFSZ, SIG_IGN );
+   signal( SIGPIPE, SIG_IGN );
    OutputStream out( STDOUT_FILENO, "standard output" );
    try {
       int const exitCode = answer( argc, argv, out );
       out.flush();
       // Nowhere is left to say that standard error is not complete.
       return std::cerr ? exitCode : kBadInput;
+   } catch ( std::bad_alloc const & ) {
+      std::cerr
+         << "there is not enough memory; allow more (ulimit -v), or play a smaller scenario\n";
+      return kBadInput;
    } catch ( std::exception const & error ) {
       std::cerr << Story::printableLines( error.what() ) << '\n';
       return kBadInput;

@@ -42,9 +42,8 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    observers.insert( observers.end(), { &writer, &echo } );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
-   if ( outcome.exitCode() != Story::ExitCode::BadInput ) {
-      writer.write( out );
-   }
+   writer.write( out );
+   tellInterruption( outcome );
    return outcome.exitCode();
 }
 
@@ -58,7 +57,8 @@ Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
                              .trace = options.trace,
                              .show = {},
                              .captures = captureFolder( options.captures, scenario ) },
-                           options.ring };
+                           options.ring,
+                           options.turnLimit };
    Progress progress( std::cerr );
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {

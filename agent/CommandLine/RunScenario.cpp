@@ -5,6 +5,7 @@
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
 #include <Story/Printable.h>
+#include <Story/Wording.h>
 
 namespace CommandLine {
 
@@ -17,9 +18,16 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
       [ & ]( Story::Observer & observer ) {
          Host::Agent( what.scenario, what.config, ring.bytes(), observer ).run();
       },
-      ring.bytes(), all );
+      ring.bytes(), all, what.turnLimit );
    if ( !outcome.badInput().empty() ) {
       std::cerr << Story::printableLines( outcome.badInput() ) << '\n';
+   }
+}
+
+void tellInterruption( Story::Outcome const & outcome ) {
+   if ( outcome.interrupted() ) {
+      std::cerr << "interrupted in " << nameOf( outcome.step() ) << ' '
+                << wordsOf( *outcome.interrupted() ) << '\n';
    }
 }
 

@@ -74,7 +74,8 @@ Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
                              .trace = {},
                              .show = whatToShow( options ),
                              .captures = {} },
-                           {} };
+                           {},
+                           options.turnLimit };
    runScenario( what, { &writer, &shown }, outcome );
    if ( outcome.stopped() ) {
       std::cerr << story.str();
@@ -82,6 +83,10 @@ Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
    }
    if ( !outcome.badInput().empty() ) {
       return Story::ExitCode::BadInput;
+   }
+   if ( outcome.interrupted() ) {
+      tellInterruption( outcome );
+      return outcome.exitCode();
    }
    print( options, shown.entities(), out );
    return Story::ExitCode::Held;

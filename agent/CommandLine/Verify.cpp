@@ -114,6 +114,7 @@ std::string endName( Story::ExitCode code ) {
    switch ( code ) {
    case Story::ExitCode::Held: return "in-step";
    case Story::ExitCode::Stopped: return "stopped";
+   case Story::ExitCode::BadInput: return "failed";
    default: return "differences";
    }
 }
@@ -190,11 +191,14 @@ void printJson( VerifyOptions const & options, Verified const & verified,
               { "assertion", nullptr },
               { "step", nullptr },
               { "limits", jsonOf( outcome.limits() ) },
+              { "error", Story::textOrNull( outcome.badInput() ) },
               { "audits", Json::array() } };
-   if ( outcome.stopped() ) {
+   bool const isCutShort = outcome.stopped() || code == Story::ExitCode::BadInput;
+   if ( isCutShort && outcome.step() ) {
       json[ "step" ] = outcome.step()->number;
-      json[ "assertion" ] =
-         outcome.stopped()->assertion ? jsonOf( *outcome.stopped()->assertion ) : Json();
+   }
+   if ( outcome.stopped() && outcome.stopped()->assertion ) {
+      json[ "assertion" ] = jsonOf( *outcome.stopped()->assertion );
    }
    for ( AuditAfter const & one : audits ) {
       json[ "audits" ].push_back( auditJson( one ) );
@@ -215,9 +219,16 @@ Story::ExitCode verify( VerifyOptions const & options, std::ostream & out ) {
    Story::HumanWriter writer( story, Story::Style( false ) );
    Verified verified;
    Story::Outcome outcome;
-   ScenarioRun const what{ scenario, std::move( config ), {} };
+   ScenarioRun const what{ scenario, std::move( config ), {}, options.turnLimit };
    runScenario( what, { &writer, &verified }, outcome );
+   if ( outcome.interrupted() ) {
+      tellInterruption( outcome );
+      return outcome.exitCode();
+   }
    if ( !outcome.badInput().empty() ) {
+      if ( options.isJson ) {
+         printJson( options, verified, {}, outcome, Story::ExitCode::BadInput, out );
+      }
       return Story::ExitCode::BadInput;
    }
    auto const audits = verified.asked( options.isAfterEachStep );

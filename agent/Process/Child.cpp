@@ -1,18 +1,24 @@
 #include <Process/Child.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <exception>
 #include <iostream>
-#include <string>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <tuple>
 
+#include <Kiv/TurnWatch.h>
 #include <Process/Descriptor.h>
-#include <Process/LastWords.h>
-#include <Process/RingMemory.h>
+#include <Process/Interruption.h>
+#include <Process/Listener.h>
+#include <Process/Pulse.h>
 #include <Story/Codec.h>
 
-#include <poll.h>
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -22,16 +28,26 @@ namespace Process {
 
 namespace {
 
-constexpr std::size_t kMostTraceLines = 20;
+// The two pipes by which a child tells its parent.
+struct Pipes {
+   Pipe events = pipeNew();
+   Pipe output = pipeNew();
+};
 
 // --- In the child
+
+std::terminate_handler libraryHandler = nullptr;
 
 // Hands every event on through the pipe, as soon as it happens.
 class PipeObserver final : public Story::Observer {
  public:
-   explicit PipeObserver( Descriptor const & pipe ) : pipe_( pipe ) {}
+   PipeObserver( Descriptor const & pipe, Pulse & pulse ) : pipe_( pipe ), pulse_( pulse ) {}
 
    void onEvent( Story::Event const & event ) override {
+      // A capture is one turn, and gets on from frame to frame.
+      if ( std::holds_alternative< Story::FrameForwarded >( event ) ) {
+         pulse_.beat();
+      }
       if ( !pipe_.write( Story::encoded( event ) + '\n' ) ) {
          _exit( EXIT_FAILURE );  // nobody listens any more
       }
@@ -39,147 +55,105 @@ class PipeObserver final : public Story::Observer {
 
  private:
    Descriptor const & pipe_;
+   Pulse & pulse_;
 };
 
-[[noreturn]] void beChild( Work const & work, Descriptor const & events, Descriptor const & output,
-                           pid_t parent ) {
+// Says in words that memory ran out, before the library's own handler ends the process.
+void onUncaught() {
+   try {
+      if ( auto const exception = std::current_exception() ) {
+         std::rethrow_exception( exception );
+      }
+   } catch ( std::bad_alloc const & ) {
+      constexpr std::string_view kSentence =
+         "there is not enough memory for what the process of the plug-in asks for; allow more "
+         "(ulimit -v), or play a smaller scenario\n";
+      std::ignore = write( STDERR_FILENO, kSentence.data(), kSentence.size() );
+   } catch ( ... ) {
+      // The library's handler names it.
+   }
+   libraryHandler();
+}
+
+// Its input is empty, and what it prints goes to its parent.
+void redirect( Descriptor const & output ) {
+   Descriptor const nothing( open( "/dev/null", O_RDONLY | O_CLOEXEC ) );
+   dup2( nothing.fd(), STDIN_FILENO );
+   dup2( output.fd(), STDOUT_FILENO );
+   dup2( output.fd(), STDERR_FILENO );
+}
+
+// Whether a run goes on is up to the parent: a Ctrl-C at the terminal reaches both.
+void handleSignals() {
+   signal( SIGINT, SIG_IGN );
+   signal( SIGTERM, SIG_DFL );
+   signal( SIGPIPE, SIG_IGN );
+}
+
+// An exception that leaves it ends the process where it was thrown.
+[[noreturn]] void beChild( Work const & work, Pipes & pipes, Pulse & pulse,
+                           pid_t parent ) noexcept {
+   handleSignals();
    prctl( PR_SET_PDEATHSIG, SIGKILL );
    if ( getppid() != parent ) {
       _exit( EXIT_FAILURE );
    }
-   signal( SIGPIPE, SIG_IGN );
-   dup2( output.fd(), STDOUT_FILENO );
-   dup2( output.fd(), STDERR_FILENO );
-   PipeObserver observer( events );
+   pipes.events.out.close();
+   pipes.output.out.close();
+   redirect( pipes.output.in );
+   libraryHandler = std::set_terminate( &onUncaught );
+   Kiv::turnWatchIs( [ &pulse ] { pulse.beat(); } );
+   PipeObserver observer( pipes.events.in, pulse );
    work( observer );
    std::exit( EXIT_SUCCESS );
 }
 
 // --- In the parent
 
-// The child process; killed, if it is still there, when its owner gives up.
-class Child {
+class ChildProcess final : public Listener::Child {
  public:
-   explicit Child( pid_t pid ) : pid_( pid ) {}
-   Child( Child const & ) = delete;
-   Child & operator=( Child const & ) = delete;
-   ~Child() {
-      if ( pid_ != 0 ) {
-         kill( pid_, SIGKILL );
-         wait();
+   explicit ChildProcess( pid_t pid ) : pid_( pid ) {}
+   ChildProcess( ChildProcess const & ) = delete;
+   ChildProcess & operator=( ChildProcess const & ) = delete;
+   // Killed, if it is still there, when its owner gives up.
+   ~ChildProcess() override {
+      if ( !status_ ) {
+         kill();
+         wait( 0 );
       }
    }
 
-   // Waits for its end; the status as waitpid() has it.
-   int wait() {
+   std::optional< int > status() override {
+      if ( !status_ ) {
+         wait( WNOHANG );
+      }
+      return status_;
+   }
+   void kill() override { ::kill( pid_, SIGKILL ); }
+
+ private:
+   void wait( int options ) {
       int status = 0;
-      while ( waitpid( pid_, &status, 0 ) < 0 && errno == EINTR ) {
+      pid_t result = 0;
+      do {
+         result = waitpid( pid_, &status, options );
+      } while ( result < 0 && errno == EINTR );
+      if ( result == pid_ ) {
+         status_ = status;
       }
-      pid_ = 0;
-      return status;
    }
 
- private:
    pid_t pid_;
-};
-
-// The lines that come out of a pipe.
-class Lines {
- public:
-   explicit Lines( Descriptor pipe ) : pipe_( std::move( pipe ) ) {}
-
-   Descriptor const & pipe() const { return pipe_; }
-
-   // Reads what is there and hands every complete line to `take`.
-   template< typename Take > void read( Take const & take ) {
-      if ( !pipe_.readInto( text_ ) ) {
-         pipe_.close();
-      }
-      std::size_t begin = 0;
-      for ( std::size_t end = text_.find( '\n' ); end != std::string::npos;
-            end = text_.find( '\n', begin ) ) {
-         take( text_.substr( begin, end - begin ) );
-         begin = end + 1;
-      }
-      text_.erase( 0, begin );
-   }
-
-   // What came after the last line end.
-   std::string const & rest() const { return text_; }
-
- private:
-   Descriptor pipe_;
-   std::string text_;
-};
-
-std::string reasonOf( int status ) {
-   return WIFSIGNALED( status ) ? "signal " + std::to_string( WTERMSIG( status ) ) + " (" +
-                                     strsignal( WTERMSIG( status ) ) + ")"
-                                : "exit code " + std::to_string( WEXITSTATUS( status ) );
-}
-
-// Listens to one child until both of its pipes are closed.
-class Listener {
- public:
-   Listener( Descriptor events, Descriptor output, Story::Observer & observer )
-         : events_( std::move( events ) ), output_( std::move( output ) ), observer_( observer ) {}
-
-   void listen() {
-      while ( events_.pipe().isOpen() || output_.pipe().isOpen() ) {
-         // A closed pipe's descriptor is -1, which poll() leaves out.
-         std::array< pollfd, 2 > ready{ pollfd{ events_.pipe().fd(), POLLIN, 0 },
-                                        pollfd{ output_.pipe().fd(), POLLIN, 0 } };
-         if ( poll( ready.data(), ready.size(), -1 ) < 0 ) {
-            continue;
-         }
-         if ( ready[ 0 ].revents != 0 ) {
-            events_.read( [ & ]( std::string const & line ) { takeEvent( line ); } );
-         } else if ( ready[ 1 ].revents != 0 ) {
-            output_.read( [ & ]( std::string const & line ) { takeOutput( line ); } );
-         }
-      }
-      if ( !output_.rest().empty() ) {
-         takeOutput( output_.rest() );
-      }
-   }
-
-   // Tells that the child stopped, unless it ended as expected.
-   void ended( int status, std::span< std::byte const > ring ) {
-      if ( hasEnded_ && WIFEXITED( status ) && WEXITSTATUS( status ) == 0 ) {
-         return;
-      }
-      auto const & lines = lastWords_.lines();
-      observer_.onEvent( Story::Stopped{ reasonOf( status ),
-                                         lastWords_.assertion(),
-                                         { lines.begin(), lines.end() },
-                                         lastLines( ring, kMostTraceLines ) } );
-   }
-
- private:
-   void takeEvent( std::string const & line ) {
-      Story::Event const event = Story::decoded( line );
-      hasEnded_ = std::holds_alternative< Story::RunEnds >( event ) ||
-                  std::holds_alternative< Story::BadInput >( event );
-      observer_.onEvent( event );
-   }
-   void takeOutput( std::string const & line ) {
-      lastWords_.lineNew( line );
-      observer_.onEvent( Story::OutputLine{ line } );
-   }
-
-   Lines events_;
-   Lines output_;
-   Story::Observer & observer_;
-   LastWords lastWords_;
-   bool hasEnded_ = false;
+   std::optional< int > status_;  // once it has ended
 };
 
 }  // namespace
 
-void runInChild( Work const & work, std::span< std::byte const > ring,
-                 Story::Observer & observer ) {
-   Pipe events = pipeNew();
-   Pipe output = pipeNew();
+void runInChild( Work const & work, std::span< std::byte const > ring, Story::Observer & observer,
+                 std::chrono::milliseconds turnLimit ) {
+   Pulse pulse;
+   Pipes pipes;
+   Interruption const interruption;
    // What is still buffered would be written twice, by either process.
    std::cout.flush();
    std::fflush( nullptr );
@@ -189,14 +163,14 @@ void runInChild( Work const & work, std::span< std::byte const > ring,
       failed( "cannot start a process for the agent" );
    }
    if ( pid == 0 ) {
-      beChild( work, events.in, output.in, parent );
+      beChild( work, pipes, pulse, parent );
    }
-   Child child( pid );
-   events.in.close();
-   output.in.close();
-   Listener listener( std::move( events.out ), std::move( output.out ), observer );
-   listener.listen();
-   listener.ended( child.wait(), ring );
+   ChildProcess child( pid );
+   pipes.events.in.close();
+   pipes.output.in.close();
+   Listener listener( { std::move( pipes.events.out ), std::move( pipes.output.out ), ring,
+                        observer, interruption, TurnTimer( pulse, turnLimit ) } );
+   listener.listen( child );
 }
 
 }  // namespace Process

@@ -105,11 +105,29 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Audited, rules, entries, differences, unprot
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PluginPass, state, reason )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityShown, path, tree )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( OutputLine, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Stopped, reason, assertion, output, trace )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Stopped, reason, assertion, output, trace, isOverTime )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Interrupted, signal, reason )
 
 namespace {
 
 constexpr char const * kNameField = "event";
+// More than any event has; each level of what is read costs stack.
+constexpr int kDeepest = 1000;
+
+// No field of an event is a number with a fraction; the library would cut it off.
+void checkNumbers( nlohmann::json const & in, int depth = 0 ) {
+   if ( in.is_number_float() ) {
+      throw std::runtime_error( in.dump() + " stands where a whole number belongs" );
+   }
+   if ( depth > kDeepest ) {
+      throw std::runtime_error( "this is nested too deep for an event" );
+   }
+   if ( in.is_structured() ) {
+      for ( nlohmann::json const & member : in ) {
+         checkNumbers( member, depth + 1 );
+      }
+   }
+}
 
 template< std::size_t n = 0 >
 Event readEvent( std::string const & name, nlohmann::json const & fields ) {
@@ -133,8 +151,15 @@ std::string encoded( Event const & event ) {
 }
 
 Event decoded( std::string const & line ) {
-   nlohmann::json const fields = nlohmann::json::parse( line );
-   return readEvent( fields.at( kNameField ).get< std::string >(), fields );
+   try {
+      nlohmann::json const fields = nlohmann::json::parse( line );
+      checkNumbers( fields );
+      return readEvent( fields.at( kNameField ).get< std::string >(), fields );
+   } catch ( nlohmann::json::exception const & error ) {
+      throw std::runtime_error( error.what() );
+   } catch ( std::logic_error const & error ) {
+      throw std::runtime_error( error.what() );  // a name that is none of an enumeration's
+   }
 }
 
 }  // namespace Story

@@ -14,7 +14,8 @@ namespace Story {
 // The event's line, without line end.
 std::string encoded( Event const & event );
 
-// The event that `line` is. Throws std::runtime_error for anything else.
+// The event that `line` is. Throws std::runtime_error for anything else, a number with a fraction
+// where a whole one belongs included.
 Event decoded( std::string const & line );
 
 }  // namespace Story

@@ -13,7 +13,8 @@
 //    StepBegins{ 1 } ... StepEnds            the scenario's steps, from 1
 //    StepBegins{ n + 1 } ... StepEnds        verification, when it is asked for
 //    StepBegins{ n + 1 } ... StepEnds        teardown
-//    RunEnds, or Stopped when the process did not get there
+//    RunEnds; Stopped when the process did not get there; BadInput when it could not go on;
+//    Interrupted when somebody wanted it to end
 //
 // Events are plain values without references to what they tell of: they outlive it, and travel from
 // the process of the agent to the one that tells the story (Story/Codec.h). Each has a name, which
@@ -278,6 +279,16 @@ struct Stopped {
    std::optional< Assertion > assertion;
    std::vector< std::string > output;  // its last lines
    std::vector< TraceLine > trace;     // the last lines of the trace ring
+   // A turn did not come to its end in time, and the process was ended; `reason` is "turn limit of
+   // 60 s".
+   bool isOverTime = false;
+};
+
+// Somebody wanted the program to end before the run was over.
+struct Interrupted {
+   static constexpr char const * kName = "interrupted";
+   int signal = 0;
+   std::string reason;  // "signal 2 (Interrupt)"
 };
 
 using Event =
@@ -285,7 +296,8 @@ using Event =
                  MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
                  DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
                  LogLine, ExpectationChecked, FramesBegin, FrameForwarded, ForeignEntriesAre,
-                 EntityDumped, RulesDumped, Audited, PluginPass, EntityShown, OutputLine, Stopped >;
+                 EntityDumped, RulesDumped, Audited, PluginPass, EntityShown, OutputLine, Stopped,
+                 Interrupted >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

@@ -53,10 +53,9 @@ void HumanWriter::tell( RunEnds const & ) {
 void HumanWriter::tell( Stopped const & event ) {
    ruleChanges();
    frameTable();
-   std::string const where = outcome_.step() ? nameOf( *outcome_.step() ) : "the beginning";
    out_ << '\n'
-        << style_.bad( fmt::format( "STOPPED in {}: the process of the plug-in ended with {}.",
-                                    where, event.reason ) )
+        << style_.bad(
+              fmt::format( "STOPPED in {}: {}.", nameOf( outcome_.step() ), wordsOf( event ) ) )
         << '\n';
    if ( event.assertion ) {
       shown( "assertion  " + style_.bold( event.assertion->expression ) );
@@ -92,6 +91,18 @@ void HumanWriter::knownLimits() {
    }
 }
 
+void HumanWriter::tell( Interrupted const & event ) {
+   ruleChanges();
+   frameTable();
+   out_ << '\n'
+        << style_.bad(
+              fmt::format( "INTERRUPTED in {} {}", nameOf( outcome_.step() ), wordsOf( event ) ) )
+        << "; so far " << counted( outcome_.expectations(), "expectation" ) << ", "
+        << outcome_.failedExpectations() << " of which did not hold, and "
+        << counted( rules_.rules().size(), "rule" ) << " in the chip.\n";
+   totals();
+}
+
 void HumanWriter::publishedBefore() {
    out_ << "Published before the plug-in is loaded: " << counted( changesBefore_, "change" )
         << " of the state database and the agent's shared state.\n";
@@ -111,6 +122,10 @@ void HumanWriter::verdict() {
       out_ << style_.good( "COMPLETED" );
    }
    out_ << "; " << rules << " in the chip at the end.\n";
+   totals();
+}
+
+void HumanWriter::totals() {
    if ( totals_.frames != 0 ) {
       out_ << fmt::format( "{} in, {}; {}.\n", counted( totals_.frames, "frame" ),
                            totals_.dropsText(), totals_.copiesText() );

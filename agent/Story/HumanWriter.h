@@ -33,6 +33,7 @@ class HumanWriter final : public Observer {
    void tell( StepEnds const & event );
    void tell( RunEnds const & event );
    void tell( Stopped const & event );
+   void tell( Interrupted const & event );
    void tell( MountAsked const & event );
    void tell( MountsDone const & event );
    void tell( PublishedChange const & event );
@@ -57,6 +58,7 @@ class HumanWriter final : public Observer {
    void frameTable();
    void publishedBefore();
    void verdict();
+   void totals();
 
    std::ostream & out_;
    Style style_;

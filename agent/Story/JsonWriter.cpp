@@ -49,19 +49,13 @@ Json emptyCounters() {
 }  // namespace
 
 JsonWriter::JsonWriter()
-      : document_{ { "scenario", nullptr },
-                   { "file", nullptr },
-                   { "variant", nullptr },
-                   { "end", nullptr },
-                   { "assertion", nullptr },
-                   { "step", nullptr },
-                   { "stop", nullptr },
-                   { "plugin", emptyPlugin() },
-                   { "steps", Json::array() },
-                   { "rules", Json::array() },
-                   { "frames", Json::array() },
-                   { "log", Json::array() },
-                   { "counters", emptyCounters() } } {}
+      : document_{ { "scenario", nullptr },     { "file", nullptr },
+                   { "variant", nullptr },      { "end", nullptr },
+                   { "assertion", nullptr },    { "step", nullptr },
+                   { "stop", nullptr },         { "error", nullptr },
+                   { "plugin", emptyPlugin() }, { "steps", Json::array() },
+                   { "rules", Json::array() },  { "frames", Json::array() },
+                   { "log", Json::array() },    { "counters", emptyCounters() } } {}
 
 void JsonWriter::onEvent( Event const & event ) {
    outcome_.onEvent( event );
@@ -100,11 +94,25 @@ void JsonWriter::take( StepEnds const & ) {
    ruleChanges();
 }
 
-void JsonWriter::take( Stopped const & event ) {
+// The step that is under way is the last one.
+void JsonWriter::endsEarly() {
    if ( hasStep() ) {
       ruleChanges();
       document_[ "step" ] = step()[ "number" ];
    }
+}
+
+void JsonWriter::take( BadInput const & event ) {
+   endsEarly();
+   document_[ "error" ] = event.text;
+}
+
+void JsonWriter::take( Interrupted const & ) {
+   endsEarly();
+}
+
+void JsonWriter::take( Stopped const & event ) {
+   endsEarly();
    if ( event.assertion ) {
       document_[ "assertion" ] = jsonOf( *event.assertion );
    }

@@ -2,10 +2,11 @@
 //
 //    scenario      its name; `file` is where it was read from
 //    variant       "egress-mask", "class-id"; null before the plug-in has chosen
-//    end           "completed", "expectation-failed", "stopped"
+//    end           "completed", "expectation-failed", "failed", "stopped", "interrupted"
 //    assertion     file, line, function, expression; null unless one stopped the process
-//    step          the step in which the process stopped; null when it did not
+//    step          the step in which the run ended before its end; null when it did not
 //    stop          reason, and its last lines (`output`, `traces`); null when it did not
+//    error         what was wrong with the input, when the run failed; else null
 //    plugin        what it asked the agent for: file, mounters, mounts, lookups, sharedEntities,
 //                  tcamGroups, and whether it is ready
 //    steps         from 0, which is start-up; the last one is teardown
@@ -43,6 +44,8 @@ class JsonWriter final : public Observer {
    void take( RunBegins const & event );
    void take( StepBegins const & event );
    void take( StepEnds const & event );
+   void take( BadInput const & event );
+   void take( Interrupted const & event );
    void take( Stopped const & event );
    void take( PluginLoaded const & event );
    void take( MountAsked const & event );
@@ -71,6 +74,7 @@ class JsonWriter final : public Observer {
    bool hasStep() const { return !document_[ "steps" ].empty(); }
    void count( char const * counter, std::size_t by = 1 );
    void ruleChanges();
+   void endsEarly();
 
    Json document_;
    Outcome outcome_;

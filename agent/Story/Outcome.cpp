@@ -1,5 +1,7 @@
 #include <Story/Outcome.h>
 
+#include <signal.h>
+
 namespace Story {
 
 void Outcome::onEvent( Event const & event ) {
@@ -14,11 +16,15 @@ void Outcome::onEvent( Event const & event ) {
                               stopped_ = stopped;
                               limits_ = limitIndex().limitsAt( stopped, stopEvents_.cause() );
                            },
+                           [ & ]( Interrupted const & interrupted ) { interrupted_ = interrupted; },
                            []( auto const & ) {} },
                event );
 }
 
 ExitCode Outcome::exitCode() const {
+   if ( interrupted_ ) {
+      return interrupted_->signal == SIGTERM ? ExitCode::Terminated : ExitCode::Interrupted;
+   }
    if ( stopped_ ) {
       return ExitCode::Stopped;
    }
@@ -29,8 +35,14 @@ ExitCode Outcome::exitCode() const {
 }
 
 std::string_view Outcome::endName() const {
+   if ( interrupted_ ) {
+      return "interrupted";
+   }
    if ( stopped_ ) {
       return "stopped";
+   }
+   if ( !badInput_.empty() ) {
+      return "failed";
    }
    return failedExpectations_ == 0 ? "completed" : "expectation-failed";
 }

@@ -11,14 +11,23 @@
 namespace Story {
 
 // What the program's exit code says.
-enum class ExitCode : int { Held = 0, ExpectationFailed = 1, BadInput = 2, Stopped = 3 };
+enum class ExitCode : int {
+   Held = 0,
+   ExpectationFailed = 1,
+   BadInput = 2,
+   Stopped = 3,
+   // 128 and the signal, as shells have it.
+   Interrupted = 130,  // SIGINT
+   Terminated = 143    // SIGTERM
+};
 
 class Outcome final : public Observer {
  public:
    void onEvent( Event const & event ) override;
 
    ExitCode exitCode() const;
-   // "completed", "expectation-failed", "stopped", as in the JSON document.
+   // "completed", "expectation-failed", "failed", "stopped", "interrupted", as in the JSON
+   // document.
    std::string_view endName() const;
 
    U32 expectations() const { return expectations_; }
@@ -27,6 +36,7 @@ class Outcome final : public Observer {
    // The step under way, or the last one that was.
    std::optional< StepBegins > const & step() const { return step_; }
    std::optional< Stopped > const & stopped() const { return stopped_; }
+   std::optional< Interrupted > const & interrupted() const { return interrupted_; }
    // What was wrong with the input; empty when nothing was.
    std::string const & badInput() const { return badInput_; }
    // The known limits that the stop may be; none when it is not known, or there was none.
@@ -37,6 +47,7 @@ class Outcome final : public Observer {
    U32 failedExpectations_ = 0;
    std::optional< StepBegins > step_;
    std::optional< Stopped > stopped_;
+   std::optional< Interrupted > interrupted_;
    std::string badInput_;
    StopEvents stopEvents_;
    std::vector< KnownLimit > limits_;

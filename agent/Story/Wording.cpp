@@ -135,6 +135,23 @@ std::string wordsOf( PluginPass const & event ) {
    return "the plug-in has no state machine yet, and no pass of its own";
 }
 
+std::string wordsOf( Stopped const & event ) {
+   return event.isOverTime
+             ? fmt::format(
+                  "a turn did not come to its end, and the process of the plug-in was ended by the "
+                  "{}; --turn-limit allows more",
+                  event.reason )
+             : fmt::format( "the process of the plug-in ended with {}", event.reason );
+}
+
+std::string wordsOf( Interrupted const & event ) {
+   return fmt::format( "by {}", event.reason );
+}
+
+std::string nameOf( std::optional< StepBegins > const & step ) {
+   return step ? nameOf( *step ) : "the beginning";
+}
+
 std::string nameOf( StepBegins const & step ) {
    switch ( step.kind ) {
    case StepKind::StartUp: return "start-up";

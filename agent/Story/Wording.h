@@ -22,9 +22,12 @@ std::string wordsOf( ExpectationChecked const & event );
 std::string wordsOf( ForeignEntriesAre const & event );
 std::string wordsOf( OutputLine const & event );
 std::string wordsOf( PluginPass const & event );
+std::string wordsOf( Stopped const & event );
+std::string wordsOf( Interrupted const & event );
 
-// "step 3", "start-up", "verification", "teardown".
+// "step 3", "start-up", "verification", "teardown"; "the beginning" when there is none yet.
 std::string nameOf( StepBegins const & step );
+std::string nameOf( std::optional< StepBegins > const & step );
 
 // "ingress group 157".
 std::string groupName( U32 group );

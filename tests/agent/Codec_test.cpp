@@ -85,7 +85,9 @@ std::vector< Event > oneOfEach() {
             Story::Stopped{ "signal 6",
                             Story::Assertion{ "f.cpp", 12, "void f()", "a == b" },
                             { "last" },
-                            { { "h", 2, "t" } } } };
+                            { { "h", 2, "t" } },
+                            true },
+            Story::Interrupted{ 15, "signal 15 (Terminated)" } };
 }
 
 TEST( Codec, has_an_example_of_every_event ) {
@@ -138,10 +140,26 @@ TEST( Codec, writes_one_line_and_replaces_what_is_not_utf_8 ) {
 
 TEST( Codec, refuses_what_is_no_event ) {
    for ( char const * const line :
-         { "", "{", "{}", R"({"event":"surprise"})", R"({"event":"stepEnds"})",
-           R"({"event":"stepEnds","number":"x"})" } ) {
-      EXPECT_THROW( Story::decoded( line ), std::exception ) << line;
+         { "", "{", "{}", "[]", R"({"event":"surprise"})", R"({"event":"stepEnds"})",
+           R"({"event":"stepEnds","number":"x"})", R"({"event":"stepEnds","number":1e999})",
+           R"({"event":"audited","rules":1,"entries":1,"differences":[{"kind":"odd"}]})" } ) {
+      EXPECT_THROW( Story::decoded( line ), std::runtime_error ) << line;
    }
+}
+
+TEST( Codec, refuses_a_fraction_where_a_whole_number_belongs ) {
+   EXPECT_EQ(
+      std::get< Story::StepEnds >( Story::decoded( R"({"event":"stepEnds","number":7})" ) ).number,
+      7U );
+   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":7.5})" ), std::runtime_error );
+   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":7.0})" ), std::runtime_error );
+}
+
+TEST( Codec, refuses_what_is_nested_without_end ) {
+   std::string const deep( 1'000'000, '[' );
+   std::string const end( 1'000'000, ']' );
+   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":)" + deep + end + "}" ),
+                 std::runtime_error );
 }
 
 }  // namespace

@@ -250,4 +250,29 @@ TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
    EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1;31m" ), 2U );
 }
 
+TEST_F( HumanWriter, tells_in_which_step_the_run_was_interrupted_and_the_totals_so_far ) {
+   told( startUp() );
+   told( readyStep() );
+   told( { step( 2 ), expectation( true ), expectation( false ) } );
+
+   EXPECT_EQ( told( { Story::Interrupted{ 2, "signal 2 (Interrupt)" } } ),
+              "\nINTERRUPTED in step 2 by signal 2 (Interrupt); so far 2 expectations, 1 of which "
+              "did not hold, and 2 rules in the chip.\n" );
+}
+
+TEST_F( HumanWriter, names_the_limit_that_a_turn_has_exceeded ) {
+   Story::Stopped stop = stopped();
+   stop.reason = "turn limit of 60 s";
+   stop.isOverTime = true;
+   told( startUp() );
+   told( readyStep() );
+
+   std::string const text = told( { stop } );
+
+   EXPECT_EQ( text.substr( 0, text.find( "\n", 1 ) ),
+              "\nSTOPPED in step 1: a turn did not come to its end, and the process of the plug-in "
+              "was ended by the turn limit of 60 s; --turn-limit allows more." )
+      << text;
+}
+
 }  // namespace

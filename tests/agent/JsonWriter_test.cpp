@@ -37,8 +37,8 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
    Json const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
 
    EXPECT_EQ( namesIn( document ),
-              ( Names{ "scenario", "file", "variant", "end", "assertion", "step", "stop", "plugin",
-                       "steps", "rules", "frames", "log", "counters" } ) );
+              ( Names{ "scenario", "file", "variant", "end", "assertion", "step", "stop", "error",
+                       "plugin", "steps", "rules", "frames", "log", "counters" } ) );
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
                        "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",
@@ -257,6 +257,30 @@ TEST( JsonForms, show_an_entity_with_its_attributes_by_name ) {
          "byKey": { "k": "v" },
          "reference": { "type": "T", "identity": "t", "shownAt": "/t" },
          "empty": null } })" ) );
+}
+
+TEST( JsonWriter, says_what_was_wrong_with_the_input_and_what_had_happened_until_then ) {
+   Json const document = documentOf( { startUp(),
+                                       readyStep(),
+                                       { step( 2 ), Story::RuleIs{ rule( 3 ) },
+                                         Story::BadInput{ "leaf.yaml:7: no such entity" } } } );
+
+   EXPECT_EQ( document[ "end" ], "failed" );
+   EXPECT_EQ( document[ "error" ], "leaf.yaml:7: no such entity" );
+   EXPECT_EQ( document[ "step" ], 2 );
+   EXPECT_EQ( document[ "stop" ], nullptr );
+   EXPECT_EQ( document[ "rules" ].size(), 3U );
+   EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ].size(), 1U );
+}
+
+TEST( JsonWriter, says_in_which_step_the_run_was_interrupted ) {
+   Json const document = documentOf(
+      { startUp(), readyStep(), { step( 2 ), Story::Interrupted{ 2, "signal 2 (Interrupt)" } } } );
+
+   EXPECT_EQ( document[ "end" ], "interrupted" );
+   EXPECT_EQ( document[ "step" ], 2 );
+   EXPECT_EQ( document[ "error" ], nullptr );
+   EXPECT_EQ( document[ "rules" ].size(), 2U );
 }
 
 }  // namespace

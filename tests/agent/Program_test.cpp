@@ -1,4 +1,6 @@
 // The program as its user calls it.
+#include <map>
+
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -87,9 +89,25 @@ TEST_F( Program, exits_with_2_when_a_step_names_an_attribute_that_does_not_exist
       run( "   - set: { entity: /lag/config, attribute: lags, value: 1 }\n", { "--json" } );
 
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_EQ( ran.out, "" );
    EXPECT_EQ( ran.err,
               scenario() + ":20: a Lag::Config has no attribute 'lags'; it has phyIntf\n" );
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "end" ], "failed" );
+   EXPECT_EQ( document[ "error" ].get< std::string >() + "\n", ran.err );
+   EXPECT_EQ( document[ "step" ], 1 );
+   EXPECT_EQ( document[ "steps" ].size(), 2U );
+}
+
+TEST_F( Program, verifies_with_a_document_also_when_a_step_is_wrong ) {
+   auto const ran =
+      command( { "verify" }, "   - set: { entity: /lag/config, attribute: lags, value: 1 }\n",
+               { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   Json const document = Json::parse( ran.out );
+   EXPECT_EQ( document[ "end" ], "failed" );
+   EXPECT_EQ( document[ "error" ].get< std::string >() + "\n", ran.err );
+   EXPECT_EQ( document[ "step" ], 1 );
 }
 
 TEST_F( Program, exits_with_2_on_wrong_usage_and_with_0_on_a_cry_for_help ) {
@@ -212,6 +230,40 @@ TEST_F( Program, gives_every_step_its_calls_rules_and_expectations ) {
               Json::array( { 3 } ) );
 }
 
+// --- Files that are no plug-ins
+
+TEST_F( Program, refuses_a_plug_in_that_was_cut_short_wherever_it_was ) {
+   std::string const whole = Support::contentOf( Support::testPlugin( "segment-rules" ) );
+   std::string const leaf = directory.file( "leaf.yaml", Switches::leaf( ready ) );
+   for ( std::size_t const size :
+         { std::size_t{ 0 }, std::size_t{ 3 }, std::size_t{ 64 }, std::size_t{ 1000 },
+           std::size_t{ 4096 }, whole.size() / 2, whole.size() - 1 } ) {
+      std::string const cut = directory.file( "cut.so", whole.substr( 0, size ) );
+      auto const ran = Support::vornal( { "run", leaf, "--plugin", cut } );
+
+      EXPECT_EQ( ran.exitCode, 2 ) << size << ran.out;
+      EXPECT_EQ( ran.err.find( cut + " is " ), 0U ) << size << ran.err;
+      EXPECT_TRUE( contains( ran.err, "; " ) ) << ran.err;
+   }
+}
+
+TEST_F( Program, runs_nothing_of_a_file_that_cannot_be_a_plug_in ) {
+   std::string const leaf = directory.file( "leaf.yaml", Switches::leaf( ready ) );
+   std::string const library = VORNAL_BINARY_DIR "/libVornalPlatform.so";
+   for ( auto const & [ file, why ] : std::map< std::string, std::string >{
+            { library, " registers no mounter, so it is no plug-in: it is not linked with " },
+            { leaf, " is no shared object of this machine; " },
+            { VORNAL_BINARY_DIR "/vornal", ": cannot dynamically load " },
+            { "/dev/null", " is no file; " },
+            { "/", " is no file; " } } ) {
+      auto const ran = Support::vornal( { "run", leaf, "--json", "--plugin", file } );
+
+      EXPECT_EQ( ran.exitCode, 2 ) << file;
+      EXPECT_TRUE( contains( ran.err, file + why ) ) << ran.err;
+      EXPECT_EQ( Json::parse( ran.out )[ "end" ], "failed" ) << file;
+   }
+}
+
 // --- Traces
 
 TEST_F( Program, shows_the_trace_levels_that_are_asked_for ) {
@@ -243,7 +295,13 @@ TEST_F( Program, refuses_a_file_that_is_no_trace_ring ) {
 
    auto const nothing = Support::vornal( { "ring", "/nowhere/ring" } );
    EXPECT_EQ( nothing.exitCode, 2 );
-   EXPECT_EQ( nothing.err, "/nowhere/ring: the file cannot be read\n" );
+   EXPECT_EQ( nothing.err,
+              "/nowhere/ring: the file cannot be read (No such file or directory); name one that "
+              "'run --ring' has written\n" );
+
+   auto const device = Support::vornal( { "ring", "/dev/zero" } );
+   EXPECT_EQ( device.exitCode, 2 );
+   EXPECT_TRUE( contains( device.err, "/dev/zero: this is no regular file" ) ) << device.err;
 }
 
 TEST_F( Program, says_which_ring_file_cannot_be_written ) {
@@ -252,6 +310,18 @@ TEST_F( Program, says_which_ring_file_cannot_be_written ) {
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
    EXPECT_TRUE( contains( ran.err, "/nowhere/ring" ) ) << ran.err;
+}
+
+TEST_F( Program, leaves_a_file_alone_that_is_no_ring ) {
+   std::string const text =
+      Support::contentOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) );
+   auto const ran = run( ready, { "--ring", scenario() } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, "--ring: " + scenario() +
+                          " holds something else; name a new file, or the ring of a run that is "
+                          "over\n" );
+   EXPECT_EQ( Support::contentOf( scenario() ), text );
 }
 
 // --- show

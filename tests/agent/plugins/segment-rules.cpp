@@ -13,6 +13,8 @@
 #include <VornalLib/MounterBase.h>
 #include <VornalTcam/EntryManager.h>
 
+#include <unistd.h>
+
 namespace Sample {
 
 namespace {
@@ -90,6 +92,8 @@ class Mounter : public VornalLib::MounterBase {
    KIV_REFERENCE( evpnMultihomingLocalBiasSm, SegmentRulesWithEgressMaskSm )
    KIV_OPERATION( void, finishInit, () )
    KIV_OPERATION( void, print, ( std::string const & text ) )
+   KIV_OPERATION( void, printLong, ( U32 length ) )
+   KIV_OPERATION( void, hang, () )
 
    explicit Mounter( std::string const & name )
          : MounterBase( name ), watch_( [ this ]( Kiv::Change const & ) { finishInit(); } ) {}
@@ -129,6 +133,18 @@ void Mounter::finishInit() {
 
 void Mounter::print( std::string const & text ) {
    std::cout << text << std::endl;
+}
+
+// A line of that length.
+void Mounter::printLong( U32 length ) {
+   std::cerr << std::string( length, 'x' ) << std::endl;
+}
+
+void Mounter::hang() {
+   std::cout << "hanging" << std::endl;
+   while ( true ) {
+      pause();
+   }
 }
 
 namespace {

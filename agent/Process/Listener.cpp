@@ -1,0 +1,164 @@
+#include <Process/Listener.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include <Process/Child.h>
+#include <Process/RingMemory.h>
+#include <Story/Codec.h>
+
+#include <poll.h>
+#include <sys/wait.h>
+#include <time.h>
+
+namespace Process {
+
+namespace {
+
+using Duration = TurnTimer::Duration;
+
+constexpr std::size_t kMostTraceLines = 20;
+// Longer than any event; what is not an event cannot fill the memory.
+constexpr std::size_t kLongestEvent = std::size_t{ 1 } << 28U;
+// What two pipes can hold is read by then.
+constexpr int kMostReadsOfRest = 64;
+
+Duration now( clockid_t clock ) {
+   timespec time{};
+   clock_gettime( clock, &time );
+   return std::chrono::seconds( time.tv_sec ) + std::chrono::nanoseconds( time.tv_nsec );
+}
+
+std::string nameOf( int signal ) {
+   return fmt::format( "signal {} ({})", signal, strsignal( signal ) );
+}
+
+std::string reasonOf( int status ) {
+   return WIFSIGNALED( status ) ? nameOf( WTERMSIG( status ) )
+                                : fmt::format( "exit code {}", WEXITSTATUS( status ) );
+}
+
+std::string limitText( Duration limit ) {
+   return fmt::format( "turn limit of {} s", std::chrono::duration< double >( limit ).count() );
+}
+
+}  // namespace
+
+Listener::Listener( Context context )
+      : events_( std::move( context.events ), kLongestEvent ),
+        output_( std::move( context.output ), kLongestLine ),
+        ring_( context.ring ),
+        observer_( context.observer ),
+        interruption_( context.interruption ),
+        timer_( context.timer ) {}
+
+void Listener::listen( Child & child ) {
+   std::optional< int > status;
+   while ( !status && !isToEnd() ) {
+      hear( TurnTimer::kInterval );
+      // A process that the child has left behind can keep the pipes open, and print.
+      status = child.status();
+   }
+   if ( !status ) {
+      child.kill();
+   }
+   while ( !status ) {
+      status = child.status();
+      poll( nullptr, 0, status ? 0 : 1 );
+   }
+   hearRest();
+   tellEnd( *status );
+}
+
+bool Listener::isToEnd() {
+   isOverTime_ = timer_.isOver();
+   return isOverTime_ || interruption_.signal() != 0;
+}
+
+// Hears what there is, and waits for it if that is nothing; false when nothing came.
+bool Listener::hear( std::chrono::milliseconds patience ) {
+   // A closed pipe's descriptor is -1, which poll() leaves out. With both closed, the child is
+   // about to end.
+   std::array< pollfd, 2 > ready{ pollfd{ events_.pipe().fd(), POLLIN, 0 },
+                                  pollfd{ output_.pipe().fd(), POLLIN, 0 } };
+   int const longest = isAnyOpen() ? static_cast< int >( patience.count() ) : 1;
+   Duration const begin = now( CLOCK_MONOTONIC );
+   int const count = poll( ready.data(), ready.size(), longest );
+   timer_.waited( now( CLOCK_MONOTONIC ) - begin );
+   if ( count <= 0 ) {
+      return false;
+   }
+   Duration const workBegin = now( CLOCK_THREAD_CPUTIME_ID );
+   if ( ready[ 0 ].revents != 0 ) {
+      events_.read( [ & ]( std::string const & line ) { takeEvent( line ); } );
+   } else {
+      output_.read( [ & ]( std::string const & line ) { takeOutput( line ); } );
+   }
+   timer_.worked( now( CLOCK_THREAD_CPUTIME_ID ) - workBegin );
+   return true;
+}
+
+void Listener::hearRest() {
+   int reads = 0;
+   while ( isAnyOpen() && reads < kMostReadsOfRest && hear( std::chrono::milliseconds( 0 ) ) ) {
+      ++reads;
+   }
+   // Of an event that was not told to its end nothing can be told.
+   if ( !output_.rest().empty() ) {
+      takeOutput( output_.rest() );
+   }
+}
+
+// --- The end
+
+void Listener::tellEnd( int status ) {
+   if ( hasEnded_ && status == 0 ) {
+      return;
+   }
+   if ( int const signal = interruption_.signal(); signal != 0 ) {
+      observer_.onEvent( Story::Interrupted{ signal, nameOf( signal ) } );
+   } else if ( WIFSIGNALED( status ) && WTERMSIG( status ) == SIGBUS && !isWhole( ring_ ) ) {
+      observer_.onEvent( Story::BadInput{
+         "the file of the trace ring was cut short while the run went on; leave it alone until the "
+         "run is over" } );
+   } else {
+      tellStop( status );
+   }
+}
+
+void Listener::tellStop( int status ) {
+   auto const & lines = lastWords_.lines();
+   observer_.onEvent(
+      Story::Stopped{ isOverTime_ ? limitText( timer_.limit() ) : reasonOf( status ),
+                      lastWords_.assertion(),
+                      { lines.begin(), lines.end() },
+                      lastLines( ring_, kMostTraceLines ),
+                      isOverTime_ } );
+}
+
+// --- What comes
+
+// What is no event comes from the plug-in: it has printed into a descriptor that is not its own.
+void Listener::takeEvent( std::string const & line ) {
+   std::optional< Story::Event > event;
+   try {
+      event = Story::decoded( line );
+   } catch ( std::runtime_error const & ) {
+      takeOutput( line );
+      return;
+   }
+   hasEnded_ = std::holds_alternative< Story::RunEnds >( *event ) ||
+               std::holds_alternative< Story::BadInput >( *event );
+   observer_.onEvent( *event );
+}
+
+void Listener::takeOutput( std::string const & line ) {
+   lastWords_.lineNew( line );
+   observer_.onEvent( Story::OutputLine{ line } );
+}
+
+}  // namespace Process

@@ -1,0 +1,66 @@
+// The parent's side of a child process: hears what it tells, and says how it ended.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include <Process/Descriptor.h>
+#include <Process/Interruption.h>
+#include <Process/LastWords.h>
+#include <Process/Lines.h>
+#include <Process/TurnTimer.h>
+#include <Story/Observer.h>
+
+namespace Process {
+
+class Listener {
+ public:
+   struct Context {
+      Descriptor events;  // a line for each event
+      Descriptor output;  // what the child prints
+      std::span< std::byte const > ring;
+      Story::Observer & observer;
+      Interruption const & interruption;
+      TurnTimer timer;
+   };
+
+   // The child as the listener sees it.
+   class Child {
+    public:
+      Child() = default;
+      Child( Child const & ) = delete;
+      Child & operator=( Child const & ) = delete;
+      virtual ~Child() = default;
+
+      // Its status, as waitpid() has it, once it has ended.
+      virtual std::optional< int > status() = 0;
+      virtual void kill() = 0;
+   };
+
+   explicit Listener( Context context );
+
+   // Returns when the child has ended and everything has been told, the end included.
+   void listen( Child & child );
+
+ private:
+   bool isAnyOpen() const { return events_.pipe().isOpen() || output_.pipe().isOpen(); }
+   bool hear( std::chrono::milliseconds patience );
+   void hearRest();
+   bool isToEnd();
+   void tellEnd( int status );
+   void tellStop( int status );
+   void takeEvent( std::string const & line );
+   void takeOutput( std::string const & line );
+
+   Lines events_;
+   Lines output_;
+   std::span< std::byte const > ring_;
+   Story::Observer & observer_;
+   Interruption const & interruption_;
+   TurnTimer timer_;
+   LastWords lastWords_;
+   bool hasEnded_ = false;    // the child has told so
+   bool isOverTime_ = false;  // a turn has taken too long
+};
+
+}  // namespace Process

@@ -1,0 +1,161 @@
+// The program when a run does not come to its end: a plug-in that hangs, somebody who interrupts,
+// and a plug-in that prints more than anybody wants to read.
+#include <memory>
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <Running.h>
+#include <Support.h>
+#include <Switches.h>
+
+#include <fcntl.h>
+
+namespace {
+
+using Json = nlohmann::json;
+using Support::Running;
+using Support::TestPipe;
+using Words = std::vector< std::string >;
+
+bool contains( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+std::string call( std::string const & operation ) {
+   return "   - call: { entity: /plugins/Sample::Mounter, operation: " + operation + " }\n";
+}
+
+class ProgramEnds : public testing::Test {
+ protected:
+   Words words( std::string const & command, std::string const & steps, Words const & more ) {
+      Words words{ command, directory.file( "leaf.yaml", Switches::leaf( steps ) ) };
+      words.insert( words.end(), more.begin(), more.end() );
+      words.insert( words.end(), { "--plugin", Support::testPlugin( "segment-rules" ) } );
+      return words;
+   }
+
+   // Starts a run that hangs in step 2, and waits until it is there.
+   std::unique_ptr< Running > hanging( std::string const & command, Words more ) {
+      more.insert( more.end(), { "--turn-limit", "0" } );
+      auto running = std::make_unique< Running >( words( command, hangs, more ),
+                                                  Running::Streams{ null, out.in(), err.in() } );
+      out.closeEnd( 1 );
+      err.closeEnd( 1 );
+      return running;
+   }
+
+   Support::Directory directory;
+   std::string const hangs = "   - ready: subagents::l2Ready\n" + call( "hang" );
+   int const null = open( "/dev/null", O_RDWR | O_CLOEXEC );
+   TestPipe out;
+   TestPipe err;
+};
+
+// --- A plug-in that hangs
+
+TEST_F( ProgramEnds, with_3_and_the_step_when_a_turn_exceeds_its_limit ) {
+   auto const ran = Support::vornal( words( "run", hangs, { "--turn-limit", "2" } ) );
+
+   EXPECT_EQ( ran.exitCode, 3 );
+   EXPECT_TRUE( contains( ran.out,
+                          "\nSTOPPED in step 2: a turn did not come to its end, and the process of "
+                          "the plug-in was ended by the turn limit of 2 s; --turn-limit allows "
+                          "more.\n" ) )
+      << ran.out;
+   EXPECT_TRUE( contains( ran.out, "The last lines that it printed:\n   hanging\n" ) ) << ran.out;
+}
+
+TEST_F( ProgramEnds, with_3_in_every_command_when_a_turn_exceeds_its_limit ) {
+   auto const run = Support::vornal( words( "run", hangs, { "--json", "--turn-limit", "2" } ) );
+   EXPECT_EQ( run.exitCode, 3 );
+   EXPECT_EQ( Json::parse( run.out )[ "end" ], "stopped" );
+   EXPECT_EQ( Json::parse( run.out )[ "step" ], 2 );
+   EXPECT_EQ( Json::parse( run.out )[ "stop" ][ "reason" ], "turn limit of 2 s" );
+
+   auto const show = Support::vornal( words( "show", hangs, { "entities", "--turn-limit", "2" } ) );
+   EXPECT_EQ( show.exitCode, 3 );
+   EXPECT_TRUE( contains( show.err, "STOPPED in step 2: a turn" ) ) << show.err;
+
+   auto const verify = Support::vornal( words( "verify", hangs, { "--turn-limit", "2" } ) );
+   EXPECT_EQ( verify.exitCode, 3 );
+   EXPECT_TRUE( contains( verify.err, "STOPPED in step 2: a turn" ) ) << verify.err;
+}
+
+TEST_F( ProgramEnds, with_2_when_a_turn_limit_is_no_time ) {
+   for ( char const * const limit : { "-1", "soon", "nan", "1e9" } ) {
+      auto const ran =
+         Support::vornal( words( "run", hangs, { std::string( "--turn-limit=" ) + limit } ) );
+      EXPECT_EQ( ran.exitCode, 2 ) << limit;
+      EXPECT_TRUE( contains( ran.err, "--turn-limit" ) ) << ran.err;
+   }
+}
+
+// --- Somebody who interrupts
+
+TEST_F( ProgramEnds, with_130_and_the_totals_so_far_on_ctrl_c ) {
+   auto const running = hanging( "run", {} );
+   std::string story = out.read( "step 2: call" );
+   running->signal( SIGINT );
+   story += out.read();
+
+   EXPECT_EQ( running->wait(), 130 );
+   EXPECT_TRUE(
+      contains( story,
+                "\nINTERRUPTED in step 2 by signal 2 (Interrupt); so far 0 expectations, 0 "
+                "of which did not hold, and 1 rule in the chip.\n" ) )
+      << story;
+}
+
+TEST_F( ProgramEnds, with_143_and_a_document_when_it_is_terminated ) {
+   auto const running = hanging( "run", { "--json" } );
+   EXPECT_EQ( err.read( "\n" ), "hanging\n" );
+   running->signal( SIGTERM );
+   Json const document = Json::parse( out.read() );
+
+   EXPECT_EQ( running->wait(), 143 );
+   EXPECT_EQ( document[ "end" ], "interrupted" );
+   EXPECT_EQ( document[ "step" ], 2 );
+   EXPECT_EQ( document[ "rules" ].size(), 1U );
+   EXPECT_EQ( err.read(), "interrupted in step 2 by signal 15 (Terminated)\n" );
+}
+
+// --- Two runs
+
+TEST_F( ProgramEnds, as_it_would_although_another_run_wants_its_trace_ring ) {
+   std::string const ring = directory.path() / "ring";
+   auto const first = hanging( "run", { "--json", "--ring", ring } );
+   EXPECT_EQ( err.read( "\n" ), "hanging\n" );
+
+   auto const second = Support::vornal( words( "run", hangs, { "--ring", ring } ) );
+   EXPECT_EQ( second.exitCode, 2 );
+   EXPECT_EQ( second.out, "" );
+   EXPECT_TRUE(
+      contains( second.err, ring + " is the ring of a run that goes on; name a new file" ) )
+      << second.err;
+
+   first->signal( SIGINT );
+   out.read();
+   EXPECT_EQ( first->wait(), 130 );
+   EXPECT_TRUE( contains( Support::vornal( { "ring", ring } ).out,
+                          "Sample 5: handleSegment intfId: Ethernet1" ) );
+}
+
+// --- A plug-in that prints a lot
+
+TEST_F( ProgramEnds, well_whatever_the_length_of_a_line_that_the_plug_in_prints ) {
+   for ( std::string const length : { "26100", "300000", "5000000" } ) {
+      std::string const step =
+         "   - call: { entity: /plugins/Sample::Mounter, operation: "
+         "printLong, arguments: [ '" +
+         length + "' ] }\n";
+      auto const ran = Support::vornal( words( "run", step, {} ) );
+
+      EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+      EXPECT_TRUE( contains( ran.out, "   printed: xxxxx" ) ) << length;
+      EXPECT_TRUE( contains( ran.out, "\nCOMPLETED; " ) ) << length;
+   }
+}
+
+}  // namespace
