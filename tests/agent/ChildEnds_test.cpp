@@ -237,6 +237,7 @@ TEST_F( ChildEnds, when_its_parent_is_interrupted_and_what_it_told_until_then_is
 TEST_F( ChildEnds, by_its_parent_and_not_by_the_ctrl_c_that_reaches_both ) {
    run( []( Observer & observer ) {
       raise( SIGINT );
+      raise( SIGINT );
       observer.onEvent( Story::RunEnds{} );
    } );
 

@@ -133,6 +133,13 @@ TEST_F( ProgramStreams, standard_output_that_is_closed_is_told ) {
                   "complete\n" );
 }
 
+TEST_F( ProgramStreams, standard_output_that_is_closed_does_not_get_into_the_trace_ring ) {
+   Words const words = with( { "run", leaf, "--ring", ring() } );
+
+   EXPECT_EQ( run( words, { { kOutput, kClosed } } ).exitCode, 2 );
+   EXPECT_EQ( run( { "ring", ring() }, {} ).exitCode, 0 );
+}
+
 TEST_F( ProgramStreams, standard_output_that_is_full_is_told ) {
    expectRefusal(
       full,
