@@ -1,3 +1,4 @@
+#include <Frames/Headers.h>
 #include <Scenario/Parts.h>
 
 namespace Scenario {
@@ -26,10 +27,25 @@ std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int l
    return std::nullopt;
 }
 
+// A VLAN that could be read has a VNI; where none could be, that is told already.
+void checkMapped( Reading & reading, Vlan vlan, int line, Forwarding const & forwarding ) {
+   auto const & vnis = forwarding.config.vlanToVni;
+   if ( vlan != 0 && !vnis.contains( vlan ) ) {
+      reading.problem( line, "VLAN " + std::to_string( vlan ) +
+                                " is not among 'vlans'; give it a VNI there, as in " +
+                                std::to_string( vlan ) + ": " + std::to_string( 10000 + vlan ) );
+   }
+}
+
 // --- what the switch is called
 
 void readVtepAddresses( Reading & reading, Value const & value, Forwarding & forwarding ) {
-   for ( auto const & [ address, line ] : distinctOf( reading, value, addressIn ) ) {
+   if ( value.node.IsSequence() && value.node.size() == 0 ) {
+      reading.problem( value.line,
+                       "vtep-addresses is empty; give one at least, as in [ 10.0.0.1 ]" );
+   }
+   for ( auto const & [ address, line ] : distinctOf( reading, value, vtepIn ) ) {
+      reading.agreement().ownVtepIs( address, line );
       auto & place = address.family() == Pelk::IpGenAddr::Family::ipv4 ? forwarding.config.vtepIpv4
                                                                        : forwarding.config.vtepIpv6;
       if ( place ) {
@@ -49,34 +65,56 @@ void readRouterMac( Reading & reading, Value const & value, Forwarding & forward
 
 void readUnderlay( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ intf, line ] : distinctOf( reading, value, intfIn ) ) {
+      reading.agreement().underlayIs( intf, line );
       forwarding.underlay.insert( intf );
    }
 }
 
 void readVlans( Reading & reading, Value const & value, Forwarding & forwarding ) {
+   std::map< Chip::Vni, Vlan > vlanOfVni;
    for ( auto const & [ vlan, about ] : keyedOf( reading, value, vlanIn ) ) {
-      if ( auto const vni = numberOf( reading, about, 1, kHighestVni ) ) {
-         forwarding.config.vlanToVni[ vlan ] = *vni;
+      auto const vni = numberOf( reading, about, 1, kHighestVni );
+      if ( !vni ) {
+         continue;
       }
+      auto const [ other, isNew ] = vlanOfVni.try_emplace( *vni, vlan );
+      if ( !isNew ) {
+         reading.problem( about.line, "VNI " + std::to_string( *vni ) + " is that of VLAN " +
+                                         std::to_string( other->second ) +
+                                         " already; give each VLAN its own" );
+      }
+      forwarding.config.vlanToVni[ vlan ] = *vni;
    }
 }
 
 void readAccess( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
+      reading.agreement().accessIs( intf, about.line );
       forwarding.vlans[ intf ].untagged = vlanOf( reading, about );
+      checkMapped( reading, forwarding.vlans[ intf ].untagged.value_or( 0 ), about.line,
+                   forwarding );
    }
 }
 
 void readTrunk( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
+      reading.agreement().accessIs( intf, about.line );
+      Chip::AccessVlans & vlans = forwarding.vlans[ intf ];
       for ( auto const & [ vlan, line ] : distinctOf( reading, about, vlanIn ) ) {
-         forwarding.vlans[ intf ].tagged.insert( vlan );
+         vlans.tagged.insert( vlan );
+         checkMapped( reading, vlan, line, forwarding );
+         if ( vlan == vlans.untagged ) {
+            reading.problem( line, "VLAN " + std::to_string( vlan ) + " of " + intf.stringValue() +
+                                      " is under 'access' already; a VLAN is tagged or untagged, "
+                                      "so keep one of them" );
+         }
       }
    }
 }
 
 void readNotDesignated( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ intf, line ] : distinctOf( reading, value, intfIn ) ) {
+      reading.agreement().designatedIs( intf, line );
       forwarding.config.designatedForwarder[ intf ].allVlans = false;
    }
 }
@@ -101,12 +139,19 @@ Table< Chip::HostRoute > const & hostTable() {
 
 void readHosts( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ host, about ] : keyedOf( reading, value, addressIn ) ) {
-      readMapping( reading, about, hostTable(), forwarding.config.hostRoutes[ host ] );
+      Chip::HostRoute & route = forwarding.config.hostRoutes[ host ];
+      readMapping( reading, about, hostTable(), route );
+      checkMapped( reading, route.vlan, about.line, forwarding );
    }
 }
 
 void readGroups( Reading & reading, Value const & value, Forwarding & forwarding ) {
    for ( auto const & [ group, line ] : distinctOf( reading, value, addressIn ) ) {
+      if ( !Chip::isMulticast( group ) ) {
+         reading.problem( line, group.stringValue() +
+                                   " is no multicast address; one is expected, "
+                                   "as in 239.1.1.1" );
+      }
       forwarding.config.multicastRoutes[ group ] = {};
    }
 }
@@ -131,6 +176,12 @@ Table< Forwarding > const & forwardingTable() {
 
 std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line ) {
    auto const intf = parsed< Pelk::IntfId >( reading, text, line );
+   if ( intf && intf->kind() != Pelk::IntfId::Kind::ethernet && !isPortChannel( *intf ) ) {
+      reading.problem( line, intf->stringValue() +
+                                " cannot stand here; an Ethernet interface or a port channel is "
+                                "expected" );
+      return std::nullopt;
+   }
    if ( intf ) {
       reading.use( *intf, line );
    }
@@ -144,6 +195,7 @@ void readForwarding( Reading & reading, Value const & value,
 
 void readDesignated( Reading & reading, Value const & value, DesignatedForwarder & designated ) {
    for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
+      reading.agreement().designatedIs( intf, about.line );
       designated.isDesignated[ intf ] = yesOrNoOf( reading, about ).value_or( true );
    }
 }

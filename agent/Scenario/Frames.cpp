@@ -54,8 +54,12 @@ template< typename T > void readOn( Reading & reading, Value const & value, T & 
 }
 
 void readFrom( Reading & reading, Value const & value, Frame & frame ) {
-   outerOf( frame ).sourceVtep =
-      valueOf< Pelk::IpGenAddr >( reading, value ).value_or( Pelk::IpGenAddr() );
+   Pelk::IpGenAddr & vtep = outerOf( frame ).sourceVtep;
+   auto const text = stringOf( reading, value, std::string( kExample< Pelk::IpGenAddr > ) );
+   if ( auto const read = text ? vtepIn( reading, *text, value.line ) : std::nullopt ) {
+      vtep = *read;
+      reading.agreement().remoteVtepIs( vtep, value.line );
+   }
 }
 
 void readVni( Reading & reading, Value const & value, Frame & frame ) {
@@ -123,6 +127,44 @@ Table< Frame > const & frameTable() {
           readFieldNumber< std::size_t, &Fields::payloadSize, kLargestPayload > } }
    };
    return table;
+}
+
+// --- the addresses of a frame
+
+std::string nameOf( Chip::FrameContent content ) {
+   return std::string( contents().nameOf( content ) );
+}
+
+// Those that could be read; what could not is told already.
+void checkFamilies( Reading & reading, Value const & value, Chip::FrameFields const & fields ) {
+   using Family = Pelk::IpGenAddr::Family;
+   if ( !fields.sourceIp || !fields.destinationIp ) {
+      return;
+   }
+   Family const family = fields.sourceIp->family();
+   if ( family != fields.destinationIp->family() ) {
+      reading.problem( value.line, fields.sourceIp->stringValue() + " and " +
+                                      fields.destinationIp->stringValue() +
+                                      " are of different families; give two addresses of one" );
+   } else if ( fields.content == Chip::FrameContent::Arp && family != Family::ipv4 ) {
+      reading.problem( value.line,
+                       "arp is for IPv4 addresses; write neighbour-solicitation for IPv6" );
+   } else if ( fields.content == Chip::FrameContent::NeighbourSolicitation &&
+               family != Family::ipv6 ) {
+      reading.problem( value.line,
+                       "neighbour-solicitation is for IPv6 addresses; write arp for IPv4" );
+   }
+}
+
+void checkAddresses( Reading & reading, Value const & value, Chip::FrameFields const & fields ) {
+   bool const hasBoth =
+      value.node[ "source-ip" ].IsDefined() && value.node[ "destination-ip" ].IsDefined();
+   if ( fields.content != Chip::FrameContent::Bare && !hasBoth ) {
+      reading.problem( value.line, "a frame with " + nameOf( fields.content ) +
+                                      " has IP addresses; give 'source-ip' and "
+                                      "'destination-ip'" );
+   }
+   checkFamilies( reading, value, fields );
 }
 
 // --- a capture
@@ -215,15 +257,20 @@ Table< FramesLike > const & framesTable() {
 
 void readFrame( Reading & reading, Value const & value, Frame & frame ) {
    readMapping( reading, value, frameTable(), frame );
-   auto const & outer = frame.fields.outer;
-   if ( !outer && !frame.on ) {
+   if ( !value.node.IsMap() ) {
+      return;
+   }
+   bool const hasFrom = value.node[ "from" ].IsDefined();
+   if ( !hasFrom && !value.node[ "on" ].IsDefined() ) {
       reading.problem( value.line,
                        "a frame needs 'on', the interface it comes in on, or 'from', "
                        "the VTEP it comes from" );
-   } else if ( outer && ( outer->vni == 0 || outer->sourceVtep == Pelk::IpGenAddr() ) ) {
+   }
+   if ( hasFrom != value.node[ "vni" ].IsDefined() ) {
       reading.problem( value.line,
                        "'from' and 'vni' stand together: a frame from a VTEP comes in a VNI" );
    }
+   checkAddresses( reading, value, frame.fields );
 }
 
 void readCapture( Reading & reading, Value const & value, Capture & capture ) {

@@ -51,6 +51,9 @@ void readExpect( Reading & reading, Value const & value,
 void readRules( Reading & reading, Value const & value, RulesLike & rules );
 void readForeignEntries( Reading & reading, Value const & value, ForeignEntries & foreign );
 
+// The address of a remote VTEP: one that a packet can be sent to.
+std::optional< Pelk::IpGenAddr > vtepIn( Reading & reading, std::string const & text, int line );
+
 // An interface or a port channel, of which there must be a definition somewhere.
 std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line );
 

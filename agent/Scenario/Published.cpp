@@ -1,4 +1,5 @@
 #include <Brum/PerUnitBitmap.h>
+#include <Frames/Headers.h>
 #include <Scenario/Parts.h>
 
 namespace Scenario {
@@ -51,7 +52,15 @@ std::optional< L3::VrfName > vrfIn( Reading &, std::string const & text, int ) {
    return L3::VrfName( text );
 }
 
-auto const addressIn = parsed< Pelk::IpGenAddr >;
+// A VTEP that has, or is to have, a tunnel to this switch.
+std::optional< Pelk::IpGenAddr > tunnelVtepIn( Reading & reading, std::string const & text,
+                                               int line ) {
+   auto const vtep = vtepIn( reading, text, line );
+   if ( vtep ) {
+      reading.agreement().remoteVtepIs( *vtep, line );
+   }
+   return vtep;
+}
 
 // --- interfaces
 
@@ -106,7 +115,10 @@ void interfacesGone( Reading & reading, Value const & value, Changes & changes )
 using PortChannels = std::vector< Keyed< Pelk::IntfId > >;
 
 // The members of each, none in two of them.
-void readMembers( Reading & reading, PortChannels const & portChannels, Changes & changes ) {
+std::vector< Placed< Pelk::IntfId > > readMembers( Reading & reading,
+                                                   PortChannels const & portChannels,
+                                                   Changes & changes ) {
+   std::vector< Placed< Pelk::IntfId > > result;
    std::map< Pelk::IntfId, Pelk::IntfId > portChannelOf;
    for ( auto const & [ portChannel, members ] : portChannels ) {
       for ( auto const & [ member, line ] : distinctOf( reading, members, ethernetIn ) ) {
@@ -117,8 +129,10 @@ void readMembers( Reading & reading, PortChannels const & portChannels, Changes 
                                       " already; an interface is in one port channel at most" );
          }
          changes.push_back( { PortChannelMember{ portChannel, member }, line } );
+         result.push_back( { member, line } );
       }
    }
+   return result;
 }
 
 void membersGone( Reading & reading, Value const & value, Changes & changes ) {
@@ -126,14 +140,16 @@ void membersGone( Reading & reading, Value const & value, Changes & changes ) {
    for ( auto const & portChannel : portChannels ) {
       reading.use( portChannel.key, portChannel.value.line );
    }
-   readMembers( reading, portChannels, changes );
+   for ( Placed< Pelk::IntfId > const & member : readMembers( reading, portChannels, changes ) ) {
+      reading.agreement().memberGoes( member.it );
+   }
 }
 
 // --- segments
 
 void readSegmentVteps( Reading & reading, Pelk::IntfId const & intf, Value const & value,
                        Changes & changes ) {
-   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { SegmentVtep{ intf, vtep }, line } );
    }
 }
@@ -174,7 +190,7 @@ Table< VtepWords > const & vtepTable() {
 }
 
 void readVteps( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ vtep, about ] : keyedOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, about ] : keyedOf( reading, value, tunnelVtepIn ) ) {
       VtepWords words;
       readMapping( reading, about, vtepTable(), words );
       changes.push_back( { VtepVirtualPort{ vtep, words.virtualPort.value_or( 0 ) }, about.line } );
@@ -182,7 +198,7 @@ void readVteps( Reading & reading, Value const & value, Changes & changes ) {
 }
 
 void vtepsGone( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { VtepVirtualPort{ vtep, 0 }, line } );
    }
 }
@@ -190,13 +206,13 @@ void vtepsGone( Reading & reading, Value const & value, Changes & changes ) {
 // --- class ids
 
 void readClassIdRequests( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { ClassIdRequest{ vtep }, line } );
    }
 }
 
 void readClassIdGrants( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ vtep, about ] : keyedOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, about ] : keyedOf( reading, value, vtepIn ) ) {
       U32 const id = numberOf( reading, about, 0, VornalCommon::ClassId::kNone ).value_or( 0 );
       changes.push_back(
          { ClassIdGrant{ vtep, VornalCommon::ClassId( static_cast< U16 >( id ) ) }, about.line } );
@@ -204,7 +220,7 @@ void readClassIdGrants( Reading & reading, Value const & value, Changes & change
 }
 
 void classIdGrantsGone( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ vtep, line ] : distinctOf( reading, value, addressIn ) ) {
+   for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { ClassIdGrant{ vtep, {} }, line } );
    }
 }
@@ -327,7 +343,20 @@ void readPortChannels( Reading & reading, Value const & value, Changes & changes
    for ( auto const & portChannel : portChannels ) {
       reading.define( portChannel.key );
    }
-   readMembers( reading, portChannels, changes );
+   for ( auto const & [ member, line ] : readMembers( reading, portChannels, changes ) ) {
+      reading.agreement().memberIs( member, line );
+   }
+}
+
+std::optional< Pelk::IpGenAddr > vtepIn( Reading & reading, std::string const & text, int line ) {
+   auto const vtep = parsed< Pelk::IpGenAddr >( reading, text, line );
+   if ( !vtep || ( Chip::isRoutable( *vtep ) && !Chip::isMulticast( *vtep ) ) ) {
+      return vtep;
+   }
+   reading.problem( line, vtep->stringValue() +
+                             " is no address of a VTEP; one that packets can be sent to over a "
+                             "network is expected, as in 10.0.0.2" );
+   return std::nullopt;
 }
 
 void readEvpn( Reading & reading, Value const & value, Changes & changes ) {

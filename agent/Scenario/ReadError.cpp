@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <Scenario/Characters.h>
+
 namespace Scenario {
 
 namespace {
@@ -22,7 +24,8 @@ std::string shown( std::vector< Problem > const & problems ) {
 }  // namespace
 
 std::string Problem::text() const {
-   return file + ':' + std::to_string( line ) + ": " + message;
+   std::string const place = line == 0 ? file : file + ':' + std::to_string( line );
+   return printable( place + ": " + message );
 }
 
 ReadError::ReadError( std::vector< Problem > problems )

@@ -1,8 +1,12 @@
 #include <Scenario/Reader.h>
 
+#include <Scenario/Course.h>
 #include <Scenario/Document.h>
+#include <Scenario/File.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Vocabulary.h>
+
+#include <unistd.h>
 
 namespace Scenario {
 
@@ -166,6 +170,8 @@ Model modelOf( Value const & value, fs::path const & file, std::optional< Varian
          model.steps.push_back( std::move( step.step ) );
       }
    }
+   followCourse( reading, model );
+   reading.check();
    return model;
 }
 
@@ -197,7 +203,8 @@ Model modelOfTwin( Value const & value, fs::path const & file ) {
 }  // namespace
 
 Model read( fs::path const & file ) {
-   return readText( textIn( file ), file );
+   return file == "-" ? readText( textOf( STDIN_FILENO, "standard input" ), "standard input" )
+                      : readText( textIn( file ), file );
 }
 
 Model readText( std::string const & text, fs::path const & file ) {

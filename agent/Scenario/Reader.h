@@ -21,7 +21,8 @@
 
 namespace Scenario {
 
-// The scenario in `file`. ReadError when it cannot be read or is not a scenario.
+// The scenario in `file`; for "-" that on standard input, which refers to files beside the current
+// directory. ReadError when it cannot be read or is not a scenario.
 Model read( std::filesystem::path const & file );
 
 // The scenario that `text` is; `file` names it in problems, and what it refers to is looked for

@@ -34,6 +34,9 @@ bool matches( std::string_view pattern, std::string_view name ) {
 
 void Reading::problem( int line, std::string message ) {
    problems_.push_back( { file_, line, std::move( message ) } );
+   if ( problems_.size() == kMostProblems ) {
+      refuse();
+   }
 }
 
 std::optional< U16 > Reading::module( U16 unit, int line ) {
@@ -61,6 +64,7 @@ bool Reading::isTraced( std::string_view handle, int level ) const {
 }
 
 void Reading::check() {
+   agreement_.check( *this );
    for ( Use const & use : uses_ ) {
       if ( !defined_.contains( use.intf ) ) {
          bool const isPortChannel = Pelk::isPortChannel( use.intf );
@@ -68,9 +72,12 @@ void Reading::check() {
                                ( isPortChannel ? "port-channels" : "interfaces" ) + "'" );
       }
    }
-   if ( problems_.empty() ) {
-      return;
+   if ( !problems_.empty() ) {
+      refuse();
    }
+}
+
+void Reading::refuse() {
    std::stable_sort( problems_.begin(), problems_.end(),
                      []( Problem const & a, Problem const & b ) { return a.line < b.line; } );
    throw ReadError( std::move( problems_ ) );

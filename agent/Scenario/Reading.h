@@ -19,6 +19,7 @@
 #include <yaml-cpp/yaml.h>
 
 #include <Pelk/IntfId.h>
+#include <Scenario/Agreement.h>
 #include <Scenario/ReadError.h>
 #include <Scenario/Scenario.h>
 
@@ -35,11 +36,14 @@ struct Value {
 
 class Reading {
  public:
+   static constexpr std::size_t kMostProblems = 1000;
+
    explicit Reading( std::string file ) : file_( std::move( file ) ) {}
 
    // Where the files are that the scenario names.
    std::filesystem::path directory() const { return std::filesystem::path( file_ ).parent_path(); }
 
+   // Beyond kMostProblems nothing more is read: ReadError with those found until then.
    void problem( int line, std::string message );
 
    // The interface exists on the switch, with a chip port or without, now or later.
@@ -51,6 +55,8 @@ class Reading {
    void unitIs( Unit const & unit ) { modules_[ unit.number ] = unit.module; }
    // The unit's module id; a problem and nothing if the switch has no such unit.
    std::optional< U16 > module( U16 unit, int line );
+
+   Agreement & agreement() { return agreement_; }
 
    // The text trace levels that are on, of handles that `names` matches.
    void traceIs( std::string const & names, U32 levels ) { trace_.emplace_back( names, levels ); }
@@ -65,7 +71,10 @@ class Reading {
       int line;
    };
 
+   [[noreturn]] void refuse();
+
    std::string file_;
+   Agreement agreement_;
    std::vector< Problem > problems_;
    std::set< Pelk::IntfId > defined_;
    std::vector< Use > uses_;

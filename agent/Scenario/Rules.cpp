@@ -67,6 +67,14 @@ void readActions( Reading & reading, Value const & value, RulesLike & rules ) {
    }
 }
 
+template< typename Names > WordList namesOf( std::string_view place, Names const & names ) {
+   WordList list{ place, {} };
+   for ( auto const name : names ) {
+      list.words.push_back( { Chip::nameOf( name ), {} } );
+   }
+   return list;
+}
+
 // --- the rest
 
 void readPriority( Reading & reading, Value const & value, RulesLike & rules ) {
@@ -127,7 +135,8 @@ void readForeignEntries( Reading & reading, Value const & value, ForeignEntries 
 }
 
 std::vector< WordList > rulesVocabulary() {
-   return { rulesTable().list(), foreignTable().list(), writtenOrStaged().list() };
+   return { rulesTable().list(), foreignTable().list(), writtenOrStaged().list(),
+            namesOf( "qualifier", Chip::kQualifiers ), namesOf( "action", Chip::kActions ) };
 }
 
 }  // namespace Scenario

@@ -14,10 +14,22 @@ void readNote( Reading & reading, Value const & value, StepWords & words ) {
    words.actions.emplace_back( Note{ stringOf( reading, value ).value_or( "" ) } );
 }
 
+// Whether the text is another one, and was probably meant to be that one.
+bool isAlmost( std::string_view text, std::string_view meant ) {
+   constexpr std::size_t kMostDifferent = 3;
+   return text != meant && !nearest( text, { meant } ).empty() &&
+          std::max( text.size(), meant.size() ) - std::min( text.size(), meant.size() ) <=
+             kMostDifferent &&
+          text.substr( 0, 3 ) == meant.substr( 0, 3 );
+}
+
 void readReady( Reading & reading, Value const & value, StepWords & words ) {
    std::string_view const group = "subagents::";
    auto const point = stringOf( reading, value );
-   if ( point && point->starts_with( group ) && *point != group ) {
+   if ( point && isAlmost( *point, "subagents::l2Ready" ) ) {
+      reading.problem( value.line,
+                       "ready is " + inQuotes( *point ) + "; did you mean 'subagents::l2Ready'?" );
+   } else if ( point && point->starts_with( group ) && *point != group ) {
       words.actions.emplace_back( Ready{ point->substr( group.size() ) } );
    } else if ( point ) {
       reading.problem( value.line, "ready is " + inQuotes( *point ) +

@@ -1,6 +1,9 @@
 #include <Scenario/Values.h>
 
+#include <array>
 #include <charconv>
+
+#include <Scenario/Characters.h>
 
 namespace Scenario {
 
@@ -17,10 +20,21 @@ void wrongKind( Reading & reading, Value const & value, std::string const & expe
                                    expected + " is expected" );
 }
 
+std::string withoutQuotes( Value const & value ) {
+   return value.node.Tag() == kQuoted ? ", without quotes" : "";
+}
+
+// The words of YAML 1.2; "yes" and "on" are texts there.
+bool isYesOrNo( std::string_view text ) {
+   constexpr std::array< std::string_view, 6 > words{ "true",  "True",  "TRUE",
+                                                      "false", "False", "FALSE" };
+   return std::find( words.begin(), words.end(), text ) != words.end();
+}
+
 }  // namespace
 
 std::string inQuotes( std::string_view text ) {
-   return '\'' + std::string( text.substr( 0, kShown ) ) + ( text.size() > kShown ? "...'" : "'" );
+   return '\'' + std::string( beginning( text, kShown ) ) + ( text.size() > kShown ? "...'" : "'" );
 }
 
 std::vector< Value > mappingOf( Reading & reading, Value const & value ) {
@@ -58,11 +72,12 @@ std::vector< Value > listOf( Reading & reading, Value const & value ) {
    return elements;
 }
 
-std::optional< std::string > stringOf( Reading & reading, Value const & value ) {
+std::optional< std::string > stringOf( Reading & reading, Value const & value,
+                                       std::string const & expected ) {
    if ( value.node.IsScalar() && !value.node.Scalar().empty() ) {
       return value.node.Scalar();
    }
-   wrongKind( reading, value, "text" );
+   wrongKind( reading, value, expected );
    return std::nullopt;
 }
 
@@ -85,16 +100,15 @@ std::optional< U32 > numberIn( Value const & value ) {
 
 std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
                                std::string const & else_ ) {
-   auto const text = stringOf( reading, value );
+   std::string const expected =
+      "a whole number from " + std::to_string( lowest ) + " to " + std::to_string( highest );
+   auto const text = stringOf( reading, value, expected );
    auto const number = numberIn( value );
    if ( !text || ( number && *number >= lowest && *number <= highest ) ) {
       return number;
    }
-   bool const isQuoted = value.node.Tag() == kQuoted;
-   reading.problem( value.line, value.name + " is " + inQuotes( *text ) + "; a whole number from " +
-                                   std::to_string( lowest ) + " to " + std::to_string( highest ) +
-                                   " is expected" + ( isQuoted ? ", without quotes" : "" ) +
-                                   else_ );
+   reading.problem( value.line, value.name + " is " + inQuotes( *text ) + "; " + expected +
+                                   " is expected" + withoutQuotes( value ) + else_ );
    return std::nullopt;
 }
 
@@ -108,8 +122,18 @@ void noChoice( Reading & reading, Value const & value, WordList const & list ) {
 }
 
 std::optional< bool > yesOrNoOf( Reading & reading, Value const & value ) {
-   static Choices< bool > const choices{ "yes-or-no", { { "true", true }, { "false", false } } };
-   return choiceOf( reading, value, choices );
+   auto const text = stringOf( reading, value, "true or false" );
+   bool const isPlain = value.node.Tag() != kQuoted;
+   bool isYes = false;
+   if ( text && isPlain && YAML::convert< bool >::decode( value.node, isYes ) &&
+        isYesOrNo( *text ) ) {
+      return isYes;
+   }
+   if ( text ) {
+      reading.problem( value.line, value.name + " is " + inQuotes( *text ) +
+                                      "; true or false is expected" + withoutQuotes( value ) );
+   }
+   return std::nullopt;
 }
 
 }  // namespace Scenario

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include <Frames/MacAddress.h>
+#include <Pelk/IpGenAddr.h>
 #include <Quelm/Error.h>
 #include <Quelm/Text.h>
 #include <Scenario/Reading.h>
@@ -29,8 +31,9 @@ std::vector< Value > mappingOf( Reading & reading, Value const & value );
 // The elements of a list. What is not a list is a problem.
 std::vector< Value > listOf( Reading & reading, Value const & value );
 
-// A text that is not empty; a number or a boolean counts as one.
-std::optional< std::string > stringOf( Reading & reading, Value const & value );
+// A text that is not empty; a number or a boolean counts as one. `expected` says what it is to be.
+std::optional< std::string > stringOf( Reading & reading, Value const & value,
+                                       std::string const & expected = "text" );
 
 // A whole number in decimal, or in hexadecimal after 0x. `else_` says what may stand there instead,
 // which is the caller's to look for: ", or none".
@@ -46,14 +49,25 @@ std::optional< T > parsed( Reading & reading, std::string const & text, int line
    try {
       return Quelm::fromText< T >( text );
    } catch ( Quelm::TextError const & error ) {
-      reading.problem( line, error.what() );
+      std::string_view const reason = error.what();
+      // A reason that begins so names no text.
+      reading.problem( line, ( reason.starts_with( "expected" ) ? inQuotes( text ) + ": " : "" ) +
+                                std::string( reason ) );
       return std::nullopt;
    }
 }
 
+// What a value in the text form of T is, in words.
+template< typename T > inline constexpr std::string_view kExample = "text";
+template<>
+inline constexpr std::string_view kExample< Pelk::IpGenAddr > = "an IP address, as in 10.0.0.2,";
+template<>
+inline constexpr std::string_view kExample< Chip::MacAddress > =
+   "a MAC address, as in 00:00:5e:00:53:01,";
+
 // A value in the text form of T.
 template< typename T > std::optional< T > valueOf( Reading & reading, Value const & value ) {
-   auto const text = stringOf( reading, value );
+   auto const text = stringOf( reading, value, std::string( kExample< T > ) );
    return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
 }
 
@@ -144,7 +158,7 @@ template< typename T > struct Choices {
 template< typename T >
 std::optional< T > choiceOf( Reading & reading, Value const & value,
                              Choices< T > const & choices ) {
-   auto const text = stringOf( reading, value );
+   auto const text = stringOf( reading, value, listed( choices.list().names() ) );
    if ( !text ) {
       return std::nullopt;
    }

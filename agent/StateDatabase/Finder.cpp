@@ -13,9 +13,27 @@ std::string textOf( Segment const & segment ) {
    return segment.key ? segment.name + "[" + *segment.key + "]" : segment.name;
 }
 
-Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, Segment const & segment ) {
+// The path of the first `count` segments.
+std::string beginning( Scenario::EntityPath const & path, std::size_t count ) {
+   auto const & segments = path.segments();
+   return Scenario::EntityPath(
+             { segments.begin(), segments.begin() + static_cast< std::ptrdiff_t >( count ) } )
+      .stringValue();
+}
+
+// From the entity that the first `taken` segments lead to.
+Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, Scenario::EntityPath const & path,
+                                std::size_t taken ) {
+   using Kind = Kiv::Attribute::Kind;
+   Segment const & segment = path.segments()[ taken ];
    Kiv::Attribute const & attribute = attributeOf( from, segment.name );
-   bool const isKeyed = attribute.kind() == Kiv::Attribute::Kind::Members;
+   bool const isKeyed = attribute.kind() == Kind::Members;
+   if ( !isKeyed && attribute.kind() != Kind::Reference ) {
+      throw Quelm::AccessError( "attribute '" + segment.name +
+                                "' holds no entity but what is shown with its owner; name the "
+                                "owner, '" +
+                                beginning( path, taken ) + "'" );
+   }
    if ( segment.key.has_value() != isKeyed ) {
       throw Quelm::AccessError( "attribute '" + segment.name +
                                 ( isKeyed ? "' needs a key in brackets" : "' takes no key" ) );
@@ -66,7 +84,7 @@ Quelm::Ptr< Kiv::Entity > Finder::entity( Scenario::EntityPath const & path ) co
                                 "'; paths begin with one of" + known );
    }
    for ( std::size_t n = taken; n < path.segments().size(); ++n ) {
-      entity = step( *entity, path.segments()[ n ] );
+      entity = step( *entity, path, n );
    }
    return entity;
 }

@@ -10,7 +10,8 @@ namespace {
 using namespace ScenarioTexts;
 
 std::string described( std::string const & step ) {
-   auto const model = readLeaf( "trace: { VornalEvpnSm: 0-8 }\nsteps:\n   - " + step + '\n' );
+   auto const model =
+      read( kPublished + "trace: { VornalEvpnSm: 0-8 }\nsteps:\n   - " + step + '\n' );
    return Scenario::description( model.steps.at( 0 ).action );
 }
 

@@ -26,7 +26,7 @@ std::string published( std::string const & words ) {
 }
 
 std::string withdrawn( std::string const & words ) {
-   auto const model = readLeaf( "steps:\n   - withdraw:\n" + words );
+   auto const model = read( kPublished + "steps:\n   - withdraw:\n" + words );
    return told( std::get< Scenario::Withdraw >( model.steps.at( 0 ).action ).changes, true );
 }
 

@@ -156,19 +156,6 @@ TEST( ScenarioReader, RefusesStepsInATwin ) {
 
 // --- files
 
-TEST( ScenarioReader, RefusesAFileThatIsNotThere ) {
-   EXPECT_EQ( fileProblems( "no/such/scenario.yaml" ),
-              "no/such/scenario.yaml:1: the file cannot be read or is empty; a scenario's file is "
-              "expected, as in scenarios/start-up/scenario.yaml" );
-}
-
-TEST( ScenarioReader, RefusesADirectory ) {
-   EXPECT_EQ( fileProblems( kData + "feature-files" ),
-              kData +
-                 "feature-files:1: the file cannot be read or is empty; a scenario's file is "
-                 "expected, as in scenarios/start-up/scenario.yaml" );
-}
-
 TEST( ScenarioReader, RefusesWhatIsNotYaml ) {
    EXPECT_EQ( fileProblems( kData + "not-yaml.yaml" ),
               kData +

@@ -19,6 +19,17 @@ inline std::string const kLeaf =
    "                 Ethernet2: { unit: 0, port: 2 } }\n"
    "   port-channels: { Port-Channel2: [ Ethernet2 ] }\n";
 
+// The same with everything published that can be, in as many lines.
+inline std::string const kPublished =
+   "scenario: two leaves\n"
+   "evpn: { vteps: { 10.0.0.2: { virtual-port: 2 }, '2001:db8::2': { virtual-port: 3 } },\n"
+   "        segments: { Ethernet1: [], Port-Channel2: [ 10.0.0.2 ] },\n"
+   "        tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 1, blue: 2 } } } }\n"
+   "switch: { name: leaf1, variant: egress-mask, units: { 0: { module: 1 } },\n"
+   "          interfaces: { Ethernet1: { unit: 0, port: 1 },\n"
+   "                        Ethernet2: { unit: 0, port: 2 } },\n"
+   "          port-channels: { Port-Channel2: [ Ethernet2 ] } }\n";
+
 inline Scenario::Model read( std::string const & text ) {
    return Scenario::readText( text, "leaf.yaml" );
 }

@@ -1,0 +1,94 @@
+#include <Scenario/Agreement.h>
+
+#include <algorithm>
+
+#include <Scenario/Reading.h>
+
+namespace Scenario {
+
+namespace {
+
+using Pelk::IntfId;
+using Pelk::IpGenAddr;
+
+std::string inLine( int line ) {
+   return " (line " + std::to_string( line ) + ")";
+}
+
+std::string familyOf( IpGenAddr const & address ) {
+   return address.family() == IpGenAddr::Family::ipv4 ? "IPv4" : "IPv6";
+}
+
+}  // namespace
+
+void Agreement::check( Reading & reading ) const {
+   checkVteps( reading );
+   checkUnderlay( reading );
+   checkAccess( reading );
+   checkDesignated( reading );
+}
+
+// A switch without an address forwards nothing, and is none of those VTEPs.
+void Agreement::checkVteps( Reading & reading ) const {
+   for ( auto const & [ vtep, line ] : remote_ ) {
+      if ( auto const self = own_.find( vtep ); self != own_.end() ) {
+         reading.problem( line, vtep.stringValue() + " is this switch itself" +
+                                   inLine( self->second ) + "; give the address of another VTEP" );
+      }
+      auto const family = vtep.family();
+      bool const isReachable = std::any_of( own_.begin(), own_.end(), [ & ]( auto const & one ) {
+         return one.first.family() == family;
+      } );
+      if ( !own_.empty() && !isReachable ) {
+         reading.problem( line, "no VTEP address of the switch is an " + familyOf( vtep ) +
+                                   " address as " + vtep.stringValue() +
+                                   " is; add one to 'vtep-addresses'" );
+      }
+   }
+}
+
+void Agreement::checkUnderlay( Reading & reading ) const {
+   for ( auto const & [ intf, line ] : members_ ) {
+      if ( auto const found = underlay_.find( intf ); found != underlay_.end() ) {
+         reading.problem( line, intf.stringValue() + " is an underlay interface" +
+                                   inLine( found->second ) +
+                                   "; take it out of 'underlay', and name its port channel there" );
+      }
+   }
+   for ( auto const & [ intf, line ] : access_ ) {
+      if ( auto const found = underlay_.find( intf ); found != underlay_.end() ) {
+         reading.problem( line, intf.stringValue() + " is an underlay interface" +
+                                   inLine( found->second ) +
+                                   ", which has no VLANs; take it out of one of the two" );
+      }
+   }
+}
+
+// A member that leaves its port channel in a step has VLANs of its own from then on.
+void Agreement::checkAccess( Reading & reading ) const {
+   for ( auto const & [ intf, line ] : access_ ) {
+      auto const member = std::find_if( members_.begin(), members_.end(),
+                                        [ & ]( auto const & one ) { return one.what == intf; } );
+      if ( member != members_.end() && !leaving_.contains( intf ) ) {
+         reading.problem( line, intf.stringValue() + " is in a port channel" +
+                                   inLine( member->line ) +
+                                   ", whose VLANs hold; give these to the port channel" );
+      }
+   }
+}
+
+void Agreement::checkDesignated( Reading & reading ) const {
+   for ( auto const & [ intf, line ] : designated_ ) {
+      bool const hasVlans = std::any_of( access_.begin(), access_.end(),
+                                         [ & ]( auto const & one ) { return one.what == intf; } );
+      bool const isUnderlay = underlay_.contains( intf );
+      if ( !own_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {
+         reading.problem( line, intf.stringValue() + " carries no VLANs" +
+                                   ( isUnderlay ? " as an underlay interface" : "" ) +
+                                   ", so it designates nothing; give it some under 'access' or "
+                                   "'trunk'" );
+      }
+   }
+}
+
+}  // namespace Scenario

@@ -1,0 +1,104 @@
+#include <Scenario/Characters.h>
+
+#include <algorithm>
+
+#include <Quelm/Integers.h>
+
+namespace Scenario {
+
+namespace {
+
+// A longer message is shown by its beginning and its end.
+constexpr std::size_t kLongestMessage = 1500;
+constexpr std::size_t kShownOfEnd = 300;
+
+U8 byteAt( std::string_view text, std::size_t at ) {
+   return static_cast< U8 >( text[ at ] );
+}
+
+bool isContinuation( std::string_view text, std::size_t at ) {
+   return at < text.size() && ( byteAt( text, at ) & 0xc0U ) == 0x80U;
+}
+
+// The number of bytes that a character with this first byte has; 0 when none begins with it.
+std::size_t lengthBy( U8 first ) {
+   return first < 0x80   ? 1
+          : first < 0xc2 ? 0
+          : first < 0xe0 ? 2
+          : first < 0xf0 ? 3
+          : first < 0xf5 ? 4
+                         : 0;
+}
+
+// Longer than needed, half of a surrogate pair, or beyond the last character (RFC 3629).
+bool isForbidden( U8 first, U8 second ) {
+   return ( first == 0xe0 && second < 0xa0 ) || ( first == 0xed && second >= 0xa0 ) ||
+          ( first == 0xf0 && second < 0x90 ) || ( first == 0xf4 && second >= 0x90 );
+}
+
+void escapeTo( std::string & out, std::string_view bytes ) {
+   constexpr std::string_view digits = "0123456789abcdef";
+   for ( std::size_t at = 0; at < bytes.size(); ++at ) {
+      out += "\\x";
+      out += digits[ byteAt( bytes, at ) >> 4U ];
+      out += digits[ byteAt( bytes, at ) & 0xfU ];
+   }
+}
+
+std::string escaped( std::string_view text ) {
+   std::string out;
+   while ( !text.empty() ) {
+      std::size_t const length = characterAt( text );
+      std::string_view const character = text.substr( 0, std::max< std::size_t >( length, 1 ) );
+      bool const isBreak = character == "\n" || character == "\r" || character == "\t";
+      if ( length == 0 || isBreak || isControl( character ) ) {
+         escapeTo( out, character );
+      } else {
+         out += character;
+      }
+      text.remove_prefix( character.size() );
+   }
+   return out;
+}
+
+}  // namespace
+
+std::size_t characterAt( std::string_view text ) {
+   std::size_t const length = text.empty() ? 0 : lengthBy( byteAt( text, 0 ) );
+   for ( std::size_t at = 1; at < length; ++at ) {
+      if ( !isContinuation( text, at ) ) {
+         return 0;
+      }
+   }
+   return length > 1 && isForbidden( byteAt( text, 0 ), byteAt( text, 1 ) ) ? 0 : length;
+}
+
+bool isControl( std::string_view character ) {
+   U8 const first = byteAt( character, 0 );
+   if ( character.size() == 1 ) {
+      return ( first < 0x20 && first != '\t' && first != '\n' && first != '\r' ) || first == 0x7f;
+   }
+   return first == 0xc2 && byteAt( character, 1 ) < 0xa0 && byteAt( character, 1 ) != 0x85;
+}
+
+std::string printable( std::string_view text ) {
+   if ( text.size() <= kLongestMessage ) {
+      return escaped( text );
+   }
+   std::size_t from = text.size() - kShownOfEnd;
+   while ( isContinuation( text, from ) ) {
+      ++from;
+   }
+   return escaped( beginning( text, kLongestMessage - kShownOfEnd ) ) + " ... " +
+          escaped( text.substr( from ) );
+}
+
+std::string_view beginning( std::string_view text, std::size_t count ) {
+   std::size_t end = std::min( count, text.size() );
+   while ( end > 0 && isContinuation( text, end ) ) {
+      --end;
+   }
+   return text.substr( 0, end );
+}
+
+}  // namespace Scenario

@@ -1,0 +1,23 @@
+// The characters of texts: what a scenario may hold, and what a message may show.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Scenario {
+
+// The number of bytes of the UTF-8 character that `text` begins with; 0 when it begins with none.
+std::size_t characterAt( std::string_view text );
+
+// Whether that character, which is one, is a control character other than tab, line feed and
+// carriage return; those of one byte and those of two.
+bool isControl( std::string_view character );
+
+// `text` for a message: control characters and bytes that are not UTF-8 as \xNN, and only its
+// beginning and end when it is long.
+std::string printable( std::string_view text );
+
+// At most the first `count` bytes of `text`, without half a character at the end.
+std::string_view beginning( std::string_view text, std::size_t count );
+
+}  // namespace Scenario
