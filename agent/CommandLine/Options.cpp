@@ -1,11 +1,16 @@
 #include <CommandLine/Options.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <iostream>
 
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/Version.h>
 #include <Quelm/Error.h>
+#include <Scenario/Characters.h>
+#include <Scenario/Reading.h>
 #include <Story/Outcome.h>
 #include <Trace/Trace.h>
 
@@ -96,13 +101,26 @@ struct Words {
    }
 };
 
+// What names a file or a folder.
+CLI::Validator const named(
+   []( std::string & text ) {
+      return text.empty() ? std::string( "an empty text names nothing; give a name" )
+                          : std::string();
+   },
+   "" );
+
 void addScenarioOptions( CLI::App & command, Words & words ) {
-   command.add_option( "SCENARIO", words.scenario, "The scenario's file" )->required();
+   command
+      .add_option( "SCENARIO", words.scenario,
+                   "The scenario's file, a pipe, or '-' for standard input" )
+      ->required()
+      ->check( named );
    command
       .add_option( "--plugin", words.plugin,
                    "The plug-in's shared object; VornalEvpn.so as it comes with the program if "
                    "none is given" )
-      ->type_name( "FILE" );
+      ->type_name( "FILE" )
+      ->check( named );
    command.add_flag( "--json", words.isJson, "Print one JSON document instead of text" );
    command
       .add_option( "--turn-limit", words.turnLimit,
@@ -123,10 +141,12 @@ void addRun( CLI::App & app, Words & words ) {
       ->take_all()
       ->expected( 1 );
    run.add_option( "--ring", words.ring, "Write the binary trace ring into this file" )
-      ->type_name( "FILE" );
+      ->type_name( "FILE" )
+      ->check( named );
    run.add_option( "--pcap-out", words.captures,
                    "Write what leaves each port into this folder, as captures" )
-      ->type_name( "DIR" );
+      ->type_name( "DIR" )
+      ->check( named );
    run.footer( kExitCodes );
 }
 
@@ -174,6 +194,22 @@ Command commandOf( CLI::App const & app, Words const & words ) {
    return RingOptions{ words.ring };
 }
 
+constexpr std::array< std::string_view, 4 > kCommands{ "run", "show", "verify", "ring" };
+
+// Whether the first word can stand there: a command, or an option.
+bool isCommand( std::string_view word ) {
+   return word.starts_with( '-' ) ||
+          std::find( kCommands.begin(), kCommands.end(), word ) != kCommands.end();
+}
+
+std::string noCommand( std::string const & word ) {
+   std::vector< std::string_view > const known( kCommands.begin(), kCommands.end() );
+   std::string_view const near = Scenario::nearest( word, known );
+   std::string const hint = near.empty() ? "the commands are " + Scenario::listed( known, "and" )
+                                         : "did you mean '" + std::string( near ) + "'?";
+   return Scenario::printable( "no command '" + word + "'; " + hint );
+}
+
 }  // namespace
 
 std::variant< Command, Done > parse( int argc, char const * const * argv, std::ostream & out ) {
@@ -183,11 +219,17 @@ std::variant< Command, Done > parse( int argc, char const * const * argv, std::o
       "vornal" );
    app.require_subcommand( 1 );
    app.footer( kExitCodes );
+   app.set_version_flag( "--version", "vornal " + std::string( version() ),
+                         "Print the version of the program" );
    Words words;
    addRun( app, words );
    addShow( app, words );
    addVerify( app, words );
    addRing( app, words );
+   if ( argc > 1 && !isCommand( argv[ 1 ] ) ) {
+      std::cerr << noCommand( argv[ 1 ] ) << '\n';
+      return Done{ static_cast< int >( Story::ExitCode::BadInput ) };
+   }
    try {
       app.parse( argc, argv );
       return commandOf( app, words );

@@ -1,0 +1,83 @@
+// What the program says to words that it does not know, and how a scenario can be given to it.
+#include <cstdlib>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <Support.h>
+#include <Switches.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+namespace {
+
+TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
+   auto const ran = Support::vornal( { "rum", "x.yaml" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_EQ( ran.err, "no command 'rum'; did you mean 'run'?\n" );
+   EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
+              "no command 'vrify'; did you mean 'verify'?\n" );
+   EXPECT_EQ( Support::vornal( { "inspect" } ).err,
+              "no command 'inspect'; the commands are run, show, verify and ring\n" );
+}
+
+TEST( ProgramUsage, TellsItsVersion ) {
+   auto const ran = Support::vornal( { "--version" } );
+   EXPECT_EQ( ran.exitCode, 0 );
+   EXPECT_EQ( ran.out, "vornal 0.1.0\n" );
+   EXPECT_EQ( ran.err, "" );
+}
+
+TEST( ProgramUsage, RefusesNamesThatAreEmpty ) {
+   for ( std::string const option : { "--ring", "--pcap-out", "--plugin" } ) {
+      auto const ran = Support::vornal( { "run", "x.yaml", option, "" } );
+      EXPECT_EQ( ran.exitCode, 2 ) << option;
+      EXPECT_NE( ran.err.find( option + ": an empty text names nothing; give a name" ),
+                 std::string::npos )
+         << ran.err;
+   }
+   EXPECT_EQ( Support::vornal( { "run", "" } ).exitCode, 2 );
+}
+
+TEST( ProgramUsage, NamesAScenarioThatIsNotThereWithoutALine ) {
+   auto const ran = Support::vornal( { "run", "/nowhere/leaf.yaml" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err,
+              "/nowhere/leaf.yaml: there is no such file; name a scenario's file, as in "
+              "scenarios/start-up/scenario.yaml\n" );
+}
+
+class ProgramInput : public testing::Test {
+ protected:
+   // What a shell's command prints.
+   std::string printed( std::string const & command ) const {
+      std::string const out = directory.path() / "out";
+      int const status = std::system( ( command + " > " + out + " 2>&1" ).c_str() );
+      return std::to_string( WEXITSTATUS( status ) ) + '\n' + Support::contentOf( out );
+   }
+
+   Support::Directory directory;
+   std::string const program = VORNAL_BINARY_DIR "/vornal";
+   std::string const plugin = " --plugin " + Support::testPlugin( "segment-rules" ).string();
+   std::string const good =
+      directory.file( "good.yaml", Switches::leaf( "   - note: read\n" ) ).string();
+   std::string const bad =
+      directory.file( "bad.yaml", Switches::leaf( "   - nope: x\n" ) ).string();
+};
+
+TEST_F( ProgramInput, CanBeStandardInput ) {
+   std::string const ran = printed( program + " run -" + plugin + " < " + good );
+   EXPECT_EQ( ran.substr( 0, 2 ), "0\n" ) << ran;
+   EXPECT_NE( ran.find( "read" ), std::string::npos );
+   std::string const refused = printed( program + " run -" + plugin + " < " + bad );
+   EXPECT_EQ( refused.substr( 0, 42 ), "2\nstandard input:20: unknown word 'nope' in" ) << refused;
+}
+
+TEST_F( ProgramInput, CanBeAPipe ) {
+   std::string const ran = printed( "cat " + good + " | " + program + " run /dev/stdin" + plugin );
+   EXPECT_EQ( ran.substr( 0, 2 ), "0\n" ) << ran;
+}
+
+}  // namespace
