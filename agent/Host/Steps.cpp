@@ -1,5 +1,7 @@
 #include <Host/Steps.h>
 
+#include <iostream>
+
 #include <Host/DriftStep.h>
 #include <Host/InputError.h>
 #include <Host/Verification.h>
@@ -13,10 +15,31 @@ namespace Host {
 
 namespace {
 
-void checkKey( Kiv::Attribute const & attribute, std::string const & key ) {
+bool isEmptyKey( Kiv::Attribute const & attribute, std::string const & key ) {
+   return attribute.isKeyed() && key.empty();
+}
+
+// A key that is left out is the empty one, where the keys have one.
+void checkKey( Kiv::Entity & entity, Kiv::Attribute const & attribute, std::string const & key ) {
+   try {
+      static_cast< void >( isEmptyKey( attribute, key ) && attribute.has( entity, key ) );
+   } catch ( Quelm::TextError const & ) {
+      throw Quelm::AccessError( "attribute '" + attribute.name() +
+                                "' has keys; give the one that is meant by 'key'" );
+   }
    if ( !attribute.isKeyed() && !key.empty() ) {
       throw Quelm::AccessError( "attribute '" + attribute.name() +
                                 "' has no keys; leave the key out" );
+   }
+}
+
+// Nobody leaves out a key on purpose without wanting to be told.
+void tellEmptyKey( StateDatabase::Finder const & finder, Scenario::AttributeAt const & at,
+                   std::string const & place ) {
+   auto const entity = finder.entity( at.entity );
+   if ( isEmptyKey( StateDatabase::attributeOf( *entity, at.attribute ), at.key ) ) {
+      std::cerr << place + ": 'key' is left out, so the entry of '" + at.attribute +
+                      "' under the empty key is meant\n";
    }
 }
 
@@ -108,14 +131,17 @@ void Steps::change( Scenario::Replace const & replace ) {
 // --- The generic interface
 
 void Steps::queueAction( Scenario::Set const & action, int line ) {
-   turnNew( line, [ this, &action ] { set( action ); } );
+   turnNew( line, [ this, &action, line ] {
+      set( action );
+      tellEmptyKey( context_.evidence.finder, action.at, placeOf( line ) );
+   } );
 }
 
 void Steps::set( Scenario::Set const & action ) {
    auto const & finder = context_.evidence.finder;
    auto const entity = finder.entity( action.at.entity );
    auto const & attribute = StateDatabase::attributeOf( *entity, action.at.attribute );
-   checkKey( attribute, action.at.key );
+   checkKey( *entity, attribute, action.at.key );
    if ( attribute.kind() == Kiv::Attribute::Kind::Reference ) {
       attribute.entityIs( *entity,
                           finder.entity( Scenario::EntityPath::fromString( action.value ) ) );
@@ -125,13 +151,16 @@ void Steps::set( Scenario::Set const & action ) {
 }
 
 void Steps::queueAction( Scenario::Delete const & action, int line ) {
-   turnNew( line, [ this, &action ] { remove( action ); } );
+   turnNew( line, [ this, &action, line ] {
+      remove( action );
+      tellEmptyKey( context_.evidence.finder, action.at, placeOf( line ) );
+   } );
 }
 
 void Steps::remove( Scenario::Delete const & action ) {
    auto const entity = context_.evidence.finder.entity( action.at.entity );
    auto const & attribute = StateDatabase::attributeOf( *entity, action.at.attribute );
-   checkKey( attribute, action.at.key );
+   checkKey( *entity, attribute, action.at.key );
    attribute.del( *entity, action.at.key );
 }
 

@@ -72,12 +72,37 @@ TEST_F( ProgramInput, CanBeStandardInput ) {
    EXPECT_EQ( ran.substr( 0, 2 ), "0\n" ) << ran;
    EXPECT_NE( ran.find( "read" ), std::string::npos );
    std::string const refused = printed( program + " run -" + plugin + " < " + bad );
-   EXPECT_EQ( refused.substr( 0, 42 ), "2\nstandard input:20: unknown word 'nope' in" ) << refused;
+   EXPECT_EQ( refused.substr( 0, 43 ), "2\nstandard input:20: unknown word 'nope' in" ) << refused;
 }
 
 TEST_F( ProgramInput, CanBeAPipe ) {
    std::string const ran = printed( "cat " + good + " | " + program + " run /dev/stdin" + plugin );
    EXPECT_EQ( ran.substr( 0, 2 ), "0\n" ) << ran;
+}
+
+// --- A key that is left out
+
+TEST_F( ProgramInput, SaysWhatHappensWithoutAKeyWhereThereAreKeys ) {
+   auto const ran = [ & ]( std::string const & step ) {
+      return printed(
+         program + " run" + plugin + ' ' +
+         directory.file( "keys.yaml", Switches::leaf( "   - " + step + '\n' ) ).string() );
+   };
+   std::string const empty = ran( "set: { entity: /lag/config, attribute: phyIntf }" );
+   EXPECT_EQ( empty.substr( 0, 2 ), "0\n" ) << empty;
+   EXPECT_NE( empty.find(
+                 "keys.yaml:20: 'key' is left out, so the entry of 'phyIntf' under the empty "
+                 "key is meant" ),
+              std::string::npos )
+      << empty;
+   std::string const refused =
+      ran( "set: { entity: '/evpn/status/segmentStatus[Ethernet1]', attribute: remoteTep }" );
+   EXPECT_EQ( refused.substr( 0, 2 ), "2\n" ) << refused;
+   EXPECT_NE( refused.find(
+                 "keys.yaml:20: attribute 'remoteTep' has keys; give the one that is meant "
+                 "by 'key'" ),
+              std::string::npos )
+      << refused;
 }
 
 }  // namespace
