@@ -14,8 +14,8 @@ namespace {
 
 constexpr int kLongestFrame = 262144;  // what tools that read captures expect as the limit
 
-// A pcap file has 32 bits for it.
-constexpr S64 kLastSecond = 0xffffffff;
+// A pcap file has 32 bits for it, and libpcap reads the highest of them as a sign.
+constexpr S64 kLastSecond = 0x7fffffff;
 
 // Of a pcap file: its own header, and that of each frame.
 constexpr std::uintmax_t kFileHeader = 24;
@@ -49,7 +49,7 @@ void CaptureWriter::write( std::chrono::nanoseconds timestamp, Bytes frame ) {
    if ( seconds.count() < 0 || seconds.count() > kLastSecond ) {
       throw Quelm::Error( "capture " + file_.string() + ": a frame's time is " +
                           std::to_string( seconds.count() ) +
-                          " seconds after 1970; a pcap file has times of the years 1970 to 2105" );
+                          " seconds after 1970; a pcap file has times of the years 1970 to 2037" );
    }
    auto const length = static_cast< bpf_u_int32 >( frame.size() );
    pcap_pkthdr header{};
