@@ -42,7 +42,8 @@ TEST_F( Steps, expect_rules_by_what_they_are_called_match_and_do ) {
       "   - expect: { rules: { group: ingress, name: Ethernet1, count: 2 } }\n" );
 
    EXPECT_EQ( failedExpectations(), 1U );
-   EXPECT_EQ( inStep< Story::ExpectationChecked >( 3 ).at( 0 ).found, "there is one" );
+   EXPECT_EQ( inStep< Story::ExpectationChecked >( 3 ).at( 0 ).found,
+              "there is one; the group has no other rules" );
 }
 
 TEST_F( Steps, dump_rules_and_entities ) {
