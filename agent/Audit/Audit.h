@@ -26,6 +26,7 @@
 #include <vector>
 
 #include <Audit/Difference.h>
+#include <Audit/GrantHistory.h>
 #include <Audit/TunnelHistory.h>
 #include <FieldProcessor/Unit.h>
 #include <Pelk/IpGenAddr.h>
@@ -58,6 +59,7 @@ class Auditor {
    StateDatabase::Finder const & finder_;
    Chip::Units const & units_;
    TunnelHistory tunnels_;
+   GrantHistory grants_;
 };
 
 }  // namespace Audit

@@ -22,6 +22,19 @@ TEST_F( AuditKnown, a_class_id_that_is_not_granted_yet_is_waited_for ) {
               "id is asked for and not granted" );
 }
 
+TEST_F( AuditKnown, a_grant_that_is_older_than_its_request_is_not_the_one_that_is_waited_for ) {
+   auto const audited =
+      auditAfter( classIdLeaf(),
+                  "   - class-id-allocator: paused\n"
+                  "   - publish: { vteps: { 10.0.0.2: { virtual-port: 7 } } }\n"
+                  "   - expect: { state: { entity: /hardware/vornal/i2eclassid/status/slice/1,\n"
+                  "                        attribute: remoteESPeerVtep, has: 10.0.0.2 } }\n" );
+
+   EXPECT_EQ( failedExpectations(), 0U );
+   EXPECT_EQ( kinds( audited ), "waiting-for-class-id waiting-for-class-id waiting-for-class-id" )
+      << words( audited );
+}
+
 TEST_F( AuditKnown, a_class_id_that_nobody_asks_for_is_not_waited_for ) {
    auto const audited =
       auditAfter( classIdLeaf(),

@@ -27,6 +27,7 @@ std::map< std::string, std::string > const kLimits{
    { "tcam-full-class-id", "" },
    { "two-units", "portCount == expPortCount" },
    { "two-units-class-id", "portCount == expPortCount" },
+   { "vp-change", "unitUsesTcamsForTepIp( unit, tepIp )" },
    { "vtep-flap", "tepIpToEntry( unit )->esPbmp( tepIp ) == ubmp" },
    { "vtep-flap-class-id", "0" },
 };
