@@ -202,6 +202,42 @@ std::string changeList( Json & list, std::mt19937 & random ) {
    }
 }
 
+// What a value is to a person.
+enum class Kind { number, yesOrNo, address, interface, name, structure };
+
+Kind kindOf( Json const & value ) {
+   if ( value.is_number() ) {
+      return Kind::number;
+   }
+   if ( !value.is_string() ) {
+      return value.is_boolean() ? Kind::yesOrNo : Kind::structure;
+   }
+   std::string const text = value;
+   bool const isInterface = text.starts_with( "Ethernet" ) || text.starts_with( "Port-Channel" ) ||
+                            text.starts_with( "Vxlan" ) || text.starts_with( "Loopback" );
+   bool const isAddress = text.find_first_not_of( "0123456789abcdefDB.:" ) == std::string::npos &&
+                          text.find_first_of( ".:" ) != std::string::npos;
+   return isInterface ? Kind::interface : isAddress ? Kind::address : Kind::name;
+}
+
+// Calls `visit` with each value that has no parts, and its path, in which names with digits and the
+// places of elements are all alike.
+void visitPlaces( Json & value, std::string const & path,
+                  std::function< void( Json &, std::string const & ) > const & visit ) {
+   if ( value.is_object() ) {
+      for ( auto const & [ name, member ] : value.items() ) {
+         bool const isWord = name.find_first_of( "0123456789" ) == std::string::npos;
+         visitPlaces( member, path + '/' + ( isWord ? name : "*" ), visit );
+      }
+   } else if ( value.is_array() ) {
+      for ( Json & element : value ) {
+         visitPlaces( element, path + "/-", visit );
+      }
+   } else {
+      visit( value, path );
+   }
+}
+
 }  // namespace
 
 std::vector< fs::path > shippedFiles() {
@@ -222,6 +258,24 @@ Changed structural( Json const & scenario, std::mt19937 & random ) {
    Json & place = *oneOf( random, places );
    changed.what = place.is_object() ? changeObject( place, random ) : changeList( place, random );
    return changed;
+}
+
+void atEveryPlace( Json const & scenario, std::set< std::string > & seen,
+                   std::function< void( Changed const & ) > const & visit ) {
+   Json copy = scenario;
+   visitPlaces( copy, "", [ & ]( Json & place, std::string const & path ) {
+      if ( !seen.insert( path ).second ) {
+         return;
+      }
+      Json const before = place;
+      for ( Json const & stranger : strangers() ) {
+         if ( kindOf( stranger ) == kindOf( before ) || stranger.is_null() || stranger.empty() ) {
+            place = stranger;
+            visit( { copy, path + " is " + stranger.dump().substr( 0, 40 ) } );
+         }
+      }
+      place = before;
+   } );
 }
 
 ChangedText textual( std::string const & text, std::mt19937 & random ) {

@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,12 @@ struct Changed {
    std::string what;
 };
 Changed structural( Schema::Json const & scenario, std::mt19937 & random );
+
+// Calls `visit` with the scenario changed at each place that is not among `seen` and is then: in
+// place of a number every other one that matters somewhere, and so for addresses, interfaces and
+// other texts.
+void atEveryPlace( Schema::Json const & scenario, std::set< std::string > & seen,
+                   std::function< void( Changed const & ) > const & visit );
 
 // A scenario's text with one change: cut off, a byte too many or too few, a line gone or doubled, a
 // quote or a bracket put in.
