@@ -84,8 +84,6 @@ std::vector< Unsayable > const & unsayable() {
         { "'s already; give each ", " is that of VLAN ", " already; an interface is in one",
           " is under 'access' already" } },
       { "one value is written in two ways, or a key comes twice", { " is given twice, first in" } },
-      { "a number is written in a way that is not decimal, or not without doubt",
-        { " a whole number from ", " trace levels are expected" } },
       { "parts agree with each other",
         { " is this switch itself", " no VTEP address of the switch is ",
           "no VTEP address of the switch", " is an underlay interface",

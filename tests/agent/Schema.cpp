@@ -32,7 +32,12 @@ Json scalarOf( YAML::Node const & node ) {
       return false;
    }
    if ( std::regex_match( text, prefixed ) ) {
-      return std::strtod( text.c_str() + ( text[ 1 ] == 'o' ? 2 : 0 ), nullptr );
+      bool const isOctal = text[ 1 ] == 'o';
+      return std::strtoull( text.c_str() + 2, nullptr, isOctal ? 8 : 16 );
+   }
+   constexpr std::size_t kLongestWhole = 18;
+   if ( std::regex_match( text, integer ) && text.size() <= kLongestWhole ) {
+      return std::strtoll( text.c_str(), nullptr, 10 );
    }
    if ( std::regex_match( text, integer ) || std::regex_match( text, floating ) ) {
       return std::strtod( text.c_str(), nullptr );
