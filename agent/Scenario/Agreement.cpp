@@ -19,6 +19,10 @@ std::string familyOf( IpGenAddr const & address ) {
    return address.family() == IpGenAddr::Family::ipv4 ? "IPv4" : "IPv6";
 }
 
+auto isAbout( IntfId const & intf ) {
+   return [ intf ]( auto const & said ) { return said.what == intf; };
+}
+
 }  // namespace
 
 void Agreement::check( Reading & reading ) const {
@@ -67,8 +71,7 @@ void Agreement::checkUnderlay( Reading & reading ) const {
 // A member that leaves its port channel in a step has VLANs of its own from then on.
 void Agreement::checkAccess( Reading & reading ) const {
    for ( auto const & [ intf, line ] : access_ ) {
-      auto const member = std::find_if( members_.begin(), members_.end(),
-                                        [ & ]( auto const & one ) { return one.what == intf; } );
+      auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
       if ( member != members_.end() && !leaving_.contains( intf ) ) {
          reading.problem( line, intf.stringValue() + " is in a port channel" +
                                    inLine( member->line ) +
@@ -79,8 +82,7 @@ void Agreement::checkAccess( Reading & reading ) const {
 
 void Agreement::checkDesignated( Reading & reading ) const {
    for ( auto const & [ intf, line ] : designated_ ) {
-      bool const hasVlans = std::any_of( access_.begin(), access_.end(),
-                                         [ & ]( auto const & one ) { return one.what == intf; } );
+      bool const hasVlans = std::any_of( access_.begin(), access_.end(), isAbout( intf ) );
       bool const isUnderlay = underlay_.contains( intf );
       if ( !own_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {
          reading.problem( line, intf.stringValue() + " carries no VLANs" +

@@ -9,10 +9,11 @@ namespace Scenario {
 
 struct Problem {
    std::string file;
-   int line = 1;         // 1 also when it is about the file as a whole
+   int line = 1;         // 0: it is about the file as a whole
    std::string message;  // what is wrong, and what would be right
 
-   // "FILE:LINE: MESSAGE".
+   // "FILE:LINE: MESSAGE", fit to be shown: in one line, and without control characters. About the
+   // file as a whole "FILE: MESSAGE".
    std::string text() const;
 };
 

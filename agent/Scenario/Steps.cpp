@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <iterator>
+
 #include <Scenario/Parts.h>
 
 namespace Scenario {
@@ -14,13 +17,20 @@ void readNote( Reading & reading, Value const & value, StepWords & words ) {
    words.actions.emplace_back( Note{ stringOf( reading, value ).value_or( "" ) } );
 }
 
-// Whether the text is another one, and was probably meant to be that one.
+std::string digitsIn( std::string_view text ) {
+   std::string digits;
+   std::copy_if( text.begin(), text.end(), std::back_inserter( digits ),
+                 []( char c ) { return c >= '0' && c <= '9'; } );
+   return digits;
+}
+
+// Whether the text was probably meant to be that one. Points that differ in a number are different
+// ones.
 bool isAlmost( std::string_view text, std::string_view meant ) {
    constexpr std::size_t kMostDifferent = 3;
-   return text != meant && !nearest( text, { meant } ).empty() &&
-          std::max( text.size(), meant.size() ) - std::min( text.size(), meant.size() ) <=
-             kMostDifferent &&
-          text.substr( 0, 3 ) == meant.substr( 0, 3 );
+   auto const [ shorter, longer ] = std::minmax( { text.size(), meant.size() } );
+   return text != meant && longer - shorter <= kMostDifferent && text.starts_with( "sub" ) &&
+          digitsIn( text ) == digitsIn( meant ) && !nearest( text, { meant } ).empty();
 }
 
 void readReady( Reading & reading, Value const & value, StepWords & words ) {

@@ -29,10 +29,10 @@ Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, Scenario::EntityPath c
    Kiv::Attribute const & attribute = attributeOf( from, segment.name );
    bool const isKeyed = attribute.kind() == Kind::Members;
    if ( !isKeyed && attribute.kind() != Kind::Reference ) {
-      throw Quelm::AccessError( "attribute '" + segment.name +
-                                "' holds no entity but what is shown with its owner; name the "
-                                "owner, '" +
-                                beginning( path, taken ) + "'" );
+      throw Quelm::AccessError(
+         "attribute '" + segment.name +
+         "' holds values and no entities; name its owner, which shows them: '" +
+         beginning( path, taken ) + "'" );
    }
    if ( segment.key.has_value() != isKeyed ) {
       throw Quelm::AccessError( "attribute '" + segment.name +

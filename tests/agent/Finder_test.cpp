@@ -79,6 +79,12 @@ TEST_F( Finder, says_whether_a_key_is_needed ) {
               "attribute 'sliceDependencyPoints' takes no key" );
 }
 
+TEST_F( Finder, names_the_owner_of_what_is_a_value ) {
+   EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]" ),
+              "attribute 'remoteTep' holds values and no entities; name its owner, which shows "
+              "them: '/evpn/status/segmentStatus[Port-Channel2]'" );
+}
+
 TEST_F( Finder, says_where_a_path_leads_nowhere ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
               "there is no entity at 'segmentStatus[Port-Channel3]'" );

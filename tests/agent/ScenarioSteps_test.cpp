@@ -160,4 +160,29 @@ TEST( ScenarioSteps, RefuseArgumentsThatAreNoListOfTexts ) {
               "leaf.yaml:10: an element of arguments is a mapping; text is expected" );
 }
 
+TEST( ScenarioSteps, TellsASlipOfThePenFromAnotherDependencyPoint ) {
+   EXPECT_EQ( stepProblems( "ready: subagents::l2Redy" ),
+              "leaf.yaml:10: ready is 'subagents::l2Redy'; did you mean 'subagents::l2Ready'?" );
+   EXPECT_EQ( stepProblems( "ready: subagents::l3Ready" ), "" );
+   EXPECT_EQ( stepProblems( "ready: subagents::vxlan" ), "" );
+}
+
+TEST( ScenarioSteps, DoNotFollowWhatIsPublishedBehindAStepThatCanChangeAnything ) {
+   EXPECT_EQ( stepProblems( "call: { entity: /shared/vornalCommon, operation: a }\n"
+                            "   - withdraw: { vteps: [ 10.0.0.2 ] }" ),
+              "" );
+   EXPECT_EQ( stepProblems( "call: { entity: /plugins/a, operation: b }\n"
+                            "   - withdraw: { vteps: [ 10.0.0.2 ] }" ),
+              "leaf.yaml:11: 10.0.0.2 has no virtual port at this point, so nothing can be "
+              "withdrawn; publish it before, or leave this out" );
+}
+
+TEST( ScenarioSteps, CanExpectWhatTheMounterTracesByDefault ) {
+   std::string const step = "expect: { trace: { handle: VornalEvpnMounter, text: a, level: ";
+   EXPECT_EQ( stepProblems( step + "8 } }" ), "" );
+   EXPECT_EQ( stepProblems( step + "7 } }" ),
+              "leaf.yaml:10: level 7 of VornalEvpnMounter is not traced here; switch it on, as in "
+              "'trace: { VornalEvpnMounter: 0-7 }'" );
+}
+
 }  // namespace
