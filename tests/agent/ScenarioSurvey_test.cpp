@@ -74,8 +74,9 @@ TEST( ScenarioSurvey, RefusesWhatIsNestedTooDeeplyWithItsLine ) {
       "at most, check the brackets";
    EXPECT_EQ( leafProblems( "steps: " + std::string( 49, '[' ) + std::string( 49, ']' ) ),
               "leaf.yaml:9: an element of steps is a list; a mapping is expected, of note, ready, "
-              "publish, withdraw, set, delete, call, frame, frames, designated-forwarder, "
-              "foreign-entries, class-id-allocator, dump, drift, verify, expect and only-on" );
+              "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
+              "designated-forwarder, foreign-entries, class-id-allocator, dump, drift, fail-call, "
+              "verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps: " + std::string( 50, '[' ) + std::string( 50, ']' ) ),
               tooDeep );
    EXPECT_EQ( leafProblems( "steps: " + std::string( 100'000, '[' ) ), tooDeep );

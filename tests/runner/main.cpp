@@ -52,9 +52,17 @@ std::optional< std::string > valueOf( std::string_view word, int argc, char ** a
    return std::nullopt;
 }
 
+// A death test in the style "threadsafe" starts the program again, with the words that it was started
+// with and one of GoogleTest's own. That process is the death test, and runs no other tests.
+bool isDeathTest( int argc, char ** argv ) {
+   return std::any_of( argv, argv + argc, []( std::string_view word ) {
+      return word.starts_with( "--gtest_internal_run_death_test=" );
+   } );
+}
+
 std::optional< Orders > ordersIn( int argc, char ** argv ) {
    auto const file = valueOf( "--tests-of", argc, argv );
-   if ( !file ) {
+   if ( !file || isDeathTest( argc, argv ) ) {
       return std::nullopt;
    }
    auto const seconds = valueOf( "--seconds", argc, argv );
@@ -177,8 +185,8 @@ int run( Orders const & orders ) {
 
 int main( int argc, char ** argv ) {
    try {
-      testing::InitGoogleTest( &argc, argv );
       auto const orders = ordersIn( argc, argv );
+      testing::InitGoogleTest( &argc, argv );
       return orders ? run( *orders ) : RUN_ALL_TESTS();
    } catch ( std::exception const & error ) {
       std::cerr << argv[ 0 ] << ": " << error.what() << '\n';

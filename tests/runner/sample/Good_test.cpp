@@ -1,4 +1,6 @@
 // Tests that pass, for the test of the runner.
+#include <cstdlib>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -10,5 +12,11 @@ TEST_P( Good, passes ) {
 }
 
 INSTANTIATE_TEST_SUITE_P( Every, Good, testing::Values( 1, 2 ) );
+
+// Starts the program again, with the words that it was started with.
+TEST( GoodDeathTest, endsInAProgramOfItsOwn ) {
+   testing::FLAGS_gtest_death_test_style = "threadsafe";
+   EXPECT_EXIT( std::exit( EXIT_SUCCESS ), testing::ExitedWithCode( EXIT_SUCCESS ), "" );
+}
 
 }  // namespace
