@@ -87,7 +87,7 @@ std::vector< std::string > handleNames();
 
 }  // namespace Trace
 
-// NOLINTBEGIN(*-macro-usage, *-macro-parentheses): `expression` is left unevaluated, and holds `<<`.
+// NOLINTBEGIN(*-macro-usage, *-macro-parentheses): `expression` stays unevaluated, and has `<<`.
 #define TRACE( handle, level, expression )                                                         \
    do {                                                                                            \
       if ( ( handle ).isTextEnabled( level ) ) [[unlikely]] {                                      \

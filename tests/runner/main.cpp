@@ -52,8 +52,9 @@ std::optional< std::string > valueOf( std::string_view word, int argc, char ** a
    return std::nullopt;
 }
 
-// A death test in the style "threadsafe" starts the program again, with the words that it was started
-// with and one of GoogleTest's own. That process is the death test, and runs no other tests.
+// A death test in the style "threadsafe" starts the program again, with the words that it was
+// started with and one of GoogleTest's own. That process is the death test, and runs no other
+// tests.
 bool isDeathTest( int argc, char ** argv ) {
    return std::any_of( argv, argv + argc, []( std::string_view word ) {
       return word.starts_with( "--gtest_internal_run_death_test=" );
