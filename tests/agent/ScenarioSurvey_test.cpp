@@ -111,7 +111,7 @@ TEST( ScenarioSurvey, RefusesAnAliasOfWhatItStandsIn ) {
 }
 
 TEST( ScenarioSurvey, RefusesALineWithoutBounds ) {
-   EXPECT_EQ( leafProblems( "description: " + std::string( 1024 * 1024, 'x' ) + "\n" ),
+   EXPECT_EQ( leafProblems( "description: " + std::string( 1'048'576, 'x' ) + "\n" ),
               "leaf.yaml:9: the line is longer than 1 MiB; break it" );
 }
 
