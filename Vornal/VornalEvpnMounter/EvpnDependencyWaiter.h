@@ -63,7 +63,7 @@ class EvpnDependencyWaiter : public Kiv::Entity {
       VornalEvpnMounter * mounter, Quelm::Ptr< VornalCommonSmData > const & commonSmData );
 
    // Watches `points` from now on and looks at once whether what is needed is ready. Without effect
-   // for the points that are held already; out of service nobody looks.
+   // for the points that are held already. A waiter that is out of service does not look.
    void depsIs( Quelm::Ptr< SubAgentDependencyPoints > const & points );
    void depsDel() { depsIs( nullptr ); }
 

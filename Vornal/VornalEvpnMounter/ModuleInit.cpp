@@ -2,11 +2,11 @@
 //
 // The types register first, in the files that define them (Kiv/Registration.h). Then the objects
 // below register themselves, in this order: trace handles, log message descriptors, the mounter.
-// Closing the plug-in takes all of it back.
+// Closing the plug-in takes all of it back but the levels of the trace ring.
 //
 // Few lines of the state machines are marked for the trace ring, and each is wanted there, whatever
-// its level: the ring takes every level of their handle from here on, also when the plug-in is
-// opened again. An agent that wants fewer says so after it has opened it.
+// its level: opening the plug-in lets the ring take every level of their handle. An agent that
+// wants fewer says so after each opening.
 
 #include <Plugin/Mounter.h>
 #include <VornalEvpnMounter/ModuleTrace.h>

@@ -21,9 +21,9 @@
 //
 // Failures. A broken invariant, a failed SDK call and a failed install stop the process: after them
 // nobody knows what the chip does. (The install of a per-VNI rule is the exception: its result is
-// not looked at.) A full TCAM is no failure: it is traced, and an ingress entry that found no room
-// is logged, once. Only the rules for VNIs are retried when room is reported. A state that cannot
-// be acted on yet (no virtual port, no port for an interface) is traced at level 2 and waited out.
+// not looked at.) A full TCAM is no failure: it is traced. The first entry of a VTEP without room is
+// logged; with class ids, once per episode. Only the rules for VNIs are retried when room is
+// reported. A state that cannot be acted on yet is traced at level 2 and waited out.
 //
 // Threads: the activity's. The activity lock is given up during each field call; handlers may
 // otherwise rely on a state database that stands still.
@@ -93,7 +93,7 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
    KIV_VIRTUAL( bool, deleteTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )
    KIV_VIRTUAL( bool, updateIfpTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPortList const & oldPorts, VornalTypes::VornalPortList const & ports, bool add ) )
    KIV_VIRTUAL( bool, updateEfpTcamEntries, ( U32 unit, Pelk::IpGenAddr const & tepIp, VornalTypes::VornalPortList const & portsToRemove, VornalTypes::VornalPortList const & ports, bool add ) )
-   virtual void updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId, bool add );  // the last row
+   virtual void updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId, bool add );  // its row is the last one, below
    KIV_VIRTUAL( bool, unitUsesOrNeedsTcams, ( U32 unit ) )
    KIV_QUERY( bool, unitUsesTcamsForTepIp, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )
    KIV_VIRTUAL( bool, tcamSanityCheckForTepIp, ( U32 unit, Pelk::IpGenAddr const & tepIp ) )

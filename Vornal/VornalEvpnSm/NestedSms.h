@@ -51,7 +51,7 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
    Pelk::IntfId const & intfId() const { return notifier()->intfId(); }
    void ownerDel() override { evpnMultihomingLocalBiasSm_ = nullptr; }
 
-   // Whether the toggle "SbdEvpnTcamOverrideRule" is on. Asked for once in the life of the process.
+   // Whether the toggle "SbdEvpnTcamOverrideRule" is on. Read once per loaded plug-in.
    static bool toggleSbdEvpnTcamOverrideRuleEnabled();
 
    void retired() override { doCleanup(); }
@@ -62,11 +62,11 @@ class EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus final
       return *evpnMultihomingLocalBiasSm();
    }
    void onAttribute( Kiv::Change const & change ) override;
-   // The VRF's VNI is another one by now; which ones they are is in the change.
+   // The VRF's VNI has changed. The change under way holds the old and the new one.
    void handleVrfToVniMapReactor( L3::VrfName vrf );
    U32 vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni );
 
-   Kiv::Change const * change_ = nullptr;  // the one that is being delivered
+   Kiv::Change const * change_ = nullptr;  // under way; nullptr between deliveries
 };
 
 // Watches the members of one port channel.

@@ -1,8 +1,8 @@
-// Who is told that a turn of the activity begins: whoever has to notice that one does not end.
+// The turn watch: called as a turn of the activity begins, so that one without end is noticed.
 //
 // There is one watch in a process. It is called on the activity's thread with the lock held, before
-// every turn and every wake-up of the clock, and once more when nothing is left to do. It must be
-// quick and must not throw.
+// every turn and every wake-up of the clock, and whenever the activity finds nothing due. It must
+// be quick and must not throw.
 #pragma once
 
 #include <functional>

@@ -6,7 +6,7 @@
 // operation follow in a list of their own and have no identifier.
 //
 // The register knows every type of every loaded module by name: the entity types, and the value
-// types that a module makes known (Kiv/ValueRows.h), which have no base and no identifiers. State
+// types that a module makes known (Kiv/ValueRows.h), which have no base and notify nobody. State
 // loading creates entities through it, so that a new entity type needs no line of code there. A
 // module adds its types when it is loaded, before anything else that it registers, and takes them
 // out when it is unloaded, after everything else; both happen on the loading thread.
@@ -45,7 +45,7 @@ class Type {
    // Creates an entity of this type under a name. Empty for types that need more than a name.
    Create const & create() const { return create_; }
 
-   // --- for KIV_DEFINE only
+   // --- for KIV_DEFINE and KIV_DEFINE_VALUE only
    void attributeNew( std::unique_ptr< Attribute const > attribute );
    void overloadNew( std::unique_ptr< Attribute const > overload );
    void createIs( Create create ) { create_ = std::move( create ); }

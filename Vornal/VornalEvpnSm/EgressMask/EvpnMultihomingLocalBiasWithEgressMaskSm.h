@@ -10,7 +10,7 @@
 //
 // Failures: a full TCAM leaves neither an entry nor a mask recorded; the VP index is recorded all
 // the same. A failed install or reinstall stops the process, and so does taking away an entry that
-// has no recorded mask: a delete that follows a failed add. A verification of a unit without a
+// has no recorded mask: a delete that follows a failed add. Verifying a VTEP on a unit without a
 // record stops it, too.
 //
 // Files: EgressMaskProgramming.cpp, EgressMaskVerification.cpp. Threads: the activity's.

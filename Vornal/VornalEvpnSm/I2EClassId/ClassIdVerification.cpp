@@ -85,9 +85,9 @@ bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    return true;
 }
 
-// While any class id is pending, every unit with a record needs its TCAM. This is asked at each
-// removal of a VTEP; while the unit has rules the answer needs no search, so that removing many
-// VTEPs stays linear.
+// While any class id is pending, every unit with a record needs its TCAM. Each removal of a VTEP
+// asks. While the unit has rules, the answer needs no search unless it is traced, so removing many
+// VTEPs is usually linear.
 bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
    TRACE( smTrace, 5, "unitUsesOrNeedsTcams Mirel unit: " << unit );
    if ( !tepIpToEntry( unit ) ) {

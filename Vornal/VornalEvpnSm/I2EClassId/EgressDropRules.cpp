@@ -1,7 +1,7 @@
 // The egress entries: one per shared port, dropping what carries the VTEP's class id.
 //
-// Whatever can stop the process stands in efpTcamEntries itself: what a stop prints names the
-// operation that was under way.
+// Every assertion, field call and install stands in efpTcamEntries itself, so that what a stop
+// prints names the operation that was under way.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>

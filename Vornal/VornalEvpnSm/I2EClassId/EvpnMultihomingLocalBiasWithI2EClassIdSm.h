@@ -19,9 +19,9 @@
 //
 // Failures: a pending grant is not exhaustion, and nothing is logged for it. A missing
 // configuration reads as empty: nothing is pending in it, and there is nothing to clear or to
-// withdraw. A request has nowhere to go then, and stops the process. A full egress group
-// leaves the ingress entry, and the ports done so far, in place; the full and the recovered message
-// are logged once per episode.
+// withdraw. A request has nowhere to go then, and stops the process. A full egress group leaves the
+// ingress entry, and the ports done so far, in place. The full and the recovered message are logged
+// once per episode each.
 //
 // Files: ClassIdAllocation.cpp, EgressDropRules.cpp, ClassIdVerification.cpp. Threads: the
 // activity's.
