@@ -87,16 +87,30 @@ Reader::Reader( fs::path directory, Report report )
 }
 
 bool Reader::isEnabled( std::string const & name, std::string const & file, bool defaultValue ) {
-   Toggles const & toggles = togglesIn( file );
-   auto const toggle = toggles.find( name );
-   return toggle == toggles.end() ? defaultValue : toggle->second;
+   File & asked = fileNamed( file );
+   asked.asked.insert( name );
+   auto const toggle = asked.toggles.find( name );
+   return toggle == asked.toggles.end() ? defaultValue : toggle->second;
 }
 
-Reader::Toggles const & Reader::togglesIn( std::string const & file ) {
+std::vector< Reader::NotAskedFor > Reader::notAskedFor() const {
+   std::vector< NotAskedFor > result;
+   for ( auto const & [ name, file ] : files_ ) {
+      for ( auto const & [ toggle, value ] : file.toggles ) {
+         if ( !file.asked.contains( toggle ) ) {
+            result.push_back(
+               { directory_ / name, toggle, { file.asked.begin(), file.asked.end() } } );
+         }
+      }
+   }
+   return result;
+}
+
+Reader::File & Reader::fileNamed( std::string const & file ) {
    auto const known = files_.find( file );
    return known != files_.end()
              ? known->second
-             : files_.try_emplace( file, read( directory_ / file ) ).first->second;
+             : files_.try_emplace( file, File{ read( directory_ / file ) } ).first->second;
 }
 
 Reader::Toggles Reader::read( fs::path const & path ) const {

@@ -17,7 +17,9 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
+#include <vector>
 
 #include <FeatureToggle/FeatureToggle.h>
 
@@ -34,10 +36,23 @@ class Reader final : public FeatureToggle::Facility {
 
    bool isEnabled( std::string const & name, std::string const & file, bool defaultValue ) override;
 
+   // A toggle that a file names, and nobody has asked for.
+   struct NotAskedFor {
+      std::filesystem::path file;
+      std::string name;
+      std::vector< std::string > asked;  // what was asked for of that file
+   };
+   // Those of all files that have been read.
+   std::vector< NotAskedFor > notAskedFor() const;
+
  private:
    using Toggles = std::map< std::string, bool >;
+   struct File {
+      Toggles toggles;
+      std::set< std::string > asked{};
+   };
 
-   Toggles const & togglesIn( std::string const & file );
+   File & fileNamed( std::string const & file );
    Toggles read( std::filesystem::path const & path ) const;
    Toggles togglesOf( std::string const & text, std::filesystem::path const & path ) const;
    void reportDamage( std::filesystem::path const & path, std::size_t line,
@@ -45,7 +60,7 @@ class Reader final : public FeatureToggle::Facility {
 
    std::filesystem::path directory_;
    Report report_;
-   std::map< std::string, Toggles > files_;  // those asked for so far
+   std::map< std::string, File > files_;  // those asked for so far
 };
 
 }  // namespace FeatureFiles

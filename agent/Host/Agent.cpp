@@ -1,6 +1,7 @@
 #include <Host/Agent.h>
 
 #include <Host/InputError.h>
+#include <Host/Warnings.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
 #include <Scenario/ShownTraces.h>
@@ -80,6 +81,7 @@ void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
 void Agent::startUp() {
    traceLevels();
    plugin_.emplace( config_.plugin, scenario_.device.slice, environment_ );
+   warn( unknownTraceHandles( scenario_, config_.trace ) );
    plugin_->start();
 }
 
@@ -106,8 +108,16 @@ void Agent::traceLevels() {
    levelsAre( config_.trace );
 }
 
+void Agent::warn( std::vector< std::string > const & texts ) {
+   for ( std::string const & text : texts ) {
+      environment_.observer().onEvent( Story::Warning{ text } );
+   }
+}
+
 void Agent::tearDown() {
    environment_.activity().turnNew( [ this ] { plugin_.reset(); } );
+   environment_.activity().run();
+   warn( togglesNotAskedFor( environment_.toggles() ) );
 }
 
 // --- What is asked to be shown

@@ -63,6 +63,7 @@ class Agent {
  private:
    void runAll();
    void traceLevels();
+   void warn( std::vector< std::string > const & texts );
    template< typename Work > void inStep( Story::StepBegins const & begins, Work const & work );
    void startUp();
    void carryOut( Scenario::Step const & step );

@@ -39,6 +39,7 @@ class Environment {
    Published & published() { return published_; }
    Traffic & traffic() { return traffic_; }
    Steps & steps() { return steps_; }
+   FeatureFiles::Reader const & toggles() const { return toggles_; }
    // What other agents publish, and what this agent shares with, and has of, plug-ins.
    StateDatabase::Directory & database() { return database_; }
    StateDatabase::Directory & own() { return own_; }

@@ -91,7 +91,7 @@ void readTrace( Reading & reading, Value const & value, Document & document ) {
       }
       if ( auto const levels = levelsIn( *text ) ) {
          reading.traceIs( handles.name, *levels );
-         document.model.trace.push_back( { handles.name, *text } );
+         document.model.trace.push_back( { handles.name, *text, handles.line } );
       } else {
          reading.problem( handles.line, handles.name + " is " + inQuotes( *text ) +
                                            "; trace levels are expected, as in 0-5,9" );

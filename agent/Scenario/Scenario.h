@@ -349,6 +349,7 @@ struct Step {
 struct TraceLevels {
    std::string handles;
    std::string levels;
+   int line = 0;  // 0: it is not of the scenario
 };
 
 struct Model {

@@ -71,6 +71,12 @@ struct BadInput {
    std::string text;  // with its place in front
 };
 
+// What is probably not meant; the run goes on with it.
+struct Warning {
+   static constexpr char const * kName = "warning";
+   std::string text;  // with its place in front
+};
+
 // --- What the plug-in asks the agent for
 
 struct PluginLoaded {
@@ -292,12 +298,12 @@ struct Interrupted {
 };
 
 using Event =
-   std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, PluginLoaded, MountAsked,
-                 MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked, VariantChosen,
-                 DependencyPointReady, PublishedChange, HardwareCall, RuleIs, RuleGone, TraceLine,
-                 LogLine, ExpectationChecked, FramesBegin, FrameForwarded, ForeignEntriesAre,
-                 EntityDumped, RulesDumped, Audited, PluginPass, EntityShown, OutputLine, Stopped,
-                 Interrupted >;
+   std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning, PluginLoaded,
+                 MountAsked, MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked,
+                 VariantChosen, DependencyPointReady, PublishedChange, HardwareCall, RuleIs,
+                 RuleGone, TraceLine, LogLine, ExpectationChecked, FramesBegin, FrameForwarded,
+                 ForeignEntriesAre, EntityDumped, RulesDumped, Audited, PluginPass, EntityShown,
+                 OutputLine, Stopped, Interrupted >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

@@ -91,6 +91,10 @@ void HumanWriter::knownLimits() {
    }
 }
 
+void HumanWriter::tell( Warning const & event ) {
+   shown( style_.bold( "warning: " + event.text ) );
+}
+
 void HumanWriter::tell( Interrupted const & event ) {
    ruleChanges();
    frameTable();

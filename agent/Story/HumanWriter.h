@@ -34,6 +34,7 @@ class HumanWriter final : public Observer {
    void tell( RunEnds const & event );
    void tell( Stopped const & event );
    void tell( Interrupted const & event );
+   void tell( Warning const & event );
    void tell( MountAsked const & event );
    void tell( MountsDone const & event );
    void tell( PublishedChange const & event );

@@ -49,13 +49,13 @@ Json emptyCounters() {
 }  // namespace
 
 JsonWriter::JsonWriter()
-      : document_{ { "scenario", nullptr },     { "file", nullptr },
-                   { "variant", nullptr },      { "end", nullptr },
-                   { "assertion", nullptr },    { "step", nullptr },
-                   { "stop", nullptr },         { "error", nullptr },
-                   { "plugin", emptyPlugin() }, { "steps", Json::array() },
-                   { "rules", Json::array() },  { "frames", Json::array() },
-                   { "log", Json::array() },    { "counters", emptyCounters() } } {}
+      : document_{
+           { "scenario", nullptr },     { "file", nullptr },        { "variant", nullptr },
+           { "end", nullptr },          { "assertion", nullptr },   { "step", nullptr },
+           { "stop", nullptr },         { "error", nullptr },       { "warnings", Json::array() },
+           { "plugin", emptyPlugin() }, { "steps", Json::array() }, { "rules", Json::array() },
+           { "frames", Json::array() }, { "log", Json::array() },   { "counters", emptyCounters() }
+        } {}
 
 void JsonWriter::onEvent( Event const & event ) {
    outcome_.onEvent( event );
@@ -105,6 +105,10 @@ void JsonWriter::endsEarly() {
 void JsonWriter::take( BadInput const & event ) {
    endsEarly();
    document_[ "error" ] = event.text;
+}
+
+void JsonWriter::take( Warning const & event ) {
+   document_[ "warnings" ].push_back( { { "step", step()[ "number" ] }, { "text", event.text } } );
 }
 
 void JsonWriter::take( Interrupted const & ) {

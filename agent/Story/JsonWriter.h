@@ -7,6 +7,7 @@
 //    step          the step in which the run ended before its end; null when it did not
 //    stop          reason, and its last lines (`output`, `traces`); null when it did not
 //    error         what was wrong with the input, when the run failed; else null
+//    warnings      what is probably not meant, with the step in which it showed
 //    plugin        what it asked the agent for: file, mounters, mounts, lookups, sharedEntities,
 //                  tcamGroups, and whether it is ready
 //    steps         from 0, which is start-up; the last one is teardown
@@ -45,6 +46,7 @@ class JsonWriter final : public Observer {
    void take( StepBegins const & event );
    void take( StepEnds const & event );
    void take( BadInput const & event );
+   void take( Warning const & event );
    void take( Interrupted const & event );
    void take( Stopped const & event );
    void take( PluginLoaded const & event );

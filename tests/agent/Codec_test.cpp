@@ -47,6 +47,7 @@ std::vector< Event > oneOfEach() {
             Story::StepEnds{ 4 },
             Story::RunEnds{ 1'000'000'000'000 },
             Story::BadInput{ "s.yaml:7: wrong" },
+            Story::Warning{ "s.yaml:8: no such handle" },
             Story::PluginLoaded{ "p.so", { "A", "B" } },
             Story::MountAsked{ "evpn/status", "Evpn::EvpnStatus", "wc" },
             Story::MountsDone{ "A", "partial", { "problem" } },

@@ -77,6 +77,20 @@ TEST_F( FeatureFilesReader, GiveTheDefaultForAToggleThatAFileDoesNotName ) {
    EXPECT_TRUE( reported_.empty() );
 }
 
+TEST_F( FeatureFilesReader, TellTogglesThatNobodyHasAskedFor ) {
+   fileIs( R"({ "SbdEvpnTcamOverideRule": false, "Other": true })" );
+   EXPECT_TRUE( reader_.notAskedFor().empty() ) << "nobody has asked for the file";
+
+   reader_.isEnabled( kToggle, kFile, true );
+   reader_.isEnabled( "Other", kFile, true );
+
+   auto const found = reader_.notAskedFor();
+   ASSERT_EQ( found.size(), 1U );
+   EXPECT_EQ( found[ 0 ].file, directory_ / kFile );
+   EXPECT_EQ( found[ 0 ].name, "SbdEvpnTcamOverideRule" );
+   EXPECT_EQ( found[ 0 ].asked, ( std::vector< std::string >{ "Other", kToggle } ) );
+}
+
 TEST_F( FeatureFilesReader, AreKeptApart ) {
    fileIs( R"({ "SbdEvpnTcamOverrideRule": false })" );
    EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );

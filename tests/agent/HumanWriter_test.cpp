@@ -250,6 +250,12 @@ TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
    EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1;31m" ), 2U );
 }
 
+TEST_F( HumanWriter, tells_a_warning_below_its_step ) {
+   told( startUp() );
+   EXPECT_EQ( told( { Story::Warning{ "leaf.yaml:7: no \x1b handle" } } ),
+              "   warning: leaf.yaml:7: no \\x1b handle\n" );
+}
+
 TEST_F( HumanWriter, tells_in_which_step_the_run_was_interrupted_and_the_totals_so_far ) {
    told( startUp() );
    told( readyStep() );

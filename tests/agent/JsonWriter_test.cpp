@@ -38,7 +38,7 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
 
    EXPECT_EQ( namesIn( document ),
               ( Names{ "scenario", "file", "variant", "end", "assertion", "step", "stop", "error",
-                       "plugin", "steps", "rules", "frames", "log", "counters" } ) );
+                       "warnings", "plugin", "steps", "rules", "frames", "log", "counters" } ) );
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
                        "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",
@@ -271,6 +271,15 @@ TEST( JsonWriter, says_what_was_wrong_with_the_input_and_what_had_happened_until
    EXPECT_EQ( document[ "stop" ], nullptr );
    EXPECT_EQ( document[ "rules" ].size(), 3U );
    EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ].size(), 1U );
+}
+
+TEST( JsonWriter, tells_warnings_with_their_step_and_ends_as_it_would_without ) {
+   Json const document = documentOf( { startUp(),
+                                       { step( 1 ), Story::Warning{ "leaf.yaml:7: no handle" },
+                                         Story::StepEnds{ 1 }, Story::RunEnds{} } } );
+   EXPECT_EQ( document[ "warnings" ],
+              Json::parse( R"([ { "step": 1, "text": "leaf.yaml:7: no handle" } ])" ) );
+   EXPECT_EQ( document[ "end" ], "completed" );
 }
 
 TEST( JsonWriter, says_in_which_step_the_run_was_interrupted ) {
