@@ -52,7 +52,7 @@ void Agreement::checkVteps( Reading & reading ) const {
 }
 
 void Agreement::checkUnderlay( Reading & reading ) const {
-   for ( auto const & [ intf, line ] : members_ ) {
+   for ( auto const & [ intf, line, portChannel ] : members_ ) {
       if ( auto const found = underlay_.find( intf ); found != underlay_.end() ) {
          reading.problem( line, intf.stringValue() + " is an underlay interface" +
                                    inLine( found->second ) +
@@ -68,7 +68,8 @@ void Agreement::checkUnderlay( Reading & reading ) const {
    }
 }
 
-// A member that leaves its port channel in a step has VLANs of its own from then on.
+// A member that leaves its port channel in a step has VLANs of its own from then on, unless it has
+// carried VXLAN until then.
 void Agreement::checkAccess( Reading & reading ) const {
    for ( auto const & [ intf, line ] : access_ ) {
       auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
@@ -76,6 +77,11 @@ void Agreement::checkAccess( Reading & reading ) const {
          reading.problem( line, intf.stringValue() + " is in a port channel" +
                                    inLine( member->line ) +
                                    ", whose VLANs hold; give these to the port channel" );
+      } else if ( member != members_.end() && underlay_.contains( member->portChannel ) ) {
+         reading.problem( line, intf.stringValue() + " is in " + member->portChannel.stringValue() +
+                                   inLine( member->line ) + ", which is an underlay interface" +
+                                   inLine( underlay_.at( member->portChannel ) ) +
+                                   " and has no VLANs; take it out of one of the two" );
       }
    }
 }

@@ -34,8 +34,8 @@ class Agreement {
    }
 
    // The interface is in a port channel before the plug-in is loaded, or gets into one later.
-   void memberIs( Pelk::IntfId const & member, int line ) {
-      members_.push_back( { member, line } );
+   void memberIs( Pelk::IntfId const & member, Pelk::IntfId const & portChannel, int line ) {
+      members_.push_back( { member, line, portChannel } );
    }
    // The interface leaves its port channel in a step.
    void memberGoes( Pelk::IntfId const & member ) { leaving_.insert_or_assign( member, 0 ); }
@@ -49,6 +49,11 @@ class Agreement {
       int line;
    };
    using Interfaces = std::vector< Said< Pelk::IntfId > >;
+   struct Member {
+      Pelk::IntfId what;
+      int line;
+      Pelk::IntfId portChannel;
+   };
 
    void checkVteps( Reading & reading ) const;
    void checkUnderlay( Reading & reading ) const;
@@ -61,7 +66,7 @@ class Agreement {
    std::map< Pelk::IntfId, int > leaving_;
    Interfaces access_;
    Interfaces designated_;
-   Interfaces members_;
+   std::vector< Member > members_;
 };
 
 }  // namespace Scenario

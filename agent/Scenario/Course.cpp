@@ -1,11 +1,18 @@
 #include <Scenario/Course.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace Scenario {
 
 namespace {
 
 using Pelk::IntfId;
 using Pelk::IpGenAddr;
+
+bool isPublished( EntityPath const & path ) {
+   return path.segments().empty() || path.segments().front().name != "plugins";
+}
 
 // What is published at one time.
 class Course {
@@ -17,13 +24,18 @@ class Course {
          line_ = change.line;
          std::visit( [ this ]( auto const & what ) { enters( what ); }, change.what );
       }
-      checkVirtualPorts();
+      arePortsNew_ = true;
    }
 
-   void withdraw( std::vector< Change > const & changes ) {
-      for ( Change const & change : changes ) {
-         line_ = change.line;
-         std::visit( [ this ]( auto const & what ) { goes( what ); }, change.what );
+   // What the step does; false when it can change what is published without saying so.
+   template< typename Action > bool happens( Action const & action ) {
+      return std::visit( [ this ]( auto const & what ) { return goesOn( what ); }, action );
+   }
+
+   // To be called when a step is over.
+   void checkVirtualPorts() {
+      if ( std::exchange( arePortsNew_, false ) ) {
+         checkIndices();
       }
    }
 
@@ -32,6 +44,40 @@ class Course {
       U32 number;
       int line;
    };
+
+   // --- Steps and parts of a turn
+
+   bool goesOn( Publish const & step ) {
+      publish( step.changes );
+      return true;
+   }
+   bool goesOn( Withdraw const & step ) {
+      withdraw( step.changes );
+      return true;
+   }
+   bool goesOn( Replace const & step ) {
+      for ( Replacement const & one : step.replacements ) {
+         std::visit( [ this ]( auto const & what ) { takesThePlace( what ); }, one.what );
+      }
+      return true;
+   }
+   bool goesOn( Turn const & turn ) {
+      return std::all_of( turn.parts.begin(), turn.parts.end(),
+                          [ this ]( Turn::PlacedPart const & one ) {
+                             return happens( one.part );
+                          } );
+   }
+   bool goesOn( Set const & step ) const { return !isPublished( step.at.entity ); }
+   bool goesOn( Delete const & step ) const { return !isPublished( step.at.entity ); }
+   bool goesOn( Call const & step ) const { return !isPublished( step.entity ); }
+   template< typename Other > bool goesOn( Other const & ) const { return true; }
+
+   void withdraw( std::vector< Change > const & changes ) {
+      for ( Change const & change : changes ) {
+         line_ = change.line;
+         std::visit( [ this ]( auto const & what ) { goes( what ); }, change.what );
+      }
+   }
 
    // --- What comes
 
@@ -48,6 +94,17 @@ class Course {
    void enters( VrfVni const & what ) { tunnels_[ what.intf ].insert( what.vrf ); }
    void enters( ClassIdRequest const & ) {}
    void enters( ClassIdGrant const & ) {}
+
+   void takesThePlace( SegmentReplaced const & what ) {
+      segments_[ what.intf ] = { what.vteps.begin(), what.vteps.end() };
+   }
+   void takesThePlace( TunnelInterfaceReplaced const & what ) {
+      auto & vrfs = tunnels_[ what.intf ];
+      vrfs.clear();
+      for ( VrfVni const & one : what.vnis ) {
+         vrfs.insert( one.vrf );
+      }
+   }
 
    // --- What goes
 
@@ -97,7 +154,7 @@ class Course {
    void goes( ClassIdRequest const & ) {}
    void goes( ClassIdGrant const & ) {}
 
-   void checkVirtualPorts() {
+   void checkIndices() {
       std::map< U16, IpGenAddr > vtepOf;
       for ( auto const & [ vtep, port ] : virtualPorts_ ) {
          auto const index = static_cast< U16 >( port.number );
@@ -122,6 +179,7 @@ class Course {
 
    Reading & reading_;
    int line_ = 0;
+   bool arePortsNew_ = false;
    std::set< IntfId > ports_;
    std::map< IntfId, IntfId > portChannelOf_;
    std::map< IntfId, std::set< IpGenAddr > > segments_;
@@ -130,36 +188,17 @@ class Course {
    std::set< int > told_;
 };
 
-bool isPublished( EntityPath const & path ) {
-   return path.segments().empty() || path.segments().front().name != "plugins";
-}
-
-// Whether the step can change what is published without saying so.
-bool changesAnything( Action const & action ) {
-   if ( auto const * const set = std::get_if< Set >( &action ) ) {
-      return isPublished( set->at.entity );
-   }
-   if ( auto const * const removal = std::get_if< Delete >( &action ) ) {
-      return isPublished( removal->at.entity );
-   }
-   auto const * const call = std::get_if< Call >( &action );
-   return call && isPublished( call->entity );
-}
-
 }  // namespace
 
 void followCourse( Reading & reading, Model const & model ) {
    Course course( reading );
    course.publish( model.published );
+   course.checkVirtualPorts();
    for ( Step const & step : model.steps ) {
-      if ( changesAnything( step.action ) ) {
+      if ( !course.happens( step.action ) ) {
          return;
       }
-      if ( auto const * const publish = std::get_if< Publish >( &step.action ) ) {
-         course.publish( publish->changes );
-      } else if ( auto const * const withdraw = std::get_if< Withdraw >( &step.action ) ) {
-         course.withdraw( withdraw->changes );
-      }
+      course.checkVirtualPorts();
    }
 }
 

@@ -115,10 +115,15 @@ void interfacesGone( Reading & reading, Value const & value, Changes & changes )
 using PortChannels = std::vector< Keyed< Pelk::IntfId > >;
 
 // The members of each, none in two of them.
-std::vector< Placed< Pelk::IntfId > > readMembers( Reading & reading,
-                                                   PortChannels const & portChannels,
-                                                   Changes & changes ) {
-   std::vector< Placed< Pelk::IntfId > > result;
+struct Member {
+   Pelk::IntfId intf;
+   Pelk::IntfId portChannel;
+   int line;
+};
+
+std::vector< Member > readMembers( Reading & reading, PortChannels const & portChannels,
+                                   Changes & changes ) {
+   std::vector< Member > result;
    std::map< Pelk::IntfId, Pelk::IntfId > portChannelOf;
    for ( auto const & [ portChannel, members ] : portChannels ) {
       for ( auto const & [ member, line ] : distinctOf( reading, members, ethernetIn ) ) {
@@ -129,7 +134,7 @@ std::vector< Placed< Pelk::IntfId > > readMembers( Reading & reading,
                                       " already; an interface is in one port channel at most" );
          }
          changes.push_back( { PortChannelMember{ portChannel, member }, line } );
-         result.push_back( { member, line } );
+         result.push_back( { member, portChannel, line } );
       }
    }
    return result;
@@ -140,8 +145,8 @@ void membersGone( Reading & reading, Value const & value, Changes & changes ) {
    for ( auto const & portChannel : portChannels ) {
       reading.use( portChannel.key, portChannel.value.line );
    }
-   for ( Placed< Pelk::IntfId > const & member : readMembers( reading, portChannels, changes ) ) {
-      reading.agreement().memberGoes( member.it );
+   for ( Member const & member : readMembers( reading, portChannels, changes ) ) {
+      reading.agreement().memberGoes( member.intf );
    }
 }
 
@@ -343,8 +348,8 @@ void readPortChannels( Reading & reading, Value const & value, Changes & changes
    for ( auto const & portChannel : portChannels ) {
       reading.define( portChannel.key );
    }
-   for ( auto const & [ member, line ] : readMembers( reading, portChannels, changes ) ) {
-      reading.agreement().memberIs( member, line );
+   for ( Member const & member : readMembers( reading, portChannels, changes ) ) {
+      reading.agreement().memberIs( member.intf, member.portChannel, member.line );
    }
 }
 
