@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <iostream>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +13,7 @@
 #include <Scenario/Characters.h>
 #include <Scenario/Reading.h>
 #include <Story/Outcome.h>
+#include <Story/Printable.h>
 #include <Trace/Trace.h>
 
 namespace CommandLine {
@@ -202,12 +204,17 @@ bool isCommand( std::string_view word ) {
           std::find( kCommands.begin(), kCommands.end(), word ) != kCommands.end();
 }
 
+// A message that holds what somebody has typed.
+std::string shown( std::string const & message ) {
+   return Story::printableLines( Scenario::shortened( message ) );
+}
+
 std::string noCommand( std::string const & word ) {
    std::vector< std::string_view > const known( kCommands.begin(), kCommands.end() );
    std::string_view const near = Scenario::nearest( word, known );
    std::string const hint = near.empty() ? "the commands are " + Scenario::listed( known, "and" )
                                          : "did you mean '" + std::string( near ) + "'?";
-   return Scenario::printable( "no command '" + word + "'; " + hint );
+   return shown( "no command '" + word + "'; " + hint );
 }
 
 }  // namespace
@@ -234,7 +241,9 @@ std::variant< Command, Done > parse( int argc, char const * const * argv, std::o
       app.parse( argc, argv );
       return commandOf( app, words );
    } catch ( CLI::ParseError const & error ) {
-      bool const isHelp = app.exit( error, out, std::cerr ) == 0;
+      std::ostringstream message;
+      bool const isHelp = app.exit( error, out, message ) == 0;
+      std::cerr << shown( message.str() );
       return Done{ isHelp ? 0 : static_cast< int >( Story::ExitCode::BadInput ) };
    }
 }

@@ -36,31 +36,6 @@ bool isForbidden( U8 first, U8 second ) {
           ( first == 0xf0 && second < 0x90 ) || ( first == 0xf4 && second >= 0x90 );
 }
 
-void escapeTo( std::string & out, std::string_view bytes ) {
-   constexpr std::string_view digits = "0123456789abcdef";
-   for ( std::size_t at = 0; at < bytes.size(); ++at ) {
-      out += "\\x";
-      out += digits[ byteAt( bytes, at ) >> 4U ];
-      out += digits[ byteAt( bytes, at ) & 0xfU ];
-   }
-}
-
-std::string escaped( std::string_view text ) {
-   std::string out;
-   while ( !text.empty() ) {
-      std::size_t const length = characterAt( text );
-      std::string_view const character = text.substr( 0, std::max< std::size_t >( length, 1 ) );
-      bool const isBreak = character == "\n" || character == "\r" || character == "\t";
-      if ( length == 0 || isBreak || isControl( character ) ) {
-         escapeTo( out, character );
-      } else {
-         out += character;
-      }
-      text.remove_prefix( character.size() );
-   }
-   return out;
-}
-
 }  // namespace
 
 std::size_t characterAt( std::string_view text ) {
@@ -81,16 +56,16 @@ bool isControl( std::string_view character ) {
    return first == 0xc2 && byteAt( character, 1 ) < 0xa0 && byteAt( character, 1 ) != 0x85;
 }
 
-std::string printable( std::string_view text ) {
+std::string shortened( std::string_view text ) {
    if ( text.size() <= kLongestMessage ) {
-      return escaped( text );
+      return std::string( text );
    }
    std::size_t from = text.size() - kShownOfEnd;
    while ( isContinuation( text, from ) ) {
       ++from;
    }
-   return escaped( beginning( text, kLongestMessage - kShownOfEnd ) ) + " ... " +
-          escaped( text.substr( from ) );
+   return std::string( beginning( text, kLongestMessage - kShownOfEnd ) ) + " ... " +
+          std::string( text.substr( from ) );
 }
 
 std::string_view beginning( std::string_view text, std::size_t count ) {

@@ -1,4 +1,4 @@
-// The characters of texts: what a scenario may hold, and what a message may show.
+// The characters of texts: what a scenario may hold, and how much of it a message shows.
 #pragma once
 
 #include <string>
@@ -13,9 +13,8 @@ std::size_t characterAt( std::string_view text );
 // carriage return; those of one byte and those of two.
 bool isControl( std::string_view character );
 
-// `text` for a message: control characters and bytes that are not UTF-8 as \xNN, and only its
-// beginning and end when it is long.
-std::string printable( std::string_view text );
+// `text` for a message: only its beginning and end when it is long.
+std::string shortened( std::string_view text );
 
 // At most the first `count` bytes of `text`, without half a character at the end.
 std::string_view beginning( std::string_view text, std::size_t count );

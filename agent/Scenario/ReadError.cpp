@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <Scenario/Characters.h>
+#include <Story/Printable.h>
 
 namespace Scenario {
 
@@ -25,7 +26,7 @@ std::string shown( std::vector< Problem > const & problems ) {
 
 std::string Problem::text() const {
    std::string const place = line == 0 ? file : file + ':' + std::to_string( line );
-   return printable( place + ": " + message );
+   return Story::printable( shortened( place + ": " + message ) );
 }
 
 ReadError::ReadError( std::vector< Problem > problems )

@@ -23,6 +23,30 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
               "no command 'inspect'; the commands are run, show, verify and ring\n" );
 }
 
+TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
+   std::string const evil = "\x1b]0;x\x07";
+   for ( auto const & arguments :
+         std::vector< std::vector< std::string > >{ { evil },
+                                                    { "run", "leaf.yaml", "--" + evil },
+                                                    { "run", "leaf.yaml", "--trace", evil },
+                                                    { "run", "leaf.yaml", "--turn-limit", evil },
+                                                    { "show", "leaf.yaml", evil },
+                                                    { "show", "leaf.yaml", "entities", evil } } ) {
+      auto const ran = Support::vornal( arguments );
+
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_EQ( ran.err.find_first_of( "\x1b\x07" ), std::string::npos ) << ran.err;
+      EXPECT_NE( ran.err.find( "\\x1b]0;x\\x07" ), std::string::npos ) << ran.err;
+   }
+}
+
+TEST( ProgramUsage, KeepsItsMessagesShortWhateverIsTyped ) {
+   auto const ran = Support::vornal( { "run", "leaf.yaml", "--trace", std::string( 9000, 'x' ) } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_LT( ran.err.size(), 2000U );
+   EXPECT_NE( ran.err.find( "Run with --help" ), std::string::npos ) << ran.err;
+}
+
 TEST( ProgramUsage, TellsItsVersion ) {
    auto const ran = Support::vornal( { "--version" } );
    EXPECT_EQ( ran.exitCode, 0 );

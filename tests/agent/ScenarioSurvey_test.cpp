@@ -146,7 +146,7 @@ TEST( ScenarioSurvey, RefusesControlCharactersWithTheirLine ) {
    }
    EXPECT_EQ(
       leafProblems( "description: a\xc2\x9b b\n" ),
-      "leaf.yaml:9: the control character \\xc2\\x9b stands here; remove it, or write it in "
+      "leaf.yaml:9: the control character \\u009b stands here; remove it, or write it in "
       "double quotes, as in \"\\x1b\"" );
    EXPECT_NE( leafProblems( "description: a\rsteps: []\n" ), "" );
    EXPECT_EQ( leafProblems( "description: a\r\nsteps: []\r\n" ), "" );
