@@ -37,13 +37,14 @@ S32 SdkDecorator::write( std::string_view operation, U32 unit, U32 entry,
    return rc;
 }
 
-// A call that reads back; `values` are there to be told once they have been read.
+// A call that reads back; `values` are there to be told once they have been read. A field call has
+// failed when its code is negative, whatever the code of success.
 template< typename Make, typename Values >
 S32 SdkDecorator::read( std::string_view operation, U32 unit, U32 entry, Make make,
                         Values values ) {
    std::optional< S32 > const instead = resultInsteadOf( operation );
    S32 const rc = instead ? *instead : make();
-   if ( rc != successCode() ) {
+   if ( instead || rc < 0 ) {
       done( { operation, unit, entry, {}, rc } );
    } else {
       auto const readBack = values();

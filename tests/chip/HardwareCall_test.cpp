@@ -237,6 +237,29 @@ TEST_F( HardwareCallsDeathTest, aFailedGuardedCallIsRecordedAndTheStopAnnounced 
       "HardwareCall_test.cpp:758: .*Assertion '0' failed" );
 }
 
+// A shim of its own codes: any that is not negative is a success.
+class OtherCodes final : public Chip::SdkDecorator {
+ public:
+   using SdkDecorator::SdkDecorator;
+   S32 bcm_field_qualify_PacketRes_get( U32, U32, U32 * data, U32 * mask ) override {
+      *data = 4;
+      *mask = 0xff;
+      return 7;
+   }
+   S32 successCode() const override { return 1; }
+};
+
+TEST_F( HardwareCalls, aReadBackHasItsValuesWithAnyCodeThatIsNotNegative ) {
+   OtherCodes other( leaf1.sdk );
+   Chip::RecordingSdk recorderOfOther( other, record );
+   U32 data = 0;
+   U32 mask = 0;
+   recorderOfOther.bcm_field_qualify_PacketRes_get( 0, 3, &data, &mask );
+   EXPECT_EQ( record.texts(),
+              ( Texts{
+                 "unit 0 entry 3: bcm_field_qualify_PacketRes_get( data 4, mask 0xff ) = 7" } ) );
+}
+
 // --- Counting
 
 TEST_F( HardwareCalls, callsAreCountedByOperation ) {
