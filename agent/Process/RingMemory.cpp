@@ -37,10 +37,24 @@ std::span< std::byte > mapped( Descriptor const & file, std::size_t size ) {
    return { static_cast< std::byte * >( memory ), size };
 }
 
+// Opens the file, making it if need be. A pipe or a device is not waited for.
+Descriptor openedWith( int flags, fs::path const & file ) {
+   return Descriptor(
+      open( file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | flags, 0644 ) );
+}
+
+struct OpenFile {
+   Descriptor file;
+   bool isNew;  // it was not there before
+};
+
 // An open file that nobody else has as a ring.
-Descriptor opened( fs::path const & file ) {
-   // A pipe or a device is not waited for.
-   Descriptor opened( open( file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644 ) );
+OpenFile opened( fs::path const & file ) {
+   Descriptor opened = openedWith( O_EXCL, file );
+   bool const isNew = opened.isOpen();
+   if ( !isNew ) {
+      opened = openedWith( 0, file );
+   }
    struct stat status {};
    if ( !opened.isOpen() && errno != EISDIR ) {
       cannotWrite( file );
@@ -54,7 +68,7 @@ Descriptor opened( fs::path const & file ) {
       }
       refuse( file, "is the ring of a run that goes on" );
    }
-   return opened;
+   return { std::move( opened ), isNew };
 }
 
 std::size_t sizeOf( Descriptor const & file ) {
@@ -63,11 +77,11 @@ std::size_t sizeOf( Descriptor const & file ) {
 }
 
 // All of the file is backed by disk: a full disk shows here and not in the middle of a run, and
-// leaves the file empty as it was.
-void extend( Descriptor const & opened, fs::path const & file ) {
-   int const error = posix_fallocate( opened.fd(), 0, static_cast< off_t >( kSize ) );
+// leaves things as they were: no file, or an empty one.
+void extend( OpenFile const & opened, fs::path const & file ) {
+   int const error = posix_fallocate( opened.file.fd(), 0, static_cast< off_t >( kSize ) );
    if ( error != 0 ) {
-      std::ignore = ftruncate( opened.fd(), 0 );
+      std::ignore = opened.isNew ? unlink( file.c_str() ) : ftruncate( opened.file.fd(), 0 );
       errno = error;
       cannotWrite( file );
    }
@@ -99,11 +113,12 @@ RingMemory::RingMemory( std::optional< fs::path > const & file ) {
       bytes_ = mapped( file_, kSize );
       return;
    }
-   file_ = opened( *file );
-   std::size_t const size = sizeOf( file_ );
+   OpenFile taken = opened( *file );
+   std::size_t const size = sizeOf( taken.file );
    if ( size == 0 ) {
-      extend( file_, *file );
+      extend( taken, *file );
    }
+   file_ = std::move( taken.file );
    bytes_ = mapped( file_, size == 0 ? kSize : size );
    if ( size != 0 && !isRing( bytes_ ) ) {
       munmap( bytes_.data(), bytes_.size() );

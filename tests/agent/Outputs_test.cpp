@@ -77,6 +77,20 @@ TEST_F( Outputs, a_limit_on_the_size_of_files_is_an_error_of_the_file ) {
    EXPECT_EQ( ran.exitCode, 2 );
 }
 
+TEST_F( Outputs, a_ring_that_has_no_room_leaves_no_file_behind_that_was_not_there ) {
+   before = "ulimit -f 8; ";
+   directory.file( "empty", "" );
+   auto const ran = shell( "run leaf.yaml --ring ring >story" + plugin );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_TRUE( contains( ran.err, "cannot write the trace ring ring: " ) ) << ran.err;
+   EXPECT_FALSE( std::filesystem::exists( directory.path() / "ring" ) );
+
+   EXPECT_EQ( shell( "run leaf.yaml --ring empty >story" + plugin ).exitCode, 2 );
+   EXPECT_TRUE( std::filesystem::exists( directory.path() / "empty" ) ) << "somebody else's";
+   EXPECT_EQ( std::filesystem::file_size( directory.path() / "empty" ), 0U );
+}
+
 // --- The stream
 
 TEST( OutputStream, takes_everything_before_it_is_flushed ) {
