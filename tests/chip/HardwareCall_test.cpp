@@ -202,15 +202,15 @@ TEST_F( HardwareCalls, theNthCallOfANamedOperationFails ) {
 }
 
 TEST_F( HardwareCalls, aReadBackThatIsNotMadeReadsNothing ) {
-   Chip::FailingSdk failing( recorder, { .nth = 1, .code = 5 } );
+   Chip::FailingSdk failing( recorder, { .nth = 1, .code = -5 } );
    Chip::RecordingSdk front( failing, record );
    U32 const id = leaf1.fromVtep( 0, kVtep2 );
    record.calls.clear();
    U32 gport = 77;
-   EXPECT_EQ( front.bcm_field_qualify_SrcVxlanGport_get( 0, id, &gport ), 5 );
+   EXPECT_EQ( front.bcm_field_qualify_SrcVxlanGport_get( 0, id, &gport ), -5 );
    EXPECT_EQ( gport, 77U );
    EXPECT_EQ( record.texts(),
-              Texts{ "unit 0 entry 1: bcm_field_qualify_SrcVxlanGport_get() = 5" } );
+              Texts{ "unit 0 entry 1: bcm_field_qualify_SrcVxlanGport_get() = -5 UNSUPPORTED" } );
 }
 
 using HardwareCallsDeathTest = HardwareCalls;
