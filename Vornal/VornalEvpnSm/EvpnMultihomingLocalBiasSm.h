@@ -21,8 +21,8 @@
 //
 // Failures. A broken invariant, a failed SDK call and a failed install stop the process: after them
 // nobody knows what the chip does. (The install of a per-VNI rule is the exception: its result is
-// not looked at.) A full TCAM is no failure: it is traced. The first entry of a VTEP without room is
-// logged; with class ids, once per episode. Only the rules for VNIs are retried when room is
+// not looked at.) A full TCAM is no failure: it is traced. The first entry without room is logged;
+// with class ids, once per episode. Only the rules for VNIs are retried when room is
 // reported. A state that cannot be acted on yet is traced at level 2 and waited out.
 //
 // Threads: the activity's. The activity lock is given up during each field call; handlers may
