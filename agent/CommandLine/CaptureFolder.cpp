@@ -1,5 +1,8 @@
 #include <CommandLine/CaptureFolder.h>
 
+#include <array>
+#include <cstring>
+#include <fstream>
 #include <vector>
 
 #include <Capture/PortCaptures.h>
@@ -51,6 +54,27 @@ void checkNotPlayed( fs::path const & capture, Scenario::Model const & scenario 
    }
 }
 
+// What earlier runs wrote begins with the number of a capture, or is empty where the disk was full.
+// Anything else of such a name is somebody's: a scenario, a trace ring, a folder.
+void checkIsCapture( fs::path const & file ) {
+   constexpr U32 microseconds = 0xa1b2c3d4;
+   constexpr U32 nanoseconds = 0xa1b23c4d;
+   bool isCapture = false;
+   if ( fs::is_regular_file( file ) ) {
+      std::array< char, sizeof( U32 ) > start{};
+      std::ifstream in( file, std::ios::binary );
+      in.read( start.data(), start.size() );
+      U32 number = 0;
+      std::memcpy( &number, start.data(), start.size() );
+      isCapture =
+         in.is_open() && ( in.gcount() == 0 || number == microseconds || number == nanoseconds );
+   }
+   if ( !isCapture ) {
+      refuse( file.string() +
+              " has the name of a port's capture and is none; name another folder" );
+   }
+}
+
 void discard( fs::path const & capture ) {
    std::error_code error;
    fs::remove( capture, error );
@@ -69,6 +93,7 @@ std::optional< fs::path > captureFolder( std::optional< fs::path > const & asked
       auto const captures = capturesIn( *asked );
       for ( fs::path const & capture : captures ) {
          checkNotPlayed( capture, scenario );
+         checkIsCapture( capture );
       }
       for ( fs::path const & capture : captures ) {
          discard( capture );

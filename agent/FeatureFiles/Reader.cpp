@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -16,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kNumberTooLarge = 406;  // the library's number for it
+constexpr std::uintmax_t kLongest = 16U << 20U;  // bytes; a file of all toggles has a few thousand
+constexpr int kNumberTooLarge = 406;             // the library's number for it
 
 // Reads over everything, and takes note of where that ends. An exception of the library does not
 // always know.
@@ -121,6 +123,10 @@ Reader::Toggles Reader::read( fs::path const & path ) const {
    }
    if ( status.type() != fs::file_type::regular ) {
       reportDamage( path, 1, error ? unreadable( error ) : "this is no regular file" );
+      return {};
+   }
+   if ( fs::file_size( path, error ) > kLongest && !error ) {
+      reportDamage( path, 1, "the file is larger than 16 MiB" );
       return {};
    }
    std::ifstream in( path, std::ios::binary );

@@ -135,7 +135,7 @@ void Agent::show( Scenario::EntityPath const & path ) {
       environment_.observer().onEvent( Story::EntityShown{
          path.stringValue(),
          StateDatabase::treeOf( path.stringValue(), *finder.entity( path ), finder.roots() ) } );
-   } catch ( Quelm::AccessError const & error ) {
+   } catch ( Quelm::Error const & error ) {  // there is none, or a key is not of its type's form
       throw InputError( error.what() );
    }
 }

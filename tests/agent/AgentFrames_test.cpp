@@ -255,7 +255,8 @@ TEST_F( FramesOfProgram, are_in_the_captures_when_the_plug_in_stops ) {
 TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
    auto const out = directory.path() / "out";
    std::filesystem::create_directories( out );
-   directory.file( "out/unit0-port7.pcap", "of an earlier run" );
+   directory.file( "out/unit0-port7.pcap", "\xd4\xc3\xb2\xa1 and so on" );
+   directory.file( "out/unit0-port8.pcap", "" );
    directory.file( "out/notes.txt", "" );
    directory.file( "out/unit0-port7.pcap.old", "" );
    auto const ran =
@@ -264,8 +265,22 @@ TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 1U );
    EXPECT_FALSE( std::filesystem::exists( out / "unit0-port7.pcap" ) );
+   EXPECT_FALSE( std::filesystem::exists( out / "unit0-port8.pcap" ) );
    EXPECT_TRUE( std::filesystem::exists( out / "notes.txt" ) );
    EXPECT_TRUE( std::filesystem::exists( out / "unit0-port7.pcap.old" ) );
+}
+
+TEST_F( FramesOfProgram, do_not_replace_what_is_no_capture ) {
+   auto const out = directory.path() / "out";
+   std::filesystem::create_directories( out );
+   auto const notes = directory.file( "out/unit0-port1.pcap", "scenario: mine\n" );
+   auto const ran =
+      Support::vornal( { "run", scenario( kFromPeer ).string(), "--pcap-out", out.string() } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, "--pcap-out: " + notes.string() +
+                          " has the name of a port's capture and is none; name another folder\n" );
+   EXPECT_EQ( Support::contentOf( notes ), "scenario: mine\n" );
 }
 
 TEST_F( FramesOfProgram, do_not_replace_a_capture_that_the_scenario_plays ) {

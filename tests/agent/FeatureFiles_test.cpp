@@ -51,6 +51,13 @@ class FeatureFilesReader : public testing::Test {
    FeatureFiles::Reader reader_{ directory_, report_ };
 };
 
+TEST_F( FeatureFilesReader, AreReportedAndNotReadWhenTheyAreHuge ) {
+   fileIs( "{}" );
+   fs::resize_file( directory_ / kFile, ( 16U << 20U ) + 1 );  // takes no room on the disk
+   EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
+   EXPECT_EQ( reported_, std::vector{ reportOf( 1, "the file is larger than 16 MiB" ) } );
+}
+
 TEST_F( FeatureFilesReader, GiveATogglesValue ) {
    fileIs( R"({ "SbdEvpnTcamOverrideRule": false, "Other": true })" );
    EXPECT_FALSE( reader_.isEnabled( kToggle, kFile, true ) );

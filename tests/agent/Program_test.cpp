@@ -358,6 +358,15 @@ TEST_F( Program, lists_the_paths_that_can_be_shown ) {
    EXPECT_EQ( document[ "entities" ][ 1 ][ "path" ], "/evpn/status" );
 }
 
+TEST_F( Program, shows_nothing_at_a_path_whose_key_is_none ) {
+   auto const ran = command( { "show" }, ready, { "entities", "/evpn/status/segmentStatus[foo]" } );
+
+   EXPECT_EQ( ran.exitCode, 2 ) << ran.err;
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_TRUE( contains( ran.err, "'foo'" ) ) << ran.err;
+   EXPECT_FALSE( contains( ran.err, "STOPPED" ) ) << ran.err;
+}
+
 TEST_F( Program, says_what_there_is_when_there_is_no_such_entity ) {
    auto const ran = command( { "show" }, ready, { "entities", "/evpn/state" } );
 
