@@ -1,5 +1,7 @@
 #include <Story/Codec.h>
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -115,8 +117,11 @@ TEST( Codec, keeps_every_field_of_a_rule_and_of_a_call ) {
                  .rule,
               someRule() );
 
-   auto const call =
-      std::get< Story::HardwareCall >( Story::decoded( Story::encoded( oneOfEach().at( 14 ) ) ) );
+   auto const events = oneOfEach();
+   auto const sent = std::find_if( events.begin(), events.end(), []( Event const & event ) {
+      return std::holds_alternative< Story::HardwareCall >( event );
+   } );
+   auto const call = std::get< Story::HardwareCall >( Story::decoded( Story::encoded( *sent ) ) );
    EXPECT_EQ( std::get< U64 >( call.values.at( 0 ).value ), 157U );
    EXPECT_EQ( std::get< std::string >( call.values.at( 1 ).value ), "n" );
    EXPECT_EQ( std::get< std::vector< U32 > >( call.values.at( 2 ).value ).back(), 300U );

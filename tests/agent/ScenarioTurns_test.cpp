@@ -15,7 +15,7 @@ std::string stepProblems( std::string const & step ) {
 }
 
 Scenario::Action actionOf( std::string const & step ) {
-   return readLeaf( "steps:\n   - " + step + '\n' ).steps.at( 0 ).action;
+   return read( kPublished + "steps:\n   - " + step + '\n' ).steps.at( 0 ).action;
 }
 
 template< typename Action > Action step( std::string const & text ) {
