@@ -12,7 +12,7 @@ class FailingSdk final : public SdkDecorator {
    FailingSdk( Shim::Sdk & next, Faults & faults ) : SdkDecorator( next ), faults_( faults ) {}
 
    // Fails one call.
-   FailingSdk( Shim::Sdk & next, Fault fault ) : FailingSdk( next, own_ ) {
+   FailingSdk( Shim::Sdk & next, Fault fault ) : SdkDecorator( next ), faults_( own_ ) {
       own_.faultNew( std::move( fault ) );
    }
 
