@@ -29,7 +29,7 @@ class Course {
 
    // What the step does; false when it can change what is published without saying so.
    template< typename Action > bool happens( Action const & action ) {
-      return std::visit( [ this ]( auto const & what ) { return goesOn( what ); }, action );
+      return std::visit( [ & ]( auto const & what ) { return goesOn( what ); }, action );
    }
 
    // To be called when a step is over.
