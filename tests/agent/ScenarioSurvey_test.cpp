@@ -144,10 +144,9 @@ TEST( ScenarioSurvey, RefusesControlCharactersWithTheirLine ) {
       EXPECT_TRUE( leafProblems( text ).starts_with( "leaf.yaml:9: the control character \\x" ) )
          << code;
    }
-   EXPECT_EQ(
-      leafProblems( "description: a\xc2\x9b b\n" ),
-      "leaf.yaml:9: the control character \\u009b stands here; remove it, or write it in "
-      "double quotes, as in \"\\x1b\"" );
+   EXPECT_EQ( leafProblems( "description: a\xc2\x9b b\n" ),
+              "leaf.yaml:9: the control character \\u009b stands here; remove it, or write it in "
+              "double quotes, as in \"\\x1b\"" );
    EXPECT_NE( leafProblems( "description: a\rsteps: []\n" ), "" );
    EXPECT_EQ( leafProblems( "description: a\r\nsteps: []\r\n" ), "" );
 }
