@@ -8,7 +8,7 @@
 #include <malloc.h>
 
 #include <Board/Board.h>
-#include <Host/ClassIdAllocator.h>
+#include <Peers/ClassIdAllocator.h>
 #include <Lag/LagPhyIntfMappingSm.h>
 #include <Oxa/OxaEvpnTepSegmentSm.h>
 #include <VornalEvpnSm/Factories.h>
@@ -124,7 +124,7 @@ class Switch {
       Quelm::make< VornalCentral::I2EClassIdIndexConfig >( "requests" );
    Quelm::Ptr< VornalCentral::I2EClassIdIndexStatus > status_ =
       Quelm::make< VornalCentral::I2EClassIdIndexStatus >( "grants" );
-   Host::ClassIdAllocator allocator_{ { 1, kMostVteps + 1, 0 }, activity_, config_, status_ };
+   Peers::ClassIdAllocator allocator_{ { 1, kMostVteps + 1, 0 }, activity_, config_, status_ };
    Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm > machine_;
 };
 

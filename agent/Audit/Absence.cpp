@@ -1,6 +1,7 @@
 // Why a rule is not there: whether that is a fault, or what is waited for.
 
 #include <Audit/Comparison.h>
+#include <Audit/SharedSegments.h>
 
 #include <fmt/format.h>
 
@@ -9,8 +10,8 @@ namespace Audit {
 namespace {
 
 // Whether a group that is full, or was, is the reason.
-bool isOfRoom( Kind kind ) {
-   return kind == Kind::noRoom || kind == Kind::notRetried;
+bool isOfRoom( DifferenceKind kind ) {
+   return kind == DifferenceKind::noRoom || kind == DifferenceKind::notRetried;
 }
 
 bool isThere( Sides const & sides, RuleFor const & what ) {
@@ -20,20 +21,22 @@ bool isThere( Sides const & sides, RuleFor const & what ) {
 Absence whyAbsentInGroup( Sides const & sides, RuleFor const & what ) {
    auto const * const group = groupOf( sides.units, what.unit, what.group() );
    if ( !group ) {
-      return { Kind::noRoom, fmt::format( "unit {} has no group {}", what.unit, what.group() ) };
+      return { DifferenceKind::noRoom,
+               fmt::format( "unit {} has no group {}", what.unit, what.group() ) };
    }
    if ( group->room() == 0 ) {
-      return { Kind::noRoom,
+      return { DifferenceKind::noRoom,
                fmt::format( "group {} has no room on unit {}", what.group(), what.unit ) };
    }
    if ( what.purpose == Purpose::vni && sides.records.hasQueued( what.vni ) ) {
-      return { Kind::queued, "the plug-in has queued it until there is room" };
+      return { DifferenceKind::queued, "the plug-in has queued it until there is room" };
    }
    if ( what.purpose == Purpose::vni && sides.state.freedVnis.contains( what.vni ) ) {
-      return { Kind::leftBehind, "Vxlan1 took all per-VNI rules with it when it was withdrawn" };
+      return { DifferenceKind::leftBehind,
+               "Vxlan1 took all per-VNI rules with it when it was withdrawn" };
    }
    if ( what.purpose != Purpose::vni && sides.records.isExhausted ) {
-      return { Kind::notRetried,
+      return { DifferenceKind::notRetried,
                "an entry was refused while the group was full; there is room now, and the plug-in "
                "does not ask again by itself" };
    }
@@ -68,12 +71,13 @@ Absence whyNoUnicastRule( Sides const & sides, RuleFor const & what ) {
 
 Absence whyAbsent( Sides const & sides, RuleFor const & what ) {
    if ( sides.records.entries.contains( what ) ) {
-      return { Kind::missingRule, "the plug-in has it on record" };
+      return { DifferenceKind::missingRule, "the plug-in has it on record" };
    }
    if ( sides.wanted.at( what ).isWithoutClassId ) {
       return sides.state.classIdRequests.contains( what.vtep )
-                ? Absence{ Kind::waitingForClassId, "its class id is asked for and not granted" }
-                : Absence{ Kind::missingRule, "no class id is asked for" };
+                ? Absence{ DifferenceKind::waitingForClassId,
+                           "its class id is asked for and not granted" }
+                : Absence{ DifferenceKind::missingRule, "no class id is asked for" };
    }
    switch ( what.purpose ) {
    case Purpose::egressDrop: return whyNoEgressRule( sides, what );

@@ -6,9 +6,9 @@
 //    the plug-in's state machine ─────► its records                  (Records.h)
 //    the chip ────────────────────────► the written entries          (Matching.h)
 //
-// Wherever two of them do not agree there is a Difference, with the state behind it in words. The
-// audit repairs nothing, stops nothing, makes no hardware call and changes nothing of what it
-// reads.
+// Wherever two of them do not agree there is a Story::Difference, with the state behind it in
+// words. The audit repairs nothing, stops nothing, makes no hardware call and changes nothing of
+// what it reads.
 //
 // Not every rule that is missing is a fault. A group without room, a queue that waits for it, a
 // class id that has not been granted, a class id that the allocator took back while rules carry it,
@@ -25,12 +25,12 @@
 #include <set>
 #include <vector>
 
-#include <Audit/Difference.h>
 #include <Audit/GrantHistory.h>
 #include <Audit/TunnelHistory.h>
 #include <FieldProcessor/Unit.h>
 #include <Pelk/IpGenAddr.h>
 #include <StateDatabase/Finder.h>
+#include <Story/Difference.h>
 
 namespace Audit {
 
@@ -38,7 +38,7 @@ struct Report {
    U32 rules = 0;    // called for by the state
    U32 entries = 0;  // in the chip
    // By unit, group and entry; those of no single unit come first.
-   std::vector< Difference > differences;
+   std::vector< Story::Difference > differences;
    // The VTEPs that a rule is missing for, known or not: some of their frames arrive twice.
    std::set< Pelk::IpGenAddr > unprotected;
 

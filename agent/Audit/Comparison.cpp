@@ -32,7 +32,7 @@ std::set< Pelk::IpGenAddr > vtepsWithoutARule( WantedRules const & wanted,
 
 }  // namespace
 
-Difference about( RuleFor const & what, Kind kind, std::string rule ) {
+Difference about( RuleFor const & what, DifferenceKind kind, std::string rule ) {
    Difference difference;
    difference.kind = kind;
    difference.unit = what.unit;

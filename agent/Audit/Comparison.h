@@ -17,6 +17,8 @@ struct Sides {
    Matched const & matched;
 };
 
+using Story::Difference;
+using Story::DifferenceKind;
 using Differences = std::vector< Difference >;
 
 // --- The chip against the state
@@ -26,7 +28,7 @@ void compareRecords( Sides const & sides, Differences & found );
 
 // Why the chip does not have a rule that the state calls for, and that is in no record.
 struct Absence {
-   Kind kind = Kind::missingRule;
+   DifferenceKind kind = DifferenceKind::missingRule;
    std::string reason;  // empty: there is none
 };
 Absence whyAbsent( Sides const & sides, RuleFor const & what );
@@ -35,7 +37,7 @@ Absence whyAbsent( Sides const & sides, RuleFor const & what );
 std::string whyNot( State const & state, RuleFor const & what );
 
 // A difference about a rule, with the rest to be filled in.
-Difference about( RuleFor const & what, Kind kind, std::string rule );
+Difference about( RuleFor const & what, DifferenceKind kind, std::string rule );
 
 // What is asked for in the table, or nullptr.
 template< typename Table >

@@ -4,6 +4,8 @@
 
 #include <Audit/Comparison.h>
 #include <Audit/ContentText.h>
+#include <Audit/SharedSegments.h>
+#include <Audit/Variant.h>
 
 #include <fmt/format.h>
 
@@ -52,14 +54,14 @@ class RecordCheck {
       for ( auto const & [ what, record ] : records_.entries ) {
          auto const * const rule = findIn( rules_, what );
          if ( rule && ( *rule )->id() != record.id ) {
-            Difference difference = about( what, Kind::recordDiffers, ( *rule )->name() );
+            Difference difference = about( what, DifferenceKind::recordDiffers, ( *rule )->name() );
             difference.entry = ( *rule )->id();
             difference.shouldBe = entryText( ( *rule )->id() );
             addRecord( std::move( difference ), what, record );
          } else if ( !rule && !isEntry( what, record.id ) ) {
             auto const * const wanted = findIn( wanted_, what );
-            Difference difference =
-               about( what, Kind::recordWithoutRule, wanted ? wanted->name : std::string() );
+            Difference difference = about( what, DifferenceKind::recordWithoutRule,
+                                           wanted ? wanted->name : std::string() );
             difference.shouldBe =
                wanted ? "the entry of the rule, which the chip does not have" : kAbsent;
             addRecord( std::move( difference ), what, record );
@@ -90,7 +92,7 @@ class RecordCheck {
    void checkRulesWithoutRecord() {
       for ( auto const & [ what, entry ] : rules_ ) {
          if ( !records_.entries.contains( what ) && isRecordable( what ) ) {
-            Difference difference = about( what, Kind::ruleWithoutRecord, entry->name() );
+            Difference difference = about( what, DifferenceKind::ruleWithoutRecord, entry->name() );
             difference.entry = entry->id();
             difference.is = "no record";
             difference.shouldBe = fmt::format( "a record of {}", entryText( entry->id() ) );
@@ -198,7 +200,7 @@ class RecordCheck {
    }
 
    void addVtep( IpGenAddr const & vtep, char const * name, std::string is, std::string shouldBe,
-                 Kind kind = Kind::recordDiffers ) {
+                 DifferenceKind kind = DifferenceKind::recordDiffers ) {
       VtepOn const anywhere{ state_.modules.empty() ? U16{ 0 } : state_.modules.begin()->first,
                              vtep };
       add( {}, fmt::format( "{}[{}]", name, vtep.stringValue() ), std::move( is ),
@@ -218,7 +220,7 @@ class RecordCheck {
       }
       for ( auto const & [ vtep, granted ] : state_.classIds ) {
          if ( !records_.classIds.contains( vtep ) && !unitsOf( vtep ).empty() &&
-              state_.isClassIdVariant ) {
+              rowOf( state_.variant ).usesClassIds ) {
             addVtep( vtep, "i2eTepIpClassId", kAbsent, Quelm::textOf( granted ) );
          }
       }
@@ -238,14 +240,14 @@ class RecordCheck {
 
    // Requests are the plug-in's own: it drops those of an earlier run when it starts.
    void checkClassIdRequests() {
-      if ( !state_.isPluginReady || !state_.isClassIdVariant ) {
+      if ( !state_.isPluginReady || !rowOf( state_.variant ).usesClassIds ) {
          return;
       }
       auto const active = activeVteps( state_ );
       for ( IpGenAddr const & vtep : state_.classIdRequests ) {
          if ( !active.contains( vtep ) ) {
             addVtep( vtep, "i2eClassIdIndexConfig/remoteESPeerVtep", "present", kAbsent,
-                     Kind::unneededRequest );
+                     DifferenceKind::unneededRequest );
          }
       }
    }
@@ -277,14 +279,14 @@ class RecordCheck {
                  fmt::format( "VNI {}", vni ), kAbsent,
                  mapped ? "there is a rule, or none is called for"
                         : "no tunnel interface has the VRF any more",
-                 mapped ? Kind::recordDiffers : Kind::leftBehind );
+                 mapped ? DifferenceKind::recordDiffers : DifferenceKind::leftBehind );
          }
       }
    }
 
    // A record that belongs to no single rule.
    void add( std::optional< U32 > unit, std::string place, std::string is, std::string shouldBe,
-             std::string why, Kind kind = Kind::recordDiffers ) {
+             std::string why, DifferenceKind kind = DifferenceKind::recordDiffers ) {
       Difference difference;
       difference.kind = kind;
       difference.unit = unit;

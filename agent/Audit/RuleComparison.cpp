@@ -18,7 +18,8 @@ class RuleCheck {
 
    void check() {
       if ( !entry_.written() ) {
-         add( Kind::stagedOnly, {}, "staged, not in the hardware", textOf( rule_.content ) );
+         add( DifferenceKind::stagedOnly, {}, "staged, not in the hardware",
+              textOf( rule_.content ) );
          return;
       }
       for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
@@ -28,7 +29,7 @@ class RuleCheck {
          checkAction( action, written()[ action ], rule_.content[ action ] );
       }
       if ( written().priority != rule_.content.priority ) {
-         add( Kind::wrongPriority, "priority", priorityText( written().priority ),
+         add( DifferenceKind::wrongPriority, "priority", priorityText( written().priority ),
               priorityText( rule_.content.priority ) );
       }
       checkStaged();
@@ -44,8 +45,8 @@ class RuleCheck {
       }
       bool const isOnlyMask =
          is && shouldBe && is->data == shouldBe->data && is->modId == shouldBe->modId;
-      add( isOnlyMask ? Kind::wrongMask : Kind::wrongQualifier, nameOf( qualifier ),
-           textOf( qualifier, is ), textOf( qualifier, shouldBe ) );
+      add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier,
+           nameOf( qualifier ), textOf( qualifier, is ), textOf( qualifier, shouldBe ) );
    }
 
    void checkAction( Chip::Action action, Parameters const & is, Parameters const & shouldBe ) {
@@ -53,8 +54,8 @@ class RuleCheck {
          return;
       }
       bool const isPorts = is && shouldBe && is->ports != shouldBe->ports;
-      add( isPorts ? Kind::wrongMask : Kind::wrongAction, nameOf( action ), textOf( action, is ),
-           textOf( action, shouldBe ) );
+      add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ),
+           textOf( action, is ), textOf( action, shouldBe ) );
    }
 
    // What the next reinstall would change for the worse. Where the hardware is wrong already, that
@@ -67,15 +68,15 @@ class RuleCheck {
          checkStagedPart( action );
       }
       if ( isOnlyStaged( written().priority, rule_.content.priority, staged().priority ) ) {
-         add( Kind::stagedDiffers, "priority", priorityText( staged().priority ) + kStaged,
-              priorityText( rule_.content.priority ) );
+         add( DifferenceKind::stagedDiffers, "priority",
+              priorityText( staged().priority ) + kStaged, priorityText( rule_.content.priority ) );
       }
    }
 
    template< typename Part > void checkStagedPart( Part part ) {
       if ( isOnlyStaged( written()[ part ], rule_.content[ part ], staged()[ part ] ) ) {
-         add( Kind::stagedDiffers, nameOf( part ), textOf( part, staged()[ part ] ) + kStaged,
-              textOf( part, rule_.content[ part ] ) );
+         add( DifferenceKind::stagedDiffers, nameOf( part ),
+              textOf( part, staged()[ part ] ) + kStaged, textOf( part, rule_.content[ part ] ) );
       }
    }
 
@@ -86,7 +87,7 @@ class RuleCheck {
 
    static constexpr char const * kStaged = ", staged for the next reinstall";
 
-   void add( Kind kind, std::string_view field, std::string is, std::string shouldBe ) {
+   void add( DifferenceKind kind, std::string_view field, std::string is, std::string shouldBe ) {
       Difference difference = about( what_, kind, entry_.name() );
       difference.entry = entry_.id();
       difference.field = field;
@@ -118,7 +119,7 @@ void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & ru
 
 void addWithdrawnClassId( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
                           Differences & found ) {
-   Difference difference = about( what, Kind::classIdWithdrawn, entry.name() );
+   Difference difference = about( what, DifferenceKind::classIdWithdrawn, entry.name() );
    difference.entry = entry.id();
    difference.field = nameOf( Chip::Action::NewClassId );
    difference.is = textOf( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
@@ -144,7 +145,7 @@ void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found
    bool const isLeft =
       what && what->purpose == Purpose::vni && sides.state.leftVnis.contains( what->vni );
    Difference difference;
-   difference.kind = isLeft ? Kind::leftBehind : Kind::unexpectedRule;
+   difference.kind = isLeft ? DifferenceKind::leftBehind : DifferenceKind::unexpectedRule;
    difference.unit = at.unit;
    difference.group = at.group;
    difference.entry = at.entry->id();

@@ -1,5 +1,6 @@
 #include <Audit/State.h>
 
+#include <Audit/Variant.h>
 #include <Evpn/EvpnStatus.h>
 #include <FeatureToggle/FeatureToggle.h>
 #include <Lag/Config.h>
@@ -62,7 +63,7 @@ void read( Vxlan::VtiStatusDir const & dir, State & state ) {
 }
 
 void read( VornalCentral::VxlanCapabilities const & capabilities, State & state ) {
-   state.isClassIdVariant = capabilities.i2eClassIdSupported();
+   state.variant = variantWith( capabilities.i2eClassIdSupported() );
 }
 
 void read( VornalCentral::VornalAttributes const & attributes, State & state ) {

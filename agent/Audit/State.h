@@ -13,10 +13,13 @@
 
 namespace Audit {
 
+// What the chip can do decides which of the state machines the plug-in builds (Audit/Variant.h).
+enum class Variant : U8 { egressMask, classId };
+
 struct State {
-   bool isPluginReady = false;     // the plug-in has marked its dependency point
-   bool isClassIdVariant = false;  // the chip tags at ingress and drops at egress
-   bool isOverrideRuleOn = true;   // the feature toggle "SbdEvpnTcamOverrideRule"
+   bool isPluginReady = false;  // the plug-in has marked its dependency point
+   Variant variant = Variant::egressMask;
+   bool isOverrideRuleOn = true;  // the feature toggle "SbdEvpnTcamOverrideRule"
    // The platform keeps known L3 multicast out of the filter by itself.
    bool isL3MulticastExempt = false;
 

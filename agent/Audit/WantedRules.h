@@ -5,15 +5,13 @@
 // that segment. For each unit of the switch:
 //
 // - a VTEP that shares a segment and has a virtual port needs an ingress rule that matches its
-//   source gport. The rule masks the unit's ports of the shared segments, or marks the frame with
-//   the VTEP's class id;
-// - where frames are marked, every such port needs an egress rule that drops what is marked;
+//   source gport; the variant says what it does, and which egress rules go with it
+//   (Audit/Variant.h);
 // - while any VTEP needs rules, known unicast is exempted, bridged and routed, above them;
 // - while there are segments and the override toggle is on, known L3 multicast of every VNI of a
 //   tunnel interface is exempted, between those two.
 //
-// A port channel stands for its members; a port that is not valid, and one of another unit, counts
-// for nothing. A unit without a port on the shared segments has a rule that masks none.
+// A unit without a port on the shared segments has its rules all the same (Audit/SharedSegments.h).
 //
 // Cost: proportional to the rules, times the interfaces of their segments.
 #pragma once
@@ -60,15 +58,8 @@ using WantedRules = std::map< RuleFor, WantedRule >;
 // None before the plug-in is ready.
 WantedRules wantedRules( State const & state );
 
-// The VTEPs that need rules.
-std::set< Pelk::IpGenAddr > activeVteps( State const & state );
-
-// The valid ports of the segments shared with the VTEP on the unit.
-std::set< VornalTypes::VornalPort > sharedPorts( State const & state, U16 unit,
-                                                 Pelk::IpGenAddr const & vtep );
-
-// The VP index of the VTEP: the low 16 bits of its virtual port; 0 without one.
-U16 vpIndexOf( State const & state, Pelk::IpGenAddr const & vtep );
+// What the ingress rules of a VTEP have in common in all variants; the variant adds what is done.
+WantedRule ingressRuleOf( State const & state, U16 unit, Pelk::IpGenAddr const & vtep );
 
 // Puts the class id into what marks or matches it.
 void classIdIs( RuleFor const & what, VornalCommon::ClassId classId, Chip::EntryContent & content );

@@ -1,7 +1,7 @@
 // The commands of the program. Each does its work, prints its result on `out` and gives the exit
 // code back; docs/program.md describes them. `out` is the program's standard output.
 //
-// Failures: what was given wrong is thrown (Scenario::ReadError, Host::InputError,
+// Failures: what was given wrong is thrown (Scenario::ReadError, Story::InputError,
 // std::system_error, Quelm::Error) before anything is loaded, or printed on standard error when it
 // shows later. What `out` throws (OutputStream.h) passes through and ends the run.
 #pragma once

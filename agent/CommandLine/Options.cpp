@@ -44,9 +44,9 @@ Scenario::TraceLevels traceOf( std::string const & text ) {
    return trace;
 }
 
-Scenario::EntityPath pathOf( std::string const & text ) {
+StateDatabase::EntityPath pathOf( std::string const & text ) {
    try {
-      return Scenario::EntityPath::fromString( text );
+      return StateDatabase::EntityPath::fromString( text );
    } catch ( Quelm::TextError const & error ) {
       throw CLI::ValidationError( "PATH", "'" + text +
                                              "' is not the path of an entity such as "

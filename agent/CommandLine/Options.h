@@ -29,7 +29,7 @@ struct RunOptions {
 
 struct ShowOptions {
    std::filesystem::path scenario;
-   std::optional< Scenario::EntityPath > path;  // nothing: the paths at which entities are
+   std::optional< StateDatabase::EntityPath > path;  // nothing: the paths at which entities are
    std::optional< std::filesystem::path > plugin;
    bool isJson = false;
    std::chrono::milliseconds turnLimit = kTurnLimit;

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include <Host/InputError.h>
+#include <Story/InputError.h>
 
 namespace CommandLine {
 
@@ -12,7 +12,7 @@ fs::path pluginFile( std::optional< fs::path > const & asked ) {
    std::error_code error;
    if ( asked ) {
       if ( !fs::exists( *asked, error ) ) {
-         throw Host::InputError( asked->string() +
+         throw Story::InputError( asked->string() +
                                  ( error ? ": the file cannot be reached (" + error.message() + ")"
                                          : ": there is no such file" ) +
                                  "; --plugin takes the plug-in's shared object" );
@@ -27,7 +27,7 @@ fs::path pluginFile( std::optional< fs::path > const & asked ) {
          return candidate;
       }
    }
-   throw Host::InputError( "there is no plug-in: neither " + candidates[ 0 ].string() + " nor " +
+   throw Story::InputError( "there is no plug-in: neither " + candidates[ 0 ].string() + " nor " +
                            candidates[ 1 ].string() + " exists; name one by --plugin" );
 }
 

@@ -6,7 +6,7 @@
 #include <fmt/format.h>
 
 #include <CommandLine/Commands.h>
-#include <Host/InputError.h>
+#include <Story/InputError.h>
 #include <Quelm/Error.h>
 #include <Story/Printable.h>
 #include <Trace/Ring.h>
@@ -20,14 +20,14 @@ namespace fs = std::filesystem;
 std::vector< char > contentOf( fs::path const & file ) {
    std::error_code error;
    if ( fs::exists( file, error ) && !fs::is_regular_file( file, error ) ) {
-      throw Host::InputError( file.string() +
+      throw Story::InputError( file.string() +
                               ": this is no regular file; name one that 'run --ring' has written" );
    }
    std::ifstream in( file, std::ios::binary );
    std::vector< char > content{ std::istreambuf_iterator< char >( in ),
                                 std::istreambuf_iterator< char >() };
    if ( !in.is_open() || in.bad() ) {
-      throw Host::InputError( file.string() + ": the file cannot be read (" +
+      throw Story::InputError( file.string() + ": the file cannot be read (" +
                               std::strerror( errno ) +
                               "); name one that 'run --ring' has written" );
    }
@@ -50,7 +50,7 @@ Story::ExitCode ring( RingOptions const & options, std::ostream & out ) {
          out << lineOf( line );
       }
    } catch ( Quelm::TextError const & error ) {
-      throw Host::InputError( options.file.string() + ": " + error.what() );
+      throw Story::InputError( options.file.string() + ": " + error.what() );
    }
    return Story::ExitCode::Held;
 }

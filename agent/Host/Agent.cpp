@@ -1,11 +1,11 @@
 #include <Host/Agent.h>
 
-#include <Host/InputError.h>
 #include <Host/Warnings.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
 #include <Scenario/ShownTraces.h>
 #include <StateDatabase/Tree.h>
+#include <Story/InputError.h>
 
 namespace Host {
 
@@ -32,7 +32,7 @@ Agent::Agent( Scenario::Model const & scenario, AgentConfig config, std::span< s
 void Agent::run() {
    try {
       runAll();
-   } catch ( InputError const & error ) {
+   } catch ( Story::InputError const & error ) {
       plugin_.reset();
       environment_.observer().onEvent( Story::BadInput{ error.what() } );
    }
@@ -80,7 +80,7 @@ void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
 
 void Agent::startUp() {
    traceLevels();
-   plugin_.emplace( config_.plugin, scenario_.device.slice, environment_ );
+   plugin_.emplace( config_.plugin, scenario_.device.slice, environment_.forPlugins() );
    warn( unknownTraceHandles( scenario_, config_.trace ) );
    plugin_->start();
 }
@@ -129,14 +129,14 @@ void Agent::show( AgentConfig::Paths ) {
    }
 }
 
-void Agent::show( Scenario::EntityPath const & path ) {
+void Agent::show( StateDatabase::EntityPath const & path ) {
    StateDatabase::Finder const & finder = environment_.finder();
    try {
       environment_.observer().onEvent( Story::EntityShown{
          path.stringValue(),
          StateDatabase::treeOf( path.stringValue(), *finder.entity( path ), finder.roots() ) } );
    } catch ( Quelm::Error const & error ) {  // there is none, or a key is not of its type's form
-      throw InputError( error.what() );
+      throw Story::InputError( error.what() );
    }
 }
 

@@ -5,8 +5,7 @@
 // 2. Start-up: the plug-in is loaded, its mounters are created and told to start, their mounts
 //    performed. Which sub-agents are ready is up to the scenario's steps.
 // 3. The scenario's steps, one after the other. A step is over when the activity is idle: nothing
-// is
-//    queued, and no wake-up of the clock is armed. Waiting takes no time (Kiv/Clock.h).
+//    is queued, and no wake-up of the clock is armed. Waiting takes no time (Kiv/Clock.h).
 // 4. What is asked for is shown, and verified.
 // 5. Teardown: mounters are destroyed and the plug-in is unloaded. Rules that it leaves in the chip
 //    stay.
@@ -27,7 +26,8 @@
 #include <variant>
 #include <vector>
 
-#include <Host/LoadedPlugin.h>
+#include <Host/Environment.h>
+#include <Loading/LoadedPlugin.h>
 #include <Scenario/Scenario.h>
 #include <Story/Observer.h>
 
@@ -37,7 +37,7 @@ struct AgentConfig {
    // What is to be shown after the last step.
    struct Nothing {};
    struct Paths {};  // at which entities are
-   using Show = std::variant< Nothing, Paths, Scenario::EntityPath >;
+   using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath >;
 
    std::string scenario;                        // its file, as it was given
    std::filesystem::path plugin;                // the shared object
@@ -70,13 +70,13 @@ class Agent {
    void verify();
    void show( AgentConfig::Nothing ) {}
    void show( AgentConfig::Paths );
-   void show( Scenario::EntityPath const & path );
+   void show( StateDatabase::EntityPath const & path );
    void tearDown();
 
    Scenario::Model const & scenario_;
    AgentConfig config_;
    Environment environment_;
-   std::optional< LoadedPlugin > plugin_;
+   std::optional< Loading::LoadedPlugin > plugin_;
    U32 step_ = 0;
 };
 

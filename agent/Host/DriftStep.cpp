@@ -81,7 +81,8 @@ struct Changing {
 
 }  // namespace
 
-void drift( Scenario::Drift const & what, Chip::Units & units, ChipReporter & reporter ) {
+void drift( Scenario::Drift const & what, Chip::Units & units,
+            Reporters::ChipReporter & reporter ) {
    Vornal::TcamGroupAssignment const assignment = assignmentOf( what.group );
    Chip::Group * const group = units.group( what.unit, assignment );
    if ( !group ) {

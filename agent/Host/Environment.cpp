@@ -1,6 +1,7 @@
 #include <Host/Environment.h>
 
-#include <Host/SharedState.h>
+#include <Reporters/TcamGroupManager.h>
+#include <StateDatabase/SharedEntities.h>
 
 namespace Host {
 
@@ -48,9 +49,9 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
                            }
                         } ) {
    reporter_.unitsAre( board_.units() );
-   own_.entityIs( std::string( SharedEntities::kFolder ) + "tcamManager",
-                  Quelm::make< TcamGroupManager >( "tcamManager", *board_.groupManager(),
-                                                   observer_ ) );
+   own_.entityIs( std::string( StateDatabase::SharedEntities::kFolder ) + "tcamManager",
+                  Quelm::make< Reporters::TcamGroupManager >( "tcamManager", *board_.groupManager(),
+                                                              observer_ ) );
    watch();
 }
 

@@ -3,7 +3,7 @@
 // loaded, and until after it has been unloaded.
 //
 // Entities are found at their path in the database, and below "shared/" and "plugins/"
-// (Host/Published.h has the list).
+// (Peers/PublishedState.h has the list).
 #pragma once
 
 #include <memory>
@@ -15,13 +15,14 @@
 #include <Decorators/FailingSdk.h>
 #include <Decorators/RecordingSdk.h>
 #include <FeatureFiles/Reader.h>
-#include <Host/ChipReporter.h>
 #include <Host/Expectations.h>
 #include <Host/ProcessWide.h>
-#include <Host/Published.h>
 #include <Host/Record.h>
 #include <Host/Steps.h>
 #include <Kiv/Activity.h>
+#include <Loading/LoadedPlugin.h>
+#include <Peers/PublishedState.h>
+#include <Reporters/ChipReporter.h>
 #include <StateDatabase/ChangeWatch.h>
 #include <StateDatabase/Finder.h>
 
@@ -36,26 +37,25 @@ class Environment {
 
    Story::Observer & observer() { return observer_; }
    Kiv::ActivityManager & activity() { return activity_; }
-   Published & published() { return published_; }
-   Traffic & traffic() { return traffic_; }
+   Peers::PublishedState & published() { return published_; }
+   Traffic::Injector & traffic() { return traffic_; }
    Steps & steps() { return steps_; }
    FeatureFiles::Reader const & toggles() const { return toggles_; }
-   // What other agents publish, and what this agent shares with, and has of, plug-ins.
-   StateDatabase::Directory & database() { return database_; }
-   StateDatabase::Directory & own() { return own_; }
+   Loading::Surroundings forPlugins() {
+      return { database_, own_, activity_, pluginPoint(), observer_ };
+   }
    StateDatabase::Finder const & finder() const { return finder_; }
-   // The dependency point that the plug-in marks.
+
+ private:
    Quelm::Ptr< Vornal::DependencyPoint > const & pluginPoint() const {
       return published_.common()->sliceDependencyPoints()->evpnDependencyPoint();
    }
-
- private:
    void watch();
 
    Record record_;
    Story::Observers observer_;
    Kiv::ActivityManager activity_;
-   ChipReporter reporter_;
+   Reporters::ChipReporter reporter_;
    Chip::Faults faults_;
    Chip::Board board_;
    Chip::FailingSdk failing_;
@@ -65,9 +65,9 @@ class Environment {
    ProcessWide processWide_;
    StateDatabase::Directory database_;
    StateDatabase::Directory own_;
-   Published published_;
+   Peers::PublishedState published_;
    StateDatabase::Finder finder_;
-   Traffic traffic_;
+   Traffic::Injector traffic_;
    Audit::Auditor auditor_;
    Evidence evidence_;
    Steps steps_;

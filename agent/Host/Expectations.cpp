@@ -124,7 +124,7 @@ std::string portChannelOf( Scenario::FrameTarget const & target, Evidence const 
       return "";
    }
    auto const path =
-      Scenario::EntityPath::fromString( "/lag/config/phyIntf[" + intf->stringValue() + "]" );
+      StateDatabase::EntityPath::fromString( "/lag/config/phyIntf[" + intf->stringValue() + "]" );
    try {
       auto const member = evidence.finder.entity( path );
       return StateDatabase::attributeOf( *member, "lag" ).text( *member, {} );
@@ -201,7 +201,7 @@ Finding checkOne( Scenario::FramesLike const & expected, Evidence const & eviden
 
 std::string foundText( Audit::Report const & report ) {
    std::map< std::string_view, U32 > counts;
-   for ( Audit::Difference const & difference : report.differences ) {
+   for ( Story::Difference const & difference : report.differences ) {
       ++counts[ nameOf( difference.kind ) ];
    }
    std::string text;

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <Host/ChipReporter.h>
+#include <Reporters/ChipReporter.h>
 #include <Story/Wording.h>
 
 namespace Host {
@@ -84,7 +84,7 @@ std::vector< Story::Rule > rulesAsked( Scenario::RulesLike const & like,
       bool const isAsked = !like.unit || *like.unit == number;
       if ( isAsked && group != unit.groups().end() ) {
          for ( auto const & [ id, entry ] : group->second.entries() ) {
-            rules.push_back( ruleOf( { number, group->first, id }, entry ) );
+            rules.push_back( Reporters::ruleOf( { number, group->first, id }, entry ) );
          }
       }
    }

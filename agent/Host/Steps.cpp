@@ -3,12 +3,12 @@
 #include <iostream>
 
 #include <Host/DriftStep.h>
-#include <Host/InputError.h>
 #include <Host/Verification.h>
 #include <Quelm/Error.h>
 #include <Scenario/Description.h>
 #include <StateDatabase/Tree.h>
 #include <StateDatabase/TypeName.h>
+#include <Story/InputError.h>
 #include <Story/Wording.h>
 
 namespace Host {
@@ -53,7 +53,7 @@ template< typename Work > void Steps::at( int line, Work const & work ) const {
    try {
       work();
    } catch ( Quelm::Error const & error ) {
-      throw InputError( placeOf( line ) + ": " + error.what() );
+      throw Story::InputError( placeOf( line ) + ": " + error.what() );
    }
 }
 
@@ -144,7 +144,7 @@ void Steps::set( Scenario::Set const & action ) {
    checkKey( *entity, attribute, action.at.key );
    if ( attribute.kind() == Kiv::Attribute::Kind::Reference ) {
       attribute.entityIs( *entity,
-                          finder.entity( Scenario::EntityPath::fromString( action.value ) ) );
+                          finder.entity( StateDatabase::EntityPath::fromString( action.value ) ) );
    } else {
       attribute.textIs( *entity, action.at.key, action.value );
    }
@@ -225,7 +225,7 @@ void Steps::queueAction( Scenario::Dump const & action, int line ) {
    } );
 }
 
-void Steps::dump( Scenario::EntityPath const & path ) {
+void Steps::dump( StateDatabase::EntityPath const & path ) {
    StateDatabase::Finder const & finder = context_.evidence.finder;
    context_.observer.onEvent( Story::EntityDumped{
       path.stringValue(),
@@ -237,7 +237,7 @@ void Steps::dump( Scenario::Dump::Rules ) {
    for ( auto const & [ number, unit ] : context_.board.units() ) {
       for ( auto const & [ assignment, group ] : unit.groups() ) {
          for ( auto const & [ id, entry ] : group.entries() ) {
-            dumped.rules.push_back( ruleOf( { number, assignment, id }, entry ) );
+            dumped.rules.push_back( Reporters::ruleOf( { number, assignment, id }, entry ) );
          }
       }
    }

@@ -11,12 +11,12 @@
 #include <functional>
 
 #include <Board/Board.h>
-#include <Host/ChipReporter.h>
 #include <Host/Expectations.h>
-#include <Host/Published.h>
-#include <Host/Traffic.h>
 #include <Kiv/Activity.h>
+#include <Peers/PublishedState.h>
+#include <Reporters/ChipReporter.h>
 #include <Story/Observer.h>
+#include <Traffic/Injector.h>
 
 namespace Host {
 
@@ -24,11 +24,11 @@ namespace Host {
 struct StepContext {
    std::string const & file;  // of the scenario
    Kiv::ActivityManager & activity;
-   Published & published;
-   Traffic & traffic;
+   Peers::PublishedState & published;
+   Traffic::Injector & traffic;
    Chip::Board & board;
    Chip::Faults & faults;
-   ChipReporter & reporter;
+   Reporters::ChipReporter & reporter;
    Evidence const & evidence;
    Story::Observer & observer;
 };
@@ -77,7 +77,7 @@ class Steps {
    void remove( Scenario::Delete const & del );
    void call( Scenario::Call const & call );
    void occupy( Scenario::ForeignEntries const & foreign );
-   void dump( Scenario::EntityPath const & path );
+   void dump( StateDatabase::EntityPath const & path );
    void dump( Scenario::Dump::Rules );
    void expect( Scenario::Expectation const & expectation );
 

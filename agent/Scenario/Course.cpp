@@ -10,7 +10,7 @@ namespace {
 using Pelk::IntfId;
 using Pelk::IpGenAddr;
 
-bool isPublished( EntityPath const & path ) {
+bool isPublished( StateDatabase::EntityPath const & path ) {
    return path.segments().empty() || path.segments().front().name != "plugins";
 }
 

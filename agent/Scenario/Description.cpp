@@ -279,7 +279,7 @@ std::string describe( ClassIdAllocator const & step ) {
 }
 
 std::string describe( Dump const & step ) {
-   auto const * const path = std::get_if< EntityPath >( &step.what );
+   auto const * const path = std::get_if< StateDatabase::EntityPath >( &step.what );
    return "dump " + ( path ? path->stringValue() : "rules" );
 }
 

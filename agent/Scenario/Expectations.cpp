@@ -150,11 +150,11 @@ Choices< bool > const & auditVerdicts() {
    return choices;
 }
 
-Choices< Audit::Kind > const & differenceKinds() {
-   static Choices< Audit::Kind > const choices = [] {
-      Choices< Audit::Kind > kinds{ "kind", {} };
-      for ( Audit::Kind const kind : Audit::kKinds ) {
-         kinds.all.push_back( { Audit::nameOf( kind ), kind } );
+Choices< Story::DifferenceKind > const & differenceKinds() {
+   static Choices< Story::DifferenceKind > const choices = [] {
+      Choices< Story::DifferenceKind > kinds{ "kind", {} };
+      for ( Story::DifferenceRow const & row : Story::differenceRows() ) {
+         kinds.all.push_back( { row.name, row.kind } );
       }
       return kinds;
    }();

@@ -67,7 +67,7 @@ void readDrift( Reading & reading, Value const & value, Drift & drift );
 void readReplace( Reading & reading, Value const & value, Replace & replace );
 void readFailCall( Reading & reading, Value const & value, FailCall & fail );
 
-void readPath( Reading & reading, Value const & value, EntityPath & path );
+void readPath( Reading & reading, Value const & value, StateDatabase::EntityPath & path );
 
 template< typename T > void readEntity( Reading & reading, Value const & value, T & target ) {
    readPath( reading, value, target.at.entity );

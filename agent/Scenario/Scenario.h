@@ -24,14 +24,14 @@
 #include <variant>
 #include <vector>
 
-#include <Audit/Difference.h>
+#include <Audit/State.h>
 #include <L3/VrfName.h>
 #include <Pelk/IntfId.h>
 #include <Pelk/IpGenAddr.h>
 #include <Quelm/Integers.h>
 #include <Scenario/Drift.h>
-#include <Scenario/EntityPath.h>
 #include <Scenario/Traffic.h>
+#include <StateDatabase/EntityPath.h>
 #include <VornalCommon/ClassId.h>
 #include <VornalTypes/VornalPort.h>
 #include <Vxlan/VniExtOrNone.h>
@@ -40,8 +40,7 @@ namespace Scenario {
 
 // --- the switch
 
-// What the chip can do decides which of the two state machines the plug-in builds.
-enum class Variant { egressMask, classId };
+using Audit::Variant;
 
 // A field-processor group: Vornal::kIfpLocalBiasGroup and Vornal::kEfpLocalBiasGroup.
 enum class TcamGroup { ingress, egress };
@@ -147,7 +146,7 @@ struct Change {
 // One attribute of one entity; `key` is empty where there is none. Texts are in the text forms of
 // Quelm/Text.h, as the generic interface (Kiv/Attribute.h) takes and gives them.
 struct AttributeAt {
-   EntityPath entity;
+   StateDatabase::EntityPath entity;
    std::string attribute;
    std::string key;
 };
@@ -218,7 +217,7 @@ struct InStep {
 // An audit made now finds differences of that kind, or if that is empty of any kind that is not
 // known: `count` of them, or if that is empty at least one.
 struct DifferencesLike {
-   std::optional< Audit::Kind > kind;
+   std::optional< Story::DifferenceKind > kind;
    std::optional< U32 > count;
 };
 
@@ -262,7 +261,7 @@ struct Delete {
 };
 
 struct Call {
-   EntityPath entity;
+   StateDatabase::EntityPath entity;
    std::string operation;
    std::vector< std::string > arguments;
 };
@@ -328,7 +327,7 @@ struct ClassIdAllocator {
 // Shows an entity, or all rules.
 struct Dump {
    struct Rules {};
-   std::variant< Rules, EntityPath > what;
+   std::variant< Rules, StateDatabase::EntityPath > what;
 };
 
 // The rules are audited, the plug-in's own pass runs, or both.

@@ -123,7 +123,7 @@ void readAllocator( Reading & reading, Value const & value, StepWords & words ) 
 void readDump( Reading & reading, Value const & value, StepWords & words ) {
    Dump dump;
    if ( !value.node.IsScalar() || value.node.Scalar() != "rules" ) {
-      readPath( reading, value, dump.what.emplace< EntityPath >() );
+      readPath( reading, value, dump.what.emplace< StateDatabase::EntityPath >() );
    }
    words.actions.emplace_back( std::move( dump ) );
 }
@@ -252,13 +252,13 @@ void readSteps( Reading & reading, Value const & value, std::vector< StepOf > & 
    }
 }
 
-void readPath( Reading & reading, Value const & value, EntityPath & path ) {
+void readPath( Reading & reading, Value const & value, StateDatabase::EntityPath & path ) {
    auto const text = stringOf( reading, value );
    if ( !text ) {
       return;
    }
    try {
-      path = EntityPath::fromString( *text );
+      path = StateDatabase::EntityPath::fromString( *text );
    } catch ( Quelm::TextError const & error ) {
       reading.problem( value.line,
                        inQuotes( *text ) + " is not the path of an entity, as in " +

@@ -1,3 +1,4 @@
+#include <Audit/Variant.h>
 #include <Scenario/Parts.h>
 
 namespace Scenario {
@@ -146,9 +147,13 @@ Table< Model > const & switchTable() {
 }  // namespace
 
 Choices< Variant > const & variants() {
-   static Choices< Variant > const choices{
-      "variant", { { "egress-mask", Variant::egressMask }, { "class-id", Variant::classId } }
-   };
+   static Choices< Variant > const choices = [] {
+      Choices< Variant > all{ "variant", {} };
+      for ( Audit::VariantRow const & row : Audit::variantRows() ) {
+         all.all.push_back( { row.word, row.variant } );
+      }
+      return all;
+   }();
    return choices;
 }
 

@@ -7,22 +7,22 @@ namespace StateDatabase {
 
 namespace {
 
-using Segment = Scenario::EntityPath::Segment;
+using Segment = EntityPath::Segment;
 
 std::string textOf( Segment const & segment ) {
    return segment.key ? segment.name + "[" + *segment.key + "]" : segment.name;
 }
 
 // The path of the first `count` segments.
-std::string beginning( Scenario::EntityPath const & path, std::size_t count ) {
+std::string beginning( EntityPath const & path, std::size_t count ) {
    auto const & segments = path.segments();
-   return Scenario::EntityPath(
+   return EntityPath(
              { segments.begin(), segments.begin() + static_cast< std::ptrdiff_t >( count ) } )
       .stringValue();
 }
 
 // From the entity that the first `taken` segments lead to.
-Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, Scenario::EntityPath const & path,
+Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, EntityPath const & path,
                                 std::size_t taken ) {
    using Kind = Kiv::Attribute::Kind;
    Segment const & segment = path.segments()[ taken ];
@@ -59,7 +59,7 @@ Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string cons
                              name + "'" + ( known.empty() ? "" : "; it has " + known ) );
 }
 
-Finder::Root Finder::rootOf( Scenario::EntityPath const & path ) const {
+Finder::Root Finder::rootOf( EntityPath const & path ) const {
    Root root;
    std::string text;
    for ( std::size_t n = 0; n < path.segments().size() && !path.segments()[ n ].key; ++n ) {
@@ -73,7 +73,7 @@ Finder::Root Finder::rootOf( Scenario::EntityPath const & path ) const {
    return root;
 }
 
-Quelm::Ptr< Kiv::Entity > Finder::entity( Scenario::EntityPath const & path ) const {
+Quelm::Ptr< Kiv::Entity > Finder::entity( EntityPath const & path ) const {
    auto [ entity, taken ] = rootOf( path );
    if ( !entity ) {
       std::string known;

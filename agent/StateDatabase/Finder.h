@@ -1,7 +1,7 @@
 // From the path of an entity, or of an attribute, to the thing itself, by the generic interface.
 //
 // A path begins with the place of an entity in one of the directories, the longest that fits, and
-// goes on with attributes that lead to further entities (Scenario/EntityPath.h).
+// goes on with attributes that lead to further entities (StateDatabase/EntityPath.h).
 //
 // Failures: Quelm::AccessError, which says how far the path leads and what would be right there.
 #pragma once
@@ -10,8 +10,8 @@
 #include <vector>
 
 #include <Kiv/Entity.h>
-#include <Scenario/EntityPath.h>
 #include <StateDatabase/Directory.h>
+#include <StateDatabase/EntityPath.h>
 
 namespace StateDatabase {
 
@@ -21,7 +21,7 @@ class Finder {
    explicit Finder( std::vector< Directory const * > directories )
          : directories_( std::move( directories ) ) {}
 
-   Quelm::Ptr< Kiv::Entity > entity( Scenario::EntityPath const & path ) const;
+   Quelm::Ptr< Kiv::Entity > entity( EntityPath const & path ) const;
 
    // The entities at which a path can begin, with their paths.
    Directory::Entities roots() const;
@@ -32,7 +32,7 @@ class Finder {
       std::size_t segments = 0;  // how many of the path's it takes
    };
 
-   Root rootOf( Scenario::EntityPath const & path ) const;
+   Root rootOf( EntityPath const & path ) const;
 
    std::vector< Directory const * > directories_;
 };

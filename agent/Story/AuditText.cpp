@@ -12,7 +12,7 @@ namespace Story {
 namespace {
 
 // "unit 0, ingress group 157, entry 3, "Mark or drop ...", EgressMask", as far as there are such.
-std::string placeOf( Audit::Difference const & difference ) {
+std::string placeOf( Story::Difference const & difference ) {
    std::vector< std::string > parts;
    if ( difference.unit ) {
       parts.push_back( fmt::format( "unit {}", *difference.unit ) );
@@ -53,7 +53,7 @@ std::string verdictOf( Audited const & audited, Style const & style ) {
 std::size_t faultsIn( Audited const & audited ) {
    return static_cast< std::size_t >(
       std::count_if( audited.differences.begin(), audited.differences.end(),
-                     []( auto const & one ) { return !Audit::isKnown( one.kind ); } ) );
+                     []( auto const & one ) { return !Story::isKnown( one.kind ); } ) );
 }
 
 std::string unprotectedText( Audited const & audited ) {
@@ -65,10 +65,10 @@ std::string unprotectedText( Audited const & audited ) {
 
 std::vector< std::string > linesOf( Audited const & audited, Style const & style ) {
    std::vector< std::string > lines{ verdictOf( audited, style ) };
-   for ( Audit::Difference const & difference : audited.differences ) {
-      std::string const kind( Audit::nameOf( difference.kind ) );
+   for ( Story::Difference const & difference : audited.differences ) {
+      std::string const kind( Story::nameOf( difference.kind ) );
       lines.push_back( fmt::format( "   {}: {}",
-                                    Audit::isKnown( difference.kind ) ? kind : style.bad( kind ),
+                                    Story::isKnown( difference.kind ) ? kind : style.bad( kind ),
                                     printable( placeOf( difference ) ) ) );
       lines.push_back( printable(
          fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) ) );

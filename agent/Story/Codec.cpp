@@ -36,23 +36,19 @@ template<> struct adl_serializer< decltype( Story::CallValue::value ) > {
 };
 
 // A kind of difference goes by its name.
-template<> struct adl_serializer< Audit::Kind > {
-   static void to_json( json & out, Audit::Kind kind ) { out = Audit::nameOf( kind ); }
-   static void from_json( json const & in, Audit::Kind & kind ) {
-      kind = Audit::kindNamed( in.get< std::string >() );
+template<> struct adl_serializer< Story::DifferenceKind > {
+   static void to_json( json & out, Story::DifferenceKind kind ) { out = Story::nameOf( kind ); }
+   static void from_json( json const & in, Story::DifferenceKind & kind ) {
+      kind = Story::differenceKindNamed( in.get< std::string >() );
    }
 };
 
 }  // namespace nlohmann
 
-namespace Audit {
+namespace Story {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Difference, kind, unit, group, entry, rule, field, is, shouldBe,
                                     because )
-
-}  // namespace Audit
-
-namespace Story {
 
 // The fields of every event, and of what they are made of.
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleKey, unit, group, id )

@@ -26,8 +26,8 @@
 #include <variant>
 #include <vector>
 
-#include <Audit/Difference.h>
 #include <Quelm/Integers.h>
+#include <Story/Difference.h>
 #include <Story/EntityTree.h>
 #include <Story/Frame.h>
 #include <Story/Rule.h>
@@ -238,7 +238,7 @@ struct Audited {
    static constexpr char const * kName = "audited";
    U32 rules = 0;    // called for
    U32 entries = 0;  // in the chip
-   std::vector< Audit::Difference > differences;
+   std::vector< Story::Difference > differences;
    std::vector< std::string > unprotected{};  // VTEPs that a rule is missing for
 };
 

@@ -78,8 +78,8 @@ Json jsonOf( EntityAttribute const & attribute ) {
    return json;
 }
 
-Json jsonOf( Audit::Difference const & difference ) {
-   return { { "kind", Audit::nameOf( difference.kind ) },
+Json jsonOf( Story::Difference const & difference ) {
+   return { { "kind", Story::nameOf( difference.kind ) },
             { "unit", Story::jsonOf( difference.unit ) },
             { "group", Story::jsonOf( difference.group ) },
             { "entry", difference.entry == 0 ? Json() : Json( difference.entry ) },
@@ -174,8 +174,8 @@ Json jsonOf( Audited const & audited ) {
               { "entries", audited.entries },
               { "differences", Json::array() },
               { "known", Json::array() } };
-   for ( Audit::Difference const & difference : audited.differences ) {
-      bool const isKnown = Audit::isKnown( difference.kind );
+   for ( Story::Difference const & difference : audited.differences ) {
+      bool const isKnown = Story::isKnown( difference.kind );
       json[ isKnown ? "known" : "differences" ].push_back( jsonOf( difference ) );
    }
    json[ "inStep" ] = json[ "differences" ].empty();

@@ -339,7 +339,7 @@ TEST_F( Agent, goes_on_after_an_expectation_that_did_not_hold ) {
 TEST_F( Agent, shows_an_entity_of_the_plug_in_as_it_is_after_the_last_step ) {
    Host::AgentConfig config;
    config.show =
-      Scenario::EntityPath::fromString( "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
+      StateDatabase::EntityPath::fromString( "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
    run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
 
    auto const shown = story.all< Story::EntityShown >();

@@ -24,13 +24,13 @@ std::string remove( std::string const & entity, std::string const & words ) {
 class AuditDifferences : public AuditRun {
  protected:
    // The one difference that is found.
-   Audit::Difference only( Leaf const & leaf, std::string const & steps ) {
+   Story::Difference only( Leaf const & leaf, std::string const & steps ) {
       auto const audited = auditAfter( leaf, steps );
       EXPECT_EQ( audited.differences.size(), 1U ) << words( audited );
-      return audited.differences.empty() ? Audit::Difference() : audited.differences.front();
+      return audited.differences.empty() ? Story::Difference() : audited.differences.front();
    }
 
-   static void expectFound( Audit::Difference const & found, Audit::Kind kind, U32 entry,
+   static void expectFound( Story::Difference const & found, Story::DifferenceKind kind, U32 entry,
                             std::string const & field ) {
       EXPECT_EQ( nameOf( found.kind ), nameOf( kind ) );
       EXPECT_EQ( found.unit, 0U );
@@ -40,7 +40,7 @@ class AuditDifferences : public AuditRun {
    }
 };
 
-using Audit::Kind;
+using Kind = Story::DifferenceKind;
 
 // --- The chip
 

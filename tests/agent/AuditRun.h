@@ -71,7 +71,7 @@ class AuditRun : public AgentRun {
    // The kinds found, "missing-rule no-room"; empty: nothing.
    static std::string kinds( Story::Audited const & audited ) {
       std::string text;
-      for ( Audit::Difference const & difference : audited.differences ) {
+      for ( Story::Difference const & difference : audited.differences ) {
          text += ( text.empty() ? "" : " " ) + std::string( nameOf( difference.kind ) );
       }
       return text;

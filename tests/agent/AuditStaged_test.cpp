@@ -6,8 +6,8 @@
 
 namespace {
 
-using Audit::Difference;
-using Audit::Kind;
+using Story::Difference;
+using Kind = Story::DifferenceKind;
 
 class AuditStaged : public testing::Test {
  protected:

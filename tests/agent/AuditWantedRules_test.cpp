@@ -1,10 +1,11 @@
 // Which rules a published state calls for, on states made up by hand.
+#include <Audit/SharedSegments.h>
 #include <Audit/WantedRules.h>
 
 #include <gtest/gtest.h>
 
 #include <Audit/ContentText.h>
-#include <Audit/Difference.h>
+#include <Story/Difference.h>
 
 namespace {
 
@@ -76,7 +77,7 @@ TEST( AuditWantedRules, mask_no_port_where_none_is_shared ) {
 
 TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
    State state = twoUnits();
-   state.isClassIdVariant = true;
+   state.variant = Audit::Variant::classId;
    state.classIds[ kVtep ] = VornalCommon::ClassId( 9 );
 
    EXPECT_EQ( wantedRules( state ).size(), 8U );
@@ -94,7 +95,7 @@ TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
 
 TEST( AuditWantedRules, leave_the_class_id_open_until_it_is_granted ) {
    State state = twoUnits();
-   state.isClassIdVariant = true;
+   state.variant = Audit::Variant::classId;
 
    auto const rule = wantedRules( state ).at( { 0, Purpose::vtep, kVtep } );
    EXPECT_TRUE( rule.isWithoutClassId );
@@ -142,12 +143,13 @@ TEST( AuditWantedRules, count_a_port_once_that_is_shared_twice ) {
 }
 
 TEST( AuditKinds, have_names_that_lead_back ) {
-   for ( Audit::Kind const kind : Audit::kKinds ) {
-      EXPECT_EQ( Audit::kindNamed( nameOf( kind ) ), kind );
+   for ( Story::DifferenceRow const & row : Story::differenceRows() ) {
+      EXPECT_EQ( Story::differenceKindNamed( row.name ), row.kind );
+      EXPECT_EQ( nameOf( row.kind ), row.name );
    }
-   EXPECT_THROW( Audit::kindNamed( "missing" ), std::out_of_range );
-   EXPECT_TRUE( isKnown( Audit::Kind::noRoom ) );
-   EXPECT_FALSE( isKnown( Audit::Kind::recordDiffers ) );
+   EXPECT_THROW( Story::differenceKindNamed( "missing" ), std::out_of_range );
+   EXPECT_TRUE( isKnown( Story::DifferenceKind::noRoom ) );
+   EXPECT_FALSE( isKnown( Story::DifferenceKind::recordDiffers ) );
 }
 
 }  // namespace

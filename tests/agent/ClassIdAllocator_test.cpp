@@ -1,11 +1,11 @@
 // The central allocator of class ids: what it grants, when, and what it takes back.
-#include <Host/ClassIdAllocator.h>
+#include <Peers/ClassIdAllocator.h>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Host::ClassIdAllocator;
+using Peers::ClassIdAllocator;
 using Pelk::IpGenAddr;
 using VornalCommon::ClassId;
 

@@ -79,7 +79,7 @@ std::vector< Event > oneOfEach() {
             Story::RulesDumped{ { someRule() } },
             Story::Audited{ 5,
                             4,
-                            { { Audit::Kind::wrongMask, 1, 157, 3, "rule", "EgressMask", "ports 3",
+                            { { Story::DifferenceKind::wrongMask, 1, 157, 3, "rule", "EgressMask", "ports 3",
                                 "ports 4", "because" } },
                             { "10.0.0.4" } },
             Story::PluginPass{ Story::PluginPass::State::Skipped, "it is full" },

@@ -132,7 +132,7 @@ Drift anyDrift( std::vector< Story::Rule > const & rules ) {
    return drift;
 }
 
-bool isAbout( Audit::Difference const & difference, Drift const & drift ) {
+bool isAbout( Story::Difference const & difference, Drift const & drift ) {
    return difference.unit == drift.unit && !isKnown( difference.kind );
 }
 

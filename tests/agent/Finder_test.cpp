@@ -9,7 +9,7 @@
 
 namespace {
 
-using Scenario::EntityPath;
+using StateDatabase::EntityPath;
 
 // A database with a segment on Port-Channel2, and the agent's shared data.
 class Finder : public testing::Test {

@@ -164,7 +164,7 @@ TEST( HumanWriterStyle, lets_no_control_character_of_others_through ) {
    Story::Rule changed = named;
    changed.priority.reset();
    Story::EntityTree const tree{ evil, evil, evil, {} };
-   Audit::Difference difference;
+   Story::Difference difference;
    difference.rule = difference.field = difference.is = evil;
    difference.shouldBe = difference.because = evil;
    Story::Stopped stop = stopped();

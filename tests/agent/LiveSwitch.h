@@ -4,7 +4,7 @@
 
 #include <AuditRun.h>
 #include <Host/Environment.h>
-#include <Host/LoadedPlugin.h>
+#include <Loading/LoadedPlugin.h>
 
 class LiveSwitch {
  public:
@@ -41,5 +41,5 @@ class LiveSwitch {
    Support::Recorder story_;
    Scenario::Model scenario_;
    Host::Environment environment_;
-   std::optional< Host::LoadedPlugin > plugin_;
+   std::optional< Loading::LoadedPlugin > plugin_;
 };

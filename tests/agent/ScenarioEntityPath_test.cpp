@@ -1,11 +1,11 @@
-#include <Scenario/EntityPath.h>
+#include <StateDatabase/EntityPath.h>
 
 #include <gtest/gtest.h>
 #include <rapidcheck/gtest.h>
 
 namespace {
 
-using Scenario::EntityPath;
+using StateDatabase::EntityPath;
 
 std::string whyNot( std::string const & text ) {
    try {

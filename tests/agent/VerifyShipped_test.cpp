@@ -43,7 +43,7 @@ struct Verdicts {
 
 std::string faultsIn( Story::Audited const & audited ) {
    std::string faults;
-   for ( Audit::Difference const & difference : audited.differences ) {
+   for ( Story::Difference const & difference : audited.differences ) {
       if ( !isKnown( difference.kind ) ) {
          faults += ( faults.empty() ? "" : ", " ) + std::string( nameOf( difference.kind ) ) +
                    " of " + difference.rule;
@@ -54,9 +54,9 @@ std::string faultsIn( Story::Audited const & audited ) {
 
 bool isNotRetried( Story::Audited const & audited ) {
    return std::all_of( audited.differences.begin(), audited.differences.end(),
-                       []( Audit::Difference const & difference ) {
+                       []( Story::Difference const & difference ) {
                           return isKnown( difference.kind ) ||
-                                 difference.kind == Audit::Kind::notRetried;
+                                 difference.kind == Story::DifferenceKind::notRetried;
                        } );
 }
 

@@ -1,10 +1,10 @@
-#include <Host/SharedState.h>
+#include <Reporters/TcamGroupManager.h>
 
 #include <Kiv/Rows.h>
 
-KIV_DEFINE( Host::TcamGroupManager )
+KIV_DEFINE( Reporters::TcamGroupManager )
 
-namespace Host {
+namespace Reporters {
 
 TcamGroupManager::TcamGroupManager( std::string name, Vornal::VornalTcamGroupManager const & chip,
                                     Story::Observer & observer )
@@ -20,11 +20,4 @@ Quelm::Ptr< Vornal::VornalUnboundedTcamEntryManager > TcamGroupManager::unbounde
    return entryManager( assignment );
 }
 
-Quelm::Ptr< Kiv::Entity > SharedEntities::entity( std::string const & name ) {
-   auto found = directory_.entity( kFolder + name );
-   observer_.onEvent(
-      Story::SharedEntityAsked{ name, found ? found->typeData().name() : std::string() } );
-   return found;
-}
-
-}  // namespace Host
+}  // namespace Reporters

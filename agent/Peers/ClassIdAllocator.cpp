@@ -1,6 +1,6 @@
-#include <Host/ClassIdAllocator.h>
+#include <Peers/ClassIdAllocator.h>
 
-namespace Host {
+namespace Peers {
 
 using Pelk::IpGenAddr;
 using VornalCommon::ClassId;
@@ -158,4 +158,4 @@ void ClassIdAllocator::giveBack( ClassId id ) {
    }
 }
 
-}  // namespace Host
+}  // namespace Peers

@@ -1,33 +1,26 @@
-#include <Host/LoadedPlugin.h>
+#include <Loading/LoadedPlugin.h>
 
-#include <Host/SharedState.h>
+#include <Audit/Variant.h>
 #include <StateDatabase/MountSession.h>
+#include <StateDatabase/SharedEntities.h>
 
-namespace Host {
+namespace Loading {
 
 namespace {
 
 constexpr char const * kFolder = "plugins/";
 
-// The variants by the type of the state machine that a mounter holds.
-std::string variantOf( std::string const & type ) {
-   if ( type.ends_with( "WithEgressMaskSm" ) ) {
-      return "egress-mask";
-   }
-   return type.ends_with( "WithI2EClassIdSm" ) ? "class-id" : type;
-}
-
 }  // namespace
 
 LoadedPlugin::LoadedPlugin( std::filesystem::path const & file, std::string const & sliceId,
-                            Environment & environment )
-      : environment_( environment ),
+                            Surroundings const & around )
+      : around_( around ),
         module_( file ),
-        pointWatch_( environment.pluginPoint(), [ this ]( Kiv::Change const & change ) {
+        pointWatch_( around.pluginPoint, [ this ]( Kiv::Change const & change ) {
            tellVariant();
            if ( *change.newValue< bool >() ) {
-              environment_.observer().onEvent(
-                 Story::DependencyPointReady{ environment_.pluginPoint()->name(), true } );
+              around_.observer.onEvent(
+                 Story::DependencyPointReady{ around_.pluginPoint->name(), true } );
            }
         } ) {
    pointWatch_.hasNotificationActiveIs( true );
@@ -35,7 +28,7 @@ LoadedPlugin::LoadedPlugin( std::filesystem::path const & file, std::string cons
    for ( Plugin::MounterRegistration const * const registration : module_.mounters() ) {
       loaded.mounters.push_back( registration->name() );
    }
-   environment_.observer().onEvent( loaded );
+   around_.observer.onEvent( loaded );
    for ( Plugin::MounterRegistration const * const registration : module_.mounters() ) {
       mounterNew( *registration, sliceId );
    }
@@ -43,7 +36,7 @@ LoadedPlugin::LoadedPlugin( std::filesystem::path const & file, std::string cons
 
 LoadedPlugin::~LoadedPlugin() {
    while ( !mounters_.empty() ) {
-      environment_.own().entityDel( kFolder + mounters_.back()->name() );
+      around_.own.entityDel( kFolder + mounters_.back()->name() );
       mounters_.pop_back();
    }
 }
@@ -54,22 +47,22 @@ void LoadedPlugin::mounterNew( Plugin::MounterRegistration const & registration,
    mounter->sliceIdIs( sliceId );
    // The session is the mounter's own, so it refers back to it without counting.
    mounter->entityManagerIs( Quelm::make< StateDatabase::MountSession >(
-      StateDatabase::SessionContext{ mounter->name(), environment_.database(),
-                                     environment_.activity(), environment_.observer(),
+      StateDatabase::SessionContext{ mounter->name(), around_.database, around_.activity,
+                                     around_.observer,
                                      [ self = mounter.get() ]( Corrum::MountStatus status ) {
                                         self->doMountsComplete( status, self->entityManager() );
                                      } } ) );
    if ( auto const base = Quelm::dynamicCast< VornalLib::MounterBase >( mounter ) ) {
       base->sharedEntitiesIs(
-         Quelm::make< SharedEntities >( environment_.own(), environment_.observer() ) );
+         Quelm::make< StateDatabase::SharedEntities >( around_.own, around_.observer ) );
    }
-   environment_.own().entityIs( kFolder + mounter->name(), mounter );
+   around_.own.entityIs( kFolder + mounter->name(), mounter );
    mounters_.push_back( mounter );
 }
 
 void LoadedPlugin::start() {
    for ( auto const & mounter : mounters_ ) {
-      environment_.activity().turnNew( [ mounter ] { mounter->doInit(); } );
+      around_.activity.turnNew( [ mounter ] { mounter->doInit(); } );
    }
 }
 
@@ -80,9 +73,10 @@ void LoadedPlugin::tellVariant() {
       if ( machine && !isVariantTold_ ) {
          isVariantTold_ = true;
          std::string const & type = machine->typeData().name();
-         environment_.observer().onEvent( Story::VariantChosen{ variantOf( type ), type } );
+         around_.observer.onEvent(
+            Story::VariantChosen{ std::string( Audit::wordForStateMachine( type ) ), type } );
       }
    }
 }
 
-}  // namespace Host
+}  // namespace Loading

@@ -21,25 +21,25 @@
 
 #include <Board/Board.h>
 #include <Capture/PortCaptures.h>
-#include <Host/Published.h>
 #include <Kiv/Activity.h>
+#include <Peers/PublishedState.h>
 #include <Pipeline/Pipeline.h>
 #include <Story/Observer.h>
 
-namespace Host {
+namespace Traffic {
 
-class Traffic {
+class Injector {
  public:
    // What it works on; everything must outlive it.
    struct Context {
       Scenario::Model const & scenario;
-      Published const & published;
+      Peers::PublishedState const & published;
       Chip::Units const & units;
       Kiv::ActivityManager const & activity;
       Story::Observer & observer;
    };
 
-   explicit Traffic( Context const & context );
+   explicit Injector( Context const & context );
 
    // Captures of what leaves go into that folder, which is there.
    void captureInto( std::filesystem::path const & folder ) { captures_.emplace( folder ); }
@@ -47,8 +47,6 @@ class Traffic {
    void inject( Scenario::Frame const & frame );
    void inject( Scenario::Capture const & capture );
    void designatedIs( Scenario::DesignatedForwarder const & designated );
-
-   Chip::PipelineCounters const & counters() const { return pipeline_.counters(); }
 
  private:
    class Nowhere final : public Chip::Transmitter {
@@ -70,4 +68,4 @@ class Traffic {
    U64 frames_ = 0;
 };
 
-}  // namespace Host
+}  // namespace Traffic

@@ -1,6 +1,6 @@
-#include <Host/ChipReporter.h>
+#include <Reporters/ChipReporter.h>
 
-namespace Host {
+namespace Reporters {
 
 namespace {
 
@@ -91,4 +91,4 @@ void ChipReporter::tellRule( U32 unit, U32 id ) {
    }
 }
 
-}  // namespace Host
+}  // namespace Reporters

@@ -24,22 +24,22 @@
 #include <optional>
 
 #include <Evpn/EvpnStatus.h>
-#include <Host/ClassIdAllocator.h>
 #include <Lag/Config.h>
+#include <Peers/ClassIdAllocator.h>
 #include <Scenario/Scenario.h>
 #include <StateDatabase/Directory.h>
 #include <Vornal/VornalCommonSmData.h>
 #include <VornalCentral/VpIndexStatus.h>
 #include <Vxlan/VtiStatusDir.h>
 
-namespace Host {
+namespace Peers {
 
-class Published {
+class PublishedState {
  public:
    // Puts the entities of that switch into the directories: the published ones, and the shared
    // ones. The activity must outlive it, turns included.
-   Published( Scenario::Switch const & device, Kiv::ActivityManager & activity,
-              StateDatabase::Directory & database, StateDatabase::Directory & shared );
+   PublishedState( Scenario::Switch const & device, Kiv::ActivityManager & activity,
+                   StateDatabase::Directory & database, StateDatabase::Directory & shared );
 
    void publish( Scenario::Published const & what );
    void withdraw( Scenario::Published const & what );
@@ -90,4 +90,4 @@ class Published {
    std::optional< ClassIdAllocator > allocator_;
 };
 
-}  // namespace Host
+}  // namespace Peers

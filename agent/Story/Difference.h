@@ -1,17 +1,16 @@
 // One thing in which published state, records and chip do not agree.
 #pragma once
 
-#include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include <Quelm/Integers.h>
 
-namespace Audit {
+namespace Story {
 
-enum class Kind : U8 {
-   // --- Differences
+enum class DifferenceKind : U8 {
    missingRule,        // the state calls for it, the chip does not have it
    unexpectedRule,     // the chip has it, and nothing calls for it
    stagedOnly,         // it is staged, and not in the hardware
@@ -25,7 +24,6 @@ enum class Kind : U8 {
    recordWithoutRule,  // the plug-in has a record of it, the chip does not have it
    recordDiffers,      // a record says something else than the state does
    unneededRequest,    // a class id is asked for, for a VTEP that needs no rules
-   // --- Known: not as the state alone says, and all right
    noRoom,             // the group has no room for the rule
    queued,             // there was no room for the rule, and the plug-in will ask again
    waitingForClassId,  // the allocator has not granted the class id that the rule needs
@@ -33,36 +31,23 @@ enum class Kind : U8 {
    leftBehind,         // only the end of Vxlan1 takes per-VNI rules, and their queue, with it
 };
 
-inline constexpr std::array kKinds{ Kind::missingRule,
-                                    Kind::unexpectedRule,
-                                    Kind::stagedOnly,
-                                    Kind::wrongQualifier,
-                                    Kind::wrongMask,
-                                    Kind::wrongAction,
-                                    Kind::wrongPriority,
-                                    Kind::stagedDiffers,
-                                    Kind::notRetried,
-                                    Kind::ruleWithoutRecord,
-                                    Kind::recordWithoutRule,
-                                    Kind::recordDiffers,
-                                    Kind::unneededRequest,
-                                    Kind::noRoom,
-                                    Kind::queued,
-                                    Kind::waitingForClassId,
-                                    Kind::classIdWithdrawn,
-                                    Kind::leftBehind };
+struct DifferenceRow {
+   DifferenceKind kind;
+   std::string_view name;  // "missing-rule"
+   // Not as the state alone says, and all right.
+   bool isKnown;
+};
 
-// "missing-rule"
-std::string_view nameOf( Kind kind );
+// Every kind once, in the order of reports.
+std::span< DifferenceRow const > differenceRows();
+
+std::string_view nameOf( DifferenceKind kind );
 // The inverse of nameOf(); std::out_of_range for any other text.
-Kind kindNamed( std::string_view name );
-
-constexpr bool isKnown( Kind kind ) {
-   return kind >= Kind::noRoom;
-}
+DifferenceKind differenceKindNamed( std::string_view name );
+bool isKnown( DifferenceKind kind );
 
 struct Difference {
-   Kind kind = Kind::missingRule;
+   DifferenceKind kind = DifferenceKind::missingRule;
    std::optional< U32 > unit;   // nothing: it concerns all of them
    std::optional< U32 > group;  // nothing: it is about a record that belongs to no group
    U32 entry = 0;               // 0: there is none
@@ -77,4 +62,4 @@ struct Difference {
    friend bool operator==( Difference const &, Difference const & ) = default;
 };
 
-}  // namespace Audit
+}  // namespace Story

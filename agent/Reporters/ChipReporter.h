@@ -14,7 +14,7 @@
 #include <FieldProcessor/Unit.h>
 #include <Story/Observer.h>
 
-namespace Host {
+namespace Reporters {
 
 class ChipReporter final : public Chip::CallObserver {
  public:
@@ -37,4 +37,4 @@ class ChipReporter final : public Chip::CallObserver {
 // The entry as a story tells it.
 Story::Rule ruleOf( Story::RuleKey const & key, Chip::Entry const & entry );
 
-}  // namespace Host
+}  // namespace Reporters

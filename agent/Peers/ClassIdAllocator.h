@@ -33,7 +33,7 @@
 #include <Scenario/Scenario.h>
 #include <VornalCentral/I2EClassIdIndex.h>
 
-namespace Host {
+namespace Peers {
 
 class ClassIdAllocator {
  public:
@@ -93,4 +93,4 @@ class ClassIdAllocator {
    U32 heldBack_ = 0;  // events whose turn has come while it was paused
 };
 
-}  // namespace Host
+}  // namespace Peers

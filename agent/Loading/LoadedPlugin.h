@@ -4,19 +4,32 @@
 #include <filesystem>
 #include <vector>
 
-#include <Host/Environment.h>
-#include <Host/PluginModule.h>
+#include <Kiv/Activity.h>
+#include <Kiv/Reactor.h>
+#include <Loading/PluginModule.h>
+#include <StateDatabase/Directory.h>
+#include <Story/Observer.h>
+#include <Vornal/Dependency.h>
 
-namespace Host {
+namespace Loading {
+
+// What a plug-in finds around it. Everything must outlive the plug-in.
+struct Surroundings {
+   StateDatabase::Directory & database;  // what other agents publish
+   StateDatabase::Directory & own;       // what the agent shares with plug-ins, and has of them
+   Kiv::ActivityManager & activity;
+   Quelm::Ptr< Vornal::DependencyPoint > pluginPoint;  // which the plug-in marks
+   Story::Observer & observer;
+};
 
 // Its mounters are found below "plugins/", by their names. Its end destroys them, in the reverse
 // order of their creation, and unloads the shared object.
 //
-// The environment must outlive it. Failures: InputError as PluginModule.
+// Failures: InputError as PluginModule.
 class LoadedPlugin {
  public:
    LoadedPlugin( std::filesystem::path const & file, std::string const & sliceId,
-                 Environment & environment );
+                 Surroundings const & around );
    LoadedPlugin( LoadedPlugin const & ) = delete;
    LoadedPlugin & operator=( LoadedPlugin const & ) = delete;
    ~LoadedPlugin();
@@ -30,11 +43,11 @@ class LoadedPlugin {
  private:
    void mounterNew( Plugin::MounterRegistration const & registration, std::string const & sliceId );
 
-   Environment & environment_;
+   Surroundings around_;
    PluginModule module_;
    std::vector< Quelm::Ptr< Plugin::Mounter > > mounters_;
    Kiv::Watch< Vornal::DependencyPoint > pointWatch_;
    bool isVariantTold_ = false;
 };
 
-}  // namespace Host
+}  // namespace Loading

@@ -1,11 +1,11 @@
-#include <Host/PluginModule.h>
+#include <Loading/PluginModule.h>
 
-#include <Host/InputError.h>
-#include <Host/SharedObject.h>
+#include <Loading/SharedObject.h>
+#include <Story/InputError.h>
 
 #include <dlfcn.h>
 
-namespace Host {
+namespace Loading {
 
 PluginModule::PluginModule( std::filesystem::path const & file ) {
    checkIsPlugin( file );
@@ -13,15 +13,15 @@ PluginModule::PluginModule( std::filesystem::path const & file ) {
    // A name without a '/' would be looked for among the system's libraries.
    handle_ = dlopen( std::filesystem::absolute( file ).c_str(), RTLD_NOW | RTLD_LOCAL );
    if ( !handle_ ) {
-      throw InputError( "the plug-in cannot be loaded: " + std::string( dlerror() ) );
+      throw Story::InputError( "the plug-in cannot be loaded: " + std::string( dlerror() ) );
    }
    auto const all = Plugin::registeredMounters();
    mounters_.assign( all.begin() + static_cast< std::ptrdiff_t >( before ), all.end() );
    if ( mounters_.empty() ) {
       dlclose( handle_ );
-      throw InputError( file.string() +
-                        " registers no mounter, so it is no plug-in; a plug-in has "
-                        "a Plugin::MounterRegistration for each of its mounters" );
+      throw Story::InputError( file.string() +
+                               " registers no mounter, so it is no plug-in; a plug-in has "
+                               "a Plugin::MounterRegistration for each of its mounters" );
    }
 }
 
@@ -29,4 +29,4 @@ PluginModule::~PluginModule() {
    dlclose( handle_ );
 }
 
-}  // namespace Host
+}  // namespace Loading

@@ -1,6 +1,6 @@
-#include <Scenario/EntityPath.h>
+#include <StateDatabase/EntityPath.h>
 
-namespace Scenario {
+namespace StateDatabase {
 
 namespace {
 
@@ -66,4 +66,4 @@ EntityPath EntityPath::textFrom( Quelm::TextReader & in ) {
    return EntityPath( std::move( segments ) );
 }
 
-}  // namespace Scenario
+}  // namespace StateDatabase

@@ -1,10 +1,11 @@
-#include <Host/Published.h>
+#include <Peers/PublishedState.h>
 
-#include <Host/SharedState.h>
+#include <Audit/Variant.h>
+#include <StateDatabase/SharedEntities.h>
 #include <VornalCentral/Capabilities.h>
 #include <VornalCentral/I2EClassIdIndex.h>
 
-namespace Host {
+namespace Peers {
 
 namespace {
 
@@ -16,8 +17,9 @@ Quelm::Ptr< T > publishNew( StateDatabase::Directory & directory, std::string co
 
 }  // namespace
 
-Published::Published( Scenario::Switch const & device, Kiv::ActivityManager & activity,
-                      StateDatabase::Directory & database, StateDatabase::Directory & shared ) {
+PublishedState::PublishedState( Scenario::Switch const & device, Kiv::ActivityManager & activity,
+                                StateDatabase::Directory & database,
+                                StateDatabase::Directory & shared ) {
    evpnStatus_ = publishNew< Evpn::EvpnStatus >( database, "evpn/status" );
    vpIndexStatus_ =
       publishNew< VornalCentral::VpIndexStatus >( database, "hardware/vornal/vp/status/vornalL3" );
@@ -27,7 +29,7 @@ Published::Published( Scenario::Switch const & device, Kiv::ActivityManager & ac
 
    publishNew< VornalCentral::VxlanCapabilities >(
       database, "hardware/vornal/centralStatus/vxlanCapabilities" )
-      ->i2eClassIdSupportedIs( device.variant == Scenario::Variant::classId );
+      ->i2eClassIdSupportedIs( Audit::rowOf( device.variant ).usesClassIds );
    std::string const classIds = "hardware/vornal/i2eclassid/";
    classIdConfig_ =
       publishNew< VornalCentral::I2EClassIdIndexConfig >( database, classIds + "config/slice/" +
@@ -44,39 +46,39 @@ Published::Published( Scenario::Switch const & device, Kiv::ActivityManager & ac
    points->subAgentDependencyPointsIs(
       Quelm::make< Vornal::SubAgentDependencyPoints >( "subagents" ) );
    common_->sliceDependencyPointsIs( points );
-   std::string const folder = SharedEntities::kFolder;
+   std::string const folder = StateDatabase::SharedEntities::kFolder;
    shared.entityIs( folder + "vornalCommon", common_ );
    VornalCentral::vornalAttributes()->l3McastExemptFromSplitHorizonIs( device.isL3MulticastExempt );
    shared.entityIs( folder + "vornalAttributes", VornalCentral::vornalAttributes() );
 }
 
-void Published::publish( Scenario::Published const & what ) {
+void PublishedState::publish( Scenario::Published const & what ) {
    std::visit( [ this ]( auto const & one ) { publishOne( one ); }, what );
 }
 
-void Published::withdraw( Scenario::Published const & what ) {
+void PublishedState::withdraw( Scenario::Published const & what ) {
    std::visit( [ this ]( auto const & one ) { withdrawOne( one ); }, what );
 }
 
-void Published::replace( Scenario::Replaced const & what ) {
+void PublishedState::replace( Scenario::Replaced const & what ) {
    std::visit( [ this ]( auto const & one ) { replaceOne( one ); }, what );
 }
 
 // --- Interfaces and port channels
 
-void Published::publishOne( Scenario::InterfacePort const & what ) {
+void PublishedState::publishOne( Scenario::InterfacePort const & what ) {
    common_->intfPortIs( what.intf, what.port );
 }
 
-void Published::withdrawOne( Scenario::InterfacePort const & what ) {
+void PublishedState::withdrawOne( Scenario::InterfacePort const & what ) {
    common_->intfPortDel( what.intf );
 }
 
-void Published::publishOne( Scenario::PortChannelMember const & what ) {
+void PublishedState::publishOne( Scenario::PortChannelMember const & what ) {
    lagConfig_->phyIntfIs( what.member )->lagIs( what.portChannel );
 }
 
-void Published::withdrawOne( Scenario::PortChannelMember const & what ) {
+void PublishedState::withdrawOne( Scenario::PortChannelMember const & what ) {
    auto const member = lagConfig_->phyIntf( what.member );
    if ( member && member->lag() == what.portChannel ) {
       member->lagIs( {} );
@@ -85,25 +87,25 @@ void Published::withdrawOne( Scenario::PortChannelMember const & what ) {
 
 // --- Ethernet segments
 
-void Published::publishOne( Scenario::Segment const & what ) {
+void PublishedState::publishOne( Scenario::Segment const & what ) {
    evpnStatus_->segmentStatusIs( what.intf );
 }
 
-void Published::withdrawOne( Scenario::Segment const & what ) {
+void PublishedState::withdrawOne( Scenario::Segment const & what ) {
    evpnStatus_->segmentStatusDel( what.intf );
 }
 
-void Published::publishOne( Scenario::SegmentVtep const & what ) {
+void PublishedState::publishOne( Scenario::SegmentVtep const & what ) {
    evpnStatus_->segmentStatusIs( what.intf )->remoteTepIs( what.vtep );
 }
 
-void Published::withdrawOne( Scenario::SegmentVtep const & what ) {
+void PublishedState::withdrawOne( Scenario::SegmentVtep const & what ) {
    if ( auto const segment = evpnStatus_->segmentStatus( what.intf ) ) {
       segment->remoteTepDel( what.vtep );
    }
 }
 
-void Published::replaceOne( Scenario::SegmentReplaced const & what ) {
+void PublishedState::replaceOne( Scenario::SegmentReplaced const & what ) {
    auto const segment = Quelm::make< Evpn::EthernetSegmentStatus >( what.intf );
    for ( Pelk::IpGenAddr const & vtep : what.vteps ) {
       segment->remoteTepIs( vtep );
@@ -113,34 +115,34 @@ void Published::replaceOne( Scenario::SegmentReplaced const & what ) {
 
 // --- VTEPs and tunnel interfaces
 
-void Published::publishOne( Scenario::VtepVirtualPort const & what ) {
+void PublishedState::publishOne( Scenario::VtepVirtualPort const & what ) {
    vpIndexStatus_->remoteVportIs( VornalCentral::getRemoteVtepKeyForIp( what.vtep ),
                                   what.virtualPort );
 }
 
-void Published::withdrawOne( Scenario::VtepVirtualPort const & what ) {
+void PublishedState::withdrawOne( Scenario::VtepVirtualPort const & what ) {
    vpIndexStatus_->remoteVportDel( VornalCentral::getRemoteVtepKeyForIp( what.vtep ) );
 }
 
-void Published::publishOne( Scenario::TunnelInterface const & what ) {
+void PublishedState::publishOne( Scenario::TunnelInterface const & what ) {
    vtiStatusDir_->vtiStatusIs( what.intf );
 }
 
-void Published::withdrawOne( Scenario::TunnelInterface const & what ) {
+void PublishedState::withdrawOne( Scenario::TunnelInterface const & what ) {
    vtiStatusDir_->vtiStatusDel( what.intf );
 }
 
-void Published::publishOne( Scenario::VrfVni const & what ) {
+void PublishedState::publishOne( Scenario::VrfVni const & what ) {
    vtiStatusDir_->vtiStatusIs( what.intf )->vrfToVniMapIs( what.vrf, what.vni );
 }
 
-void Published::withdrawOne( Scenario::VrfVni const & what ) {
+void PublishedState::withdrawOne( Scenario::VrfVni const & what ) {
    if ( auto const vti = vtiStatusDir_->vtiStatus( what.intf ) ) {
       vti->vrfToVniMapDel( what.vrf );
    }
 }
 
-void Published::replaceOne( Scenario::TunnelInterfaceReplaced const & what ) {
+void PublishedState::replaceOne( Scenario::TunnelInterfaceReplaced const & what ) {
    auto const vti = Quelm::make< Vxlan::VtiStatus >( what.intf );
    for ( Scenario::VrfVni const & vrf : what.vnis ) {
       vti->vrfToVniMapIs( vrf.vrf, vrf.vni );
@@ -150,20 +152,20 @@ void Published::replaceOne( Scenario::TunnelInterfaceReplaced const & what ) {
 
 // --- Class ids
 
-void Published::publishOne( Scenario::ClassIdRequest const & what ) {
+void PublishedState::publishOne( Scenario::ClassIdRequest const & what ) {
    classIdConfig_->remoteESPeerVtepIs( what.vtep, true );
 }
 
-void Published::withdrawOne( Scenario::ClassIdRequest const & what ) {
+void PublishedState::withdrawOne( Scenario::ClassIdRequest const & what ) {
    classIdConfig_->remoteESPeerVtepDel( what.vtep );
 }
 
-void Published::publishOne( Scenario::ClassIdGrant const & what ) {
+void PublishedState::publishOne( Scenario::ClassIdGrant const & what ) {
    allocator_->grantIs( what.vtep, what.id );
 }
 
-void Published::withdrawOne( Scenario::ClassIdGrant const & what ) {
+void PublishedState::withdrawOne( Scenario::ClassIdGrant const & what ) {
    allocator_->grantDel( what.vtep );
 }
 
-}  // namespace Host
+}  // namespace Peers

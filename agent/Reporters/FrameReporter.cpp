@@ -1,8 +1,8 @@
-#include <Host/FrameReporter.h>
+#include <Reporters/FrameReporter.h>
 
 #include <Capture/CaptureReader.h>
 
-namespace Host {
+namespace Reporters {
 
 namespace {
 
@@ -81,4 +81,4 @@ U64 framesIn( std::filesystem::path const & capture ) {
    return frames;
 }
 
-}  // namespace Host
+}  // namespace Reporters

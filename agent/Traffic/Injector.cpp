@@ -1,13 +1,13 @@
-#include <Host/Traffic.h>
+#include <Traffic/Injector.h>
 
 #include <fmt/format.h>
 
 #include <Capture/CaptureReader.h>
-#include <Host/FrameReporter.h>
 #include <Quelm/Error.h>
+#include <Reporters/FrameReporter.h>
 #include <SoftSdk/Gport.h>
 
-namespace Host {
+namespace Traffic {
 
 namespace {
 
@@ -82,14 +82,14 @@ void addTunnels( Chip::ForwardingConfig & config, VornalCentral::VpIndexStatus c
 
 }  // namespace
 
-Traffic::Traffic( Context const & context )
+Injector::Injector( Context const & context )
       : context_( context ),
         forwarding_( context.scenario.forwarding ),
         pipeline_( context.units ) {}
 
 // --- How the switch forwards
 
-Chip::ForwardingConfig Traffic::forwardingNow() const {
+Chip::ForwardingConfig Injector::forwardingNow() const {
    if ( !forwarding_ ) {
       throw Quelm::Error(
          "the scenario does not say how the switch forwards; give it 'forwarding'" );
@@ -105,11 +105,11 @@ Chip::ForwardingConfig Traffic::forwardingNow() const {
    return config;
 }
 
-void Traffic::prepare() {
+void Injector::prepare() {
    pipeline_.forwardingIs( forwardingNow() );
 }
 
-void Traffic::designatedIs( Scenario::DesignatedForwarder const & designated ) {
+void Injector::designatedIs( Scenario::DesignatedForwarder const & designated ) {
    for ( auto const & [ intf, isDesignated ] : designated.isDesignated ) {
       if ( forwarding_ ) {
          forwarding_->config.designatedForwarder[ intf ].allVlans = isDesignated;
@@ -120,7 +120,7 @@ void Traffic::designatedIs( Scenario::DesignatedForwarder const & designated ) {
 
 // --- Injection
 
-VornalTypes::VornalPort Traffic::portOf( IntfId const & intfId ) const {
+VornalTypes::VornalPort Injector::portOf( IntfId const & intfId ) const {
    auto const & common = *context_.published.common();
    if ( isPortChannel( intfId ) ) {
       for ( auto const & portChannel : pipeline_.forwarding().portChannels ) {
@@ -134,7 +134,7 @@ VornalTypes::VornalPort Traffic::portOf( IntfId const & intfId ) const {
    throw Quelm::Error( intfId.stringValue() + " has no port; no frame can come in on it" );
 }
 
-IntfId Traffic::arrivalOf( Scenario::Frame const & frame ) const {
+IntfId Injector::arrivalOf( Scenario::Frame const & frame ) const {
    if ( frame.on ) {
       return *frame.on;
    }
@@ -146,7 +146,7 @@ IntfId Traffic::arrivalOf( Scenario::Frame const & frame ) const {
    return *forwarding_->underlay.begin();
 }
 
-void Traffic::inject( Scenario::Frame const & frame ) {
+void Injector::inject( Scenario::Frame const & frame ) {
    prepare();
    Chip::FrameFields fields = frame.fields;
    if ( fields.outer ) {
@@ -165,11 +165,11 @@ void Traffic::inject( Scenario::Frame const & frame ) {
    forward( port, bytes );
 }
 
-void Traffic::inject( Scenario::Capture const & capture ) {
+void Injector::inject( Scenario::Capture const & capture ) {
    prepare();
    VornalTypes::VornalPort const port = portOf( capture.on );
    context_.observer.onEvent(
-      Story::FramesBegin{ capture.on.stringValue(), framesIn( capture.file ) } );
+      Story::FramesBegin{ capture.on.stringValue(), Reporters::framesIn( capture.file ) } );
    Chip::CaptureReader reader( capture.file );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
@@ -179,13 +179,13 @@ void Traffic::inject( Scenario::Capture const & capture ) {
    }
 }
 
-void Traffic::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
+void Injector::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
    Chip::FrameStory const & story = captures_ ? pipeline_.forward( arrival, frame, *captures_ )
                                               : pipeline_.forward( arrival, frame, nowhere_ );
    if ( captures_ ) {
       captures_->flush();
    }
-   context_.observer.onEvent( frameOf( story, ++frames_ ) );
+   context_.observer.onEvent( Reporters::frameOf( story, ++frames_ ) );
 }
 
-}  // namespace Host
+}  // namespace Traffic

@@ -1,4 +1,4 @@
-// Scenario::EntityPath: where an entity of a running switch is found.
+// EntityPath: where an entity of a running switch is found.
 //
 //    /evpn/status                                            a mounted entity
 //    /evpn/status/segmentStatus[Port-Channel2]               a member of one of its collections
@@ -24,7 +24,7 @@
 
 #include <Quelm/Text.h>
 
-namespace Scenario {
+namespace StateDatabase {
 
 class EntityPath : public Quelm::Value {
  public:
@@ -47,7 +47,7 @@ class EntityPath : public Quelm::Value {
 
    friend bool operator==( EntityPath const &, EntityPath const & ) = default;
 
-   static std::string_view textTypeName() { return "Scenario::EntityPath"; }
+   static std::string_view textTypeName() { return "StateDatabase::EntityPath"; }
    void textTo( std::string & out ) const;
    static EntityPath textFrom( Quelm::TextReader & in );
 
@@ -55,4 +55,4 @@ class EntityPath : public Quelm::Value {
    std::vector< Segment > segments_;
 };
 
-}  // namespace Scenario
+}  // namespace StateDatabase

@@ -1,4 +1,4 @@
-#include <Host/SharedObject.h>
+#include <Loading/SharedObject.h>
 
 #include <algorithm>
 #include <cstring>
@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include <Host/InputError.h>
 #include <Plugin/Mounter.h>
+#include <Story/InputError.h>
 
 #include <dlfcn.h>
 #include <elf.h>
 #include <link.h>
 
-namespace Host {
+namespace Loading {
 
 namespace {
 
@@ -127,7 +127,7 @@ std::string platformLibrary() {
 }
 
 [[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
-   throw InputError( file.string() + ' ' + why );
+   throw Story::InputError( file.string() + ' ' + why );
 }
 
 }  // namespace
@@ -156,4 +156,4 @@ void checkIsPlugin( fs::path const & file ) {
    }
 }
 
-}  // namespace Host
+}  // namespace Loading

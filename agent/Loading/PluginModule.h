@@ -7,14 +7,14 @@
 
 #include <Plugin/Mounter.h>
 
-namespace Host {
+namespace Loading {
 
 // Opening runs the module initialisation of the shared object; closing takes its mounters and
 // entity types away again, so that no object of the plug-in may be left by then. All symbols are
 // resolved when it is opened, and none is visible to others.
 //
-// Failures: InputError when the file cannot be opened as a shared object, or registers no mounter.
-// Of a file that cannot be a plug-in (Host/SharedObject.h) nothing is run.
+// Failures: Story::InputError when the file cannot be opened as a shared object, or registers no
+// mounter. Of a file that cannot be a plug-in (Loading/SharedObject.h) nothing is run.
 class PluginModule {
  public:
    explicit PluginModule( std::filesystem::path const & file );
@@ -30,4 +30,4 @@ class PluginModule {
    std::vector< Plugin::MounterRegistration const * > mounters_;
 };
 
-}  // namespace Host
+}  // namespace Loading

@@ -3,11 +3,11 @@
 
 #include <filesystem>
 
-namespace Host {
+namespace Loading {
 
 // InputError, which names the file and what to do, when it is no regular file, cannot be read, is
 // no ELF shared object of this machine, is cut short, or does not need the platform's library, so
 // that it can register no mounter. What is all right here can still be refused by dlopen().
 void checkIsPlugin( std::filesystem::path const & file );
 
-}  // namespace Host
+}  // namespace Loading

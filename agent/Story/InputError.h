@@ -3,11 +3,11 @@
 
 #include <stdexcept>
 
-namespace Host {
+namespace Story {
 
 class InputError : public std::runtime_error {
  public:
    using std::runtime_error::runtime_error;
 };
 
-}  // namespace Host
+}  // namespace Story

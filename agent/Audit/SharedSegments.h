@@ -1,0 +1,28 @@
+// Which segments this switch shares with a VTEP, and by which ports.
+//
+// A port channel stands for its members; a port that is not valid, and one of another unit, counts
+// for nothing.
+#pragma once
+
+#include <set>
+#include <string>
+
+#include <Audit/State.h>
+
+namespace Audit {
+
+// The VTEPs that need rules: those that share a segment and have a virtual port.
+std::set< Pelk::IpGenAddr > activeVteps( State const & state );
+
+// The valid ports of the segments shared with the VTEP on the unit.
+std::set< VornalTypes::VornalPort > sharedPorts( State const & state, U16 unit,
+                                                 Pelk::IpGenAddr const & vtep );
+
+// The VP index of the VTEP: the low 16 bits of its virtual port; 0 without one.
+U16 vpIndexOf( State const & state, Pelk::IpGenAddr const & vtep );
+
+// "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3; virtual port 2", for an active
+// VTEP
+std::string sharingText( State const & state, U16 unit, Pelk::IpGenAddr const & vtep );
+
+}  // namespace Audit
