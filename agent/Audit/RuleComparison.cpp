@@ -123,7 +123,7 @@ void addWithdrawnClassId( RuleFor const & what, WantedRule const & rule, Chip::E
    difference.entry = entry.id();
    difference.field = nameOf( Chip::Action::NewClassId );
    difference.is = textOf( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
-   difference.shouldBe = difference.is;
+   difference.shouldBe = "a class id that is granted";
    difference.because = rule.because + "; its class id is not granted any more";
    found.push_back( std::move( difference ) );
 }

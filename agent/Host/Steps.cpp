@@ -33,6 +33,14 @@ void checkKey( Kiv::Entity & entity, Kiv::Attribute const & attribute, std::stri
    }
 }
 
+void checkDeletable( Kiv::Entity const & entity, Kiv::Attribute const & attribute,
+                     std::string const & key ) {
+   if ( attribute.isKeyed() && !attribute.has( entity, key ) ) {
+      throw Quelm::AccessError( "attribute '" + attribute.name() + "' has no key '" + key +
+                                "', so nothing can be deleted" );
+   }
+}
+
 // Nobody leaves out a key on purpose without wanting to be told.
 void tellEmptyKey( StateDatabase::Finder const & finder, Scenario::AttributeAt const & at,
                    std::string const & place ) {
@@ -161,6 +169,7 @@ void Steps::remove( Scenario::Delete const & action ) {
    auto const entity = context_.evidence.finder.entity( action.at.entity );
    auto const & attribute = StateDatabase::attributeOf( *entity, action.at.attribute );
    checkKey( *entity, attribute, action.at.key );
+   checkDeletable( *entity, attribute, action.at.key );
    attribute.del( *entity, action.at.key );
 }
 

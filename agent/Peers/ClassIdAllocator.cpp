@@ -129,6 +129,10 @@ void ClassIdAllocator::grantDel( IpGenAddr const & vtep ) {
    status_->remoteESPeerVtepDel( vtep );
 }
 
+bool ClassIdAllocator::isGranted( IpGenAddr const & vtep ) const {
+   return status_->remoteESPeerVtepHas( vtep );
+}
+
 // A grant has come, changed or gone, whoever has written it.
 void ClassIdAllocator::noteGrant( Kiv::Change const & change ) {
    if ( auto const * const id = change.newValue< ClassId >() ) {

@@ -53,6 +53,7 @@ class ClassIdAllocator {
    // Grants by hand, within a turn. Before it starts, what it is to find there.
    void grantIs( Pelk::IpGenAddr const & vtep, VornalCommon::ClassId id );
    void grantDel( Pelk::IpGenAddr const & vtep );
+   bool isGranted( Pelk::IpGenAddr const & vtep ) const;
 
  private:
    struct Event {

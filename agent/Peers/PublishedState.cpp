@@ -15,6 +15,13 @@ Quelm::Ptr< T > publishNew( StateDatabase::Directory & directory, std::string co
    return Quelm::dynamicCast< T >( directory.entityNew( path, T::kivTypeName() ) );
 }
 
+// Other agents withdraw what they have published; what is not there is a slip of the pen.
+void checkThere( bool is, std::string const & absent ) {
+   if ( !is ) {
+      throw Quelm::Error( absent + " at this point, so nothing can be withdrawn" );
+   }
+}
+
 }  // namespace
 
 PublishedState::PublishedState( Scenario::Switch const & device, Kiv::ActivityManager & activity,
@@ -71,6 +78,8 @@ void PublishedState::publishOne( Scenario::InterfacePort const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::InterfacePort const & what ) {
+   checkThere( common_->vornalIntfToPortHas( what.intf ),
+               what.intf.stringValue() + " has no port" );
    common_->intfPortDel( what.intf );
 }
 
@@ -80,9 +89,9 @@ void PublishedState::publishOne( Scenario::PortChannelMember const & what ) {
 
 void PublishedState::withdrawOne( Scenario::PortChannelMember const & what ) {
    auto const member = lagConfig_->phyIntf( what.member );
-   if ( member && member->lag() == what.portChannel ) {
-      member->lagIs( {} );
-   }
+   checkThere( member && member->lag() == what.portChannel,
+               what.member.stringValue() + " is not in " + what.portChannel.stringValue() );
+   member->lagIs( {} );
 }
 
 // --- Ethernet segments
@@ -92,6 +101,8 @@ void PublishedState::publishOne( Scenario::Segment const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::Segment const & what ) {
+   checkThere( evpnStatus_->segmentStatus( what.intf ) != nullptr,
+               "there is no segment on " + what.intf.stringValue() );
    evpnStatus_->segmentStatusDel( what.intf );
 }
 
@@ -100,9 +111,11 @@ void PublishedState::publishOne( Scenario::SegmentVtep const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::SegmentVtep const & what ) {
-   if ( auto const segment = evpnStatus_->segmentStatus( what.intf ) ) {
-      segment->remoteTepDel( what.vtep );
-   }
+   auto const segment = evpnStatus_->segmentStatus( what.intf );
+   checkThere( segment && segment->remoteTepHas( what.vtep ),
+               what.vtep.stringValue() + " is not attached to a segment on " +
+                  what.intf.stringValue() );
+   segment->remoteTepDel( what.vtep );
 }
 
 void PublishedState::replaceOne( Scenario::SegmentReplaced const & what ) {
@@ -121,7 +134,10 @@ void PublishedState::publishOne( Scenario::VtepVirtualPort const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::VtepVirtualPort const & what ) {
-   vpIndexStatus_->remoteVportDel( VornalCentral::getRemoteVtepKeyForIp( what.vtep ) );
+   auto const key = VornalCentral::getRemoteVtepKeyForIp( what.vtep );
+   checkThere( vpIndexStatus_->remoteVportHas( key ),
+               what.vtep.stringValue() + " has no virtual port" );
+   vpIndexStatus_->remoteVportDel( key );
 }
 
 void PublishedState::publishOne( Scenario::TunnelInterface const & what ) {
@@ -129,6 +145,8 @@ void PublishedState::publishOne( Scenario::TunnelInterface const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::TunnelInterface const & what ) {
+   checkThere( vtiStatusDir_->vtiStatus( what.intf ) != nullptr,
+               "there is no " + what.intf.stringValue() );
    vtiStatusDir_->vtiStatusDel( what.intf );
 }
 
@@ -137,9 +155,10 @@ void PublishedState::publishOne( Scenario::VrfVni const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::VrfVni const & what ) {
-   if ( auto const vti = vtiStatusDir_->vtiStatus( what.intf ) ) {
-      vti->vrfToVniMapDel( what.vrf );
-   }
+   auto const vti = vtiStatusDir_->vtiStatus( what.intf );
+   checkThere( vti && vti->vrfToVniMapHas( what.vrf ),
+               "VRF " + what.vrf.stringValue() + " has no VNI on " + what.intf.stringValue() );
+   vti->vrfToVniMapDel( what.vrf );
 }
 
 void PublishedState::replaceOne( Scenario::TunnelInterfaceReplaced const & what ) {
@@ -165,6 +184,7 @@ void PublishedState::publishOne( Scenario::ClassIdGrant const & what ) {
 }
 
 void PublishedState::withdrawOne( Scenario::ClassIdGrant const & what ) {
+   checkThere( allocator_->isGranted( what.vtep ), what.vtep.stringValue() + " has no class id" );
    allocator_->grantDel( what.vtep );
 }
 

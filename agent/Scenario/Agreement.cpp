@@ -33,12 +33,19 @@ void Agreement::check( Reading & reading ) const {
 }
 
 // A switch without an address forwards nothing, and is none of those VTEPs.
-void Agreement::checkVteps( Reading & reading ) const {
-   for ( auto const & [ vtep, line ] : remote_ ) {
+void Agreement::checkOthers( Reading & reading, Vteps const & vteps ) const {
+   for ( auto const & [ vtep, line ] : vteps ) {
       if ( auto const self = own_.find( vtep ); self != own_.end() ) {
          reading.problem( line, vtep.stringValue() + " is this switch itself" +
                                    inLine( self->second ) + "; give the address of another VTEP" );
       }
+   }
+}
+
+void Agreement::checkVteps( Reading & reading ) const {
+   checkOthers( reading, remote_ );
+   checkOthers( reading, sharing_ );
+   for ( auto const & [ vtep, line ] : remote_ ) {
       auto const family = vtep.family();
       bool const isReachable = std::any_of( own_.begin(), own_.end(), [ & ]( auto const & one ) {
          return one.first.family() == family;
@@ -88,6 +95,13 @@ void Agreement::checkAccess( Reading & reading ) const {
 
 void Agreement::checkDesignated( Reading & reading ) const {
    for ( auto const & [ intf, line ] : designated_ ) {
+      auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
+      if ( member != members_.end() && !leaving_.contains( intf ) ) {
+         reading.problem( line, intf.stringValue() + " is in a port channel" +
+                                   inLine( member->line ) +
+                                   ", which is designated as a whole; name " +
+                                   member->portChannel.stringValue() );
+      }
       bool const hasVlans = std::any_of( access_.begin(), access_.end(), isAbout( intf ) );
       bool const isUnderlay = underlay_.contains( intf );
       if ( !own_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {

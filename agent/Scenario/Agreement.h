@@ -24,6 +24,11 @@ class Agreement {
       remote_.push_back( { vtep, line } );
    }
 
+   // A VTEP that shares a segment with the switch.
+   void sharingVtepIs( Pelk::IpGenAddr const & vtep, int line ) {
+      sharing_.push_back( { vtep, line } );
+   }
+
    // The interface carries VXLAN.
    void underlayIs( Pelk::IntfId const & intf, int line ) { underlay_.try_emplace( intf, line ); }
    // The interface or port channel carries VLANs.
@@ -49,19 +54,22 @@ class Agreement {
       int line;
    };
    using Interfaces = std::vector< Said< Pelk::IntfId > >;
+   using Vteps = std::vector< Said< Pelk::IpGenAddr > >;
    struct Member {
       Pelk::IntfId what;
       int line;
       Pelk::IntfId portChannel;
    };
 
+   void checkOthers( Reading & reading, Vteps const & vteps ) const;
    void checkVteps( Reading & reading ) const;
    void checkUnderlay( Reading & reading ) const;
    void checkAccess( Reading & reading ) const;
    void checkDesignated( Reading & reading ) const;
 
    std::map< Pelk::IpGenAddr, int > own_;
-   std::vector< Said< Pelk::IpGenAddr > > remote_;
+   Vteps remote_;
+   Vteps sharing_;
    std::map< Pelk::IntfId, int > underlay_;
    std::map< Pelk::IntfId, int > leaving_;
    Interfaces access_;

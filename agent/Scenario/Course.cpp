@@ -17,7 +17,8 @@ bool isPublished( StateDatabase::EntityPath const & path ) {
 // What is published at one time.
 class Course {
  public:
-   explicit Course( Reading & reading ) : reading_( reading ) {}
+   Course( Reading & reading, Variant variant )
+         : reading_( reading ), hasClassIds_( variant == Variant::classId ) {}
 
    void publish( std::vector< Change > const & changes ) {
       for ( Change const & change : changes ) {
@@ -86,17 +87,30 @@ class Course {
       portChannelOf_[ what.member ] = what.portChannel;
    }
    void enters( Segment const & what ) { segments_[ what.intf ]; }
-   void enters( SegmentVtep const & what ) { segments_[ what.intf ].insert( what.vtep ); }
+   void enters( SegmentVtep const & what ) {
+      segments_[ what.intf ].insert( what.vtep );
+      sharesASegment( what.vtep );
+   }
    void enters( VtepVirtualPort const & what ) {
       virtualPorts_.insert_or_assign( what.vtep, VirtualPort{ what.virtualPort, line_ } );
    }
    void enters( TunnelInterface const & what ) { tunnels_[ what.intf ]; }
    void enters( VrfVni const & what ) { tunnels_[ what.intf ].insert( what.vrf ); }
-   void enters( ClassIdRequest const & ) {}
-   void enters( ClassIdGrant const & ) {}
+   void enters( ClassIdRequest const & what ) { asking_.insert( what.vtep ); }
+   void enters( ClassIdGrant const & what ) { grants_.insert( what.vtep ); }
+
+   // The plug-in asks for a class id, and the allocator grants one in its own time.
+   void sharesASegment( IpGenAddr const & vtep ) {
+      if ( hasClassIds_ ) {
+         asking_.insert( vtep );
+      }
+   }
 
    void takesThePlace( SegmentReplaced const & what ) {
       segments_[ what.intf ] = { what.vteps.begin(), what.vteps.end() };
+      for ( IpGenAddr const & vtep : what.vteps ) {
+         sharesASegment( vtep );
+      }
    }
    void takesThePlace( TunnelInterfaceReplaced const & what ) {
       auto & vrfs = tunnels_[ what.intf ];
@@ -150,9 +164,12 @@ class Course {
       isThere( tunnel != tunnels_.end() && tunnel->second.erase( what.vrf ) == 1,
                "VRF " + what.vrf.stringValue() + " has no VNI on " + what.intf.stringValue() );
    }
-   // The allocator has a say in these.
+   // No word withdraws a request.
    void goes( ClassIdRequest const & ) {}
-   void goes( ClassIdGrant const & ) {}
+   void goes( ClassIdGrant const & what ) {
+      isThere( grants_.erase( what.vtep ) == 1 || asking_.contains( what.vtep ),
+               what.vtep.stringValue() + " has no class id" );
+   }
 
    void checkIndices() {
       std::map< U16, IpGenAddr > vtepOf;
@@ -178,6 +195,7 @@ class Course {
    }
 
    Reading & reading_;
+   bool hasClassIds_;
    int line_ = 0;
    bool arePortsNew_ = false;
    std::set< IntfId > ports_;
@@ -185,13 +203,31 @@ class Course {
    std::map< IntfId, std::set< IpGenAddr > > segments_;
    std::map< IpGenAddr, VirtualPort > virtualPorts_;
    std::map< IntfId, std::set< L3::VrfName > > tunnels_;
+   std::set< IpGenAddr > grants_;  // published, not the allocator's own
+   std::set< IpGenAddr > asking_;  // may be granted a class id at any time
    std::set< int > told_;
 };
+
+bool isAboutFrames( Action const & action ) {
+   return std::holds_alternative< Frame >( action ) ||
+          std::holds_alternative< Capture >( action ) ||
+          std::holds_alternative< DesignatedForwarder >( action );
+}
+
+void checkForwarding( Reading & reading, Model const & model ) {
+   for ( Step const & step : model.steps ) {
+      if ( !model.forwarding && isAboutFrames( step.action ) ) {
+         reading.problem( step.line,
+                          "this step needs 'forwarding', and the scenario has none; add it" );
+      }
+   }
+}
 
 }  // namespace
 
 void followCourse( Reading & reading, Model const & model ) {
-   Course course( reading );
+   checkForwarding( reading, model );
+   Course course( reading, model.device.variant );
    course.publish( model.published );
    course.checkVirtualPorts();
    for ( Step const & step : model.steps ) {

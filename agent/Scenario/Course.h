@@ -4,7 +4,7 @@
 // What only the order of things makes wrong is found here, before anything is loaded: what is
 // withdrawn must be there, and no two VTEPs may have one VP index when a step is over. Steps that
 // reach published entities through the generic interface can change anything; from there on nothing
-// is said.
+// is said of these two. Steps about frames need a switch that is told how to forward.
 #pragma once
 
 #include <Scenario/Reading.h>

@@ -27,7 +27,7 @@ std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int l
    return std::nullopt;
 }
 
-// A VLAN that could be read has a VNI; where none could be, that is told already.
+// A VLAN that could be read has a VNI; where a VLAN or a VNI could not be, that is told already.
 void checkMapped( Reading & reading, Vlan vlan, int line, Forwarding const & forwarding ) {
    auto const & vnis = forwarding.config.vlanToVni;
    if ( vlan != 0 && !vnis.contains( vlan ) ) {
@@ -35,6 +35,18 @@ void checkMapped( Reading & reading, Vlan vlan, int line, Forwarding const & for
                                 " is not among 'vlans'; give it a VNI there, as in " +
                                 std::to_string( vlan ) + ": " + std::to_string( 10000 + vlan ) );
    }
+}
+
+// The MAC address of one station.
+std::optional< Chip::MacAddress > stationOf( Reading & reading, Value const & value ) {
+   auto const mac = valueOf< Chip::MacAddress >( reading, value );
+   if ( mac && mac->isGroup() ) {
+      reading.problem( value.line, value.name + " is " + mac->stringValue() +
+                                      ", which is for several stations; the address of one is "
+                                      "expected, as in 00:00:5e:00:53:01" );
+      return std::nullopt;
+   }
+   return mac;
 }
 
 // --- what the switch is called
@@ -58,12 +70,15 @@ void readVtepAddresses( Reading & reading, Value const & value, Forwarding & for
 
 void readRouterMac( Reading & reading, Value const & value, Forwarding & forwarding ) {
    forwarding.config.routerMac =
-      valueOf< Chip::MacAddress >( reading, value ).value_or( forwarding.config.routerMac );
+      stationOf( reading, value ).value_or( forwarding.config.routerMac );
 }
 
 // --- interfaces and VLANs
 
 void readUnderlay( Reading & reading, Value const & value, Forwarding & forwarding ) {
+   if ( value.node.IsSequence() && value.node.size() == 0 ) {
+      reading.problem( value.line, "underlay is empty; give one at least, as in [ Ethernet49 ]" );
+   }
    for ( auto const & [ intf, line ] : distinctOf( reading, value, intfIn ) ) {
       reading.agreement().underlayIs( intf, line );
       forwarding.underlay.insert( intf );
@@ -73,7 +88,9 @@ void readUnderlay( Reading & reading, Value const & value, Forwarding & forwardi
 void readVlans( Reading & reading, Value const & value, Forwarding & forwarding ) {
    std::map< Chip::Vni, Vlan > vlanOfVni;
    for ( auto const & [ vlan, about ] : keyedOf( reading, value, vlanIn ) ) {
-      auto const vni = numberOf( reading, about, 1, kHighestVni );
+      std::string const name = "the VNI of VLAN " + std::to_string( vlan );
+      auto const vni = numberOf( reading, { about.node, about.line, name }, 1, kHighestVni );
+      forwarding.config.vlanToVni[ vlan ] = vni.value_or( 0 );
       if ( !vni ) {
          continue;
       }
@@ -83,7 +100,6 @@ void readVlans( Reading & reading, Value const & value, Forwarding & forwarding 
                                          std::to_string( other->second ) +
                                          " already; give each VLAN its own" );
       }
-      forwarding.config.vlanToVni[ vlan ] = *vni;
    }
 }
 
@@ -126,7 +142,7 @@ void readRouteVlan( Reading & reading, Value const & value, Chip::HostRoute & ro
 }
 
 void readRouteMac( Reading & reading, Value const & value, Chip::HostRoute & route ) {
-   route.mac = valueOf< Chip::MacAddress >( reading, value ).value_or( Chip::MacAddress() );
+   route.mac = stationOf( reading, value ).value_or( Chip::MacAddress() );
 }
 
 Table< Chip::HostRoute > const & hostTable() {

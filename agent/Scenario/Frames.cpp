@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+
 #include <Scenario/Parts.h>
 
 namespace Scenario {
@@ -167,6 +170,24 @@ void checkAddresses( Reading & reading, Value const & value, Chip::FrameFields c
    checkFamilies( reading, value, fields );
 }
 
+// Words that only a udp frame has a place for; none is told of where 'content' could not be read.
+void checkUdpWords( Reading & reading, Value const & value, Chip::FrameFields const & fields ) {
+   constexpr std::array< std::string_view, 3 > words{ "ttl", "source-port", "destination-port" };
+   YAML::Node const content = value.node[ "content" ];
+   bool const isRead = !content.IsDefined() ||
+                       ( content.IsScalar() && content.Scalar() == nameOf( fields.content ) );
+   if ( !isRead || fields.content == Chip::FrameContent::Udp ) {
+      return;
+   }
+   for ( auto const & entry : value.node ) {
+      std::string const word = entry.first.IsScalar() ? entry.first.Scalar() : "";
+      if ( std::find( words.begin(), words.end(), word ) != words.end() ) {
+         reading.problem( entry.first.Mark().line + 1,
+                          word + " is of udp frames; give 'content: udp', or leave it out" );
+      }
+   }
+}
+
 // --- a capture
 
 void readFile( Reading & reading, Value const & value, Capture & capture ) {
@@ -177,7 +198,7 @@ void readFile( Reading & reading, Value const & value, Capture & capture ) {
    capture.file = reading.directory() / *name;
    std::error_code error;
    if ( !std::filesystem::is_regular_file( capture.file, error ) ) {
-      reading.problem( value.line, "capture is " + inQuotes( *name ) +
+      reading.problem( value.line, "capture is " + pathInQuotes( *name ) +
                                       ", which is no file; a capture is expected, relative to the "
                                       "scenario's file" );
    }
@@ -271,6 +292,7 @@ void readFrame( Reading & reading, Value const & value, Frame & frame ) {
                        "'from' and 'vni' stand together: a frame from a VTEP comes in a VNI" );
    }
    checkAddresses( reading, value, frame.fields );
+   checkUdpWords( reading, value, frame.fields );
 }
 
 void readCapture( Reading & reading, Value const & value, Capture & capture ) {

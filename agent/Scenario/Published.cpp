@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <array>
+
 #include <Brum/PerUnitBitmap.h>
 #include <Frames/Headers.h>
 #include <Scenario/Parts.h>
@@ -155,6 +158,7 @@ void membersGone( Reading & reading, Value const & value, Changes & changes ) {
 void readSegmentVteps( Reading & reading, Pelk::IntfId const & intf, Value const & value,
                        Changes & changes ) {
    for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
+      reading.agreement().sharingVtepIs( vtep, line );
       changes.push_back( { SegmentVtep{ intf, vtep }, line } );
    }
 }
@@ -311,6 +315,17 @@ Table< Changes > const & replaceTable() {
    return table;
 }
 
+// The IPv4 address of an IPv4-mapped one (RFC 4291, section 2.5.5.2).
+std::optional< Pelk::IpGenAddr > ipv4Within( Pelk::IpGenAddr const & address ) {
+   constexpr std::array< U8, 12 > mapped{ 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff };
+   std::array< U8, 16 > const bytes = address.bytes();
+   bool const isMapped = address.family() == Pelk::IpGenAddr::Family::ipv6 &&
+                         std::equal( mapped.begin(), mapped.end(), bytes.begin() );
+   return isMapped ? std::optional( Pelk::IpGenAddr::ipv4(
+                        { bytes[ 12 ], bytes[ 13 ], bytes[ 14 ], bytes[ 15 ] } ) )
+                   : std::nullopt;
+}
+
 Table< Changes > const & withdrawTable() {
    static Table< Changes > const table{ "withdraw",
                                         { { { "interfaces", "" }, interfacesGone },
@@ -355,6 +370,13 @@ void readPortChannels( Reading & reading, Value const & value, Changes & changes
 
 std::optional< Pelk::IpGenAddr > vtepIn( Reading & reading, std::string const & text, int line ) {
    auto const vtep = parsed< Pelk::IpGenAddr >( reading, text, line );
+   if ( auto const inside = vtep ? ipv4Within( *vtep ) : std::nullopt ) {
+      reading.problem( line, vtep->stringValue() +
+                                " is an IPv4 address as IPv6 programs see it, which no packet "
+                                "carries; write " +
+                                inside->stringValue() );
+      return std::nullopt;
+   }
    if ( !vtep || ( Chip::isRoutable( *vtep ) && !Chip::isMulticast( *vtep ) ) ) {
       return vtep;
    }

@@ -26,7 +26,7 @@ std::string shown( std::vector< Problem > const & problems ) {
 
 std::string Problem::text() const {
    std::string const place = line == 0 ? file : file + ':' + std::to_string( line );
-   return Story::printable( shortened( place + ": " + message ) );
+   return Story::printable( place + ": " + shortened( message ) );
 }
 
 ReadError::ReadError( std::vector< Problem > problems )

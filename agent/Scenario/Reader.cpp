@@ -51,7 +51,7 @@ void readFeatures( Reading & reading, Value const & value, Document & document )
    document.model.featureFiles = document.directory / *directory;
    std::error_code error;
    if ( !fs::is_directory( document.model.featureFiles, error ) ) {
-      reading.problem( value.line, "features is " + inQuotes( *directory ) +
+      reading.problem( value.line, "features is " + pathInQuotes( *directory ) +
                                       ", which is no directory; the directory of the feature files "
                                       "is expected, relative to the scenario's" );
    }
@@ -154,8 +154,9 @@ bool isTwin( Value const & document ) {
 }
 
 // A whole scenario; with `variant` on that variant.
-Model modelOf( Value const & value, fs::path const & file, std::optional< Variant > variant ) {
-   Reading reading( file.string() );
+Model modelOf( std::string const & text, Value const & value, fs::path const & file,
+               std::optional< Variant > variant ) {
+   Reading reading( file.string(), text );
    Document document;
    document.directory = file.parent_path();
    document.model.file = file.string();
@@ -175,14 +176,14 @@ Model modelOf( Value const & value, fs::path const & file, std::optional< Varian
    return model;
 }
 
-Model modelOfTwin( Value const & value, fs::path const & file ) {
-   Reading reading( file.string() );
+Model modelOfTwin( std::string const & text, Value const & value, fs::path const & file ) {
+   Reading reading( file.string(), text );
    Twin twin;
    readMapping( reading, value, twinTable(), twin );
    reading.check();
 
    auto const refuse = [ & ]( std::string const & why ) {
-      reading.problem( twin.baseLine, "based-on is " + inQuotes( twin.base ) + why );
+      reading.problem( twin.baseLine, "based-on is " + pathInQuotes( twin.base ) + why );
       reading.check();
    };
    fs::path const base = ( file.parent_path() / twin.base ).lexically_normal();
@@ -190,11 +191,12 @@ Model modelOfTwin( Value const & value, fs::path const & file ) {
    if ( !fs::is_regular_file( base, error ) ) {
       refuse( ", which is no file; the file of a scenario is expected, relative to this one" );
    }
-   Value const document = documentIn( textIn( base ), base.string() );
+   std::string const baseText = textIn( base );
+   Value const document = documentIn( baseText, base.string() );
    if ( isTwin( document ) ) {
       refuse( ", which is based on another itself; name the scenario that it is based on" );
    }
-   Model model = modelOf( document, base, twin.variant );
+   Model model = modelOf( baseText, document, base, twin.variant );
    model.name = twin.name;
    model.description = twin.description.empty() ? model.description : twin.description;
    return model;
@@ -209,8 +211,8 @@ Model read( fs::path const & file ) {
 
 Model readText( std::string const & text, fs::path const & file ) {
    Value const document = documentIn( text, file.string() );
-   return isTwin( document ) ? modelOfTwin( document, file )
-                             : modelOf( document, file, std::nullopt );
+   return isTwin( document ) ? modelOfTwin( text, document, file )
+                             : modelOf( text, document, file, std::nullopt );
 }
 
 std::vector< WordList > vocabulary() {

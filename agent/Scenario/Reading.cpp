@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <sstream>
 
 #include <Scenario/ShownTraces.h>
 
@@ -31,6 +32,22 @@ bool matches( std::string_view pattern, std::string_view name ) {
 }
 
 }  // namespace
+
+// Blanks and comments alone stand between the dash and what comes next.
+int Reading::lineOfDash( YAML::Mark const & next ) const {
+   std::istringstream in( text_ );
+   int dash = 1;
+   std::string line;
+   for ( int n = 0; n < next.line && std::getline( in, line ); ++n ) {
+      auto const first = line.find_first_not_of( " \t\r" );
+      bool const hasContent = first != std::string::npos && line[ first ] != '#';
+      dash = hasContent ? n + 1 : dash;
+   }
+   std::getline( in, line );
+   auto const column = static_cast< std::size_t >( std::max( next.column, 0 ) );
+   bool const isWritten = line.substr( 0, column ).find_first_not_of( " \t" ) != std::string::npos;
+   return isWritten ? next.line + 1 : dash;
+}
 
 void Reading::problem( int line, std::string message ) {
    problems_.push_back( { file_, line, std::move( message ) } );
@@ -108,6 +125,10 @@ std::string listed( std::vector< std::string_view > const & words, std::string c
       text += words[ n ];
    }
    return text;
+}
+
+std::string knownOnes( std::vector< std::string_view > const & words ) {
+   return ( words.size() == 1 ? "known is " : "known are " ) + listed( words, "and" );
 }
 
 std::string_view kindOf( YAML::Node const & node ) {

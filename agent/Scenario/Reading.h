@@ -38,10 +38,16 @@ class Reading {
  public:
    static constexpr std::size_t kMostProblems = 1000;
 
-   explicit Reading( std::string file ) : file_( std::move( file ) ) {}
+   // Of that text, which a file or a pipe holds.
+   Reading( std::string file, std::string text )
+         : file_( std::move( file ) ), text_( std::move( text ) ) {}
 
    // Where the files are that the scenario names.
    std::filesystem::path directory() const { return std::filesystem::path( file_ ).parent_path(); }
+
+   // The line of an element of a list with nothing in it but its dash; the parser knows only where
+   // what comes next begins.
+   int lineOfDash( YAML::Mark const & next ) const;
 
    // Beyond kMostProblems nothing more is read: ReadError with those found until then.
    void problem( int line, std::string message );
@@ -74,6 +80,7 @@ class Reading {
    [[noreturn]] void refuse();
 
    std::string file_;
+   std::string text_;
    Agreement agreement_;
    std::vector< Problem > problems_;
    std::set< Pelk::IntfId > defined_;
@@ -88,6 +95,9 @@ std::string_view nearest( std::string_view text, std::vector< std::string_view >
 // "a, b or c", with `last` as the word before the last.
 std::string listed( std::vector< std::string_view > const & words,
                     std::string const & last = "or" );
+
+// "known are a, b and c".
+std::string knownOnes( std::vector< std::string_view > const & words );
 
 // What a node is, in words: "a mapping", "a list", "text", "empty".
 std::string_view kindOf( YAML::Node const & node );

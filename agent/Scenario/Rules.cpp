@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <array>
+
+#include <Brum/PerUnitBitmap.h>
 #include <FieldProcessor/Fields.h>
 #include <Scenario/Parts.h>
 
@@ -25,17 +29,54 @@ template< typename T > void readUnit( Reading & reading, Value const & value, T 
 using Fields = std::vector< RuleFieldWanted >;
 
 // A number, a list of them, or nothing where any will do.
-std::optional< std::vector< U32 > > numbersOf( Reading & reading, Value const & value ) {
+std::optional< std::vector< U32 > > numbersOf( Reading & reading, Value const & value,
+                                               U32 highest ) {
    if ( value.node.IsNull() ) {
       return std::nullopt;
    }
    std::vector< U32 > numbers;
    if ( !value.node.IsSequence() ) {
-      numbers.push_back( numberOf( reading, value, 0, kHighestNumber ).value_or( 0 ) );
+      numbers.push_back( numberOf( reading, value, 0, highest ).value_or( 0 ) );
       return numbers;
    }
    for ( Value const & element : listOf( reading, value ) ) {
-      numbers.push_back( numberOf( reading, element, 0, kHighestNumber ).value_or( 0 ) );
+      numbers.push_back( numberOf( reading, element, 0, highest ).value_or( 0 ) );
+   }
+   return numbers;
+}
+
+// The ports of a port mask, in the order in which the chip gives them.
+std::optional< std::vector< U32 > > portsOf( Reading & reading, Value const & value ) {
+   constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
+   auto ports = numbersOf( reading, value, kHighestPort );
+   if ( ports ) {
+      std::sort( ports->begin(), ports->end() );
+   }
+   return ports;
+}
+
+// Two numbers for a port, none for what has no data, and one for the rest.
+std::size_t countOfNumbers( std::string_view field ) {
+   return field == Chip::nameOf( Chip::Qualifier::DstPort ) ? 2
+          : field == Chip::nameOf( Chip::Action::Drop )     ? 0
+                                                            : 1;
+}
+
+// The data that a rule can have there.
+std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & value ) {
+   if ( value.name == Chip::nameOf( Chip::Action::EgressMask ) ) {
+      return portsOf( reading, value );
+   }
+   auto const numbers = numbersOf( reading, value, kHighestNumber );
+   std::size_t const count = countOfNumbers( value.name );
+   if ( numbers && numbers->size() != count ) {
+      constexpr std::array< std::string_view, 3 > expected{
+         "nothing is expected", "one number is expected",
+         "module and port are expected, as in [ 1, 3 ]"
+      };
+      reading.problem( value.line, value.name + " has " + std::to_string( numbers->size() ) +
+                                      ( numbers->size() == 1 ? " number; " : " numbers; " ) +
+                                      std::string( expected[ count ] ) );
    }
    return numbers;
 }
@@ -49,9 +90,10 @@ void readFields( Reading & reading, Value const & value, Names const & names, Fi
    for ( Value const & field : mappingOf( reading, value ) ) {
       if ( std::find( known.begin(), known.end(), field.name ) == known.end() ) {
          reading.problem( field.line, inQuotes( field.name ) + " is none of a rule's " +
-                                         value.name + "; known are " + listed( known, "and" ) );
+                                         value.name + "; " + knownOnes( known ) );
+         continue;
       }
-      fields.push_back( { field.name, numbersOf( reading, field ) } );
+      fields.push_back( { field.name, dataOf( reading, field ) } );
    }
 }
 

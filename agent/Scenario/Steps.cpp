@@ -261,7 +261,7 @@ void readPath( Reading & reading, Value const & value, StateDatabase::EntityPath
       path = StateDatabase::EntityPath::fromString( *text );
    } catch ( Quelm::TextError const & error ) {
       reading.problem( value.line,
-                       inQuotes( *text ) + " is not the path of an entity, as in " +
+                       pathInQuotes( *text ) + " is not the path of an entity, as in " +
                           "/evpn/status/segmentStatus[Port-Channel2]: " + error.what() );
    }
 }

@@ -24,6 +24,15 @@ std::string withoutQuotes( Value const & value ) {
    return value.node.Tag() == kQuoted ? ", without quotes" : "";
 }
 
+// Of an element of a list.
+int lineOf( Reading const & reading, Value const & list, YAML::Node const & element ) {
+   if ( !element.IsNull() ) {
+      return element.Mark().line + 1;
+   }
+   bool const hasDashes = list.node.Style() == YAML::EmitterStyle::Block;
+   return hasDashes ? reading.lineOfDash( element.Mark() ) : list.line;
+}
+
 // The words of YAML 1.2; "yes" and "on" are texts there.
 bool isYesOrNo( std::string_view text ) {
    constexpr std::array< std::string_view, 6 > words{ "true",  "True",  "TRUE",
@@ -35,6 +44,10 @@ bool isYesOrNo( std::string_view text ) {
 
 std::string inQuotes( std::string_view text ) {
    return '\'' + std::string( beginning( text, kShown ) ) + ( text.size() > kShown ? "...'" : "'" );
+}
+
+std::string pathInQuotes( std::string_view path ) {
+   return '\'' + std::string( path ) + '\'';
 }
 
 std::vector< Value > mappingOf( Reading & reading, Value const & value ) {
@@ -65,9 +78,8 @@ std::vector< Value > listOf( Reading & reading, Value const & value ) {
       return elements;
    }
    for ( YAML::Node const & element : value.node ) {
-      // What is not there has no line of its own.
-      int const line = element.IsNull() ? value.line : element.Mark().line + 1;
-      elements.push_back( { element, line, "an element of " + value.name } );
+      elements.push_back(
+         { element, lineOf( reading, value, element ), "an element of " + value.name } );
    }
    return elements;
 }

@@ -22,8 +22,9 @@
 
 namespace Scenario {
 
-// `text` in single quotes, cut short where it is long.
+// `text` in single quotes, cut short where it is long; a path is never cut.
 std::string inQuotes( std::string_view text );
+std::string pathInQuotes( std::string_view path );
 
 // The members of a mapping under their keys, in the order written; of a repeated key the first.
 // What is not a mapping is a problem.

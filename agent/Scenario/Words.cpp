@@ -20,7 +20,7 @@ std::size_t indexOf( Reading & reading, Value const & member, WordList const & l
    reading.problem( member.line,
                     "unknown word " + inQuotes( member.name ) + " in " + std::string( list.place ) +
                        "; " +
-                       ( near.empty() ? "known are " + listed( list.names(), "and" )
+                       ( near.empty() ? knownOnes( list.names() )
                                       : "did you mean '" + std::string( near ) + "'?" ) );
    return kUnknown;
 }

@@ -66,6 +66,13 @@ bool isControl( U32 code ) {
    return code < 0x20 || ( code >= 0x7f && code <= 0x9f );
 }
 
+// What turns the order of the characters around it, or ends a line (Unicode, UAX 9 and UAX 14).
+bool isReordering( U32 code ) {
+   constexpr U32 kArabicMark = 0x61c;
+   return code == kArabicMark || code == 0x200e || code == 0x200f ||
+          ( code >= 0x2028 && code <= 0x202e ) || ( code >= 0x2066 && code <= 0x2069 );
+}
+
 std::string escaped( U32 control ) {
    switch ( control ) {
    case '\n': return "\\n";
@@ -94,7 +101,7 @@ std::string printable( std::string_view text ) {
       std::size_t const size = std::max< std::size_t >( character.size, 1 );
       if ( character.size == 0 ) {
          result += fmt::format( "\\x{:02x}", byteOf( text[ 0 ] ) );
-      } else if ( isControl( character.code ) ) {
+      } else if ( isControl( character.code ) || isReordering( character.code ) ) {
          result += escaped( character.code );
       } else {
          result += text.substr( 0, size );

@@ -8,8 +8,9 @@
 namespace Story {
 
 // The text with everything that is not to be printed written out: control characters (C0, DEL and
-// C1) as \n, \t, \x1b or \u009b, bytes that are no UTF-8 as \xff. What is printable is not changed
-// by it, so nothing happens to a text that it is applied to twice.
+// C1) as \n, \t, \x1b or \u009b, characters that end a line or turn the direction of the text as
+// \u2028 or \u202e, bytes that are no UTF-8 as \xff. What is printable is not changed by it, so
+// nothing happens to a text that it is applied to twice.
 std::string printable( std::string_view text );
 
 // The same for a text of several lines, whose line ends stay.

@@ -90,11 +90,7 @@ Injector::Injector( Context const & context )
 // --- How the switch forwards
 
 Chip::ForwardingConfig Injector::forwardingNow() const {
-   if ( !forwarding_ ) {
-      throw Quelm::Error(
-         "the scenario does not say how the switch forwards; give it 'forwarding'" );
-   }
-   Chip::ForwardingConfig config = forwarding_->config;
+   Chip::ForwardingConfig config = forwarding_.value().config;
    addInterfaces( config, *forwarding_, *context_.published.common() );
    addPortChannels( config, *forwarding_, *context_.published.lagConfig() );
    addTunnels( config, *context_.published.vpIndexStatus() );
@@ -135,15 +131,7 @@ VornalTypes::VornalPort Injector::portOf( IntfId const & intfId ) const {
 }
 
 IntfId Injector::arrivalOf( Scenario::Frame const & frame ) const {
-   if ( frame.on ) {
-      return *frame.on;
-   }
-   if ( forwarding_->underlay.empty() ) {
-      throw Quelm::Error(
-         "a frame from a VTEP needs an underlay interface to come in on; name one "
-         "in 'forwarding'" );
-   }
-   return *forwarding_->underlay.begin();
+   return frame.on ? *frame.on : *forwarding_->underlay.begin();
 }
 
 void Injector::inject( Scenario::Frame const & frame ) {

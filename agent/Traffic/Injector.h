@@ -9,10 +9,12 @@
 // into captures, one for each port; a frame that has been told is in them, whatever becomes of this
 // process.
 //
-// Failures: Quelm::Error for a scenario that does not say how the switch forwards, for an interface
-// without a port, and for a capture that cannot be read; nothing of that step is injected then, but
-// the frames before a capture's damage. Quelm::Error as well for a capture that does not take what
-// leaves.
+// A scenario with frames says how the switch forwards, with an underlay interface at least; its
+// reader sees to that.
+//
+// Failures: Quelm::Error for an interface without a port, and for a capture that cannot be read;
+// nothing of that step is injected then, but the frames before a capture's damage. Quelm::Error as
+// well for a capture that does not take what leaves.
 //
 // Threads: the activity's.
 #pragma once

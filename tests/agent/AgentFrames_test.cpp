@@ -49,14 +49,6 @@ std::map< std::string, std::string > verdictsOf( Story::FrameForwarded const & f
 
 using Verdicts = std::map< std::string, std::string >;
 
-TEST_F( Frames, need_a_switch_that_is_told_how_to_forward ) {
-   runText( kSwitch + "steps:\n  - frame: { on: Ethernet1, source: '00:00:5e:00:53:01' }\n" );
-
-   EXPECT_EQ( badInputOf( story ),
-              "scenario.yaml:10: the scenario does not say how the switch forwards; give it "
-              "'forwarding'" );
-}
-
 TEST_F( Frames, cannot_come_in_on_an_interface_without_a_port ) {
    runText( kSwitch + kForwarding + "  - frame: { on: Ethernet2, source: '00:00:5e:00:53:01' }\n" );
 

@@ -62,6 +62,7 @@ TEST_F( AuditKnown, rules_keep_a_class_id_that_is_withdrawn ) {
 
    EXPECT_EQ( kinds( audited ), "class-id-withdrawn" ) << words( audited );
    EXPECT_EQ( audited.differences[ 0 ].is, "1" );
+   EXPECT_EQ( audited.differences[ 0 ].shouldBe, "a class id that is granted" );
 }
 
 TEST_F( AuditKnown, a_class_id_that_changes_under_the_rules_is_a_difference ) {

@@ -23,6 +23,15 @@ TEST( Printable, writes_control_characters_out ) {
       << "C1 controls are characters of two bytes";
 }
 
+TEST( Printable, writes_line_separators_and_changes_of_direction_out ) {
+   EXPECT_EQ( printable( "a\xe2\x80\xa8 b\xe2\x80\xa9" ), "a\\u2028 b\\u2029" );
+   EXPECT_EQ( printable( "\xe2\x80\xae.gnp\xe2\x80\xac" ), "\\u202e.gnp\\u202c" );
+   EXPECT_EQ( printable( "\xe2\x81\xa6\xe2\x81\xa9\xe2\x80\x8f\xd8\x9c" ),
+              "\\u2066\\u2069\\u200f\\u061c" );
+   EXPECT_EQ( printable( "\xe2\x80\xa7\xe2\x80\xaf" ), "\xe2\x80\xa7\xe2\x80\xaf" )
+      << "their neighbours";
+}
+
 TEST( Printable, writes_bytes_that_are_no_utf_8_out ) {
    EXPECT_EQ( printable( "M\xfcnchen" ), "M\\xfcnchen" );
    EXPECT_EQ( printable( "\x9b" ), "\\x9b" ) << "a control of one byte, for terminals of old";

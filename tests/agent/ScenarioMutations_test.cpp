@@ -41,6 +41,7 @@ bool hasRemedy( std::string const & message ) {
                                                      "; use ",
                                                      ", as in ",
                                                      "; known are ",
+                                                     "; known is ",
                                                      "; check ",
                                                      "; save ",
                                                      "; close it",
@@ -87,7 +88,7 @@ std::vector< Unsayable > const & unsayable() {
       { "parts agree with each other",
         { " is this switch itself", " no VTEP address of the switch is ",
           "no VTEP address of the switch", " is an underlay interface",
-          " is in a port channel (line ", " carries no VLANs" } },
+          " is in a port channel (line ", " carries no VLANs", "this step needs 'forwarding'" } },
       { "one number is at least another", { "class-ids end at " } },
       { "steps follow each other",
         { " at this point, so nothing can be withdrawn", " has the VP index of " } },
@@ -214,7 +215,8 @@ TEST( ScenarioMutations, AreSeenAlikeWhereSchemaAndReaderWereAtOdds ) {
              ", underlay: [ Ethernet1 ], vlans: " + vlans + " }\n";
    };
    auto const frame = [ & ]( std::string const & words ) {
-      return leaf + "steps: [ { frame: { source: 00:00:5e:00:53:01, " + words + " } } ]\n";
+      return forwarding( "[ 10.0.0.1, '2001:db8::1' ]", "{}" ) +
+             "steps: [ { frame: { source: 00:00:5e:00:53:01, " + words + " } } ]\n";
    };
    auto const rules = [ & ]( std::string const & words ) {
       return leaf + "steps: [ { expect: { rules: { group: ingress, " + words + " } } } ]\n";
@@ -226,6 +228,9 @@ TEST( ScenarioMutations, AreSeenAlikeWhereSchemaAndReaderWereAtOdds ) {
       { leaf + "  l3-multicast-exempt: yes\n", false },
       { forwarding( "[ 10.0.0.1 ]", "{ 10: 10100 }" ), true },
       { forwarding( "[]", "{ 10: 10100 }" ), false },
+      { leaf + "forwarding: { vtep-addresses: [ 10.0.0.1 ], underlay: [], vlans: {} }\n", false },
+      { forwarding( "[ 10.0.0.1 ]", "{}, router-mac: '01:00:5e:00:00:01'" ), false },
+      { forwarding( "[ 10.0.0.1 ]", "{}, router-mac: '02:00:5e:00:00:01'" ), true },
       { forwarding( "[ 10.0.0.1, 10.0.0.3 ]", "{}" ), false },
       { forwarding( "[ 10.0.0.1, '2001:db8::1' ]", "{}" ), true },
       { forwarding( "[ 10.0.0.1 ]", "{ 4094: 1 }" ), true },
@@ -242,6 +247,12 @@ TEST( ScenarioMutations, AreSeenAlikeWhereSchemaAndReaderWereAtOdds ) {
       { leaf + "evpn: { vteps: { 239.1.1.1: { virtual-port: 2 } } }\n", false },
       { leaf + "evpn: { vteps: { 'ff0e::1': { virtual-port: 2 } } }\n", false },
       { leaf + "evpn: { vteps: { '0::0.0.0.1': { virtual-port: 2 } } }\n", false },
+      { leaf + "evpn: { vteps: { '::ffff:10.0.0.2': { virtual-port: 2 } } }\n", false },
+      { leaf + "evpn: { vteps: { '0:0::FFFF:a00:2': { virtual-port: 2 } } }\n", false },
+      { leaf + "evpn: { vteps: { '0:0:0:0:0:ffff:a00::': { virtual-port: 2 } } }\n", false },
+      { leaf + "evpn: { vteps: { '::0:ffff:a00:2': { virtual-port: 2 } } }\n", false },
+      { leaf + "evpn: { vteps: { '::ffff:2': { virtual-port: 2 } } }\n", true },
+      { leaf + "evpn: { vteps: { '::ffff:1:a00:2': { virtual-port: 2 } } }\n", true },
       { leaf + "  class-ids: { first: 4096 }\n", false },
       { leaf + "  class-ids: { first: 4096, last: 5000 }\n", true },
       { leaf + "  class-ids: { last: 0 }\n", false },
@@ -252,6 +263,11 @@ TEST( ScenarioMutations, AreSeenAlikeWhereSchemaAndReaderWereAtOdds ) {
       { frame( "from: 10.0.0.2" ), false },
       { frame( "on: Ethernet1, vni: 10" ), false },
       { frame( "from: 10.0.0.2, vni: 0" ), true },
+      { frame( "on: Ethernet1, ttl: 3" ), false },
+      { frame( "on: Ethernet1, content: bare, source-port: 3" ), false },
+      { frame( "on: Ethernet1, content: udp, source-ip: 10.0.0.1, destination-ip: 10.0.0.2, "
+               "ttl: 3" ),
+        true },
       { frame( "on: Ethernet1, content: arp" ), false },
       { frame( "on: Ethernet1, content: arp, source-ip: 10.0.0.1, destination-ip: 10.0.0.2" ),
         true },
@@ -259,6 +275,15 @@ TEST( ScenarioMutations, AreSeenAlikeWhereSchemaAndReaderWereAtOdds ) {
       { frame( "on: Ethernet1, content: udp, source-ip: 10.0.0.1, destination-ip: '::2'" ), false },
       { rules( "qualifiers: { PacketRes: 1 }" ), true },
       { rules( "qualifiers: { PacketRez: 1 }" ), false },
+      { rules( "qualifiers: { PacketRes: [ 1 ] }" ), true },
+      { rules( "qualifiers: { PacketRes: [ 1, 2 ] }" ), false },
+      { rules( "qualifiers: { DstPort: 3 }" ), false },
+      { rules( "qualifiers: { DstPort: [ 1, 3 ] }" ), true },
+      { rules( "qualifiers: { DstPort: }" ), true },
+      { rules( "actions: { EgressMask: [ 351, 3 ] }" ), true },
+      { rules( "actions: { EgressMask: [ 352 ] }" ), false },
+      { rules( "actions: { EgressMask: 999 }" ), false },
+      { rules( "actions: { Drop: 1 }" ), false },
       { rules( "actions: { Drop: }" ), true },
       { rules( "actions: { PacketRes: }" ), false },
       { rules( "actions: none" ), true },

@@ -92,7 +92,7 @@ TEST( ScenarioSteps, AreMappings ) {
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
               "drift, fail-call, verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps:\n   -\n" ),
-              "leaf.yaml:9: an element of steps is empty; a mapping is expected, of note, ready, "
+              "leaf.yaml:10: an element of steps is empty; a mapping is expected, of note, ready, "
               "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
               "drift, fail-call, verify, expect and only-on" );

@@ -144,8 +144,13 @@ std::string scenarioOf( std::string const & example ) {
       "             segments: { Port-Channel2: [ 10.0.0.2 ] },\n"
       "             vteps: { 10.0.0.2: { virtual-port: 2 } },\n"
       "             tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001 } } } }\n";
+   std::string const forwarding =
+      "forwarding: { vtep-addresses: [ 10.0.0.1, '2001:db8::1' ], underlay: [ Ethernet1 ],\n"
+      "              vlans: { 20: 10020 }, access: { Port-Channel2: 20 } }\n";
    bool const isSteps = example.starts_with( "- " );
-   return leaf + ( isSteps ? "trace: { VornalEvpnSm: 5 }\nsteps:\n" + published : "" ) + example;
+   return leaf +
+          ( isSteps ? forwarding + "trace: { VornalEvpnSm: 5 }\nsteps:\n" + published : "" ) +
+          example;
 }
 
 TEST( ScenarioVocabulary, IsShownInExamplesThatTheReaderTakes ) {
