@@ -104,4 +104,35 @@ TEST_F( Steps, grant_change_and_withdraw_class_ids_by_hand ) {
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 3 ) ), Grants{ "none" } );
 }
 
+// The reader cannot know what is published behind a step of the generic interface.
+TEST_F( Steps, end_the_scenario_where_there_is_nothing_to_withdraw ) {
+   std::vector< std::pair< std::string, std::string > > const all{
+      { "segments: { Ethernet1: [ 10.9.9.9 ] }",
+        "10.9.9.9 is not attached to a segment on Ethernet1" },
+      { "vteps: [ 10.9.9.9 ]", "10.9.9.9 has no virtual port" },
+      { "tunnel-interfaces: [ Vxlan9 ]", "there is no Vxlan9" },
+      { "tunnel-interfaces: { Vxlan9: [ red ] }", "VRF red has no VNI on Vxlan9" },
+      { "class-id-grants: [ 10.9.9.9 ]", "10.9.9.9 has no class id" }
+   };
+   for ( auto const & [ words, absent ] : all ) {
+      run(
+         "   - set: { entity: /evpn/status, attribute: segmentStatus, key: Ethernet1 }\n"
+         "   - withdraw: { " +
+         words + " }\n" );
+
+      std::string const told = story.all< Story::BadInput >().back().text;
+      EXPECT_TRUE( told.ends_with( absent + " at this point, so nothing can be withdrawn" ) )
+         << words << ": " << told;
+   }
+   EXPECT_EQ( story.all< Story::BadInput >().size(), all.size() );
+}
+
+TEST_F( Steps, end_the_scenario_where_there_is_nothing_to_delete ) {
+   run( "   - delete: { entity: /evpn/status, attribute: segmentStatus, key: Ethernet77 }\n" );
+
+   EXPECT_TRUE( badInput().ends_with(
+      "attribute 'segmentStatus' has no key 'Ethernet77', so nothing can be deleted" ) )
+      << badInput();
+}
+
 }  // namespace
