@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <CommandLine/Terminal.h>
+#include <Process/EndWatch.h>
 
 #include <poll.h>
 #include <unistd.h>
@@ -73,6 +74,7 @@ void OutputStream::Buffer::writeAll( std::string_view text ) {
    while ( !text.empty() ) {
       ssize_t const written = ::write( fd_, text.data(), text.size() );
       if ( written >= 0 ) {
+         Process::EndWatch::hasWritten();
          text.remove_prefix( static_cast< std::size_t >( written ) );
       } else if ( errno == EAGAIN ) {
          awaitRoom( fd_ );

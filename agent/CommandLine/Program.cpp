@@ -5,6 +5,8 @@
 
 #include <CommandLine/Commands.h>
 #include <CommandLine/OutputStream.h>
+#include <Process/EndWatch.h>
+#include <Process/Interruption.h>
 #include <Process/Standard.h>
 #include <Story/Printable.h>
 
@@ -16,6 +18,12 @@ namespace CommandLine {
 namespace {
 
 constexpr int kBadInput = static_cast< int >( Story::ExitCode::BadInput );
+
+// Of a program with an output that is not complete: one that was interrupted ends as such.
+int exitCodeOfFailure() {
+   int const signal = Process::Interruption::last();
+   return signal == 0 ? kBadInput : static_cast< int >( Story::exitCodeOf( signal ) );
+}
 
 Story::ExitCode perform( Command const & command, std::ostream & out ) {
    return std::visit( Story::Overloaded{
@@ -41,16 +49,20 @@ int program( int argc, char const * const * argv ) {
    // has gone is one of standard output: neither is an end without a word.
    signal( SIGXFSZ, SIG_IGN );
    signal( SIGPIPE, SIG_IGN );
+   Process::EndWatch const watch;
    OutputStream out( STDOUT_FILENO, "standard output" );
    try {
       int const exitCode = answer( argc, argv, out );
       out.flush();
       // Nowhere is left to say that standard error is not complete.
-      return std::cerr ? exitCode : kBadInput;
+      return std::cerr ? exitCode : exitCodeOfFailure();
    } catch ( std::bad_alloc const & ) {
       std::cerr
          << "there is not enough memory; allow more (ulimit -v), or play a smaller scenario\n";
       return kBadInput;
+   } catch ( OutputError const & error ) {
+      std::cerr << Story::printableLines( error.what() ) << '\n';
+      return exitCodeOfFailure();
    } catch ( std::exception const & error ) {
       std::cerr << Story::printableLines( error.what() ) << '\n';
       return kBadInput;

@@ -97,8 +97,9 @@ std::size_t faultsIn( std::vector< AuditAfter > const & audits ) {
    return faults;
 }
 
-std::string passName( Verified const & verified ) {
-   if ( !verified.pass() ) {
+// A pass that was interrupted says nothing.
+std::string passName( Verified const & verified, Story::Outcome const & outcome ) {
+   if ( !verified.pass() || ( verified.isPassStopped() && outcome.interrupted() ) ) {
       return "not-run";
    }
    switch ( *verified.pass() ) {
@@ -110,7 +111,10 @@ std::string passName( Verified const & verified ) {
    return "absent";
 }
 
-std::string endName( Story::ExitCode code ) {
+std::string endName( Story::ExitCode code, Story::Outcome const & outcome ) {
+   if ( outcome.interrupted() ) {
+      return "interrupted";
+   }
    switch ( code ) {
    case Story::ExitCode::Held: return "in-step";
    case Story::ExitCode::Stopped: return "stopped";
@@ -128,7 +132,7 @@ std::string afterText( AuditAfter const & one ) {
 
 std::string passText( Verified const & verified, Story::Outcome const & outcome ) {
    if ( !verified.isPassStopped() ) {
-      return "the plug-in's own pass: " + passName( verified ) +
+      return "the plug-in's own pass: " + passName( verified, outcome ) +
              ( verified.whySkipped().empty() ? "" : "; " + verified.whySkipped() );
    }
    auto const & assertion = outcome.stopped()->assertion;
@@ -186,14 +190,15 @@ void printJson( VerifyOptions const & options, Verified const & verified,
    Json json{ { "scenario", verified.title() },
               { "file", options.scenario.string() },
               { "variant", Story::textOrNull( verified.variant() ) },
-              { "end", endName( code ) },
-              { "pluginPass", passName( verified ) },
+              { "end", endName( code, outcome ) },
+              { "pluginPass", passName( verified, outcome ) },
               { "assertion", nullptr },
               { "step", nullptr },
               { "limits", jsonOf( outcome.limits() ) },
               { "error", Story::textOrNull( outcome.badInput() ) },
               { "audits", Json::array() } };
-   bool const isCutShort = outcome.stopped() || code == Story::ExitCode::BadInput;
+   bool const isCutShort =
+      outcome.stopped() || outcome.interrupted() || code == Story::ExitCode::BadInput;
    if ( isCutShort && outcome.step() ) {
       json[ "step" ] = outcome.step()->number;
    }
@@ -222,6 +227,10 @@ Story::ExitCode verify( VerifyOptions const & options, std::ostream & out ) {
    ScenarioRun const what{ scenario, std::move( config ), {}, options.turnLimit };
    runScenario( what, { &writer, &verified }, outcome );
    if ( outcome.interrupted() ) {
+      if ( options.isJson ) {
+         printJson( options, verified, verified.asked( options.isAfterEachStep ), outcome,
+                    outcome.exitCode(), out );
+      }
       tellInterruption( outcome );
       return outcome.exitCode();
    }

@@ -13,6 +13,7 @@
 
 #include <Kiv/TurnWatch.h>
 #include <Process/Descriptor.h>
+#include <Process/EndWatch.h>
 #include <Process/Interruption.h>
 #include <Process/Listener.h>
 #include <Process/Pulse.h>
@@ -83,10 +84,12 @@ void redirect( Descriptor const & output ) {
    dup2( output.fd(), STDERR_FILENO );
 }
 
-// Whether a run goes on is up to the parent: a Ctrl-C at the terminal reaches both.
+// Whether a run goes on is up to the parent.
 void handleSignals() {
    signal( SIGINT, SIG_IGN );
+   signal( SIGHUP, SIG_IGN );
    signal( SIGTERM, SIG_DFL );
+   signal( SIGALRM, SIG_DFL );
    signal( SIGPIPE, SIG_IGN );
 }
 
@@ -94,6 +97,7 @@ void handleSignals() {
 [[noreturn]] void beChild( Work const & work, Pipes & pipes, Pulse & pulse,
                            pid_t parent ) noexcept {
    handleSignals();
+   setpgid( 0, 0 );
    prctl( PR_SET_PDEATHSIG, SIGKILL );
    if ( getppid() != parent ) {
       _exit( EXIT_FAILURE );
@@ -110,9 +114,13 @@ void handleSignals() {
 
 // --- In the parent
 
+// The child leads a process group, which ends with it: what a plug-in has started is in it.
 class ChildProcess final : public Listener::Child {
  public:
-   explicit ChildProcess( pid_t pid ) : pid_( pid ) {}
+   explicit ChildProcess( pid_t pid ) : pid_( pid ) {
+      setpgid( pid, pid );  // the child does so as well, and either may be first
+      EndWatch::groupIs( pid );
+   }
    ChildProcess( ChildProcess const & ) = delete;
    ChildProcess & operator=( ChildProcess const & ) = delete;
    // Killed, if it is still there, when its owner gives up.
@@ -121,6 +129,7 @@ class ChildProcess final : public Listener::Child {
          kill();
          wait( 0 );
       }
+      EndWatch::groupIs( 0 );
    }
 
    std::optional< int > status() override {
@@ -129,16 +138,20 @@ class ChildProcess final : public Listener::Child {
       }
       return status_;
    }
-   void kill() override { ::kill( pid_, SIGKILL ); }
+   void kill() override { ::kill( -pid_, SIGKILL ); }
 
  private:
    void wait( int options ) {
-      int status = 0;
-      pid_t result = 0;
-      do {
-         result = waitpid( pid_, &status, options );
-      } while ( result < 0 && errno == EINTR );
-      if ( result == pid_ ) {
+      siginfo_t ended{};
+      while ( waitid( P_PID, static_cast< id_t >( pid_ ), &ended, WEXITED | WNOWAIT | options ) <
+                 0 &&
+              errno == EINTR ) {
+      }
+      if ( ended.si_pid == pid_ ) {
+         // Before the number can be another process's.
+         kill();
+         int status = 0;
+         waitpid( pid_, &status, 0 );
          status_ = status;
       }
    }

@@ -14,11 +14,13 @@
 // - Stopped, with the assertion that it wrote, its last lines and the last lines of its trace ring;
 //   also when a turn of its activity (or a frame) has taken longer than the turn limit, upon which
 //   it is killed (Process/TurnTimer.h);
-// - Interrupted when SIGINT or SIGTERM has come here (Process/Interruption.h): the child is killed;
+// - Interrupted when SIGINT, SIGTERM or SIGHUP has come here (Process/Interruption.h): the child is
+//   killed;
 // - BadInput when somebody has cut short the file of the ring under it.
 //
 // What holds: nothing that the child told is lost when it dies, except what it was in the middle of
-// saying. The child does not outlive this process or this call, also when an observer throws.
+// saying. The child does not outlive this process or this call, also when an observer throws. What
+// the child has started does not outlive this call, unless it has left the child's process group.
 // Whatever it prints, in what length and amount, costs bounded memory and time in proportion; a
 // line longer than kLongestLine is handed on in pieces. The child reads nothing from standard
 // input. In the child, what the program builds before its end is unwound by exit(), so that leak

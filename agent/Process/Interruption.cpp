@@ -1,5 +1,7 @@
 #include <Process/Interruption.h>
 
+#include <Process/EndWatch.h>
+
 namespace Process {
 
 namespace {
@@ -8,6 +10,7 @@ volatile sig_atomic_t lastSignal = 0;
 
 void takeNote( int signal ) {
    lastSignal = signal;
+   EndWatch::signalCame( signal );
 }
 
 }  // namespace
@@ -31,7 +34,7 @@ Interruption::~Interruption() {
    }
 }
 
-int Interruption::signal() const {
+int Interruption::last() {
    return lastSignal;
 }
 

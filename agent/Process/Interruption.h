@@ -1,4 +1,5 @@
-// Whether somebody wants this process to end: SIGINT (Ctrl-C) or SIGTERM has come.
+// Whether somebody wants this process to end: SIGINT (Ctrl-C), SIGTERM or SIGHUP (a terminal that
+// is gone) has come.
 //
 // For the scope of an object the first of these signals is taken note of, and the second one ends
 // the process at once, as it does without an object. A signal that was ignored before, as in a
@@ -13,7 +14,7 @@ namespace Process {
 
 class Interruption {
  public:
-   static constexpr std::array kSignals{ SIGINT, SIGTERM };
+   static constexpr std::array kSignals{ SIGINT, SIGTERM, SIGHUP };
 
    Interruption();
    Interruption( Interruption const & ) = delete;
@@ -21,7 +22,9 @@ class Interruption {
    ~Interruption();
 
    // The signal that has come; 0 when none has.
-   int signal() const;
+   int signal() const { return last(); }
+   // The same for the latest object, also when that is gone.
+   static int last();
 
  private:
    std::array< struct sigaction, kSignals.size() > before_{};

@@ -24,7 +24,8 @@ Json emptyStep( StepBegins const & step ) {
             { "dumps", Json::array() },
             { "audits", Json::array() },
             { "pluginPass", nullptr },
-            { "expectations", Json::array() } };
+            { "expectations", Json::array() },
+            { "leftOut", Json::object() } };
 }
 
 Json emptyPlugin() {
@@ -48,8 +49,9 @@ Json emptyCounters() {
 
 }  // namespace
 
-JsonWriter::JsonWriter()
-      : document_{
+JsonWriter::JsonWriter( std::size_t mostEntries )
+      : mostEntries_( mostEntries ),
+        document_{
            { "scenario", nullptr },     { "file", nullptr },        { "variant", nullptr },
            { "end", nullptr },          { "assertion", nullptr },   { "step", nullptr },
            { "stop", nullptr },         { "error", nullptr },       { "warnings", Json::array() },
@@ -71,6 +73,16 @@ void JsonWriter::write( std::ostream & out ) const {
       document[ "rules" ].push_back( jsonOf( rule ) );
    }
    out << documentText( document ) << std::flush;
+}
+
+// Whether one more goes into that list of the step; takes note of it when it does not.
+bool JsonWriter::hasRoom( char const * list ) {
+   if ( step()[ list ].size() < mostEntries_ ) {
+      return true;
+   }
+   Json & leftOut = step()[ "leftOut" ][ list ];
+   leftOut = leftOut.is_null() ? 1 : leftOut.get< std::size_t >() + 1;
+   return false;
 }
 
 void JsonWriter::count( char const * counter, std::size_t by ) {
@@ -192,7 +204,7 @@ void JsonWriter::take( DependencyPointReady const & event ) {
 
 void JsonWriter::take( PublishedChange const & event ) {
    count( "publishedChanges" );
-   if ( hasStep() ) {
+   if ( hasStep() && hasRoom( "changes" ) ) {
       step()[ "changes" ].push_back( { { "path", event.path },
                                        { "attribute", event.attribute },
                                        { "key", textOrNull( event.key ) },
@@ -204,19 +216,25 @@ void JsonWriter::take( PublishedChange const & event ) {
 void JsonWriter::take( HardwareCall const & event ) {
    count( "hardwareCalls" );
    count( "failedCalls", event.returnCode.value_or( 0 ) < 0 ? 1 : 0 );
-   step()[ "hardwareCalls" ].push_back( jsonOf( event ) );
+   if ( hasRoom( "hardwareCalls" ) ) {
+      step()[ "hardwareCalls" ].push_back( jsonOf( event ) );
+   }
 }
 
 void JsonWriter::take( TraceLine const & event ) {
    count( "traceLines" );
-   step()[ "traces" ].push_back( jsonOf( event ) );
+   if ( hasRoom( "traces" ) ) {
+      step()[ "traces" ].push_back( jsonOf( event ) );
+   }
 }
 
 void JsonWriter::take( LogLine const & event ) {
    count( "logLines" );
-   step()[ "log" ].push_back( event.line );
-   document_[ "log" ].push_back(
-      { { "step", step()[ "number" ] }, { "name", event.name }, { "line", event.line } } );
+   if ( hasRoom( "log" ) ) {
+      step()[ "log" ].push_back( event.line );
+      document_[ "log" ].push_back(
+         { { "step", step()[ "number" ] }, { "name", event.name }, { "line", event.line } } );
+   }
 }
 
 void JsonWriter::take( Audited const & event ) {

@@ -32,7 +32,11 @@ namespace Story {
 
 class JsonWriter final : public Observer {
  public:
-   JsonWriter();
+   // Of what one step can have without end (changes, calls, traces, log lines), the document has so
+   // many of each and says how many were left out: a turn that goes on without end fills no memory.
+   static constexpr std::size_t kMostEntries = 100'000;
+
+   explicit JsonWriter( std::size_t mostEntries = kMostEntries );
 
    void onEvent( Event const & event ) override;
 
@@ -74,10 +78,12 @@ class JsonWriter final : public Observer {
 
    Json & step() { return document_[ "steps" ].back(); }
    bool hasStep() const { return !document_[ "steps" ].empty(); }
+   bool hasRoom( char const * list );
    void count( char const * counter, std::size_t by = 1 );
    void ruleChanges();
    void endsEarly();
 
+   std::size_t mostEntries_;
    Json document_;
    Outcome outcome_;
    RuleTable rules_;

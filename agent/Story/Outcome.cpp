@@ -21,9 +21,17 @@ void Outcome::onEvent( Event const & event ) {
                event );
 }
 
+ExitCode exitCodeOf( int signal ) {
+   switch ( signal ) {
+   case SIGHUP: return ExitCode::HungUp;
+   case SIGTERM: return ExitCode::Terminated;
+   default: return ExitCode::Interrupted;
+   }
+}
+
 ExitCode Outcome::exitCode() const {
    if ( interrupted_ ) {
-      return interrupted_->signal == SIGTERM ? ExitCode::Terminated : ExitCode::Interrupted;
+      return exitCodeOf( interrupted_->signal );
    }
    if ( stopped_ ) {
       return ExitCode::Stopped;

@@ -17,9 +17,13 @@ enum class ExitCode : int {
    BadInput = 2,
    Stopped = 3,
    // 128 and the signal, as shells have it.
+   HungUp = 129,       // SIGHUP
    Interrupted = 130,  // SIGINT
    Terminated = 143    // SIGTERM
 };
+
+// Of a run that this signal has ended.
+ExitCode exitCodeOf( int signal );
 
 class Outcome final : public Observer {
  public:

@@ -13,6 +13,7 @@
 #include <Process/RingMemory.h>
 #include <Support.h>
 
+#include <poll.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +34,8 @@ class ChildEnds : public testing::Test {
    Process::RingMemory ring;
    Support::Recorder story;
 };
+
+constexpr int kPatience = 10'000;  // in milliseconds; only a failure takes so long
 
 [[noreturn]] void hang() {
    while ( true ) {
@@ -90,6 +93,7 @@ TEST_F( ChildEnds, although_a_process_that_it_left_behind_keeps_its_output_open 
    ASSERT_EQ( pipe( stays.data() ), 0 );
    run( [ & ]( Observer & observer ) {
       if ( fork() == 0 ) {
+         setsid();  // or it would end with the child
          char byte = 0;
          close( stays[ 1 ] );
          std::ignore = read( stays[ 0 ], &byte, 1 );  // until the test is over
@@ -102,6 +106,23 @@ TEST_F( ChildEnds, although_a_process_that_it_left_behind_keeps_its_output_open 
    EXPECT_EQ( story.all< Story::RunEnds >().size(), 1U );
    close( stays[ 0 ] );
    close( stays[ 1 ] );
+}
+
+TEST_F( ChildEnds, with_every_process_that_a_plug_in_has_started ) {
+   std::array< int, 2 > stays{};
+   ASSERT_EQ( pipe( stays.data() ), 0 );
+   run( []( Observer & observer ) {
+      if ( fork() == 0 ) {
+         hang();
+      }
+      observer.onEvent( Story::RunEnds{} );
+   } );
+   close( stays[ 1 ] );
+
+   // The pipe hangs up when no process is left that could write.
+   pollfd hangUp{ stays[ 0 ], 0, 0 };
+   EXPECT_EQ( poll( &hangUp, 1, kPatience ), 1 );
+   close( stays[ 0 ] );
 }
 
 TEST_F( ChildEnds, having_read_nothing_from_standard_input ) {
@@ -218,7 +239,7 @@ TEST_F( ChildEnds, with_the_call_when_an_observer_throws ) {
 }
 
 TEST_F( ChildEnds, when_its_parent_is_interrupted_and_what_it_told_until_then_is_kept ) {
-   for ( int const signal : { SIGINT, SIGTERM } ) {
+   for ( int const signal : { SIGINT, SIGTERM, SIGHUP } ) {
       ::signal( signal, SIG_DFL );
       story.clear();
       run( [ & ]( Observer & observer ) {
@@ -234,10 +255,10 @@ TEST_F( ChildEnds, when_its_parent_is_interrupted_and_what_it_told_until_then_is
    }
 }
 
-TEST_F( ChildEnds, by_its_parent_and_not_by_the_ctrl_c_that_reaches_both ) {
+TEST_F( ChildEnds, by_its_parent_and_not_by_signals_that_reach_both ) {
    run( []( Observer & observer ) {
       raise( SIGINT );
-      raise( SIGINT );
+      raise( SIGHUP );
       observer.onEvent( Story::RunEnds{} );
    } );
 

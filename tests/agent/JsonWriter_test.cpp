@@ -42,7 +42,7 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
                        "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",
-                       "dumps", "audits", "pluginPass", "expectations" } ) );
+                       "dumps", "audits", "pluginPass", "expectations", "leftOut" } ) );
    EXPECT_EQ( namesIn( document[ "rules" ][ 0 ] ),
               ( Names{ "unit", "group", "id", "name", "priority", "written", "qualifiers",
                        "actions" } ) );
@@ -280,6 +280,31 @@ TEST( JsonWriter, tells_warnings_with_their_step_and_ends_as_it_would_without ) 
    EXPECT_EQ( document[ "warnings" ],
               Json::parse( R"([ { "step": 1, "text": "leaf.yaml:7: no handle" } ])" ) );
    EXPECT_EQ( document[ "end" ], "completed" );
+}
+
+TEST( JsonWriter, counts_what_a_step_without_end_has_too_many_of ) {
+   constexpr std::size_t kMost = 2;
+   Story::JsonWriter writer( kMost );
+   writer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 1, "the step", "" } );
+   writer.onEvent( Story::LogLine{ "NAME", "the only line" } );
+   for ( U32 entry = 1; entry <= 5; ++entry ) {
+      Story::HardwareCall call;
+      call.operation = "entryNew";
+      call.entry = entry;
+      writer.onEvent( call );
+      writer.onEvent( Story::TraceLine{ "Handle", 0, "text" } );
+   }
+   std::ostringstream out;
+   writer.write( out );
+   Json const document = Json::parse( out.str() );
+   Json const & step = document[ "steps" ][ 0 ];
+
+   EXPECT_EQ( step[ "hardwareCalls" ].size(), kMost );
+   EXPECT_EQ( step[ "hardwareCalls" ][ 1 ][ "entry" ], 2 );
+   EXPECT_EQ( step[ "traces" ].size(), kMost );
+   EXPECT_EQ( step[ "log" ].size(), 1U );
+   EXPECT_EQ( step[ "leftOut" ], ( Json{ { "hardwareCalls", 3 }, { "traces", 3 } } ) );
+   EXPECT_EQ( document[ "counters" ][ "hardwareCalls" ], 5 );
 }
 
 TEST( JsonWriter, says_in_which_step_the_run_was_interrupted ) {

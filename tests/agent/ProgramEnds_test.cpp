@@ -121,6 +121,51 @@ TEST_F( ProgramEnds, with_143_and_a_document_when_it_is_terminated ) {
    EXPECT_EQ( err.read(), "interrupted in step 2 by signal 15 (Terminated)\n" );
 }
 
+TEST_F( ProgramEnds, with_129_and_a_document_when_its_terminal_is_gone ) {
+   auto const running = hanging( "run", { "--json" } );
+   EXPECT_EQ( err.read( "\n" ), "hanging\n" );
+   running->signal( SIGHUP );
+   Json const document = Json::parse( out.read() );
+
+   EXPECT_EQ( running->wait(), 129 );
+   EXPECT_EQ( document[ "end" ], "interrupted" );
+   EXPECT_EQ( err.read(), "interrupted in step 2 by signal 1 (Hangup)\n" );
+}
+
+TEST_F( ProgramEnds, with_130_and_a_document_when_a_verification_is_interrupted ) {
+   Running running( words( "verify", call( "interrupt" ), { "--json" } ),
+                    { null, out.in(), err.in() } );
+   out.closeEnd( 1 );
+   err.closeEnd( 1 );
+   Json const document = Json::parse( out.read() );
+
+   EXPECT_EQ( running.wait(), 130 );
+   EXPECT_EQ( document[ "end" ], "interrupted" );
+   EXPECT_EQ( document[ "step" ], 1 );
+   EXPECT_EQ( document[ "pluginPass" ], "not-run" );
+   EXPECT_EQ( err.read(), "interrupted in step 1 by signal 2 (Interrupt)\n" );
+}
+
+TEST_F( ProgramEnds, with_130_although_nobody_reads_its_output ) {
+   std::string const length = "5000000";  // more than any pipe takes
+   std::string const print =
+      "   - call: { entity: /plugins/Sample::Mounter, operation: printLong, arguments: [ '" +
+      length + "' ] }\n";
+   for ( int const error : { err.in(), out.in() } ) {
+      TestPipe unread;
+      TestPipe watched;
+      Running running( words( "run", print, {} ),
+                       { null, unread.in(), error == out.in() ? unread.in() : watched.in() } );
+      unread.closeEnd( 1 );
+      EXPECT_TRUE( contains( unread.read( "printed: x" ), "printed: x" ) );
+      running.signal( SIGINT );
+      constexpr int kPatience = 60'000;  // in milliseconds; only a failure takes so long
+      EXPECT_TRUE( running.ends( kPatience ) );
+
+      EXPECT_EQ( running.wait(), 130 );
+   }
+}
+
 // --- Two runs
 
 TEST_F( ProgramEnds, as_it_would_although_another_run_wants_its_trace_ring ) {

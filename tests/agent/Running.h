@@ -8,8 +8,10 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/pidfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -83,7 +85,7 @@ class Running {
       posix_spawnattr_init( &attributes );
       sigset_t usual;
       sigemptyset( &usual );
-      for ( int const number : { SIGINT, SIGTERM, SIGPIPE } ) {
+      for ( int const number : { SIGHUP, SIGINT, SIGTERM, SIGPIPE } ) {
          sigaddset( &usual, number );
       }
       posix_spawnattr_setsigdefault( &attributes, &usual );
@@ -105,6 +107,14 @@ class Running {
    }
 
    void signal( int number ) const { kill( pid_, number ); }
+   // Whether it ends within so many milliseconds.
+   bool ends( int patience ) const {
+      int const process = pidfd_open( pid_, 0 );
+      pollfd ended{ process, POLLIN, 0 };
+      bool const hasEnded = poll( &ended, 1, patience ) == 1;
+      close( process );
+      return hasEnded;
+   }
    // Its exit code; -1 when a signal has ended it.
    int wait() {
       int status = 0;

@@ -13,6 +13,7 @@
 #include <VornalLib/MounterBase.h>
 #include <VornalTcam/EntryManager.h>
 
+#include <signal.h>
 #include <unistd.h>
 
 namespace Sample {
@@ -94,6 +95,7 @@ class Mounter : public VornalLib::MounterBase {
    KIV_OPERATION( void, print, ( std::string const & text ) )
    KIV_OPERATION( void, printLong, ( U32 length ) )
    KIV_OPERATION( void, hang, () )
+   KIV_OPERATION( void, interrupt, () )
 
    explicit Mounter( std::string const & name )
          : MounterBase( name ), watch_( [ this ]( Kiv::Change const & ) { finishInit(); } ) {}
@@ -145,6 +147,12 @@ void Mounter::hang() {
    while ( true ) {
       pause();
    }
+}
+
+// The program is asked to end, and this process does not by itself.
+void Mounter::interrupt() {
+   kill( getppid(), SIGINT );
+   hang();
 }
 
 namespace {
