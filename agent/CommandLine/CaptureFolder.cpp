@@ -1,12 +1,17 @@
 #include <CommandLine/CaptureFolder.h>
 
 #include <array>
+#include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <system_error>
 #include <vector>
 
 #include <Capture/PortCaptures.h>
 #include <Quelm/Error.h>
+
+#include <unistd.h>
 
 namespace CommandLine {
 
@@ -25,6 +30,19 @@ void make( fs::path const & folder ) {
       refuse( folder.string() + " is no folder and cannot be made (" + error.message() +
               "); name one that can be written to" );
    }
+}
+
+// Finds out by a file, which is gone again afterwards: permissions do not say everything.
+void checkTakesFiles( fs::path const & folder ) {
+   std::string probe = folder / ".vornal-XXXXXX";
+   int const fd = mkstemp( probe.data() );
+   if ( fd < 0 ) {
+      refuse( "no file can be made in " + folder.string() + " (" +
+              std::generic_category().message( errno ) +
+              "); name a folder that can be written to" );
+   }
+   close( fd );
+   unlink( probe.c_str() );
 }
 
 std::vector< fs::path > capturesIn( fs::path const & folder ) {
@@ -90,6 +108,7 @@ std::optional< fs::path > captureFolder( std::optional< fs::path > const & asked
                                          Scenario::Model const & scenario ) {
    if ( asked ) {
       make( *asked );
+      checkTakesFiles( *asked );
       auto const captures = capturesIn( *asked );
       for ( fs::path const & capture : captures ) {
          checkNotPlayed( capture, scenario );

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <charconv>
 #include <iostream>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/Usage.h>
 #include <CommandLine/Version.h>
 #include <Quelm/Error.h>
 #include <Scenario/Characters.h>
@@ -22,7 +23,7 @@ namespace {
 
 constexpr char const * kExitCodes =
    "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
-   "the process";
+   "the process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 
 constexpr double kLongestTurnLimit = 86400;  // a day, in seconds
 
@@ -55,6 +56,22 @@ StateDatabase::EntityPath pathOf( std::string const & text ) {
    }
 }
 
+// Reads a number of seconds; a part of a millisecond counts as a whole one.
+std::chrono::milliseconds turnLimitOf( std::string const & text ) {
+   double seconds = -1;
+   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), seconds );
+   bool const isWhole = error == std::errc() && end == text.data() + text.size();
+   // What is no number is in no range.
+   if ( !isWhole || !( seconds >= 0 && seconds <= kLongestTurnLimit ) ) {
+      throw CLI::ValidationError( "--turn-limit",
+                                  "'" + text +
+                                     "' is not how long a turn may take; give seconds from 0 to "
+                                     "86400, such as 2.5, or 0 for as long as it likes" );
+   }
+   return std::chrono::ceil< std::chrono::milliseconds >(
+      std::chrono::duration< double >( seconds ) );
+}
+
 // What CLI11 fills in; turned into a command afterwards.
 struct Words {
    std::string scenario;
@@ -66,22 +83,17 @@ struct Words {
    std::string path;
    bool isJson = false;
    bool isAfterEachStep = false;
-   double turnLimit = std::chrono::duration< double >( kTurnLimit ).count();
+   std::string turnLimit =
+      std::to_string( std::chrono::duration_cast< std::chrono::seconds >( kTurnLimit ).count() );
 
-   std::chrono::milliseconds turnLimitOption() const {
-      if ( std::isnan( turnLimit ) ) {
-         throw CLI::ValidationError( "--turn-limit", "this is no number of seconds" );
-      }
-      return std::chrono::ceil< std::chrono::milliseconds >(
-         std::chrono::duration< double >( turnLimit ) );
-   }
    std::optional< std::filesystem::path > pluginFile() const {
       return plugin.empty() ? std::nullopt : std::optional< std::filesystem::path >( plugin );
    }
 
    RunOptions runOptions() const {
-      RunOptions options{ scenario, pluginFile(), std::nullopt,     {},
-                          isJson,   std::nullopt, turnLimitOption() };
+      RunOptions options{
+         scenario, pluginFile(), std::nullopt, {}, isJson, std::nullopt, turnLimitOf( turnLimit )
+      };
       if ( !captures.empty() ) {
          options.captures = captures;
       }
@@ -95,7 +107,7 @@ struct Words {
    }
 
    ShowOptions showOptions() const {
-      ShowOptions options{ scenario, std::nullopt, pluginFile(), isJson, turnLimitOption() };
+      ShowOptions options{ scenario, std::nullopt, pluginFile(), isJson, turnLimitOf( turnLimit ) };
       if ( !path.empty() ) {
          options.path = pathOf( path );
       }
@@ -108,6 +120,12 @@ CLI::Validator const named(
    []( std::string & text ) {
       return text.empty() ? std::string( "an empty text names nothing; give a name" )
                           : std::string();
+   },
+   "" );
+
+CLI::Validator const entities(
+   []( std::string & text ) {
+      return text == "entities" ? std::string() : "'" + text + "' cannot be shown; give 'entities'";
    },
    "" );
 
@@ -126,10 +144,9 @@ void addScenarioOptions( CLI::App & command, Words & words ) {
    command.add_flag( "--json", words.isJson, "Print one JSON document instead of text" );
    command
       .add_option( "--turn-limit", words.turnLimit,
-                   "How long a turn of the plug-in may take before it counts as hanging; 0 for as "
-                   "long as it likes" )
+                   "How long a turn of the plug-in may take before it counts as hanging, from 0 to "
+                   "86400, such as 2.5; 0 for as long as it likes" )
       ->type_name( "SECONDS" )
-      ->check( CLI::Range( 0.0, kLongestTurnLimit, "0 to 86400" ) )
       ->capture_default_str();
 }
 
@@ -156,9 +173,7 @@ void addShow( CLI::App & app, Words & words ) {
    CLI::App & show =
       *app.add_subcommand( "show", "Run a scenario and show the state that it leads to" );
    addScenarioOptions( show, words );
-   show.add_option( "WHAT", words.what, "What to show: 'entities'" )
-      ->required()
-      ->check( CLI::IsMember( { "entities" } ) );
+   show.add_option( "WHAT", words.what, "What to show: 'entities'" )->required()->check( entities );
    show.add_option( "PATH", words.path,
                     "The entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; without one, "
                     "the paths to begin with are listed" );
@@ -174,7 +189,7 @@ void addVerify( CLI::App & app, Words & words ) {
                     "Audit the rules after each step as well" );
    verify.footer(
       "Exit codes: 0 in step, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
-      "process, in its own pass or before" );
+      "process, in its own pass or before, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM" );
 }
 
 void addRing( CLI::App & app, Words & words ) {
@@ -191,7 +206,7 @@ Command commandOf( CLI::App const & app, Words const & words ) {
    }
    if ( app.got_subcommand( "verify" ) ) {
       return VerifyOptions{ words.scenario, words.pluginFile(), words.isAfterEachStep, words.isJson,
-                            words.turnLimitOption() };
+                            turnLimitOf( words.turnLimit ) };
    }
    return RingOptions{ words.ring };
 }
@@ -225,6 +240,9 @@ std::variant< Command, Done > parse( int argc, char const * const * argv, std::o
       "switch, and tells what the plug-in does.",
       "vornal" );
    app.require_subcommand( 1 );
+   app.failure_message( []( CLI::App const * failed, CLI::Error const & error ) {
+      return usageText( *failed, error );
+   } );
    app.footer( kExitCodes );
    app.set_version_flag( "--version", "vornal " + std::string( version() ),
                          "Print the version of the program" );

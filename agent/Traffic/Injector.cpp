@@ -32,6 +32,16 @@ void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const 
    }
 }
 
+// What was given as a capture can be any file.
+Chip::CaptureReader opened( std::filesystem::path const & file ) {
+   try {
+      return Chip::CaptureReader( file );
+   } catch ( Quelm::Error const & error ) {
+      throw Quelm::Error( std::string( error.what() ) +
+                          "; give a pcap or pcapng file of Ethernet frames" );
+   }
+}
+
 bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId ) {
    return std::any_of( config.interfaces.begin(), config.interfaces.end(),
                        [ & ]( auto const & interface ) { return interface.intfId == intfId; } );
@@ -156,9 +166,9 @@ void Injector::inject( Scenario::Frame const & frame ) {
 void Injector::inject( Scenario::Capture const & capture ) {
    prepare();
    VornalTypes::VornalPort const port = portOf( capture.on );
+   Chip::CaptureReader reader = opened( capture.file );
    context_.observer.onEvent(
       Story::FramesBegin{ capture.on.stringValue(), Reporters::framesIn( capture.file ) } );
-   Chip::CaptureReader reader( capture.file );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
          captures_->timeIs( frame->timestamp );

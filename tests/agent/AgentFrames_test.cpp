@@ -260,6 +260,9 @@ TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
    EXPECT_FALSE( std::filesystem::exists( out / "unit0-port8.pcap" ) );
    EXPECT_TRUE( std::filesystem::exists( out / "notes.txt" ) );
    EXPECT_TRUE( std::filesystem::exists( out / "unit0-port7.pcap.old" ) );
+   for ( auto const & entry : std::filesystem::directory_iterator( out ) ) {
+      EXPECT_NE( entry.path().filename().string().front(), '.' ) << "a probe stays";
+   }
 }
 
 TEST_F( FramesOfProgram, do_not_replace_what_is_no_capture ) {
@@ -298,6 +301,17 @@ TEST_F( FramesOfProgram, cannot_leave_into_a_file ) {
 
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_NE( ran.err.find( "name one that can be written to" ), std::string::npos ) << ran.err;
+}
+
+TEST_F( FramesOfProgram, need_a_folder_that_takes_files_before_the_run_begins ) {
+   auto const ran =
+      Support::vornal( { "run", scenario( kFromPeer ).string(), "--pcap-out", "/proc" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_EQ( ran.err,
+              "--pcap-out: no file can be made in /proc (No such file or directory); name a folder "
+              "that can be written to\n" );
 }
 
 TEST_F( FramesOfProgram, are_in_the_document_with_names_that_scripts_hold_on_to ) {
@@ -347,7 +361,10 @@ TEST_F( FramesOfProgram, that_cannot_be_read_end_the_run_before_any_of_them_come
 
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_NE( ran.err.find( "scenario.yaml:18: " ), std::string::npos ) << ran.err;
-   EXPECT_NE( ran.err.find( "no.pcap" ), std::string::npos ) << ran.err;
+   EXPECT_NE( ran.err.find( "no.pcap: unknown file format; give a pcap or pcapng file of Ethernet "
+                            "frames\n" ),
+              std::string::npos )
+      << ran.err;
    EXPECT_EQ( ran.out.find( "what became of them" ), std::string::npos );
 }
 

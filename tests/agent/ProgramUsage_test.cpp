@@ -44,7 +44,49 @@ TEST( ProgramUsage, KeepsItsMessagesShortWhateverIsTyped ) {
    auto const ran = Support::vornal( { "run", "leaf.yaml", "--trace", std::string( 9000, 'x' ) } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_LT( ran.err.size(), 2000U );
-   EXPECT_NE( ran.err.find( "Run with --help" ), std::string::npos ) << ran.err;
+   EXPECT_NE( ran.err.find( "'vornal run --help' lists" ), std::string::npos ) << ran.err;
+}
+
+TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
+   std::string const help = "\n'vornal run --help' lists the words that it takes\n";
+   std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
+   EXPECT_EQ( Support::vornal( {} ).err,
+              "vornal: a command is missing; the commands are run, show, verify and ring\n"
+              "'vornal --help' lists the words that it takes\n" );
+   EXPECT_EQ( Support::vornal( { "run" } ).err,
+              "vornal run: SCENARIO is missing: " + scenario + help );
+   EXPECT_EQ( Support::vornal( { "show", "leaf.yaml" } ).err,
+              "vornal show: WHAT is missing: what to show: 'entities'\n"
+              "'vornal show --help' lists the words that it takes\n" );
+   EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--ring" } ).err,
+              "vornal run: --ring needs a value: write the binary trace ring into this file" +
+                 help );
+   EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--ring", "a", "--ring", "b" } ).err,
+              "vornal run: --ring is given more than once; give it once" + help );
+   EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--jsn" } ).err,
+              "vornal run: unknown word '--jsn'; did you mean '--json'?" + help );
+   EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "more" } ).err,
+              "vornal run: unknown word 'more'" + help );
+}
+
+TEST( ProgramUsage, SaysWhatATurnLimitIs ) {
+   for ( std::string const limit : { "x", "-1", "nan", "1e9", "", "5s", "86400.1" } ) {
+      auto const ran = Support::vornal( { "run", "leaf.yaml", "--turn-limit=" + limit } );
+      EXPECT_EQ( ran.exitCode, 2 ) << limit;
+      EXPECT_EQ( ran.err,
+                 "vornal run: --turn-limit: '" + limit +
+                    "' is not how long a turn may take; give seconds from 0 to 86400, such as 2.5, "
+                    "or 0 for as long as it likes\n'vornal run --help' lists the words that it "
+                    "takes\n" );
+   }
+}
+
+TEST( ProgramUsage, NamesTheSignalsThatEndARunInItsHelp ) {
+   for ( std::string const command : { "run", "show", "verify" } ) {
+      std::string const help = Support::vornal( { command, "--help" } ).out;
+      EXPECT_NE( help.find( "129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM" ), std::string::npos )
+         << help;
+   }
 }
 
 TEST( ProgramUsage, TellsItsVersion ) {

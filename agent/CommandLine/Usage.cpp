@@ -1,0 +1,68 @@
+#include <CommandLine/Usage.h>
+
+#include <CLI/CLI.hpp>
+
+#include <Scenario/Reading.h>
+
+namespace CommandLine {
+
+namespace {
+
+// "the scenario's file, a pipe, or '-' for standard input"
+std::string purposeOf( CLI::App const & command, std::string const & option ) {
+   CLI::Option const * const found = command.get_option_no_throw( option );
+   std::string text = found ? found->get_description() : "";
+   if ( !text.empty() ) {
+      text.front() = static_cast< char >( std::tolower( text.front() ) );
+   }
+   return text;
+}
+
+std::string hintOf( CLI::App const & command, std::string const & word ) {
+   std::vector< std::string > names;
+   for ( CLI::Option const * const option : command.get_options() ) {
+      names.push_back( option->get_name() );
+   }
+   std::string_view const near = Scenario::nearest( word, { names.begin(), names.end() } );
+   return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
+}
+
+std::string missing( CLI::App const & app, CLI::App const & command, std::string const & error ) {
+   if ( &command == &app ) {
+      return "a command is missing; the commands are run, show, verify and ring";
+   }
+   std::string const word = error.substr( 0, error.find( " is required" ) );
+   return word + " is missing: " + purposeOf( command, word );
+}
+
+std::string wrongCount( CLI::App const & command, std::string const & error ) {
+   std::string const option = error.substr( 0, error.find( ':' ) );
+   return error.ends_with( " missing" ) ? option + " needs a value: " + purposeOf( command, option )
+                                        : option + " is given more than once; give it once";
+}
+
+std::string reasonOf( CLI::App const & app, CLI::App const & command, CLI::Error const & error ) {
+   auto const unknown = app.remaining( true );
+   if ( dynamic_cast< CLI::RequiredError const * >( &error ) ) {
+      return missing( app, command, error.what() );
+   }
+   if ( dynamic_cast< CLI::ArgumentMismatch const * >( &error ) ) {
+      return wrongCount( command, error.what() );
+   }
+   if ( dynamic_cast< CLI::ExtrasError const * >( &error ) && !unknown.empty() ) {
+      return "unknown word '" + unknown.front() + "'" + hintOf( command, unknown.front() );
+   }
+   return error.what();
+}
+
+}  // namespace
+
+std::string usageText( CLI::App const & app, CLI::Error const & error ) {
+   auto const parsed = app.get_subcommands();
+   CLI::App const & command = parsed.empty() ? app : *parsed.front();
+   std::string const name = parsed.empty() ? "vornal" : "vornal " + command.get_name();
+   return name + ": " + reasonOf( app, command, error ) + "\n'" + name +
+          " --help' lists the words that it takes\n";
+}
+
+}  // namespace CommandLine
