@@ -12,9 +12,9 @@
 #include <CommandLine/Version.h>
 #include <Quelm/Error.h>
 #include <Scenario/Characters.h>
-#include <Scenario/Reading.h>
 #include <Story/Outcome.h>
-#include <Story/Printable.h>
+#include <Text/Printable.h>
+#include <Text/Words.h>
 #include <Trace/Trace.h>
 
 namespace CommandLine {
@@ -221,13 +221,13 @@ bool isCommand( std::string_view word ) {
 
 // A message that holds what somebody has typed.
 std::string shown( std::string const & message ) {
-   return Story::printableLines( Scenario::shortened( message ) );
+   return Text::printableLines( Scenario::shortened( message ) );
 }
 
 std::string noCommand( std::string const & word ) {
    std::vector< std::string_view > const known( kCommands.begin(), kCommands.end() );
-   std::string_view const near = Scenario::nearest( word, known );
-   std::string const hint = near.empty() ? "the commands are " + Scenario::listed( known, "and" )
+   std::string_view const near = Text::nearest( word, known );
+   std::string const hint = near.empty() ? "the commands are " + Text::listed( known, "and" )
                                          : "did you mean '" + std::string( near ) + "'?";
    return shown( "no command '" + word + "'; " + hint );
 }

@@ -13,9 +13,9 @@ fs::path pluginFile( std::optional< fs::path > const & asked ) {
    if ( asked ) {
       if ( !fs::exists( *asked, error ) ) {
          throw Story::InputError( asked->string() +
-                                 ( error ? ": the file cannot be reached (" + error.message() + ")"
-                                         : ": there is no such file" ) +
-                                 "; --plugin takes the plug-in's shared object" );
+                                  ( error ? ": the file cannot be reached (" + error.message() + ")"
+                                          : ": there is no such file" ) +
+                                  "; --plugin takes the plug-in's shared object" );
       }
       return *asked;
    }
@@ -28,7 +28,7 @@ fs::path pluginFile( std::optional< fs::path > const & asked ) {
       }
    }
    throw Story::InputError( "there is no plug-in: neither " + candidates[ 0 ].string() + " nor " +
-                           candidates[ 1 ].string() + " exists; name one by --plugin" );
+                            candidates[ 1 ].string() + " exists; name one by --plugin" );
 }
 
 }  // namespace CommandLine

@@ -8,7 +8,7 @@
 #include <Process/EndWatch.h>
 #include <Process/Interruption.h>
 #include <Process/Standard.h>
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 #include <signal.h>
 #include <unistd.h>
@@ -61,10 +61,10 @@ int program( int argc, char const * const * argv ) {
          << "there is not enough memory; allow more (ulimit -v), or play a smaller scenario\n";
       return kBadInput;
    } catch ( OutputError const & error ) {
-      std::cerr << Story::printableLines( error.what() ) << '\n';
+      std::cerr << Text::printableLines( error.what() ) << '\n';
       return exitCodeOfFailure();
    } catch ( std::exception const & error ) {
-      std::cerr << Story::printableLines( error.what() ) << '\n';
+      std::cerr << Text::printableLines( error.what() ) << '\n';
       return kBadInput;
    }
 }

@@ -6,9 +6,9 @@
 #include <fmt/format.h>
 
 #include <CommandLine/Commands.h>
-#include <Story/InputError.h>
 #include <Quelm/Error.h>
-#include <Story/Printable.h>
+#include <Story/InputError.h>
+#include <Text/Printable.h>
 #include <Trace/Ring.h>
 
 namespace CommandLine {
@@ -20,16 +20,16 @@ namespace fs = std::filesystem;
 std::vector< char > contentOf( fs::path const & file ) {
    std::error_code error;
    if ( fs::exists( file, error ) && !fs::is_regular_file( file, error ) ) {
-      throw Story::InputError( file.string() +
-                              ": this is no regular file; name one that 'run --ring' has written" );
+      throw Story::InputError(
+         file.string() + ": this is no regular file; name one that 'run --ring' has written" );
    }
    std::ifstream in( file, std::ios::binary );
    std::vector< char > content{ std::istreambuf_iterator< char >( in ),
                                 std::istreambuf_iterator< char >() };
    if ( !in.is_open() || in.bad() ) {
       throw Story::InputError( file.string() + ": the file cannot be read (" +
-                              std::strerror( errno ) +
-                              "); name one that 'run --ring' has written" );
+                               std::strerror( errno ) +
+                               "); name one that 'run --ring' has written" );
    }
    return content;
 }
@@ -37,8 +37,8 @@ std::vector< char > contentOf( fs::path const & file ) {
 std::string lineOf( Trace::Ring::Decoded const & line ) {
    constexpr S64 kSecond = 1'000'000'000;
    return fmt::format( "{:>8} {:>6}.{:09} {} {}: {}{}\n", line.number, line.time / kSecond,
-                       line.time % kSecond, Story::printable( line.handle ), line.level,
-                       Story::printable( line.text ), line.isCut ? " ..." : "" );
+                       line.time % kSecond, Text::printable( line.handle ), line.level,
+                       Text::printable( line.text ), line.isCut ? " ..." : "" );
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include <CommandLine/Terminal.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonWriter.h>
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 #include <unistd.h>
 
@@ -21,7 +21,7 @@ class OutputEcho final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override {
       if ( auto const * const line = std::get_if< Story::OutputLine >( &event ) ) {
-         std::cerr << Story::printable( line->text ) << '\n';
+         std::cerr << Text::printable( line->text ) << '\n';
       }
    }
 };

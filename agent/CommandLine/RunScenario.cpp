@@ -4,8 +4,8 @@
 
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
-#include <Story/Printable.h>
 #include <Story/Wording.h>
+#include <Text/Printable.h>
 
 namespace CommandLine {
 
@@ -20,7 +20,7 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
       },
       ring.bytes(), all, what.turnLimit );
    if ( !outcome.badInput().empty() ) {
-      std::cerr << Story::printableLines( outcome.badInput() ) << '\n';
+      std::cerr << Text::printableLines( outcome.badInput() ) << '\n';
    }
 }
 

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <Scenario/Reading.h>
+#include <Text/Words.h>
 
 namespace CommandLine {
 
@@ -23,7 +23,7 @@ std::string hintOf( CLI::App const & command, std::string const & word ) {
    for ( CLI::Option const * const option : command.get_options() ) {
       names.push_back( option->get_name() );
    }
-   std::string_view const near = Scenario::nearest( word, { names.begin(), names.end() } );
+   std::string_view const near = Text::nearest( word, { names.begin(), names.end() } );
    return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
 }
 

@@ -159,17 +159,17 @@ std::string verdictText( std::vector< AuditAfter > const & audits, Story::ExitCo
 void print( Verified const & verified, std::vector< AuditAfter > const & audits,
             Story::Outcome const & outcome, Story::ExitCode code, std::ostream & out ) {
    Story::Style const style( isColoured( STDOUT_FILENO ) );
-   out << style.bold( verified.title() ) << " (" << Story::printable( verified.variant() ) << ")\n";
+   out << style.bold( verified.title() ) << " (" << Text::printable( verified.variant() ) << ")\n";
    for ( AuditAfter const & one : audits ) {
       out << style.bold( afterText( one ) ) << '\n';
       for ( std::string const & line : linesOf( one.audit, style ) ) {
          out << "   " << line << '\n';
       }
    }
-   out << "   " << Story::printable( passText( verified, outcome ) ) << '\n';
+   out << "   " << Text::printable( passText( verified, outcome ) ) << '\n';
    for ( Story::KnownLimit const & limit : outcome.limits() ) {
       out << "   known limit (docs/limits.md): " << style.bold( limit.title ) << '\n'
-          << "      Remedy: " << Story::printable( limit.remedy ) << '\n';
+          << "      Remedy: " << Text::printable( limit.remedy ) << '\n';
    }
    out << verdictText( audits, code, style ) << '\n';
 }

@@ -122,16 +122,16 @@ Reader::Toggles Reader::read( fs::path const & path ) const {
       return {};
    }
    if ( status.type() != fs::file_type::regular ) {
-      reportDamage( path, 1, error ? unreadable( error ) : "this is no regular file" );
+      reportDamage( path, 0, error ? unreadable( error ) : "this is no regular file" );
       return {};
    }
    if ( fs::file_size( path, error ) > kLongest && !error ) {
-      reportDamage( path, 1, "the file is larger than 16 MiB" );
+      reportDamage( path, 0, "the file is larger than 16 MiB" );
       return {};
    }
    std::ifstream in( path, std::ios::binary );
    if ( !in.is_open() ) {
-      reportDamage( path, 1, unreadable( std::error_code( errno, std::generic_category() ) ) );
+      reportDamage( path, 0, unreadable( std::error_code( errno, std::generic_category() ) ) );
       return {};
    }
    std::string const text{ std::istreambuf_iterator< char >( in ),
@@ -167,7 +167,8 @@ Reader::Toggles Reader::togglesOf( std::string const & text, fs::path const & pa
 
 void Reader::reportDamage( fs::path const & path, std::size_t line,
                            std::string const & what ) const {
-   report_( path.string() + ':' + std::to_string( line ) + ": " + what +
+   std::string const place = line == 0 ? "" : ':' + std::to_string( line );
+   report_( path.string() + place + ": " + what +
             "; an object of booleans is expected, as in { \"SbdEvpnTcamOverrideRule\": false }; "
             "until then its toggles have their defaults" );
 }

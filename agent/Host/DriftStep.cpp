@@ -10,6 +10,20 @@ namespace Host {
 
 namespace {
 
+// "its entries are 1, 2, 3 and 7 more"
+std::string entriesOf( Chip::Group const & group ) {
+   constexpr std::size_t kMost = 20;
+   std::vector< U32 > ids;
+   for ( auto const & [ id, entry ] : group.entries() ) {
+      ids.push_back( id );
+   }
+   std::size_t const more = ids.size() > kMost ? ids.size() - kMost : 0;
+   ids.resize( ids.size() - more );
+   return ids.empty() ? "the group is empty"
+                      : fmt::format( "its entries are {}{}", fmt::join( ids, ", " ),
+                                     more == 0 ? "" : fmt::format( " and {} more", more ) );
+}
+
 // The id of the one rule whose name contains the text.
 U32 idOfNamed( Chip::Group const & group, std::string const & text ) {
    U32 found = 0;
@@ -27,14 +41,35 @@ U32 idOfNamed( Chip::Group const & group, std::string const & text ) {
    }
    if ( found == 0 ) {
       throw Quelm::AccessError(
-         fmt::format( "no entry of group {} has \"{}\" in its name", group.assignment(), text ) );
+         fmt::format( "no entry of group {} has \"{}\" in its name; {}, and 'dump: rules' shows "
+                      "their names",
+                      group.assignment(), text, entriesOf( group ) ) );
    }
    return found;
 }
 
 U32 idOf( Chip::Group const & group, Scenario::RuleNamed const & rule ) {
    auto const * const id = std::get_if< U32 >( &rule );
+   if ( id && !group.entries().contains( *id ) ) {
+      throw Quelm::AccessError( fmt::format( "group {} has no entry {}; {}", group.assignment(),
+                                             *id, entriesOf( group ) ) );
+   }
    return id ? *id : idOfNamed( group, std::get< std::string >( rule ) );
+}
+
+// Of an entry that is there.
+std::string reasonOf( Chip::ResultCode code ) {
+   switch ( code ) {
+   case Chip::ResultCode::NotFound:
+      return "the rule lacks what is to change; 'dump: rules' shows what it has";
+   case Chip::ResultCode::NotInstalled:
+      return "it is staged only, and drift changes what is written to the chip";
+   case Chip::ResultCode::Unsupported:
+      return "no rule of this group has that; 'dump: rules' shows what they have";
+   case Chip::ResultCode::UnknownEntry:
+      return "it is staged only, or the group has no room for a copy";
+   default: return std::string( Chip::resultText( Chip::codeOf( code ) ) );
+   }
 }
 
 // One drift of one rule; each operator makes one kind of change.
@@ -93,8 +128,7 @@ void drift( Scenario::Drift const & what, Chip::Units & units,
    Chip::ResultCode const code = std::visit( changing, what.change );
    if ( code != Chip::ResultCode::None ) {
       throw Quelm::AccessError( fmt::format( "entry {} of group {} on unit {} cannot drift so: {}",
-                                             id, assignment, what.unit,
-                                             Chip::resultText( Chip::codeOf( code ) ) ) );
+                                             id, assignment, what.unit, reasonOf( code ) ) );
    }
    reporter.tellRule( what.unit, id );
    if ( changing.other != 0 ) {

@@ -41,6 +41,29 @@ void checkDeletable( Kiv::Entity const & entity, Kiv::Attribute const & attribut
    }
 }
 
+void write( Kiv::Attribute const & attribute, Kiv::Entity & entity, Scenario::Set const & what ) {
+   try {
+      attribute.textIs( entity, what.at.key, what.value );
+   } catch ( Quelm::TextError const & error ) {
+      throw Quelm::AccessError( "attribute '" + attribute.name() + "' is not set: " + error.what() +
+                                ( what.value.empty() && !attribute.valueType().empty()
+                                     ? "; give what it is to be by 'value'"
+                                     : "" ) );
+   }
+}
+
+// "; it has handleVerify (0 arguments)"
+std::string operationsOf( Kiv::Type const & type ) {
+   std::string known;
+   for ( Kiv::Attribute const * const attribute : type.attributes() ) {
+      if ( attribute->kind() == Kiv::Attribute::Kind::Operation ) {
+         known += ( known.empty() ? "" : ", " ) + attribute->name() + " (" +
+                  Story::counted( attribute->arity(), "argument" ) + ")";
+      }
+   }
+   return known.empty() ? "; it has no operations" : "; it has " + known;
+}
+
 // Nobody leaves out a key on purpose without wanting to be told.
 void tellEmptyKey( StateDatabase::Finder const & finder, Scenario::AttributeAt const & at,
                    std::string const & place ) {
@@ -151,10 +174,14 @@ void Steps::set( Scenario::Set const & action ) {
    auto const & attribute = StateDatabase::attributeOf( *entity, action.at.attribute );
    checkKey( *entity, attribute, action.at.key );
    if ( attribute.kind() == Kiv::Attribute::Kind::Reference ) {
+      if ( action.value.empty() ) {
+         throw Quelm::AccessError( "attribute '" + attribute.name() +
+                                   "' refers to an entity; give its path by 'value'" );
+      }
       attribute.entityIs( *entity,
                           finder.entity( StateDatabase::EntityPath::fromString( action.value ) ) );
    } else {
-      attribute.textIs( *entity, action.at.key, action.value );
+      write( attribute, *entity, action );
    }
 }
 
@@ -184,7 +211,8 @@ void Steps::call( Scenario::Call const & action ) {
    if ( !operation ) {
       throw Quelm::AccessError( StateDatabase::withArticle( type.name() ) + " has no operation '" +
                                 action.operation + "' that takes " +
-                                Story::counted( action.arguments.size(), "argument" ) );
+                                Story::counted( action.arguments.size(), "argument" ) +
+                                operationsOf( type ) );
    }
    operation->call( *entity, action.arguments );
 }

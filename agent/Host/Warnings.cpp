@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <Scenario/Reading.h>
+#include <Text/Words.h>
 #include <Trace/Trace.h>
 
 namespace Host {
@@ -14,7 +14,7 @@ std::vector< std::string_view > viewsOf( std::vector< std::string > const & text
 }
 
 std::string hint( std::string_view name, std::vector< std::string > const & known ) {
-   std::string_view const near = Scenario::nearest( name, viewsOf( known ) );
+   std::string_view const near = Text::nearest( name, viewsOf( known ) );
    return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
 }
 

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include <Scenario/Characters.h>
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 namespace Scenario {
 
@@ -26,7 +26,7 @@ std::string shown( std::vector< Problem > const & problems ) {
 
 std::string Problem::text() const {
    std::string const place = line == 0 ? file : file + ':' + std::to_string( line );
-   return Story::printable( place + ": " + shortened( message ) );
+   return Text::printable( place + ": " + shortened( message ) );
 }
 
 ReadError::ReadError( std::vector< Problem > problems )

@@ -52,8 +52,8 @@ void readFeatures( Reading & reading, Value const & value, Document & document )
    std::error_code error;
    if ( !fs::is_directory( document.model.featureFiles, error ) ) {
       reading.problem( value.line, "features is " + pathInQuotes( *directory ) +
-                                      ", which is no directory; the directory of the feature files "
-                                      "is expected, relative to the scenario's" );
+                                      ", which is no directory; give the directory of the feature "
+                                      "files, as a path from the scenario's directory" );
    }
 }
 

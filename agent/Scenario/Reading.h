@@ -22,8 +22,13 @@
 #include <Scenario/Agreement.h>
 #include <Scenario/ReadError.h>
 #include <Scenario/Scenario.h>
+#include <Text/Words.h>
 
 namespace Scenario {
+
+using Text::knownOnes;
+using Text::listed;
+using Text::nearest;
 
 // A node of the text, and what problems with it need: the line, and what people know it by, which
 // is the word or the name that it stands under. The node is const because assigning to a YAML::Node
@@ -88,16 +93,6 @@ class Reading {
    std::map< U16, U16 > modules_;  // unit to module id
    std::vector< std::pair< std::string, U32 > > trace_;
 };
-
-// The one of `known` that `text` was most probably meant to be, or an empty text.
-std::string_view nearest( std::string_view text, std::vector< std::string_view > const & known );
-
-// "a, b or c", with `last` as the word before the last.
-std::string listed( std::vector< std::string_view > const & words,
-                    std::string const & last = "or" );
-
-// "known are a, b and c".
-std::string knownOnes( std::vector< std::string_view > const & words );
 
 // What a node is, in words: "a mapping", "a list", "text", "empty".
 std::string_view kindOf( YAML::Node const & node );

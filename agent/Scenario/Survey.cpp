@@ -11,7 +11,7 @@
 #include <Scenario/Characters.h>
 #include <Scenario/Quotes.h>
 #include <Scenario/ReadError.h>
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 namespace Scenario {
 
@@ -35,13 +35,13 @@ void checkCharacters( std::string const & text, std::string const & file ) {
       std::string_view const character = rest.substr( 0, std::max< std::size_t >( length, 1 ) );
       if ( length == 0 ) {
          refuse( file, lineAt( text, at ),
-                 "the byte " + Story::printable( character ) +
+                 "the byte " + Text::printable( character ) +
                     " stands here, which is not UTF-8; save the file as UTF-8" );
       }
       bool const isLoneReturn = character == "\r" && !rest.starts_with( "\r\n" );
       if ( isLoneReturn || isControl( character ) ) {
          refuse( file, lineAt( text, at ),
-                 "the control character " + Story::printable( character ) +
+                 "the control character " + Text::printable( character ) +
                     " stands here; remove it, or write it in double quotes, as in \"\\x1b\"" );
       }
       at += length;

@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::size_t kUnknown = static_cast< std::size_t >( -1 );
 
+// What people call it.
+std::string nameOf( WordList const & list ) {
+   return list.place == "derived-scenario" ? "a scenario that is based on another"
+                                           : std::string( list.place );
+}
+
 std::size_t indexOf( Reading & reading, Value const & member, WordList const & list ) {
    for ( std::size_t n = 0; n < list.words.size(); ++n ) {
       if ( list.words[ n ].name == member.name ) {
@@ -18,8 +24,7 @@ std::size_t indexOf( Reading & reading, Value const & member, WordList const & l
    }
    std::string_view const near = nearest( member.name, list.names() );
    reading.problem( member.line,
-                    "unknown word " + inQuotes( member.name ) + " in " + std::string( list.place ) +
-                       "; " +
+                    "unknown word " + inQuotes( member.name ) + " in " + nameOf( list ) + "; " +
                        ( near.empty() ? knownOnes( list.names() )
                                       : "did you mean '" + std::string( near ) + "'?" ) );
    return kUnknown;

@@ -1,7 +1,10 @@
 #include <StateDatabase/Finder.h>
 
+#include <algorithm>
+
 #include <Quelm/Error.h>
 #include <StateDatabase/TypeName.h>
+#include <Text/Words.h>
 
 namespace StateDatabase {
 
@@ -9,8 +12,25 @@ namespace {
 
 using Segment = EntityPath::Segment;
 
-std::string textOf( Segment const & segment ) {
-   return segment.key ? segment.name + "[" + *segment.key + "]" : segment.name;
+// "it has Ethernet1, Ethernet2 and 7 more".
+std::string keysOf( Kiv::Attribute const & attribute, Kiv::Entity const & entity ) {
+   constexpr std::size_t kMost = 20;
+   auto const keys = attribute.keys( entity );
+   std::string text;
+   for ( std::size_t n = 0; n < std::min( keys.size(), kMost ); ++n ) {
+      text += ( n == 0 ? "" : ", " ) + keys[ n ];
+   }
+   std::string const more =
+      keys.size() > kMost ? " and " + std::to_string( keys.size() - kMost ) + " more" : "";
+   return text.empty() ? "it is empty" : "it has " + text + more;
+}
+
+// The attribute leads to no entity.
+std::string nowhere( Kiv::Attribute const & attribute, Kiv::Entity const & entity,
+                     Segment const & segment ) {
+   return segment.key ? "'" + segment.name + "' has no key '" + *segment.key + "'; " +
+                           keysOf( attribute, entity )
+                      : "'" + segment.name + "' refers to nothing";
 }
 
 // The path of the first `count` segments.
@@ -36,11 +56,13 @@ Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, EntityPath const & pat
    }
    if ( segment.key.has_value() != isKeyed ) {
       throw Quelm::AccessError( "attribute '" + segment.name +
-                                ( isKeyed ? "' needs a key in brackets" : "' takes no key" ) );
+                                ( isKeyed
+                                     ? "' needs a key in brackets; " + keysOf( attribute, from )
+                                     : "' takes no key; leave the brackets out" ) );
    }
    auto next = attribute.entity( from, segment.key.value_or( "" ) );
    if ( !next ) {
-      throw Quelm::AccessError( "there is no entity at '" + textOf( segment ) + "'" );
+      throw Quelm::AccessError( nowhere( attribute, from, segment ) );
    }
    return next;
 }
@@ -57,6 +79,23 @@ Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string cons
    }
    throw Quelm::AccessError( withArticle( entity.typeData().name() ) + " has no attribute '" +
                              name + "'" + ( known.empty() ? "" : "; it has " + known ) );
+}
+
+// "did you mean '/evpn/status'? Paths", where the path begins almost like that; else "paths".
+std::string Finder::hintOf( EntityPath const & path ) const {
+   Directory::Entities const all = roots();
+   std::vector< std::string > known;
+   for ( auto const & [ root, unused ] : all ) {
+      known.push_back( "/" + root );
+   }
+   std::vector< std::string_view > const words( known.begin(), known.end() );
+   for ( std::size_t count = path.segments().size(); count > 0; --count ) {
+      std::string_view const near = Text::nearest( beginning( path, count ), words );
+      if ( !near.empty() ) {
+         return "did you mean '" + std::string( near ) + "'? Paths";
+      }
+   }
+   return "paths";
 }
 
 Finder::Root Finder::rootOf( EntityPath const & path ) const {
@@ -80,11 +119,16 @@ Quelm::Ptr< Kiv::Entity > Finder::entity( EntityPath const & path ) const {
       for ( auto const & [ root, unused ] : roots() ) {
          known += "\n   /" + root;
       }
-      throw Quelm::AccessError( "there is no entity at '" + path.stringValue() +
-                                "'; paths begin with one of" + known );
+      throw Quelm::AccessError( "there is no entity at '" + path.stringValue() + "'; " +
+                                hintOf( path ) + " begin with one of" + known );
    }
    for ( std::size_t n = taken; n < path.segments().size(); ++n ) {
-      entity = step( *entity, path, n );
+      try {
+         entity = step( *entity, path, n );
+      } catch ( Quelm::AccessError const & error ) {
+         throw Quelm::AccessError( "there is no entity at '" + path.stringValue() +
+                                   "': " + error.what() );
+      }
    }
    return entity;
 }

@@ -3,7 +3,7 @@
 // A path begins with the place of an entity in one of the directories, the longest that fits, and
 // goes on with attributes that lead to further entities (StateDatabase/EntityPath.h).
 //
-// Failures: Quelm::AccessError, which says how far the path leads and what would be right there.
+// Failures: Quelm::AccessError, which names the path, and says how far it leads and what is there.
 #pragma once
 
 #include <string>
@@ -32,6 +32,7 @@ class Finder {
       std::size_t segments = 0;  // how many of the path's it takes
    };
 
+   std::string hintOf( EntityPath const & path ) const;
    Root rootOf( EntityPath const & path ) const;
 
    std::vector< Directory const * > directories_;

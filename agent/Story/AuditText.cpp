@@ -38,7 +38,8 @@ std::string verdictOf( Audited const & audited, Style const & style ) {
    std::string const unprotected = unprotectedText( audited );
    std::string const counts =
       fmt::format( "{} called for, {} in the chip{}{}", counted( audited.rules, "rule" ),
-                   audited.entries, unprotected.empty() ? "" : "; ", printable( unprotected ) );
+                   audited.entries, unprotected.empty() ? "" : "; ",
+                   Text::printable( unprotected ) );
    if ( faults != 0 ) {
       return style.bad( fmt::format( "audit: {}", counted( faults, "difference" ) ) ) +
              fmt::format( ", {} known; {}", known, counts );
@@ -69,10 +70,10 @@ std::vector< std::string > linesOf( Audited const & audited, Style const & style
       std::string const kind( Story::nameOf( difference.kind ) );
       lines.push_back( fmt::format( "   {}: {}",
                                     Story::isKnown( difference.kind ) ? kind : style.bad( kind ),
-                                    printable( placeOf( difference ) ) ) );
-      lines.push_back( printable(
+                                    Text::printable( placeOf( difference ) ) ) );
+      lines.push_back( Text::printable(
          fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) ) );
-      lines.push_back( printable( "      " + difference.because ) );
+      lines.push_back( Text::printable( "      " + difference.because ) );
    }
    return lines;
 }

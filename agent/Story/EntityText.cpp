@@ -1,6 +1,6 @@
 #include <Story/EntityText.h>
 
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 namespace Story {
 
@@ -49,7 +49,7 @@ class Writer {
    }
 
    void line( std::string const & text ) {
-      text_ += std::string( indent_, ' ' ) + printable( text ) + '\n';
+      text_ += std::string( indent_, ' ' ) + Text::printable( text ) + '\n';
    }
 
    template< typename Write > void deeper( Write const & write ) {
@@ -71,7 +71,7 @@ std::string treeText( std::string const & path, EntityTree const & tree ) {
 }
 
 std::string pathLine( EntityShown const & shown ) {
-   return printable( shown.path + ": " + shown.tree.type ) + '\n';
+   return Text::printable( shown.path + ": " + shown.tree.type ) + '\n';
 }
 
 }  // namespace Story

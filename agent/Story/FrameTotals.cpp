@@ -38,7 +38,7 @@ std::string FrameTotals::dropsText() const {
 }
 
 std::string FrameTotals::copiesText() const {
-   return copies.empty() ? "nothing" : "copies " + listed( copies );
+   return copies.empty() ? "no copies" : "copies " + listed( copies );
 }
 
 }  // namespace Story

@@ -21,9 +21,9 @@ void HumanWriter::shown( std::string const & text ) {
 // --- Where the run stands
 
 void HumanWriter::tell( RunBegins const & event ) {
-   out_ << style_.bold( event.title ) << " (" << printable( event.scenario ) << ")\n";
+   out_ << style_.bold( event.title ) << " (" << Text::printable( event.scenario ) << ")\n";
    if ( !event.description.empty() ) {
-      out_ << printableLines( event.description ) << '\n';
+      out_ << Text::printableLines( event.description ) << '\n';
    }
 }
 
@@ -32,7 +32,7 @@ void HumanWriter::tell( StepBegins const & event ) {
       publishedBefore();
    }
    out_ << '\n'
-        << style_.bold( nameOf( event ) ) << ": " << printable( event.text ) << '\n'
+        << style_.bold( nameOf( event ) ) << ": " << Text::printable( event.text ) << '\n'
         << std::flush;
 }
 
@@ -149,12 +149,12 @@ void HumanWriter::ruleChanges() {
       detail( "   before: " + contentOf( change.before ) );
    }
    for ( Rule const & rule : changes.removed ) {
-      shown( style_.bad( "rule removed: " ) + printable( headingOf( rule ) ) );
+      shown( style_.bad( "rule removed: " ) + Text::printable( headingOf( rule ) ) );
    }
 }
 
 void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
-   shown( what + printable( headingOf( rule ) ) );
+   shown( what + Text::printable( headingOf( rule ) ) );
    detail( "   " + contentOf( rule ) );
 }
 
@@ -210,7 +210,8 @@ void HumanWriter::tell( MountAsked const & event ) {
 }
 
 void HumanWriter::tell( MountsDone const & event ) {
-   shown( event.problems.empty() ? printable( wordsOf( event ) ) : style_.bad( wordsOf( event ) ) );
+   shown( event.problems.empty() ? Text::printable( wordsOf( event ) )
+                                 : style_.bad( wordsOf( event ) ) );
 }
 
 void HumanWriter::tell( PublishedChange const & event ) {

@@ -51,7 +51,7 @@ class HumanWriter final : public Observer {
    void tell( EntityShown const & ) {}   // is what another command is for
    template< typename Other > void tell( Other const & event ) { detail( wordsOf( event ) ); }
 
-   void detail( std::string const & text ) { shown( printable( text ) ); }
+   void detail( std::string const & text ) { shown( Text::printable( text ) ); }
    void shown( std::string const & text );  // which is printable already, colours and all
    void knownLimits();
    void ruleChanges();

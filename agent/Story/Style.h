@@ -1,11 +1,11 @@
 // Colours and emphasis on a terminal; plain text everywhere else. The text itself is made printable
-// (Story/Printable.h), and must not be so a second time with its colours.
+// (Text/Printable.h), and must not be so a second time with its colours.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 namespace Story {
 
@@ -21,9 +21,9 @@ class Style {
    // SGR parameters (ECMA-48, section 8.3.117) around the text.
    std::string in( std::string_view parameters, std::string_view text ) const {
       if ( !isColoured_ ) {
-         return printable( text );
+         return Text::printable( text );
       }
-      return "\x1b[" + std::string( parameters ) + "m" + printable( text ) + "\x1b[0m";
+      return "\x1b[" + std::string( parameters ) + "m" + Text::printable( text ) + "\x1b[0m";
    }
 
    bool isColoured_;

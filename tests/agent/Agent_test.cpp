@@ -238,7 +238,15 @@ TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
                  "attribute 'lag' has no keys; leave the key out" },
            Case{
               "call: { entity: /plugins/Sample::Mounter, operation: finishInit, arguments: [ 1 ] }",
-              "has no operation 'finishInit' that takes 1 argument" },
+              "has no operation 'finishInit' that takes 1 argument; it has " },
+           Case{ "call: { entity: /evpn/status, operation: clear }",
+                 "has no operation 'clear' that takes 0 arguments; it has no operations" },
+           Case{
+              "set: { entity: /shared/vornalCommon, attribute: vornalModId, key: 0 }",
+              "attribute 'vornalModId' is not set: expected a number of type U16 at character 1, "
+              "found the end of the text; give what it is to be by 'value'" },
+           Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus }",
+                 "attribute 'evpnStatus' refers to an entity; give its path by 'value'" },
            Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, value: "
                  "/lag/config }",
                  "not a Lag::Config" } } ) {
@@ -296,7 +304,9 @@ TEST_F( Agent, says_what_was_found_when_an_expectation_does_not_hold ) {
    EXPECT_EQ( found,
               ( std::vector< std::string >{
                  "it is not ready", "it asked for none", "it lacks Ethernet2; it has Ethernet1",
-                 "it is 1", "there is no key 5", "there is no entity at 'segmentStatus[Ethernet2]'",
+                 "it is 1", "there is no key 5",
+                 "there is no entity at '/evpn/status/segmentStatus[Ethernet2]': 'segmentStatus' "
+                 "has no key 'Ethernet2'; it has Ethernet1",
                  "there are 0; the group has no other rules", "it is there 0 times" } ) );
    EXPECT_EQ( story.all< Story::ExpectationChecked >().at( 0 ).place, "leaf.yaml:21" );
 }

@@ -128,13 +128,31 @@ TEST_F( DriftStep, names_one_rule ) {
       << text;
    story.clear();
    EXPECT_TRUE( refusal( "group: egress, rule: vtep, remove: Drop" )
-                   .ends_with( "no entry of group 45 has \"vtep\" in its name" ) );
+                   .ends_with( "no entry of group 45 has \"vtep\" in its name; the group is empty, "
+                               "and 'dump: rules' shows their names" ) );
 }
 
 TEST_F( DriftStep, says_why_a_rule_cannot_change_so ) {
-   EXPECT_TRUE( refusal( "group: ingress, entry: 1, remove: EgressMask" )
-                   .find( "entry 1 of group 157 on unit 0 cannot drift so: " ) !=
-                std::string::npos );
+   std::string const entry = "entry 1 of group 157 on unit 0 cannot drift so: ";
+   struct Case {
+      char const * words;
+      std::string refusal;
+   };
+   for ( Case const & one :
+         { Case{ "group: ingress, entry: 1, flip: VxlanNetworkId",
+                 entry + "the rule lacks what is to change; 'dump: rules' shows what it has" },
+           Case{ "group: ingress, entry: 1, remove: Drop",
+                 entry + "no rule of this group has that; 'dump: rules' shows what they have" },
+           Case{ "group: ingress, entry: 77, priority: 1",
+                 "group 157 has no entry 77; its entries are 1, 2, 3, 4" },
+           Case{ "group: egress, entry: 1, remove: Drop",
+                 "group 45 has no entry 1; the group is empty" },
+           Case{ "group: ingress, entry: 3, swap-gport-with: 9",
+                 "group 157 has no entry 9; its" } } ) {
+      story.clear();
+      std::string const text = refusal( one.words );
+      EXPECT_NE( text.find( one.refusal ), std::string::npos ) << text;
+   }
 }
 
 // --- Its words

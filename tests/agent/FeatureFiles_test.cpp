@@ -35,8 +35,11 @@ class FeatureFilesReader : public testing::Test {
    }
 
    // The report about damage in a line.
+   static constexpr int kNoLine = 0;
+
    std::string reportOf( int line, std::string const & what ) const {
-      return ( directory_ / kFile ).string() + ':' + std::to_string( line ) + ": " + what +
+      std::string const place = line == kNoLine ? "" : ':' + std::to_string( line );
+      return ( directory_ / kFile ).string() + place + ": " + what +
              "; an object of booleans is expected, as in { \"SbdEvpnTcamOverrideRule\": false }; "
              "until "
              "then its toggles have their defaults";
@@ -55,7 +58,7 @@ TEST_F( FeatureFilesReader, AreReportedAndNotReadWhenTheyAreHuge ) {
    fileIs( "{}" );
    fs::resize_file( directory_ / kFile, ( 16U << 20U ) + 1 );  // takes no room on the disk
    EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
-   EXPECT_EQ( reported_, std::vector{ reportOf( 1, "the file is larger than 16 MiB" ) } );
+   EXPECT_EQ( reported_, std::vector{ reportOf( kNoLine, "the file is larger than 16 MiB" ) } );
 }
 
 TEST_F( FeatureFilesReader, GiveATogglesValue ) {
@@ -144,7 +147,7 @@ TEST_F( FeatureFilesReader, AreReportedWhenTheyAreDirectories ) {
    fs::create_directory( directory_ / kFile );
    EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
    ASSERT_EQ( reported_.size(), 1U );
-   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "this is no regular file" ) );
+   EXPECT_EQ( reported_[ 0 ], reportOf( kNoLine, "this is no regular file" ) );
 }
 
 TEST_F( FeatureFilesReader, AreReportedAndNotWaitedForWhenTheyArePipesOrDevices ) {
@@ -154,7 +157,7 @@ TEST_F( FeatureFilesReader, AreReportedAndNotWaitedForWhenTheyArePipesOrDevices 
    EXPECT_TRUE( reader_.isEnabled( kToggle, "device.json", true ) );
 
    ASSERT_EQ( reported_.size(), 2U );
-   EXPECT_EQ( reported_[ 0 ], reportOf( 1, "this is no regular file" ) );
+   EXPECT_EQ( reported_[ 0 ], reportOf( kNoLine, "this is no regular file" ) );
    EXPECT_NE( reported_[ 1 ].find( "this is no regular file" ), std::string::npos );
 }
 
@@ -163,7 +166,7 @@ TEST_F( FeatureFilesReader, AreReportedWhenTheyAreLinksThatLeadNowhereInTheEnd )
    EXPECT_TRUE( reader_.isEnabled( kToggle, kFile, true ) );
    ASSERT_EQ( reported_.size(), 1U );
    EXPECT_EQ( reported_[ 0 ],
-              reportOf( 1, "the file cannot be read (Too many levels of symbolic links)" ) );
+              reportOf( kNoLine, "the file cannot be read (Too many levels of symbolic links)" ) );
 }
 
 TEST_F( FeatureFilesReader, AreReportedWhenTheyHoldANumberThatNothingCanHold ) {

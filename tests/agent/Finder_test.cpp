@@ -62,32 +62,43 @@ TEST_F( Finder, takes_the_longest_beginning_that_is_there ) {
 
 TEST_F( Finder, lists_the_beginnings_when_a_path_has_none_of_them ) {
    EXPECT_EQ( refusalOf( "/evpn/statsu" ),
-              "there is no entity at '/evpn/statsu'; paths begin with one of\n"
+              "there is no entity at '/evpn/statsu'; did you mean '/evpn/status'? Paths begin with "
+              "one of\n"
               "   /evpn/status\n"
               "   /shared/vornalCommon" );
 }
 
 TEST_F( Finder, says_which_attributes_there_are_when_one_does_not_exist ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segments" ),
-              "an Evpn::EvpnStatus has no attribute 'segments'; it has segmentStatus" );
+              "there is no entity at '/evpn/status/segments': an Evpn::EvpnStatus has no attribute "
+              "'segments'; it has segmentStatus" );
 }
 
 TEST_F( Finder, says_whether_a_key_is_needed ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus" ),
-              "attribute 'segmentStatus' needs a key in brackets" );
+              "there is no entity at '/evpn/status/segmentStatus': attribute 'segmentStatus' needs "
+              "a key in brackets; it has Port-Channel2" );
    EXPECT_EQ( refusalOf( "/shared/vornalCommon/sliceDependencyPoints[1]" ),
-              "attribute 'sliceDependencyPoints' takes no key" );
+              "there is no entity at '/shared/vornalCommon/sliceDependencyPoints[1]': attribute "
+              "'sliceDependencyPoints' takes no key; leave the brackets out" );
 }
 
 TEST_F( Finder, names_the_owner_of_what_is_a_value ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]" ),
-              "attribute 'remoteTep' holds values and no entities; name its owner, which shows "
+              "there is no entity at "
+              "'/evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]': attribute "
+              "'remoteTep' holds values and no entities; name its owner, which shows "
               "them: '/evpn/status/segmentStatus[Port-Channel2]'" );
 }
 
 TEST_F( Finder, says_where_a_path_leads_nowhere ) {
-   EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
-              "there is no entity at 'segmentStatus[Port-Channel3]'" );
+   EXPECT_EQ(
+      refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
+      "there is no entity at '/evpn/status/segmentStatus[Port-Channel3]': 'segmentStatus' has "
+      "no key 'Port-Channel3'; it has Port-Channel2" );
+   EXPECT_EQ( refusalOf( "/shared/vornalCommon/sliceDependencyPoints/evpn" ),
+              "there is no entity at '/shared/vornalCommon/sliceDependencyPoints/evpn': a "
+              "Vornal::VornalSliceDependencyPoints has no attribute 'evpn'; it has x" );
 }
 
 TEST_F( Finder, goes_through_attributes_that_lead_to_entities_only ) {

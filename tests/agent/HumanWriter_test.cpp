@@ -256,6 +256,11 @@ TEST_F( HumanWriter, tells_a_warning_below_its_step ) {
               "   warning: leaf.yaml:7: no \\x1b handle\n" );
 }
 
+TEST( FrameTotals, say_so_when_no_copy_of_a_frame_was_considered ) {
+   Story::FrameTotals totals;
+   EXPECT_EQ( totals.copiesText(), "no copies" );
+}
+
 TEST_F( HumanWriter, tells_in_which_step_the_run_was_interrupted_and_the_totals_so_far ) {
    told( startUp() );
    told( readyStep() );

@@ -1,10 +1,10 @@
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Story::printable;
+using Text::printable;
 
 TEST( Printable, leaves_what_can_be_printed_as_it_is ) {
    for ( char const * const text :
@@ -52,8 +52,8 @@ TEST( Printable, changes_nothing_the_second_time ) {
 }
 
 TEST( Printable, keeps_the_line_ends_of_several_lines ) {
-   EXPECT_EQ( Story::printableLines( "a\n\x1b\n\nb" ), "a\n\\x1b\n\nb" );
-   EXPECT_EQ( Story::printableLines( "a\n" ), "a\n" );
+   EXPECT_EQ( Text::printableLines( "a\n\x1b\n\nb" ), "a\n\\x1b\n\nb" );
+   EXPECT_EQ( Text::printableLines( "a\n" ), "a\n" );
 }
 
 }  // namespace

@@ -145,12 +145,12 @@ TEST( ScenarioReader, TellsWhatIsWrongWithTheBaseInTheBasesOwnLines ) {
 }
 
 TEST( ScenarioReader, RefusesStepsInATwin ) {
-   EXPECT_EQ(
-      problems( "scenario: twin\n"
-                "based-on: whole.yaml\n"
-                "steps: []\n" ),
-      "leaf.yaml:3: unknown word 'steps' in derived-scenario; known are scenario, description, "
-      "based-on and variant" );
+   EXPECT_EQ( problems( "scenario: twin\n"
+                        "based-on: whole.yaml\n"
+                        "steps: []\n" ),
+              "leaf.yaml:3: unknown word 'steps' in a scenario that is based on another; known are "
+              "scenario, description, "
+              "based-on and variant" );
 }
 
 // --- files
@@ -233,8 +233,8 @@ TEST( ScenarioReader, RefusesANameThatIsNoText ) {
 TEST( ScenarioReader, RefusesFeaturesThatAreNoDirectory ) {
    EXPECT_EQ(
       leafProblems( "features: nowhere\n" ),
-      "leaf.yaml:9: features is 'nowhere', which is no directory; the directory of the feature "
-      "files is expected, relative to the scenario's" );
+      "leaf.yaml:9: features is 'nowhere', which is no directory; give the directory of the "
+      "feature files, as a path from the scenario's directory" );
 }
 
 TEST( ScenarioReader, RefusesTraceThatIsNoMapping ) {

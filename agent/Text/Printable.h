@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace Story {
+namespace Text {
 
 // The text with everything that is not to be printed written out: control characters (C0, DEL and
 // C1) as \n, \t, \x1b or \u009b, characters that end a line or turn the direction of the text as
@@ -16,4 +16,4 @@ std::string printable( std::string_view text );
 // The same for a text of several lines, whose line ends stay.
 std::string printableLines( std::string_view text );
 
-}  // namespace Story
+}  // namespace Text

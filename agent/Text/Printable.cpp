@@ -1,4 +1,4 @@
-#include <Story/Printable.h>
+#include <Text/Printable.h>
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@
 
 #include <Quelm/Integers.h>
 
-namespace Story {
+namespace Text {
 
 namespace {
 
@@ -121,4 +121,4 @@ std::string printableLines( std::string_view text ) {
    return result + printable( text );
 }
 
-}  // namespace Story
+}  // namespace Text
