@@ -96,9 +96,6 @@ TEST_F( Finder, says_where_a_path_leads_nowhere ) {
       refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
       "there is no entity at '/evpn/status/segmentStatus[Port-Channel3]': 'segmentStatus' has "
       "no key 'Port-Channel3'; it has Port-Channel2" );
-   EXPECT_EQ( refusalOf( "/shared/vornalCommon/sliceDependencyPoints/evpn" ),
-              "there is no entity at '/shared/vornalCommon/sliceDependencyPoints/evpn': a "
-              "Vornal::VornalSliceDependencyPoints has no attribute 'evpn'; it has x" );
 }
 
 TEST_F( Finder, goes_through_attributes_that_lead_to_entities_only ) {
