@@ -11,7 +11,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -109,7 +109,7 @@ class Running {
    void signal( int number ) const { kill( pid_, number ); }
    // Whether it ends within so many milliseconds.
    bool ends( int patience ) const {
-      int const process = pidfd_open( pid_, 0 );
+      int const process = static_cast< int >( syscall( SYS_pidfd_open, pid_, 0 ) );
       pollfd ended{ process, POLLIN, 0 };
       bool const hasEnded = poll( &ended, 1, patience ) == 1;
       close( process );
