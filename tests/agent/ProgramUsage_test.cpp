@@ -70,7 +70,7 @@ TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
 }
 
 TEST( ProgramUsage, SaysWhatATurnLimitIs ) {
-   for ( std::string const limit : { "x", "-1", "nan", "1e9", "", "5s", "86400.1" } ) {
+   for ( std::string const limit : { "x", "-1", "nan", "1e9", "5s", "86400.1" } ) {
       auto const ran = Support::vornal( { "run", "leaf.yaml", "--turn-limit=" + limit } );
       EXPECT_EQ( ran.exitCode, 2 ) << limit;
       EXPECT_EQ( ran.err,
