@@ -160,7 +160,7 @@ TEST_F( ProgramEnds, with_130_although_nobody_reads_its_output ) {
       EXPECT_TRUE( contains( unread.read( "printed: x" ), "printed: x" ) );
       running.signal( SIGINT );
       constexpr int kPatience = 60'000;  // in milliseconds; only a failure takes so long
-      EXPECT_TRUE( running.ends( kPatience ) );
+      ASSERT_TRUE( running.ends( kPatience ) );
 
       EXPECT_EQ( running.wait(), 130 );
    }
