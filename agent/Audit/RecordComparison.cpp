@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include <Audit/Comparison.h>
-#include <Audit/ContentText.h>
 #include <Audit/SharedSegments.h>
 #include <Audit/Variant.h>
+#include <Snapshot/RuleText.h>
 
 #include <fmt/format.h>
 
@@ -131,7 +131,7 @@ class RecordCheck {
          auto const * const wanted =
             rules_.contains( ingress( on ) ) ? findIn( wanted_, ingress( on ) ) : nullptr;
          auto const mask = wanted ? wanted->content[ Chip::Action::EgressMask ] : std::nullopt;
-         return mask ? textOf( mask->ports ) : std::string( kAbsent );
+         return mask ? Chip::portsText( mask->ports ) : std::string( kAbsent );
       } );
    }
 
@@ -145,7 +145,9 @@ class RecordCheck {
    }
 
    static std::string textOf( U16 value ) { return std::to_string( value ); }
-   static std::string textOf( Brum::PerUnitBitmap const & ports ) { return Audit::textOf( ports ); }
+   static std::string textOf( Brum::PerUnitBitmap const & ports ) {
+      return Chip::portsText( ports );
+   }
 
    // Whether every VTEP that has a rule, or a record of that name, has what the record should say.
    template< typename T, typename ShouldBe >

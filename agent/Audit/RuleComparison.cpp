@@ -1,7 +1,7 @@
 // The chip's entries against the rules that the state calls for.
 
 #include <Audit/Comparison.h>
-#include <Audit/ContentText.h>
+#include <Snapshot/RuleText.h>
 
 namespace Audit {
 
@@ -19,7 +19,7 @@ class RuleCheck {
    void check() {
       if ( !entry_.written() ) {
          add( DifferenceKind::stagedOnly, {}, "staged, not in the hardware",
-              textOf( rule_.content ) );
+              Chip::contentText( rule_.content ) );
          return;
       }
       for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
@@ -29,8 +29,8 @@ class RuleCheck {
          checkAction( action, written()[ action ], rule_.content[ action ] );
       }
       if ( written().priority != rule_.content.priority ) {
-         add( DifferenceKind::wrongPriority, "priority", priorityText( written().priority ),
-              priorityText( rule_.content.priority ) );
+         add( DifferenceKind::wrongPriority, "priority", Chip::priorityText( written().priority ),
+              Chip::priorityText( rule_.content.priority ) );
       }
       checkStaged();
    }
@@ -45,8 +45,8 @@ class RuleCheck {
       }
       bool const isOnlyMask =
          is && shouldBe && is->data == shouldBe->data && is->modId == shouldBe->modId;
-      add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier,
-           nameOf( qualifier ), textOf( qualifier, is ), textOf( qualifier, shouldBe ) );
+      add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier, nameOf( qualifier ),
+           valueText( qualifier, is ), valueText( qualifier, shouldBe ) );
    }
 
    void checkAction( Chip::Action action, Parameters const & is, Parameters const & shouldBe ) {
@@ -54,8 +54,8 @@ class RuleCheck {
          return;
       }
       bool const isPorts = is && shouldBe && is->ports != shouldBe->ports;
-      add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ),
-           textOf( action, is ), textOf( action, shouldBe ) );
+      add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ), valueText( action, is ),
+           valueText( action, shouldBe ) );
    }
 
    // What the next reinstall would change for the worse. Where the hardware is wrong already, that
@@ -68,15 +68,15 @@ class RuleCheck {
          checkStagedPart( action );
       }
       if ( isOnlyStaged( written().priority, rule_.content.priority, staged().priority ) ) {
-         add( DifferenceKind::stagedDiffers, "priority",
-              priorityText( staged().priority ) + kStaged, priorityText( rule_.content.priority ) );
+         add( DifferenceKind::stagedDiffers, "priority", Chip::priorityText( staged().priority ) + kStaged,
+              Chip::priorityText( rule_.content.priority ) );
       }
    }
 
    template< typename Part > void checkStagedPart( Part part ) {
       if ( isOnlyStaged( written()[ part ], rule_.content[ part ], staged()[ part ] ) ) {
-         add( DifferenceKind::stagedDiffers, nameOf( part ),
-              textOf( part, staged()[ part ] ) + kStaged, textOf( part, rule_.content[ part ] ) );
+         add( DifferenceKind::stagedDiffers, nameOf( part ), valueText( part, staged()[ part ] ) + kStaged,
+              valueText( part, rule_.content[ part ] ) );
       }
    }
 
@@ -111,7 +111,7 @@ void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & ru
    Absence const absence = whyAbsent( sides, what );
    Difference difference = about( what, absence.kind, rule.name );
    difference.is = "no such rule";
-   difference.shouldBe = textOf( rule.content );
+   difference.shouldBe = Chip::contentText( rule.content );
    difference.because =
       absence.reason.empty() ? rule.because : rule.because + "; " + absence.reason;
    found.push_back( std::move( difference ) );
@@ -122,7 +122,7 @@ void addWithdrawnClassId( RuleFor const & what, WantedRule const & rule, Chip::E
    Difference difference = about( what, DifferenceKind::classIdWithdrawn, entry.name() );
    difference.entry = entry.id();
    difference.field = nameOf( Chip::Action::NewClassId );
-   difference.is = textOf( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
+   difference.is = valueText( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
    difference.shouldBe = "a class id that is granted";
    difference.because = rule.because + "; its class id is not granted any more";
    found.push_back( std::move( difference ) );
@@ -150,7 +150,8 @@ void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found
    difference.group = at.group;
    difference.entry = at.entry->id();
    difference.rule = at.entry->name();
-   difference.is = textOf( at.entry->written() ? *at.entry->written() : at.entry->staged() );
+   difference.is =
+      Chip::contentText( at.entry->written() ? *at.entry->written() : at.entry->staged() );
    if ( !at.entry->written() ) {
       difference.is += "; staged, not in the hardware";
    }

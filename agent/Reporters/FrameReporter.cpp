@@ -6,8 +6,8 @@ namespace Reporters {
 
 namespace {
 
-std::optional< Story::RuleKey > keyOf( std::optional< Chip::RuleId > const & rule ) {
-   return rule ? std::optional( Story::RuleKey{ rule->unit, rule->group, rule->entry } )
+std::optional< Story::RuleKey > keyOf( std::optional< Chip::RuleKey > const & rule ) {
+   return rule ? std::optional( Story::RuleKey{ rule->unit, rule->group, rule->id } )
                : std::nullopt;
 }
 

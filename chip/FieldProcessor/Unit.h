@@ -4,6 +4,7 @@
 #include <map>
 
 #include <FieldProcessor/Group.h>
+#include <FieldProcessor/RuleKey.h>
 
 namespace Chip {
 
@@ -44,6 +45,17 @@ class Units {
    Unit * unit( U32 number );
    // The group of that unit, or nullptr.
    Group * group( U32 number, Vornal::TcamGroupAssignment assignment );
+
+   // Calls `visit( RuleKey, Entry const & )` for each entry of all units, by unit, group and id.
+   template< typename Visit > void forEachEntry( Visit visit ) const {
+      for ( auto const & [ number, unit ] : units_ ) {
+         for ( auto const & [ assignment, group ] : unit.groups() ) {
+            for ( auto const & [ id, entry ] : group.entries() ) {
+               visit( RuleKey{ unit.number(), assignment, id }, entry );
+            }
+         }
+      }
+   }
 
    auto begin() const { return units_.begin(); }
    auto end() const { return units_.end(); }

@@ -38,7 +38,7 @@ void RuleCheck::actionsAre( EntryContent const & rule, IngressResult & result ) 
    }
 }
 
-Verdict RuleCheck::judge( VornalTypes::VornalPort port, std::optional< RuleId > & rule ) {
+Verdict RuleCheck::judge( VornalTypes::VornalPort port, std::optional< RuleKey > & rule ) {
    Index const unit = tables_->unitOf( port.unit() );
    enter( unit );
    IngressResult const & ingress = results_[ unit ];
@@ -50,8 +50,8 @@ Verdict RuleCheck::judge( VornalTypes::VornalPort port, std::optional< RuleId > 
    return rule ? Verdict::Dropped : Verdict::Sent;
 }
 
-std::optional< RuleId > RuleCheck::dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
-                                             U16 classId ) const {
+std::optional< RuleKey > RuleCheck::dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
+                                              U16 classId ) const {
    Entry const * const winner =
       unit.egress ? unit.egress->lookup( EgressFields{ .dstModId = unit.modId,
                                                        .dstPort = port.logicalPort(),
@@ -61,7 +61,7 @@ std::optional< RuleId > RuleCheck::dropRule( UnitTables const & unit, VornalType
    if ( !winner || !( *winner->written() )[ Action::Drop ] ) {
       return std::nullopt;
    }
-   return RuleId{ unit.number, unit.egress->assignment(), winner->id() };
+   return RuleKey{ unit.number, unit.egress->assignment(), winner->id() };
 }
 
 }  // namespace Chip

@@ -18,20 +18,20 @@ class RuleCheck {
    // The unit's ingress lookup, if it has not been made.
    void enter( Index unit );
    // Whether the rules let a copy out by that port: Sent, or Masked or Dropped and the rule.
-   Verdict judge( VornalTypes::VornalPort port, std::optional< RuleId > & rule );
+   Verdict judge( VornalTypes::VornalPort port, std::optional< RuleKey > & rule );
 
  private:
    // The unit's winner, with what it does to copies.
    struct IngressResult {
       bool isLookedUp = false;
-      std::optional< RuleId > rule{};
+      std::optional< RuleKey > rule{};
       Brum::PerUnitBitmap const * mask = nullptr;
       U16 classId = 0;
    };
 
    static void actionsAre( EntryContent const & rule, IngressResult & result );
-   std::optional< RuleId > dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
-                                     U16 classId ) const;
+   std::optional< RuleKey > dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
+                                      U16 classId ) const;
 
    Tables const * tables_ = nullptr;
    IngressFields fields_{};

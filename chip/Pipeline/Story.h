@@ -10,24 +10,15 @@
 #include <string_view>
 #include <vector>
 
+#include <FieldProcessor/RuleKey.h>
 #include <Frames/MacAddress.h>
 #include <Pelk/IntfId.h>
 #include <Pelk/IpGenAddr.h>
 #include <Pipeline/FrameKind.h>
 #include <Pipeline/Reasons.h>
-#include <VornalTcam/EntryManager.h>
 #include <VornalTypes/VornalPort.h>
 
 namespace Chip {
-
-// An entry of a field-processor group.
-struct RuleId {
-   U16 unit = 0;
-   Vornal::TcamGroupAssignment group = 0;
-   U32 entry = 0;
-
-   friend bool operator==( RuleId const &, RuleId const & ) = default;
-};
 
 // The outer headers of a frame that came in VXLAN, as far as they could be read.
 struct TunnelStory {
@@ -61,8 +52,8 @@ struct InnerStory {
 // What the ingress lookup of one unit has given.
 struct IngressStory {
    U16 unit = 0;
-   std::optional< RuleId > rule{};  // the winner
-   U16 classId = 0;                 // that the rule has set; 0 for none
+   std::optional< RuleKey > rule{};  // the winner
+   U16 classId = 0;                  // that the rule has set; 0 for none
 
    friend bool operator==( IngressStory const &, IngressStory const & ) = default;
 };
@@ -73,7 +64,7 @@ struct Copy {
    VornalTypes::VornalPort port{};  // not valid for Verdict::NoPort
    std::optional< Pelk::IpGenAddr > remoteVtep{};  // to which it was to go in VXLAN
    Verdict verdict = Verdict::Sent;
-   std::optional< RuleId > rule{};  // that decided: for Masked and Dropped
+   std::optional< RuleKey > rule{};  // that decided: for Masked and Dropped
 
    friend bool operator==( Copy const &, Copy const & ) = default;
 };

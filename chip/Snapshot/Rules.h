@@ -15,18 +15,18 @@
 namespace Chip {
 
 struct Rule {
-   U16 unit;
-   Vornal::TcamGroupAssignment group;
-   U32 id;
-   std::string name;
-   bool isWritten;  // false while only staged
-   EntryContent content;
+   RuleKey key{};
+   std::string name{};
+   bool isWritten = false;  // false while only staged
+   EntryContent content{};
 
    friend bool operator==( Rule const &, Rule const & ) = default;
 };
 
-using Rules = std::vector< Rule >;  // by unit, group and id
+using Rules = std::vector< Rule >;  // by key
 
+// The rule that the entry shows; the key says where it stands.
+Rule ruleAt( RuleKey const & key, Entry const & entry );
 Rules rulesOf( Units const & units );
 
 struct RuleChange {

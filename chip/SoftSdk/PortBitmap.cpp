@@ -20,4 +20,11 @@ _shr_pbmp pbmpOf( Brum::PerUnitBitmap const & bitmap ) {
    return pbmp;
 }
 
+std::vector< U32 > portsOf( Brum::PerUnitBitmap const & ports ) {
+   std::vector< U32 > numbers;
+   numbers.reserve( ports.count() );
+   forEachPort( ports, [ & ]( U32 port ) { numbers.push_back( port ); } );
+   return numbers;
+}
+
 }  // namespace Chip

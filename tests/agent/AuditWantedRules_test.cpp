@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <Audit/ContentText.h>
+#include <Snapshot/RuleText.h>
 #include <Story/Difference.h>
 
 namespace {
@@ -39,7 +39,7 @@ State twoUnits() {
 std::string contentOf( State const & state, RuleFor const & what ) {
    auto const rules = wantedRules( state );
    auto const found = rules.find( what );
-   return found == rules.end() ? "none" : Audit::textOf( found->second.content );
+   return found == rules.end() ? "none" : Chip::contentText( found->second.content );
 }
 
 TEST( AuditWantedRules, are_none_before_the_plug_in_is_ready ) {
@@ -87,7 +87,7 @@ TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
    RuleFor const drop{ 1, Purpose::egressDrop, kVtep, VornalPort( 1, 7, 5 ) };
    EXPECT_EQ( contentOf( state, drop ),
               "matches DstPort module 5 port 7 and IpType 0 mask 0x0 and IngressClassField 9; does "
-              "Drop present; the group's default priority" );
+              "Drop; the group's default priority" );
    EXPECT_EQ( wantedRules( state ).at( drop ).name,
               "Drop packets at EFP from vtep IP 10.0.0.2 on Ethernet2" );
    EXPECT_EQ( drop.group(), 45 );

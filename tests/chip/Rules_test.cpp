@@ -38,9 +38,9 @@ TEST_F( RulesOfLeaf1, showEverythingOfAnIngressRule ) {
    Rules const rules = now();
    ASSERT_EQ( rules.size(), 1U );
    Rule const & rule = rules.front();
-   EXPECT_EQ( rule.unit, 0 );
-   EXPECT_EQ( rule.group, kIfp );
-   EXPECT_EQ( rule.id, id );
+   EXPECT_EQ( rule.key.unit, 0 );
+   EXPECT_EQ( rule.key.group, kIfp );
+   EXPECT_EQ( rule.key.id, id );
    EXPECT_EQ( rule.name, "from vtep" );
    EXPECT_TRUE( rule.isWritten );
    EXPECT_EQ( rule.content.priority, 1U );
@@ -58,12 +58,25 @@ TEST_F( RulesOfLeaf1, showEverythingOfAnEgressRule ) {
    Rules const rules = now();
    ASSERT_EQ( rules.size(), 1U );
    Rule const & rule = rules.front();
-   EXPECT_EQ( rule.unit, 1 );
-   EXPECT_EQ( rule.group, kEfp );
+   EXPECT_EQ( rule.key.unit, 1 );
+   EXPECT_EQ( rule.key.group, kEfp );
    EXPECT_FALSE( rule.isWritten );
    EXPECT_EQ( rule.content.priority, std::nullopt );
    EXPECT_EQ( rule.content[ Qualifier::DstPort ], ( Match{ 5, kExact, 4, kExact } ) );
    EXPECT_TRUE( rule.content[ Action::Drop ] );
+}
+
+TEST_F( RulesOfLeaf1, AreFoundByTheirKey ) {
+   U32 const id = leaf1.efp->getEntry( 1, "drop", {} );
+   std::map< Chip::RuleKey, std::string > names;
+   leaf1.board.units().forEachEntry( [ & ]( Chip::RuleKey const & key, Chip::Entry const & entry ) {
+      names[ key ] = entry.name();
+   } );
+   std::map< Chip::RuleKey, std::string > const expected{ { { 1, kEfp, id }, "drop" } };
+   EXPECT_EQ( names, expected );
+   EXPECT_LT( ( Chip::RuleKey{ 0, kIfp, 9 } ), ( Chip::RuleKey{ 1, kEfp, 1 } ) );
+   EXPECT_LT( ( Chip::RuleKey{ 1, kEfp, 9 } ), ( Chip::RuleKey{ 1, kIfp, 1 } ) );
+   EXPECT_LT( ( Chip::RuleKey{ 1, kEfp, 1 } ), ( Chip::RuleKey{ 1, kEfp, 2 } ) );
 }
 
 TEST_F( RulesOfLeaf1, areOrderedByUnitGroupAndId ) {
@@ -91,8 +104,8 @@ TEST_F( RulesOfLeaf1, tellWhatAStepAdded ) {
    leaf1.fromVtep( 1, kVtep3 );
    RuleChanges const changes = changesBetween( before, now() );
    ASSERT_EQ( changes.added.size(), 2U );
-   EXPECT_EQ( changes.added[ 0 ].id, 2U );
-   EXPECT_EQ( changes.added[ 1 ].unit, 1 );
+   EXPECT_EQ( changes.added[ 0 ].key.id, 2U );
+   EXPECT_EQ( changes.added[ 1 ].key.unit, 1 );
    EXPECT_TRUE( changes.changed.empty() );
    EXPECT_TRUE( changes.removed.empty() );
 }

@@ -5,7 +5,7 @@
 namespace FieldRulesTest {
 
 using namespace PipelineTest;
-using Chip::RuleId;
+using Chip::RuleKey;
 
 constexpr U16 kMod0 = 0;
 constexpr U16 kMod1 = 4;
@@ -77,7 +77,7 @@ TEST_F( FieldRules, aMaskedPortGetsNoCopyAndTheRuleIsNamed ) {
    EXPECT_EQ( copyOn( story, "Ethernet1" ), ( Copy{ .intfId = intf( "Ethernet1" ),
                                                     .port = kPort1,
                                                     .verdict = Verdict::Masked,
-                                                    .rule = RuleId{ 0, kIfp, rule } } ) );
+                                                    .rule = RuleKey{ 0, kIfp, rule } } ) );
    EXPECT_EQ( verdictOn( story, "Ethernet2" ), "sent" );
    EXPECT_EQ( verdictOn( story, "Ethernet3" ), "sent" );
    EXPECT_TRUE( leaf1.wire.at( kPort1 ).empty() );
@@ -97,7 +97,7 @@ TEST_F( FieldRules, aMaskIsForPortsOfItsOwnUnitOnly ) {
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet3" ), "sent" );
    U32 const rule = mask( 1, { 1, 3 } );
    FrameStory const story = leaf1.forward( fromLeaf2() );
-   EXPECT_EQ( copyOn( story, "Ethernet3" ).rule, ( RuleId{ 1, kIfp, rule } ) );
+   EXPECT_EQ( copyOn( story, "Ethernet3" ).rule, ( RuleKey{ 1, kIfp, rule } ) );
    EXPECT_EQ( verdictOn( story, "Ethernet3" ), "masked" );
    EXPECT_EQ( verdictOn( story, "Ethernet1" ), "sent" );
 }
@@ -106,10 +106,10 @@ TEST_F( FieldRules, aMarkedFrameIsDroppedWhereAnEgressRuleSaysSo ) {
    U32 const ingress = mark( 0, 100 );
    U32 const egress = drop( 0, kMod0, 2, 100 );
    FrameStory const story = leaf1.forward( fromLeaf2() );
-   EXPECT_EQ( copyOn( story, "Ethernet2" ).rule, ( RuleId{ 0, kEfp, egress } ) );
+   EXPECT_EQ( copyOn( story, "Ethernet2" ).rule, ( RuleKey{ 0, kEfp, egress } ) );
    EXPECT_EQ( verdictOn( story, "Ethernet2" ), "dropped" );
    EXPECT_EQ( verdictOn( story, "Ethernet1" ), "sent" );
-   EXPECT_EQ( story.ingress[ 0 ], ( Chip::IngressStory{ 0, RuleId{ 0, kIfp, ingress }, 100 } ) );
+   EXPECT_EQ( story.ingress[ 0 ], ( Chip::IngressStory{ 0, RuleKey{ 0, kIfp, ingress }, 100 } ) );
 }
 
 TEST_F( FieldRules, anEgressRuleOfAnotherClassOrModuleDropsNothing ) {
@@ -184,7 +184,7 @@ TEST_F( FieldRules, knownUnicastIsExemptFromTheMask ) {
    U32 const noOp = exemption( BCM_FIELD_PKT_RES_L2UC );
    FrameStory const story = leaf1.forward( frame );
    EXPECT_EQ( verdictOn( story, "Ethernet1" ), "sent" );
-   EXPECT_EQ( story.ingress[ 0 ].rule, ( RuleId{ 0, kIfp, noOp } ) );
+   EXPECT_EQ( story.ingress[ 0 ].rule, ( RuleKey{ 0, kIfp, noOp } ) );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet1" ), "masked" );
 }
 

@@ -1,0 +1,101 @@
+#include <Snapshot/RuleText.h>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <SoftSdk/PortBitmap.h>
+
+namespace Chip {
+
+namespace {
+
+constexpr char const * kAbsent = "absent";
+
+std::string maskedText( std::string const & data, U32 mask ) {
+   return mask == BCM_FIELD_EXACT_MATCH_MASK ? data : fmt::format( "{} mask {:#x}", data, mask );
+}
+
+std::string partText( Qualifier qualifier, EntryContent const & content ) {
+   return fmt::format( "{} {}", nameOf( qualifier ), valueText( qualifier, content[ qualifier ] ) );
+}
+
+// An action without parameters is told by its name alone.
+std::string partText( Action action, EntryContent const & content ) {
+   std::string const name( nameOf( action ) );
+   return action == Action::Drop ? name : name + " " + valueText( action, content[ action ] );
+}
+
+// The parts that the content has.
+template< typename Parts >
+std::string partsText( EntryContent const & content, Parts const & parts, char const * none ) {
+   std::vector< std::string > texts;
+   for ( auto const part : parts ) {
+      if ( content[ part ] ) {
+         texts.push_back( partText( part, content ) );
+      }
+   }
+   return texts.empty() ? none : fmt::format( "{}", fmt::join( texts, " and " ) );
+}
+
+}  // namespace
+
+std::string groupText( Vornal::TcamGroupAssignment group ) {
+   switch ( group ) {
+   case Vornal::kIfpLocalBiasGroup: return fmt::format( "ingress group {}", group );
+   case Vornal::kEfpLocalBiasGroup: return fmt::format( "egress group {}", group );
+   default: return fmt::format( "group {}", group );
+   }
+}
+
+std::string headingText( Rule const & rule ) {
+   return fmt::format( "unit {}, {}, entry {}, \"{}\"", rule.key.unit, groupText( rule.key.group ),
+                       rule.key.id, rule.name );
+}
+
+std::string bodyText( Rule const & rule ) {
+   return contentText( rule.content ) +
+          ( rule.isWritten ? "" : "; staged only, not written to the chip" );
+}
+
+std::string contentText( EntryContent const & content ) {
+   return fmt::format( "matches {}; does {}; {}", partsText( content, kQualifiers, "every frame" ),
+                       partsText( content, kActions, "nothing" ),
+                       priorityText( content.priority ) );
+}
+
+std::string valueText( Qualifier qualifier, std::optional< Match > const & match ) {
+   if ( !match ) {
+      return kAbsent;
+   }
+   switch ( qualifier ) {
+   case Qualifier::DstPort:
+      return fmt::format( "module {} port {}",
+                          maskedText( std::to_string( match->modId ), match->modIdMask ),
+                          maskedText( std::to_string( match->data ), match->mask ) );
+   case Qualifier::SrcVxlanGport:
+      return maskedText( fmt::format( "{:#x}", match->data ), match->mask );
+   default: return maskedText( std::to_string( match->data ), match->mask );
+   }
+}
+
+std::string valueText( Action action, std::optional< ActionParameters > const & parameters ) {
+   if ( !parameters ) {
+      return kAbsent;
+   }
+   switch ( action ) {
+   case Action::EgressMask: return portsText( parameters->ports );
+   case Action::Drop: return "present";
+   default: return std::to_string( parameters->param0 );
+   }
+}
+
+std::string portsText( Brum::PerUnitBitmap const & ports ) {
+   return ports.isEmpty() ? "no port"
+                          : fmt::format( "ports {}", fmt::join( portsOf( ports ), ", " ) );
+}
+
+std::string priorityText( std::optional< U32 > const & priority ) {
+   return priority ? fmt::format( "priority {}", *priority ) : "the group's default priority";
+}
+
+}  // namespace Chip

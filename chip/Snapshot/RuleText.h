@@ -1,0 +1,34 @@
+// A rule in words: where it stands, what it matches and what it does.
+//
+//    unit 0, ingress group 157, entry 3, "Mark or drop packets at IFP"
+//    matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1
+#pragma once
+
+#include <string>
+
+#include <Snapshot/Rules.h>
+
+namespace Chip {
+
+// "ingress group 157", "egress group 45"; "group 9" for a group that the chip does not know.
+std::string groupText( Vornal::TcamGroupAssignment group );
+// The first line above.
+std::string headingText( Rule const & rule );
+// The second line above; a rule that is not written says so at the end.
+std::string bodyText( Rule const & rule );
+// The second line above.
+std::string contentText( EntryContent const & content );
+
+// --- Parts of the second line
+
+// The value under its mask, which is named where it is not all ones: "0x56000002", "4 mask 0xff",
+// "module 1 port 3"; "absent".
+std::string valueText( Qualifier qualifier, std::optional< Match > const & match );
+// "ports 3, 4", "7", "present"; "absent".
+std::string valueText( Action action, std::optional< ActionParameters > const & parameters );
+// "ports 3, 4", "no port".
+std::string portsText( Brum::PerUnitBitmap const & ports );
+// "priority 1", "the group's default priority".
+std::string priorityText( std::optional< U32 > const & priority );
+
+}  // namespace Chip
