@@ -3,7 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <Board/Board.h>
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 
 namespace {
 

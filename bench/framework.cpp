@@ -23,6 +23,7 @@
 
 #include <Kiv/Rows.h>
 #include <Shim/FieldCall.h>
+#include <Shim/OneCallSdk.h>
 
 namespace Bench {
 
@@ -219,25 +220,10 @@ void disabledTrace( State & state ) {
 // --- Field call
 
 // A shim whose every call succeeds at once.
-class QuickSdk final : public Shim::Sdk {
+class QuickSdk final : public Shim::OneCallSdk {
  public:
    // clang-format off
-   S32 bcm_field_qualify_SrcVxlanGport( U32, U32, U32 ) override { return 0; }
-   S32 bcm_field_qualify_PacketRes( U32, U32, U32, U32 ) override { return 0; }
-   S32 bcm_field_qualify_TunnelTerminated( U32, U32, U8, U8 ) override { return 0; }
-   S32 bcm_field_qualify_VxlanNetworkId( U32, U32, U32, U32 ) override { return 0; }
-   S32 bcm_field_qualify_DstPort( U32, U32, U32, U32, U32, U32 ) override { return 0; }
-   S32 bcm_field_qualify_IpType( U32, U32, bcm_field_IpType_t ) override { return 0; }
-   S32 bcm_field_qualify_IngressClassField( U32, U32, U32, U32 ) override { return 0; }
-   S32 bcm_field_action_add( U32, U32, bcm_field_action_t, U32, U32 ) override { return 0; }
-   S32 bcm_field_qualify_SrcVxlanGport_get( U32, U32, U32 * ) override { return 0; }
-   S32 bcm_field_qualify_PacketRes_get( U32, U32, U32 *, U32 * ) override { return 0; }
-   S32 bcm_field_qualify_TunnelTerminated_get( U32, U32, U8 *, U8 * ) override { return 0; }
-   S32 bcm_field_qualify_VxlanNetworkId_get( U32, U32, U32 *, U32 * ) override { return 0; }
-   S32 bcm_field_qualify_DstPort_get( U32, U32, U32 *, U32 *, U32 *, U32 * ) override { return 0; }
-   S32 bcm_field_qualify_IpType_get( U32, U32, bcm_field_IpType_t * ) override { return 0; }
-   S32 bcm_field_qualify_IngressClassField_get( U32, U32, U32 *, U32 * ) override { return 0; }
-   S32 bcm_field_action_get( U32, U32, bcm_field_action_t, U32 *, U32 * ) override { return 0; }
+   S32 make( Shim::Call & ) override { return 0; }
    void beforeFieldCall() override {}
    void fieldCallFailed() override {}
    S32 successCode() const override { return 0; }

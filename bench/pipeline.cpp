@@ -9,7 +9,7 @@
 #include <Capture/PortCaptures.h>
 #include <Frames/FrameFields.h>
 #include <Frames/Headers.h>
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 #include <SoftSdk/PortBitmap.h>
 #include <pcap/pcap.h>
 #include <tins/ethernetII.h>

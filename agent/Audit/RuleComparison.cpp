@@ -45,8 +45,8 @@ class RuleCheck {
       }
       bool const isOnlyMask =
          is && shouldBe && is->data == shouldBe->data && is->modId == shouldBe->modId;
-      add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier, nameOf( qualifier ),
-           valueText( qualifier, is ), valueText( qualifier, shouldBe ) );
+      add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier,
+           nameOf( qualifier ), valueText( qualifier, is ), valueText( qualifier, shouldBe ) );
    }
 
    void checkAction( Chip::Action action, Parameters const & is, Parameters const & shouldBe ) {
@@ -54,8 +54,8 @@ class RuleCheck {
          return;
       }
       bool const isPorts = is && shouldBe && is->ports != shouldBe->ports;
-      add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ), valueText( action, is ),
-           valueText( action, shouldBe ) );
+      add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ),
+           valueText( action, is ), valueText( action, shouldBe ) );
    }
 
    // What the next reinstall would change for the worse. Where the hardware is wrong already, that
@@ -68,14 +68,16 @@ class RuleCheck {
          checkStagedPart( action );
       }
       if ( isOnlyStaged( written().priority, rule_.content.priority, staged().priority ) ) {
-         add( DifferenceKind::stagedDiffers, "priority", Chip::priorityText( staged().priority ) + kStaged,
+         add( DifferenceKind::stagedDiffers, "priority",
+              Chip::priorityText( staged().priority ) + kStaged,
               Chip::priorityText( rule_.content.priority ) );
       }
    }
 
    template< typename Part > void checkStagedPart( Part part ) {
       if ( isOnlyStaged( written()[ part ], rule_.content[ part ], staged()[ part ] ) ) {
-         add( DifferenceKind::stagedDiffers, nameOf( part ), valueText( part, staged()[ part ] ) + kStaged,
+         add( DifferenceKind::stagedDiffers, nameOf( part ),
+              valueText( part, staged()[ part ] ) + kStaged,
               valueText( part, rule_.content[ part ] ) );
       }
    }

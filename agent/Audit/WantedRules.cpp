@@ -5,7 +5,7 @@
 
 #include <Audit/SharedSegments.h>
 #include <Audit/Variant.h>
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 #include <SoftSdk/SoftSdk.h>
 
 namespace Audit {

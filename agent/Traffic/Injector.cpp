@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <Capture/CaptureReader.h>
+#include <FieldProcessor/Gport.h>
 #include <Quelm/Error.h>
 #include <Reporters/FrameReporter.h>
-#include <SoftSdk/Gport.h>
 
 namespace Traffic {
 

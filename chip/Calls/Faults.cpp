@@ -9,7 +9,7 @@ void Faults::faultNew( Fault fault ) {
    pending_.push_back( std::move( fault ) );
 }
 
-std::optional< S32 > Faults::resultInsteadOf( std::string_view operation ) {
+std::optional< S32 > Faults::nextResult( std::string_view operation ) {
    std::optional< S32 > result;
    for ( Fault & fault : pending_ ) {
       bool const isMeant = fault.operation.empty() || fault.operation == operation;

@@ -8,6 +8,7 @@
 // Cost: nothing while no fault is pending. Threads: those of the calls, one at a time.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include <Quelm/Integers.h>
+#include <Shim/OneCallSdk.h>
 
 namespace Chip {
 
@@ -24,32 +26,25 @@ struct Fault {
    std::string operation{};  // counts and fails calls of this operation only; empty for any
 };
 
-// The operations whose calls can fail.
-inline constexpr std::array< std::string_view, 23 > kFallibleOperations{
-   "bcm_field_qualify_SrcVxlanGport",
-   "bcm_field_qualify_PacketRes",
-   "bcm_field_qualify_TunnelTerminated",
-   "bcm_field_qualify_VxlanNetworkId",
-   "bcm_field_qualify_DstPort",
-   "bcm_field_qualify_IpType",
-   "bcm_field_qualify_IngressClassField",
-   "bcm_field_action_add",
-   "bcm_field_qualify_SrcVxlanGport_get",
-   "bcm_field_qualify_PacketRes_get",
-   "bcm_field_qualify_TunnelTerminated_get",
-   "bcm_field_qualify_VxlanNetworkId_get",
-   "bcm_field_qualify_DstPort_get",
-   "bcm_field_qualify_IpType_get",
-   "bcm_field_qualify_IngressClassField_get",
-   "bcm_field_action_get",
-   "installEntry",
-   "reinstallEntry",
-   "releaseEntry",
-   "setPriorityForEntry",
-   "addEgressMaskAction",
-   "updateEgressMaskAction",
-   "getEgressMaskActionPbmp",
-};
+// The operations whose calls can fail: all field calls, and all operations of the entry managers
+// but getEntry.
+inline constexpr auto kFallibleOperations = [] {
+   constexpr std::array< std::string_view, 7 > managers{
+      "installEntry",
+      "reinstallEntry",
+      "releaseEntry",
+      "setPriorityForEntry",
+      "addEgressMaskAction",
+      "updateEgressMaskAction",
+      "getEgressMaskActionPbmp",
+   };
+   std::array< std::string_view, Shim::kFieldOperations.size() + managers.size() > names;
+   auto const next =
+      std::transform( Shim::kFieldOperations.begin(), Shim::kFieldOperations.end(), names.begin(),
+                      []( Shim::FieldOperationRow const & row ) { return row.name; } );
+   std::copy( managers.begin(), managers.end(), next );
+   return names;
+}();
 
 class Faults {
  public:
@@ -57,8 +52,9 @@ class Faults {
    // it is about, and of two that are due at once the first one's code holds.
    void faultNew( Fault fault );
 
-   // A call of the operation is about to be made: its result if it is to fail. Counts the call.
-   std::optional< S32 > resultInsteadOf( std::string_view operation );
+   // The result that the next call of the operation has instead of being made; none if it is made.
+   // Counts the call.
+   std::optional< S32 > nextResult( std::string_view operation );
 
  private:
    std::vector< Fault > pending_;  // `nth` counts down

@@ -30,6 +30,10 @@ class CountingSdk final : public SdkDecorator {
    U64 announced() const { return announced_; }
    U64 failuresTold() const { return failuresTold_; }
 
+   S32 make( Shim::Call & call ) override {
+      ++calls_[ rowOf( call.operation ).name ];
+      return SdkDecorator::make( call );
+   }
    void beforeFieldCall() override {
       ++announced_;
       SdkDecorator::beforeFieldCall();
@@ -40,8 +44,6 @@ class CountingSdk final : public SdkDecorator {
    }
 
  private:
-   void done( SdkCall const & call ) override { ++calls_[ call.operation ]; }
-
    std::map< std::string_view, U64 > calls_;
    U64 announced_ = 0;
    U64 failuresTold_ = 0;

@@ -16,11 +16,12 @@ class FailingSdk final : public SdkDecorator {
       own_.faultNew( std::move( fault ) );
    }
 
- private:
-   std::optional< S32 > resultInsteadOf( std::string_view operation ) override {
-      return faults_.resultInsteadOf( operation );
+   S32 make( Shim::Call & call ) override {
+      std::optional< S32 > const failure = faults_.nextResult( rowOf( call.operation ).name );
+      return failure ? *failure : SdkDecorator::make( call );
    }
 
+ private:
    Faults own_;
    Faults & faults_;
 };

@@ -1,31 +1,34 @@
 #include <Decorators/RecordingSdk.h>
 
+#include <FieldProcessor/Fields.h>
 #include <Shim/FieldCall.h>
 
 namespace Chip {
 
 namespace {
 
-NamedValue kept( SdkValue const & seen ) {
-   if ( U32 const * const number = std::get_if< U32 >( &seen.value ) ) {
-      return { std::string( seen.name ), *number };
-   }
-   return { std::string( seen.name ), std::string( std::get< std::string_view >( seen.value ) ) };
+NamedValue valueAt( Shim::Call const & call, std::size_t position ) {
+   U32 const number = call.values[ position ];
+   std::string const name( rowOf( call.operation ).valueNames.at( position ) );
+   std::optional< Action > const action = name == "action" ? actionOf( number ) : std::nullopt;
+   return action ? NamedValue{ name, std::string( nameOf( *action ) ) }
+                 : NamedValue{ name, number };
 }
 
 }  // namespace
 
-void RecordingSdk::done( SdkCall const & call ) {
+S32 RecordingSdk::make( Shim::Call & call ) {
    HardwareCall event;
-   event.operation = call.operation;
+   event.operation = rowOf( call.operation ).name;
    event.callText = Shim::fieldCallUnderWay_ ? Shim::fieldCallUnderWay_->text : "";
    event.unit = call.unit;
    event.entry = call.entry;
-   for ( SdkValue const & value : call.values ) {
-      event.values.push_back( kept( value ) );
+   event.returnCode = SdkDecorator::make( call );
+   for ( std::size_t n = 0; call.isComplete() && n < call.values.size(); ++n ) {
+      event.values.push_back( valueAt( call, n ) );
    }
-   event.returnCode = call.rc;
    observer_.callMade( event );
+   return *event.returnCode;
 }
 
 }  // namespace Chip

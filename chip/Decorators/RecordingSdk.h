@@ -12,9 +12,9 @@ class RecordingSdk final : public SdkDecorator {
    RecordingSdk( Shim::Sdk & next, CallObserver & observer )
          : SdkDecorator( next ), observer_( observer ) {}
 
- private:
-   void done( SdkCall const & call ) override;
+   S32 make( Shim::Call & call ) override;
 
+ private:
    CallObserver & observer_;
 };
 

@@ -1,27 +1,31 @@
 // What rules are made of: the qualifiers and actions of both kinds of group, and the fields of a
 // frame that the qualifiers are compared with.
 //
-//    kind      qualifiers                                                 actions
-//    Ingress   SrcVxlanGport, PacketRes, TunnelTerminated, VxlanNetworkId EgressMask,
-//                                                                         EgressClassSelect,
-//                                                                         NewClassId
-//    Egress    DstPort, IpType, IngressClassField                         Drop
+// Two tables say everything about a qualifier or an action; the shim, the lookup and the texts read
+// them. A new qualifier of the SDK (Shim/Shim.h, Shim/OneCallSdk.h) needs a row here, the field of
+// the frame that it is compared with, and the pipeline to fill that field.
 //
 // A qualifier compares under a mask: bits outside of it match whatever the frame has there. A field
 // that a rule does not qualify matches every frame.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <optional>
 #include <string_view>
 
 #include <Brum/PerUnitBitmap.h>
+#include <FieldProcessor/Gport.h>
 #include <Quelm/Integers.h>
+#include <Shim/OneCallSdk.h>
 #include <Shim/Sdk.h>
 
 namespace Chip {
 
 enum class GroupKind : U8 { Ingress, Egress };
+
+// --- Qualifiers
 
 enum class Qualifier : U8 {
    SrcVxlanGport,
@@ -32,40 +36,93 @@ enum class Qualifier : U8 {
    IpType,
    IngressClassField,
 };
-inline constexpr std::array kQualifiers{ Qualifier::SrcVxlanGport,    Qualifier::PacketRes,
-                                         Qualifier::TunnelTerminated, Qualifier::VxlanNetworkId,
-                                         Qualifier::DstPort,          Qualifier::IpType,
-                                         Qualifier::IngressClassField };
-
-enum class Action : U8 { EgressMask, EgressClassSelect, NewClassId, Drop };
-inline constexpr std::array kActions{ Action::EgressMask, Action::EgressClassSelect,
-                                      Action::NewClassId, Action::Drop };
-
-// The names as above.
-std::string_view nameOf( GroupKind kind );
-std::string_view nameOf( Qualifier qualifier );
-std::string_view nameOf( Action action );
-
-constexpr GroupKind kindOf( Qualifier qualifier ) {
-   return qualifier < Qualifier::DstPort ? GroupKind::Ingress : GroupKind::Egress;
-}
-constexpr GroupKind kindOf( Action action ) {
-   return action < Action::Drop ? GroupKind::Ingress : GroupKind::Egress;
-}
-
-// The action that the SDK calls by this number; none for a number that is no action of this chip.
-std::optional< Action > actionOf( bcm_field_action_t action );
 
 // What one qualifier compares a field with.
 struct Match {
    U32 data = 0;
    U32 mask = 0;
-   // DstPort only, whose data and mask are the logical port's.
+   // Of a qualifier with a module id, whose data and mask are the port's.
    U32 modId = 0;
    U32 modIdMask = 0;
 
    friend bool operator==( Match const &, Match const & ) = default;
 };
+
+struct QualifierRow {
+   Qualifier qualifier;
+   std::string_view name;
+   GroupKind kind;
+   // The place of its field in the lookup key of its kind; a module id has the next one.
+   std::size_t keyPosition;
+   Shim::FieldOperation qualify;
+   Shim::FieldOperation get;
+   // Without a mask of its own it compares all bits, and none when the value is `any`.
+   bool hasMask = true;
+   std::optional< U32 > any{};
+   bool hasModule = false;
+   // The values that can be meant.
+   U32 lowest = 0;
+   U32 highest = std::numeric_limits< U32 >::max();
+   bool isHexadecimal = false;  // in texts
+};
+
+// By Qualifier.
+inline constexpr std::array kQualifierTable{
+   QualifierRow{ .qualifier = Qualifier::SrcVxlanGport,
+                 .name = "SrcVxlanGport",
+                 .kind = GroupKind::Ingress,
+                 .keyPosition = 0,
+                 .qualify = Shim::FieldOperation::QualifySrcVxlanGport,
+                 .get = Shim::FieldOperation::GetSrcVxlanGport,
+                 .hasMask = false,
+                 .lowest = vxlanGportOf( 0 ),
+                 .highest = vxlanGportOf( std::numeric_limits< U16 >::max() ),
+                 .isHexadecimal = true },
+   QualifierRow{ .qualifier = Qualifier::PacketRes,
+                 .name = "PacketRes",
+                 .kind = GroupKind::Ingress,
+                 .keyPosition = 1,
+                 .qualify = Shim::FieldOperation::QualifyPacketRes,
+                 .get = Shim::FieldOperation::GetPacketRes },
+   QualifierRow{ .qualifier = Qualifier::TunnelTerminated,
+                 .name = "TunnelTerminated",
+                 .kind = GroupKind::Ingress,
+                 .keyPosition = 2,
+                 .qualify = Shim::FieldOperation::QualifyTunnelTerminated,
+                 .get = Shim::FieldOperation::GetTunnelTerminated },
+   QualifierRow{ .qualifier = Qualifier::VxlanNetworkId,
+                 .name = "VxlanNetworkId",
+                 .kind = GroupKind::Ingress,
+                 .keyPosition = 3,
+                 .qualify = Shim::FieldOperation::QualifyVxlanNetworkId,
+                 .get = Shim::FieldOperation::GetVxlanNetworkId },
+   QualifierRow{ .qualifier = Qualifier::DstPort,
+                 .name = "DstPort",
+                 .kind = GroupKind::Egress,
+                 .keyPosition = 0,
+                 .qualify = Shim::FieldOperation::QualifyDstPort,
+                 .get = Shim::FieldOperation::GetDstPort,
+                 .hasModule = true },
+   QualifierRow{ .qualifier = Qualifier::IpType,
+                 .name = "IpType",
+                 .kind = GroupKind::Egress,
+                 .keyPosition = 2,
+                 .qualify = Shim::FieldOperation::QualifyIpType,
+                 .get = Shim::FieldOperation::GetIpType,
+                 .hasMask = false,
+                 .any = bcmFieldIpTypeAny,
+                 .highest = bcmFieldIpTypeIpv6 },
+   QualifierRow{ .qualifier = Qualifier::IngressClassField,
+                 .name = "IngressClassField",
+                 .kind = GroupKind::Egress,
+                 .keyPosition = 3,
+                 .qualify = Shim::FieldOperation::QualifyIngressClassField,
+                 .get = Shim::FieldOperation::GetIngressClassField },
+};
+
+// --- Actions
+
+enum class Action : U8 { EgressMask, EgressClassSelect, NewClassId, Drop };
 
 // What one action does.
 struct ActionParameters {
@@ -76,6 +133,95 @@ struct ActionParameters {
 
    friend bool operator==( ActionParameters const &, ActionParameters const & ) = default;
 };
+
+// What of its parameters an action uses.
+enum class ParametersUsed : U8 { None, Number, Ports };
+
+struct ActionRow {
+   Action action;
+   std::string_view name;
+   GroupKind kind;
+   ParametersUsed parameters;
+   // None for an action that only entry managers add.
+   std::optional< bcm_field_action_t > sdkAction{};
+   // The values of param0 that can be meant.
+   U32 lowest = 0;
+   U32 highest = std::numeric_limits< U32 >::max();
+};
+
+// By Action.
+inline constexpr std::array kActionTable{
+   ActionRow{ .action = Action::EgressMask,
+              .name = "EgressMask",
+              .kind = GroupKind::Ingress,
+              .parameters = ParametersUsed::Ports },
+   ActionRow{ .action = Action::EgressClassSelect,
+              .name = "EgressClassSelect",
+              .kind = GroupKind::Ingress,
+              .parameters = ParametersUsed::Number,
+              .sdkAction = bcmFieldActionEgressClassSelect,
+              .lowest = BCM_FIELD_EGRESS_CLASS_SELECT_NEW,
+              .highest = BCM_FIELD_EGRESS_CLASS_SELECT_NEW },
+   ActionRow{ .action = Action::NewClassId,
+              .name = "NewClassId",
+              .kind = GroupKind::Ingress,
+              .parameters = ParametersUsed::Number,
+              .sdkAction = bcmFieldActionNewClassId,
+              .highest = std::numeric_limits< U16 >::max() },
+   ActionRow{ .action = Action::Drop,
+              .name = "Drop",
+              .kind = GroupKind::Egress,
+              .parameters = ParametersUsed::None,
+              .sdkAction = bcmFieldActionDrop },
+};
+
+// --- What the tables say
+
+constexpr QualifierRow const & rowOf( Qualifier qualifier ) {
+   return kQualifierTable[ static_cast< std::size_t >( qualifier ) ];
+}
+constexpr ActionRow const & rowOf( Action action ) {
+   return kActionTable[ static_cast< std::size_t >( action ) ];
+}
+
+inline constexpr auto kQualifiers = [] {
+   std::array< Qualifier, kQualifierTable.size() > all{};
+   std::transform( kQualifierTable.begin(), kQualifierTable.end(), all.begin(),
+                   []( QualifierRow const & row ) { return row.qualifier; } );
+   return all;
+}();
+inline constexpr auto kActions = [] {
+   std::array< Action, kActionTable.size() > all{};
+   std::transform( kActionTable.begin(), kActionTable.end(), all.begin(),
+                   []( ActionRow const & row ) { return row.action; } );
+   return all;
+}();
+static_assert( std::all_of( kQualifierTable.begin(), kQualifierTable.end(),
+                            []( QualifierRow const & row ) {
+                               return &row == &rowOf( row.qualifier );
+                            } ),
+               "the rows stand in the order of Qualifier" );
+static_assert( std::all_of( kActionTable.begin(), kActionTable.end(),
+                            []( ActionRow const & row ) { return &row == &rowOf( row.action ); } ),
+               "the rows stand in the order of Action" );
+
+constexpr std::string_view nameOf( Qualifier qualifier ) {
+   return rowOf( qualifier ).name;
+}
+constexpr std::string_view nameOf( Action action ) {
+   return rowOf( action ).name;
+}
+constexpr GroupKind kindOf( Qualifier qualifier ) {
+   return rowOf( qualifier ).kind;
+}
+constexpr GroupKind kindOf( Action action ) {
+   return rowOf( action ).kind;
+}
+
+// The action that the SDK calls by this number; none for a number that is no action of this chip.
+std::optional< Action > actionOf( U32 sdkAction );
+
+// --- The fields of a frame
 
 // A frame as the ingress field processor sees it.
 struct IngressFields {
@@ -92,5 +238,33 @@ struct EgressFields {
    bcm_field_IpType_t ipType = bcmFieldIpTypeNonIp;  // the frame's own: never "any"
    U32 ingressClass = 0;                             // what ingress has set; 0 when nothing has
 };
+
+// Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. There is
+// room for an even number of them.
+using KeyFields = std::array< U32, [] {
+   std::size_t count = 0;
+   for ( QualifierRow const & row : kQualifierTable ) {
+      count = std::max( count, row.keyPosition + ( row.hasModule ? std::size_t{ 2 } : 1 ) );
+   }
+   return count + count % 2;
+}() >;
+
+constexpr KeyFields keyFieldsOf( IngressFields const & frame ) {
+   KeyFields fields{};
+   fields[ rowOf( Qualifier::SrcVxlanGport ).keyPosition ] = frame.srcVxlanGport;
+   fields[ rowOf( Qualifier::PacketRes ).keyPosition ] = frame.packetRes;
+   fields[ rowOf( Qualifier::TunnelTerminated ).keyPosition ] = frame.tunnelTerminated ? 1 : 0;
+   fields[ rowOf( Qualifier::VxlanNetworkId ).keyPosition ] = frame.vxlanNetworkId;
+   return fields;
+}
+
+constexpr KeyFields keyFieldsOf( EgressFields const & frame ) {
+   KeyFields fields{};
+   fields[ rowOf( Qualifier::DstPort ).keyPosition ] = frame.dstPort;
+   fields[ rowOf( Qualifier::DstPort ).keyPosition + 1 ] = frame.dstModId;
+   fields[ rowOf( Qualifier::IpType ).keyPosition ] = frame.ipType;
+   fields[ rowOf( Qualifier::IngressClassField ).keyPosition ] = frame.ingressClass;
+   return fields;
+}
 
 }  // namespace Chip

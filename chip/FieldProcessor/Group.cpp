@@ -82,12 +82,12 @@ Entry const * Group::entry( U32 id ) const {
 
 Entry const * Group::lookup( IngressFields const & frame ) const {
    QUELM_ASSERT( kind_ == GroupKind::Ingress );
-   return written_->find( keyOf( frame ) );
+   return written_->find( { keyFieldsOf( frame ) } );
 }
 
 Entry const * Group::lookup( EgressFields const & frame ) const {
    QUELM_ASSERT( kind_ == GroupKind::Egress );
-   return written_->find( keyOf( frame ) );
+   return written_->find( { keyFieldsOf( frame ) } );
 }
 
 }  // namespace Chip

@@ -14,36 +14,22 @@ struct Ternary {
    LookupKey data{};
    LookupKey masks{};
 
-   void fieldIs( std::size_t position, U32 value, U32 mask ) {
+   void set( std::size_t position, U32 value, U32 mask ) {
       data.fields[ position ] = value & mask;
       masks.fields[ position ] = mask;
    }
 };
 
-std::size_t positionOf( Qualifier qualifier ) {
-   switch ( qualifier ) {
-   case Qualifier::SrcVxlanGport: return 0;
-   case Qualifier::PacketRes: return 1;
-   case Qualifier::TunnelTerminated: return 2;
-   case Qualifier::VxlanNetworkId: return 3;
-   case Qualifier::DstPort: return 0;  // the module id follows it
-   case Qualifier::IpType: return 2;
-   case Qualifier::IngressClassField: return 3;
-   }
-   return 0;
-}
-
 Ternary ternaryOf( EntryContent const & content ) {
    Ternary ternary;
-   for ( Qualifier const qualifier : kQualifiers ) {
-      std::optional< Match > const & match = content[ qualifier ];
+   for ( QualifierRow const & row : kQualifierTable ) {
+      std::optional< Match > const & match = content[ row.qualifier ];
       if ( !match ) {
          continue;
       }
-      std::size_t const position = positionOf( qualifier );
-      ternary.fieldIs( position, match->data, match->mask );
-      if ( qualifier == Qualifier::DstPort ) {
-         ternary.fieldIs( position + 1, match->modId, match->modIdMask );
+      ternary.set( row.keyPosition, match->data, match->mask );
+      if ( row.hasModule ) {
+         ternary.set( row.keyPosition + 1, match->modId, match->modIdMask );
       }
    }
    return ternary;
@@ -58,15 +44,6 @@ LookupKey masked( LookupKey const & key, LookupKey const & masks ) {
 }
 
 }  // namespace
-
-LookupKey keyOf( IngressFields const & frame ) {
-   return { { frame.srcVxlanGport, frame.packetRes, frame.tunnelTerminated ? 1U : 0U,
-              frame.vxlanNetworkId } };
-}
-
-LookupKey keyOf( EgressFields const & frame ) {
-   return { { frame.dstPort, frame.dstModId, frame.ipType, frame.ingressClass } };
-}
 
 Precedence precedenceOf( std::optional< U32 > const & priority, U32 id ) {
    constexpr U64 highest = std::numeric_limits< U32 >::max();

@@ -17,7 +17,6 @@
 // all have different masks; a lookup is then linear in their number. Writing an entry is constant.
 #pragma once
 
-#include <array>
 #include <compare>
 #include <optional>
 #include <vector>
@@ -27,24 +26,25 @@
 
 namespace Chip {
 
-// A frame's fields, or a rule's data or masks, in the fixed order of the kind:
-// ingress: source gport, packet resolution, tunnel terminated, VNI;
-// egress: logical port, module id, IP type, class.
+// What is looked up: a frame's fields, or a rule's data or masks.
 struct LookupKey {
-   std::array< U32, 4 > fields{};
+   KeyFields fields{};
 
-   U64 low() const { return U64{ fields[ 1 ] } << 32 | fields[ 0 ]; }
-   U64 high() const { return U64{ fields[ 3 ] } << 32 | fields[ 2 ]; }
+   // Fields by twos, each two as one number.
+   static constexpr std::size_t kPairs = std::tuple_size_v< KeyFields > / 2;
+   constexpr U64 pair( std::size_t n ) const {
+      return U64{ fields[ 2 * n + 1 ] } << 32 | fields[ 2 * n ];
+   }
 
-   // By halves: a lookup for each copy of each frame makes this the most frequent comparison of
-   // all.
-   friend bool operator==( LookupKey const & a, LookupKey const & b ) {
-      return ( ( a.low() ^ b.low() ) | ( a.high() ^ b.high() ) ) == 0;
+   // A lookup for each copy of each frame makes this the most frequent comparison of all.
+   friend constexpr bool operator==( LookupKey const & a, LookupKey const & b ) {
+      U64 difference = 0;
+      for ( std::size_t n = 0; n < kPairs; ++n ) {
+         difference |= a.pair( n ) ^ b.pair( n );
+      }
+      return difference == 0;
    }
 };
-
-LookupKey keyOf( IngressFields const & frame );
-LookupKey keyOf( EgressFields const & frame );
 
 // Where an entry stands among those that match. Less stands above.
 struct Precedence {
@@ -73,7 +73,10 @@ class LookupTable {
    struct Hash {
       std::size_t operator()( LookupKey const & key ) const noexcept {
          constexpr U64 odd = 0xff51afd7ed558ccd;  // an odd number without pattern
-         U64 const mixed = ( key.low() ^ key.low() >> 32 ) * odd ^ key.high();
+         U64 mixed = 0;
+         for ( std::size_t n = 0; n < LookupKey::kPairs; ++n ) {
+            mixed = ( mixed ^ mixed >> 32 ) * odd ^ key.pair( n );
+         }
          return static_cast< std::size_t >( mixed ^ mixed >> 32 );
       }
    };

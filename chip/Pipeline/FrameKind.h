@@ -2,6 +2,7 @@
 // processor knows it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -18,31 +19,49 @@ enum class FrameKind : U8 {
    KnownUnicast,     // bridged to a MAC address that has been learned
    RoutedUnicast,    // to the router's MAC address, and on to a host
 };
-inline constexpr std::array kFrameKinds{ FrameKind::Broadcast,    FrameKind::UnknownUnicast,
-                                         FrameKind::L2Multicast,  FrameKind::RoutedMulticast,
-                                         FrameKind::KnownUnicast, FrameKind::RoutedUnicast };
 
-// "broadcast", "unknown-unicast", "l2-multicast", "routed-multicast", "known-unicast",
-// "routed-unicast".
-std::string_view nameOf( FrameKind kind );
+struct FrameKindRow {
+   FrameKind kind;
+   std::string_view name;
+   // What the ingress field processor sees (PacketRes). The SDK and the shim name three of them;
+   // the others are this chip's own, and different from those and each other.
+   U32 packetResolution;
+   bool isForSeveral;  // it may go to more than one receiver
+};
 
-// Whether it may go to more than one receiver.
-constexpr bool isForSeveral( FrameKind kind ) {
-   return kind < FrameKind::KnownUnicast;
+// By FrameKind.
+inline constexpr std::array kFrameKindTable{
+   FrameKindRow{ FrameKind::Broadcast, "broadcast", 1, true },
+   FrameKindRow{ FrameKind::UnknownUnicast, "unknown-unicast", 2, true },
+   FrameKindRow{ FrameKind::L2Multicast, "l2-multicast", 3, true },
+   FrameKindRow{ FrameKind::RoutedMulticast, "routed-multicast", SoftSdk::kPacketResL3McKnown,
+                 true },
+   FrameKindRow{ FrameKind::KnownUnicast, "known-unicast", BCM_FIELD_PKT_RES_L2UC, false },
+   FrameKindRow{ FrameKind::RoutedUnicast, "routed-unicast", BCM_FIELD_PKT_RES_L3UCKNOWN, false },
+};
+
+constexpr FrameKindRow const & rowOf( FrameKind kind ) {
+   return kFrameKindTable[ static_cast< std::size_t >( kind ) ];
 }
+static_assert( std::all_of( kFrameKindTable.begin(), kFrameKindTable.end(),
+                            []( FrameKindRow const & row ) { return &row == &rowOf( row.kind ); } ),
+               "the rows stand in the order of FrameKind" );
 
-// The packet resolution that the ingress field processor sees (PacketRes). The SDK and the shim
-// name three of them; the others are this chip's own, and different from those and each other.
+inline constexpr auto kFrameKinds = [] {
+   std::array< FrameKind, kFrameKindTable.size() > all{};
+   std::transform( kFrameKindTable.begin(), kFrameKindTable.end(), all.begin(),
+                   []( FrameKindRow const & row ) { return row.kind; } );
+   return all;
+}();
+
+constexpr std::string_view nameOf( FrameKind kind ) {
+   return rowOf( kind ).name;
+}
 constexpr U32 packetResolutionOf( FrameKind kind ) {
-   switch ( kind ) {
-   case FrameKind::Broadcast: return 1;
-   case FrameKind::UnknownUnicast: return 2;
-   case FrameKind::L2Multicast: return 3;
-   case FrameKind::RoutedMulticast: return SoftSdk::kPacketResL3McKnown;
-   case FrameKind::KnownUnicast: return BCM_FIELD_PKT_RES_L2UC;
-   case FrameKind::RoutedUnicast: return BCM_FIELD_PKT_RES_L3UCKNOWN;
-   }
-   return 0;
+   return rowOf( kind ).packetResolution;
+}
+constexpr bool isForSeveral( FrameKind kind ) {
+   return rowOf( kind ).isForSeveral;
 }
 
 }  // namespace Chip

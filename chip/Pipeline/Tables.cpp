@@ -1,7 +1,7 @@
 #include <Pipeline/Tables.h>
 
+#include <FieldProcessor/Gport.h>
 #include <Quelm/Error.h>
-#include <SoftSdk/Gport.h>
 
 namespace Chip {
 

@@ -67,26 +67,26 @@ std::string valueText( Qualifier qualifier, std::optional< Match > const & match
    if ( !match ) {
       return kAbsent;
    }
-   switch ( qualifier ) {
-   case Qualifier::DstPort:
-      return fmt::format( "module {} port {}",
-                          maskedText( std::to_string( match->modId ), match->modIdMask ),
-                          maskedText( std::to_string( match->data ), match->mask ) );
-   case Qualifier::SrcVxlanGport:
-      return maskedText( fmt::format( "{:#x}", match->data ), match->mask );
-   default: return maskedText( std::to_string( match->data ), match->mask );
-   }
+   QualifierRow const & row = rowOf( qualifier );
+   std::string const data =
+      row.isHexadecimal ? fmt::format( "{:#x}", match->data ) : std::to_string( match->data );
+   std::string const text = maskedText( data, match->mask );
+   return row.hasModule
+             ? fmt::format( "module {} port {}",
+                            maskedText( std::to_string( match->modId ), match->modIdMask ), text )
+             : text;
 }
 
 std::string valueText( Action action, std::optional< ActionParameters > const & parameters ) {
    if ( !parameters ) {
       return kAbsent;
    }
-   switch ( action ) {
-   case Action::EgressMask: return portsText( parameters->ports );
-   case Action::Drop: return "present";
-   default: return std::to_string( parameters->param0 );
+   switch ( rowOf( action ).parameters ) {
+   case ParametersUsed::None: return "present";
+   case ParametersUsed::Number: return std::to_string( parameters->param0 );
+   case ParametersUsed::Ports: return portsText( parameters->ports );
    }
+   return {};
 }
 
 std::string portsText( Brum::PerUnitBitmap const & ports ) {

@@ -1,162 +1,106 @@
 #include <SoftSdk/SoftSdk.h>
 
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 #include <SoftSdk/PortBitmap.h>
 
 namespace Chip {
 
 namespace {
 
-constexpr U32 kExactMatch = BCM_FIELD_EXACT_MATCH_MASK;
-constexpr U32 kLargestClassId = 0xffff;
+using Shim::Call;
+using Shim::FieldOperation;
 
-bool isPossible( Action action, U32 param0 ) {
-   switch ( action ) {
-   case Action::EgressClassSelect: return param0 == BCM_FIELD_EGRESS_CLASS_SELECT_NEW;
-   case Action::NewClassId: return param0 <= kLargestClassId;
-   case Action::Drop:
-   case Action::EgressMask: return true;
+constexpr U32 kExactMatch = BCM_FIELD_EXACT_MATCH_MASK;
+
+// --- Qualifiers. The values of a call: a module id and a port, each with its mask; data and mask;
+// or a value alone.
+
+Match matchOf( QualifierRow const & row, Shim::CallValues const & values ) {
+   if ( row.hasModule ) {
+      return { values[ 2 ], values[ 3 ], values[ 0 ], values[ 1 ] };
    }
-   return false;
+   if ( row.hasMask ) {
+      return { values[ 0 ], values[ 1 ] };
+   }
+   return { values[ 0 ], values[ 0 ] == row.any ? 0 : kExactMatch };
+}
+
+void addValues( QualifierRow const & row, Match const & match, Shim::CallValues & values ) {
+   if ( row.hasModule ) {
+      values.add( match.modId );
+      values.add( match.modIdMask );
+   }
+   values.add( match.data );
+   if ( row.hasMask ) {
+      values.add( match.mask );
+   }
+}
+
+ResultCode qualify( Entry & entry, QualifierRow const & row, Call const & call ) {
+   Match const match = matchOf( row, call.values );
+   bool const isPossible = match.data >= row.lowest && match.data <= row.highest;
+   return isPossible ? entry.qualify( row.qualifier, match ) : ResultCode::BadValue;
+}
+
+ResultCode readBack( Entry const & entry, QualifierRow const & row, Call & call ) {
+   Match match;
+   ResultCode const code = entry.readBack( row.qualifier, match );
+   if ( code == ResultCode::None ) {
+      addValues( row, match, call.values );
+   }
+   return code;
+}
+
+ResultCode makeQualifierCall( Entry & entry, Call & call ) {
+   for ( QualifierRow const & row : kQualifierTable ) {
+      if ( row.qualify == call.operation ) {
+         return qualify( entry, row, call );
+      }
+      if ( row.get == call.operation ) {
+         return readBack( entry, row, call );
+      }
+   }
+   return ResultCode::Unsupported;
+}
+
+// --- Actions. The values of a call: the SDK's number of the action, and its two parameters.
+
+ResultCode addAction( Entry & entry, Call const & call ) {
+   std::optional< Action > const action = actionOf( call.values[ 0 ] );
+   ActionParameters const parameters{ call.values[ 1 ], call.values[ 2 ] };
+   bool const isPossible = action && parameters.param0 >= rowOf( *action ).lowest &&
+                           parameters.param0 <= rowOf( *action ).highest;
+   return isPossible ? entry.actionAdd( *action, parameters ) : ResultCode::BadValue;
+}
+
+ResultCode readBackAction( Entry const & entry, Call & call ) {
+   std::optional< Action > const action = actionOf( call.values[ 0 ] );
+   ActionParameters parameters;
+   ResultCode const code = action ? entry.readBack( *action, parameters ) : ResultCode::BadValue;
+   if ( code == ResultCode::None ) {
+      call.values.add( parameters.param0 );
+      call.values.add( parameters.param1 );
+   }
+   return code;
+}
+
+ResultCode makeOn( Entry & entry, Call & call ) {
+   switch ( call.operation ) {
+   case FieldOperation::AddAction: return addAction( entry, call );
+   case FieldOperation::GetAction: return readBackAction( entry, call );
+   default: return makeQualifierCall( entry, call );
+   }
 }
 
 }  // namespace
 
-// The result of `operation`, a function of the entry, or why there is no entry.
-template< typename Operation > S32 SoftSdk::onEntry( U32 unit, U32 entry, Operation operation ) {
-   Unit * const onUnit = units_.unit( unit );
-   if ( !onUnit ) {
+S32 SoftSdk::make( Shim::Call & call ) {
+   Unit * const unit = units_.unit( call.unit );
+   if ( !unit ) {
       return codeOf( ResultCode::UnknownUnit );
    }
-   Entry * const found = onUnit->entry( entry );
-   return codeOf( found ? operation( *found ) : ResultCode::UnknownEntry );
-}
-
-S32 SoftSdk::qualify( U32 unit, U32 entry, Qualifier qualifier, Match const & match ) {
-   return onEntry( unit, entry,
-                   [ & ]( Entry & found ) { return found.qualify( qualifier, match ); } );
-}
-
-// `give` takes what was read, and runs on success only.
-template< typename Give >
-S32 SoftSdk::readBack( U32 unit, U32 entry, Qualifier qualifier, Give give ) {
-   return onEntry( unit, entry, [ & ]( Entry const & found ) {
-      Match match;
-      ResultCode const code = found.readBack( qualifier, match );
-      if ( code == ResultCode::None ) {
-         give( match );
-      }
-      return code;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_SrcVxlanGport( U32 unit, U32 entry, U32 gport ) {
-   return onEntry( unit, entry, [ & ]( Entry & found ) {
-      return vpIndexOf( gport ) ? found.qualify( Qualifier::SrcVxlanGport, { gport, kExactMatch } )
-                                : ResultCode::BadValue;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_PacketRes( U32 unit, U32 entry, U32 data, U32 mask ) {
-   return qualify( unit, entry, Qualifier::PacketRes, { data, mask } );
-}
-
-S32 SoftSdk::bcm_field_qualify_TunnelTerminated( U32 unit, U32 entry, U8 data, U8 mask ) {
-   return qualify( unit, entry, Qualifier::TunnelTerminated, { data, mask } );
-}
-
-S32 SoftSdk::bcm_field_qualify_VxlanNetworkId( U32 unit, U32 entry, U32 data, U32 mask ) {
-   return qualify( unit, entry, Qualifier::VxlanNetworkId, { data, mask } );
-}
-
-S32 SoftSdk::bcm_field_qualify_DstPort( U32 unit, U32 entry, U32 modId, U32 modIdMask, U32 port,
-                                        U32 portMask ) {
-   return qualify( unit, entry, Qualifier::DstPort, { port, portMask, modId, modIdMask } );
-}
-
-S32 SoftSdk::bcm_field_qualify_IpType( U32 unit, U32 entry, bcm_field_IpType_t ipType ) {
-   return onEntry( unit, entry, [ & ]( Entry & found ) {
-      U32 const mask = ipType == bcmFieldIpTypeAny ? 0 : kExactMatch;
-      return ipType <= bcmFieldIpTypeIpv6 ? found.qualify( Qualifier::IpType, { ipType, mask } )
-                                          : ResultCode::BadValue;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_IngressClassField( U32 unit, U32 entry, U32 data, U32 mask ) {
-   return qualify( unit, entry, Qualifier::IngressClassField, { data, mask } );
-}
-
-S32 SoftSdk::bcm_field_action_add( U32 unit, U32 entry, bcm_field_action_t action, U32 param0,
-                                   U32 param1 ) {
-   return onEntry( unit, entry, [ & ]( Entry & found ) {
-      std::optional< Action > const known = actionOf( action );
-      return known && isPossible( *known, param0 ) ? found.actionAdd( *known, { param0, param1 } )
-                                                   : ResultCode::BadValue;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_SrcVxlanGport_get( U32 unit, U32 entry, U32 * gport ) {
-   return readBack( unit, entry, Qualifier::SrcVxlanGport,
-                    [ & ]( Match const & match ) { *gport = match.data; } );
-}
-
-S32 SoftSdk::bcm_field_qualify_PacketRes_get( U32 unit, U32 entry, U32 * data, U32 * mask ) {
-   return readBack( unit, entry, Qualifier::PacketRes, [ & ]( Match const & match ) {
-      *data = match.data;
-      *mask = match.mask;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_TunnelTerminated_get( U32 unit, U32 entry, U8 * data, U8 * mask ) {
-   return readBack( unit, entry, Qualifier::TunnelTerminated, [ & ]( Match const & match ) {
-      *data = static_cast< U8 >( match.data );
-      *mask = static_cast< U8 >( match.mask );
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_VxlanNetworkId_get( U32 unit, U32 entry, U32 * data, U32 * mask ) {
-   return readBack( unit, entry, Qualifier::VxlanNetworkId, [ & ]( Match const & match ) {
-      *data = match.data;
-      *mask = match.mask;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_DstPort_get( U32 unit, U32 entry, U32 * modId, U32 * modIdMask,
-                                            U32 * port, U32 * portMask ) {
-   return readBack( unit, entry, Qualifier::DstPort, [ & ]( Match const & match ) {
-      *modId = match.modId;
-      *modIdMask = match.modIdMask;
-      *port = match.data;
-      *portMask = match.mask;
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_IpType_get( U32 unit, U32 entry, bcm_field_IpType_t * ipType ) {
-   return readBack( unit, entry, Qualifier::IpType, [ & ]( Match const & match ) {
-      *ipType = static_cast< bcm_field_IpType_t >( match.data );
-   } );
-}
-
-S32 SoftSdk::bcm_field_qualify_IngressClassField_get( U32 unit, U32 entry, U32 * data,
-                                                      U32 * mask ) {
-   return readBack( unit, entry, Qualifier::IngressClassField, [ & ]( Match const & match ) {
-      *data = match.data;
-      *mask = match.mask;
-   } );
-}
-
-S32 SoftSdk::bcm_field_action_get( U32 unit, U32 entry, bcm_field_action_t action, U32 * param0,
-                                   U32 * param1 ) {
-   return onEntry( unit, entry, [ & ]( Entry const & found ) {
-      std::optional< Action > const known = actionOf( action );
-      ActionParameters parameters;
-      ResultCode const code = known ? found.readBack( *known, parameters ) : ResultCode::BadValue;
-      if ( code == ResultCode::None ) {
-         *param0 = parameters.param0;
-         *param1 = parameters.param1;
-      }
-      return code;
-   } );
+   Entry * const entry = unit->entry( call.entry );
+   return codeOf( entry ? makeOn( *entry, call ) : ResultCode::UnknownEntry );
 }
 
 U32 SoftSdk::vxlanGport( U16 vpIndex ) const {

@@ -22,39 +22,18 @@
 #pragma once
 
 #include <FieldProcessor/Unit.h>
-#include <Shim/Shim.h>
+#include <Shim/OneCallSdk.h>
 
 namespace Chip {
 
-class SoftSdk final : public Shim::Sdk {
+class SoftSdk final : public Shim::OneCallSdk {
  public:
    static constexpr U32 kPacketResL3McKnown = 12;
 
    // The units outlive the shim.
    explicit SoftSdk( Units & units ) : units_( units ) {}
 
-   S32 bcm_field_qualify_SrcVxlanGport( U32 unit, U32 entry, U32 gport ) override;
-   S32 bcm_field_qualify_PacketRes( U32 unit, U32 entry, U32 data, U32 mask ) override;
-   S32 bcm_field_qualify_TunnelTerminated( U32 unit, U32 entry, U8 data, U8 mask ) override;
-   S32 bcm_field_qualify_VxlanNetworkId( U32 unit, U32 entry, U32 data, U32 mask ) override;
-   S32 bcm_field_qualify_DstPort( U32 unit, U32 entry, U32 modId, U32 modIdMask, U32 port,
-                                  U32 portMask ) override;
-   S32 bcm_field_qualify_IpType( U32 unit, U32 entry, bcm_field_IpType_t ipType ) override;
-   S32 bcm_field_qualify_IngressClassField( U32 unit, U32 entry, U32 data, U32 mask ) override;
-   S32 bcm_field_action_add( U32 unit, U32 entry, bcm_field_action_t action, U32 param0,
-                             U32 param1 ) override;
-
-   S32 bcm_field_qualify_SrcVxlanGport_get( U32 unit, U32 entry, U32 * gport ) override;
-   S32 bcm_field_qualify_PacketRes_get( U32 unit, U32 entry, U32 * data, U32 * mask ) override;
-   S32 bcm_field_qualify_TunnelTerminated_get( U32 unit, U32 entry, U8 * data, U8 * mask ) override;
-   S32 bcm_field_qualify_VxlanNetworkId_get( U32 unit, U32 entry, U32 * data, U32 * mask ) override;
-   S32 bcm_field_qualify_DstPort_get( U32 unit, U32 entry, U32 * modId, U32 * modIdMask, U32 * port,
-                                      U32 * portMask ) override;
-   S32 bcm_field_qualify_IpType_get( U32 unit, U32 entry, bcm_field_IpType_t * ipType ) override;
-   S32 bcm_field_qualify_IngressClassField_get( U32 unit, U32 entry, U32 * data,
-                                                U32 * mask ) override;
-   S32 bcm_field_action_get( U32 unit, U32 entry, bcm_field_action_t action, U32 * param0,
-                             U32 * param1 ) override;
+   S32 make( Shim::Call & call ) override;
 
    void beforeFieldCall() override {}
    void fieldCallFailed() override {}
@@ -69,10 +48,6 @@ class SoftSdk final : public Shim::Sdk {
    U32 pbmpCount( _shr_pbmp const & pbmp ) const override;
 
  private:
-   template< typename Operation > S32 onEntry( U32 unit, U32 entry, Operation operation );
-   S32 qualify( U32 unit, U32 entry, Qualifier qualifier, Match const & match );
-   template< typename Give > S32 readBack( U32 unit, U32 entry, Qualifier qualifier, Give give );
-
    Units & units_;
 };
 

@@ -47,7 +47,7 @@ void SoftTcamEntryManager::roomMade( U32 unit ) {
 
 template< typename Operation >
 S32 SoftTcamEntryManager::onGroup( std::string_view name, U32 unit, Operation operation ) {
-   if ( auto const failed = faults_ ? faults_->resultInsteadOf( name ) : std::nullopt ) {
+   if ( auto const failed = faults_ ? faults_->nextResult( name ) : std::nullopt ) {
       return *failed;
    }
    Group * const group = groupOn( unit );

@@ -23,6 +23,8 @@
 
 namespace Shim {
 
+struct Call;
+
 class Sdk {
  public:
    virtual ~Sdk() = default;
@@ -57,6 +59,9 @@ class Sdk {
                                                         U32 * mask ) = 0;
    virtual S32 bcm_field_action_get( U32 unit, U32 entry, bcm_field_action_t action, U32 * param0,
                                      U32 * param1 ) = 0;
+
+   // --- Any of the calls above, told as values (Shim/OneCallSdk.h)
+   virtual S32 make( Call & call );
 
    // --- Around every field call
    // Runs immediately before the call, while the activity lock is still held.

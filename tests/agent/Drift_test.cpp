@@ -6,7 +6,7 @@
 #include <AuditRun.h>
 #include <Board/Board.h>
 #include <ScenarioTexts.h>
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 
 namespace {
 

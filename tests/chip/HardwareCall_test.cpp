@@ -241,9 +241,9 @@ TEST_F( HardwareCallsDeathTest, aFailedGuardedCallIsRecordedAndTheStopAnnounced 
 class OtherCodes final : public Chip::SdkDecorator {
  public:
    using SdkDecorator::SdkDecorator;
-   S32 bcm_field_qualify_PacketRes_get( U32, U32, U32 * data, U32 * mask ) override {
-      *data = 4;
-      *mask = 0xff;
+   S32 make( Shim::Call & call ) override {
+      call.values.add( 4 );
+      call.values.add( 0xff );
       return 7;
    }
    S32 successCode() const override { return 1; }

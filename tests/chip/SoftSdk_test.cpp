@@ -271,16 +271,16 @@ TEST_F( SoftSdk, clearsComparesAndCountsPortBitmaps ) {
    EXPECT_TRUE( sdk.pbmpEqual( ports, pbmpOfPorts( {} ) ) );
 }
 
-TEST( Gport, isNoVirtualPortWithoutTheTag ) {
-   EXPECT_EQ( Chip::vpIndexOf( 0 ), std::nullopt );
-   EXPECT_EQ( Chip::vpIndexOf( 2 ), std::nullopt );
-   EXPECT_EQ( Chip::vpIndexOf( 0x56010002 ), std::nullopt );
-   EXPECT_EQ( Chip::vpIndexOf( 0x56000002 ), 2 );
+TEST_F( SoftSdk, RefusesASourceGportThatIsNoVirtualPort ) {
+   for ( U32 const gport : { 0U, 2U, 0x55ffffffU, 0x56010000U } ) {
+      EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport( 0, ingress, gport ), kBadValue ) << gport;
+   }
 }
 
-RC_GTEST_PROP( Gport, givesTheIndexBack, ( U16 vpIndex ) ) {
-   TwoUnitSwitch leaf1;
-   RC_ASSERT( Chip::vpIndexOf( leaf1.sdk.vxlanGport( vpIndex ) ) == vpIndex );
+RC_GTEST_FIXTURE_PROP( SoftSdk, TakesTheGportOfEveryVirtualPort, ( U16 vpIndex ) ) {
+   U32 const gport = sdk.vxlanGport( vpIndex );
+   RC_ASSERT( ( gport & 0xffffU ) == vpIndex );
+   RC_ASSERT( sdk.bcm_field_qualify_SrcVxlanGport( 0, ingress, gport ) == kOk );
 }
 
 }  // namespace SoftSdkTest

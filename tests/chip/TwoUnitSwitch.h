@@ -5,7 +5,7 @@
 #include <vector>
 
 #include <Board/Board.h>
-#include <SoftSdk/Gport.h>
+#include <FieldProcessor/Gport.h>
 #include <SoftSdk/PortBitmap.h>
 
 namespace ChipTest {

@@ -8,16 +8,14 @@
 // down with the values that went in.
 #pragma once
 
-#include <algorithm>
 #include <bit>
 #include <functional>
 #include <string>
-#include <type_traits>
 #include <vector>
 
-#include <Shim/Shim.h>
+#include <Shim/OneCallSdk.h>
 
-class ScriptedSdk : public Shim::Sdk {
+class ScriptedSdk : public Shim::OneCallSdk {
  public:
    // What each field call does; its result is the call's code.
    std::function< S32() > onCall = [] { return 0; };
@@ -31,61 +29,17 @@ class ScriptedSdk : public Shim::Sdk {
    ScriptedSdk & operator=( ScriptedSdk const & ) = delete;
    ~ScriptedSdk() override { Shim::sdk_ = nullptr; }
 
-   S32 bcm_field_qualify_SrcVxlanGport( U32 unit, U32 entry, U32 gport ) override {
-      return called( "bcm_field_qualify_SrcVxlanGport", unit, entry, gport );
-   }
-   S32 bcm_field_qualify_PacketRes( U32 unit, U32 entry, U32 data, U32 mask ) override {
-      return called( "bcm_field_qualify_PacketRes", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_TunnelTerminated( U32 unit, U32 entry, U8 data, U8 mask ) override {
-      return called( "bcm_field_qualify_TunnelTerminated", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_VxlanNetworkId( U32 unit, U32 entry, U32 data, U32 mask ) override {
-      return called( "bcm_field_qualify_VxlanNetworkId", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_DstPort( U32 unit, U32 entry, U32 modId, U32 modIdMask, U32 port,
-                                  U32 portMask ) override {
-      return called( "bcm_field_qualify_DstPort", unit, entry, modId, modIdMask, port, portMask );
-   }
-   S32 bcm_field_qualify_IpType( U32 unit, U32 entry, bcm_field_IpType_t ipType ) override {
-      return called( "bcm_field_qualify_IpType", unit, entry, ipType );
-   }
-   S32 bcm_field_qualify_IngressClassField( U32 unit, U32 entry, U32 data, U32 mask ) override {
-      return called( "bcm_field_qualify_IngressClassField", unit, entry, data, mask );
-   }
-   S32 bcm_field_action_add( U32 unit, U32 entry, bcm_field_action_t action, U32 param0,
-                             U32 param1 ) override {
-      return called( "bcm_field_action_add", unit, entry, action, param0, param1 );
-   }
-   S32 bcm_field_qualify_SrcVxlanGport_get( U32 unit, U32 entry, U32 * gport ) override {
-      return called( "bcm_field_qualify_SrcVxlanGport_get", unit, entry, gport );
-   }
-   S32 bcm_field_qualify_PacketRes_get( U32 unit, U32 entry, U32 * data, U32 * mask ) override {
-      return called( "bcm_field_qualify_PacketRes_get", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_TunnelTerminated_get( U32 unit, U32 entry, U8 * data,
-                                               U8 * mask ) override {
-      return called( "bcm_field_qualify_TunnelTerminated_get", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_VxlanNetworkId_get( U32 unit, U32 entry, U32 * data,
-                                             U32 * mask ) override {
-      return called( "bcm_field_qualify_VxlanNetworkId_get", unit, entry, data, mask );
-   }
-   S32 bcm_field_qualify_DstPort_get( U32 unit, U32 entry, U32 * modId, U32 * modIdMask, U32 * port,
-                                      U32 * portMask ) override {
-      return called( "bcm_field_qualify_DstPort_get", unit, entry, modId, modIdMask, port,
-                     portMask );
-   }
-   S32 bcm_field_qualify_IpType_get( U32 unit, U32 entry, bcm_field_IpType_t * ipType ) override {
-      return called( "bcm_field_qualify_IpType_get", unit, entry, ipType );
-   }
-   S32 bcm_field_qualify_IngressClassField_get( U32 unit, U32 entry, U32 * data,
-                                                U32 * mask ) override {
-      return called( "bcm_field_qualify_IngressClassField_get", unit, entry, data, mask );
-   }
-   S32 bcm_field_action_get( U32 unit, U32 entry, bcm_field_action_t action, U32 * param0,
-                             U32 * param1 ) override {
-      return called( "bcm_field_action_get", unit, entry, action, param0, param1 );
+   S32 make( Shim::Call & call ) override {
+      std::string line( rowOf( call.operation ).name );
+      line += ' ' + std::to_string( call.unit ) + ' ' + std::to_string( call.entry );
+      for ( std::size_t n = 0; n < call.values.size(); ++n ) {
+         line += ' ' + std::to_string( call.values[ n ] );
+      }
+      calls.push_back( line );
+      for ( U32 readBack = 101; !call.isComplete(); ++readBack ) {
+         call.values.add( readBack );
+      }
+      return onCall();
    }
 
    void beforeFieldCall() override { onBefore(); }
@@ -108,20 +62,5 @@ class ScriptedSdk : public Shim::Sdk {
          count += static_cast< U32 >( std::popcount( word ) );
       }
       return count;
-   }
-
- private:
-   template< typename... Values > S32 called( std::string call, Values... values ) {
-      U8 readBack = 100;
-      ( note( call, readBack, values ), ... );
-      calls.push_back( call );
-      return onCall();
-   }
-   template< typename T > static void note( std::string & call, U8 & readBack, T value ) {
-      if constexpr ( std::is_pointer_v< T > ) {
-         *value = static_cast< std::remove_pointer_t< T > >( ++readBack );
-      } else {
-         call += ' ' + std::to_string( value );
-      }
    }
 };

@@ -8,8 +8,6 @@
 // 0 is no port of any kind.
 #pragma once
 
-#include <optional>
-
 #include <Quelm/Integers.h>
 
 namespace Chip {
@@ -18,12 +16,6 @@ constexpr U32 kVxlanGportTag = 0x56000000;
 
 constexpr U32 vxlanGportOf( U16 vpIndex ) {
    return kVxlanGportTag | vpIndex;
-}
-
-// The index of the virtual port; none when the number is no VXLAN gport.
-constexpr std::optional< U16 > vpIndexOf( U32 gport ) {
-   auto const vpIndex = static_cast< U16 >( gport );
-   return gport == vxlanGportOf( vpIndex ) ? std::optional( vpIndex ) : std::nullopt;
 }
 
 }  // namespace Chip

@@ -1,15 +1,6 @@
-#include <Pipeline/FrameKind.h>
 #include <Pipeline/Reasons.h>
 
 namespace Chip {
-
-std::string_view nameOf( FrameKind kind ) {
-   constexpr std::array< std::string_view, kFrameKinds.size() > names{
-      "broadcast",        "unknown-unicast", "l2-multicast",
-      "routed-multicast", "known-unicast",   "routed-unicast"
-   };
-   return names.at( static_cast< std::size_t >( kind ) );
-}
 
 std::string_view nameOf( DropReason reason ) {
    constexpr std::array< std::string_view, kDropReasons > names{
