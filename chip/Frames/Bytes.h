@@ -28,7 +28,7 @@ template< std::size_t count > constexpr U64 numberAt( Bytes bytes, std::size_t a
 }
 
 template< std::size_t count >
-constexpr void numberAtIs( MutableBytes bytes, std::size_t at, U64 number ) {
+constexpr void putNumber( MutableBytes bytes, std::size_t at, U64 number ) {
    QUELM_ASSERT( at + count <= bytes.size() );
    for ( std::size_t n = count; n-- > 0; number >>= 8 ) {
       bytes[ at + n ] = static_cast< U8 >( number );
@@ -64,20 +64,20 @@ constexpr Pelk::IpGenAddr ipv6At( Bytes bytes, std::size_t at ) {
    return Pelk::IpGenAddr::ipv6( Detail::arrayAt< 16 >( bytes, at ) );
 }
 
-constexpr void u8AtIs( MutableBytes bytes, std::size_t at, U8 value ) {
-   Detail::numberAtIs< 1 >( bytes, at, value );
+constexpr void putU8( MutableBytes bytes, std::size_t at, U8 value ) {
+   Detail::putNumber< 1 >( bytes, at, value );
 }
-constexpr void u16AtIs( MutableBytes bytes, std::size_t at, std::size_t value ) {
-   Detail::numberAtIs< 2 >( bytes, at, value );
+constexpr void putU16( MutableBytes bytes, std::size_t at, std::size_t value ) {
+   Detail::putNumber< 2 >( bytes, at, value );
 }
-constexpr void u24AtIs( MutableBytes bytes, std::size_t at, U32 value ) {
-   Detail::numberAtIs< 3 >( bytes, at, value );
+constexpr void putU24( MutableBytes bytes, std::size_t at, U32 value ) {
+   Detail::putNumber< 3 >( bytes, at, value );
 }
-constexpr void macAtIs( MutableBytes bytes, std::size_t at, MacAddress address ) {
-   Detail::numberAtIs< MacAddress::kBytes >( bytes, at, address.value() );
+constexpr void putMac( MutableBytes bytes, std::size_t at, MacAddress address ) {
+   Detail::putNumber< MacAddress::kBytes >( bytes, at, address.value() );
 }
 // As many bytes as the address's family has.
-constexpr void ipAtIs( MutableBytes bytes, std::size_t at, Pelk::IpGenAddr const & address ) {
+constexpr void putIp( MutableBytes bytes, std::size_t at, Pelk::IpGenAddr const & address ) {
    std::size_t const count = address.family() == Pelk::IpGenAddr::Family::ipv4 ? 4 : 16;
    QUELM_ASSERT( at + count <= bytes.size() );
    std::array< U8, 16 > const from = address.bytes();

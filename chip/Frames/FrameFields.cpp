@@ -146,8 +146,8 @@ std::vector< U8 > innerBytes( FrameFields const & fields ) {
 
 std::vector< U8 > enveloped( OuterFields const & outer, std::vector< U8 > const & inner ) {
    std::vector< U8 > vxlan( kVxlanSize );
-   u8AtIs( vxlan, 0, kVxlanFlags );
-   u24AtIs( vxlan, 4, outer.vni );
+   putU8( vxlan, 0, kVxlanFlags );
+   putU24( vxlan, 4, outer.vni );
    vxlan.insert( vxlan.end(), inner.begin(), inner.end() );
 
    Packet ip = ipOf( outer.sourceVtep, outer.destinationVtep, outer.timeToLive );

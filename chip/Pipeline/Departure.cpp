@@ -2,7 +2,7 @@
 
 namespace Chip {
 
-void Departure::frameIs( Bytes frame, EthernetHeader const & ethernet ) {
+void Departure::start( Bytes frame, EthernetHeader const & ethernet ) {
    QUELM_ASSERT( frame.size() <= kLargestFrame );
    frame_ = frame;
    ethernet_ = ethernet;
@@ -10,7 +10,7 @@ void Departure::frameIs( Bytes frame, EthernetHeader const & ethernet ) {
    taggedSize_ = 0;
 }
 
-MutableBytes Departure::rewritten() {
+MutableBytes Departure::ownCopy() {
    std::copy( frame_.begin(), frame_.end(), own_.begin() );
    MutableBytes const own = MutableBytes( own_ ).first( frame_.size() );
    frame_ = own;
@@ -34,8 +34,8 @@ Bytes Departure::tagged( U16 vlan ) {
       auto const addressesEnd =
          std::copy_n( frame_.begin(), EthernetHeader::kAddresses, all.begin() );
       std::copy( behind.begin(), behind.end(), addressesEnd + EthernetHeader::kTag );
-      u16AtIs( all, EthernetHeader::kAddresses, EtherType::kVlanTag );
-      u16AtIs( all, EthernetHeader::kAddresses + sizeof( U16 ), tag );
+      putU16( all, EthernetHeader::kAddresses, EtherType::kVlanTag );
+      putU16( all, EthernetHeader::kAddresses + sizeof( U16 ), tag );
       taggedSize_ = EthernetHeader::kAddresses + EthernetHeader::kTag + behind.size();
       taggedWith_ = tag;
    }

@@ -2,7 +2,7 @@
 //
 // Each form is made when it is first asked for, at most once, and what came in that form already is
 // not copied. Copies into several tunnels share the inner frame: only the headers in front of it
-// are written again, so what envelope() returns is valid until the next call.
+// are written again, so what enveloped() returns is valid until the next call.
 #pragma once
 
 #include <Pipeline/Encapsulation.h>
@@ -14,9 +14,9 @@ class Departure {
  public:
    // Takes the frame as it came, with its header; it is not longer than Pipeline::kLargestFrame.
    // The bytes stay valid as long as it leaves.
-   void frameIs( Bytes frame, EthernetHeader const & ethernet );
-   // The frame's own bytes, to be changed; from now on it leaves as they are then.
-   MutableBytes rewritten();
+   void start( Bytes frame, EthernetHeader const & ethernet );
+   // A copy of the frame, to be changed. The frame leaves as the copy is then.
+   MutableBytes ownCopy();
 
    Bytes untagged();
    Bytes tagged( U16 vlan );

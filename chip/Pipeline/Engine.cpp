@@ -57,7 +57,7 @@ Pipeline::Engine::Failure Pipeline::Engine::prepare( VornalTypes::VornalPort arr
    if ( Failure const failure = decide() ) {
       return failure;
    }
-   ruleFieldsAre();
+   startRuleCheck();
    rules_.enter( frame_.unit );
    return std::nullopt;
 }
@@ -86,7 +86,7 @@ Pipeline::Engine::Failure Pipeline::Engine::admitFromTunnel( Bytes frame ) {
    }
    frame_.tunnel = terminated.tunnel;
    frame_.domain = terminated.domain;
-   ownHeadersAre( terminated.inner, terminated.ethernet, tables_->domains[ frame_.domain ].vlan );
+   readHeaders( terminated.inner, terminated.ethernet, tables_->domains[ frame_.domain ].vlan );
    return std::nullopt;
 }
 
@@ -97,14 +97,14 @@ Pipeline::Engine::Failure Pipeline::Engine::admitFromAccess( Bytes frame ) {
    }
    Vlan const untagged = tables_->interfaces[ frame_.interface ].untagged;
    Vlan const vlan = ethernet->vlan() != 0 ? ethernet->vlan() : untagged;
-   ownHeadersAre( frame, *ethernet, vlan );
+   readHeaders( frame, *ethernet, vlan );
    frame_.domain = tables_->domainOf( vlan );
    bool const isCarried = frame_.domain != kNone &&
                           tables_->domains[ frame_.domain ].find( frame_.interface ) != nullptr;
    return isCarried ? Failure() : DropReason::UnknownVlan;
 }
 
-void Pipeline::Engine::ownHeadersAre( Bytes bytes, EthernetHeader const & ethernet, Vlan vlan ) {
+void Pipeline::Engine::readHeaders( Bytes bytes, EthernetHeader const & ethernet, Vlan vlan ) {
    frame_.bytes = bytes;
    frame_.ethernet = ethernet;
    frame_.ip = readInnerIp( ethernet, bytes );
@@ -177,21 +177,21 @@ Pipeline::Engine::Failure Pipeline::Engine::findDestination( MacAddress address,
    return isBridgedBack ? DropReason::SameInterface : Failure();
 }
 
-void Pipeline::Engine::ruleFieldsAre() {
+void Pipeline::Engine::startRuleCheck() {
    IngressFields fields{ .packetRes = packetResolutionOf( frame_.kind ) };
    if ( isFromTunnel() ) {
       fields.srcVxlanGport = tables_->tunnels[ frame_.tunnel ].gport;
       fields.tunnelTerminated = true;
       fields.vxlanNetworkId = *story_.tunnel->vni;
    }
-   rules_.frameIs( *tables_, fields, ipTypeOf( frame_.ethernet.etherType ), story_.ingress );
+   rules_.start( *tables_, fields, ipTypeOf( frame_.ethernet.etherType ), story_.ingress );
 }
 
 void Pipeline::Engine::replicate() {
-   departure_.frameIs( frame_.bytes, frame_.ethernet );
+   departure_.start( frame_.bytes, frame_.ethernet );
    if ( frame_.kind == FrameKind::RoutedUnicast ) {
       rewriteRouted( tables_->config.routerMac, frame_.route, frame_.ethernet,
-                     departure_.rewritten() );
+                     departure_.ownCopy() );
    }
    if ( isForSeveral( frame_.kind ) ) {
       flood();
@@ -215,7 +215,7 @@ void Pipeline::Engine::flood() {
 }
 
 void Pipeline::Engine::copyTo( DomainInterface const & to ) {
-   Copy & copy = copyNew( to.interface );
+   Copy & copy = addCopy( to.interface );
    std::vector< VornalTypes::VornalPort > const & ports = tables_->interfaces[ to.interface ].ports;
    if ( to.interface == frame_.interface && isForSeveral( frame_.kind ) ) {
       copy.port = story_.arrivalPort;
@@ -238,7 +238,7 @@ void Pipeline::Engine::copyInto( Index tunnel ) {
    Tunnel const & to = tables_->tunnels[ tunnel ];
    U32 hash = frame_.flowHash;
    Index const interface = to.underlay.empty() ? kNone : chosen( to.underlay, hash );
-   Copy & copy = copyNew( interface );
+   Copy & copy = addCopy( interface );
    copy.remoteVtep = to.remoteVtep;
    if ( interface == kNone ) {
       copy.verdict = Verdict::NoPort;
@@ -270,7 +270,7 @@ void Pipeline::Engine::judge( Copy & copy, bool isDesignated ) {
    }
 }
 
-Copy & Pipeline::Engine::copyNew( Index interface ) {
+Copy & Pipeline::Engine::addCopy( Index interface ) {
    Copy & copy = story_.copies.emplace_back();
    if ( interface != kNone ) {
       copy.intfId = tables_->interfaces[ interface ].intfId;

@@ -45,12 +45,12 @@ class Pipeline::Engine {
    Failure arrive( VornalTypes::VornalPort arrival, Bytes frame );
    Failure admitFromTunnel( Bytes frame );
    Failure admitFromAccess( Bytes frame );
-   void ownHeadersAre( Bytes bytes, EthernetHeader const & ethernet, Vlan vlan );
+   void readHeaders( Bytes bytes, EthernetHeader const & ethernet, Vlan vlan );
    void learn();
    Failure decide();
    Failure decideRouted();
    Failure findDestination( MacAddress address, FrameKind ifKnown );
-   void ruleFieldsAre();
+   void startRuleCheck();
    void replicate();
 
    // --- Copies
@@ -58,7 +58,7 @@ class Pipeline::Engine {
    void copyTo( DomainInterface const & to );
    void copyInto( Index tunnel );
    void judge( Copy & copy, bool isDesignated );
-   Copy & copyNew( Index interface );
+   Copy & addCopy( Index interface );
    // The member of an interface or the interface of a list that a flow takes: where its hash, as a
    // fraction of its range, falls on the list. A division would cost more than a lookup. How far
    // into its place it falls is left of the hash, for a choice that does not follow from this one.

@@ -29,25 +29,25 @@ class Check {
 
    void run() {
       for ( InterfaceConfig const & intf : config_.interfaces ) {
-         interfaceHolds( intf );
+         checkInterface( intf );
       }
       for ( PortChannelConfig const & portChannel : config_.portChannels ) {
-         portChannelHolds( portChannel );
+         checkPortChannel( portChannel );
       }
       for ( auto const & [ vlan, vni ] : config_.vlanToVni ) {
-         bridgeDomainHolds( vlan, vni );
+         checkBridgeDomain( vlan, vni );
       }
       for ( auto const & [ intfId, state ] : config_.designatedForwarder ) {
-         designationHolds( intfId, state );
+         checkDesignation( intfId, state );
       }
-      vtepHolds( "own IPv4 VTEP address", config_.vtepIpv4, IpGenAddr::Family::ipv4 );
-      vtepHolds( "own IPv6 VTEP address", config_.vtepIpv6, IpGenAddr::Family::ipv6 );
-      tunnelsHold();
-      routesHold();
+      checkOwnVtep( "own IPv4 VTEP address", config_.vtepIpv4, IpGenAddr::Family::ipv4 );
+      checkOwnVtep( "own IPv6 VTEP address", config_.vtepIpv6, IpGenAddr::Family::ipv6 );
+      checkTunnels();
+      checkRoutes();
    }
 
  private:
-   void interfaceHolds( InterfaceConfig const & intf ) {
+   void checkInterface( InterfaceConfig const & intf ) {
       std::string const place = "interface " + intf.intfId.stringValue();
       if ( intf.intfId.isEmpty() || isPortChannel( intf.intfId ) ) {
          refuse( place, "it is to have the name of a physical port, as in Ethernet1" );
@@ -65,10 +65,10 @@ class Check {
          refuse( place,
                  portName( intf ) + " is that of " + other->second.stringValue() + " already" );
       }
-      vlansHold( place, intf );
+      checkVlans( place, intf );
    }
 
-   void portChannelHolds( PortChannelConfig const & portChannel ) {
+   void checkPortChannel( PortChannelConfig const & portChannel ) {
       std::string const place = "port channel " + portChannel.intfId.stringValue();
       if ( !isPortChannel( portChannel.intfId ) ) {
          refuse( place, "it is to have the name of one, as in Port-Channel1" );
@@ -90,11 +90,11 @@ class Check {
                               other->second.stringValue() + " already" );
          }
       }
-      vlansHold( place, portChannel );
+      checkVlans( place, portChannel );
    }
 
    // Of an interface or a port channel.
-   template< typename Config > void vlansHold( std::string const & place, Config const & config ) {
+   template< typename Config > void checkVlans( std::string const & place, Config const & config ) {
       AccessVlans const & vlans = config.vlans;
       if ( config.isUnderlay ) {
          underlay_.insert( config.intfId );
@@ -103,26 +103,26 @@ class Check {
          }
       }
       for ( Vlan const vlan : vlans.tagged ) {
-         vlanHolds( place, vlan );
+         checkVlan( place, vlan );
          if ( vlan == vlans.untagged ) {
             refuse( place, "VLAN " + std::to_string( vlan ) + " is either tagged or untagged" );
          }
       }
       if ( vlans.untagged ) {
-         vlanHolds( place, *vlans.untagged );
+         checkVlan( place, *vlans.untagged );
       }
    }
 
-   void vlanHolds( std::string const & place, Vlan vlan ) {
+   void checkVlan( std::string const & place, Vlan vlan ) {
       if ( vlan == 0 || vlan > kHighestVlan ) {
          refuse( place, "there is no VLAN " + std::to_string( vlan ) + "; VLANs are 1 to 4094" );
       }
       vlans_.insert( vlan );
    }
 
-   void bridgeDomainHolds( Vlan vlan, Vni vni ) {
+   void checkBridgeDomain( Vlan vlan, Vni vni ) {
       std::string const place = "VLAN " + std::to_string( vlan );
-      vlanHolds( place, vlan );
+      checkVlan( place, vlan );
       if ( vni == 0 || vni > kHighestVni ) {
          refuse( place, "there is no VNI " + std::to_string( vni ) + "; VNIs are 1 to 16777215" );
       }
@@ -133,7 +133,7 @@ class Check {
       }
    }
 
-   void designationHolds( IntfId const & intfId, DesignatedForwarderConfig const & state ) {
+   void checkDesignation( IntfId const & intfId, DesignatedForwarderConfig const & state ) {
       std::string const place = "designated forwarder on '" + intfId.stringValue() + "'";
       bool const isThere = interfaces_.contains( intfId ) || portChannels_.contains( intfId );
       if ( !isThere || underlay_.contains( intfId ) ) {
@@ -141,19 +141,19 @@ class Check {
       }
       for ( auto const & [ vlan, isDesignated ] : state.perVlan ) {
          static_cast< void >( isDesignated );
-         vlanIsOurs( place, vlan );
+         checkVlanIsKnown( place, vlan );
       }
    }
 
-   void vlanIsOurs( std::string const & place, Vlan vlan ) const {
+   void checkVlanIsKnown( std::string const & place, Vlan vlan ) const {
       if ( !vlans_.contains( vlan ) ) {
          refuse( place, "VLAN " + std::to_string( vlan ) +
                            " is neither on an interface nor mapped to a VNI" );
       }
    }
 
-   static void vtepHolds( std::string const & place, std::optional< IpGenAddr > const & vtep,
-                          IpGenAddr::Family family ) {
+   static void checkOwnVtep( std::string const & place, std::optional< IpGenAddr > const & vtep,
+                             IpGenAddr::Family family ) {
       if ( vtep && vtep->family() != family ) {
          refuse( place, vtep->stringValue() + " is of the other family" );
       }
@@ -162,10 +162,10 @@ class Check {
       }
    }
 
-   void tunnelsHold() const {
+   void checkTunnels() const {
       for ( auto const & [ vtep, tunnel ] : config_.tunnels ) {
          std::string const place = "tunnel to " + vtep.stringValue();
-         remoteVtepHolds( place, vtep );
+         checkRemoteVtep( place, vtep );
          for ( IntfId const & underlay : tunnel.underlay ) {
             if ( !underlay_.contains( underlay ) ) {
                refuse( place, "'" + underlay.stringValue() + "' is no underlay interface" );
@@ -178,20 +178,20 @@ class Check {
             refuse( place, "no VLAN is mapped to that VNI" );
          }
          for ( IpGenAddr const & vtep : vteps ) {
-            remoteVtepHolds( place, vtep );
+            checkRemoteVtep( place, vtep );
          }
       }
    }
 
-   void remoteVtepHolds( std::string const & place, IpGenAddr const & vtep ) const {
+   void checkRemoteVtep( std::string const & place, IpGenAddr const & vtep ) const {
       if ( vtep == config_.vtepIpv4 || vtep == config_.vtepIpv6 ) {
          refuse( place, vtep.stringValue() + " is this switch itself" );
       }
    }
 
-   void routesHold() const {
+   void checkRoutes() const {
       for ( auto const & [ host, route ] : config_.hostRoutes ) {
-         vlanIsOurs( "host route to " + host.stringValue(), route.vlan );
+         checkVlanIsKnown( "host route to " + host.stringValue(), route.vlan );
       }
       for ( auto const & [ group, vlans ] : config_.multicastRoutes ) {
          std::string const place = "multicast route of " + group.stringValue();
@@ -199,7 +199,7 @@ class Check {
             refuse( place, "it is no multicast address" );
          }
          for ( Vlan const vlan : vlans ) {
-            vlanIsOurs( place, vlan );
+            checkVlanIsKnown( place, vlan );
          }
       }
    }

@@ -49,17 +49,17 @@ std::optional< DropReason > findRoute( Tables const & tables, InnerIp const & ip
 
 void rewriteRouted( MacAddress ownMac, Route const & route, EthernetHeader const & ethernet,
                     MutableBytes frame ) {
-   macAtIs( frame, 0, route.mac );
-   macAtIs( frame, MacAddress::kBytes, ownMac );
+   putMac( frame, 0, route.mac );
+   putMac( frame, MacAddress::kBytes, ownMac );
    MutableBytes const ip = frame.subspan( ethernet.size() );
    if ( ethernet.etherType == EtherType::kIpv6 ) {
-      u8AtIs( ip, kIpv6HopLimit, static_cast< U8 >( u8At( ip, kIpv6HopLimit ) - 1 ) );
+      putU8( ip, kIpv6HopLimit, static_cast< U8 >( u8At( ip, kIpv6HopLimit ) - 1 ) );
       return;
    }
    std::size_t const size = ( u8At( ip, 0 ) & 0xfU ) * std::size_t{ 4 };
-   u8AtIs( ip, kIpv4TimeToLive, static_cast< U8 >( u8At( ip, kIpv4TimeToLive ) - 1 ) );
-   u16AtIs( ip, kIpv4Checksum, 0 );
-   u16AtIs( ip, kIpv4Checksum, internetChecksum( Bytes( ip ).first( size ) ) );
+   putU8( ip, kIpv4TimeToLive, static_cast< U8 >( u8At( ip, kIpv4TimeToLive ) - 1 ) );
+   putU16( ip, kIpv4Checksum, 0 );
+   putU16( ip, kIpv4Checksum, internetChecksum( Bytes( ip ).first( size ) ) );
 }
 
 }  // namespace Chip

@@ -2,8 +2,8 @@
 
 namespace Chip {
 
-void RuleCheck::frameIs( Tables const & tables, IngressFields const & fields,
-                         bcm_field_IpType_t ipType, std::vector< IngressStory > & story ) {
+void RuleCheck::start( Tables const & tables, IngressFields const & fields,
+                       bcm_field_IpType_t ipType, std::vector< IngressStory > & story ) {
    tables_ = &tables;
    fields_ = fields;
    ipType_ = ipType;
@@ -21,12 +21,12 @@ void RuleCheck::enter( Index unit ) {
    Entry const * const winner = tables.ingress ? tables.ingress->lookup( fields_ ) : nullptr;
    if ( winner ) {
       result.rule = { tables.number, tables.ingress->assignment(), winner->id() };
-      actionsAre( *winner->written(), result );
+      applyActions( *winner->written(), result );
    }
    story_->push_back( { tables.number, result.rule, result.classId } );
 }
 
-void RuleCheck::actionsAre( EntryContent const & rule, IngressResult & result ) {
+void RuleCheck::applyActions( EntryContent const & rule, IngressResult & result ) {
    if ( auto const & mask = rule[ Action::EgressMask ] ) {
       result.mask = &mask->ports;
    }

@@ -13,8 +13,8 @@ namespace Chip {
 class RuleCheck {
  public:
    // The next frame. The tables and the story stay valid until the one after it.
-   void frameIs( Tables const & tables, IngressFields const & fields, bcm_field_IpType_t ipType,
-                 std::vector< IngressStory > & story );
+   void start( Tables const & tables, IngressFields const & fields, bcm_field_IpType_t ipType,
+               std::vector< IngressStory > & story );
    // The unit's ingress lookup, if it has not been made.
    void enter( Index unit );
    // Whether the rules let a copy out by that port: Sent, or Masked or Dropped and the rule.
@@ -29,7 +29,7 @@ class RuleCheck {
       U16 classId = 0;
    };
 
-   static void actionsAre( EntryContent const & rule, IngressResult & result );
+   static void applyActions( EntryContent const & rule, IngressResult & result );
    std::optional< RuleKey > dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
                                       U16 classId ) const;
 

@@ -30,12 +30,12 @@ DomainInterface const * BridgeDomain::find( Index interface ) const {
 Tables::Tables( Units const & all, ForwardingConfig const & forwarding )
       : config( checked( forwarding ) ) {
    domainOfVlan.fill( kNone );
-   unitsAre( all );
-   domainsAre();
-   interfacesAre();
-   tunnelsAre();
-   segmentsAre();
-   routesAre();
+   addUnits( all );
+   addDomains();
+   addInterfaces();
+   addTunnels();
+   addSegments();
+   addRoutes();
 }
 
 Index Tables::unitOf( U16 number ) const {
@@ -47,7 +47,7 @@ Index Tables::unitOf( U16 number ) const {
    return kNone;
 }
 
-void Tables::unitsAre( Units const & all ) {
+void Tables::addUnits( Units const & all ) {
    for ( auto const & [ number, unit ] : all ) {
       UnitTables & tables = units.emplace_back();
       tables.number = unit.number();
@@ -58,18 +58,18 @@ void Tables::unitsAre( Units const & all ) {
    }
 }
 
-void Tables::domainsAre() {
+void Tables::addDomains() {
    for ( auto const & [ vlan, vni ] : config.vlanToVni ) {
-      Index const domain = domainFor( vlan );
+      Index const domain = obtainDomain( vlan );
       domains[ domain ].vni = vni;
       domainOfVni[ vni ] = domain;
    }
 }
 
-void Tables::interfacesAre() {
+void Tables::addInterfaces() {
    std::map< Pelk::IntfId, Index > portChannelOf;
    for ( PortChannelConfig const & portChannel : config.portChannels ) {
-      Index const interface = interfaceNew( portChannel );
+      Index const interface = addInterface( portChannel );
       for ( Pelk::IntfId const & member : portChannel.members ) {
          portChannelOf[ member ] = interface;
       }
@@ -77,15 +77,15 @@ void Tables::interfacesAre() {
    for ( InterfaceConfig const & intf : config.interfaces ) {
       auto const portChannel = portChannelOf.find( intf.intfId );
       if ( portChannel != portChannelOf.end() ) {
-         portIs( intf, portChannel->second );
+         addPort( intf, portChannel->second );
          continue;
       }
-      portIs( intf, interfaceNew( intf ) );
+      addPort( intf, addInterface( intf ) );
    }
 }
 
 // Of an interface or a port channel.
-template< typename Config > Index Tables::interfaceNew( Config const & of ) {
+template< typename Config > Index Tables::addInterface( Config const & of ) {
    auto const index = static_cast< Index >( interfaces.size() );
    ForwardingInterface & interface = interfaces.emplace_back();
    interface.intfId = of.intfId;
@@ -93,20 +93,20 @@ template< typename Config > Index Tables::interfaceNew( Config const & of ) {
    interface.neighbour = of.neighbour;
    interface.untagged = of.vlans.untagged.value_or( 0 );
    for ( Vlan const vlan : of.vlans.tagged ) {
-      membersAre( vlan, index, true );
+      addToDomain( vlan, index, true );
    }
    if ( of.vlans.untagged ) {
-      membersAre( *of.vlans.untagged, index, false );
+      addToDomain( *of.vlans.untagged, index, false );
    }
    return index;
 }
 
-void Tables::membersAre( Vlan vlan, Index interface, bool isTagged ) {
+void Tables::addToDomain( Vlan vlan, Index interface, bool isTagged ) {
    bool const designated = isDesignated( interfaces[ interface ].intfId, vlan );
-   domains[ domainFor( vlan ) ].interfaces.push_back( { interface, isTagged, designated } );
+   domains[ obtainDomain( vlan ) ].interfaces.push_back( { interface, isTagged, designated } );
 }
 
-void Tables::portIs( InterfaceConfig const & intf, Index interface ) {
+void Tables::addPort( InterfaceConfig const & intf, Index interface ) {
    Index const unit = unitOf( intf.unit );
    if ( unit == kNone ) {
       throw Quelm::Error( "forwarding: interface " + intf.intfId.stringValue() +
@@ -125,7 +125,7 @@ bool Tables::isDesignated( Pelk::IntfId const & intfId, Vlan vlan ) const {
    return forVlan == state->second.perVlan.end() ? state->second.allVlans : forVlan->second;
 }
 
-Index Tables::domainFor( Vlan vlan ) {
+Index Tables::obtainDomain( Vlan vlan ) {
    if ( domainOfVlan[ vlan ] == kNone ) {
       domainOfVlan[ vlan ] = static_cast< Index >( domains.size() );
       domains.emplace_back().vlan = vlan;
@@ -133,30 +133,30 @@ Index Tables::domainFor( Vlan vlan ) {
    return domainOfVlan[ vlan ];
 }
 
-void Tables::tunnelsAre() {
+void Tables::addTunnels() {
    for ( auto const & [ vtep, tunnel ] : config.tunnels ) {
-      Tunnel & entry = tunnels[ tunnelFor( vtep ) ];
+      Tunnel & entry = tunnels[ obtainTunnel( vtep ) ];
       entry.gport = vxlanGportOf( tunnel.vpIndex );
       if ( !tunnel.underlay.empty() ) {
-         underlayIs( entry, tunnel.underlay );
+         restrictUnderlay( entry, tunnel.underlay );
       }
    }
    for ( auto const & [ vni, vteps ] : config.floodLists ) {
       for ( Pelk::IpGenAddr const & vtep : vteps ) {
-         domains[ *domainOfVni.find( vni ) ].floodList.push_back( tunnelFor( vtep ) );
+         domains[ *domainOfVni.find( vni ) ].floodList.push_back( obtainTunnel( vtep ) );
       }
    }
 }
 
 // The tunnel leads over those underlay interfaces only.
-void Tables::underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const {
+void Tables::restrictUnderlay( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const {
    std::erase_if( tunnel.underlay, [ & ]( Index interface ) {
       Pelk::IntfId const & intfId = interfaces[ interface ].intfId;
       return std::find( named.begin(), named.end(), intfId ) == named.end();
    } );
 }
 
-void Tables::segmentsAre() {
+void Tables::addSegments() {
    for ( std::size_t n = 0; n < interfaces.size(); ++n ) {
       auto const segment = config.sharedWith.find( interfaces[ n ].intfId );
       if ( segment == config.sharedWith.end() ) {
@@ -171,7 +171,7 @@ void Tables::segmentsAre() {
 }
 
 // The tunnel to that VTEP; a new one leads over all underlay interfaces.
-Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
+Index Tables::obtainTunnel( Pelk::IpGenAddr const & vtep ) {
    if ( Index const * const known = tunnelOfVtep.find( vtep ) ) {
       return *known;
    }
@@ -191,9 +191,9 @@ Index Tables::tunnelFor( Pelk::IpGenAddr const & vtep ) {
    return index;
 }
 
-void Tables::routesAre() {
+void Tables::addRoutes() {
    for ( auto const & [ host, route ] : config.hostRoutes ) {
-      hostRoutes[ host ] = { domainFor( route.vlan ), route.mac };
+      hostRoutes[ host ] = { obtainDomain( route.vlan ), route.mac };
    }
    for ( auto const & [ group, vlans ] : config.multicastRoutes ) {
       multicastRoutes[ group ] = &vlans;

@@ -91,18 +91,18 @@ struct Tables {
    FlatMap< Pelk::IpGenAddr, std::set< Vlan > const * > multicastRoutes;  // point into `config`
 
  private:
-   void unitsAre( Units const & all );
-   void interfacesAre();
-   void membersAre( Vlan vlan, Index interface, bool isTagged );
-   void portIs( InterfaceConfig const & intf, Index interface );
-   template< typename Config > Index interfaceNew( Config const & of );
-   void domainsAre();
-   void tunnelsAre();
-   void segmentsAre();
-   void underlayIs( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const;
-   void routesAre();
-   Index domainFor( Vlan vlan );
-   Index tunnelFor( Pelk::IpGenAddr const & vtep );
+   void addUnits( Units const & all );
+   void addInterfaces();
+   void addToDomain( Vlan vlan, Index interface, bool isTagged );
+   void addPort( InterfaceConfig const & intf, Index interface );
+   template< typename Config > Index addInterface( Config const & of );
+   void addDomains();
+   void addTunnels();
+   void addSegments();
+   void restrictUnderlay( Tunnel & tunnel, std::vector< Pelk::IntfId > const & named ) const;
+   void addRoutes();
+   Index obtainDomain( Vlan vlan );
+   Index obtainTunnel( Pelk::IpGenAddr const & vtep );
    bool isDesignated( Pelk::IntfId const & intfId, Vlan vlan ) const;
 };
 

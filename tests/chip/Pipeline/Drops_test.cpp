@@ -32,8 +32,8 @@ ByteList with( ByteList bytes, std::vector< Change > const & changes ) {
 ByteList withIpv4( ByteList bytes, std::size_t header, std::vector< Change > const & changes ) {
    bytes = with( std::move( bytes ), changes );
    Chip::MutableBytes const ip = Chip::MutableBytes( bytes ).subspan( header, 20 );
-   Chip::u16AtIs( ip, 10, 0 );
-   Chip::u16AtIs( ip, 10, Chip::internetChecksum( ip ) );
+   Chip::putU16( ip, 10, 0 );
+   Chip::putU16( ip, 10, Chip::internetChecksum( ip ) );
    return bytes;
 }
 
@@ -317,8 +317,8 @@ TEST( DropReasons, reservedBitsAndPaddingAndIpOptionsAreNoReason ) {
    options[ kIp + 3 ] = static_cast< U8 >( options[ kIp + 3 ] + 4 );
    options[ kIp ] = 0x46;
    Chip::MutableBytes const ipHeader = Chip::MutableBytes( options ).subspan( kIp, 24 );
-   Chip::u16AtIs( ipHeader, 10, 0 );
-   Chip::u16AtIs( ipHeader, 10, Chip::internetChecksum( ipHeader ) );
+   Chip::putU16( ipHeader, 10, 0 );
+   Chip::putU16( ipHeader, 10, Chip::internetChecksum( ipHeader ) );
    EXPECT_EQ( reasonOf( leaf1.forward( kUnderlay, options ) ), "-" );
 }
 

@@ -140,7 +140,7 @@ TEST( Learning, endsAtALimitAndKnownAddressesStillMove ) {
    Leaf leaf1;
    std::vector< U8 > bytes = bytesOf( fromHost1() );
    for ( U64 n = 0; n < 33000; ++n ) {
-      Chip::macAtIs( bytes, MacAddress::kBytes, MacAddress( 0x020000100000 + n ) );
+      Chip::putMac( bytes, MacAddress::kBytes, MacAddress( 0x020000100000 + n ) );
       leaf1.wire.sent.clear();
       leaf1.pipeline.forward( kPort1, bytes, leaf1.wire );
    }
