@@ -69,13 +69,13 @@ void LookupTable::remove( Entry const & entry ) {
    if ( candidates.empty() ) {
       table.byData.erase( ternary.data );
    }
-   std::erase_if( tables_, []( Table const & one ) { return one.byData.isEmpty(); } );
+   std::erase_if( tables_, []( Table const & one ) { return one.byData.empty(); } );
 }
 
 Entry const * LookupTable::find( LookupKey const & frame ) const {
    Candidate const * winner = nullptr;
    for ( Table const & table : tables_ ) {
-      Candidates const * const found = table.byData.find( masked( frame, table.masks ) );
+      Candidates const * const found = valueIn( table.byData, masked( frame, table.masks ) );
       if ( found && ( !winner || found->front().precedence < winner->precedence ) ) {
          winner = &found->front();
       }

@@ -22,7 +22,7 @@
 #include <vector>
 
 #include <FieldProcessor/Entry.h>
-#include <FlatMap/FlatMap.h>
+#include <HashMap/HashMap.h>
 
 namespace Chip {
 
@@ -84,7 +84,7 @@ class LookupTable {
    // The entries of one set of masks.
    struct Table {
       LookupKey masks;
-      FlatMap< LookupKey, Candidates, Hash > byData;
+      HashMap< LookupKey, Candidates, Hash > byData;
    };
 
    Table & tableFor( LookupKey const & masks );

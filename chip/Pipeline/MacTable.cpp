@@ -14,7 +14,7 @@ Place placeOfInterface( Pelk::IntfId const & intfId, BridgeDomain const & domain
 }
 
 Place placeOfTunnel( Tunnel const & tunnel, BridgeDomain const & domain, Tables const & tables ) {
-   Index const * const found = tables.tunnelOfVtep.find( tunnel.remoteVtep );
+   Index const * const found = valueIn( tables.tunnelOfVtep, tunnel.remoteVtep );
    return { true, found && domain.vni != 0 ? *found : kNone };
 }
 
@@ -34,7 +34,7 @@ void MacTable::learn( Vlan vlan, MacAddress address, Place place, Tables const &
       return;
    }
    U64 const key = keyOf( vlan, address );
-   Place const * const known = places_.find( key );
+   Place const * const known = valueIn( places_, key );
    bool const isNews =
       known ? *known != place && !isOneSegment( *known, place, tables ) : size() < kLimit;
    if ( isNews ) {
@@ -44,10 +44,10 @@ void MacTable::learn( Vlan vlan, MacAddress address, Place place, Tables const &
 
 MacTable MacTable::movedTo( Tables const & before, Tables const & after ) const {
    MacTable result;
-   places_.forEach( [ & ]( U64 key, Place const & place ) {
+   for ( auto const & [ key, place ] : places_ ) {
       Index const domain = after.domainOf( static_cast< Vlan >( key >> kVlanShift ) );
       if ( domain == kNone ) {
-         return;
+         continue;
       }
       BridgeDomain const & there = after.domains[ domain ];
       Place const moved =
@@ -56,7 +56,7 @@ MacTable MacTable::movedTo( Tables const & before, Tables const & after ) const 
       if ( moved.index != kNone ) {
          result.places_[ key ] = moved;
       }
-   } );
+   }
    return result;
 }
 

@@ -32,7 +32,7 @@ class MacTable {
    void learn( Vlan vlan, MacAddress address, Place place, Tables const & tables );
    // The place, or nullptr; valid until the next learn().
    Place const * find( Vlan vlan, MacAddress address ) const {
-      return places_.find( keyOf( vlan, address ) );
+      return valueIn( places_, keyOf( vlan, address ) );
    }
    void clear() { places_.clear(); }
 
@@ -47,7 +47,7 @@ class MacTable {
       return U64{ vlan } << kVlanShift | address.value();
    }
 
-   FlatMap< U64, Place > places_;
+   HashMap< U64, Place > places_;
 };
 
 }  // namespace Chip

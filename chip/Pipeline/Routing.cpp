@@ -16,7 +16,7 @@ bool isRoutedMulticast( Tables const & tables, InnerIp const & ip, Vlan vlan ) {
    if ( !ip.isSound() || ip.header.timeToLive <= 1 || !isRoutable( ip.header.destination ) ) {
       return false;
    }
-   auto const * const vlans = tables.multicastRoutes.find( ip.header.destination );
+   auto const * const vlans = valueIn( tables.multicastRoutes, ip.header.destination );
    bool const hasRoute = vlans && ( ( *vlans )->empty() || ( *vlans )->contains( vlan ) );
    return hasRoute && isChecksumRight( ip.header, ip.packet );
 }
@@ -39,7 +39,7 @@ std::optional< DropReason > findRoute( Tables const & tables, InnerIp const & ip
    if ( header.timeToLive <= 1 ) {
       return DropReason::TimeToLiveEnded;
    }
-   Route const * const found = tables.hostRoutes.find( header.destination );
+   Route const * const found = valueIn( tables.hostRoutes, header.destination );
    if ( !found ) {
       return DropReason::NoRoute;
    }

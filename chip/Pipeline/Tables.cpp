@@ -143,7 +143,7 @@ void Tables::addTunnels() {
    }
    for ( auto const & [ vni, vteps ] : config.floodLists ) {
       for ( Pelk::IpGenAddr const & vtep : vteps ) {
-         domains[ *domainOfVni.find( vni ) ].floodList.push_back( obtainTunnel( vtep ) );
+         domains[ *valueIn( domainOfVni, vni ) ].floodList.push_back( obtainTunnel( vtep ) );
       }
    }
 }
@@ -163,7 +163,7 @@ void Tables::addSegments() {
          continue;
       }
       for ( Pelk::IpGenAddr const & vtep : segment->second ) {
-         if ( Index const * const tunnel = tunnelOfVtep.find( vtep ) ) {
+         if ( Index const * const tunnel = valueIn( tunnelOfVtep, vtep ) ) {
             tunnels[ *tunnel ].shared.push_back( static_cast< Index >( n ) );
          }
       }
@@ -172,7 +172,7 @@ void Tables::addSegments() {
 
 // The tunnel to that VTEP; a new one leads over all underlay interfaces.
 Index Tables::obtainTunnel( Pelk::IpGenAddr const & vtep ) {
-   if ( Index const * const known = tunnelOfVtep.find( vtep ) ) {
+   if ( Index const * const known = valueIn( tunnelOfVtep, vtep ) ) {
       return *known;
    }
    auto const index = static_cast< Index >( tunnels.size() );

@@ -9,7 +9,7 @@
 #include <limits>
 
 #include <FieldProcessor/Unit.h>
-#include <FlatMap/FlatMap.h>
+#include <HashMap/HashMap.h>
 #include <Pipeline/Encapsulation.h>
 #include <Pipeline/Forwarding.h>
 #include <VornalTypes/VornalPort.h>
@@ -85,10 +85,10 @@ struct Tables {
    std::vector< BridgeDomain > domains;
    std::vector< Tunnel > tunnels;
    std::array< Index, 4096 > domainOfVlan{};
-   FlatMap< Vni, Index > domainOfVni;
-   FlatMap< Pelk::IpGenAddr, Index > tunnelOfVtep;
-   FlatMap< Pelk::IpGenAddr, Route > hostRoutes;
-   FlatMap< Pelk::IpGenAddr, std::set< Vlan > const * > multicastRoutes;  // point into `config`
+   HashMap< Vni, Index > domainOfVni;
+   HashMap< Pelk::IpGenAddr, Index > tunnelOfVtep;
+   HashMap< Pelk::IpGenAddr, Route > hostRoutes;
+   HashMap< Pelk::IpGenAddr, std::set< Vlan > const * > multicastRoutes;  // point into `config`
 
  private:
    void addUnits( Units const & all );

@@ -50,12 +50,12 @@ Failure findDomain( Tables const & tables, Bytes vxlan, TunnelStory & story, Ter
       return DropReason::BadVxlanFlags;
    }
    story.vni = u24At( vxlan, 4 );
-   Index const * const tunnel = tables.tunnelOfVtep.find( story.source );
+   Index const * const tunnel = valueIn( tables.tunnelOfVtep, story.source );
    if ( !tunnel || tables.tunnels[ *tunnel ].gport == 0 ) {
       return DropReason::UnknownVtep;
    }
    story.sourceGport = tables.tunnels[ *tunnel ].gport;
-   Index const * const domain = tables.domainOfVni.find( *story.vni );
+   Index const * const domain = valueIn( tables.domainOfVni, *story.vni );
    if ( !domain ) {
       return DropReason::UnknownVni;
    }
