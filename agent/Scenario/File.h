@@ -14,7 +14,7 @@
 namespace Scenario {
 
 // A text that is longer is no scenario.
-inline constexpr std::size_t kLongest = 16 * 1024 * 1024;
+inline constexpr std::size_t kLongest = std::size_t{ 16 } * 1024 * 1024;
 
 // How long a named pipe may be without anybody who writes.
 inline constexpr std::chrono::milliseconds kPatience{ 3000 };

@@ -7,9 +7,8 @@
 // - a text in quotes that goes on over lines which are not indented deeper than the line it begins
 //   in, or that goes on over lines within brackets: so ends a quote that was not closed, and what
 //   it has swallowed would be missed by nobody;
-// - lists and mappings in each other beyond kDeepest, and more values than kMost, those that
-// aliases
-//   repeat counted each time; a line beyond kLongestLine bytes;
+// - lists and mappings in each other beyond kDeepest, and more values than kMost, each repetition by
+//   an alias counted; a line beyond kLongestLine bytes;
 // - a second document.
 //
 // Cost: linear in the text.
@@ -21,7 +20,7 @@ namespace Scenario {
 
 inline constexpr std::size_t kDeepest = 50;  // the language needs ten
 inline constexpr std::size_t kMost = 500'000;
-inline constexpr std::size_t kLongestLine = 1024 * 1024;
+inline constexpr std::size_t kLongestLine = std::size_t{ 1024 } * 1024;
 
 // ReadError, which names `file`, unless `text` is one document that can be taken. The text must not
 // begin with a byte order mark.

@@ -34,7 +34,7 @@ void StopEvents::onEvent( Event const & event ) {
                   [ & ]( StepBegins const & step ) { begin( step ); },
                   [ & ]( VariantChosen const & chosen ) { cause_.variant = chosen.variant; },
                   [ & ]( PublishedChange const & change ) {
-                     auto const found =
+                     auto const * const found =
                         std::find_if( kEvents.begin(), kEvents.end(), [ & ]( auto const & one ) {
                            return one.attribute == change.attribute;
                         } );

@@ -218,7 +218,7 @@ TEST_F( WithoutAFreeId, AGrantByHandIsNotWaitedForAnyMore ) {
 
 TEST_F( WithoutAFreeId, TheGrantStandsBehindTheTurnsThatAreQueuedWhenTheIdComesFree ) {
    activity.turnNew( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
-   activity.turnNew( [ & ] { story.push_back( "another turn" ); } );
+   activity.turnNew( [ & ] { story.emplace_back( "another turn" ); } );
    activity.run();
    EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "another turn", "10.0.0.3 gets 1" } ) );
 }

@@ -120,7 +120,8 @@ class KnownLimit : public testing::TestWithParam< Way > {
    // Whether the program has found the limit, and its remedy, by the stop.
    static bool namesLimit( Json const & limits ) {
       return std::any_of( limits.begin(), limits.end(), []( Json const & limit ) {
-         return limit.at( "title" ) == GetParam().limit && limit.at( "remedy" ) != "";
+         return limit.at( "title" ) == GetParam().limit &&
+                !limit.at( "remedy" ).get_ref< std::string const & >().empty();
       } );
    }
 

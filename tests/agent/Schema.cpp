@@ -111,105 +111,163 @@ bool Schema::matches( std::string const & pattern, std::string const & text ) co
    return known->second;
 }
 
-// The keywords that are about the value itself, or about it as a whole.
-bool Schema::holds( std::string const & keyword, Json const & schema, Json const & value ) const {
-   auto const valid = [ & ]( Json const & one ) { return isValid( one, value ); };
-   if ( keyword == "$ref" ) {
-      return valid( root_.at( Json::json_pointer( schema.get< std::string >().substr( 1 ) ) ) );
+// --- The keywords that are about the value itself, or about it as a whole
+
+struct Schema::Keywords {
+   using Holds = bool ( * )( Schema const &, Json const & schema, Json const & value );
+
+   static bool ref( Schema const & all, Json const & schema, Json const & value ) {
+      std::string const pointer = schema.get< std::string >().substr( 1 );
+      return all.isValid( all.root_.at( Json::json_pointer( pointer ) ), value );
    }
-   if ( keyword == "type" ) {
-      return schema.is_string()
-                ? isOfType( value, schema )
-                : std::any_of( schema.begin(), schema.end(),
-                               [ & ]( auto const & type ) { return isOfType( value, type ); } );
+   static bool type( Schema const &, Json const & schema, Json const & value ) {
+      auto const isOne = [ & ]( auto const & one ) { return isOfType( value, one ); };
+      return schema.is_string() ? isOne( schema )
+                                : std::any_of( schema.begin(), schema.end(), isOne );
    }
-   if ( keyword == "enum" ) {
+   static bool isEnumerated( Schema const &, Json const & schema, Json const & value ) {
       return std::find( schema.begin(), schema.end(), value ) != schema.end();
    }
-   if ( keyword == "const" ) {
+   static bool constant( Schema const &, Json const & schema, Json const & value ) {
       return schema == value;
    }
-   if ( keyword == "anyOf" ) {
-      return std::any_of( schema.begin(), schema.end(), valid );
+
+   // How many of the schemas the value satisfies.
+   static std::ptrdiff_t count( Schema const & all, Json const & schemas, Json const & value ) {
+      return std::count_if( schemas.begin(), schemas.end(),
+                            [ & ]( Json const & one ) { return all.isValid( one, value ); } );
    }
-   if ( keyword == "allOf" ) {
-      return std::all_of( schema.begin(), schema.end(), valid );
+   static bool anyOf( Schema const & all, Json const & schemas, Json const & value ) {
+      return count( all, schemas, value ) > 0;
    }
-   if ( keyword == "oneOf" ) {
-      return std::count_if( schema.begin(), schema.end(), valid ) == 1;
+   static bool allOf( Schema const & all, Json const & schemas, Json const & value ) {
+      return count( all, schemas, value ) == std::ssize( schemas );
    }
-   if ( keyword == "not" ) {
-      return !valid( schema );
+   static bool oneOf( Schema const & all, Json const & schemas, Json const & value ) {
+      return count( all, schemas, value ) == 1;
    }
-   if ( keyword == "minimum" || keyword == "maximum" ) {
-      double const limit = schema.get< double >();
-      return !value.is_number() || ( keyword == "minimum" ? value.get< double >() >= limit
-                                                          : value.get< double >() <= limit );
+   static bool isNot( Schema const & all, Json const & schema, Json const & value ) {
+      return !all.isValid( schema, value );
    }
-   if ( keyword == "pattern" ) {
-      return !value.is_string() || matches( schema, value );
+
+   static bool minimum( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_number() || value.get< double >() >= schema.get< double >();
    }
-   if ( keyword == "minLength" ) {
+   static bool maximum( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_number() || value.get< double >() <= schema.get< double >();
+   }
+   static bool pattern( Schema const & all, Json const & schema, Json const & value ) {
+      return !value.is_string() || all.matches( schema, value );
+   }
+   static bool minLength( Schema const &, Json const & schema, Json const & value ) {
       return !value.is_string() || lengthOf( value ) >= schema.get< std::size_t >();
    }
-   if ( keyword == "uniqueItems" ) {
+   static bool uniqueItems( Schema const &, Json const &, Json const & value ) {
       return !value.is_array() || areUnique( value );
    }
-   if ( keyword == "minItems" || keyword == "maxItems" ) {
-      auto const limit = schema.get< std::size_t >();
-      return !value.is_array() ||
-             ( keyword == "minItems" ? value.size() >= limit : value.size() <= limit );
+   static bool minItems( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_array() || value.size() >= schema.get< std::size_t >();
    }
-   if ( keyword == "minProperties" || keyword == "maxProperties" ) {
-      auto const limit = schema.get< std::size_t >();
-      return !value.is_object() ||
-             ( keyword == "minProperties" ? value.size() >= limit : value.size() <= limit );
+   static bool maxItems( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_array() || value.size() <= schema.get< std::size_t >();
    }
-   if ( keyword == "required" ) {
+   static bool minProperties( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_object() || value.size() >= schema.get< std::size_t >();
+   }
+   static bool maxProperties( Schema const &, Json const & schema, Json const & value ) {
+      return !value.is_object() || value.size() <= schema.get< std::size_t >();
+   }
+   static bool required( Schema const &, Json const & names, Json const & value ) {
       return !value.is_object() ||
-             std::all_of( schema.begin(), schema.end(), [ & ]( auto const & name ) {
+             std::all_of( names.begin(), names.end(), [ & ]( auto const & name ) {
                 return value.contains( name.template get< std::string >() );
              } );
    }
-   if ( keyword == "dependencies" ) {
+   static bool dependencies( Schema const & all, Json const & schema, Json const & value ) {
       auto const items = schema.items();
       return !value.is_object() ||
              std::all_of( items.begin(), items.end(), [ & ]( auto const & one ) {
                 return !value.contains( one.key() ) ||
-                       ( one.value().is_array() ? holds( "required", one.value(), value )
-                                                : valid( one.value() ) );
+                       ( one.value().is_array() ? required( all, one.value(), value )
+                                                : all.isValid( one.value(), value ) );
              } );
    }
-   throw std::logic_error( "unknown keyword " + keyword );
+
+   static std::map< std::string, Holds > const & table() {
+      static std::map< std::string, Holds > const all{ { "$ref", ref },
+                                                       { "type", type },
+                                                       { "enum", isEnumerated },
+                                                       { "const", constant },
+                                                       { "anyOf", anyOf },
+                                                       { "allOf", allOf },
+                                                       { "oneOf", oneOf },
+                                                       { "not", isNot },
+                                                       { "minimum", minimum },
+                                                       { "maximum", maximum },
+                                                       { "pattern", pattern },
+                                                       { "minLength", minLength },
+                                                       { "uniqueItems", uniqueItems },
+                                                       { "minItems", minItems },
+                                                       { "maxItems", maxItems },
+                                                       { "minProperties", minProperties },
+                                                       { "maxProperties", maxProperties },
+                                                       { "required", required },
+                                                       { "dependencies", dependencies } };
+      return all;
+   }
+};
+
+bool Schema::holds( std::string const & keyword, Json const & schema, Json const & value ) const {
+   auto const known = Keywords::table().find( keyword );
+   if ( known == Keywords::table().end() ) {
+      throw std::logic_error( "unknown keyword " + keyword );
+   }
+   return known->second( *this, schema, value );
 }
 
-// The keywords that are about members and elements.
-std::string Schema::checkMembers( Json const & schema, Json const & value,
-                                  std::string const & place ) const {
-   std::string problem;
-   if ( value.is_array() && schema.contains( "items" ) ) {
-      for ( std::size_t n = 0; n < value.size() && problem.empty(); ++n ) {
-         problem = check( schema[ "items" ], value[ n ], place + '/' + std::to_string( n ) );
+// --- The keywords that are about members and elements
+
+std::string Schema::checkElements( Json const & schema, Json const & list,
+                                   std::string const & place ) const {
+   for ( std::size_t n = 0; n < list.size(); ++n ) {
+      std::string problem = check( schema, list[ n ], place + '/' + std::to_string( n ) );
+      if ( !problem.empty() ) {
+         return problem;
       }
    }
-   if ( !value.is_object() ) {
+   return {};
+}
+
+std::string Schema::checkMember( Json const & schema, std::string const & name, Json const & member,
+                                 std::string const & at ) const {
+   static Json const anything = true;
+   auto const schemaOf = [ & ]( char const * keyword ) -> Json const & {
+      return schema.contains( keyword ) ? schema[ keyword ] : anything;
+   };
+   std::string problem = check( schemaOf( "propertyNames" ), name, at + " (name)" );
+   if ( !problem.empty() ) {
       return problem;
    }
-   Json const none = Json::object();
-   Json const & properties = schema.contains( "properties" ) ? schema[ "properties" ] : none;
-   for ( auto const & [ name, member ] : value.items() ) {
-      std::string const at = place + '/' + name;
-      if ( schema.contains( "propertyNames" ) && problem.empty() ) {
-         problem = check( schema[ "propertyNames" ], name, at + " (name)" );
-      }
-      if ( properties.contains( name ) && problem.empty() ) {
-         problem = check( properties[ name ], member, at );
-      } else if ( schema.contains( "additionalProperties" ) && !properties.contains( name ) &&
-                  problem.empty() ) {
-         problem = check( schema[ "additionalProperties" ], member, at );
+   bool const isProperty =
+      schema.contains( "properties" ) && schema[ "properties" ].contains( name );
+   return check( isProperty ? schema[ "properties" ][ name ] : schemaOf( "additionalProperties" ),
+                 member, at );
+}
+
+std::string Schema::checkMembers( Json const & schema, Json const & value,
+                                  std::string const & place ) const {
+   if ( value.is_array() && schema.contains( "items" ) ) {
+      return checkElements( schema[ "items" ], value, place );
+   }
+   if ( value.is_object() ) {
+      for ( auto const & [ name, member ] : value.items() ) {
+         std::string problem = checkMember( schema, name, member, place + '/' + name );
+         if ( !problem.empty() ) {
+            return problem;
+         }
       }
    }
-   return problem;
+   return {};
 }
 
 std::string Schema::check( Json const & schema, Json const & value,

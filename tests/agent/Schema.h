@@ -28,8 +28,14 @@ class Schema {
    std::string problem( Json const & value ) const { return check( root_, value, "" ); }
 
  private:
+   struct Keywords;
+
    std::string check( Json const & schema, Json const & value, std::string const & place ) const;
    bool holds( std::string const & keyword, Json const & schema, Json const & value ) const;
+   std::string checkElements( Json const & schema, Json const & list,
+                              std::string const & place ) const;
+   std::string checkMember( Json const & schema, std::string const & name, Json const & member,
+                            std::string const & at ) const;
    std::string checkMembers( Json const & schema, Json const & value,
                              std::string const & place ) const;
    bool isValid( Json const & schema, Json const & value ) const {
