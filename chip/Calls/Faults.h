@@ -1,9 +1,9 @@
-// Calls of the chip that are to fail: which, and with what result.
+// Faults: calls of the chip that fail on purpose, each with its result.
 //
 // A call that fails is not made; its caller gets the code given. A shim (Decorators/FailingSdk.h)
 // and the entry managers (Tcam/SoftTcamEntryManager.h) ask here before every call, so that one list
-// of faults holds for all that reaches the chip. getEntry has no result code and cannot fail so; a
-// group without room is what refuses an entry.
+// of faults holds for all that reaches the chip. getEntry has no result code and cannot fail so;
+// only a group without room refuses an entry.
 //
 // Cost: nothing while no fault is pending. Threads: those of the calls, one at a time.
 #pragma once

@@ -32,7 +32,7 @@ struct HardwareCall {
    U32 unit = 0;
    // For getEntry the id given out, 0 when there was no room.
    U32 entry = 0;
-   // An entry manager's values begin with its "group". What is read back is there only on success.
+   // An entry manager's values begin with its "group". Read-back values are there only on success.
    std::vector< NamedValue > values;
    // How the chip judged it, also where the operation does not tell its caller. None for getEntry.
    std::optional< S32 > returnCode;
@@ -48,7 +48,7 @@ struct HardwareCall {
 // Masks and gports are in hexadecimal; ports are listed by number.
 std::string toText( HardwareCall const & call );
 
-// Somebody who wants to know.
+// Learns of every call.
 //
 // Field calls are reported on the thread that makes them, with the activity lock given up; the
 // operations of the managers are reported with the lock held. An observer touches no entity and no

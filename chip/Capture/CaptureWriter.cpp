@@ -12,7 +12,7 @@ namespace Chip {
 
 namespace {
 
-constexpr int kLongestFrame = 262144;  // what tools that read captures expect as the limit
+constexpr int kLongestFrame = 262144;  // the limit that tools for captures expect
 
 // A pcap file has 32 bits for it, and libpcap reads the highest of them as a sign.
 constexpr S64 kLastSecond = 0x7fffffff;

@@ -1,6 +1,6 @@
 // Frames into a capture file (pcap with nanoseconds), one after the other.
 //
-// What is written is buffered. After flush() it is in the file, whatever becomes of this process.
+// Frames are buffered. After flush() they are in the file, whatever becomes of this process.
 // The destructor writes the rest without a word.
 //
 // Failures: Quelm::Error, which names the file, when it cannot be created, does not take what it is
@@ -21,7 +21,7 @@ namespace Chip {
 
 class CaptureWriter {
  public:
-   // Replaces a file that is there.
+   // Replaces an existing file.
    explicit CaptureWriter( std::filesystem::path file );
 
    std::filesystem::path const & file() const { return file_; }

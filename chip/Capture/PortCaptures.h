@@ -14,7 +14,7 @@ class PortCaptures final : public Transmitter {
    // The folder exists.
    explicit PortCaptures( std::filesystem::path folder ) : folder_( std::move( folder ) ) {}
 
-   // When what is transmitted from now on has left; since 1970.
+   // The time, since 1970, at which frames leave from now on.
    void timeIs( std::chrono::nanoseconds time ) { time_ = time; }
    // Both throw as CaptureWriter does.
    void transmit( VornalTypes::VornalPort port, Bytes frame ) override;

@@ -1,4 +1,4 @@
-// A shim that counts field calls, and what the guarded field call tells the shim about them.
+// A shim that counts field calls, their announcements and the reports of failed ones.
 #pragma once
 
 #include <map>
@@ -25,8 +25,8 @@ class CountingSdk final : public SdkDecorator {
       }
       return all;
    }
-   // Calls that were announced, and calls whose failure was told. As many have been announced as
-   // have been made when every call is a guarded one.
+   // Announced calls, and failed calls that the guarded field call has reported. When every call is
+   // a guarded one, as many have been announced as made.
    U64 announced() const { return announced_; }
    U64 failuresTold() const { return failuresTold_; }
 

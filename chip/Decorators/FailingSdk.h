@@ -8,7 +8,7 @@ namespace Chip {
 
 class FailingSdk final : public SdkDecorator {
  public:
-   // Fails what the faults say. Neither is owned, and both outlive it.
+   // Fails the calls that the faults name. Neither is owned, and both outlive it.
    FailingSdk( Shim::Sdk & next, Faults & faults ) : SdkDecorator( next ), faults_( faults ) {}
 
    // Fails one call.

@@ -1,8 +1,8 @@
 // The base of everything that stands in front of a shim and is one itself.
 //
-// It hands every operation on to the next shim. A decorator overrides what it treats otherwise:
-// make() for field calls. Decorators can be stacked in any order; the order decides who sees what.
-// A recorder in front of a failing shim records the failures.
+// It hands every operation on to the next shim. A decorator overrides the operations that it
+// changes: make() for field calls. Decorators can be stacked in any order, and see calls in that
+// order. A recorder in front of a failing shim records the failures.
 //
 // The next shim is not owned and outlives the decorator. A decorator is used by one thread at a
 // time, as any shim is.

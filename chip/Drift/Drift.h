@@ -1,8 +1,8 @@
-// Changes of the hardware behind everybody's back: a bit that tips over, an entry that another user
-// of the chip destroys or copies.
+// Changes of the hardware that no user of it has asked for: a bit that tips over, an entry that
+// another user of the chip destroys or copies.
 //
-// A chip that drifts is what verification is for, and nothing but a test brings it about on
-// purpose. So this is the one door to the written copies (FieldProcessor/Entry.h) beside
+// Verification exists because a chip can drift, and only a test makes it drift on purpose. This is
+// the one door to the written copies (FieldProcessor/Entry.h) beside
 // installEntry and reinstallEntry: it leaves the staged copies alone and tells no observer. Frames
 // meet the change from the next lookup on; a later reinstall writes over it.
 //
@@ -22,8 +22,7 @@ class Drift {
    // The group must outlive the drift.
    explicit Drift( Group & group ) : group_( group ) {}
 
-   // Inverts these bits of what a qualifier compares with, or of its mask; of DstPort those of the
-   // logical port.
+   // Inverts these bits of a qualifier's data; of DstPort those of the logical port.
    ResultCode dataFlips( U32 id, Qualifier qualifier, U32 bits = 1 );
    ResultCode maskIs( U32 id, Qualifier qualifier, U32 mask );
    // Inverts these bits of the number that an action carries.

@@ -1,15 +1,15 @@
-// One TCAM entry: what has been staged for it, and what the hardware has of it.
+// One TCAM entry in two copies: the staged one, and the one written to the hardware.
 //
 // Qualifiers, actions and the priority go into the staged copy. Writing the entry (Group::install,
 // Group::reinstall) makes the written copy equal to the staged one, as a whole: a priority set on
 // an installed entry is in force from the next reinstall on, like everything else. The staged copy
-// stays and is what the next changes build on.
+// stays, and the next changes build on it.
 //
-// What is refused, and then changes nothing:
+// Refused, and then nothing changes:
 // - a qualifier or action that belongs to the other kind of group: Unsupported;
 // - adding an action that is staged already: Exists. Updating replaces it, and is NotFound when
 //   there is none. A qualifier that is staged already is replaced, as in a register;
-// - reading back what the hardware does not have: NotFound.
+// - reading back a qualifier or an action that the hardware does not have: NotFound.
 //
 // Threads: staging is done by the thread that makes field calls, with the activity lock given up;
 // it touches nothing that a lookup reads.

@@ -1,5 +1,5 @@
-// What rules are made of: the qualifiers and actions of both kinds of group, and the fields of a
-// frame that the qualifiers are compared with.
+// The parts of a rule: the qualifiers and actions of both kinds of group, and the fields of a frame
+// that the qualifiers are compared with.
 //
 // Two tables say everything about a qualifier or an action; the shim, the lookup and the texts read
 // them. A new qualifier of the SDK (Shim/Shim.h, Shim/OneCallSdk.h) needs a row here, the field of
@@ -37,7 +37,7 @@ enum class Qualifier : U8 {
    IngressClassField,
 };
 
-// What one qualifier compares a field with.
+// The data and mask that one qualifier compares a field with.
 struct Match {
    U32 data = 0;
    U32 mask = 0;
@@ -124,7 +124,7 @@ inline constexpr std::array kQualifierTable{
 
 enum class Action : U8 { EgressMask, EgressClassSelect, NewClassId, Drop };
 
-// What one action does.
+// The parameters of one action.
 struct ActionParameters {
    U32 param0 = 0;  // EgressClassSelect: the class selected; NewClassId: the class id
    U32 param1 = 0;
@@ -134,7 +134,7 @@ struct ActionParameters {
    friend bool operator==( ActionParameters const &, ActionParameters const & ) = default;
 };
 
-// What of its parameters an action uses.
+// The parameters that an action uses.
 enum class ParametersUsed : U8 { None, Number, Ports };
 
 struct ActionRow {
@@ -175,7 +175,7 @@ inline constexpr std::array kActionTable{
               .sdkAction = bcmFieldActionDrop },
 };
 
-// --- What the tables say
+// --- Out of the tables
 
 constexpr QualifierRow const & rowOf( Qualifier qualifier ) {
    return kQualifierTable[ static_cast< std::size_t >( qualifier ) ];
@@ -236,7 +236,7 @@ struct EgressFields {
    U32 dstModId = 0;
    U32 dstPort = 0;                                  // logical port
    bcm_field_IpType_t ipType = bcmFieldIpTypeNonIp;  // the frame's own: never "any"
-   U32 ingressClass = 0;                             // what ingress has set; 0 when nothing has
+   U32 ingressClass = 0;                             // set by the ingress rule; 0 for none
 };
 
 // Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. There is

@@ -4,10 +4,10 @@
 // or not, and gives it back when it is released. Other users of the group can hold part of the
 // capacity; they are a number only and match no frame.
 //
-// Lookup. Only what has been written matches. Of all written entries that match, one wins: the one
+// Lookup. Only written copies match. Of all written entries that match, one wins: the one
 // of the highest priority, and between equals the one obtained first. An entry without a priority
 // stands above every priority set explicitly. The answer is the winning entry, whose written copy
-// says what is done with the frame; an entry without actions does nothing, but has won.
+// has the actions; an entry without actions does nothing, but has won.
 //
 // Safe failures: a group that is full and an id that it does not know are answered as such and
 // change nothing. There are no unsafe ones but asking a group for frames of the other kind, which
@@ -64,14 +64,14 @@ class Group {
    U32 used() const { return static_cast< U32 >( entries_.size() ); }
    U32 foreign() const { return foreign_; }
    U32 room() const { return capacity_ - used() - foreign_; }
-   // Other users want to hold `count` entries from now on. They get what there is room for; returns
-   // what they hold.
+   // Other users ask for `count` entries from now on. Returns how many they hold; it is less when
+   // there is less room.
    U32 foreignIs( U32 count );
 
    // --- Entries
    // A new, empty entry; its id, or 0 when there is no room.
    U32 entryNew( std::string const & name );
-   // Writes what has been staged. An entry that is installed is written again.
+   // Writes the staged copy to the hardware, also of an entry that is installed.
    ResultCode install( U32 id );
    // The same for installed entries only.
    ResultCode reinstall( U32 id );
@@ -90,7 +90,7 @@ class Group {
    Entry const * lookup( EgressFields const & frame ) const;
 
  private:
-   friend class Drift;  // keeps the lookup in step with what it changes (Drift/Drift.h)
+   friend class Drift;  // changes written copies and the lookup (Drift/Drift.h)
 
    void write( Entry & entry );
 

@@ -5,9 +5,9 @@
 // patterns ("by source gport", "by VNI and packet resolution"), and entries of one pattern have the
 // same masks. So the entries are kept by their masks: for each different set of masks a hash table,
 // keyed by the data under those masks. A lookup masks the frame's fields once per table, and takes
-// the best of what the tables have.
+// the best of the entries found.
 //
-// What holds:
+// Invariants:
 // - Each written entry is in one table, under its written copy. It must be removed before that copy
 //   changes.
 // - Entries with the same masks and data stand in one list, the one that wins in front.
@@ -26,7 +26,7 @@
 
 namespace Chip {
 
-// What is looked up: a frame's fields, or a rule's data or masks.
+// A frame's fields, or a rule's data or masks.
 struct LookupKey {
    KeyFields fields{};
 

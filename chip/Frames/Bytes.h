@@ -1,5 +1,5 @@
 // Numbers and addresses in a frame, in network order. To read or write beyond the end is a failed
-// assertion, never a look at what lies behind the frame: readers ask for the length first.
+// assertion, and never reaches the memory behind the frame: readers ask for the length first.
 #pragma once
 
 #include <algorithm>

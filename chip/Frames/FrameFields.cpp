@@ -127,7 +127,7 @@ Packet contentOf( FrameFields const & fields ) {
    return std::make_unique< Tins::RawPDU >( payloadOf( fields.payloadSize ) );
 }
 
-// The frame without what comes in front of it in a tunnel.
+// The frame without its outer headers.
 std::vector< U8 > innerBytes( FrameFields const & fields ) {
    Tins::EthernetII frame( tinsOf( fields.destination ), tinsOf( fields.source ) );
    U16 const bareType = fields.content == FrameContent::Bare ? kExperimental : U16{ 0 };

@@ -1,4 +1,4 @@
-// A frame as a person writes it down: what matters in it, field by field. bytesOf() makes the
+// A frame as a person writes it down, field by field. bytesOf() makes the
 // frame, with all lengths and checksums right.
 //
 //    FrameFields const ping{ .source = MacAddress( 0x00005e005302 ),
@@ -56,7 +56,7 @@ struct FrameFields {
    friend bool operator==( FrameFields const &, FrameFields const & ) = default;
 };
 
-// Throws Quelm::Error, which says what is wrong, when addresses are missing, of a family that the
+// Throws Quelm::Error, which names the mistake, when addresses are missing, of a family that the
 // content does not have, or of two families; and when it would be too long for an IP packet.
 std::vector< U8 > bytesOf( FrameFields const & fields );
 

@@ -1,7 +1,7 @@
-// The headers of a frame: what the pipeline has to know of Ethernet, IPv4, IPv6, UDP and VXLAN.
+// The headers of a frame, as far as the pipeline reads them: Ethernet, IPv4, IPv6, UDP and VXLAN.
 //
-// A reader takes the bytes from its header's first on, to the end of what encloses it, and looks no
-// further. What it gives is copied out, so that it can outlive the frame.
+// A reader takes the bytes from the first of its header to the end of the enclosing packet, and
+// looks no further. Its result is a copy and can outlive the frame.
 #pragma once
 
 #include <optional>
@@ -56,11 +56,11 @@ inline constexpr U8 kIpv6Fragment = 44;
 struct IpHeader {
    Pelk::IpGenAddr source{};
    Pelk::IpGenAddr destination{};
-   U8 protocol = 0;    // of what follows; an IPv6 extension header counts
+   U8 protocol = 0;    // of the payload; an IPv6 extension header counts
    U8 timeToLive = 0;  // or hop limit
    bool isFragment = false;
    std::size_t size = 0;         // of the header, with IPv4 options
-   std::size_t payloadSize = 0;  // of what follows
+   std::size_t payloadSize = 0;  // in bytes
 
    bool isIpv4() const { return source.family() == Pelk::IpGenAddr::Family::ipv4; }
    Bytes payloadOf( Bytes packet ) const { return packet.subspan( size, payloadSize ); }
@@ -89,8 +89,9 @@ U16 internetChecksum( Bytes bytes );
 
 // 224.0.0.0/4, ff00::/8
 bool isMulticast( Pelk::IpGenAddr const & address );
-// Whether routers forward what is sent to it or by it: not unspecified, loopback or link-local, for
-// IPv6 multicast of a wider scope than the link, for IPv4 not of 224.0.0.0/24 (RFC 5771, RFC 4291).
+// Whether routers forward packets to or from the address: not unspecified, loopback or link-local,
+// for IPv6 multicast of a wider scope than the link, for IPv4 not of 224.0.0.0/24 (RFC 5771, RFC
+// 4291).
 bool isRoutable( Pelk::IpGenAddr const & address );
 
 // --- UDP (RFC 768) and VXLAN (RFC 7348, section 5)

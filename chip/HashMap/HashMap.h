@@ -1,4 +1,5 @@
-// The hash table of what is looked up for every frame: rules, VTEPs, VNIs, MAC addresses, routes.
+// The hash table for everything that each frame is looked up in: rules, VTEPs, VNIs, MAC addresses,
+// routes.
 #pragma once
 
 #include <functional>

@@ -1,8 +1,8 @@
 // One frame in the forms in which its copies leave: without VLAN tag, with it, in VXLAN.
 //
-// Each form is made when it is first asked for, at most once, and what came in that form already is
-// not copied. Copies into several tunnels share the inner frame: only the headers in front of it
-// are written again, so what enveloped() returns is valid until the next call.
+// Each form is made when it is first asked for, at most once, and a frame that came in that form
+// is not copied. Copies into several tunnels share the inner frame: only the headers in front of it
+// are written again, so the result of enveloped() is valid until the next call.
 #pragma once
 
 #include <Pipeline/Encapsulation.h>

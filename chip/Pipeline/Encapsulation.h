@@ -16,7 +16,7 @@ class OuterHeaders {
    static constexpr std::size_t kLargest =
       EthernetHeader::kUntagged + kIpv6Size + kUdpSize + kVxlanSize;
 
-   // What differs between frames.
+   // The fields that differ between frames.
    struct PerFrame {
       std::size_t innerSize = 0;
       U32 vni = 0;

@@ -25,7 +25,7 @@ class Pipeline::Engine {
  private:
    using Failure = std::optional< DropReason >;
 
-   // What is known of the frame under way, in the order in which it becomes known.
+   // The frame under way. The fields stand in the order in which they become known.
    struct Frame {
       Index unit = kNone;       // of arrival
       Index interface = kNone;  // of arrival

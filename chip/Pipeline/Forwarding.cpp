@@ -50,7 +50,7 @@ class Check {
    void checkInterface( InterfaceConfig const & intf ) {
       std::string const place = "interface " + intf.intfId.stringValue();
       if ( intf.intfId.isEmpty() || isPortChannel( intf.intfId ) ) {
-         refuse( place, "it is to have the name of a physical port, as in Ethernet1" );
+         refuse( place, "give it the name of a physical port, as in Ethernet1" );
       }
       if ( !interfaces_.try_emplace( intf.intfId, &intf ).second ) {
          refuse( place, "it comes twice" );
@@ -71,7 +71,7 @@ class Check {
    void checkPortChannel( PortChannelConfig const & portChannel ) {
       std::string const place = "port channel " + portChannel.intfId.stringValue();
       if ( !isPortChannel( portChannel.intfId ) ) {
-         refuse( place, "it is to have the name of one, as in Port-Channel1" );
+         refuse( place, "give it the name of one, as in Port-Channel1" );
       }
       if ( !portChannels_.insert( portChannel.intfId ).second ) {
          refuse( place, "it comes twice" );

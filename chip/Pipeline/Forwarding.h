@@ -1,11 +1,11 @@
-// How a switch forwards: everything that the packet pipeline is told from outside, but for the
-// rules of the field processor.
+// How a switch forwards: everything that the packet pipeline takes from outside, but for the rules
+// of the field processor.
 //
-// A plain value. Whoever knows the switch's state (interfaces, port channels, VLANs, tunnels)
-// builds it anew when any of that changes, and gives the whole of it to Pipeline::forwardingIs().
+// A plain value. The owner of the switch's state (interfaces, port channels, VLANs, tunnels) builds
+// it anew when any of that changes, and gives the whole of it to Pipeline::forwardingIs().
 // There is no order in which parts would have to change, and nothing is ever half applied.
 //
-// What it says, and what it leaves out:
+// Meaning and limits:
 //
 // - A bridge domain is a VLAN. One that is mapped to a VNI reaches over the tunnels; a VLAN that
 //   only interfaces name is bridged locally.
@@ -13,12 +13,12 @@
 //   channel, whose VLANs hold; their own do not. Underlay interfaces carry VXLAN between VTEPs and
 //   nothing else; a port channel can be one too.
 // - A tunnel is a remote VTEP from which frames are accepted, with the virtual port that stands for
-//   it in the chip. To which VTEPs flooded frames go is said for each VNI by itself.
+//   it in the chip. Each VNI has its own list of VTEPs to which flooded frames go.
 // - There is one routing table. A routed frame keeps its bridge domain as long as no host route
-//   takes it into another one; next hops, VRFs and the multicast distribution between VLANs are
-//   somebody else's.
+//   takes it into another one; there are no next hops, no VRFs and no
+//   multicast between VLANs.
 //
-// checkForwarding() says what a value must hold to be taken; the Pipeline calls it first.
+// checkForwarding() refuses a value that contradicts itself; the Pipeline calls it first.
 #pragma once
 
 #include <map>
@@ -79,8 +79,8 @@ struct TunnelConfig {
    friend bool operator==( TunnelConfig const &, TunnelConfig const & ) = default;
 };
 
-// Whether an access interface forwards what came through a tunnel for several receivers (RFC 7432,
-// section 8.5). Designated, unless it is said otherwise.
+// Whether an access interface forwards frames that came through a tunnel for several receivers (RFC
+// 7432, section 8.5). It does by default.
 struct DesignatedForwarderConfig {
    bool allVlans = true;
    std::map< Vlan, bool > perVlan{};  // stands above allVlans
@@ -89,7 +89,7 @@ struct DesignatedForwarderConfig {
                            DesignatedForwarderConfig const & ) = default;
 };
 
-// Where a host is, for frames that are routed to it.
+// The VLAN and MAC address of a host, for frames that are routed to it.
 struct HostRoute {
    Vlan vlan = 0;
    MacAddress mac{};
@@ -98,8 +98,8 @@ struct HostRoute {
 };
 
 struct ForwardingConfig {
-   // What the switch is called: its own VTEP addresses, and the MAC address to which hosts send
-   // what is to be routed.
+   // The switch's own addresses: those of its VTEP, and the MAC address to which hosts send frames
+   // for the router.
    std::optional< Pelk::IpGenAddr > vtepIpv4{};
    std::optional< Pelk::IpGenAddr > vtepIpv6{};
    MacAddress routerMac{ 0x020000000001 };
@@ -108,7 +108,7 @@ struct ForwardingConfig {
    std::vector< PortChannelConfig > portChannels{};
    std::map< Pelk::IntfId, DesignatedForwarderConfig > designatedForwarder{};
    // The remote VTEPs that are attached to the Ethernet segment of an interface or port channel as
-   // well. Of an interface that is not there, or a VTEP without tunnel, this says nothing.
+   // well. An interface that does not exist and a VTEP without tunnel are ignored.
    std::map< Pelk::IntfId, std::set< Pelk::IpGenAddr > > sharedWith{};
 
    std::map< Vlan, Vni > vlanToVni{};
@@ -122,12 +122,12 @@ struct ForwardingConfig {
    friend bool operator==( ForwardingConfig const &, ForwardingConfig const & ) = default;
 };
 
-// Throws Quelm::Error, naming the place and what would be right, unless
+// Throws Quelm::Error, naming the place and the remedy, unless
 // - interfaces and port channels are called by different names of their kind, none lies where
 //   another does, and logical ports are below 352;
 // - the members of a port channel are interfaces, no underlay, and in no other port channel;
 // - VLANs and VNIs are in their ranges, no VLAN is tagged and untagged at once, no VNI has two
-//   VLANs, and what is underlay has no VLANs;
+//   VLANs, and underlay interfaces have no VLANs;
 // - designated-forwarder state is of an interface or port channel with VLANs;
 // - own VTEP addresses have the family of their place, remote ones are not the own ones, tunnels
 //   lead over underlay interfaces, and flood lists are of VNIs that a VLAN is mapped to;

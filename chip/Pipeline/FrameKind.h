@@ -1,5 +1,5 @@
-// What the forwarding decision makes of a frame, and the number by which the ingress field
-// processor knows it.
+// The kind of a frame, which the forwarding decision finds, and the number by which the ingress
+// field processor knows it.
 #pragma once
 
 #include <algorithm>
@@ -23,8 +23,8 @@ enum class FrameKind : U8 {
 struct FrameKindRow {
    FrameKind kind;
    std::string_view name;
-   // What the ingress field processor sees (PacketRes). The SDK and the shim name three of them;
-   // the others are this chip's own, and different from those and each other.
+   // The value that the ingress field processor sees (PacketRes). The SDK and the shim name three
+   // of them; the others are this chip's own, and different from those and each other.
    U32 packetResolution;
    bool isForSeveral;  // it may go to more than one receiver
 };

@@ -7,29 +7,29 @@
 //    tunnel          on underlay interfaces: the outer headers end here and say source VTEP,
 //                    source gport and bridge domain (RFC 7348); on access interfaces the VLAN does
 //    learning        the source address is where the frame came from, unless it is known on a
-//                    segment that the source VTEP shares; group addresses are nobody's
+//                    segment that the source VTEP shares; group addresses are not learned
 //    decision        FrameKind, and with it the packet resolution; routed frames get their new
 //                    addresses
 //    ingress rules   of the arrival's unit
 //    replication     to the bridge domain's interfaces but the arrival's, one member for each port
 //                    channel, and for frames from access interfaces to the VNI's flood list; known
-//                    unicast goes to one place. What came through a tunnel enters no other
+//                    unicast goes to one place. A frame from a tunnel enters no other one
 //    egress mask     of the winning ingress rule, by logical port
 //    egress rules    of the port's unit: module id and logical port, IP type of the frame itself,
 //                    class id that the ingress rule has set
-//    designation     of the interface, for what came through a tunnel and may go to several
+//    designation     of the interface, for frames from a tunnel that may go to several
 //    out             with or without VLAN tag, or in VXLAN
 //
-// A frame for a port of another unit crosses the fabric together with what its tunnel has said, and
-// meets that unit's own ingress rules there. Mask and class id hold for the ports of the unit whose
-// rule has set them, and for no other.
+// A frame for a port of another unit crosses the fabric together with the fields that its tunnel
+// has set, and meets that unit's own ingress rules there. Mask and class id hold for the ports of
+// the unit whose rule has set them, and for no other.
 //
 // Simplifications. Known L3 multicast is delivered to its bridge domain as multicast is, unchanged:
-// what it has of its own is the packet resolution. Addresses do not age. A routed frame goes to
+// only its packet resolution is its own. Addresses do not age. A routed frame goes to
 // hosts whose MAC address has been learned, and is never flooded. Outer UDP checksums are neither
 // made nor verified (RFC 7348, section 5: zero is sent; RFC 6935 for IPv6).
 //
-// Nothing in a frame can make this fail: what is malformed is dropped and counted by its reason,
+// Nothing in a frame can make this fail: a malformed frame is dropped and counted by its reason,
 // and no byte past a frame's end is read. The one failure is forwardingIs() with a value that
 // contradicts itself.
 //
@@ -56,8 +56,9 @@
 
 namespace Chip {
 
-// Takes what leaves the switch. The bytes are valid during the call, which gives nothing to the
-// same pipeline and changes no rules; what is to come back is kept until the frame is through.
+// Takes the frames that leave the switch. The bytes are valid during the call. The call gives no
+// frame to the same pipeline and changes no rules; a frame that comes back is kept until this one
+// is through.
 class Transmitter {
  public:
    virtual void transmit( VornalTypes::VornalPort port, std::span< U8 const > frame ) = 0;
@@ -89,14 +90,14 @@ class Pipeline {
    // In bytes, without the frame check sequence: jumbo frames and their outer headers.
    static constexpr std::size_t kLargestFrame = 9600;
 
-   // The units outlive the pipeline. It forwards nothing until it is told how.
+   // The units outlive the pipeline. It forwards nothing before the first forwardingIs().
    explicit Pipeline( Units const & units );
    Pipeline( Pipeline const & ) = delete;
    Pipeline & operator=( Pipeline const & ) = delete;
    ~Pipeline();
 
-   // Forwards like this from now on. What has been learned stays where the interface or tunnel is
-   // still there and the VLAN still reaches it. Throws Quelm::Error, and goes on as before, when
+   // Forwards like this from now on. A learned address stays if its interface or tunnel is still
+   // there and the VLAN still reaches it. Throws Quelm::Error, and goes on as before, when
    // checkForwarding() does or an interface is of a unit that does not exist.
    void forwardingIs( ForwardingConfig const & config );
    ForwardingConfig const & forwarding() const;

@@ -13,7 +13,7 @@ enum class DropReason : U8 {
    // --- Arrival
    UnknownPort,       // no interface of this switch
    FrameTooShort,     // shorter than its Ethernet header
-   UnderlayNotIp,     // an outer EtherType other than IPv4 and IPv6; ARP and VLAN tags are such
+   UnderlayNotIp,     // an outer EtherType other than IPv4 and IPv6, as of ARP and VLAN tags
    OuterTruncated,    // ends before its outer headers say so, or within them
    OuterBadHeader,    // an outer IP header of the wrong version or length
    OuterBadChecksum,  // of the outer IPv4 header
@@ -45,7 +45,7 @@ enum class DropReason : U8 {
 inline constexpr std::size_t kDropReasons =
    static_cast< std::size_t >( DropReason::UnknownHost ) + 1;
 
-// What became of one copy. The first that applies, in the order of the pipeline.
+// The fate of one copy. The first that applies, in the order of the pipeline.
 enum class Verdict : U8 {
    Sent,
    Arrival,        // the frame came from there

@@ -1,5 +1,5 @@
-// What a router does to a unicast frame that was sent to its MAC address (RFC 1812, section 5.2;
-// RFC 8200): it finds the host's bridge domain and MAC address, and counts the frame down.
+// Routing of a unicast frame that was sent to the router's MAC address (RFC 1812, section 5.2; RFC
+// 8200): the router finds the host's bridge domain and MAC address, and counts the frame down.
 #pragma once
 
 #include <Frames/Headers.h>

@@ -32,7 +32,7 @@ void RuleCheck::applyActions( EntryContent const & rule, IngressResult & result 
    }
    auto const & select = rule[ Action::EgressClassSelect ];
    auto const & classId = rule[ Action::NewClassId ];
-   // A new class id counts only when it is what egress rules are to see.
+   // A new class id counts only when it is selected as the class that egress rules see.
    if ( select && select->param0 == BCM_FIELD_EGRESS_CLASS_SELECT_NEW && classId ) {
       result.classId = static_cast< U16 >( classId->param0 );
    }

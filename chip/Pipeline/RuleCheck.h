@@ -1,4 +1,4 @@
-// What the field processors of all units say about one frame.
+// One frame, checked by the rules of all units.
 //
 // Each unit that the frame meets makes one ingress lookup, when it is first asked: the arrival's
 // always, another's when a copy is for one of its ports. Its mask and class id hold for copies to
@@ -21,7 +21,7 @@ class RuleCheck {
    Verdict judge( VornalTypes::VornalPort port, std::optional< RuleKey > & rule );
 
  private:
-   // The unit's winner, with what it does to copies.
+   // The unit's winner, with the actions that concern copies.
    struct IngressResult {
       bool isLookedUp = false;
       std::optional< RuleKey > rule{};

@@ -1,8 +1,8 @@
-// What happened to one frame: where it came from, what it was, and what became of it at every port
-// that was considered, with the rule that decided where a rule did.
+// The story of one frame: where it came from, its kind, and its fate at every port that was
+// considered, with the rule if one decided.
 //
-// The pipeline fills one story and uses it again for the next frame. Whoever wants to keep it makes
-// a copy.
+// The pipeline fills one story and uses it again for the next frame. To keep it, make a
+// copy.
 #pragma once
 
 #include <array>
@@ -38,7 +38,7 @@ struct IpStory {
    friend bool operator==( IpStory const &, IpStory const & ) = default;
 };
 
-// The frame itself: what a host has sent.
+// The frame itself, as a host has sent it.
 struct InnerStory {
    MacAddress source{};
    MacAddress destination{};
@@ -49,7 +49,7 @@ struct InnerStory {
    friend bool operator==( InnerStory const &, InnerStory const & ) = default;
 };
 
-// What the ingress lookup of one unit has given.
+// The result of one unit's ingress lookup.
 struct IngressStory {
    U16 unit = 0;
    std::optional< RuleKey > rule{};  // the winner

@@ -2,7 +2,7 @@
 // hash table, nothing by name.
 //
 // Built as a whole, then never changed. Indices mean something together with the tables they are
-// from; MacTable.h says how what was learned gets from old tables into new ones.
+// from; MacTable.h says how learned addresses get from old tables into new ones.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ namespace Chip {
 using Index = U16;
 inline constexpr Index kNone = std::numeric_limits< Index >::max();
 
-// What forwards: a port channel, or a physical port that is in none.
+// A port channel, or a physical port that is in none.
 struct ForwardingInterface {
    Pelk::IntfId intfId{};
    std::vector< VornalTypes::VornalPort > ports{};
@@ -58,7 +58,7 @@ struct Route {
    MacAddress mac{};
 };
 
-// A unit of the switch, with what lies at each of its ports.
+// A unit of the switch, with the interface at each of its ports.
 struct UnitTables {
    U16 number = 0;
    U16 modId = 0;

@@ -22,7 +22,7 @@ bool isOwnVtep( Tables const & tables, Pelk::IpGenAddr const & address ) {
    return address == tables.config.vtepIpv4 || address == tables.config.vtepIpv6;
 }
 
-// What UDP carries, without the bytes behind its end; VXLAN is all that is accepted.
+// The payload of UDP, without the bytes behind its end. No port but VXLAN's is accepted.
 Failure readUdp( IpHeader const & ip, Bytes datagram, Bytes & payload ) {
    if ( ip.isFragment ) {
       return DropReason::OuterFragment;

@@ -19,8 +19,8 @@ struct Terminated {
    Index domain = kNone;
 };
 
-// None when the frame ends here, or why it goes no further. The story gets what was read on the
-// way.
+// None when the tunnel ends here, or why the frame goes no further. The story gets the fields read
+// on the way.
 std::optional< DropReason > terminate( Tables const & tables, Bytes frame, Terminated & result,
                                        std::optional< TunnelStory > & story );
 

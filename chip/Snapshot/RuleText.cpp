@@ -22,7 +22,8 @@ std::string partText( Qualifier qualifier, EntryContent const & content ) {
 // An action without parameters is told by its name alone.
 std::string partText( Action action, EntryContent const & content ) {
    std::string const name( nameOf( action ) );
-   return action == Action::Drop ? name : name + " " + valueText( action, content[ action ] );
+   bool const isBare = rowOf( action ).parameters == ParametersUsed::None;
+   return isBare ? name : name + " " + valueText( action, content[ action ] );
 }
 
 // The parts that the content has.

@@ -1,8 +1,8 @@
 // The rules of all units at one moment, as values that stay when the chip goes on: for dumps, and
-// for telling what a step has changed.
+// for the changes of a step.
 //
-// A rule shows its written copy once it is installed, and its staged copy before that. What is
-// staged on top of an installed rule does not show until it is written.
+// A rule shows its written copy once it is installed, and its staged copy before that. Changes
+// staged on top of an installed rule do not show until they are written.
 //
 // Taken on the thread that makes field calls, or while none is under way.
 #pragma once
@@ -42,7 +42,7 @@ struct RuleChanges {
    bool isEmpty() const { return added.empty() && changed.empty() && removed.empty(); }
 };
 
-// What has to happen to `before` to become `after`, two snapshots of the same units.
+// The changes that turn `before` into `after`, two snapshots of the same units.
 RuleChanges changesBetween( Rules const & before, Rules const & after );
 
 }  // namespace Chip

@@ -6,10 +6,10 @@
 // - the unit or the entry is unknown: UnknownUnit, UnknownEntry;
 // - the entry's group does not have the qualifier or action: Unsupported;
 // - the action is staged already: Exists. A second qualifier of a field replaces the first;
-// - a value cannot be meant: BadValue. That is a gport that is not a VXLAN virtual port's, an IP
+// - a value cannot be meant: BadValue. Such are a gport that is not a VXLAN virtual port's, an IP
 //   type or an action that the SDK does not define, an egress class selection other than "new", a
 //   class id of more than 16 bits;
-// - what is to be read back has not been written: NotFound.
+// - the hardware does not have the qualifier or action to be read back: NotFound.
 //
 // Values of this release: the packet resolution of known L3 multicast is 12; gports are made as in
 // Gport.h; the exact-match mask of a gport and of an IP type is all ones, and IP type "any" matches

@@ -1,6 +1,6 @@
 // The entry manager of one field-processor group, over all units of the software chip.
 //
-// What its base class promises (VornalTcam/EntryManager.h), and beyond it:
+// The contract of the base class (VornalTcam/EntryManager.h), and beyond it:
 //
 // - The `exhausted` flag of a unit says that a request has been refused since room was last made
 //   there. A request that is refused sets it; a release, or another user giving back, clears it
@@ -11,11 +11,10 @@
 // - The priority is staged like qualifiers and actions, and in force from the next (re)install on.
 // - addEgressMaskAction on an entry that has a mask changes nothing, and so does
 //   updateEgressMaskAction on one that has none, and any operation on an unknown unit or entry.
-//   Operations that return nothing tell only the observer what became of them.
+//   Operations that return nothing tell their result only to the observer.
 // - Request keys are not kept: every request is for a new entry. The observer is told of a key that
 //   is not empty, as the request's value "key".
-// - Request keys are not kept: every request is for a new entry.
-// - A call that is to fail (Calls/Faults.h) changes nothing.
+// - A call that a fault lets fail (Calls/Faults.h) changes nothing.
 //
 // Every operation of the base class is told to the observer, before the flag that it changes is
 // notified.
@@ -35,7 +34,7 @@ class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
    KIV_QUERY( U32, used, ( U32 unit ) )
    KIV_QUERY( U32, foreignEntries, ( U32 unit ) )
    // Other users hold `count` entries on the unit from now on, or as many as there is room for.
-   // What they hold then.
+   // Returns how many they hold then.
    KIV_OPERATION( U32, foreignEntriesIs, ( U32 unit, U32 count ) )
 
    // Units, observer and faults are not owned and outlive the manager; the latter two may be
@@ -59,7 +58,7 @@ class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
 
  private:
    Group * groupOn( U32 unit ) const { return units_.group( unit, group() ); }
-   // The result code of what `name` does to the group, or to the entry.
+   // The result code of the operation `name` on the group, or on the entry.
    template< typename Operation >
    S32 onGroup( std::string_view name, U32 unit, Operation operation );
    template< typename Operation >

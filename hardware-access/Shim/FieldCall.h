@@ -37,7 +37,7 @@ namespace Shim {
 // The trace handle "ApiVornal".
 Trace::Handle const & apiTrace();
 
-// The field call under way on the activity thread, for shims that record what is called; nullptr
+// The field call under way on the activity thread, for shims that record calls; nullptr
 // between calls.
 struct FieldCall;
 extern FieldCall const * fieldCallUnderWay_;

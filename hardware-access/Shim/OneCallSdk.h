@@ -1,8 +1,7 @@
 // A shim whose field calls all come to one function.
 //
-// A recorder, a counter, a shim that lets calls fail: each treats all field calls alike, whatever
-// their operation. It derives from OneCallSdk and implements make(), which takes the call as
-// values.
+// A recorder, a counter, a shim that lets calls fail: each treats all field calls alike. It derives
+// from OneCallSdk and implements make(), which takes the call as values.
 //
 //    class Counter final : public Shim::OneCallSdk {
 //       S32 make( Shim::Call & call ) override {
@@ -69,8 +68,8 @@ class CallValues {
    std::size_t size_ = 0;
 };
 
-// One field call. At first it has the values that are passed; whoever reads back adds what was
-// read, and adds nothing when the call has failed.
+// One field call. At first it has the values that are passed. A shim that reads back adds the
+// values read; it adds none when the call fails.
 struct Call {
    FieldOperation operation;
    U32 unit;
@@ -283,7 +282,7 @@ class OneCallSdk : public Sdk {
    }
 
  private:
-   // Makes the call; a pointer is for a value that is read back, and left alone when none is.
+   // Makes the call. A pointer takes a value that is read back, and is left alone when none is.
    template< typename... Arguments >
    S32 pass( FieldOperation operation, U32 unit, U32 entry, Arguments... arguments ) {
       Call call{ operation, unit, entry };

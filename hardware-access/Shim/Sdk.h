@@ -27,7 +27,7 @@ enum bcm_field_action_t : U32 {
    bcmFieldActionEgressClassSelect,
 };
 
-// What bcmFieldActionEgressClassSelect selects as the class that the egress field processor sees.
+// The class that bcmFieldActionEgressClassSelect lets the egress field processor see.
 enum : U32 {
    BCM_FIELD_EGRESS_CLASS_SELECT_NEW = 1,  // the class set by bcmFieldActionNewClassId
 };

@@ -6,7 +6,7 @@
 //
 // A field call returns a result code: negative is failure, zero and positive are success. Plug-ins
 // do not look at it themselves but make every field call through SDK_FIELD_CALL (Shim/FieldCall.h),
-// which is also what announces the call by beforeFieldCall() and stops the process when it fails.
+// which also announces the call by beforeFieldCall() and stops the process when it fails.
 //
 // Qualifiers and actions change the staged copy of an entry; the entry managers (VornalTcam/) write
 // it to the hardware. A qualifier states data and mask, those of source gport and IP type a value

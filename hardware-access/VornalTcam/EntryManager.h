@@ -1,11 +1,11 @@
-// TCAM entry managers: who hands out, writes and takes back the entries of a field-processor group.
+// TCAM entry managers: they hand out, write and take back the entries of a field-processor group.
 //
 // The life of an entry, on one unit:
 //
 //    getEntry       the entry exists, in the group and empty; no frame can match it
 //    qualifiers and actions are added: through the shim, or as an egress mask through the manager
 //    setPriorityForEntry   where the rule has a priority
-//    installEntry   what has been added is written to the hardware
+//    installEntry   the entry is written to the hardware
 //    reinstallEntry a changed entry is written again
 //    releaseEntry   the entry leaves the hardware, and its room can be used again
 //
@@ -13,8 +13,9 @@
 // unit's `exhausted` flag is then set, and a release that makes room clears it; both are notified.
 // Ids are never 0, and releasing id 0 does nothing. installEntry and reinstallEntry return the
 // SDK's code; anything but the shim's success code is failure. An egress mask is staged by the add
-// and update operations and in force once the entry is (re)installed. Whether an id is used again,
-// and what an unknown id or a failed install comes to, each agent's managers say for themselves.
+// and update operations and in force once the entry is (re)installed. Each agent's managers
+// say for themselves whether an id is used again, and how they treat an unknown id or a failed
+// install.
 //
 // Precedence within a group: the highest priority wins, and between equals the entry obtained
 // first. An entry whose priority was never set has the group's default priority, above all set
@@ -36,7 +37,7 @@ using TcamGroupAssignment = U8;
 constexpr TcamGroupAssignment kIfpLocalBiasGroup = 157;  // ingress
 constexpr TcamGroupAssignment kEfpLocalBiasGroup = 45;   // egress
 
-// What getEgressMaskActionPbmp read back.
+// The result of getEgressMaskActionPbmp.
 class EgressMaskResult {
  public:
    EgressMaskResult( S32 rc, _shr_pbmp const & pbmp ) : rc_( rc ), pbmp_( pbmp ) {}

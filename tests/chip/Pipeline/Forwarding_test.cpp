@@ -22,18 +22,17 @@ std::string refusal( std::function< void( ForwardingConfig & ) > const & change 
    return "";
 }
 
-TEST( Forwarding, isTakenWhenItHolds ) {
+TEST( Forwarding, IsTakenWhenItHolds ) {
    EXPECT_EQ( refusal( []( ForwardingConfig & ) {} ), "" );
    EXPECT_EQ( refusal( []( ForwardingConfig & config ) { config = {}; } ), "" );
 }
 
-TEST( Forwarding, interfacesHaveNamesAndPlacesOfTheirOwn ) {
-   EXPECT_EQ(
-      refusal( []( auto & config ) { config.interfaces[ 0 ].intfId = {}; } ),
-      "forwarding: interface : it is to have the name of a physical port, as in Ethernet1" );
+TEST( Forwarding, InterfacesHaveNamesAndPlacesOfTheirOwn ) {
+   EXPECT_EQ( refusal( []( auto & config ) { config.interfaces[ 0 ].intfId = {}; } ),
+              "forwarding: interface : give it the name of a physical port, as in Ethernet1" );
    EXPECT_EQ( refusal(
                  []( auto & config ) { config.interfaces[ 0 ].intfId = intf( "Port-Channel3" ); } ),
-              "forwarding: interface Port-Channel3: it is to have the name of a physical port, as "
+              "forwarding: interface Port-Channel3: give it the name of a physical port, as "
               "in Ethernet1" );
    EXPECT_EQ( refusal(
                  []( auto & config ) { config.interfaces[ 1 ].intfId = intf( "Ethernet1" ); } ),
@@ -47,10 +46,10 @@ TEST( Forwarding, interfacesHaveNamesAndPlacesOfTheirOwn ) {
               "forwarding: interface Ethernet1: the switch has no unit 2" );
 }
 
-TEST( Forwarding, portChannelsHaveMembersOfTheirOwn ) {
+TEST( Forwarding, PortChannelsHaveMembersOfTheirOwn ) {
    EXPECT_EQ( refusal(
                  []( auto & config ) { config.portChannels[ 0 ].intfId = intf( "Ethernet9" ); } ),
-              "forwarding: port channel Ethernet9: it is to have the name of one, as in "
+              "forwarding: port channel Ethernet9: give it the name of one, as in "
               "Port-Channel1" );
    EXPECT_EQ( refusal( []( auto & config ) {
                  config.portChannels.push_back( config.portChannels[ 0 ] );
@@ -73,7 +72,7 @@ TEST( Forwarding, portChannelsHaveMembersOfTheirOwn ) {
               "Port-Channel1 already" );
 }
 
-TEST( Forwarding, vlansAndVnisAreInTheirRanges ) {
+TEST( Forwarding, VlansAndVnisAreInTheirRanges ) {
    EXPECT_EQ( refusal( []( auto & config ) { config.interfaces[ 0 ].vlans.untagged = 4095; } ),
               "forwarding: interface Ethernet1: there is no VLAN 4095; VLANs are 1 to 4094" );
    EXPECT_EQ( refusal( []( auto & config ) { config.portChannels[ 0 ].vlans.tagged = { 0 }; } ),
@@ -92,7 +91,7 @@ TEST( Forwarding, vlansAndVnisAreInTheirRanges ) {
               "forwarding: VLAN 20: VNI 10100 is that of VLAN 10 already" );
 }
 
-TEST( Forwarding, designationIsOfAccessInterfaces ) {
+TEST( Forwarding, DesignationIsOfAccessInterfaces ) {
    EXPECT_EQ( refusal(
                  []( auto & config ) { config.designatedForwarder[ intf( "Ethernet49" ) ]; } ),
               "forwarding: designated forwarder on 'Ethernet49': it is neither an access interface "
@@ -111,7 +110,7 @@ TEST( Forwarding, designationIsOfAccessInterfaces ) {
               "nor mapped to a VNI" );
 }
 
-TEST( Forwarding, tunnelsLeadToOthersOverUnderlayInterfaces ) {
+TEST( Forwarding, TunnelsLeadToOthersOverUnderlayInterfaces ) {
    EXPECT_EQ( refusal( []( auto & config ) { config.vtepIpv4 = kLeaf1v6; } ),
               "forwarding: own IPv4 VTEP address: 2001:db8::1 is of the other family" );
    EXPECT_EQ( refusal( []( auto & config ) { config.vtepIpv6 = ip( "fe80::1" ); } ),
@@ -128,7 +127,7 @@ TEST( Forwarding, tunnelsLeadToOthersOverUnderlayInterfaces ) {
               "forwarding: flood list of VNI 10100: 10.0.0.1 is this switch itself" );
 }
 
-TEST( Forwarding, routesLeadIntoVlansOfTheSwitch ) {
+TEST( Forwarding, RoutesLeadIntoVlansOfTheSwitch ) {
    EXPECT_EQ( refusal( []( auto & config ) {
                  config.hostRoutes[ ip( "192.0.2.1" ) ] = { 30, kHost1 };
               } ),
