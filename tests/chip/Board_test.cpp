@@ -22,7 +22,7 @@ std::string refusal( BoardConfig const & config ) {
    return "no refusal";
 }
 
-TEST( Board, hasTheUnitsAndGroupsOfItsDescription ) {
+TEST( Board, HasTheUnitsAndGroupsOfItsDescription ) {
    Board board( { { { 0, 0, { { kIfp, 3 } } }, { 7, 4, { { kIfp, 5 }, { kEfp, 6 } } } } } );
    Chip::Unit const * const unit7 = board.units().unit( 7 );
    ASSERT_TRUE( unit7 );
@@ -33,26 +33,26 @@ TEST( Board, hasTheUnitsAndGroupsOfItsDescription ) {
    EXPECT_EQ( board.entryManager( kEfp )->capacity( 7 ), 6U );
 }
 
-TEST( Board, aGroupThatAUnitLacksHasNoRoomThere ) {
+TEST( Board, AGroupThatAUnitLacksHasNoRoomThere ) {
    Board board( { { { 0, 0, { { kIfp, 3 } } }, { 1, 4, { { kEfp, 3 } } } } } );
    EXPECT_EQ( board.entryManager( kEfp )->getEntry( 0, "drop", {} ), 0U );
    EXPECT_EQ( board.entryManager( kEfp )->capacity( 0 ), 0U );
    EXPECT_NE( board.entryManager( kEfp )->getEntry( 1, "drop", {} ), 0U );
 }
 
-TEST( Board, hasNoManagerForAGroupThatNoUnitHas ) {
+TEST( Board, HasNoManagerForAGroupThatNoUnitHas ) {
    Board board( { { { 0, 0, { { kIfp, 3 } } } } } );
    EXPECT_FALSE( board.entryManager( kEfp ) );
    EXPECT_FALSE( board.groupManager()->unboundedEntryManager( kEfp ) );
 }
 
-TEST( Board, aUnitHasRoomFor256EntriesInEachGroupUnlessItSaysOtherwise ) {
+TEST( Board, AUnitHasRoomFor256EntriesInEachGroupUnlessItSaysOtherwise ) {
    Board board( { { { .number = 0, .modId = 0 } } } );
    EXPECT_EQ( board.entryManager( kIfp )->capacity( 0 ), 256U );
    EXPECT_EQ( board.entryManager( kEfp )->capacity( 0 ), 256U );
 }
 
-TEST( Board, aBoardKnowsNothingOfAnother ) {
+TEST( Board, ABoardKnowsNothingOfAnother ) {
    TwoUnitSwitch leaf1;
    TwoUnitSwitch leaf2;
    leaf1.fromVtep( 0, kVtep2 );
@@ -60,7 +60,7 @@ TEST( Board, aBoardKnowsNothingOfAnother ) {
    EXPECT_EQ( leaf2.fromVtep( 0, kVtep3 ), 1U );
 }
 
-TEST( Board, saysWhatIsWrongWithADescription ) {
+TEST( Board, SaysWhatIsWrongWithADescription ) {
    EXPECT_EQ( refusal( { { { 0, 0, { { 7, 3 } } } } } ),
               "unit 0: there is no field-processor group 7; known are 157 (ingress) and 45 "
               "(egress)" );

@@ -69,51 +69,51 @@ class Captures : public testing::Test {
    fs::path const file;
 };
 
-TEST_F( Captures, givesBackWhatWasWritten ) {
+TEST_F( Captures, GivesBackWhatWasWritten ) {
    std::vector< ByteList > const frames{ ByteList( 60, 1 ), {}, ByteList( 9600, 2 ) };
    writeFrames( frames );
    EXPECT_EQ( framesOf( file ), frames );
 }
 
-TEST_F( Captures, keepsTimesToTheNanosecond ) {
+TEST_F( Captures, KeepsTimesToTheNanosecond ) {
    writeFrames( { ByteList( 60 ) } );
    EXPECT_EQ( Chip::CaptureReader( file ).next()->timestamp, 1700000000s + 5ns );
 }
 
-TEST_F( Captures, readsRealOnes ) {
+TEST_F( Captures, ReadsRealOnes ) {
    fs::path const captures = VORNAL_SOURCE_DIR "/scenarios/captures";
    EXPECT_EQ( framesOf( captures / "fabric-v4.pcap" ).size(), 119U );
    EXPECT_EQ( framesOf( captures / "fabric-v6.pcap" ).size(), 114U );
 }
 
-TEST_F( Captures, refusesAFileThatIsNotThere ) {
+TEST_F( Captures, RefusesAFileThatIsNotThere ) {
    EXPECT_EQ( refusal(), "capture FILE: No such file or directory" );
 }
 
-TEST_F( Captures, refusesAFolder ) {
+TEST_F( Captures, RefusesAFolder ) {
    fs::create_directory( file );
    EXPECT_EQ( refusal(), "capture FILE: error reading dump file: Is a directory" );
 }
 
-TEST_F( Captures, refusesAnEmptyFile ) {
+TEST_F( Captures, RefusesAnEmptyFile ) {
    writeText( "" );
    EXPECT_EQ( refusal(),
               "capture FILE: truncated dump file; tried to read 4 file header bytes, only got 0" );
 }
 
-TEST_F( Captures, refusesAFileOfSomethingElse ) {
+TEST_F( Captures, RefusesAFileOfSomethingElse ) {
    writeText( "name: start-up\nvariant: egress-mask\n" );
    EXPECT_EQ( refusal(), "capture FILE: unknown file format" );
 }
 
-TEST_F( Captures, refusesFramesOfSomethingElse ) {
+TEST_F( Captures, RefusesFramesOfSomethingElse ) {
    writeFrames( { ByteList( 60 ) } );
    std::streamoff const linkType = 20;
    byteIs( linkType, 113 );
    EXPECT_EQ( refusal(), "capture FILE: its frames are of link type LINUX_SLL, not Ethernet" );
 }
 
-TEST_F( Captures, refusesAFrameThatTheFileEndsWithin ) {
+TEST_F( Captures, RefusesAFrameThatTheFileEndsWithin ) {
    writeFrames( { ByteList( 60 ), ByteList( 60 ) } );
    fs::resize_file( file, fs::file_size( file ) - 1 );
    EXPECT_EQ( refusal(),
@@ -121,7 +121,7 @@ TEST_F( Captures, refusesAFrameThatTheFileEndsWithin ) {
               "bytes, only got 59" );
 }
 
-TEST_F( Captures, refusesAFrameThatWasNotCapturedWhole ) {
+TEST_F( Captures, RefusesAFrameThatWasNotCapturedWhole ) {
    writeFrames( { ByteList( 60 ) } );
    std::streamoff const lengthOnTheWire = 24 + 12;
    byteIs( lengthOnTheWire, 100 );
@@ -147,7 +147,7 @@ std::string pcapngAt( U64 microseconds ) {
    return file;
 }
 
-TEST_F( Captures, keepTimesToTheEndOfWhatNanosecondsCanTell ) {
+TEST_F( Captures, KeepTimesToTheEndOfWhatNanosecondsCanTell ) {
    U64 const microsecond = 1000000;
    U64 const last = 9223372035 * microsecond;
    writeText( pcapngAt( last ) );
@@ -161,7 +161,7 @@ TEST_F( Captures, keepTimesToTheEndOfWhatNanosecondsCanTell ) {
    }
 }
 
-TEST_F( Captures, refuseTimesThatAPcapFileHasNoRoomFor ) {
+TEST_F( Captures, RefuseTimesThatAPcapFileHasNoRoomFor ) {
    Chip::CaptureWriter writer( file );
    writer.write( 2147483647s, ByteList( 60 ) );
    for ( auto const time : { 2147483648s, -1s } ) {
@@ -179,7 +179,7 @@ TEST_F( Captures, refuseTimesThatAPcapFileHasNoRoomFor ) {
    EXPECT_EQ( Chip::CaptureReader( file ).next()->timestamp, 2147483647s );
 }
 
-TEST_F( Captures, refusesToWriteWhereNothingCanBe ) {
+TEST_F( Captures, RefusesToWriteWhereNothingCanBe ) {
    fs::create_directory( file );
    try {
       Chip::CaptureWriter const writer( file );
@@ -189,7 +189,7 @@ TEST_F( Captures, refusesToWriteWhereNothingCanBe ) {
    }
 }
 
-TEST_F( Captures, tellsWhenTheDiskIsFull ) {
+TEST_F( Captures, TellsWhenTheDiskIsFull ) {
    try {
       Chip::CaptureWriter const writer( "/dev/full" );
       FAIL() << "a full disk was written";
@@ -201,7 +201,7 @@ TEST_F( Captures, tellsWhenTheDiskIsFull ) {
 }
 
 // A limit on the size of files stands in for a disk that fills up.
-TEST_F( Captures, endWithAWholeFrameWhenTheDiskFillsUp ) {
+TEST_F( Captures, EndWithAWholeFrameWhenTheDiskFillsUp ) {
    signal( SIGXFSZ, SIG_IGN );
    rlimit const room{ 300, RLIM_INFINITY };
    setrlimit( RLIMIT_FSIZE, &room );
@@ -224,7 +224,7 @@ TEST_F( Captures, endWithAWholeFrameWhenTheDiskFillsUp ) {
    EXPECT_EQ( framesOf( file ), std::vector( taken, ByteList( 60 ) ) );
 }
 
-TEST_F( Captures, holdWhatWasFlushedWhateverBecomesOfTheProcess ) {
+TEST_F( Captures, HoldWhatWasFlushedWhateverBecomesOfTheProcess ) {
    EXPECT_EXIT(
       {
          Chip::CaptureWriter writer( file );
@@ -237,7 +237,7 @@ TEST_F( Captures, holdWhatWasFlushedWhateverBecomesOfTheProcess ) {
    EXPECT_EQ( framesOf( file ).size(), 1U );
 }
 
-TEST_F( Captures, ofPortsAreFilesOfTheirOwn ) {
+TEST_F( Captures, OfPortsAreFilesOfTheirOwn ) {
    Chip::PortCaptures captures( folder );
    VornalTypes::VornalPort const five( 0, 5 );
    VornalTypes::VornalPort const three( 1, 3, 4 );

@@ -43,7 +43,7 @@ std::string refusal( FrameFields const & fields ) {
    return "";
 }
 
-TEST( Frames, udpHasAllFieldsOverIpv4 ) {
+TEST( Frames, UdpHasAllFieldsOverIpv4 ) {
    FrameFields fields = udp( "192.0.2.1", "192.0.2.255" );
    fields.timeToLive = 8;
    fields.sourcePort = 1;
@@ -61,7 +61,7 @@ TEST( Frames, udpHasAllFieldsOverIpv4 ) {
    EXPECT_EQ( frame.rfind_pdu< Tins::RawPDU >().payload(), ( std::vector< U8 >{ 0, 1, 2 } ) );
 }
 
-TEST( Frames, udpHasAllFieldsOverIpv6 ) {
+TEST( Frames, UdpHasAllFieldsOverIpv6 ) {
    FrameFields fields = udp( "2001:db8:100::1", "2001:db8:100::2" );
    fields.timeToLive = 8;
    Tins::EthernetII const frame = read( bytesOf( fields ) );
@@ -71,7 +71,7 @@ TEST( Frames, udpHasAllFieldsOverIpv6 ) {
    EXPECT_EQ( header.hop_limit(), 8 );
 }
 
-TEST( Frames, aVlanTagGoesInFront ) {
+TEST( Frames, AVlanTagGoesInFront ) {
    FrameFields fields = udp( "192.0.2.1", "192.0.2.2" );
    fields.vlan = 10;
    Tins::EthernetII const frame = read( bytesOf( fields ) );
@@ -79,7 +79,7 @@ TEST( Frames, aVlanTagGoesInFront ) {
    EXPECT_EQ( frame.rfind_pdu< Tins::IP >().dst_addr().to_string(), "192.0.2.2" );
 }
 
-TEST( Frames, arpAsksForTheDestination ) {
+TEST( Frames, ArpAsksForTheDestination ) {
    FrameFields fields = udp( "192.0.2.1", "192.0.2.2" );
    fields.content = FrameContent::Arp;
    Tins::EthernetII const frame = read( bytesOf( fields ) );
@@ -90,7 +90,7 @@ TEST( Frames, arpAsksForTheDestination ) {
    EXPECT_EQ( arp.sender_hw_addr().to_string(), "00:00:5e:00:53:01" );
 }
 
-TEST( Frames, neighbourSolicitationAsksForTheDestination ) {
+TEST( Frames, NeighbourSolicitationAsksForTheDestination ) {
    FrameFields fields = udp( "2001:db8:100::1", "2001:db8:100::2" );
    fields.content = FrameContent::NeighbourSolicitation;
    Tins::EthernetII const frame = read( bytesOf( fields ) );
@@ -101,7 +101,7 @@ TEST( Frames, neighbourSolicitationAsksForTheDestination ) {
    EXPECT_EQ( icmp.target_addr().to_string(), "2001:db8:100::2" );
 }
 
-TEST( Frames, aBareFrameHasATypeForExperimentsAndItsPayload ) {
+TEST( Frames, ABareFrameHasATypeForExperimentsAndItsPayload ) {
    FrameFields fields{ .source = MacAddress( 0x00005e005301 ), .payloadSize = 2 };
    std::vector< U8 > const bytes = bytesOf( fields );
    EXPECT_EQ( std::vector< U8 >( bytes.begin(), bytes.begin() + 17 ),
@@ -115,7 +115,7 @@ TEST( Frames, aBareFrameHasATypeForExperimentsAndItsPayload ) {
    EXPECT_EQ( tagged.size(), 118U );
 }
 
-TEST( Frames, aTunnelGoesAroundTheFrame ) {
+TEST( Frames, ATunnelGoesAroundTheFrame ) {
    for ( bool const isIpv4 : { true, false } ) {
       FrameFields fields = udp( "192.0.2.1", "192.0.2.2" );
       std::vector< U8 > const inner = bytesOf( fields );
@@ -135,7 +135,7 @@ TEST( Frames, aTunnelGoesAroundTheFrame ) {
    }
 }
 
-TEST( Frames, thatCannotBeAreRefused ) {
+TEST( Frames, ThatCannotBeAreRefused ) {
    FrameFields fields = udp( "192.0.2.1", "2001:db8::1" );
    EXPECT_EQ( refusal( fields ), "frame: 192.0.2.1 and 2001:db8::1 are of different families" );
    fields.sourceIp.reset();
@@ -157,14 +157,14 @@ TEST( Frames, thatCannotBeAreRefused ) {
    EXPECT_EQ( refusal( fields ), "" );
 }
 
-TEST( MacAddresses, areReadAndWritten ) {
+TEST( MacAddresses, AreReadAndWritten ) {
    EXPECT_EQ( MacAddress::fromString( "00:00:5e:00:53:01" ), MacAddress( 0x00005e005301 ) );
    EXPECT_EQ( MacAddress::fromString( "FF:ff:FF:ff:FF:ff" ), MacAddress::broadcast() );
    EXPECT_EQ( MacAddress( 0x00005e0053aF ).stringValue(), "00:00:5e:00:53:af" );
    EXPECT_EQ( Quelm::fromText< MacAddress >( "00:00:5e:00:53:01" ), MacAddress( 0x00005e005301 ) );
 }
 
-TEST( MacAddresses, thatAreNoneAreQuoted ) {
+TEST( MacAddresses, ThatAreNoneAreQuoted ) {
    for ( std::string const text :
          { "", "00:00:5e:00:53", "00:00:5e:00:53:01:02", "00-00-5e-00-53-01", "00:00:5e:00:53:0g",
            "0:00:5e:00:53:001", "00:00:5e:00:53:01 ", "00:00:5e:00:53: 1", "+0:00:5e:00:53:01" } ) {
@@ -179,7 +179,7 @@ TEST( MacAddresses, thatAreNoneAreQuoted ) {
    }
 }
 
-TEST( MacAddresses, tellTheirKind ) {
+TEST( MacAddresses, TellTheirKind ) {
    EXPECT_TRUE( MacAddress::broadcast().isGroup() );
    EXPECT_TRUE( MacAddress( 0x01005e000001 ).isGroup() );
    EXPECT_FALSE( MacAddress( 0x02005e000001 ).isGroup() );

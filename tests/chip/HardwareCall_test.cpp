@@ -35,7 +35,7 @@ class HardwareCalls : public testing::Test {
 
 // --- Recording
 
-TEST_F( HardwareCalls, theLifeOfARuleIsOneListInOrder ) {
+TEST_F( HardwareCalls, TheLifeOfARuleIsOneListInOrder ) {
    U32 const id = leaf1.ifp->getEntry( 0, "from vtep 10.0.0.2", {} );
    recorder.bcm_field_qualify_SrcVxlanGport( 0, id, kVtep2 );
    leaf1.ifp->addEgressMaskAction( 0, id, pbmpOfPorts( { 5, 17, 18 } ) );
@@ -61,7 +61,7 @@ TEST_F( HardwareCalls, theLifeOfARuleIsOneListInOrder ) {
               } ) );
 }
 
-TEST_F( HardwareCalls, aRequestWithAKeyIsRecordedWithIt ) {
+TEST_F( HardwareCalls, ARequestWithAKeyIsRecordedWithIt ) {
    VornalTcam::RequestKey key;
    key.numberIs( 7 );
    leaf1.ifp->getEntry( 0, "rule", {} );
@@ -74,7 +74,7 @@ TEST_F( HardwareCalls, aRequestWithAKeyIsRecordedWithIt ) {
               } ) );
 }
 
-TEST_F( HardwareCalls, everyFieldCallIsRecordedWithItsValues ) {
+TEST_F( HardwareCalls, EveryFieldCallIsRecordedWithItsValues ) {
    U32 const ingress = leaf1.ifp->getEntry( 1, "ingress", {} );
    U32 const egress = leaf1.efp->getEntry( 1, "egress", {} );
    record.calls.clear();
@@ -102,7 +102,7 @@ TEST_F( HardwareCalls, everyFieldCallIsRecordedWithItsValues ) {
       } ) );
 }
 
-TEST_F( HardwareCalls, readBacksAreRecordedWithWhatWasRead ) {
+TEST_F( HardwareCalls, ReadBacksAreRecordedWithWhatWasRead ) {
    U32 const ingress = leaf1.ifp->getEntry( 0, "ingress", {} );
    U32 const egress = leaf1.efp->getEntry( 0, "egress", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, ingress, kVtep2 );
@@ -149,7 +149,7 @@ TEST_F( HardwareCalls, readBacksAreRecordedWithWhatWasRead ) {
       } ) );
 }
 
-TEST_F( HardwareCalls, aGuardedCallIsRecordedWithItsText ) {
+TEST_F( HardwareCalls, AGuardedCallIsRecordedWithItsText ) {
    Shim::sdk_ = &recorder;
    U32 const unit = 0;
    U32 const entryId = leaf1.ifp->getEntry( unit, "no-op", {} );
@@ -165,7 +165,7 @@ TEST_F( HardwareCalls, aGuardedCallIsRecordedWithItsText ) {
    EXPECT_EQ( record.calls.at( 2 ).callText, "" );
 }
 
-TEST_F( HardwareCalls, aRefusedRequestIsRecordedBeforeItsNotification ) {
+TEST_F( HardwareCalls, ARefusedRequestIsRecordedBeforeItsNotification ) {
    std::size_t recordedBefore = 0;
    Kiv::Watch< Chip::SoftTcamEntryManager > watch( leaf1.ifp, [ & ]( Kiv::Change const & ) {
       recordedBefore = record.calls.size();
@@ -179,7 +179,7 @@ TEST_F( HardwareCalls, aRefusedRequestIsRecordedBeforeItsNotification ) {
 
 // --- Failing
 
-TEST_F( HardwareCalls, theNthCallFailsAndIsNotMade ) {
+TEST_F( HardwareCalls, TheNthCallFailsAndIsNotMade ) {
    Chip::FailingSdk failing( leaf1.sdk, { .nth = 2, .code = -4711 } );
    U32 const id = leaf1.ifp->getEntry( 0, "rule", {} );
    EXPECT_EQ( failing.bcm_field_qualify_SrcVxlanGport( 0, id, kVtep2 ), 0 );
@@ -191,7 +191,7 @@ TEST_F( HardwareCalls, theNthCallFailsAndIsNotMade ) {
    EXPECT_TRUE( staged[ Chip::Qualifier::TunnelTerminated ] );
 }
 
-TEST_F( HardwareCalls, theNthCallOfANamedOperationFails ) {
+TEST_F( HardwareCalls, TheNthCallOfANamedOperationFails ) {
    Chip::FailingSdk failing( leaf1.sdk,
                              { .nth = 2, .code = -8, .operation = "bcm_field_qualify_PacketRes" } );
    U32 const id = leaf1.ifp->getEntry( 0, "rule", {} );
@@ -201,7 +201,7 @@ TEST_F( HardwareCalls, theNthCallOfANamedOperationFails ) {
    EXPECT_EQ( failing.bcm_field_qualify_PacketRes( 0, id, 10, 0xff ), 0 );
 }
 
-TEST_F( HardwareCalls, aReadBackThatIsNotMadeReadsNothing ) {
+TEST_F( HardwareCalls, AReadBackThatIsNotMadeReadsNothing ) {
    Chip::FailingSdk failing( recorder, { .nth = 1, .code = -5 } );
    Chip::RecordingSdk front( failing, record );
    U32 const id = leaf1.fromVtep( 0, kVtep2 );
@@ -215,7 +215,7 @@ TEST_F( HardwareCalls, aReadBackThatIsNotMadeReadsNothing ) {
 
 using HardwareCallsDeathTest = HardwareCalls;
 
-TEST_F( HardwareCallsDeathTest, aFailedGuardedCallIsRecordedAndTheStopAnnounced ) {
+TEST_F( HardwareCallsDeathTest, AFailedGuardedCallIsRecordedAndTheStopAnnounced ) {
    class ToStandardError : public Chip::CallObserver {
     public:
       void callMade( HardwareCall const & call ) override {
@@ -249,7 +249,7 @@ class OtherCodes final : public Chip::SdkDecorator {
    S32 successCode() const override { return 1; }
 };
 
-TEST_F( HardwareCalls, aReadBackHasItsValuesWithAnyCodeThatIsNotNegative ) {
+TEST_F( HardwareCalls, AReadBackHasItsValuesWithAnyCodeThatIsNotNegative ) {
    OtherCodes other( leaf1.sdk );
    Chip::RecordingSdk recorderOfOther( other, record );
    U32 data = 0;
@@ -262,7 +262,7 @@ TEST_F( HardwareCalls, aReadBackHasItsValuesWithAnyCodeThatIsNotNegative ) {
 
 // --- Counting
 
-TEST_F( HardwareCalls, callsAreCountedByOperation ) {
+TEST_F( HardwareCalls, CallsAreCountedByOperation ) {
    Chip::CountingSdk counter( leaf1.sdk );
    U32 const id = leaf1.ifp->getEntry( 0, "rule", {} );
    counter.bcm_field_qualify_PacketRes( 0, id, 4, 0xff );
@@ -275,7 +275,7 @@ TEST_F( HardwareCalls, callsAreCountedByOperation ) {
    EXPECT_EQ( counter.callsByOperation().size(), 2U );
 }
 
-TEST_F( HardwareCalls, everyGuardedCallIsAnnounced ) {
+TEST_F( HardwareCalls, EveryGuardedCallIsAnnounced ) {
    Chip::CountingSdk counter( leaf1.sdk );
    Shim::sdk_ = &counter;
    U32 const unit = 0;
@@ -290,7 +290,7 @@ TEST_F( HardwareCalls, everyGuardedCallIsAnnounced ) {
    EXPECT_EQ( counter.failuresTold(), 1U );
 }
 
-TEST_F( HardwareCalls, aDecoratorHandsOnWhatIsNoFieldCall ) {
+TEST_F( HardwareCalls, ADecoratorHandsOnWhatIsNoFieldCall ) {
    EXPECT_EQ( recorder.successCode(), 0 );
    EXPECT_EQ( recorder.errorText( -3 ), "Not found" );
    EXPECT_EQ( recorder.packetResL3McKnown(), 12U );
@@ -305,12 +305,12 @@ TEST_F( HardwareCalls, aDecoratorHandsOnWhatIsNoFieldCall ) {
 
 // --- Text
 
-TEST( HardwareCallText, needsNeitherValuesNorCode ) {
+TEST( HardwareCallText, NeedsNeitherValuesNorCode ) {
    HardwareCall const call{ "releaseEntry", {}, 0, 3, {}, std::nullopt };
    EXPECT_EQ( toText( call ), "unit 0 entry 3: releaseEntry()" );
 }
 
-TEST( HardwareCallText, showsCodesOfOthersAsNumbers ) {
+TEST( HardwareCallText, ShowsCodesOfOthersAsNumbers ) {
    HardwareCall call{ "installEntry", {}, 0, 3, {}, -4711 };
    EXPECT_EQ( toText( call ), "unit 0 entry 3: installEntry() = -4711" );
    call.returnCode = 7;

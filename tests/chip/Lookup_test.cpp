@@ -36,25 +36,25 @@ class Lookup : public testing::Test {
    TwoUnitSwitch leaf1;
 };
 
-TEST_F( Lookup, aFrameMatchesNothingOnAnEmptyChip ) {
+TEST_F( Lookup, AFrameMatchesNothingOnAnEmptyChip ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
    EXPECT_EQ( leaf1.winner( 0, kMarkedToPort5 ), 0U );
 }
 
-TEST_F( Lookup, aFrameMeetsTheRuleOfItsVtepAndNoOther ) {
+TEST_F( Lookup, AFrameMeetsTheRuleOfItsVtepAndNoOther ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ kVtep3, 1, true, 10100 } ), 0U );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ 0, 1, false, 0 } ), 0U );
 }
 
-TEST_F( Lookup, aRuleOfOneUnitIsNoRuleOfTheOther ) {
+TEST_F( Lookup, ARuleOfOneUnitIsNoRuleOfTheOther ) {
    leaf1.fromVtep( 1, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
    EXPECT_EQ( leaf1.winner( 1, kFloodedFromVtep2 ), 1U );
 }
 
-TEST_F( Lookup, whatIsStagedIsNotSeenUntilItIsInstalled ) {
+TEST_F( Lookup, WhatIsStagedIsNotSeenUntilItIsInstalled ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
@@ -62,7 +62,7 @@ TEST_F( Lookup, whatIsStagedIsNotSeenUntilItIsInstalled ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
 }
 
-TEST_F( Lookup, aChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
+TEST_F( Lookup, AChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep3 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
@@ -70,27 +70,27 @@ TEST_F( Lookup, aChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, aReleasedRuleIsGone ) {
+TEST_F( Lookup, AReleasedRuleIsGone ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    leaf1.ifp->releaseEntry( 0, rule );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, aRuleWithoutQualifiersMatchesEveryFrame ) {
+TEST_F( Lookup, ARuleWithoutQualifiersMatchesEveryFrame ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "everything", {} );
    leaf1.ifp->installEntry( 0, rule );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{} ), rule );
 }
 
-TEST_F( Lookup, allQualifiersOfARuleMustMatch ) {
+TEST_F( Lookup, AllQualifiersOfARuleMustMatch ) {
    U32 const rule = unicastExemption( 0 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ 0, BCM_FIELD_PKT_RES_L2UC, false, 0 } ), 0U );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, bitsOutsideTheMaskDoNotCount ) {
+TEST_F( Lookup, BitsOutsideTheMaskDoNotCount ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "a range of VNIs", {} );
    leaf1.sdk.bcm_field_qualify_VxlanNetworkId( 0, rule, 0x27ff, 0xffffff00 );
    leaf1.ifp->installEntry( 0, rule );
@@ -98,7 +98,7 @@ TEST_F( Lookup, bitsOutsideTheMaskDoNotCount ) {
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ kVtep2, 1, true, 0x2800 } ), 0U );
 }
 
-TEST_F( Lookup, theHigherPriorityWins ) {
+TEST_F( Lookup, TheHigherPriorityWins ) {
    U32 const low = leaf1.fromVtep( 0, kVtep2 );
    U32 const high = unicastExemption( 0 );
    prioritise( low, 1 );
@@ -108,7 +108,7 @@ TEST_F( Lookup, theHigherPriorityWins ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), low );
 }
 
-TEST_F( Lookup, betweenEqualsTheOneObtainedFirstWins ) {
+TEST_F( Lookup, BetweenEqualsTheOneObtainedFirstWins ) {
    U32 const first = leaf1.ifp->getEntry( 0, "obtained first", {} );
    U32 const second = leaf1.fromVtep( 0, kVtep2 );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, first, kVtep2 );
@@ -118,7 +118,7 @@ TEST_F( Lookup, betweenEqualsTheOneObtainedFirstWins ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), second );
 }
 
-TEST_F( Lookup, theDefaultPriorityStandsAboveEveryOther ) {
+TEST_F( Lookup, TheDefaultPriorityStandsAboveEveryOther ) {
    U32 const perVtep = leaf1.fromVtep( 0, kVtep2 );
    U32 const exemption = unicastExemption( 0 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), perVtep );
@@ -126,7 +126,7 @@ TEST_F( Lookup, theDefaultPriorityStandsAboveEveryOther ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), exemption );
 }
 
-TEST_F( Lookup, aPriorityIsInForceFromTheNextReinstallOn ) {
+TEST_F( Lookup, APriorityIsInForceFromTheNextReinstallOn ) {
    U32 const perVtep = leaf1.fromVtep( 0, kVtep2 );
    U32 const exemption = unicastExemption( 0 );
    leaf1.ifp->setPriorityForEntry( 0, perVtep, 1 );
@@ -135,7 +135,7 @@ TEST_F( Lookup, aPriorityIsInForceFromTheNextReinstallOn ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), exemption );
 }
 
-TEST_F( Lookup, theWinnerTellsItsActions ) {
+TEST_F( Lookup, TheWinnerTellsItsActions ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep2 );
    leaf1.sdk.bcm_field_action_add( 0, rule, bcmFieldActionNewClassId, 100, 0 );
@@ -150,7 +150,7 @@ TEST_F( Lookup, theWinnerTellsItsActions ) {
    EXPECT_FALSE( written[ Chip::Action::EgressClassSelect ] );
 }
 
-TEST_F( Lookup, anEgressRuleIsForOnePortAndClassOfAnyIpType ) {
+TEST_F( Lookup, AnEgressRuleIsForOnePortAndClassOfAnyIpType ) {
    U32 const rule = leaf1.efp->getEntry( 0, "drop", {} );
    leaf1.sdk.bcm_field_qualify_DstPort( 0, rule, 0, kExact, 5, kExact );
    leaf1.sdk.bcm_field_qualify_IpType( 0, rule, bcmFieldIpTypeAny );
@@ -163,7 +163,7 @@ TEST_F( Lookup, anEgressRuleIsForOnePortAndClassOfAnyIpType ) {
    EXPECT_EQ( leaf1.winner( 0, EgressFields{ 0, 5, bcmFieldIpTypeIpv6, 0 } ), 0U );
 }
 
-TEST_F( Lookup, anEgressRuleCanBeForOneIpType ) {
+TEST_F( Lookup, AnEgressRuleCanBeForOneIpType ) {
    U32 const rule = leaf1.efp->getEntry( 0, "IPv6 only", {} );
    leaf1.sdk.bcm_field_qualify_IpType( 0, rule, bcmFieldIpTypeIpv6 );
    leaf1.efp->installEntry( 0, rule );
@@ -171,7 +171,7 @@ TEST_F( Lookup, anEgressRuleCanBeForOneIpType ) {
    EXPECT_EQ( leaf1.winner( 0, EgressFields{ 0, 5, bcmFieldIpTypeIpv4Any, 0 } ), 0U );
 }
 
-TEST_F( Lookup, staysRightWhileRulesAreBeingStaged ) {
+TEST_F( Lookup, StaysRightWhileRulesAreBeingStaged ) {
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor const lock( activity );
    Shim::sdk_ = &leaf1.sdk;
@@ -196,7 +196,7 @@ TEST_F( Lookup, staysRightWhileRulesAreBeingStaged ) {
    Shim::sdk_ = nullptr;
 }
 
-TEST( LookupDeathTest, aGroupOfTheOtherKindIsNotAsked ) {
+TEST( LookupDeathTest, AGroupOfTheOtherKindIsNotAsked ) {
    TwoUnitSwitch leaf1;
    EXPECT_EXIT( leaf1.board.units().group( 0, kEfp )->lookup( kFloodedFromVtep2 ),
                 testing::KilledBySignal( SIGABRT ),

@@ -330,7 +330,7 @@ class SideBySide {
    std::array< Unit, kUnits > units_;
 };
 
-RC_GTEST_PROP( Model, isWhatAnySequenceOfOperationsLeadsTo, () ) {
+RC_GTEST_PROP( Model, IsWhatAnySequenceOfOperationsLeadsTo, () ) {
    auto const steps = *rc::gen::scale( 2, rc::gen::container< std::vector< Step > >( anyStep() ) );
    SideBySide both;
    for ( Step const & step : steps ) {

@@ -24,11 +24,11 @@ class RulesOfLeaf1 : public testing::Test {
    TwoUnitSwitch leaf1;
 };
 
-TEST_F( RulesOfLeaf1, areNoneAtFirst ) {
+TEST_F( RulesOfLeaf1, AreNoneAtFirst ) {
    EXPECT_EQ( now(), Rules() );
 }
 
-TEST_F( RulesOfLeaf1, showEverythingOfAnIngressRule ) {
+TEST_F( RulesOfLeaf1, ShowEverythingOfAnIngressRule ) {
    U32 const id = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, id, kVtep2 );
    leaf1.ifp->addEgressMaskAction( 0, id, pbmpOfPorts( { 5 } ) );
@@ -50,7 +50,7 @@ TEST_F( RulesOfLeaf1, showEverythingOfAnIngressRule ) {
    EXPECT_EQ( rule.content[ Action::NewClassId ], std::nullopt );
 }
 
-TEST_F( RulesOfLeaf1, showEverythingOfAnEgressRule ) {
+TEST_F( RulesOfLeaf1, ShowEverythingOfAnEgressRule ) {
    U32 const id = leaf1.efp->getEntry( 1, "drop", {} );
    leaf1.sdk.bcm_field_qualify_DstPort( 1, id, 4, kExact, 5, kExact );
    leaf1.sdk.bcm_field_action_add( 1, id, bcmFieldActionDrop, 0, 0 );
@@ -74,12 +74,15 @@ TEST_F( RulesOfLeaf1, AreFoundByTheirKey ) {
    } );
    std::map< Chip::RuleKey, std::string > const expected{ { { 1, kEfp, id }, "drop" } };
    EXPECT_EQ( names, expected );
-   EXPECT_LT( ( Chip::RuleKey{ 0, kIfp, 9 } ), ( Chip::RuleKey{ 1, kEfp, 1 } ) );
-   EXPECT_LT( ( Chip::RuleKey{ 1, kEfp, 9 } ), ( Chip::RuleKey{ 1, kIfp, 1 } ) );
-   EXPECT_LT( ( Chip::RuleKey{ 1, kEfp, 1 } ), ( Chip::RuleKey{ 1, kEfp, 2 } ) );
+   EXPECT_LT( ( Chip::RuleKey{ .unit = 0, .group = kIfp, .id = 9 } ),
+              ( Chip::RuleKey{ .unit = 1, .group = kEfp, .id = 1 } ) );
+   EXPECT_LT( ( Chip::RuleKey{ .unit = 1, .group = kEfp, .id = 9 } ),
+              ( Chip::RuleKey{ .unit = 1, .group = kIfp, .id = 1 } ) );
+   EXPECT_LT( ( Chip::RuleKey{ .unit = 1, .group = kEfp, .id = 1 } ),
+              ( Chip::RuleKey{ .unit = 1, .group = kEfp, .id = 2 } ) );
 }
 
-TEST_F( RulesOfLeaf1, areOrderedByUnitGroupAndId ) {
+TEST_F( RulesOfLeaf1, AreOrderedByUnitGroupAndId ) {
    leaf1.ifp->getEntry( 1, "fourth", {} );
    leaf1.ifp->getEntry( 0, "second", {} );
    leaf1.efp->getEntry( 0, "first", {} );
@@ -91,13 +94,13 @@ TEST_F( RulesOfLeaf1, areOrderedByUnitGroupAndId ) {
    EXPECT_EQ( names, ( std::vector< std::string >{ "first", "second", "third", "fourth" } ) );
 }
 
-TEST_F( RulesOfLeaf1, showTheWrittenCopyOfAnInstalledRule ) {
+TEST_F( RulesOfLeaf1, ShowTheWrittenCopyOfAnInstalledRule ) {
    U32 const id = leaf1.fromVtep( 0, kVtep2 );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, id, kVtep3 );
    EXPECT_EQ( now().front().content[ Qualifier::SrcVxlanGport ]->data, kVtep2 );
 }
 
-TEST_F( RulesOfLeaf1, tellWhatAStepAdded ) {
+TEST_F( RulesOfLeaf1, TellWhatAStepAdded ) {
    leaf1.fromVtep( 0, kVtep2 );
    Rules const before = now();
    leaf1.fromVtep( 0, kVtep3 );
@@ -110,7 +113,7 @@ TEST_F( RulesOfLeaf1, tellWhatAStepAdded ) {
    EXPECT_TRUE( changes.removed.empty() );
 }
 
-TEST_F( RulesOfLeaf1, tellWhatAStepRemoved ) {
+TEST_F( RulesOfLeaf1, TellWhatAStepRemoved ) {
    leaf1.fromVtep( 0, kVtep2 );
    leaf1.fromVtep( 0, kVtep3 );
    leaf1.fromVtep( 1, kVtep2 );
@@ -123,7 +126,7 @@ TEST_F( RulesOfLeaf1, tellWhatAStepRemoved ) {
    EXPECT_TRUE( changes.changed.empty() );
 }
 
-TEST_F( RulesOfLeaf1, tellWhatAStepChanged ) {
+TEST_F( RulesOfLeaf1, TellWhatAStepChanged ) {
    U32 const id = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.fromVtep( 0, kVtep3 );
    Rules const before = now();
@@ -136,12 +139,12 @@ TEST_F( RulesOfLeaf1, tellWhatAStepChanged ) {
    EXPECT_TRUE( changes.removed.empty() );
 }
 
-TEST_F( RulesOfLeaf1, tellWhenNothingHappened ) {
+TEST_F( RulesOfLeaf1, TellWhenNothingHappened ) {
    leaf1.fromVtep( 0, kVtep2 );
    EXPECT_TRUE( changesBetween( now(), now() ).isEmpty() );
 }
 
-TEST_F( RulesOfLeaf1, areNamedForPeopleAndPrograms ) {
+TEST_F( RulesOfLeaf1, AreNamedForPeopleAndPrograms ) {
    std::string names;
    for ( Qualifier const qualifier : Chip::kQualifiers ) {
       names.append( nameOf( qualifier ) ).append( " " );

@@ -29,14 +29,14 @@ class SoftSdk : public testing::Test {
    U32 mask = 0;
 };
 
-TEST_F( SoftSdk, readsTheSourceGportBack ) {
+TEST_F( SoftSdk, ReadsTheSourceGportBack ) {
    EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport( 0, ingress, kVtep2 ), kOk );
    leaf1.ifp->installEntry( 0, ingress );
    EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport_get( 0, ingress, &data ), kOk );
    EXPECT_EQ( data, kVtep2 );
 }
 
-TEST_F( SoftSdk, readsThePacketResolutionBack ) {
+TEST_F( SoftSdk, ReadsThePacketResolutionBack ) {
    EXPECT_EQ( sdk.bcm_field_qualify_PacketRes( 0, ingress, BCM_FIELD_PKT_RES_L3UCKNOWN, 0xff ),
               kOk );
    leaf1.ifp->installEntry( 0, ingress );
@@ -45,7 +45,7 @@ TEST_F( SoftSdk, readsThePacketResolutionBack ) {
    EXPECT_EQ( mask, 0xffU );
 }
 
-TEST_F( SoftSdk, readsTunnelTerminatedBack ) {
+TEST_F( SoftSdk, ReadsTunnelTerminatedBack ) {
    U8 terminated = 0;
    U8 terminatedMask = 0;
    EXPECT_EQ( sdk.bcm_field_qualify_TunnelTerminated( 0, ingress, 1, 1 ), kOk );
@@ -57,7 +57,7 @@ TEST_F( SoftSdk, readsTunnelTerminatedBack ) {
    EXPECT_EQ( terminatedMask, 1 );
 }
 
-TEST_F( SoftSdk, readsTheVniBack ) {
+TEST_F( SoftSdk, ReadsTheVniBack ) {
    EXPECT_EQ( sdk.bcm_field_qualify_VxlanNetworkId( 0, ingress, 10100, 0xffffffff ), kOk );
    leaf1.ifp->installEntry( 0, ingress );
    EXPECT_EQ( sdk.bcm_field_qualify_VxlanNetworkId_get( 0, ingress, &data, &mask ), kOk );
@@ -65,7 +65,7 @@ TEST_F( SoftSdk, readsTheVniBack ) {
    EXPECT_EQ( mask, 0xffffffffU );
 }
 
-TEST_F( SoftSdk, readsTheDestinationPortBack ) {
+TEST_F( SoftSdk, ReadsTheDestinationPortBack ) {
    EXPECT_EQ( sdk.bcm_field_qualify_DstPort( 0, egress, 4, 0xf0, 5, 0xf1 ), kOk );
    leaf1.efp->installEntry( 0, egress );
    U32 port = 0;
@@ -77,7 +77,7 @@ TEST_F( SoftSdk, readsTheDestinationPortBack ) {
    EXPECT_EQ( portMask, 0xf1U );
 }
 
-TEST_F( SoftSdk, readsTheIpTypeBack ) {
+TEST_F( SoftSdk, ReadsTheIpTypeBack ) {
    for ( auto const ipType :
          { bcmFieldIpTypeAny, bcmFieldIpTypeNonIp, bcmFieldIpTypeIpv4Any, bcmFieldIpTypeIpv6 } ) {
       bcm_field_IpType_t readBack = bcmFieldIpTypeNonIp;
@@ -88,7 +88,7 @@ TEST_F( SoftSdk, readsTheIpTypeBack ) {
    }
 }
 
-TEST_F( SoftSdk, readsTheIngressClassBack ) {
+TEST_F( SoftSdk, ReadsTheIngressClassBack ) {
    EXPECT_EQ( sdk.bcm_field_qualify_IngressClassField( 0, egress, 100, kExact ), kOk );
    leaf1.efp->installEntry( 0, egress );
    EXPECT_EQ( sdk.bcm_field_qualify_IngressClassField_get( 0, egress, &data, &mask ), kOk );
@@ -96,7 +96,7 @@ TEST_F( SoftSdk, readsTheIngressClassBack ) {
    EXPECT_EQ( mask, kExact );
 }
 
-TEST_F( SoftSdk, readsActionsBack ) {
+TEST_F( SoftSdk, ReadsActionsBack ) {
    EXPECT_EQ( sdk.bcm_field_action_add( 0, ingress, bcmFieldActionEgressClassSelect,
                                         BCM_FIELD_EGRESS_CLASS_SELECT_NEW, 0 ),
               kOk );
@@ -115,7 +115,7 @@ TEST_F( SoftSdk, readsActionsBack ) {
    EXPECT_EQ( data, 0U );
 }
 
-TEST_F( SoftSdk, readsTheWrittenCopyAndNotTheStagedOne ) {
+TEST_F( SoftSdk, ReadsTheWrittenCopyAndNotTheStagedOne ) {
    sdk.bcm_field_qualify_VxlanNetworkId( 0, ingress, 10100, kExact );
    EXPECT_EQ( sdk.bcm_field_qualify_VxlanNetworkId_get( 0, ingress, &data, &mask ), kNotFound );
    leaf1.ifp->installEntry( 0, ingress );
@@ -127,7 +127,7 @@ TEST_F( SoftSdk, readsTheWrittenCopyAndNotTheStagedOne ) {
    EXPECT_EQ( data, 10200U );
 }
 
-TEST_F( SoftSdk, doesNotFindWhatWasNeverWritten ) {
+TEST_F( SoftSdk, DoesNotFindWhatWasNeverWritten ) {
    leaf1.ifp->installEntry( 0, ingress );
    leaf1.efp->installEntry( 0, egress );
    data = 77;
@@ -146,7 +146,7 @@ TEST_F( SoftSdk, doesNotFindWhatWasNeverWritten ) {
    EXPECT_EQ( data, 77U );
 }
 
-TEST_F( SoftSdk, aSecondQualifierOfAFieldReplacesTheFirst ) {
+TEST_F( SoftSdk, ASecondQualifierOfAFieldReplacesTheFirst ) {
    sdk.bcm_field_qualify_PacketRes( 0, ingress, BCM_FIELD_PKT_RES_L2UC, 0xff );
    EXPECT_EQ( sdk.bcm_field_qualify_PacketRes( 0, ingress, 12, kExact ), kOk );
    leaf1.ifp->installEntry( 0, ingress );
@@ -155,7 +155,7 @@ TEST_F( SoftSdk, aSecondQualifierOfAFieldReplacesTheFirst ) {
    EXPECT_EQ( mask, kExact );
 }
 
-TEST_F( SoftSdk, aSecondActionOfAKindIsRefused ) {
+TEST_F( SoftSdk, ASecondActionOfAKindIsRefused ) {
    sdk.bcm_field_action_add( 0, ingress, bcmFieldActionNewClassId, 100, 0 );
    EXPECT_EQ( sdk.bcm_field_action_add( 0, ingress, bcmFieldActionNewClassId, 101, 0 ),
               codeOf( ResultCode::Exists ) );
@@ -164,7 +164,7 @@ TEST_F( SoftSdk, aSecondActionOfAKindIsRefused ) {
    EXPECT_EQ( data, 100U );
 }
 
-TEST_F( SoftSdk, anIngressGroupHasNoEgressFields ) {
+TEST_F( SoftSdk, AnIngressGroupHasNoEgressFields ) {
    bcm_field_IpType_t ipType{};
    EXPECT_EQ( sdk.bcm_field_qualify_DstPort( 0, ingress, 0, kExact, 5, kExact ), kUnsupported );
    EXPECT_EQ( sdk.bcm_field_qualify_IpType( 0, ingress, bcmFieldIpTypeAny ), kUnsupported );
@@ -175,7 +175,7 @@ TEST_F( SoftSdk, anIngressGroupHasNoEgressFields ) {
               kUnsupported );
 }
 
-TEST_F( SoftSdk, anEgressGroupHasNoIngressFields ) {
+TEST_F( SoftSdk, AnEgressGroupHasNoIngressFields ) {
    EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport( 0, egress, kVtep2 ), kUnsupported );
    EXPECT_EQ( sdk.bcm_field_qualify_PacketRes( 0, egress, 4, 0xff ), kUnsupported );
    EXPECT_EQ( sdk.bcm_field_qualify_TunnelTerminated( 0, egress, 1, 1 ), kUnsupported );
@@ -187,7 +187,7 @@ TEST_F( SoftSdk, anEgressGroupHasNoIngressFields ) {
    EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport_get( 0, egress, &data ), kUnsupported );
 }
 
-TEST_F( SoftSdk, valuesThatCannotBeMeantAreRefused ) {
+TEST_F( SoftSdk, ValuesThatCannotBeMeantAreRefused ) {
    EXPECT_EQ( sdk.bcm_field_qualify_SrcVxlanGport( 0, ingress, 2 ), kBadValue );
    EXPECT_EQ( sdk.bcm_field_qualify_IpType( 0, egress, bcm_field_IpType_t{ 4 } ), kBadValue );
    EXPECT_EQ( sdk.bcm_field_action_add( 0, ingress, bcmFieldActionEgressClassSelect, 0, 0 ),
@@ -224,13 +224,13 @@ std::vector< S32 > codesOfAllCalls( Chip::SoftSdk & sdk, U32 unit, U32 entry ) {
    };
 }
 
-TEST_F( SoftSdk, unknownUnitsAreRefused ) {
+TEST_F( SoftSdk, UnknownUnitsAreRefused ) {
    for ( S32 const code : codesOfAllCalls( sdk, 2, ingress ) ) {
       EXPECT_EQ( code, codeOf( ResultCode::UnknownUnit ) );
    }
 }
 
-TEST_F( SoftSdk, unknownEntriesAreRefused ) {
+TEST_F( SoftSdk, UnknownEntriesAreRefused ) {
    U32 const released = leaf1.ifp->getEntry( 0, "released", {} );
    leaf1.ifp->releaseEntry( 0, released );
    for ( U32 const entry : { 0U, 99U, released } ) {
@@ -240,19 +240,19 @@ TEST_F( SoftSdk, unknownEntriesAreRefused ) {
    }
 }
 
-TEST_F( SoftSdk, anEntryOfOneUnitIsUnknownOnTheOther ) {
+TEST_F( SoftSdk, AnEntryOfOneUnitIsUnknownOnTheOther ) {
    EXPECT_EQ( sdk.bcm_field_qualify_PacketRes( 1, ingress, 4, 0xff ),
               codeOf( ResultCode::UnknownEntry ) );
 }
 
-TEST_F( SoftSdk, tellsTheValuesOfItsRelease ) {
+TEST_F( SoftSdk, TellsTheValuesOfItsRelease ) {
    EXPECT_EQ( sdk.successCode(), 0 );
    EXPECT_EQ( sdk.packetResL3McKnown(), 12U );
    EXPECT_NE( sdk.packetResL3McKnown(), U32{ BCM_FIELD_PKT_RES_L2UC } );
    EXPECT_NE( sdk.packetResL3McKnown(), U32{ BCM_FIELD_PKT_RES_L3UCKNOWN } );
 }
 
-TEST_F( SoftSdk, hasNamesAndTextsForItsCodes ) {
+TEST_F( SoftSdk, HasNamesAndTextsForItsCodes ) {
    EXPECT_EQ( sdk.errorText( kUnsupported ), "Group does not support this" );
    EXPECT_EQ( sdk.errorText( kNotFound ), "Not found" );
    EXPECT_EQ( sdk.errorText( 0 ), "Ok" );
@@ -262,7 +262,7 @@ TEST_F( SoftSdk, hasNamesAndTextsForItsCodes ) {
    EXPECT_EQ( Chip::resultName( -1000 ), "" );
 }
 
-TEST_F( SoftSdk, clearsComparesAndCountsPortBitmaps ) {
+TEST_F( SoftSdk, ClearsComparesAndCountsPortBitmaps ) {
    _shr_pbmp ports = pbmpOfPorts( { 0, 31, 32, 351 } );
    EXPECT_EQ( sdk.pbmpCount( ports ), 4U );
    EXPECT_TRUE( sdk.pbmpEqual( ports, pbmpOfPorts( { 351, 32, 31, 0 } ) ) );

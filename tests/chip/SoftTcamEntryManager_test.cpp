@@ -42,25 +42,25 @@ class SoftTcamEntryManager : public testing::Test {
 
 // --- Ids
 
-TEST_F( SoftTcamEntryManager, idsStartAtOneOnEachUnit ) {
+TEST_F( SoftTcamEntryManager, IdsStartAtOneOnEachUnit ) {
    EXPECT_EQ( get( 0 ), 1U );
    EXPECT_EQ( get( 1 ), 1U );
 }
 
-TEST_F( SoftTcamEntryManager, idsAreUniqueAcrossTheGroupsOfAUnit ) {
+TEST_F( SoftTcamEntryManager, IdsAreUniqueAcrossTheGroupsOfAUnit ) {
    EXPECT_EQ( ifp.getEntry( 0, "a", {} ), 1U );
    EXPECT_EQ( efp.getEntry( 0, "b", {} ), 2U );
    EXPECT_EQ( ifp.getEntry( 0, "c", {} ), 3U );
 }
 
-TEST_F( SoftTcamEntryManager, idsAreNeverUsedTwice ) {
+TEST_F( SoftTcamEntryManager, IdsAreNeverUsedTwice ) {
    for ( U32 expected = 1; expected <= 10; ++expected ) {
       EXPECT_EQ( get( 0 ), expected );
       ifp.releaseEntry( 0, expected );
    }
 }
 
-TEST_F( SoftTcamEntryManager, aRefusedRequestUsesUpNoId ) {
+TEST_F( SoftTcamEntryManager, ARefusedRequestUsesUpNoId ) {
    fill( 0 );
    ifp.releaseEntry( 0, 1 );
    EXPECT_EQ( get( 0 ), 3U );
@@ -68,20 +68,20 @@ TEST_F( SoftTcamEntryManager, aRefusedRequestUsesUpNoId ) {
 
 // --- Room
 
-TEST_F( SoftTcamEntryManager, aFullGroupGivesNothing ) {
+TEST_F( SoftTcamEntryManager, AFullGroupGivesNothing ) {
    EXPECT_NE( get( 0 ), 0U );
    EXPECT_NE( get( 0 ), 0U );
    EXPECT_EQ( get( 0 ), 0U );
    EXPECT_EQ( ifp.used( 0 ), 2U );
 }
 
-TEST_F( SoftTcamEntryManager, otherUnitsAndGroupsHaveRoomOfTheirOwn ) {
+TEST_F( SoftTcamEntryManager, OtherUnitsAndGroupsHaveRoomOfTheirOwn ) {
    fill( 0 );
    EXPECT_NE( get( 1 ), 0U );
    EXPECT_NE( efp.getEntry( 0, "egress", {} ), 0U );
 }
 
-TEST_F( SoftTcamEntryManager, aReleaseMakesRoomWhetherInstalledOrNot ) {
+TEST_F( SoftTcamEntryManager, AReleaseMakesRoomWhetherInstalledOrNot ) {
    U32 const staged = get( 0 );
    U32 const installed = get( 0 );
    ifp.installEntry( 0, installed );
@@ -91,7 +91,7 @@ TEST_F( SoftTcamEntryManager, aReleaseMakesRoomWhetherInstalledOrNot ) {
    EXPECT_NE( get( 0 ), 0U );
 }
 
-TEST_F( SoftTcamEntryManager, releasingNothingDoesNothing ) {
+TEST_F( SoftTcamEntryManager, ReleasingNothingDoesNothing ) {
    fill( 0 );
    U32 const egress = efp.getEntry( 0, "egress", {} );
    for ( U32 const id : { 0U, 99U, egress } ) {
@@ -103,7 +103,7 @@ TEST_F( SoftTcamEntryManager, releasingNothingDoesNothing ) {
    EXPECT_TRUE( ifp.exhausted( 0 ) );
 }
 
-TEST_F( SoftTcamEntryManager, aUnitThatDoesNotExistGivesNothingAndGetsNoFlag ) {
+TEST_F( SoftTcamEntryManager, AUnitThatDoesNotExistGivesNothingAndGetsNoFlag ) {
    EXPECT_EQ( get( 7 ), 0U );
    EXPECT_FALSE( ifp.exhaustedHas( 7 ) );
    EXPECT_EQ( get( 0x10000 ), 0U );
@@ -112,21 +112,21 @@ TEST_F( SoftTcamEntryManager, aUnitThatDoesNotExistGivesNothingAndGetsNoFlag ) {
 
 // --- Other users of the group
 
-TEST_F( SoftTcamEntryManager, otherUsersTakeRoom ) {
+TEST_F( SoftTcamEntryManager, OtherUsersTakeRoom ) {
    EXPECT_EQ( ifp.foreignEntriesIs( 0, 1 ), 1U );
    EXPECT_NE( get( 0 ), 0U );
    EXPECT_EQ( get( 0 ), 0U );
    EXPECT_NE( get( 1 ), 0U );
 }
 
-TEST_F( SoftTcamEntryManager, otherUsersGetNoMoreThanThereIs ) {
+TEST_F( SoftTcamEntryManager, OtherUsersGetNoMoreThanThereIs ) {
    get( 0 );
    EXPECT_EQ( ifp.foreignEntriesIs( 0, 100 ), 1U );
    EXPECT_EQ( ifp.foreignEntries( 0 ), 1U );
    EXPECT_EQ( ifp.foreignEntriesIs( 7, 100 ), 0U );
 }
 
-TEST_F( SoftTcamEntryManager, givingBackClearsTheFlag ) {
+TEST_F( SoftTcamEntryManager, GivingBackClearsTheFlag ) {
    ifp.foreignEntriesIs( 0, 2 );
    EXPECT_EQ( get( 0 ), 0U );
    EXPECT_TRUE( ifp.exhausted( 0 ) );
@@ -135,7 +135,7 @@ TEST_F( SoftTcamEntryManager, givingBackClearsTheFlag ) {
    EXPECT_NE( get( 0 ), 0U );
 }
 
-TEST_F( SoftTcamEntryManager, takingRoomDoesNotClearTheFlag ) {
+TEST_F( SoftTcamEntryManager, TakingRoomDoesNotClearTheFlag ) {
    fill( 0 );
    ifp.foreignEntriesIs( 0, 1 );
    EXPECT_TRUE( ifp.exhausted( 0 ) );
@@ -167,7 +167,7 @@ class FlagWatch {
    Kiv::Watch< Chip::SoftTcamEntryManager > watch_;
 };
 
-TEST_F( SoftTcamEntryManager, theFlagIsNotifiedWhenARequestIsRefusedAndWhenRoomIsMade ) {
+TEST_F( SoftTcamEntryManager, TheFlagIsNotifiedWhenARequestIsRefusedAndWhenRoomIsMade ) {
    FlagWatch const watch( leaf1.ifp );
    U32 const first = get( 1 );
    get( 1 );
@@ -181,7 +181,7 @@ TEST_F( SoftTcamEntryManager, theFlagIsNotifiedWhenARequestIsRefusedAndWhenRoomI
    EXPECT_EQ( watch.seen.size(), 2U );
 }
 
-TEST_F( SoftTcamEntryManager, theFlagsOfOneUnitAndGroupAreNotAnothers ) {
+TEST_F( SoftTcamEntryManager, TheFlagsOfOneUnitAndGroupAreNotAnothers ) {
    FlagWatch const egressWatch( leaf1.efp );
    fill( 0 );
    EXPECT_TRUE( ifp.exhausted( 0 ) );
@@ -190,7 +190,7 @@ TEST_F( SoftTcamEntryManager, theFlagsOfOneUnitAndGroupAreNotAnothers ) {
    EXPECT_TRUE( egressWatch.seen.empty() );
 }
 
-TEST_F( SoftTcamEntryManager, aHandlerOfTheFlagMayAskAgainAtOnce ) {
+TEST_F( SoftTcamEntryManager, AHandlerOfTheFlagMayAskAgainAtOnce ) {
    U32 granted = 0;
    Kiv::Watch< Chip::SoftTcamEntryManager > retry( leaf1.ifp, [ & ]( Kiv::Change const & ) {
       if ( !ifp.exhausted( 0 ) ) {
@@ -205,14 +205,14 @@ TEST_F( SoftTcamEntryManager, aHandlerOfTheFlagMayAskAgainAtOnce ) {
 
 // --- Installing
 
-TEST_F( SoftTcamEntryManager, installsWhatItKnows ) {
+TEST_F( SoftTcamEntryManager, InstallsWhatItKnows ) {
    U32 const id = get( 0 );
    EXPECT_EQ( ifp.installEntry( 0, id ), 0 );
    EXPECT_EQ( ifp.installEntry( 0, id ), 0 );
    EXPECT_EQ( ifp.reinstallEntry( 0, id ), 0 );
 }
 
-TEST_F( SoftTcamEntryManager, doesNotInstallWhatItDoesNotKnow ) {
+TEST_F( SoftTcamEntryManager, DoesNotInstallWhatItDoesNotKnow ) {
    U32 const egress = efp.getEntry( 0, "egress", {} );
    for ( U32 const id : { 0U, 99U, egress } ) {
       EXPECT_EQ( ifp.installEntry( 0, id ), kUnknownEntry );
@@ -222,7 +222,7 @@ TEST_F( SoftTcamEntryManager, doesNotInstallWhatItDoesNotKnow ) {
    EXPECT_EQ( ifp.reinstallEntry( 7, egress ), kUnknownUnit );
 }
 
-TEST_F( SoftTcamEntryManager, reinstallsOnlyWhatIsInstalled ) {
+TEST_F( SoftTcamEntryManager, ReinstallsOnlyWhatIsInstalled ) {
    U32 const id = get( 0 );
    EXPECT_EQ( ifp.reinstallEntry( 0, id ), codeOf( ResultCode::NotInstalled ) );
    EXPECT_EQ( leaf1.winner( 0, Chip::IngressFields{} ), 0U );
@@ -230,7 +230,7 @@ TEST_F( SoftTcamEntryManager, reinstallsOnlyWhatIsInstalled ) {
 
 // --- Egress masks
 
-TEST_F( SoftTcamEntryManager, readsTheWrittenMaskBack ) {
+TEST_F( SoftTcamEntryManager, ReadsTheWrittenMaskBack ) {
    U32 const id = get( 0 );
    ifp.addEgressMaskAction( 0, id, pbmpOfPorts( { 5, 351 } ) );
    EXPECT_EQ( ifp.getEgressMaskActionPbmp( 0, id ).rc(), codeOf( ResultCode::NotFound ) );
@@ -242,14 +242,14 @@ TEST_F( SoftTcamEntryManager, readsTheWrittenMaskBack ) {
    EXPECT_EQ( maskRead( 0, id ), std::vector< U32 >{ 6 } );
 }
 
-TEST_F( SoftTcamEntryManager, anEmptyMaskIsAMask ) {
+TEST_F( SoftTcamEntryManager, AnEmptyMaskIsAMask ) {
    U32 const id = get( 0 );
    ifp.addEgressMaskAction( 0, id, pbmpOfPorts( {} ) );
    ifp.installEntry( 0, id );
    EXPECT_EQ( maskRead( 0, id ), std::vector< U32 >() );
 }
 
-TEST_F( SoftTcamEntryManager, doesNotAddAMaskTwiceNorUpdateOneThatIsNotThere ) {
+TEST_F( SoftTcamEntryManager, DoesNotAddAMaskTwiceNorUpdateOneThatIsNotThere ) {
    U32 const id = get( 0 );
    ifp.updateEgressMaskAction( 0, id, pbmpOfPorts( { 6 } ) );
    ifp.installEntry( 0, id );
@@ -260,21 +260,21 @@ TEST_F( SoftTcamEntryManager, doesNotAddAMaskTwiceNorUpdateOneThatIsNotThere ) {
    EXPECT_EQ( maskRead( 0, id ), std::vector< U32 >{ 5 } );
 }
 
-TEST_F( SoftTcamEntryManager, anEgressGroupHasNoMasks ) {
+TEST_F( SoftTcamEntryManager, AnEgressGroupHasNoMasks ) {
    U32 const id = efp.getEntry( 0, "egress", {} );
    efp.addEgressMaskAction( 0, id, pbmpOfPorts( { 5 } ) );
    efp.installEntry( 0, id );
    EXPECT_EQ( efp.getEgressMaskActionPbmp( 0, id ).rc(), codeOf( ResultCode::Unsupported ) );
 }
 
-TEST_F( SoftTcamEntryManager, findsNoMaskOfUnknownEntries ) {
+TEST_F( SoftTcamEntryManager, FindsNoMaskOfUnknownEntries ) {
    EXPECT_EQ( ifp.getEgressMaskActionPbmp( 0, 99 ).rc(), kUnknownEntry );
    EXPECT_EQ( ifp.getEgressMaskActionPbmp( 7, 1 ).rc(), kUnknownUnit );
 }
 
 // --- As an entity
 
-TEST_F( SoftTcamEntryManager, isFoundByItsGroup ) {
+TEST_F( SoftTcamEntryManager, IsFoundByItsGroup ) {
    auto const & groups = leaf1.board.groupManager();
    EXPECT_EQ( groups->unboundedEntryManager( kIfp ), leaf1.ifp );
    EXPECT_EQ( groups->unboundedEntryManager( kEfp ), leaf1.efp );
@@ -282,7 +282,7 @@ TEST_F( SoftTcamEntryManager, isFoundByItsGroup ) {
    EXPECT_EQ( groups->typeData().name(), "Chip::SoftTcamGroupManager" );
 }
 
-TEST_F( SoftTcamEntryManager, canBeAskedByName ) {
+TEST_F( SoftTcamEntryManager, CanBeAskedByName ) {
    Kiv::Type const & type = ifp.typeData();
    EXPECT_EQ( type.name(), "Chip::SoftTcamEntryManager" );
    EXPECT_EQ( type.find( "group" )->text( ifp, "" ), "157" );

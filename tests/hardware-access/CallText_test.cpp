@@ -40,7 +40,7 @@ class CallText : public testing::Test {
    Kiv::ActivityLockAnchor locked_{ activity_ };
 };
 
-TEST_F( CallText, ofTheIngressRuleOfAVtep ) {
+TEST_F( CallText, OfTheIngressRuleOfAVtep ) {
    U32 gport = 0xb0000005;
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    EXPECT_EQ( text(), "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport )" );
@@ -52,7 +52,7 @@ TEST_F( CallText, ofTheIngressRuleOfAVtep ) {
    EXPECT_EQ( gport, 101U );
 }
 
-TEST_F( CallText, ofTheUnicastExemption ) {
+TEST_F( CallText, OfTheUnicastExemption ) {
    SDK_FIELD_CALL( bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff ) );
    EXPECT_EQ( text(),
               "bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff )" );
@@ -69,7 +69,7 @@ TEST_F( CallText, ofTheUnicastExemption ) {
    EXPECT_EQ( values(), "bcm_field_qualify_TunnelTerminated 2 7 1 1" );
 }
 
-TEST_F( CallText, ofReadingBackTheUnicastExemption ) {
+TEST_F( CallText, OfReadingBackTheUnicastExemption ) {
    U32 const l2EntryId = 5;
    U32 const l3EntryId = 6;
    U32 data = 0;
@@ -95,7 +95,7 @@ TEST_F( CallText, ofReadingBackTheUnicastExemption ) {
    EXPECT_EQ( tmask, 102U );
 }
 
-TEST_F( CallText, ofThePerVniMulticastRule ) {
+TEST_F( CallText, OfThePerVniMulticastRule ) {
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    common->vornalModIdIs( 2, 40 );
    auto const iter = common->vornalModIdIter();
@@ -115,7 +115,7 @@ TEST_F( CallText, ofThePerVniMulticastRule ) {
    EXPECT_EQ( values(), "bcm_field_qualify_PacketRes 2 7 12 4294967295" );
 }
 
-TEST_F( CallText, ofTaggingWithAClassId ) {
+TEST_F( CallText, OfTaggingWithAClassId ) {
    VornalCommon::ClassId const i2eClassId( 300 );
    SDK_FIELD_CALL( bcm_field_action_add( unit, entryId, bcmFieldActionEgressClassSelect,
                                          BCM_FIELD_EGRESS_CLASS_SELECT_NEW, 0 ) );
@@ -132,7 +132,7 @@ TEST_F( CallText, ofTaggingWithAClassId ) {
    EXPECT_EQ( values(), "bcm_field_action_add 2 7 1 300 0" );
 }
 
-TEST_F( CallText, ofTheEgressDropRule ) {
+TEST_F( CallText, OfTheEgressDropRule ) {
    VornalTypes::VornalPort const sp( 2, 5, 40 );
    VornalCommon::ClassId const i2eClassId( 300 );
    U32 const efpEntryId = 7;
@@ -160,7 +160,7 @@ TEST_F( CallText, ofTheEgressDropRule ) {
    EXPECT_EQ( values(), "bcm_field_action_add 2 7 0 0 0" );
 }
 
-TEST_F( CallText, ofReadingBackActions ) {
+TEST_F( CallText, OfReadingBackActions ) {
    U32 data = 0;
    U32 mask = 0;
    SDK_FIELD_CALL(
@@ -182,7 +182,7 @@ TEST_F( CallText, ofReadingBackActions ) {
    EXPECT_EQ( mask, 102U );
 }
 
-TEST_F( CallText, ofReadingBackTheEgressDropRule ) {
+TEST_F( CallText, OfReadingBackTheEgressDropRule ) {
    U32 modId = 0;
    U32 modIdMask = 0;
    U32 portId = 0;

@@ -77,14 +77,14 @@ std::string errorLine( std::string const & reason ) {
           "\n";
 }
 
-TEST( FieldCallFailureDeathTest, saysOnceWhatFailedTellsTheShimAndStopsAtTheLineOfTheCall ) {
+TEST( FieldCallFailureDeathTest, SaysOnceWhatFailedTellsTheShimAndStopsAtTheLineOfTheCall ) {
    EXPECT_EXIT( qualifyThenAct( -7, 2, 7 ), testing::KilledBySignal( SIGABRT ),
                 testing::Matcher< std::string const & >(
                    announcedAndMade + errorLine( "Entry not found (-7)" ) +
                    "chip: failed, lock held\n" + assertion ) );
 }
 
-TEST( FieldCallFailureDeathTest, everyNegativeCodeIsFailure ) {
+TEST( FieldCallFailureDeathTest, EveryNegativeCodeIsFailure ) {
    auto const story = []( std::string const & reason ) {
       return testing::Matcher< std::string const & >( announcedAndMade + errorLine( reason ) +
                                                       "chip: failed, lock held\n" + assertion );
@@ -95,7 +95,7 @@ TEST( FieldCallFailureDeathTest, everyNegativeCodeIsFailure ) {
                 story( "Internal error (-2147483648)" ) );
 }
 
-TEST( FieldCallFailureDeathTest, reportsTheLineThatSupportToolsKnowInBothLines ) {
+TEST( FieldCallFailureDeathTest, ReportsTheLineThatSupportToolsKnowInBothLines ) {
    EXPECT_EXIT(
       qualifyAtTheLineThatSupportToolsKnow( -7 ), testing::KilledBySignal( SIGABRT ),
       testing::Matcher< std::string const & >(
@@ -141,7 +141,7 @@ template< typename Act > LastWords lastWordsOf( Act act ) {
    return words;
 }
 
-TEST( FieldCallFailure, errorLineIsOutWholeBeforeTheShimIsTold ) {
+TEST( FieldCallFailure, ErrorLineIsOutWholeBeforeTheShimIsTold ) {
    LastWords const words = lastWordsOf( [] {
       // As if somebody had made standard error buffered.
       std::cerr << std::nounitbuf;

@@ -38,14 +38,14 @@ constexpr U32 unit = 2;
 constexpr U32 entryId = 7;
 constexpr U32 gport = 0xb0000005;
 
-TEST_F( FieldCall, reachesTheShimOnceWithTheValuesOfItsArguments ) {
+TEST_F( FieldCall, ReachesTheShimOnceWithTheValuesOfItsArguments ) {
    Kiv::ActivityLockAnchor const locked( activity_ );
    U32 looks = 0;
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, ++looks, gport ) );
    EXPECT_EQ( sdk_.calls, Journal{ "bcm_field_qualify_SrcVxlanGport 2 1 2952790021" } );
 }
 
-TEST_F( FieldCall, zeroAndPositiveCodesAreSuccess ) {
+TEST_F( FieldCall, ZeroAndPositiveCodesAreSuccess ) {
    Kiv::ActivityLockAnchor const locked( activity_ );
    for ( S32 const rc : { 0, 1, 2147483647 } ) {
       sdk_.onCall = [ rc ] { return rc; };
@@ -54,7 +54,7 @@ TEST_F( FieldCall, zeroAndPositiveCodesAreSuccess ) {
    EXPECT_EQ( sdk_.calls.size(), 3U );
 }
 
-TEST_F( FieldCall, isAnnouncedWithTheLockHeldAndMadeWithTheLockGivenUp ) {
+TEST_F( FieldCall, IsAnnouncedWithTheLockHeldAndMadeWithTheLockGivenUp ) {
    Kiv::ActivityLockAnchor const locked( activity_ );
    sdk_.onBefore = [ & ] { journal_.push_back( "announced, " + lock() ); };
    sdk_.onCall = [ & ] {
@@ -67,7 +67,7 @@ TEST_F( FieldCall, isAnnouncedWithTheLockHeldAndMadeWithTheLockGivenUp ) {
               ( Journal{ "announced, lock held", "called, lock given up", "back, lock held" } ) );
 }
 
-TEST_F( FieldCall, letsAnotherThreadHaveItsTurnDuringTheCallAndNotBefore ) {
+TEST_F( FieldCall, LetsAnotherThreadHaveItsTurnDuringTheCallAndNotBefore ) {
    std::thread other;
    sdk_.onBefore = [ & ] {
       other = std::thread( [ & ] { anotherThreadsTurn(); } );
@@ -83,7 +83,7 @@ TEST_F( FieldCall, letsAnotherThreadHaveItsTurnDuringTheCallAndNotBefore ) {
    EXPECT_EQ( journal_, ( Journal{ "announced", "another thread's turn", "back" } ) );
 }
 
-TEST_F( FieldCall, comesBackOnlyWhenAnotherThreadHasFinishedItsTurn ) {
+TEST_F( FieldCall, ComesBackOnlyWhenAnotherThreadHasFinishedItsTurn ) {
    std::thread other;
    std::latch started( 1 );
    sdk_.onCall = [ & ] {
@@ -104,7 +104,7 @@ TEST_F( FieldCall, comesBackOnlyWhenAnotherThreadHasFinishedItsTurn ) {
    EXPECT_EQ( journal_, ( Journal{ "another thread's turn", "back" } ) );
 }
 
-TEST_F( FieldCall, keepsOtherThreadsOutAgainAfterTheCall ) {
+TEST_F( FieldCall, KeepsOtherThreadsOutAgainAfterTheCall ) {
    std::thread other;
    {
       Kiv::ActivityLockAnchor const locked( activity_ );
@@ -116,7 +116,7 @@ TEST_F( FieldCall, keepsOtherThreadsOutAgainAfterTheCall ) {
    EXPECT_EQ( journal_, ( Journal{ "back", "another thread's turn" } ) );
 }
 
-TEST_F( FieldCall, takesTheLockBackWhenAnExceptionPasses ) {
+TEST_F( FieldCall, TakesTheLockBackWhenAnExceptionPasses ) {
    std::thread other;
    {
       Kiv::ActivityLockAnchor const locked( activity_ );
@@ -131,7 +131,7 @@ TEST_F( FieldCall, takesTheLockBackWhenAnExceptionPasses ) {
    EXPECT_EQ( journal_, ( Journal{ "back", "another thread's turn" } ) );
 }
 
-TEST_F( FieldCall, isUnderWayFromItsAnnouncementToItsEnd ) {
+TEST_F( FieldCall, IsUnderWayFromItsAnnouncementToItsEnd ) {
    Kiv::ActivityLockAnchor const locked( activity_ );
    auto const note = [ & ] {
       journal_.emplace_back( Shim::fieldCallUnderWay_ ? Shim::fieldCallUnderWay_->text : "none" );
@@ -148,7 +148,7 @@ TEST_F( FieldCall, isUnderWayFromItsAnnouncementToItsEnd ) {
    EXPECT_EQ( journal_, ( Journal{ "none", text, text, "none" } ) );
 }
 
-TEST_F( FieldCall, isNoLongerUnderWayWhenAnExceptionHasPassed ) {
+TEST_F( FieldCall, IsNoLongerUnderWayWhenAnExceptionHasPassed ) {
    Kiv::ActivityLockAnchor const locked( activity_ );
    sdk_.onCall = []() -> S32 { throw std::runtime_error( "no such unit" ); };
    EXPECT_ANY_THROW( SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) ) );
@@ -175,7 +175,7 @@ std::string tracedAt( int line, std::string const & text ) {
    return "ApiVornal 4 FieldCall_test.cpp:" + std::to_string( line ) + " " + text;
 }
 
-TEST_F( FieldCallTrace, saysFileLineCallAndCodeAtLevelFour ) {
+TEST_F( FieldCallTrace, SaysFileLineCallAndCodeAtLevelFour ) {
    Trace::levelsIs( "ApiVornal", "4" );
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    int const line = __LINE__ - 1;
@@ -186,7 +186,7 @@ TEST_F( FieldCallTrace, saysFileLineCallAndCodeAtLevelFour ) {
    EXPECT_EQ( lockAtTrace_, "lock held" );
 }
 
-TEST_F( FieldCallTrace, givesAPositiveCodeInDecimal ) {
+TEST_F( FieldCallTrace, GivesAPositiveCodeInDecimal ) {
    Trace::levelsIs( "ApiVornal", "4" );
    sdk_.onCall = [] { return 17; };
    SDK_FIELD_CALL( bcm_field_qualify_IpType( unit, entryId, bcmFieldIpTypeAny ) );
@@ -196,7 +196,7 @@ TEST_F( FieldCallTrace, givesAPositiveCodeInDecimal ) {
                  line, "bcm_field_qualify_IpType( unit, entryId, bcmFieldIpTypeAny ) (rc:17)" ) } );
 }
 
-TEST_F( FieldCallTrace, givesTheLineThatSupportToolsKnow ) {
+TEST_F( FieldCallTrace, GivesTheLineThatSupportToolsKnow ) {
    Trace::levelsIs( "ApiVornal", "4" );
    SDK_FIELD_CALL_AT( 279, bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    EXPECT_EQ( journal_,
@@ -205,14 +205,14 @@ TEST_F( FieldCallTrace, givesTheLineThatSupportToolsKnow ) {
                            "bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) (rc:0)" ) } );
 }
 
-TEST_F( FieldCallTrace, saysNothingWhileLevelFourIsOff ) {
+TEST_F( FieldCallTrace, SaysNothingWhileLevelFourIsOff ) {
    Trace::levelsIs( "ApiVornal", "0-3,5-9" );
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    EXPECT_EQ( sdk_.calls.size(), 1U );
    EXPECT_EQ( journal_, Journal{} );
 }
 
-TEST_F( FieldCallTrace, isOffUntilSwitchedOn ) {
+TEST_F( FieldCallTrace, IsOffUntilSwitchedOn ) {
    SDK_FIELD_CALL( bcm_field_qualify_SrcVxlanGport( unit, entryId, gport ) );
    EXPECT_EQ( journal_, Journal{} );
 }

@@ -28,13 +28,13 @@ class FullGroup : public VornalUnboundedTcamEntryManager {
    Vornal::EgressMaskResult getEgressMaskActionPbmp( U32, U32 ) override { return { 0, {} }; }
 };
 
-TEST( TcamGroupManager, knowsTheIngressAndTheEgressGroupByTheirCodes ) {
+TEST( TcamGroupManager, KnowsTheIngressAndTheEgressGroupByTheirCodes ) {
    EXPECT_EQ( Vornal::kIfpLocalBiasGroup, 157 );
    EXPECT_EQ( Vornal::kEfpLocalBiasGroup, 45 );
    EXPECT_EQ( sizeof( Vornal::TcamGroupAssignment ), 1U );
 }
 
-TEST( TcamGroupManager, findsTheManagerRegisteredForAGroup ) {
+TEST( TcamGroupManager, FindsTheManagerRegisteredForAGroup ) {
    auto const groups = Quelm::make< VornalTcamGroupManager >( "tcamManager" );
    auto const ingress = Quelm::make< FullGroup >( Vornal::kIfpLocalBiasGroup );
    auto const egress = Quelm::make< FullGroup >( Vornal::kEfpLocalBiasGroup );
@@ -45,7 +45,7 @@ TEST( TcamGroupManager, findsTheManagerRegisteredForAGroup ) {
    EXPECT_EQ( groups->unboundedEntryManager( 157 ), ingress ) << "the second time as well";
 }
 
-TEST( TcamGroupManager, sharesTheManagerWithWhoeverAsked ) {
+TEST( TcamGroupManager, SharesTheManagerWithWhoeverAsked ) {
    auto const groups = Quelm::make< VornalTcamGroupManager >( "tcamManager" );
    groups->entryManagerIs( Quelm::make< FullGroup >( Vornal::kIfpLocalBiasGroup ) );
    auto const ingress = groups->unboundedEntryManager( 157 );
@@ -54,7 +54,7 @@ TEST( TcamGroupManager, sharesTheManagerWithWhoeverAsked ) {
    EXPECT_EQ( ingress->users(), 1U );
 }
 
-TEST( TcamGroupManager, looksUpAndCreatesNothing ) {
+TEST( TcamGroupManager, LooksUpAndCreatesNothing ) {
    auto const groups = Quelm::make< VornalTcamGroupManager >( "tcamManager" );
    groups->entryManagerIs( Quelm::make< FullGroup >( Vornal::kIfpLocalBiasGroup ) );
    EXPECT_FALSE( groups->unboundedEntryManager( 45 ) );
@@ -63,7 +63,7 @@ TEST( TcamGroupManager, looksUpAndCreatesNothing ) {
               std::vector< std::string >{ "157" } );
 }
 
-TEST( TcamEntryManager, hasNoExhaustedFlagForAUnitUntilOneIsSet ) {
+TEST( TcamEntryManager, HasNoExhaustedFlagForAUnitUntilOneIsSet ) {
    auto const ingress = Quelm::make< FullGroup >( Vornal::kIfpLocalBiasGroup );
    EXPECT_FALSE( ingress->exhaustedHas( 2 ) );
    EXPECT_FALSE( ingress->exhausted( 2 ) );
@@ -72,7 +72,7 @@ TEST( TcamEntryManager, hasNoExhaustedFlagForAUnitUntilOneIsSet ) {
    EXPECT_FALSE( ingress->exhausted( 3 ) );
 }
 
-TEST( RequestKey, isEmptyWhenDefaultBuilt ) {
+TEST( RequestKey, IsEmptyWhenDefaultBuilt ) {
    VornalTcam::RequestKey const key;
    EXPECT_EQ( key.owner(), "" );
    EXPECT_EQ( key.number(), 0U );
@@ -80,7 +80,7 @@ TEST( RequestKey, isEmptyWhenDefaultBuilt ) {
    EXPECT_EQ( Quelm::textOf( key ), "VornalTcam::RequestKey( owner=\"\", number=0, detail=\"\" )" );
 }
 
-TEST( RequestKey, isATextANumberAndASecondTextInThisOrder ) {
+TEST( RequestKey, IsATextANumberAndASecondTextInThisOrder ) {
    auto const key = Quelm::fromText< VornalTcam::RequestKey >(
       "VornalTcam::RequestKey( owner=evpn, number=4294967295, detail=\"vtep 10.0.0.2\" )" );
    VornalTcam::RequestKey same;
@@ -91,7 +91,7 @@ TEST( RequestKey, isATextANumberAndASecondTextInThisOrder ) {
    EXPECT_NE( key, VornalTcam::RequestKey() );
 }
 
-TEST( UnitBitmapToPbm, putsEveryPortAtItsBit ) {
+TEST( UnitBitmapToPbm, PutsEveryPortAtItsBit ) {
    Brum::PerUnitBitmap bitmap;
    for ( U32 const port : { 0U, 31U, 32U, 69U, 351U } ) {
       bitmap.bitSet( port );
@@ -102,7 +102,7 @@ TEST( UnitBitmapToPbm, putsEveryPortAtItsBit ) {
                                                    0, 0, 0, 0x80000000 } ) );
 }
 
-TEST( UnitBitmapToPbm, addsToThePortsThatAreThere ) {
+TEST( UnitBitmapToPbm, AddsToThePortsThatAreThere ) {
    Brum::PerUnitBitmap bitmap;
    bitmap.bitSet( 5 );
    _shr_pbmp pbmp{};

@@ -14,7 +14,7 @@ Chip::ForwardingConfig notDesignatedOnEthernet1() {
    return config;
 }
 
-TEST( Designation, holdsBackEveryKindOfFrameForSeveralFromATunnel ) {
+TEST( Designation, HoldsBackEveryKindOfFrameForSeveralFromATunnel ) {
    Leaf leaf1( notDesignatedOnEthernet1() );
    for ( FrameFields const & frame :
          { fromLeaf2(), unicast( fromLeaf2(), kNobody, ip( "192.0.2.77" ) ),
@@ -28,7 +28,7 @@ TEST( Designation, holdsBackEveryKindOfFrameForSeveralFromATunnel ) {
    EXPECT_EQ( leaf1.pipeline.counters()[ Verdict::NotDesignated ], 4U );
 }
 
-TEST( Designation, isNothingToKnownUnicast ) {
+TEST( Designation, IsNothingToKnownUnicast ) {
    Leaf leaf1( notDesignatedOnEthernet1() );
    leaf1.learn( kHost1, kPort1 );
    EXPECT_EQ( verdictOn( leaf1.forward( unicast( fromLeaf2(), kHost1, ip( "192.0.2.1" ) ) ),
@@ -39,12 +39,12 @@ TEST( Designation, isNothingToKnownUnicast ) {
               "sent" );
 }
 
-TEST( Designation, isNothingToFramesFromAccessPorts ) {
+TEST( Designation, IsNothingToFramesFromAccessPorts ) {
    Leaf leaf1( notDesignatedOnEthernet1() );
    EXPECT_EQ( verdictOn( leaf1.forward( kPort3, bytesOf( fromHost1() ) ), "Ethernet1" ), "sent" );
 }
 
-TEST( Designation, canBeSaidForOneVlan ) {
+TEST( Designation, CanBeSaidForOneVlan ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.designatedForwarder[ intf( "Ethernet2" ) ].perVlan = { { 20, false } };
    config.designatedForwarder[ intf( "Port-Channel1" ) ] = { false, { { 10, true } } };

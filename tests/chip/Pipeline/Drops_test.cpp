@@ -251,7 +251,7 @@ class Drops : public testing::TestWithParam< Case > {
    Leaf leaf1;
 };
 
-TEST_P( Drops, theFrameIsCountedByItsReasonAndGoesNowhere ) {
+TEST_P( Drops, TheFrameIsCountedByItsReasonAndGoesNowhere ) {
    DropReason const reason = GetParam().reason;
    U64 const before = leaf1.pipeline.counters()[ reason ];
    FrameStory const story = leaf1.forward( GetParam().port, GetParam().bytes );
@@ -270,7 +270,7 @@ std::string nameOfCase( testing::TestParamInfo< Case > const & one ) {
 
 INSTANTIATE_TEST_SUITE_P( Reasons, Drops, testing::ValuesIn( allCases() ), nameOfCase );
 
-TEST( DropReasons, allOfThemAreTriedHere ) {
+TEST( DropReasons, AllOfThemAreTriedHere ) {
    std::set< DropReason > tried;
    for ( Case const & one : allCases() ) {
       tried.insert( one.reason );
@@ -278,7 +278,7 @@ TEST( DropReasons, allOfThemAreTriedHere ) {
    EXPECT_EQ( tried.size(), Chip::kDropReasons );
 }
 
-TEST( DropReasons, andVerdictsHaveNamesOfTheirOwn ) {
+TEST( DropReasons, AndVerdictsHaveNamesOfTheirOwn ) {
    std::set< std::string_view > names;
    for ( std::size_t n = 0; n < Chip::kDropReasons; ++n ) {
       names.insert( nameOf( static_cast< DropReason >( n ) ) );
@@ -290,7 +290,7 @@ TEST( DropReasons, andVerdictsHaveNamesOfTheirOwn ) {
    EXPECT_EQ( nameOf( Verdict::NotDesignated ), "not-designated" );
 }
 
-TEST( DropReasons, aStoryTellsHowFarTheFrameWasRead ) {
+TEST( DropReasons, AStoryTellsHowFarTheFrameWasRead ) {
    Leaf leaf1;
    FrameFields frame = fromLeaf2();
    frame.outer->vni = 10300;
@@ -302,7 +302,7 @@ TEST( DropReasons, aStoryTellsHowFarTheFrameWasRead ) {
    EXPECT_FALSE( story.kind );
 }
 
-TEST( DropReasons, reservedBitsAndPaddingAndIpOptionsAreNoReason ) {
+TEST( DropReasons, ReservedBitsAndPaddingAndIpOptionsAreNoReason ) {
    Leaf leaf1;
    ByteList const frame = overIpv4();
    EXPECT_EQ( reasonOf( leaf1.forward( kUnderlay, with( frame, { { kVxlan4, 0xff },

@@ -36,7 +36,7 @@ Chip::ForwardingConfig floodTo( std::vector< IpGenAddr > const & vteps ) {
    return config;
 }
 
-TEST( Encapsulation, overIpv4HasAllHeadersRight ) {
+TEST( Encapsulation, OverIpv4HasAllHeadersRight ) {
    Leaf leaf1( floodTo( { kLeaf2 } ) );
    leaf1.forward( fromHost1() );
    ByteList const bytes = leaf1.wire.at( kUnderlay );
@@ -58,7 +58,7 @@ TEST( Encapsulation, overIpv4HasAllHeadersRight ) {
    expectVxlanAround( bytesOf( fromHost1() ), vxlanOf( frame ) );
 }
 
-TEST( Encapsulation, overIpv6HasAllHeadersRight ) {
+TEST( Encapsulation, OverIpv6HasAllHeadersRight ) {
    Leaf leaf1( floodTo( { kLeaf2v6 } ) );
    leaf1.forward( fromHost1() );
    ByteList const bytes = leaf1.wire.at( kUnderlay );
@@ -76,7 +76,7 @@ TEST( Encapsulation, overIpv6HasAllHeadersRight ) {
    expectVxlanAround( bytesOf( fromHost1() ), vxlanOf( frame ) );
 }
 
-TEST( Encapsulation, leavesTheVlanTagBehind ) {
+TEST( Encapsulation, LeavesTheVlanTagBehind ) {
    Leaf leaf1( floodTo( { kLeaf2 } ) );
    FrameFields tagged = fromHost1();
    tagged.vlan = 10;
@@ -84,7 +84,7 @@ TEST( Encapsulation, leavesTheVlanTagBehind ) {
    expectVxlanAround( bytesOf( fromHost1() ), vxlanOf( read( leaf1.wire.at( kUnderlay ) ) ) );
 }
 
-TEST( Encapsulation, eachVtepOfTheFloodListGetsItsOwn ) {
+TEST( Encapsulation, EachVtepOfTheFloodListGetsItsOwn ) {
    Leaf leaf1( floodTo( { kLeaf2, kLeaf2v6, kLeaf3 } ) );
    FrameStory const story = leaf1.forward( fromHost1() );
    std::vector< IpGenAddr > vteps;
@@ -108,7 +108,7 @@ TEST( Encapsulation, eachVtepOfTheFloodListGetsItsOwn ) {
    EXPECT_EQ( destinations, ( std::vector< std::string >{ "10.0.0.2", "IPv6", "10.0.0.3" } ) );
 }
 
-TEST( Encapsulation, flowsHaveSourcePortsOfTheirOwnAndKeepThem ) {
+TEST( Encapsulation, FlowsHaveSourcePortsOfTheirOwnAndKeepThem ) {
    Leaf leaf1( floodTo( { kLeaf2 } ) );
    auto const sourcePort = [ & ]( U16 flow ) {
       FrameFields frame = fromHost1();
@@ -124,7 +124,7 @@ TEST( Encapsulation, flowsHaveSourcePortsOfTheirOwnAndKeepThem ) {
    EXPECT_EQ( sourcePort( 7 ), sourcePort( 7 ) );
 }
 
-TEST( Encapsulation, needsAnOwnAddressOfTheFamily ) {
+TEST( Encapsulation, NeedsAnOwnAddressOfTheFamily ) {
    Chip::ForwardingConfig config = floodTo( { kLeaf2, kLeaf2v6 } );
    config.vtepIpv6.reset();
    Leaf leaf1( config );
@@ -134,7 +134,7 @@ TEST( Encapsulation, needsAnOwnAddressOfTheFamily ) {
    EXPECT_EQ( story.copies.back().verdict, Verdict::NoVtep );
 }
 
-TEST( Encapsulation, needsAnUnderlayInterface ) {
+TEST( Encapsulation, NeedsAnUnderlayInterface ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.interfaces.pop_back();
    Leaf leaf1( config );
@@ -143,7 +143,7 @@ TEST( Encapsulation, needsAnUnderlayInterface ) {
    EXPECT_EQ( story.copies.back().remoteVtep, kLeaf3 );
 }
 
-TEST( Encapsulation, aTunnelLeadsOverItsUnderlayInterfaces ) {
+TEST( Encapsulation, ATunnelLeadsOverItsUnderlayInterfaces ) {
    Chip::ForwardingConfig config = floodTo( { kLeaf2, kLeaf3 } );
    config.interfaces.push_back(
       { .intfId = intf( "Ethernet50" ), .unit = 1, .logicalPort = 50, .isUnderlay = true } );

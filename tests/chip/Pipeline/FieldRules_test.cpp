@@ -71,7 +71,7 @@ class FieldRules : public testing::Test {
    ChipTest::TwoUnitSwitch & chips = leaf1.chips;
 };
 
-TEST_F( FieldRules, aMaskedPortGetsNoCopyAndTheRuleIsNamed ) {
+TEST_F( FieldRules, AMaskedPortGetsNoCopyAndTheRuleIsNamed ) {
    U32 const rule = mask( 0, { 1 } );
    FrameStory const story = leaf1.forward( fromLeaf2() );
    EXPECT_EQ( copyOn( story, "Ethernet1" ), ( Copy{ .intfId = intf( "Ethernet1" ),
@@ -85,14 +85,14 @@ TEST_F( FieldRules, aMaskedPortGetsNoCopyAndTheRuleIsNamed ) {
    EXPECT_EQ( leaf1.pipeline.counters()[ Verdict::Masked ], 1U );
 }
 
-TEST_F( FieldRules, aMaskIsForOneVtepOnly ) {
+TEST_F( FieldRules, AMaskIsForOneVtepOnly ) {
    mask( 0, { 1 } );
    FrameFields frame = fromLeaf2();
    frame.outer->sourceVtep = kLeaf3;
    EXPECT_EQ( verdictOn( leaf1.forward( frame ), "Ethernet1" ), "sent" );
 }
 
-TEST_F( FieldRules, aMaskIsForPortsOfItsOwnUnitOnly ) {
+TEST_F( FieldRules, AMaskIsForPortsOfItsOwnUnitOnly ) {
    mask( 0, { 3 } );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet3" ), "sent" );
    U32 const rule = mask( 1, { 1, 3 } );
@@ -102,7 +102,7 @@ TEST_F( FieldRules, aMaskIsForPortsOfItsOwnUnitOnly ) {
    EXPECT_EQ( verdictOn( story, "Ethernet1" ), "sent" );
 }
 
-TEST_F( FieldRules, aMarkedFrameIsDroppedWhereAnEgressRuleSaysSo ) {
+TEST_F( FieldRules, AMarkedFrameIsDroppedWhereAnEgressRuleSaysSo ) {
    U32 const ingress = mark( 0, 100 );
    U32 const egress = drop( 0, kMod0, 2, 100 );
    FrameStory const story = leaf1.forward( fromLeaf2() );
@@ -112,14 +112,14 @@ TEST_F( FieldRules, aMarkedFrameIsDroppedWhereAnEgressRuleSaysSo ) {
    EXPECT_EQ( story.ingress[ 0 ], ( Chip::IngressStory{ 0, RuleKey{ 0, kIfp, ingress }, 100 } ) );
 }
 
-TEST_F( FieldRules, anEgressRuleOfAnotherClassOrModuleDropsNothing ) {
+TEST_F( FieldRules, AnEgressRuleOfAnotherClassOrModuleDropsNothing ) {
    mark( 0, 100 );
    drop( 0, kMod0, 2, 101 );
    drop( 0, kMod1, 2, 100 );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet2" ), "sent" );
 }
 
-TEST_F( FieldRules, aMarkDoesNotReachTheOtherUnit ) {
+TEST_F( FieldRules, AMarkDoesNotReachTheOtherUnit ) {
    drop( 1, kMod1, 3, 100 );
    mark( 0, 100 );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet3" ), "sent" );
@@ -127,7 +127,7 @@ TEST_F( FieldRules, aMarkDoesNotReachTheOtherUnit ) {
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet3" ), "dropped" );
 }
 
-TEST_F( FieldRules, aClassIdThatIsNotSelectedIsNone ) {
+TEST_F( FieldRules, AClassIdThatIsNotSelectedIsNone ) {
    U32 const id = fromLeaf2Rule( 0 );
    chips.sdk.bcm_field_action_add( 0, id, bcmFieldActionNewClassId, 100, 0 );
    chips.ifp->installEntry( 0, id );
@@ -135,7 +135,7 @@ TEST_F( FieldRules, aClassIdThatIsNotSelectedIsNone ) {
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet2" ), "sent" );
 }
 
-TEST_F( FieldRules, anEgressRuleSeesTheIpTypeOfTheFrameInside ) {
+TEST_F( FieldRules, AnEgressRuleSeesTheIpTypeOfTheFrameInside ) {
    mark( 0, 100 );
    drop( 0, kMod0, 2, 100, bcmFieldIpTypeIpv6 );
    FrameFields frame = fromLeaf2();
@@ -147,7 +147,7 @@ TEST_F( FieldRules, anEgressRuleSeesTheIpTypeOfTheFrameInside ) {
    EXPECT_EQ( verdictOn( leaf1.forward( frame ), "Ethernet2" ), "sent" );
 }
 
-TEST_F( FieldRules, anEgressRuleWithoutDropLetsTheCopyOut ) {
+TEST_F( FieldRules, AnEgressRuleWithoutDropLetsTheCopyOut ) {
    U32 const id = chips.efp->getEntry( 0, "no-op", {} );
    chips.efp->installEntry( 0, id );
    FrameStory const story = leaf1.forward( fromLeaf2() );
@@ -155,7 +155,7 @@ TEST_F( FieldRules, anEgressRuleWithoutDropLetsTheCopyOut ) {
    EXPECT_FALSE( copyOn( story, "Ethernet2" ).rule );
 }
 
-TEST_F( FieldRules, stagedRulesTouchNoFrame ) {
+TEST_F( FieldRules, StagedRulesTouchNoFrame ) {
    U32 const ingress = fromLeaf2Rule( 0 );
    chips.ifp->addEgressMaskAction( 0, ingress, ChipTest::pbmpOfPorts( { 1 } ) );
    stagedDrop( 0, kMod0, 2, 0 );
@@ -165,7 +165,7 @@ TEST_F( FieldRules, stagedRulesTouchNoFrame ) {
    EXPECT_FALSE( story.ingress[ 0 ].rule );
 }
 
-TEST_F( FieldRules, aChangedMaskHoldsFromItsReinstallOn ) {
+TEST_F( FieldRules, AChangedMaskHoldsFromItsReinstallOn ) {
    U32 const rule = mask( 0, { 1 } );
    chips.ifp->updateEgressMaskAction( 0, rule, ChipTest::pbmpOfPorts( { 2 } ) );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet1" ), "masked" );
@@ -175,7 +175,7 @@ TEST_F( FieldRules, aChangedMaskHoldsFromItsReinstallOn ) {
    EXPECT_EQ( verdictOn( story, "Ethernet2" ), "masked" );
 }
 
-TEST_F( FieldRules, knownUnicastIsExemptFromTheMask ) {
+TEST_F( FieldRules, KnownUnicastIsExemptFromTheMask ) {
    leaf1.learn( kHost1, kPort1 );
    U32 const perVtep = mask( 0, { 1 } );
    prioritise( perVtep, 1 );
@@ -188,7 +188,7 @@ TEST_F( FieldRules, knownUnicastIsExemptFromTheMask ) {
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet1" ), "masked" );
 }
 
-TEST_F( FieldRules, knownL3MulticastOfAVniIsExemptFromTheMask ) {
+TEST_F( FieldRules, KnownL3MulticastOfAVniIsExemptFromTheMask ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.multicastRoutes = { { ip( "239.1.1.1" ), {} } };
    leaf1.pipeline.forwardingIs( config );
@@ -204,27 +204,27 @@ TEST_F( FieldRules, knownL3MulticastOfAVniIsExemptFromTheMask ) {
    EXPECT_EQ( verdictOn( leaf1.forward( bridged ), "Ethernet1" ), "masked" );
 }
 
-TEST_F( FieldRules, framesFromAccessPortsHaveNoTunnelFacts ) {
+TEST_F( FieldRules, FramesFromAccessPortsHaveNoTunnelFacts ) {
    exemption( Chip::packetResolutionOf( FrameKind::Broadcast ) );
    EXPECT_FALSE( leaf1.forward( fromHost1() ).ingress[ 0 ].rule );
    EXPECT_TRUE( leaf1.forward( fromLeaf2() ).ingress[ 0 ].rule );
 }
 
-TEST_F( FieldRules, rulesAreForCopiesIntoTunnelsToo ) {
+TEST_F( FieldRules, RulesAreForCopiesIntoTunnelsToo ) {
    drop( 0, kMod0, 49, 0 );
    FrameStory const story = leaf1.forward( fromHost1() );
    EXPECT_EQ( verdictOn( story, "Ethernet49" ), "dropped" );
    EXPECT_TRUE( leaf1.wire.at( kUnderlay ).empty() );
 }
 
-TEST_F( FieldRules, theUnitOfArrivalIsAskedFirstAndEachUnitOnce ) {
+TEST_F( FieldRules, TheUnitOfArrivalIsAskedFirstAndEachUnitOnce ) {
    FrameStory const story = leaf1.forward( kPort3, bytesOf( fromHost1() ) );
    ASSERT_EQ( story.ingress.size(), 2U );
    EXPECT_EQ( story.ingress[ 0 ].unit, 1 );
    EXPECT_EQ( story.ingress[ 1 ].unit, 0 );
 }
 
-TEST_F( FieldRules, theFirstInTheOrderOfThePipelineDecides ) {
+TEST_F( FieldRules, TheFirstInTheOrderOfThePipelineDecides ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.designatedForwarder[ intf( "Ethernet1" ) ].allVlans = false;
    leaf1.pipeline.forwardingIs( config );
@@ -237,7 +237,7 @@ TEST_F( FieldRules, theFirstInTheOrderOfThePipelineDecides ) {
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Ethernet1" ), "masked" );
 }
 
-TEST_F( FieldRules, aUnitWithoutGroupsForwardsAllTheSame ) {
+TEST_F( FieldRules, AUnitWithoutGroupsForwardsAllTheSame ) {
    Chip::Board bare( { { { 0, 0, {} }, { 1, 4, {} } } } );
    Chip::Pipeline pipeline( bare.units() );
    pipeline.forwardingIs( leaf1Config() );
@@ -246,7 +246,7 @@ TEST_F( FieldRules, aUnitWithoutGroupsForwardsAllTheSame ) {
    EXPECT_EQ( verdictOn( story, "Ethernet1" ), "sent" );
 }
 
-TEST( PacketResolution, isDifferentForEveryKind ) {
+TEST( PacketResolution, IsDifferentForEveryKind ) {
    std::set< U32 > resolutions;
    for ( FrameKind const kind : Chip::kFrameKinds ) {
       resolutions.insert( Chip::packetResolutionOf( kind ) );

@@ -84,46 +84,46 @@ class FrameKinds : public testing::TestWithParam< Way > {
    Leaf leaf1;
 };
 
-TEST_P( FrameKinds, broadcastGoesEverywhere ) {
+TEST_P( FrameKinds, BroadcastGoesEverywhere ) {
    FrameStory const story =
       forward( MacAddress::broadcast(), GetParam().address( "192.0.2.255", "ff02::1" ) );
    EXPECT_EQ( kindOf( story ), "broadcast" );
    expectFlooded( story );
 }
 
-TEST_P( FrameKinds, unicastToAnUnknownAddressGoesEverywhere ) {
+TEST_P( FrameKinds, UnicastToAnUnknownAddressGoesEverywhere ) {
    FrameStory const story =
       forward( kNobody, GetParam().address( "192.0.2.77", "2001:db8:100::77" ) );
    EXPECT_EQ( kindOf( story ), "unknown-unicast" );
    expectFlooded( story );
 }
 
-TEST_P( FrameKinds, multicastWithoutARouteGoesEverywhere ) {
+TEST_P( FrameKinds, MulticastWithoutARouteGoesEverywhere ) {
    FrameStory const story = forward( kGroupMac4, GetParam().address( "239.1.1.9", "ff0e::1:109" ) );
    EXPECT_EQ( kindOf( story ), "l2-multicast" );
    expectFlooded( story );
 }
 
-TEST_P( FrameKinds, multicastWithARouteIsKnownL3Multicast ) {
+TEST_P( FrameKinds, MulticastWithARouteIsKnownL3Multicast ) {
    FrameStory const story = forward( kGroupMac4, GetParam().address( "239.1.1.1", "ff0e::1:101" ) );
    EXPECT_EQ( kindOf( story ), "routed-multicast" );
    expectFlooded( story );
 }
 
-TEST_P( FrameKinds, unicastToALearnedAddressGoesThereOnly ) {
+TEST_P( FrameKinds, UnicastToALearnedAddressGoesThereOnly ) {
    FrameStory const story = forward( kHost3, GetParam().address( "192.0.2.3", "2001:db8:100::3" ) );
    EXPECT_EQ( kindOf( story ), "known-unicast" );
    expectOnlyToPort3( story );
 }
 
-TEST_P( FrameKinds, unicastToTheRouterGoesToItsHostOnly ) {
+TEST_P( FrameKinds, UnicastToTheRouterGoesToItsHostOnly ) {
    FrameStory const story =
       forward( kRouter, GetParam().address( "192.0.2.3", "2001:db8:100::3" ) );
    EXPECT_EQ( kindOf( story ), "routed-unicast" );
    expectOnlyToPort3( story );
 }
 
-TEST_P( FrameKinds, theStoryTellsWhereItCameFrom ) {
+TEST_P( FrameKinds, TheStoryTellsWhereItCameFrom ) {
    IpGenAddr const destination = GetParam().address( "192.0.2.255", "ff02::1" );
    FrameStory const story = forward( MacAddress::broadcast(), destination );
    EXPECT_EQ( story.arrivalPort, GetParam().port() );

@@ -22,7 +22,7 @@ std::string placeOf( Leaf & leaf1, MacAddress address, VornalPort from = kPort3 
    return copy.remoteVtep ? copy.remoteVtep->stringValue() : copy.intfId.stringValue();
 }
 
-TEST( Learning, anAddressIsWhereItsFrameCameFrom ) {
+TEST( Learning, AnAddressIsWhereItsFrameCameFrom ) {
    Leaf leaf1;
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "everywhere" );
    leaf1.learn( kHost1, kPort1 );
@@ -31,7 +31,7 @@ TEST( Learning, anAddressIsWhereItsFrameCameFrom ) {
    EXPECT_EQ( placeOf( leaf1, kHost2 ), "10.0.0.2" );
 }
 
-TEST( Learning, anAddressMoves ) {
+TEST( Learning, AnAddressMoves ) {
    Leaf leaf1;
    leaf1.learn( kHost1, kPort1 );
    leaf1.learn( kHost1, kPort2 );
@@ -50,7 +50,7 @@ Chip::ForwardingConfig sharedWithLeaf2( std::string_view interface ) {
    return config;
 }
 
-TEST( Learning, anAddressOnASegmentStaysThereWhenItIsSeenThroughAVtepOfTheSegment ) {
+TEST( Learning, AnAddressOnASegmentStaysThereWhenItIsSeenThroughAVtepOfTheSegment ) {
    Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
    leaf1.learn( kHost1, kPort5 );
    leaf1.learnBehindLeaf2( kHost1 );
@@ -61,7 +61,7 @@ TEST( Learning, anAddressOnASegmentStaysThereWhenItIsSeenThroughAVtepOfTheSegmen
    EXPECT_EQ( placeOf( single, kHost1 ), "Ethernet1" );
 }
 
-TEST( Learning, anAddressOnASegmentMovesToAVtepThatIsNotOnIt ) {
+TEST( Learning, AnAddressOnASegmentMovesToAVtepThatIsNotOnIt ) {
    Leaf leaf1( sharedWithLeaf2( "Ethernet1" ) );
    leaf1.learn( kHost1, kPort5 );
    leaf1.learnBehindLeaf2( kHost1 );
@@ -74,7 +74,7 @@ TEST( Learning, anAddressOnASegmentMovesToAVtepThatIsNotOnIt ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.3" ) << "which is on no segment";
 }
 
-TEST( Learning, anAddressThatIsFirstSeenThroughATunnelMovesToTheSegment ) {
+TEST( Learning, AnAddressThatIsFirstSeenThroughATunnelMovesToTheSegment ) {
    Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
    leaf1.learnBehindLeaf2( kHost1 );
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
@@ -82,7 +82,7 @@ TEST( Learning, anAddressThatIsFirstSeenThroughATunnelMovesToTheSegment ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "Port-Channel1" );
 }
 
-TEST( Learning, anAddressMovesOnceTheVtepHasLeftTheSegment ) {
+TEST( Learning, AnAddressMovesOnceTheVtepHasLeftTheSegment ) {
    Leaf leaf1( sharedWithLeaf2( "Port-Channel1" ) );
    leaf1.learn( kHost1, kPort5 );
    leaf1.pipeline.forwardingIs( leaf1Config() );
@@ -90,7 +90,7 @@ TEST( Learning, anAddressMovesOnceTheVtepHasLeftTheSegment ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
 }
 
-TEST( Learning, aSegmentOfAnInterfaceThatIsNotThereSaysNothing ) {
+TEST( Learning, ASegmentOfAnInterfaceThatIsNotThereSaysNothing ) {
    Chip::ForwardingConfig config = sharedWithLeaf2( "Ethernet9" );
    config.sharedWith[ intf( "Ethernet1" ) ] = { ip( "10.0.0.9" ) };
    Leaf leaf1( config );
@@ -99,7 +99,7 @@ TEST( Learning, aSegmentOfAnInterfaceThatIsNotThereSaysNothing ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "10.0.0.2" );
 }
 
-TEST( Learning, anAddressBehindAMemberIsBehindThePortChannel ) {
+TEST( Learning, AnAddressBehindAMemberIsBehindThePortChannel ) {
    Leaf leaf1;
    leaf1.learn( kHost1, kPort5 );
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "Port-Channel1" );
@@ -107,13 +107,13 @@ TEST( Learning, anAddressBehindAMemberIsBehindThePortChannel ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "Port-Channel1" );
 }
 
-TEST( Learning, anAddressIsKnownInItsVlanOnly ) {
+TEST( Learning, AnAddressIsKnownInItsVlanOnly ) {
    Leaf leaf1;
    leaf1.learn( kHost1, kPort1 );
    EXPECT_EQ( placeOf( leaf1, kHost1, kPort2 ), "everywhere" ) << "untagged there is VLAN 20";
 }
 
-TEST( Learning, groupAddressesAndZeroAreNobodys ) {
+TEST( Learning, GroupAddressesAndZeroAreNobodys ) {
    Leaf leaf1;
    leaf1.learn( kGroupMac4, kPort1 );
    leaf1.learn( MacAddress::broadcast(), kPort1 );
@@ -121,7 +121,7 @@ TEST( Learning, groupAddressesAndZeroAreNobodys ) {
    EXPECT_EQ( leaf1.pipeline.learned(), 0U );
 }
 
-TEST( Learning, aDroppedFrameOfAnUnknownVlanTeachesNothing ) {
+TEST( Learning, ADroppedFrameOfAnUnknownVlanTeachesNothing ) {
    Leaf leaf1;
    FrameFields frame = fromHost1();
    frame.vlan = 11;
@@ -129,14 +129,14 @@ TEST( Learning, aDroppedFrameOfAnUnknownVlanTeachesNothing ) {
    EXPECT_EQ( leaf1.pipeline.learned(), 0U );
 }
 
-TEST( Learning, allCanBeForgotten ) {
+TEST( Learning, AllCanBeForgotten ) {
    Leaf leaf1;
    leaf1.learn( kHost1, kPort1 );
    leaf1.pipeline.learnedDelAll();
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "everywhere" );
 }
 
-TEST( Learning, endsAtALimitAndKnownAddressesStillMove ) {
+TEST( Learning, EndsAtALimitAndKnownAddressesStillMove ) {
    Leaf leaf1;
    std::vector< U8 > bytes = bytesOf( fromHost1() );
    for ( U64 n = 0; n < 33000; ++n ) {
@@ -161,7 +161,7 @@ class ChangedForwarding : public testing::Test {
    Leaf leaf1;
 };
 
-TEST_F( ChangedForwarding, keepsWhatHasNotChanged ) {
+TEST_F( ChangedForwarding, KeepsWhatHasNotChanged ) {
    std::reverse( config.interfaces.begin(), config.interfaces.end() );
    config.tunnels.emplace( ip( "10.0.0.1" ), Chip::TunnelConfig{} );
    config.vtepIpv4 = ip( "10.0.0.9" );
@@ -172,7 +172,7 @@ TEST_F( ChangedForwarding, keepsWhatHasNotChanged ) {
    EXPECT_EQ( placeOf( leaf1, kHost3 ), "Port-Channel1" );
 }
 
-TEST_F( ChangedForwarding, forgetsWhatWasBehindAnInterfaceThatIsGone ) {
+TEST_F( ChangedForwarding, ForgetsWhatWasBehindAnInterfaceThatIsGone ) {
    std::erase_if( config.interfaces, []( Chip::InterfaceConfig const & one ) {
       return one.intfId == intf( "Ethernet1" );
    } );
@@ -183,20 +183,20 @@ TEST_F( ChangedForwarding, forgetsWhatWasBehindAnInterfaceThatIsGone ) {
    EXPECT_EQ( placeOf( leaf1, kHost2 ), "10.0.0.2" );
 }
 
-TEST_F( ChangedForwarding, forgetsWhatWasInAVlanThatTheInterfaceHasLeft ) {
+TEST_F( ChangedForwarding, ForgetsWhatWasInAVlanThatTheInterfaceHasLeft ) {
    config.interfaces[ 0 ].vlans = { {}, 20 };
    leaf1.pipeline.forwardingIs( config );
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "everywhere" );
 }
 
-TEST_F( ChangedForwarding, forgetsWhatWasBehindATunnelThatIsGone ) {
+TEST_F( ChangedForwarding, ForgetsWhatWasBehindATunnelThatIsGone ) {
    config.tunnels.erase( kLeaf2 );
    config.floodLists.clear();
    leaf1.pipeline.forwardingIs( config );
    EXPECT_EQ( placeOf( leaf1, kHost2 ), "everywhere" );
 }
 
-TEST_F( ChangedForwarding, forgetsWhatWasBehindATunnelWhenTheVlanLosesItsVni ) {
+TEST_F( ChangedForwarding, ForgetsWhatWasBehindATunnelWhenTheVlanLosesItsVni ) {
    config.vlanToVni.erase( 10 );
    config.floodLists.clear();
    leaf1.pipeline.forwardingIs( config );
@@ -204,7 +204,7 @@ TEST_F( ChangedForwarding, forgetsWhatWasBehindATunnelWhenTheVlanLosesItsVni ) {
    EXPECT_EQ( placeOf( leaf1, kHost1 ), "Ethernet1" );
 }
 
-TEST_F( ChangedForwarding, isNotTakenWhenItContradictsItself ) {
+TEST_F( ChangedForwarding, IsNotTakenWhenItContradictsItself ) {
    config.interfaces[ 0 ].unit = 7;
    EXPECT_THROW( leaf1.pipeline.forwardingIs( config ), Quelm::Error );
    EXPECT_EQ( leaf1.pipeline.forwarding(), leaf1Config() );

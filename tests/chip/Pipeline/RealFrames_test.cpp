@@ -54,7 +54,7 @@ class RealFrames : public testing::TestWithParam< Capture > {
    Leaf leaf1;
 };
 
-TEST_P( RealFrames, areOfTheseKinds ) {
+TEST_P( RealFrames, AreOfTheseKinds ) {
    Chip::PipelineCounters const & counters = leaf1.pipeline.counters();
    Chip::PipelineCounters const before = counters;
    forEachFrame( [ & ]( std::vector< U8 > const & bytes ) { leaf1.forward( kUnderlay, bytes ); } );
@@ -72,7 +72,7 @@ TEST_P( RealFrames, areOfTheseKinds ) {
                                                   expected.knownUnicast + expected.sentByLeaf1 );
 }
 
-TEST_P( RealFrames, reachHost1JustAsTheyWereSent ) {
+TEST_P( RealFrames, ReachHost1JustAsTheyWereSent ) {
    forEachFrame( [ & ]( std::vector< U8 > const & bytes ) {
       FrameStory const story = leaf1.forward( kUnderlay, bytes );
       if ( !story.dropReason ) {
@@ -82,7 +82,7 @@ TEST_P( RealFrames, reachHost1JustAsTheyWereSent ) {
    } );
 }
 
-TEST_P( RealFrames, cutAtAnyLengthAreDroppedAndCounted ) {
+TEST_P( RealFrames, CutAtAnyLengthAreDroppedAndCounted ) {
    forEachFrame( [ & ]( std::vector< U8 > const & bytes ) {
       for ( std::size_t length = 0; length < bytes.size(); ++length ) {
          // A buffer of just this length, so that a sanitizer sees any look beyond it.
@@ -98,7 +98,7 @@ TEST_P( RealFrames, cutAtAnyLengthAreDroppedAndCounted ) {
    } );
 }
 
-TEST_P( RealFrames, cutInsideOfTheTunnelAreBridgedAsTheyAre ) {
+TEST_P( RealFrames, CutInsideOfTheTunnelAreBridgedAsTheyAre ) {
    forEachFrame( [ & ]( std::vector< U8 > const & bytes ) {
       for ( std::size_t length = 0; length + GetParam().outerSize < bytes.size(); ++length ) {
          auto const inner = bytes.begin() + static_cast< std::ptrdiff_t >( GetParam().outerSize );

@@ -30,7 +30,7 @@ FrameFields flow( U16 sourcePort ) {
    return frame;
 }
 
-TEST( Replication, aFrameFromATunnelLeavesWithoutItsOuterHeaders ) {
+TEST( Replication, AFrameFromATunnelLeavesWithoutItsOuterHeaders ) {
    Leaf leaf1;
    FrameFields inner = fromLeaf2();
    leaf1.forward( inner );
@@ -39,7 +39,7 @@ TEST( Replication, aFrameFromATunnelLeavesWithoutItsOuterHeaders ) {
    EXPECT_EQ( leaf1.wire.at( kPort2 ), tagged( bytesOf( inner ), 10 ) );
 }
 
-TEST( Replication, aTagIsPutInAndTakenOut ) {
+TEST( Replication, ATagIsPutInAndTakenOut ) {
    Leaf leaf1;
    std::vector< U8 > const untagged = bytesOf( fromHost1() );
    leaf1.forward( kPort1, untagged );
@@ -50,7 +50,7 @@ TEST( Replication, aTagIsPutInAndTakenOut ) {
    EXPECT_EQ( leaf1.wire.at( kPort3 ), untagged );
 }
 
-TEST( Replication, aTagKeepsItsPriority ) {
+TEST( Replication, ATagKeepsItsPriority ) {
    Leaf leaf1;
    std::vector< U8 > const untagged = bytesOf( fromHost1() );
    VornalPort const member =
@@ -61,14 +61,14 @@ TEST( Replication, aTagKeepsItsPriority ) {
    EXPECT_EQ( leaf1.wire.at( kPort3 ), untagged );
 }
 
-TEST( Replication, aFrameMayCarryTheTagOfAnUntaggedVlan ) {
+TEST( Replication, AFrameMayCarryTheTagOfAnUntaggedVlan ) {
    Leaf leaf1;
    std::vector< U8 > const untagged = bytesOf( fromHost1() );
    leaf1.forward( kPort1, tagged( untagged, 10 ) );
    EXPECT_EQ( leaf1.wire.at( kPort3 ), untagged );
 }
 
-TEST( Replication, aFrameStaysInItsVlan ) {
+TEST( Replication, AFrameStaysInItsVlan ) {
    Leaf leaf1;
    FrameStory const story = leaf1.forward( kPort2, bytesOf( fromHost1() ) );
    EXPECT_EQ( story.inner->vlan, 20 );
@@ -77,14 +77,14 @@ TEST( Replication, aFrameStaysInItsVlan ) {
    EXPECT_TRUE( leaf1.wire.sent.empty() );
 }
 
-TEST( Replication, whatCameThroughATunnelEntersNoOther ) {
+TEST( Replication, WhatCameThroughATunnelEntersNoOther ) {
    Leaf leaf1;
    FrameStory const story = leaf1.forward( fromLeaf2() );
    EXPECT_EQ( verdictOn( story, "Ethernet49" ), "-" );
    EXPECT_EQ( story.copies.size(), 4U );
 }
 
-TEST( Replication, aPortChannelGetsOneCopyByAMemberThatTheFlowChooses ) {
+TEST( Replication, APortChannelGetsOneCopyByAMemberThatTheFlowChooses ) {
    Leaf leaf1;
    std::map< VornalPort, int > flows;
    for ( U16 sourcePort = 1; sourcePort <= 1000; ++sourcePort ) {
@@ -97,7 +97,7 @@ TEST( Replication, aPortChannelGetsOneCopyByAMemberThatTheFlowChooses ) {
    EXPECT_GT( flows[ kPort5 ], 400 );
 }
 
-TEST( Replication, aFlowTakesTheSameMemberThroughATunnelAndFromAnAccessPort ) {
+TEST( Replication, AFlowTakesTheSameMemberThroughATunnelAndFromAnAccessPort ) {
    Leaf leaf1;
    for ( U16 sourcePort = 1; sourcePort <= 100; ++sourcePort ) {
       FrameFields frame = flow( sourcePort );
@@ -109,7 +109,7 @@ TEST( Replication, aFlowTakesTheSameMemberThroughATunnelAndFromAnAccessPort ) {
    }
 }
 
-TEST( Replication, aFrameFromAMemberDoesNotGoBackByAnother ) {
+TEST( Replication, AFrameFromAMemberDoesNotGoBackByAnother ) {
    Leaf leaf1;
    for ( VornalPort const & member : { kPort4, kPort5 } ) {
       FrameStory const story = leaf1.forward( member, tagged( bytesOf( fromHost1() ), 10 ) );
@@ -120,14 +120,14 @@ TEST( Replication, aFrameFromAMemberDoesNotGoBackByAnother ) {
    }
 }
 
-TEST( Replication, aPortChannelWithoutMembersHasNoPort ) {
+TEST( Replication, APortChannelWithoutMembersHasNoPort ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.portChannels[ 0 ].members.clear();
    Leaf leaf1( config );
    EXPECT_EQ( verdictOn( leaf1.forward( fromLeaf2() ), "Port-Channel1" ), "no-port" );
 }
 
-TEST( Replication, aVlanWithoutVniIsBridgedLocally ) {
+TEST( Replication, AVlanWithoutVniIsBridgedLocally ) {
    Chip::ForwardingConfig config = leaf1Config();
    config.vlanToVni.erase( 10 );
    config.floodLists.clear();
@@ -137,14 +137,14 @@ TEST( Replication, aVlanWithoutVniIsBridgedLocally ) {
    EXPECT_EQ( verdictOn( story, "Ethernet49" ), "-" );
 }
 
-TEST( Replication, aFrameKeepsMoreThanOneTag ) {
+TEST( Replication, AFrameKeepsMoreThanOneTag ) {
    Leaf leaf1;
    std::vector< U8 > const inside = tagged( bytesOf( fromHost1() ), 300 );
    leaf1.forward( kPort2, tagged( inside, 10 ) );
    EXPECT_EQ( leaf1.wire.at( kPort3 ), inside );
 }
 
-TEST( Replication, countsFramesAndCopies ) {
+TEST( Replication, CountsFramesAndCopies ) {
    Leaf leaf1;
    leaf1.forward( fromLeaf2() );
    leaf1.forward( fromHost1() );

@@ -31,7 +31,7 @@ class Routing : public testing::Test {
    Leaf leaf1{ withRoutes() };
 };
 
-TEST_F( Routing, anIpv4FrameGetsNewAddressesAndOneLessOfItsTtl ) {
+TEST_F( Routing, AnIpv4FrameGetsNewAddressesAndOneLessOfItsTtl ) {
    FrameStory const story = leaf1.forward( unicast( fromHost1(), kRouter, ip( "192.0.2.3" ) ) );
    std::vector< U8 > const bytes = leaf1.wire.at( kPort3 );
    Tins::EthernetII const frame( bytes.data(), static_cast< U32 >( bytes.size() ) );
@@ -43,7 +43,7 @@ TEST_F( Routing, anIpv4FrameGetsNewAddressesAndOneLessOfItsTtl ) {
    EXPECT_EQ( story.inner->destination, kRouter ) << "the story is of the frame that came";
 }
 
-TEST_F( Routing, anIpv6FrameGetsNewAddressesAndOneLessOfItsHopLimit ) {
+TEST_F( Routing, AnIpv6FrameGetsNewAddressesAndOneLessOfItsHopLimit ) {
    FrameFields frame = unicast( fromHost1(), kRouter, ip( "2001:db8:100::3" ) );
    frame.sourceIp = ip( "2001:db8:100::1" );
    leaf1.forward( frame );
@@ -53,7 +53,7 @@ TEST_F( Routing, anIpv6FrameGetsNewAddressesAndOneLessOfItsHopLimit ) {
    EXPECT_EQ( leaf1.wire.at( kPort3 ), bytesOf( frame ) );
 }
 
-TEST_F( Routing, aRouteLeadsIntoAnotherVlan ) {
+TEST_F( Routing, ARouteLeadsIntoAnotherVlan ) {
    FrameFields host = fromHost1();
    host.source = kHost3;
    leaf1.forward( kPort2, bytesOf( host ) );  // untagged there is VLAN 20
@@ -67,12 +67,12 @@ TEST_F( Routing, aRouteLeadsIntoAnotherVlan ) {
    EXPECT_EQ( leaf1.wire.at( kPort2 ), bytesOf( frame ) );
 }
 
-TEST_F( Routing, aRoutedFrameMayLeaveByThePortOfItsArrival ) {
+TEST_F( Routing, ARoutedFrameMayLeaveByThePortOfItsArrival ) {
    FrameFields frame = unicast( fromHost1(), kRouter, ip( "192.0.2.3" ) );
    EXPECT_EQ( verdictOn( leaf1.forward( kPort3, bytesOf( frame ) ), "Ethernet3" ), "sent" );
 }
 
-TEST_F( Routing, aRouteLeadsIntoATunnel ) {
+TEST_F( Routing, ARouteLeadsIntoATunnel ) {
    leaf1.learnBehindLeaf2( kHost2 );
    FrameStory const story = leaf1.forward( unicast( fromHost1(), kRouter, ip( "192.0.2.2" ) ) );
    ASSERT_EQ( story.copies.size(), 1U );
@@ -83,19 +83,19 @@ TEST_F( Routing, aRouteLeadsIntoATunnel ) {
    EXPECT_EQ( bytes.at( ttl ), 63 );
 }
 
-TEST_F( Routing, multicastIsNotChanged ) {
+TEST_F( Routing, MulticastIsNotChanged ) {
    FrameFields const frame = unicast( fromHost1(), kGroupMac4, ip( "239.1.1.1" ) );
    EXPECT_EQ( kindOf( leaf1.forward( frame ) ), "routed-multicast" );
    EXPECT_EQ( leaf1.wire.at( kPort3 ), bytesOf( frame ) );
 }
 
-TEST_F( Routing, multicastIsKnownInTheVlansOfItsRoute ) {
+TEST_F( Routing, MulticastIsKnownInTheVlansOfItsRoute ) {
    FrameFields const frame = unicast( fromHost1(), kGroupMac4, ip( "239.1.1.20" ) );
    EXPECT_EQ( kindOf( leaf1.forward( kPort1, bytesOf( frame ) ) ), "l2-multicast" );
    EXPECT_EQ( kindOf( leaf1.forward( kPort2, bytesOf( frame ) ) ), "routed-multicast" );
 }
 
-TEST_F( Routing, multicastThatCannotBeRoutedIsBridged ) {
+TEST_F( Routing, MulticastThatCannotBeRoutedIsBridged ) {
    FrameFields frame = unicast( fromHost1(), kGroupMac4, ip( "239.1.1.1" ) );
    frame.timeToLive = 1;
    EXPECT_EQ( kindOf( leaf1.forward( frame ) ), "l2-multicast" ) << "TTL";
@@ -109,7 +109,7 @@ TEST_F( Routing, multicastThatCannotBeRoutedIsBridged ) {
    EXPECT_EQ( kindOf( leaf1.forward( frame ) ), "l2-multicast" ) << "local network control";
 }
 
-TEST_F( Routing, ipv6MulticastNeedsAScopeWiderThanTheLink ) {
+TEST_F( Routing, Ipv6MulticastNeedsAScopeWiderThanTheLink ) {
    FrameFields frame = unicast( fromHost1(), kGroupMac6, ip( "ff0e::1" ) );
    frame.sourceIp = ip( "2001:db8:100::1" );
    EXPECT_EQ( kindOf( leaf1.forward( frame ) ), "routed-multicast" );

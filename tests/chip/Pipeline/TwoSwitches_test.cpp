@@ -61,7 +61,7 @@ class TwoSwitches : public testing::TestWithParam< Link > {
    Leaf leaf2{ oneOfTwo( GetParam().leaf2, GetParam().leaf1, 200 ) };
 };
 
-TEST_P( TwoSwitches, aRequestReachesAllAndTheAnswerReachesOne ) {
+TEST_P( TwoSwitches, ARequestReachesAllAndTheAnswerReachesOne ) {
    FrameFields request = fromHost1();
    request.content = FrameContent::Arp;
    request.destinationIp = ip( "192.0.2.2" );
@@ -87,7 +87,7 @@ TEST_P( TwoSwitches, aRequestReachesAllAndTheAnswerReachesOne ) {
    EXPECT_EQ( send( 1, kPort1, further ), ( Received{ { "2/2", bytesOf( furtherThere ) } } ) );
 }
 
-TEST_P( TwoSwitches, theLargestFrameFitsThroughTheTunnel ) {
+TEST_P( TwoSwitches, TheLargestFrameFitsThroughTheTunnel ) {
    FrameFields frame = fromHost1();
    frame.payloadSize = Chip::Pipeline::kLargestFrame - 14 - 20 - 8;
    Received const received = send( 1, kPort1, frame );

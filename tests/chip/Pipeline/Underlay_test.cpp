@@ -58,7 +58,7 @@ std::map< VornalPort, int > flowsByPort( Leaf & leaf1 ) {
    return flows;
 }
 
-TEST( UnderlayPortChannel, takesFramesOnAnyMember ) {
+TEST( UnderlayPortChannel, TakesFramesOnAnyMember ) {
    Leaf leaf1( overPortChannel() );
    for ( VornalPort const & member : { kUnderlay, kPort50 } ) {
       FrameStory const story = leaf1.forward( member, bytesOf( fromLeaf2() ) );
@@ -68,7 +68,7 @@ TEST( UnderlayPortChannel, takesFramesOnAnyMember ) {
    }
 }
 
-TEST( UnderlayPortChannel, sendsEachFlowByOneMember ) {
+TEST( UnderlayPortChannel, SendsEachFlowByOneMember ) {
    Leaf leaf1( overPortChannel() );
    for ( U16 sourcePort = 1; sourcePort <= 100; ++sourcePort ) {
       Copy const first = copyFor( leaf1.forward( flow( sourcePort ) ), kLeaf2 );
@@ -83,7 +83,7 @@ TEST( UnderlayPortChannel, sendsEachFlowByOneMember ) {
    EXPECT_GT( flows[ kPort50 ], 400 );
 }
 
-TEST( UnderlayPortChannel, knowsTheNeighbourOfItsLink ) {
+TEST( UnderlayPortChannel, KnowsTheNeighbourOfItsLink ) {
    Chip::ForwardingConfig config = overPortChannel();
    config.portChannels.back().members = { intf( "Ethernet50" ) };
    config.floodLists = { { 10100, { kLeaf2 } } };
@@ -95,7 +95,7 @@ TEST( UnderlayPortChannel, knowsTheNeighbourOfItsLink ) {
               ( std::vector< U8 >{ 2, 0, 0, 0, 0, 0x49 } ) );
 }
 
-TEST( UnderlayPortChannel, sharesFlowsWithAnotherOverAllMembersOfBoth ) {
+TEST( UnderlayPortChannel, SharesFlowsWithAnotherOverAllMembersOfBoth ) {
    Leaf leaf1( overTwoPortChannels() );
    auto flows = flowsByPort( leaf1 );
    for ( VornalPort const & member : { kUnderlay, kPort50, kPort51, kPort52 } ) {
@@ -103,7 +103,7 @@ TEST( UnderlayPortChannel, sharesFlowsWithAnotherOverAllMembersOfBoth ) {
    }
 }
 
-TEST( UnderlayPortChannel, isNotChosenWhileNoMemberHasAPort ) {
+TEST( UnderlayPortChannel, IsNotChosenWhileNoMemberHasAPort ) {
    Chip::ForwardingConfig config = overTwoPortChannels();
    config.portChannels.back().members.clear();
    Leaf leaf1( config );
@@ -114,7 +114,7 @@ TEST( UnderlayPortChannel, isNotChosenWhileNoMemberHasAPort ) {
    EXPECT_EQ( nameOf( copyFor( leaf1.forward( fromHost1() ), kLeaf2 ).verdict ), "no-port" );
 }
 
-TEST( UnderlayPortChannel, canBeWhereATunnelLeads ) {
+TEST( UnderlayPortChannel, CanBeWhereATunnelLeads ) {
    Chip::ForwardingConfig config = overTwoPortChannels();
    config.tunnels[ kLeaf2 ].underlay = { intf( "Port-Channel51" ) };
    Leaf leaf1( config );
@@ -122,7 +122,7 @@ TEST( UnderlayPortChannel, canBeWhereATunnelLeads ) {
    EXPECT_EQ( flows[ kPort51 ] + flows[ kPort52 ], 1000 );
 }
 
-TEST( UnderlayPortChannel, carriesVxlanOnly ) {
+TEST( UnderlayPortChannel, CarriesVxlanOnly ) {
    Leaf leaf1( overPortChannel() );
    EXPECT_EQ( reasonOf( leaf1.forward( kPort50, bytesOf( fromHost1() ) ) ), "not-for-this-vtep" );
    EXPECT_EQ( verdictOn( leaf1.forward( fromHost1() ), "Port-Channel1" ), "sent" );
