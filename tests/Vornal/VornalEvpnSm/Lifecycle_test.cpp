@@ -5,6 +5,7 @@
 #include <Trace/Ring.h>
 
 #include "../support/LocalBiasSwitch.h"
+#include "../support/Observed.h"
 
 namespace {
 
@@ -377,6 +378,26 @@ TEST_P( BothVariants, AHeldReactorOfAMachineThatEndedSwitchedOffHearsNothing ) {
    EXPECT_FALSE( ofSegment->evpnMultihomingLocalBiasSm() );
    EXPECT_FALSE( ofTunnel->evpnMultihomingLocalBiasSm() );
    EXPECT_FALSE( ofPortChannel->evpnMultihomingLocalBiasSm() );
+}
+
+TEST( ClassIdVariant, ItsReactorsAreOutOfServiceBeforeItLetsGoOfTheEgressGroup ) {
+   LocalBiasSwitch leaf;
+   Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus > reactor;
+   Lines story;
+   auto const noteRelease = [ & ] {
+      story.push_back( reactor->hasNotificationActive() ? "released, listening" : "released" );
+      story.push_back( reactor->isZombie() ? "out of service" : "in service" );
+   };
+   leaf.egress = Quelm::make< Support::Observed< Chip::SoftTcamEntryManager > >(
+      Support::Listener{ .onRelease = noteRelease }, Vornal::kEfpLocalBiasGroup, leaf.board.units(),
+      &leaf.callObserver() );
+   leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
+   auto sm = leaf.machineNew( Variant::I2EClassId );
+   reactor = sm->vtiStatus( intf( "Vxlan1" ) );
+   leaf.egress = nullptr;
+   EXPECT_TRUE( story.empty() );
+   sm = nullptr;
+   EXPECT_EQ( story, ( Lines{ "released", "out of service" } ) );
 }
 
 TEST( ClassIdVariant, WithoutAnyInputItIsEmpty ) {

@@ -19,8 +19,8 @@ struct Listener {
 template< typename T > class Observed : public T {
  public:
    template< typename... Arguments >
-   explicit Observed( Listener listener, Arguments const &... arguments )
-         : T( arguments... ), listener_( std::move( listener ) ) {}
+   explicit Observed( Listener listener, Arguments &&... arguments )
+         : T( std::forward< Arguments >( arguments )... ), listener_( std::move( listener ) ) {}
    Observed( Observed const & ) = delete;
    Observed & operator=( Observed const & ) = delete;
    ~Observed() override { listener_.onRelease(); }
