@@ -11,30 +11,30 @@ namespace ClassIdTest {
 
 using VornalCommon::ClassId;
 
-TEST( ClassId, startsAsNone ) {
+TEST( ClassId, StartsAsNone ) {
    static_assert( ClassId().value() == 0xffff );
    static_assert( !ClassId().isValid() );
    EXPECT_EQ( ClassId( 0xffff ), ClassId() );
 }
 
-TEST( ClassId, everyOtherNumberIsValid ) {
+TEST( ClassId, EveryOtherNumberIsValid ) {
    EXPECT_TRUE( ClassId( 0 ).isValid() );
    EXPECT_TRUE( ClassId( 5 ).isValid() );
    EXPECT_TRUE( ClassId( 0xfffe ).isValid() );
 }
 
-TEST( ClassId, textIsTheNumber ) {
+TEST( ClassId, TextIsTheNumber ) {
    EXPECT_EQ( Quelm::textOf( ClassId( 5 ) ), "5" );
    EXPECT_EQ( Quelm::textOf( ClassId() ), "65535" );
    EXPECT_EQ( refusal< ClassId >( "65536" ),
               "expected a number of type U16 at character 1, found '65536'" );
 }
 
-RC_GTEST_PROP( ClassId, anyClassIdIsReadBack, ( ClassId const & classId ) ) {
+RC_GTEST_PROP( ClassId, AnyClassIdIsReadBack, ( ClassId const & classId ) ) {
    RC_ASSERT( Quelm::fromText< ClassId >( Quelm::textOf( classId ) ) == classId );
 }
 
-RC_GTEST_PROP( ClassId, anyTwoAreOrdered, ( ClassId const & a, ClassId const & b ) ) {
+RC_GTEST_PROP( ClassId, AnyTwoAreOrdered, ( ClassId const & a, ClassId const & b ) ) {
    checkOrderAndHash( a, b );
    RC_ASSERT( ( a < b ) == ( a.value() < b.value() ) );
 }

@@ -45,7 +45,7 @@ class Dependencies : public testing::Test {
    Lines traced;
 };
 
-TEST_F( Dependencies, pointBecomesReadyOnceAndSaysSo ) {
+TEST_F( Dependencies, PointBecomesReadyOnceAndSaysSo ) {
    auto const point = Quelm::make< DependencyPoint >( "evpn" );
    Support::Journal seen;
    Support::Scribe const scribe( point, seen, "" );
@@ -56,14 +56,14 @@ TEST_F( Dependencies, pointBecomesReadyOnceAndSaysSo ) {
    EXPECT_EQ( seen, Lines{ "evpn isReady: false -> true" } );
 }
 
-TEST_F( Dependencies, sliceHasThePlugInsOwnPointFromTheStart ) {
+TEST_F( Dependencies, SliceHasThePlugInsOwnPointFromTheStart ) {
    ASSERT_TRUE( slice->evpnDependencyPoint() );
    EXPECT_EQ( slice->evpnDependencyPoint()->name(), "evpn" );
    EXPECT_FALSE( slice->evpnDependencyPoint()->isReady() );
    EXPECT_FALSE( slice->subAgentDependencyPoints() );
 }
 
-TEST_F( Dependencies, subAgentsPointIsReadyWhenItsGroupSaysSo ) {
+TEST_F( Dependencies, SubAgentsPointIsReadyWhenItsGroupSaysSo ) {
    EXPECT_FALSE( slice->isReady( "subagents::l2Ready" ) );
    pointsAre( { "l3Ready" } );
    EXPECT_FALSE( slice->isReady( "subagents::l2Ready" ) );
@@ -71,7 +71,7 @@ TEST_F( Dependencies, subAgentsPointIsReadyWhenItsGroupSaysSo ) {
    EXPECT_TRUE( slice->isReady( "subagents::l2Ready" ) );
 }
 
-TEST_F( Dependencies, plugInsOwnPointIsFoundByItsNameInTheSlicesSet ) {
+TEST_F( Dependencies, PlugInsOwnPointIsFoundByItsNameInTheSlicesSet ) {
    EXPECT_FALSE( slice->isReady( "evpn" ) );
    EXPECT_FALSE( areReady( { "evpn" } ) );
    slice->evpnDependencyPoint()->markReady();
@@ -80,13 +80,13 @@ TEST_F( Dependencies, plugInsOwnPointIsFoundByItsNameInTheSlicesSet ) {
    EXPECT_FALSE( slice->isReady( "subagents::evpn" ) );
 }
 
-TEST_F( Dependencies, subAgentOfThePlugInsNameIsNotItsPoint ) {
+TEST_F( Dependencies, SubAgentOfThePlugInsNameIsNotItsPoint ) {
    pointsAre( { "evpn" } );
    EXPECT_FALSE( slice->isReady( "evpn" ) );
    EXPECT_TRUE( slice->isReady( "subagents::evpn" ) );
 }
 
-TEST_F( Dependencies, namesAreExact ) {
+TEST_F( Dependencies, NamesAreExact ) {
    pointsAre( { "l2Ready" } );
    for ( char const * const name : { "l2Ready", "subagents", "subagents::", "subagents::l2",
                                      "::l2Ready", "agents::l2Ready", "subagents::l2Ready ", "" } ) {
@@ -94,7 +94,7 @@ TEST_F( Dependencies, namesAreExact ) {
    }
 }
 
-TEST_F( Dependencies, allMustBeReady ) {
+TEST_F( Dependencies, AllMustBeReady ) {
    pointsAre( { "l2Ready", "l3Ready" } );
    EXPECT_TRUE( areReady( { "subagents::l2Ready" } ) );
    EXPECT_TRUE( areReady( { "subagents::l2Ready", "subagents::l3Ready" } ) );
@@ -102,24 +102,24 @@ TEST_F( Dependencies, allMustBeReady ) {
    EXPECT_FALSE( areReady( { "subagents::l2Ready", "subagents::mplsReady" } ) );
 }
 
-TEST_F( Dependencies, firstThatIsNotReadyIsTracedAfterItsCaller ) {
+TEST_F( Dependencies, FirstThatIsNotReadyIsTracedAfterItsCaller ) {
    pointsAre( { "l2Ready" } );
    EXPECT_FALSE( areReady( { "subagents::l2Ready", "subagents::a", "subagents::b" } ) );
    EXPECT_EQ( traced, Lines{ "7 caller() waits for subagents::a" } );
 }
 
-TEST_F( Dependencies, testOnNoSetIsFalse ) {
+TEST_F( Dependencies, TestOnNoSetIsFalse ) {
    slice = nullptr;
    EXPECT_FALSE( areReady( { "subagents::l2Ready" } ) );
    EXPECT_EQ( traced, Lines{ "7 caller() waits for subagents::l2Ready" } );
    EXPECT_FALSE( areReady( {} ) );
 }
 
-TEST_F( Dependencies, noDependenciesAreReadyOnAnySet ) {
+TEST_F( Dependencies, NoDependenciesAreReadyOnAnySet ) {
    EXPECT_TRUE( areReady( {} ) );
 }
 
-TEST_F( Dependencies, setWithoutSubAgentsIsNotReady ) {
+TEST_F( Dependencies, SetWithoutSubAgentsIsNotReady ) {
    EXPECT_FALSE( areReady( { "subagents::l2Ready" } ) );
 }
 

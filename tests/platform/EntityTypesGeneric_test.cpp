@@ -291,7 +291,7 @@ std::vector< Type const * > entityTypes() {
    return found;
 }
 
-TEST( EntityTypesGeneric, everyAttributeOfEveryTypeDoesWhatItsKindOffers ) {
+TEST( EntityTypesGeneric, EveryAttributeOfEveryTypeDoesWhatItsKindOffers ) {
    for ( Type const * type : entityTypes() ) {
       for ( Attribute const * attribute : type->attributes() ) {
          SCOPED_TRACE( type->name() + " " + attribute->name() );
@@ -300,7 +300,7 @@ TEST( EntityTypesGeneric, everyAttributeOfEveryTypeDoesWhatItsKindOffers ) {
    }
 }
 
-TEST( EntityTypesGeneric, everyTypesTableBeginsWithThatOfItsBase ) {
+TEST( EntityTypesGeneric, EveryTypesTableBeginsWithThatOfItsBase ) {
    for ( Type const * type : entityTypes() ) {
       auto const & all = type->attributes();
       auto const & inherited = type->base()->attributes();
@@ -310,7 +310,7 @@ TEST( EntityTypesGeneric, everyTypesTableBeginsWithThatOfItsBase ) {
    }
 }
 
-TEST( EntityTypesGeneric, everyTableIsReadByPositionAndByName ) {
+TEST( EntityTypesGeneric, EveryTableIsReadByPositionAndByName ) {
    for ( Type const * type : entityTypes() ) {
       for ( Kiv::AttributeId id = 1; id <= type->attributes().size(); ++id ) {
          Attribute const & attribute = type->attribute( id );
@@ -320,7 +320,7 @@ TEST( EntityTypesGeneric, everyTableIsReadByPositionAndByName ) {
    }
 }
 
-TEST( EntityTypesGeneric, everyEntityKnowsItsType ) {
+TEST( EntityTypesGeneric, EveryEntityKnowsItsType ) {
    for ( Type const * type : entityTypes() ) {
       EXPECT_EQ( &entityOf( *type )->typeData(), type ) << type->name();
    }

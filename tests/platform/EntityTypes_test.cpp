@@ -71,7 +71,7 @@ std::map< std::string, Table > const published{
      { "vtiStatus: collection of entities Pelk::IntfId -> Vxlan::VtiStatus" } },
 };
 
-TEST( EntityTypes, thePlatformRegistersTheseAndNoOthers ) {
+TEST( EntityTypes, ThePlatformRegistersTheseAndNoOthers ) {
    std::vector< std::string > expected;
    for ( auto const & [ name, table ] : published ) {
       expected.push_back( name );
@@ -85,7 +85,7 @@ TEST( EntityTypes, thePlatformRegistersTheseAndNoOthers ) {
    EXPECT_EQ( registered, expected );
 }
 
-TEST( EntityTypes, eachHasExactlyTheAttributesThatItsReadersKnow ) {
+TEST( EntityTypes, EachHasExactlyTheAttributesThatItsReadersKnow ) {
    for ( auto const & [ name, table ] : published ) {
       Kiv::Type const * const type = Kiv::typeNamed( name );
       ASSERT_NE( type, nullptr ) << name;
@@ -93,7 +93,7 @@ TEST( EntityTypes, eachHasExactlyTheAttributesThatItsReadersKnow ) {
    }
 }
 
-TEST( EntityTypes, mountedOnesAreCreatedByName ) {
+TEST( EntityTypes, MountedOnesAreCreatedByName ) {
    for ( char const * const name :
          { "Bridging::HwCapabilities", "Evpn::EvpnStatus", "Lag::Config", "Lag::LagPhyIntfMapping",
            "Oxa::EvpnTepSegmentDir", "VornalCentral::I2EClassIdIndexConfig",

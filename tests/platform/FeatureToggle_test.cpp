@@ -56,30 +56,30 @@ class FeatureToggles : public testing::Test {
    Files files;
 };
 
-TEST_F( FeatureToggles, toggleThatAFileNamesIsWhatTheFileSays ) {
+TEST_F( FeatureToggles, ToggleThatAFileNamesIsWhatTheFileSays ) {
    files.files[ "VornalL3.json" ] = { { "SbdEvpnTcamOverrideRule", false }, { "Other", true } };
    EXPECT_EQ( bothDefaults( "SbdEvpnTcamOverrideRule", "VornalL3.json" ), "off off " );
    EXPECT_EQ( bothDefaults( "Other", "VornalL3.json" ), "on on " );
 }
 
-TEST_F( FeatureToggles, toggleThatTheFileDoesNotNameHasItsDefault ) {
+TEST_F( FeatureToggles, ToggleThatTheFileDoesNotNameHasItsDefault ) {
    files.files[ "VornalL3.json" ] = { { "Other", true } };
    EXPECT_EQ( bothDefaults( "SbdEvpnTcamOverrideRule", "VornalL3.json" ), "off on " );
 }
 
-TEST_F( FeatureToggles, everyToggleOfAMissingFileHasItsDefault ) {
+TEST_F( FeatureToggles, EveryToggleOfAMissingFileHasItsDefault ) {
    EXPECT_EQ( bothDefaults( "SbdEvpnTcamOverrideRule", "VornalL3.json" ), "off on " );
    EXPECT_TRUE( files.reports.empty() );
 }
 
-TEST_F( FeatureToggles, damagedFileReadsAsMissingAndIsReportedOnce ) {
+TEST_F( FeatureToggles, DamagedFileReadsAsMissingAndIsReportedOnce ) {
    files.files[ "VornalL3.json" ] = std::nullopt;
    EXPECT_EQ( bothDefaults( "SbdEvpnTcamOverrideRule", "VornalL3.json" ), "off on " );
    EXPECT_EQ( bothDefaults( "Other", "VornalL3.json" ), "off on " );
    EXPECT_EQ( files.reports, std::vector< std::string >{ "VornalL3.json is damaged" } );
 }
 
-TEST_F( FeatureToggles, withoutAFacilityEveryToggleHasItsDefault ) {
+TEST_F( FeatureToggles, WithoutAFacilityEveryToggleHasItsDefault ) {
    files.files[ "VornalL3.json" ] = { { "Other", true } };
    FeatureToggle::facilityIs( nullptr );
    EXPECT_EQ( bothDefaults( "Other", "VornalL3.json" ), "off on " );

@@ -17,7 +17,7 @@ namespace IntfIdTest {
 
 using Pelk::IntfId;
 
-TEST( IntfId, hasANameAndAShortName ) {
+TEST( IntfId, HasANameAndAShortName ) {
    auto const expectNames = []( std::string const & name, std::string const & shortName ) {
       IntfId const intfId = IntfId::fromString( name );
       EXPECT_EQ( intfId.stringValue(), name );
@@ -36,7 +36,7 @@ TEST( IntfId, hasANameAndAShortName ) {
    expectNames( "Port-Channel65534", "Po65534" );
 }
 
-TEST( IntfId, emptyOneNamesNoInterface ) {
+TEST( IntfId, EmptyOneNamesNoInterface ) {
    IntfId const none;
    EXPECT_TRUE( none.isEmpty() );
    EXPECT_EQ( none.stringValue(), "" );
@@ -46,19 +46,19 @@ TEST( IntfId, emptyOneNamesNoInterface ) {
    EXPECT_FALSE( IntfId::fromString( "Ethernet0" ).isEmpty() );
 }
 
-TEST( IntfId, isCopiedAsANumber ) {
+TEST( IntfId, IsCopiedAsANumber ) {
    static_assert( sizeof( IntfId ) == 8 );
    static_assert( std::is_trivially_copyable_v< IntfId > );
 }
 
-TEST( IntfId, tellsPortChannelsFromTheRest ) {
+TEST( IntfId, TellsPortChannelsFromTheRest ) {
    EXPECT_TRUE( isPortChannel( IntfId::fromString( "Port-Channel7" ) ) );
    EXPECT_FALSE( isPortChannel( IntfId::fromString( "Ethernet7" ) ) );
    EXPECT_FALSE( isPortChannel( IntfId() ) );
    EXPECT_EQ( IntfId::fromString( "Vxlan1" ).kind(), IntfId::Kind::vxlan );
 }
 
-TEST( IntfId, isOrderedNaturally ) {
+TEST( IntfId, IsOrderedNaturally ) {
    std::vector< std::string > const ascending = { "",
                                                   "Ethernet1",
                                                   "Ethernet2",
@@ -82,7 +82,7 @@ TEST( IntfId, isOrderedNaturally ) {
               ascending.size() );
 }
 
-TEST( IntfId, saysWhatIsWrongWithAName ) {
+TEST( IntfId, SaysWhatIsWrongWithAName ) {
    auto const says = []( std::string const & name, std::string const & why ) {
       EXPECT_EQ( refusal< IntfId >( name ), "'" + name + "' is not an interface: " + why );
    };
@@ -106,12 +106,12 @@ TEST( IntfId, saysWhatIsWrongWithAName ) {
    says( "Port-Channel1/2", "it has too many numbers (Port-Channel: at most 1)" );
 }
 
-RC_GTEST_PROP( IntfId, anyNameIsReadBack, ( IntfId const & intfId ) ) {
+RC_GTEST_PROP( IntfId, AnyNameIsReadBack, ( IntfId const & intfId ) ) {
    RC_ASSERT( IntfId::fromString( intfId.stringValue() ) == intfId );
    RC_ASSERT( Quelm::fromText< IntfId >( Quelm::textOf( intfId ) ) == intfId );
 }
 
-RC_GTEST_PROP( IntfId, anyTwoAreOrdered, ( IntfId const & a, IntfId const & b ) ) {
+RC_GTEST_PROP( IntfId, AnyTwoAreOrdered, ( IntfId const & a, IntfId const & b ) ) {
    checkOrderAndHash( a, b );
    RC_ASSERT( ( a == b ) == ( a.stringValue() == b.stringValue() ) );
 }

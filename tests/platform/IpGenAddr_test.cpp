@@ -28,7 +28,7 @@ std::string reason( std::string_view text ) {
    return refusal< IpGenAddr >( text );
 }
 
-TEST( IpGenAddr, isSmallAndCopiedAsBytes ) {
+TEST( IpGenAddr, IsSmallAndCopiedAsBytes ) {
    static_assert( sizeof( IpGenAddr ) == 20 );
    static_assert( std::is_trivially_copyable_v< IpGenAddr > );
    static_assert( std::has_unique_object_representations_v< IpGenAddr > );
@@ -36,7 +36,7 @@ TEST( IpGenAddr, isSmallAndCopiedAsBytes ) {
    EXPECT_EQ( IpGenAddr().stringValue(), "0.0.0.0" );
 }
 
-TEST( IpGenAddr, keepsItsBytesInNetworkOrder ) {
+TEST( IpGenAddr, KeepsItsBytesInNetworkOrder ) {
    IpGenAddr const v4 = IpGenAddr::fromString( "192.0.2.1" );
    EXPECT_EQ( v4.family(), IpGenAddr::Family::ipv4 );
    EXPECT_EQ( v4.bytes(), ( std::array< U8, 16 >{ 192, 0, 2, 1 } ) );
@@ -46,13 +46,13 @@ TEST( IpGenAddr, keepsItsBytesInNetworkOrder ) {
                                                   2, 3, 4 } ) );
 }
 
-TEST( IpGenAddr, ipv4IsFourDecimalNumbers ) {
+TEST( IpGenAddr, Ipv4IsFourDecimalNumbers ) {
    EXPECT_EQ( rewritten( "0.0.0.0" ), "0.0.0.0" );
    EXPECT_EQ( rewritten( "255.255.255.255" ), "255.255.255.255" );
    EXPECT_EQ( rewritten( "10.0.0.2" ), "10.0.0.2" );
 }
 
-TEST( IpGenAddr, ipv6IsReadInAllItsForms ) {
+TEST( IpGenAddr, Ipv6IsReadInAllItsForms ) {
    EXPECT_EQ( rewritten( "ABCD:EF01:2345:6789:ABCD:EF01:2345:6789" ),
               "abcd:ef01:2345:6789:abcd:ef01:2345:6789" );
    EXPECT_EQ( rewritten( "2001:0db8:0000:0000:0008:0800:200c:417a" ), "2001:db8::8:800:200c:417a" );
@@ -67,7 +67,7 @@ TEST( IpGenAddr, ipv6IsReadInAllItsForms ) {
    EXPECT_EQ( rewritten( "::2:3:4:5:6:7:8" ), "0:2:3:4:5:6:7:8" );
 }
 
-TEST( IpGenAddr, ipv6CompressesTheFirstOfItsLongestRunsOfZeros ) {
+TEST( IpGenAddr, Ipv6CompressesTheFirstOfItsLongestRunsOfZeros ) {
    EXPECT_EQ( rewritten( "2001:db8:0:1:1:1:1:1" ), "2001:db8:0:1:1:1:1:1" );
    EXPECT_EQ( rewritten( "2001:0:0:1:0:0:0:1" ), "2001:0:0:1::1" );
    EXPECT_EQ( rewritten( "2001:db8:0:0:1:0:0:1" ), "2001:db8::1:0:0:1" );
@@ -75,13 +75,13 @@ TEST( IpGenAddr, ipv6CompressesTheFirstOfItsLongestRunsOfZeros ) {
    EXPECT_EQ( rewritten( "0:0:1:0:0:0:0:0" ), "0:0:1::" );
 }
 
-TEST( IpGenAddr, ipv4MappedAddressIsWrittenDotted ) {
+TEST( IpGenAddr, Ipv4MappedAddressIsWrittenDotted ) {
    EXPECT_EQ( rewritten( "::FFFF:c000:0201" ), "::ffff:192.0.2.1" );
    EXPECT_EQ( rewritten( "0:0:0:0:0:ffff:192.0.2.1" ), "::ffff:192.0.2.1" );
    EXPECT_EQ( rewritten( "::ffff:0:0" ), "::ffff:0.0.0.0" );
 }
 
-TEST( IpGenAddr, saysWhatIsWrongWithAnIpv4Address ) {
+TEST( IpGenAddr, SaysWhatIsWrongWithAnIpv4Address ) {
    EXPECT_EQ( reason( "10.0.0.256" ),
               "'10.0.0.256' is not an IP address: '256' is not a number from 0 to 255" );
    EXPECT_EQ( reason( "10.0.0.01" ), "'10.0.0.01' is not an IP address: '01' has a leading zero" );
@@ -101,7 +101,7 @@ TEST( IpGenAddr, saysWhatIsWrongWithAnIpv4Address ) {
    EXPECT_NE( reason( "0x0a.0.0.1" ), "" );
 }
 
-TEST( IpGenAddr, saysWhatIsWrongWithAnIpv6Address ) {
+TEST( IpGenAddr, SaysWhatIsWrongWithAnIpv6Address ) {
    auto const says = []( std::string const & text, std::string const & why ) {
       EXPECT_EQ( reason( text ), "'" + text + "' is not an IP address: " + why );
    };
@@ -129,12 +129,12 @@ TEST( IpGenAddr, saysWhatIsWrongWithAnIpv6Address ) {
    says( "2001:db8::1/64", "'1/64' is not a group of one to four hexadecimal digits" );
 }
 
-TEST( IpGenAddr, familyIsPartOfTheValue ) {
+TEST( IpGenAddr, FamilyIsPartOfTheValue ) {
    EXPECT_NE( IpGenAddr::fromString( "192.0.2.1" ), IpGenAddr::fromString( "::ffff:192.0.2.1" ) );
    EXPECT_NE( IpGenAddr::fromString( "0.0.0.0" ), IpGenAddr::fromString( "::" ) );
 }
 
-TEST( IpGenAddr, isOrderedByFamilyThenBytes ) {
+TEST( IpGenAddr, IsOrderedByFamilyThenBytes ) {
    std::vector< std::string > const ascending = {
       "0.0.0.0", "9.255.255.255", "10.0.0.1",    "10.0.0.2",       "192.0.2.1", "::",
       "::1",     "0:0:0:1::",     "2001:db8::1", "2001:db8:0:1::", "fe80::",    "ff02::1"
@@ -144,7 +144,7 @@ TEST( IpGenAddr, isOrderedByFamilyThenBytes ) {
    EXPECT_TRUE( std::is_sorted( addresses.begin(), addresses.end(), std::less_equal<>() ) );
 }
 
-TEST( IpGenAddr, neighbouringVtepsHashApart ) {
+TEST( IpGenAddr, NeighbouringVtepsHashApart ) {
    std::unordered_set< std::size_t > hashes;
    std::size_t addresses = 0;
    for ( U8 high = 0; high < 16; ++high ) {
@@ -161,12 +161,12 @@ TEST( IpGenAddr, neighbouringVtepsHashApart ) {
    EXPECT_EQ( hashes.size(), addresses );
 }
 
-RC_GTEST_PROP( IpGenAddr, anyAddressIsReadBack, ( IpGenAddr const & address ) ) {
+RC_GTEST_PROP( IpGenAddr, AnyAddressIsReadBack, ( IpGenAddr const & address ) ) {
    RC_ASSERT( IpGenAddr::fromString( address.stringValue() ) == address );
    RC_ASSERT( Quelm::fromText< IpGenAddr >( Quelm::textOf( address ) ) == address );
 }
 
-RC_GTEST_PROP( IpGenAddr, anyTwoAddressesAreOrdered,
+RC_GTEST_PROP( IpGenAddr, AnyTwoAddressesAreOrdered,
                ( IpGenAddr const & a, IpGenAddr const & b ) ) {
    checkOrderAndHash( a, b );
    RC_ASSERT( ( a < b ) ==
@@ -178,7 +178,7 @@ bool isIpv4Compatible( std::array< U8, 16 > const & bytes ) {
    return std::all_of( bytes.begin(), bytes.begin() + 12, []( U8 byte ) { return byte == 0; } );
 }
 
-RC_GTEST_PROP( IpGenAddr, isWrittenAsTheCLibraryDoes, ( IpGenAddr const & address ) ) {
+RC_GTEST_PROP( IpGenAddr, IsWrittenAsTheCLibraryDoes, ( IpGenAddr const & address ) ) {
    bool const isIpv4 = address.family() == IpGenAddr::Family::ipv4;
    std::array< U8, 16 > const bytes = address.bytes();
    RC_PRE( isIpv4 || !isIpv4Compatible( bytes ) );
@@ -206,7 +206,7 @@ rc::Gen< std::string > nearAddresses( char separator, std::size_t most,
    return rc::gen::map( rc::gen::mapcat( count, pieces ), join );
 }
 
-RC_GTEST_PROP( IpGenAddr, readsWhatTheCLibraryReads, () ) {
+RC_GTEST_PROP( IpGenAddr, ReadsWhatTheCLibraryReads, () ) {
    auto const number = rc::gen::weightedElement< std::string >(
       { { 9, "0" }, { 9, "10" }, { 9, "255" }, { 1, "01" }, { 1, "256" } } );
    auto const group = rc::gen::weightedElement< std::string >(

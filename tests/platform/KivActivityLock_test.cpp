@@ -24,7 +24,7 @@ class KivActivityLock : public testing::Test {
    Story story;  // written with the lock held only
 };
 
-TEST_F( KivActivityLock, anotherThreadRunsWhileTheLockIsGivenUp ) {
+TEST_F( KivActivityLock, AnotherThreadRunsWhileTheLockIsGivenUp ) {
    std::latch visited( 1 );
    std::thread visitor;
    manager.turnNew( [ & ] {
@@ -49,7 +49,7 @@ TEST_F( KivActivityLock, anotherThreadRunsWhileTheLockIsGivenUp ) {
    EXPECT_EQ( story, ( Story{ "turn begins", "visitor", "turn ends" } ) );
 }
 
-TEST_F( KivActivityLock, anotherThreadWaitsAsLongAsTheLockIsHeld ) {
+TEST_F( KivActivityLock, AnotherThreadWaitsAsLongAsTheLockIsHeld ) {
    std::latch knocking( 1 );
    std::thread visitor;
    manager.turnNew( [ & ] {
@@ -72,7 +72,7 @@ TEST_F( KivActivityLock, anotherThreadWaitsAsLongAsTheLockIsHeld ) {
    EXPECT_EQ( story.back(), "visitor" );
 }
 
-TEST_F( KivActivityLock, scopeEndsWithTheLockOnlyAfterTheVisitorHasLetGo ) {
+TEST_F( KivActivityLock, ScopeEndsWithTheLockOnlyAfterTheVisitorHasLetGo ) {
    std::latch inside( 1 );
    std::thread visitor;
    manager.turnNew( [ & ] {
@@ -96,7 +96,7 @@ TEST_F( KivActivityLock, scopeEndsWithTheLockOnlyAfterTheVisitorHasLetGo ) {
    EXPECT_EQ( story.back(), "turn" );
 }
 
-TEST_F( KivActivityLock, isTakenBackWhenAnExceptionPasses ) {
+TEST_F( KivActivityLock, IsTakenBackWhenAnExceptionPasses ) {
    bool heldAfter = false;
    manager.turnNew( [ & ] {
       try {
@@ -111,7 +111,7 @@ TEST_F( KivActivityLock, isTakenBackWhenAnExceptionPasses ) {
    EXPECT_FALSE( manager.isLockHeld() );
 }
 
-TEST_F( KivActivityLock, visitorsQueueTurnsForTheActivity ) {
+TEST_F( KivActivityLock, VisitorsQueueTurnsForTheActivity ) {
    std::thread visitor;
    manager.turnNew( [ & ] {
       visitor = std::thread( [ & ] {
@@ -128,7 +128,7 @@ TEST_F( KivActivityLock, visitorsQueueTurnsForTheActivity ) {
 
 // A wake-up for a time that is over must not be mistaken for one to move the clock to, however the
 // two threads meet.
-TEST_F( KivActivityLock, visitorsMayArmReactorsAtAnyMoment ) {
+TEST_F( KivActivityLock, VisitorsMayArmReactorsAtAnyMoment ) {
    constexpr int kRounds = 20000;
    int fired = 0;
    bool isOver = false;
@@ -152,13 +152,13 @@ TEST_F( KivActivityLock, visitorsMayArmReactorsAtAnyMoment ) {
    EXPECT_EQ( manager.clock()->now(), Kiv::Time( 1000 ) );
 }
 
-TEST_F( KivActivityLock, givingUpWhatIsNotHeldIsAFailedAssertion ) {
+TEST_F( KivActivityLock, GivingUpWhatIsNotHeldIsAFailedAssertion ) {
    EXPECT_EXIT( ActivityUnlockAnchor(), testing::KilledBySignal( SIGABRT ),
                 "Activity\\.cpp:[0-9]+: .*ActivityManager::unlock\\(\\): "
                 "Assertion 'isLockHeld\\(\\)' failed\\." );
 }
 
-TEST_F( KivActivityLock, givingItUpTwiceIsAFailedAssertion ) {
+TEST_F( KivActivityLock, GivingItUpTwiceIsAFailedAssertion ) {
    auto const twice = [ & ] {
       ActivityLockAnchor const locked( manager );
       ActivityUnlockAnchor const unlocked;
@@ -168,7 +168,7 @@ TEST_F( KivActivityLock, givingItUpTwiceIsAFailedAssertion ) {
                 "Assertion 'isLockHeld\\(\\)' failed\\." );
 }
 
-TEST_F( KivActivityLock, takingItTwiceIsAFailedAssertionRatherThanAnEndlessWait ) {
+TEST_F( KivActivityLock, TakingItTwiceIsAFailedAssertionRatherThanAnEndlessWait ) {
    auto const twice = [ & ] {
       ActivityLockAnchor const locked( manager );
       ActivityLockAnchor const again( manager );
@@ -177,7 +177,7 @@ TEST_F( KivActivityLock, takingItTwiceIsAFailedAssertionRatherThanAnEndlessWait 
                 "Assertion '!isLockHeld\\(\\)' failed\\." );
 }
 
-TEST_F( KivActivityLock, turnCannotRunTheActivityItself ) {
+TEST_F( KivActivityLock, TurnCannotRunTheActivityItself ) {
    auto const nested = [ & ] {
       manager.turnNew( [ & ] { manager.run(); } );
       manager.run();

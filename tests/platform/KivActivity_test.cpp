@@ -29,7 +29,7 @@ class KivActivity : public testing::Test {
    Story story;
 };
 
-TEST_F( KivActivity, turnsRunInTheOrderOfQueueing ) {
+TEST_F( KivActivity, TurnsRunInTheOrderOfQueueing ) {
    manager.turnNew( note( "first" ) );
    manager.turnNew( note( "second" ) );
    manager.turnNew( note( "third" ) );
@@ -38,7 +38,7 @@ TEST_F( KivActivity, turnsRunInTheOrderOfQueueing ) {
    EXPECT_EQ( story, ( Story{ "first", "second", "third" } ) );
 }
 
-TEST_F( KivActivity, turnQueuedByATurnRunsBehindThoseThatWait ) {
+TEST_F( KivActivity, TurnQueuedByATurnRunsBehindThoseThatWait ) {
    manager.turnNew( [ & ] {
       manager.turnNew( note( "third" ) );
       story.push_back( "first" );
@@ -48,7 +48,7 @@ TEST_F( KivActivity, turnQueuedByATurnRunsBehindThoseThatWait ) {
    EXPECT_EQ( story, ( Story{ "first", "second", "third" } ) );
 }
 
-TEST_F( KivActivity, equalTurnsAreNotMerged ) {
+TEST_F( KivActivity, EqualTurnsAreNotMerged ) {
    for ( int n = 0; n < 3; ++n ) {
       manager.turnNew( note( "again" ) );
    }
@@ -56,7 +56,7 @@ TEST_F( KivActivity, equalTurnsAreNotMerged ) {
    EXPECT_EQ( story, ( Story{ "again", "again", "again" } ) );
 }
 
-TEST_F( KivActivity, theWatchIsToldBeforeEveryTurnAndEveryWakeUp ) {
+TEST_F( KivActivity, TheWatchIsToldBeforeEveryTurnAndEveryWakeUp ) {
    Kiv::turnWatchIs( note( "watch" ) );
    ClockReactor reactor( manager.clock(), note( "wake-up" ) );
    reactor.hasNotificationActiveIs( true );
@@ -71,7 +71,7 @@ TEST_F( KivActivity, theWatchIsToldBeforeEveryTurnAndEveryWakeUp ) {
                               "watch", "unseen" } ) );
 }
 
-TEST_F( KivActivity, runOneRunsOneTurnAndTellsWhetherThereWasOne ) {
+TEST_F( KivActivity, RunOneRunsOneTurnAndTellsWhetherThereWasOne ) {
    manager.turnNew( note( "first" ) );
    manager.turnNew( note( "second" ) );
    EXPECT_TRUE( manager.runOne() );
@@ -80,7 +80,7 @@ TEST_F( KivActivity, runOneRunsOneTurnAndTellsWhetherThereWasOne ) {
    EXPECT_FALSE( manager.runOne() );
 }
 
-TEST_F( KivActivity, wakeUpThatIsDueRunsBeforeTheNextQueuedTurn ) {
+TEST_F( KivActivity, WakeUpThatIsDueRunsBeforeTheNextQueuedTurn ) {
    ClockReactor reactor( manager.clock(), note( "wake-up" ) );
    reactor.hasNotificationActiveIs( true );
    manager.turnNew( [ & ] {
@@ -92,7 +92,7 @@ TEST_F( KivActivity, wakeUpThatIsDueRunsBeforeTheNextQueuedTurn ) {
    EXPECT_EQ( story, ( Story{ "first", "wake-up", "second" } ) );
 }
 
-TEST_F( KivActivity, wakeUpIsATurnOfItsOwn ) {
+TEST_F( KivActivity, WakeUpIsATurnOfItsOwn ) {
    ClockReactor reactor( manager.clock(), note( "wake-up" ) );
    reactor.hasNotificationActiveIs( true );
    manager.turnNew( [ & ] {
@@ -105,7 +105,7 @@ TEST_F( KivActivity, wakeUpIsATurnOfItsOwn ) {
    EXPECT_EQ( story, ( Story{ "armed", "wake-up" } ) );
 }
 
-TEST_F( KivActivity, clockMovesOnOnlyWhenNoTurnIsLeft ) {
+TEST_F( KivActivity, ClockMovesOnOnlyWhenNoTurnIsLeft ) {
    ClockReactor reactor( manager.clock(), [ & ] {
       story.push_back( "wake-up at " + std::to_string( manager.clock()->now() / 1h ) + " h" );
    } );
@@ -121,7 +121,7 @@ TEST_F( KivActivity, clockMovesOnOnlyWhenNoTurnIsLeft ) {
    EXPECT_EQ( manager.clock()->now(), 1h );
 }
 
-TEST_F( KivActivity, runOneLeavesTheClockWhereItIs ) {
+TEST_F( KivActivity, RunOneLeavesTheClockWhereItIs ) {
    ClockReactor reactor( manager.clock(), note( "wake-up" ) );
    reactor.hasNotificationActiveIs( true );
    reactor.timeMinIs( 1h );
@@ -130,7 +130,7 @@ TEST_F( KivActivity, runOneLeavesTheClockWhereItIs ) {
    EXPECT_EQ( story, Story{} );
 }
 
-TEST_F( KivActivity, clockGoesFromWakeUpToWakeUp ) {
+TEST_F( KivActivity, ClockGoesFromWakeUpToWakeUp ) {
    std::vector< Kiv::Time > times;
    ClockReactor reactor( manager.clock(), [ & ] {
       times.push_back( Kiv::System::currentTime() );
@@ -144,7 +144,7 @@ TEST_F( KivActivity, clockGoesFromWakeUpToWakeUp ) {
    EXPECT_EQ( times, ( std::vector< Kiv::Time >{ 5ns, 24h + 5ns, 48h + 5ns } ) );
 }
 
-TEST_F( KivActivity, everyTurnHoldsTheLockAndNothingElseDoes ) {
+TEST_F( KivActivity, EveryTurnHoldsTheLockAndNothingElseDoes ) {
    bool heldInTurn = false;
    bool heldInWakeUp = false;
    ClockReactor reactor( manager.clock(), [ & ] { heldInWakeUp = manager.isLockHeld(); } );
@@ -158,7 +158,7 @@ TEST_F( KivActivity, everyTurnHoldsTheLockAndNothingElseDoes ) {
    EXPECT_FALSE( manager.isLockHeld() );
 }
 
-TEST_F( KivActivity, whatATurnHoldsGoesWithTheLockStillHeld ) {
+TEST_F( KivActivity, WhatATurnHoldsGoesWithTheLockStillHeld ) {
    std::shared_ptr< void > held( nullptr, [ this ]( void * ) {
       story.push_back( manager.isLockHeld() ? "let go with the lock" : "let go without the lock" );
    } );
@@ -168,7 +168,7 @@ TEST_F( KivActivity, whatATurnHoldsGoesWithTheLockStillHeld ) {
    EXPECT_EQ( story, Story{ "let go with the lock" } );
 }
 
-TEST_F( KivActivity, exceptionThatLeavesATurnPassesAndTurnsBehindItStayQueued ) {
+TEST_F( KivActivity, ExceptionThatLeavesATurnPassesAndTurnsBehindItStayQueued ) {
    manager.turnNew( [] { throw std::runtime_error( "bad turn" ); } );
    manager.turnNew( note( "behind" ) );
    EXPECT_THROW( manager.run(), std::runtime_error );
@@ -178,7 +178,7 @@ TEST_F( KivActivity, exceptionThatLeavesATurnPassesAndTurnsBehindItStayQueued ) 
    EXPECT_EQ( story, Story{ "behind" } );
 }
 
-TEST_F( KivActivity, theManagerInChargeIsTheLatestStillAlive ) {
+TEST_F( KivActivity, TheManagerInChargeIsTheLatestStillAlive ) {
    EXPECT_EQ( Kiv::activityManager(), &manager );
    {
       ActivityManager const inner;
@@ -190,20 +190,20 @@ TEST_F( KivActivity, theManagerInChargeIsTheLatestStillAlive ) {
    EXPECT_EQ( Kiv::System::currentTime(), 5s );
 }
 
-TEST( KivNoActivity, thereIsNoManagerUntilOneIsBuilt ) {
+TEST( KivNoActivity, ThereIsNoManagerUntilOneIsBuilt ) {
    EXPECT_FALSE( Kiv::hasActivityManager() );
    { ActivityManager const manager; }
    EXPECT_FALSE( Kiv::hasActivityManager() );
 }
 
-TEST( KivNoActivity, askingForTheManagerOrTheTimeIsAFailedAssertion ) {
+TEST( KivNoActivity, AskingForTheManagerOrTheTimeIsAFailedAssertion ) {
    EXPECT_EXIT( Kiv::activityManager(), testing::KilledBySignal( SIGABRT ),
                 "Activity\\.cpp:[0-9]+: .*activityManager\\(\\): Assertion 'inCharge' failed\\." );
    EXPECT_EXIT( Kiv::System::currentTime(), testing::KilledBySignal( SIGABRT ),
                 "Assertion 'inCharge' failed\\." );
 }
 
-TEST( KivNoActivity, managersGoInTheReverseOrderOfTheirBuilding ) {
+TEST( KivNoActivity, ManagersGoInTheReverseOrderOfTheirBuilding ) {
    auto const crossed = [] {
       auto first = std::make_unique< ActivityManager >();
       ActivityManager const second;

@@ -44,13 +44,13 @@ class KivClock : public testing::Test {
    Story fired;
 };
 
-TEST_F( KivClock, startsAtZeroWithNobodyArmed ) {
+TEST_F( KivClock, StartsAtZeroWithNobodyArmed ) {
    EXPECT_EQ( clock->now(), 0ns );
    EXPECT_FALSE( clock->nextWakeUp() );
    EXPECT_FALSE( clock->fireOne() );
 }
 
-TEST_F( KivClock, reactorFiresOnceWhenItsTimeHasBeenReached ) {
+TEST_F( KivClock, ReactorFiresOnceWhenItsTimeHasBeenReached ) {
    auto const alarm = reactor( "alarm" );
    alarm->timeMinIs( 10s );
    EXPECT_TRUE( alarm->isArmed() );
@@ -61,7 +61,7 @@ TEST_F( KivClock, reactorFiresOnceWhenItsTimeHasBeenReached ) {
    EXPECT_EQ( firedAt( 20s ), Story{} );
 }
 
-TEST_F( KivClock, reactorsFireInTheOrderOfTheirTimes ) {
+TEST_F( KivClock, ReactorsFireInTheOrderOfTheirTimes ) {
    auto const late = reactor( "late" );
    auto const early = reactor( "early" );
    late->timeMinIs( 2s );
@@ -70,7 +70,7 @@ TEST_F( KivClock, reactorsFireInTheOrderOfTheirTimes ) {
    EXPECT_EQ( firedAt( 5s ), ( Story{ "early", "late" } ) );
 }
 
-TEST_F( KivClock, reactorsArmedForTheSameTimeFireInTheOrderOfArming ) {
+TEST_F( KivClock, ReactorsArmedForTheSameTimeFireInTheOrderOfArming ) {
    auto const first = reactor( "first" );
    auto const second = reactor( "second" );
    auto const third = reactor( "third" );
@@ -80,7 +80,7 @@ TEST_F( KivClock, reactorsArmedForTheSameTimeFireInTheOrderOfArming ) {
    EXPECT_EQ( firedAt( 1s ), ( Story{ "third", "first", "second" } ) );
 }
 
-TEST_F( KivClock, armingAgainMovesTheTime ) {
+TEST_F( KivClock, ArmingAgainMovesTheTime ) {
    auto const alarm = reactor( "alarm" );
    alarm->timeMinIs( 1s );
    alarm->timeMinIs( 3s );
@@ -88,7 +88,7 @@ TEST_F( KivClock, armingAgainMovesTheTime ) {
    EXPECT_EQ( firedAt( 3s ), Story{ "alarm" } );
 }
 
-TEST_F( KivClock, armingAgainForTheSameTimeGoesToTheEnd ) {
+TEST_F( KivClock, ArmingAgainForTheSameTimeGoesToTheEnd ) {
    auto const first = reactor( "first" );
    auto const second = reactor( "second" );
    first->timeMinIs( 1s );
@@ -97,7 +97,7 @@ TEST_F( KivClock, armingAgainForTheSameTimeGoesToTheEnd ) {
    EXPECT_EQ( firedAt( 1s ), ( Story{ "second", "first" } ) );
 }
 
-TEST_F( KivClock, timeThatIsOverFiresAtTheNextTurn ) {
+TEST_F( KivClock, TimeThatIsOverFiresAtTheNextTurn ) {
    clock->nowIs( 1h );
    auto const alarm = reactor( "alarm" );
    alarm->timeMinIs( 0s );
@@ -107,7 +107,7 @@ TEST_F( KivClock, timeThatIsOverFiresAtTheNextTurn ) {
    EXPECT_EQ( clock->now(), 1h );
 }
 
-TEST_F( KivClock, disarmedReactorDoesNotFire ) {
+TEST_F( KivClock, DisarmedReactorDoesNotFire ) {
    auto const alarm = reactor( "alarm" );
    alarm->timeMinIs( 1s );
    alarm->disarm();
@@ -118,7 +118,7 @@ TEST_F( KivClock, disarmedReactorDoesNotFire ) {
    EXPECT_EQ( firedAt( 2s ), Story{ "alarm" } );
 }
 
-TEST_F( KivClock, timePassesWithoutACallWhileInactiveOrOutOfService ) {
+TEST_F( KivClock, TimePassesWithoutACallWhileInactiveOrOutOfService ) {
    auto const inactive = reactor( "inactive" );
    auto const zombie = reactor( "zombie" );
    inactive->hasNotificationActiveIs( false );
@@ -132,7 +132,7 @@ TEST_F( KivClock, timePassesWithoutACallWhileInactiveOrOutOfService ) {
    EXPECT_EQ( firedAt( 2s ), Story{} );
 }
 
-TEST_F( KivClock, handlerMayArmItsReactorAgain ) {
+TEST_F( KivClock, HandlerMayArmItsReactorAgain ) {
    std::unique_ptr< ClockReactor > alarm;
    alarm = reactor( "alarm", [ & ] {
       if ( fired.size() < 3 ) {
@@ -144,7 +144,7 @@ TEST_F( KivClock, handlerMayArmItsReactorAgain ) {
    EXPECT_FALSE( alarm->isArmed() );
 }
 
-TEST_F( KivClock, handlerMayDestroyItsReactorAndGoOnUsingWhatItHolds ) {
+TEST_F( KivClock, HandlerMayDestroyItsReactorAndGoOnUsingWhatItHolds ) {
    std::unique_ptr< ClockReactor > alarm;
    std::string const name = "a name too long to be kept inside the function object itself";
    alarm = reactor( "alarm", [ &, name ] {
@@ -156,7 +156,7 @@ TEST_F( KivClock, handlerMayDestroyItsReactorAndGoOnUsingWhatItHolds ) {
    EXPECT_EQ( alarm, nullptr );
 }
 
-TEST_F( KivClock, handlerMayDestroyAnotherThatIsDueAsWell ) {
+TEST_F( KivClock, HandlerMayDestroyAnotherThatIsDueAsWell ) {
    std::unique_ptr< ClockReactor > second = reactor( "second" );
    auto const first = reactor( "first", [ & ] { second.reset(); } );
    auto const third = reactor( "third" );
@@ -166,7 +166,7 @@ TEST_F( KivClock, handlerMayDestroyAnotherThatIsDueAsWell ) {
    EXPECT_EQ( firedAt( 1s ), ( Story{ "first", "third" } ) );
 }
 
-TEST_F( KivClock, destroyedReactorDoesNotFire ) {
+TEST_F( KivClock, DestroyedReactorDoesNotFire ) {
    auto alarm = reactor( "alarm" );
    alarm->timeMinIs( 1s );
    alarm.reset();
@@ -174,7 +174,7 @@ TEST_F( KivClock, destroyedReactorDoesNotFire ) {
    EXPECT_EQ( firedAt( 1s ), Story{} );
 }
 
-TEST_F( KivClock, reactorKeepsItsClockAlive ) {
+TEST_F( KivClock, ReactorKeepsItsClockAlive ) {
    auto const alarm = reactor( "alarm" );
    Clock * const plain = clock.get();
    clock = nullptr;
@@ -183,7 +183,7 @@ TEST_F( KivClock, reactorKeepsItsClockAlive ) {
    EXPECT_EQ( plain->nextWakeUp(), 1s );
 }
 
-TEST( KivNoClock, armingWithoutAClockHasNoEffect ) {
+TEST( KivNoClock, ArmingWithoutAClockHasNoEffect ) {
    ClockReactor alarm( nullptr, [] { FAIL(); } );
    alarm.hasNotificationActiveIs( true );
    alarm.timeMinIs( 1s );
@@ -191,7 +191,7 @@ TEST( KivNoClock, armingWithoutAClockHasNoEffect ) {
    alarm.disarm();
 }
 
-TEST_F( KivClock, neverGoesBack ) {
+TEST_F( KivClock, NeverGoesBack ) {
    clock->nowIs( 1h );
    clock->nowIs( 1h );
    EXPECT_EXIT( clock->nowIs( 59min ), testing::KilledBySignal( SIGABRT ),

@@ -23,14 +23,14 @@ class KivCollection : public testing::Test {
    Ptr< Switch > leaf1 = Quelm::make< Switch >( "leaf1" );
 };
 
-TEST_F( KivCollection, startsEmpty ) {
+TEST_F( KivCollection, StartsEmpty ) {
    EXPECT_EQ( leaf1->routes(), 0U );
    EXPECT_FALSE( leaf1->routeHas( "default" ) );
    EXPECT_FALSE( leaf1->vlanHas( 100 ) );
    EXPECT_FALSE( leaf1->portIter() );
 }
 
-TEST_F( KivCollection, whatWasSetIsRead ) {
+TEST_F( KivCollection, WhatWasSetIsRead ) {
    leaf1->routeIs( "default", 7 );
    EXPECT_TRUE( leaf1->routeHas( "default" ) );
    EXPECT_EQ( leaf1->route( "default" ), 7U );
@@ -40,7 +40,7 @@ TEST_F( KivCollection, whatWasSetIsRead ) {
    EXPECT_EQ( leaf1->routes(), 1U );
 }
 
-TEST_F( KivCollection, absentMemberReadsAsTheDefault ) {
+TEST_F( KivCollection, AbsentMemberReadsAsTheDefault ) {
    leaf1->routeIs( "default", 7 );
    EXPECT_EQ( leaf1->route( "10.0.0.0/8" ), 0U );
    EXPECT_EQ( leaf1->note( 5 ), "" );
@@ -48,7 +48,7 @@ TEST_F( KivCollection, absentMemberReadsAsTheDefault ) {
    EXPECT_EQ( leaf1->routes(), 1U );
 }
 
-TEST_F( KivCollection, setGivesBackTheStoredSlot ) {
+TEST_F( KivCollection, SetGivesBackTheStoredSlot ) {
    U32 const & stored = leaf1->routeIs( "default", 7 );
    EXPECT_EQ( stored, 7U );
    U32 const & again = leaf1->routeIs( "default", 8 );
@@ -57,7 +57,7 @@ TEST_F( KivCollection, setGivesBackTheStoredSlot ) {
    EXPECT_EQ( &leaf1->routeIs( "default", 8 ), &stored );
 }
 
-TEST_F( KivCollection, setGivesBackTheStoredSlotWhenSomebodyWatches ) {
+TEST_F( KivCollection, SetGivesBackTheStoredSlotWhenSomebodyWatches ) {
    Watch watch( leaf1, []( Change const & ) {} );
    watch.hasNotificationActiveIs( true );
    std::string const & stored = leaf1->noteIs( 5, "to leaf2" );
@@ -65,20 +65,20 @@ TEST_F( KivCollection, setGivesBackTheStoredSlotWhenSomebodyWatches ) {
    EXPECT_EQ( stored, "to leaf3" );
 }
 
-TEST_F( KivCollection, setGivesBackWhatASubscriberHasMadeOfIt ) {
+TEST_F( KivCollection, SetGivesBackWhatASubscriberHasMadeOfIt ) {
    Watch watch( leaf1, [ this ]( Change const & ) { leaf1->routeIs( "default", 100 ); } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EQ( leaf1->routeIs( "default", 7 ), 100U );
 }
 
-TEST_F( KivCollection, setGivesBackTheDefaultWhenASubscriberHasRemovedTheMember ) {
+TEST_F( KivCollection, SetGivesBackTheDefaultWhenASubscriberHasRemovedTheMember ) {
    Watch watch( leaf1, [ this ]( Change const & ) { leaf1->noteDel( 5 ); } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EQ( leaf1->noteIs( 5, "to leaf2" ), "" );
    EXPECT_FALSE( leaf1->noteHas( 5 ) );
 }
 
-TEST_F( KivCollection, deletingGivesBackWhatWasRemoved ) {
+TEST_F( KivCollection, DeletingGivesBackWhatWasRemoved ) {
    leaf1->noteIs( 5, "to leaf2" );
    EXPECT_EQ( leaf1->noteDel( 5 ), "to leaf2" );
    EXPECT_FALSE( leaf1->noteHas( 5 ) );
@@ -88,14 +88,14 @@ TEST_F( KivCollection, deletingGivesBackWhatWasRemoved ) {
    EXPECT_TRUE( leaf1->vlanDel( 100 ) );
 }
 
-TEST_F( KivCollection, deletingWhatIsAbsentGivesBackTheDefault ) {
+TEST_F( KivCollection, DeletingWhatIsAbsentGivesBackTheDefault ) {
    EXPECT_EQ( leaf1->noteDel( 5 ), "" );
    EXPECT_EQ( leaf1->routeDel( "default" ), 0U );
    EXPECT_EQ( leaf1->portDel( 5 ), nullptr );
    EXPECT_FALSE( leaf1->vlanDel( 100 ) );
 }
 
-TEST_F( KivCollection, deletingAllLeavesNothing ) {
+TEST_F( KivCollection, DeletingAllLeavesNothing ) {
    leaf1->noteIs( 5, "to leaf2" );
    leaf1->noteIs( 6, "to leaf3" );
    leaf1->noteDelAll();
@@ -104,7 +104,7 @@ TEST_F( KivCollection, deletingAllLeavesNothing ) {
    EXPECT_FALSE( leaf1->noteIter() );
 }
 
-TEST_F( KivCollection, keyMayBeTheMembersOwn ) {
+TEST_F( KivCollection, KeyMayBeTheMembersOwn ) {
    leaf1->routeIs( "a prefix too long to be kept inside the string object itself", 7 );
    Journal seen;
    Support::Scribe const scribe( leaf1, seen );
@@ -116,7 +116,7 @@ TEST_F( KivCollection, keyMayBeTheMembersOwn ) {
    EXPECT_EQ( leaf1->ports(), 0U );
 }
 
-TEST_F( KivCollection, valueMayBeAMembersOwn ) {
+TEST_F( KivCollection, ValueMayBeAMembersOwn ) {
    leaf1->noteIs( 5, "a note too long to be kept inside the string object itself" );
    leaf1->noteIs( 6, leaf1->note( 5 ) );
    leaf1->noteIs( 5, leaf1->note( 6 ) );
@@ -124,7 +124,7 @@ TEST_F( KivCollection, valueMayBeAMembersOwn ) {
    EXPECT_EQ( leaf1->note( 5 ), leaf1->note( 6 ) );
 }
 
-TEST_F( KivCollection, membersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
+TEST_F( KivCollection, MembersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
    for ( U16 const vlan : std::vector< U16 >{ 300, 7, 4094, 100 } ) {
       leaf1->vlanIs( vlan );
    }
@@ -135,7 +135,7 @@ TEST_F( KivCollection, membersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
    EXPECT_EQ( walked, ( std::vector< U16 >{ 7, 100, 300, 4094 } ) );
 }
 
-TEST_F( KivCollection, finderFindsWhatALookUpFindsInWhateverOrderItIsAsked ) {
+TEST_F( KivCollection, FinderFindsWhatALookUpFindsInWhateverOrderItIsAsked ) {
    for ( U16 const key : std::vector< U16 >{ 10, 20, 30, 40 } ) {
       leaf1->noteIs( key, "note " + std::to_string( key ) );
    }
@@ -148,7 +148,7 @@ TEST_F( KivCollection, finderFindsWhatALookUpFindsInWhateverOrderItIsAsked ) {
    EXPECT_EQ( leaf1->noteFinder().find( 10 ), nullptr );
 }
 
-TEST_F( KivCollection, factoryMakesTheMemberOfAKeyOnce ) {
+TEST_F( KivCollection, FactoryMakesTheMemberOfAKeyOnce ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    EXPECT_EQ( port->number(), 5 );
    EXPECT_EQ( leaf1->portIs( 5 ), port );
@@ -156,7 +156,7 @@ TEST_F( KivCollection, factoryMakesTheMemberOfAKeyOnce ) {
    EXPECT_EQ( leaf1->ports(), 1U );
 }
 
-TEST_F( KivCollection, memberMadeElsewhereEntersUnderItsOwnKey ) {
+TEST_F( KivCollection, MemberMadeElsewhereEntersUnderItsOwnKey ) {
    Ptr< FabricPort > const port = Quelm::make< FabricPort >( U16{ 9 }, U8{ 2 } );
    leaf1->fabricPortIs( port );
    EXPECT_EQ( leaf1->fabricPort( 9 ), port );
@@ -166,14 +166,14 @@ TEST_F( KivCollection, memberMadeElsewhereEntersUnderItsOwnKey ) {
    EXPECT_EQ( port->users(), 1U );
 }
 
-TEST_F( KivCollection, constEntityGivesItsMembersAsConst ) {
+TEST_F( KivCollection, ConstEntityGivesItsMembersAsConst ) {
    leaf1->portIs( 5 );
    Ptr< Switch const > const readOnly = leaf1;
    static_assert( std::is_same_v< decltype( readOnly->port( 5 ) ), Ptr< Port const > > );
    EXPECT_EQ( readOnly->port( 5 )->number(), 5 );
 }
 
-TEST_F( KivCollection, removedMemberLivesAsLongAsItIsReferredTo ) {
+TEST_F( KivCollection, RemovedMemberLivesAsLongAsItIsReferredTo ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    leaf1->portDelAll();
    EXPECT_EQ( port->users(), 1U );
@@ -181,7 +181,7 @@ TEST_F( KivCollection, removedMemberLivesAsLongAsItIsReferredTo ) {
    EXPECT_NE( leaf1->portIs( 5 ), port );
 }
 
-TEST_F( KivCollection, missingMemberCannotBeInserted ) {
+TEST_F( KivCollection, MissingMemberCannotBeInserted ) {
    EXPECT_EXIT( leaf1->portIs( Ptr< Port >() ), testing::KilledBySignal( SIGABRT ),
                 "Assertion '\"reference is not empty\" && target_' failed\\." );
 }

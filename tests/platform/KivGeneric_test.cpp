@@ -52,7 +52,7 @@ class KivGeneric : public testing::Test {
    Support::Scribe< Switch > scribe{ leaf1, seen };
 };
 
-TEST_F( KivGeneric, valueIsReadAndWrittenAsText ) {
+TEST_F( KivGeneric, ValueIsReadAndWrittenAsText ) {
    EXPECT_EQ( attribute( "mtu" ).text( *leaf1, "" ), "0" );
    attribute( "mtu" ).textIs( *leaf1, "", "9000" );
    EXPECT_EQ( leaf1->mtu(), 9000U );
@@ -62,7 +62,7 @@ TEST_F( KivGeneric, valueIsReadAndWrittenAsText ) {
    EXPECT_EQ( news(), ( Journal{ "leaf1 mtu: 0 -> 9000", "leaf1 banner: \"\" -> \"keep out\"" } ) );
 }
 
-TEST_F( KivGeneric, writingAnEqualTextNotifiesNobody ) {
+TEST_F( KivGeneric, WritingAnEqualTextNotifiesNobody ) {
    attribute( "mtu" ).textIs( *leaf1, "", "9000" );
    attribute( "route" ).textIs( *leaf1, "default", "1" );
    news();
@@ -71,7 +71,7 @@ TEST_F( KivGeneric, writingAnEqualTextNotifiesNobody ) {
    EXPECT_EQ( news(), Journal{} );
 }
 
-TEST_F( KivGeneric, collectionIsReadWrittenAndDeletedByKey ) {
+TEST_F( KivGeneric, CollectionIsReadWrittenAndDeletedByKey ) {
    Attribute const & route = attribute( "route" );
    EXPECT_FALSE( route.has( *leaf1, "default" ) );
    EXPECT_EQ( route.text( *leaf1, "default" ), "0" );
@@ -87,7 +87,7 @@ TEST_F( KivGeneric, collectionIsReadWrittenAndDeletedByKey ) {
                                  "leaf1 route[default]: 7 -> absent" } ) );
 }
 
-TEST_F( KivGeneric, setHasKeysAndNoValues ) {
+TEST_F( KivGeneric, SetHasKeysAndNoValues ) {
    Attribute const & vlan = attribute( "vlan" );
    vlan.textIs( *leaf1, "100", "" );
    vlan.textIs( *leaf1, "20", "" );
@@ -99,7 +99,7 @@ TEST_F( KivGeneric, setHasKeysAndNoValues ) {
    EXPECT_EQ( vlan.keys( *leaf1 ), Texts{ "100" } );
 }
 
-TEST_F( KivGeneric, memberIsCreatedByItsKey ) {
+TEST_F( KivGeneric, MemberIsCreatedByItsKey ) {
    Attribute const & port = attribute( "port" );
    port.textIs( *leaf1, "5", "" );
    port.textIs( *leaf1, "5", "" );
@@ -116,7 +116,7 @@ TEST_F( KivGeneric, memberIsCreatedByItsKey ) {
                                  "leaf1 port[5]: Support::Port 5 -> absent" } ) );
 }
 
-TEST_F( KivGeneric, memberThatNeedsMoreThanAKeyIsInsertedAndNotCreated ) {
+TEST_F( KivGeneric, MemberThatNeedsMoreThanAKeyIsInsertedAndNotCreated ) {
    Attribute const & fabricPort = attribute( "fabricPort" );
    EXPECT_FALSE( fabricPort.isWritable() );
    EXPECT_THROW( fabricPort.textIs( *leaf1, "9", "" ), AccessError );
@@ -130,7 +130,7 @@ TEST_F( KivGeneric, memberThatNeedsMoreThanAKeyIsInsertedAndNotCreated ) {
    EXPECT_EQ( news(), Journal{ "leaf1 fabricPort[9]: absent -> Support::FabricPort 9" } );
 }
 
-TEST_F( KivGeneric, referenceIsPointedAtAnEntityAndEmptied ) {
+TEST_F( KivGeneric, ReferenceIsPointedAtAnEntityAndEmptied ) {
    Attribute const & uplink = attribute( "uplink" );
    EXPECT_EQ( uplink.text( *leaf1, "" ), "none" );
    Ptr< FabricPort > const made = Quelm::make< FabricPort >( U16{ 9 }, U8{ 2 } );
@@ -149,7 +149,7 @@ TEST_F( KivGeneric, referenceIsPointedAtAnEntityAndEmptied ) {
    EXPECT_EQ( leaf1->uplink(), nullptr );
 }
 
-TEST_F( KivGeneric, referencesOfTheClassItselfAreReadOnly ) {
+TEST_F( KivGeneric, ReferencesOfTheClassItselfAreReadOnly ) {
    leaf1->consoleIs( Quelm::make< Port >( U16{ 1 } ) );
    leaf1->neighbourIs( leaf1.get() );
    EXPECT_EQ( attribute( "console" ).text( *leaf1, "" ), "Support::Port 1" );
@@ -164,7 +164,7 @@ TEST_F( KivGeneric, referencesOfTheClassItselfAreReadOnly ) {
    EXPECT_EQ( attribute( "neighbour" ).text( *leaf1, "" ), "none" );
 }
 
-TEST_F( KivGeneric, keyIsReadAndNeverWritten ) {
+TEST_F( KivGeneric, KeyIsReadAndNeverWritten ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    Attribute const & number = *port->typeData().find( "number" );
    EXPECT_EQ( number.text( *port, "" ), "5" );
@@ -174,7 +174,7 @@ TEST_F( KivGeneric, keyIsReadAndNeverWritten ) {
               "attribute 'number' is a key and has nothing to delete" );
 }
 
-TEST_F( KivGeneric, textThatIsNotTheTypesIsRefusedAndChangesNothing ) {
+TEST_F( KivGeneric, TextThatIsNotTheTypesIsRefusedAndChangesNothing ) {
    leaf1->mtuIs( 1500 );
    leaf1->routeIs( "default", 1 );
    leaf1->vlanIs( 100 );
@@ -191,7 +191,7 @@ TEST_F( KivGeneric, textThatIsNotTheTypesIsRefusedAndChangesNothing ) {
    EXPECT_EQ( news(), Journal{} );
 }
 
-TEST_F( KivGeneric, keyThatIsNotTheTypesIsRefusedByEveryAccess ) {
+TEST_F( KivGeneric, KeyThatIsNotTheTypesIsRefusedByEveryAccess ) {
    for ( char const * const name : { "vlan", "port", "note", "fabricPort" } ) {
       Attribute const & keyed = attribute( name );
       EXPECT_THROW( keyed.has( *leaf1, "65536" ), TextError ) << name;
@@ -206,7 +206,7 @@ TEST_F( KivGeneric, keyThatIsNotTheTypesIsRefusedByEveryAccess ) {
    EXPECT_EQ( news(), Journal{} );
 }
 
-TEST_F( KivGeneric, whatAKindDoesNotOfferIsRefusedWithItsName ) {
+TEST_F( KivGeneric, WhatAKindDoesNotOfferIsRefusedWithItsName ) {
    EXPECT_EQ( refusal( [ & ] { attribute( "mtu" ).keys( *leaf1 ); } ),
               "attribute 'mtu' is a value and has no keys" );
    EXPECT_EQ( refusal( [ & ] { attribute( "mtu" ).has( *leaf1, "" ); } ),
@@ -223,7 +223,7 @@ TEST_F( KivGeneric, whatAKindDoesNotOfferIsRefusedWithItsName ) {
               "attribute 'shutdown' is an operation and has no value to read" );
 }
 
-TEST_F( KivGeneric, operationsAreCalledByNameWithTextsForArguments ) {
+TEST_F( KivGeneric, OperationsAreCalledByNameWithTextsForArguments ) {
    leaf1->portIs( 5 )->speedIs( 100 );
    EXPECT_EQ( call( "fastestPort", {} ), "Support::Port 5" );
    EXPECT_EQ( call( "model", {} ), "\"pizza box\"" );
@@ -232,7 +232,7 @@ TEST_F( KivGeneric, operationsAreCalledByNameWithTextsForArguments ) {
    EXPECT_EQ( call( "fastestPort", {} ), "none" );
 }
 
-TEST_F( KivGeneric, overloadsAreToldApartByTheNumberOfArguments ) {
+TEST_F( KivGeneric, OverloadsAreToldApartByTheNumberOfArguments ) {
    leaf1->routeIs( "10.0.0.0/8", 3 );
    leaf1->routeIs( "default", 1 );
    EXPECT_EQ( call( "metric", {} ), "4" );
@@ -244,7 +244,7 @@ TEST_F( KivGeneric, overloadsAreToldApartByTheNumberOfArguments ) {
    EXPECT_EQ( leaf1->typeData().findOperation( "mtu", 0 ), nullptr );
 }
 
-TEST_F( KivGeneric, wrongArgumentsAreRefusedBeforeTheCall ) {
+TEST_F( KivGeneric, WrongArgumentsAreRefusedBeforeTheCall ) {
    Attribute const & metric = *leaf1->typeData().findOperation( "metric", 2 );
    news();
    EXPECT_THROW( metric.call( *leaf1, { "default", "much" } ), TextError );
@@ -255,7 +255,7 @@ TEST_F( KivGeneric, wrongArgumentsAreRefusedBeforeTheCall ) {
    EXPECT_EQ( news(), Journal{} );
 }
 
-TEST_F( KivGeneric, derivedTypeAnswersForItsBaseAsWell ) {
+TEST_F( KivGeneric, DerivedTypeAnswersForItsBaseAsWell ) {
    leaf1 = Quelm::make< Chassis >( "spine1" );
    attribute( "mtu" ).textIs( *leaf1, "", "9000" );
    attribute( "slotPower" ).textIs( *leaf1, "3", "-48" );

@@ -68,7 +68,7 @@ class Orderly : public Switch {
    std::function< void( Orderly & ) > farewell_;
 };
 
-TEST( KivLife, objectUnderConstructionSurvivesItsOwnHandlers ) {
+TEST( KivLife, ObjectUnderConstructionSurvivesItsOwnHandlers ) {
    Ptr< Switch > const leader = Quelm::make< Switch >( "leader" );
    int destroyed = 0;
    Ptr< Follower > follower = Quelm::make< Follower >( leader, destroyed );
@@ -83,7 +83,7 @@ TEST( KivLife, objectUnderConstructionSurvivesItsOwnHandlers ) {
    EXPECT_EQ( leader->publisher().subscribers(), 0U );
 }
 
-TEST( KivLife, changedEntityOutlivesTheDeliveryThatDropsTheLastReference ) {
+TEST( KivLife, ChangedEntityOutlivesTheDeliveryThatDropsTheLastReference ) {
    bool isGone = false;
    Ptr< Switch > leaf1 = Quelm::make< Mortal >( isGone );
    Journal seen;
@@ -98,7 +98,7 @@ TEST( KivLife, changedEntityOutlivesTheDeliveryThatDropsTheLastReference ) {
    EXPECT_TRUE( isGone );
 }
 
-TEST( KivLife, everyKindOfChangeMayDropTheLastReference ) {
+TEST( KivLife, EveryKindOfChangeMayDropTheLastReference ) {
    using Act = std::function< void( Switch & ) >;
    for ( Act const & act :
          { Act( []( Switch & s ) { s.vlanIs( 1 ); } ),
@@ -123,7 +123,7 @@ TEST( KivLife, everyKindOfChangeMayDropTheLastReference ) {
    }
 }
 
-TEST( KivLife, reactorKeepsItsNotifierAliveUntilItTurnsAway ) {
+TEST( KivLife, ReactorKeepsItsNotifierAliveUntilItTurnsAway ) {
    bool isGone = false;
    Watch watch( Quelm::make< Mortal >( isGone ), []( Change const & ) {} );
    EXPECT_FALSE( isGone );
@@ -134,7 +134,7 @@ TEST( KivLife, reactorKeepsItsNotifierAliveUntilItTurnsAway ) {
    EXPECT_TRUE( isGone );
 }
 
-TEST( KivLife, reactorDropsItsNotifierWithItself ) {
+TEST( KivLife, ReactorDropsItsNotifierWithItself ) {
    bool isGone = false;
    auto watch =
       std::make_unique< Watch >( Quelm::make< Mortal >( isGone ), []( Change const & ) {} );
@@ -143,7 +143,7 @@ TEST( KivLife, reactorDropsItsNotifierWithItself ) {
    EXPECT_TRUE( isGone );
 }
 
-TEST( KivLife, endOfTheOldNotifierSeesTheReactorAlreadyOnTheNewOne ) {
+TEST( KivLife, EndOfTheOldNotifierSeesTheReactorAlreadyOnTheNewOne ) {
    Ptr< Switch > const leaf2 = Quelm::make< Switch >( "leaf2" );
    Journal seen;
    Watch watch( nullptr, [ & ]( Change const & change ) { seen.push_back( describe( change ) ); } );
@@ -153,7 +153,7 @@ TEST( KivLife, endOfTheOldNotifierSeesTheReactorAlreadyOnTheNewOne ) {
    EXPECT_EQ( seen, Journal{ "leaf2 mtu: 0 -> 1" } );
 }
 
-TEST( KivLife, destructorMayChangeWalkAndReferToItsObject ) {
+TEST( KivLife, DestructorMayChangeWalkAndReferToItsObject ) {
    std::vector< U16 > walked;
    Ptr< Switch > leaf1 = Quelm::make< Orderly >( [ & ]( Orderly & self ) {
       Ptr< Orderly > const reference( &self );
@@ -168,7 +168,7 @@ TEST( KivLife, destructorMayChangeWalkAndReferToItsObject ) {
    EXPECT_EQ( walked, ( std::vector< U16 >{ 100, 300 } ) );
 }
 
-TEST( KivLife, handlerMayTakeTheMemberThatIsBeingMadeOutAgain ) {
+TEST( KivLife, HandlerMayTakeTheMemberThatIsBeingMadeOutAgain ) {
    Ptr< Switch > const leaf1 = Quelm::make< Switch >( "leaf1" );
    Watch watch( leaf1, [ & ]( Change const & change ) {
       if ( change.rawNewValue().get() ) {
@@ -182,7 +182,7 @@ TEST( KivLife, handlerMayTakeTheMemberThatIsBeingMadeOutAgain ) {
    EXPECT_EQ( leaf1->ports(), 0U );
 }
 
-TEST( KivLife, oldAndNewEntityLiveThroughTheAnnouncementOfTheirExchange ) {
+TEST( KivLife, OldAndNewEntityLiveThroughTheAnnouncementOfTheirExchange ) {
    Ptr< Switch > const leaf1 = Quelm::make< Switch >( "leaf1" );
    leaf1->uplinkIs( Quelm::make< Port >( U16{ 5 } ) );
    U32 numbers = 0;
@@ -200,7 +200,7 @@ TEST( KivLife, oldAndNewEntityLiveThroughTheAnnouncementOfTheirExchange ) {
    EXPECT_EQ( leaf1->uplink(), nullptr );
 }
 
-TEST( KivLife, backReferenceIsNotAUser ) {
+TEST( KivLife, BackReferenceIsNotAUser ) {
    bool isGone = false;
    Ptr< Switch > leaf1 = Quelm::make< Mortal >( isGone );
    Ptr< Switch > const leaf2 = Quelm::make< Switch >( "leaf2" );
@@ -211,7 +211,7 @@ TEST( KivLife, backReferenceIsNotAUser ) {
    EXPECT_TRUE( isGone );
 }
 
-TEST( KivLife, subscriberThatStaysBehindWhenItsSwitchGoesIsAFailedAssertion ) {
+TEST( KivLife, SubscriberThatStaysBehindWhenItsSwitchGoesIsAFailedAssertion ) {
    auto const leak = [] {
       auto * const watch = new Watch( nullptr, []( Change const & ) {} );
       Quelm::make< Orderly >( [ & ]( Orderly & self ) {
@@ -222,7 +222,7 @@ TEST( KivLife, subscriberThatStaysBehindWhenItsSwitchGoesIsAFailedAssertion ) {
    EXPECT_EXIT( leak(), testing::KilledBySignal( SIGABRT ), "Assertion '!first_' failed\\." );
 }
 
-TEST( KivLife, usingAnEmptyReferenceOfAnEntityIsAFailedAssertion ) {
+TEST( KivLife, UsingAnEmptyReferenceOfAnEntityIsAFailedAssertion ) {
    Ptr< Switch > const leaf1 = Quelm::make< Switch >( "leaf1" );
    EXPECT_EXIT( leaf1->uplink()->speed(), testing::KilledBySignal( SIGABRT ),
                 "Ptr\\.h:[0-9]+: .*T = Support::Port\\]: "

@@ -31,14 +31,14 @@ class KivNested : public testing::Test {
    Ptr< Panel > panel = Quelm::make< Panel >( "panel" );
 };
 
-TEST_F( KivNested, reactorHearsOfItsOwnMemberOnly ) {
+TEST_F( KivNested, ReactorHearsOfItsOwnMemberOnly ) {
    port5->speedIs( 100 );
    EXPECT_EQ( story(), Journal{ "lamp 5: speed 100" } );
    leaf1->port( 6 )->speedIs( 400 );
    EXPECT_EQ( story(), Journal{ "lamp 6: speed 400" } );
 }
 
-TEST_F( KivNested, reactorIsKnownByTheKeyOfWhatItWatches ) {
+TEST_F( KivNested, ReactorIsKnownByTheKeyOfWhatItWatches ) {
    EXPECT_EQ( panel->lamp( 5 )->identity(), "5" );
    EXPECT_EQ( panel->lamp( 5 )->notifier(), port5 );
    EXPECT_EQ( panel->lamp( 5 )->panel(), panel.get() );
@@ -46,7 +46,7 @@ TEST_F( KivNested, reactorIsKnownByTheKeyOfWhatItWatches ) {
    EXPECT_EQ( panel->users(), 1U );
 }
 
-TEST_F( KivNested, enteringAndLeavingAreAnnounced ) {
+TEST_F( KivNested, EnteringAndLeavingAreAnnounced ) {
    Journal seen;
    Support::Scribe const scribe( panel, seen, "" );
    panel->lampIs( leaf1->portIs( 7 ) );
@@ -55,7 +55,7 @@ TEST_F( KivNested, enteringAndLeavingAreAnnounced ) {
                                "panel lamp[5]: Support::Lamp 5 -> absent" } ) );
 }
 
-TEST_F( KivNested, replacedMemberIsFollowedByTheSameReactor ) {
+TEST_F( KivNested, ReplacedMemberIsFollowedByTheSameReactor ) {
    Ptr< Lamp > const lamp = panel->lamp( 5 );
    Ptr< Port > const another = Quelm::make< Port >( U16{ 5 } );
    panel->lampIs( another );
@@ -66,7 +66,7 @@ TEST_F( KivNested, replacedMemberIsFollowedByTheSameReactor ) {
    EXPECT_EQ( port5->publisher().subscribers(), 0U );
 }
 
-TEST_F( KivNested, retiringPutsOutOfServiceThenSilencesThenHasALastWord ) {
+TEST_F( KivNested, RetiringPutsOutOfServiceThenSilencesThenHasALastWord ) {
    panel->lampDel( 5 );
    EXPECT_EQ( story(), Journal{ "lamp 5: retired, out of service" } );
    EXPECT_FALSE( panel->lampHas( 5 ) );
@@ -76,7 +76,7 @@ TEST_F( KivNested, retiringPutsOutOfServiceThenSilencesThenHasALastWord ) {
    EXPECT_EQ( story(), Journal{} );
 }
 
-TEST_F( KivNested, retiringAllGoesInKeyOrder ) {
+TEST_F( KivNested, RetiringAllGoesInKeyOrder ) {
    panel->lampDelAll();
    EXPECT_EQ( story(),
               ( Journal{ "lamp 5: retired, out of service", "lamp 6: retired, out of service" } ) );
@@ -84,7 +84,7 @@ TEST_F( KivNested, retiringAllGoesInKeyOrder ) {
 }
 
 // Every lamp takes the other one off with its last word.
-TEST_F( KivNested, retiringAllRetiresEachOnceWhenOneRetiresAnother ) {
+TEST_F( KivNested, RetiringAllRetiresEachOnceWhenOneRetiresAnother ) {
    panel->lampIs( leaf1->portIs( 7 ) );
    panel->onRetired = [ & ]( Lamp & lamp ) {
       panel->lampDel( static_cast< U16 >( lamp.kivKey() + 1 ) );
@@ -97,7 +97,7 @@ TEST_F( KivNested, retiringAllRetiresEachOnceWhenOneRetiresAnother ) {
    EXPECT_EQ( panel->lamps(), 0U );
 }
 
-TEST_F( KivNested, retiringAllEndsWhenOneRetiresAll ) {
+TEST_F( KivNested, RetiringAllEndsWhenOneRetiresAll ) {
    panel->onRetired = [ & ]( Lamp & ) { panel->lampDelAll(); };
    panel->lampDelAll();
    EXPECT_EQ( story(),
@@ -106,7 +106,7 @@ TEST_F( KivNested, retiringAllEndsWhenOneRetiresAll ) {
 }
 
 // Every lamp replaces itself and the other one with its last word.
-TEST_F( KivNested, retiringAllLeavesThoseThatComeMeanwhile ) {
+TEST_F( KivNested, RetiringAllLeavesThoseThatComeMeanwhile ) {
    panel->onRetired = [ & ]( Lamp & lamp ) {
       ASSERT_LT( panel->story.size(), 9U );
       panel->lampDel( lamp.kivKey() == 5 ? 6 : 5 );
@@ -120,20 +120,20 @@ TEST_F( KivNested, retiringAllLeavesThoseThatComeMeanwhile ) {
    EXPECT_EQ( story(), Journal{ "lamp 5: speed 100" } );
 }
 
-TEST_F( KivNested, handlerMayRetireItsOwnReactor ) {
+TEST_F( KivNested, HandlerMayRetireItsOwnReactor ) {
    panel->isRetiringOnChange = true;
    port5->speedIs( 100 );
    EXPECT_EQ( story(), ( Journal{ "lamp 5: retired, out of service",
                                   "lamp 5: speed 100, out of service" } ) );
 }
 
-TEST_F( KivNested, ownerThatGoesRetiresNobody ) {
+TEST_F( KivNested, OwnerThatGoesRetiresNobody ) {
    panel = nullptr;
    EXPECT_EQ( port5->publisher().subscribers(), 0U );
    port5->speedIs( 100 );
 }
 
-TEST_F( KivNested, reactorThatOutlivesItsOwnerIsSilentHoweverTheOwnerWasSwitched ) {
+TEST_F( KivNested, ReactorThatOutlivesItsOwnerIsSilentHoweverTheOwnerWasSwitched ) {
    Ptr< Lamp > const lamp = panel->lamp( 5 );
    panel->hasNotificationActiveIs( false );
    lamp->hasNotificationActiveIs( true );  // as one that was nested while its owner was off
@@ -149,7 +149,7 @@ TEST_F( KivNested, reactorThatOutlivesItsOwnerIsSilentHoweverTheOwnerWasSwitched
    port5->speedIs( 100 );
 }
 
-TEST_F( KivNested, notificationsAreSwitchedForAllAndForThoseThatComeLater ) {
+TEST_F( KivNested, NotificationsAreSwitchedForAllAndForThoseThatComeLater ) {
    panel->hasNotificationActiveIs( false );
    Ptr< Port > const port7 = leaf1->portIs( 7 );
    panel->lampIs( port7 );
@@ -163,7 +163,7 @@ TEST_F( KivNested, notificationsAreSwitchedForAllAndForThoseThatComeLater ) {
    EXPECT_EQ( port7->publisher().subscribers(), 1U );
 }
 
-TEST_F( KivNested, outOfServiceIsAMarkOnAll ) {
+TEST_F( KivNested, OutOfServiceIsAMarkOnAll ) {
    panel->kivDoZombieReactors( true );
    port5->speedIs( 100 );
    panel->kivDoZombieReactors( false );
@@ -171,12 +171,12 @@ TEST_F( KivNested, outOfServiceIsAMarkOnAll ) {
    EXPECT_EQ( story(), ( Journal{ "lamp 5: speed 100, out of service", "lamp 5: speed 400" } ) );
 }
 
-TEST_F( KivNested, missingMemberIsRefusedAndChangesNothing ) {
+TEST_F( KivNested, MissingMemberIsRefusedAndChangesNothing ) {
    EXPECT_THROW( panel->lampIs( nullptr ), Quelm::NullArgumentError );
    EXPECT_EQ( panel->lamps(), 2U );
 }
 
-TEST_F( KivNested, genericInterfaceReadsThemAndLeavesThemAlone ) {
+TEST_F( KivNested, GenericInterfaceReadsThemAndLeavesThemAlone ) {
    Kiv::Attribute const & lamp = *panel->typeData().find( "lamp" );
    EXPECT_EQ( lamp.keys( *panel ), ( std::vector< std::string >{ "5", "6" } ) );
    EXPECT_EQ( lamp.text( *panel, "5" ), "Support::Lamp 5" );
@@ -188,7 +188,7 @@ TEST_F( KivNested, genericInterfaceReadsThemAndLeavesThemAlone ) {
    EXPECT_EQ( panel->lamps(), 2U );
 }
 
-TEST( KivOrEmpty, missingInputReadsAsOneWithoutMembers ) {
+TEST( KivOrEmpty, MissingInputReadsAsOneWithoutMembers ) {
    Ptr< Switch const > const missing;
    EXPECT_FALSE( Kiv::orEmpty( missing ).portIter() );
    EXPECT_EQ( Kiv::orEmpty( missing ).route( "default" ), 0U );

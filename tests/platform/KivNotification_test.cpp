@@ -26,7 +26,7 @@ class KivNotification : public testing::Test {
    Journal seen;
 };
 
-TEST_F( KivNotification, valueIsAnnouncedWithOldAndNew ) {
+TEST_F( KivNotification, ValueIsAnnouncedWithOldAndNew ) {
    leaf1->mtuIs( 1500 );
    Scribe const scribe( leaf1, seen, "" );
    leaf1->mtuIs( 9000 );
@@ -35,7 +35,7 @@ TEST_F( KivNotification, valueIsAnnouncedWithOldAndNew ) {
               ( Journal{ "leaf1 mtu: 1500 -> 9000", "leaf1 banner: \"\" -> \"keep out\"" } ) );
 }
 
-TEST_F( KivNotification, changeCarriesTypedKeyAndValues ) {
+TEST_F( KivNotification, ChangeCarriesTypedKeyAndValues ) {
    int calls = 0;
    Watch< Switch > watch( leaf1, [ & ]( Change const & change ) {
       ++calls;
@@ -51,7 +51,7 @@ TEST_F( KivNotification, changeCarriesTypedKeyAndValues ) {
    EXPECT_EQ( calls, 1 );
 }
 
-TEST_F( KivNotification, memberIsAnnouncedWhenItComesChangesAndGoes ) {
+TEST_F( KivNotification, MemberIsAnnouncedWhenItComesChangesAndGoes ) {
    Scribe const scribe( leaf1, seen, "" );
    leaf1->routeIs( "default", 1 );
    leaf1->routeIs( "default", 2 );
@@ -60,7 +60,7 @@ TEST_F( KivNotification, memberIsAnnouncedWhenItComesChangesAndGoes ) {
                                "leaf1 route[default]: 2 -> absent" } ) );
 }
 
-TEST_F( KivNotification, deletingAndSettingAgainAreTwoChanges ) {
+TEST_F( KivNotification, DeletingAndSettingAgainAreTwoChanges ) {
    leaf1->routeIs( "default", 1 );
    Scribe const scribe( leaf1, seen, "" );
    leaf1->routeDel( "default" );
@@ -69,7 +69,7 @@ TEST_F( KivNotification, deletingAndSettingAgainAreTwoChanges ) {
                                "leaf1 route[default]: absent -> 1" } ) );
 }
 
-TEST_F( KivNotification, setMemberIsAnnouncedWhenItComesAndGoes ) {
+TEST_F( KivNotification, SetMemberIsAnnouncedWhenItComesAndGoes ) {
    Scribe const scribe( leaf1, seen, "" );
    leaf1->vlanIs( 100 );
    leaf1->vlanIs( 100 );
@@ -78,7 +78,7 @@ TEST_F( KivNotification, setMemberIsAnnouncedWhenItComesAndGoes ) {
                                "leaf1 vlan[100]: present -> absent" } ) );
 }
 
-TEST_F( KivNotification, entityMembersAndReferencesAreAnnounced ) {
+TEST_F( KivNotification, EntityMembersAndReferencesAreAnnounced ) {
    Scribe const scribe( leaf1, seen, "" );
    Ptr< Port > const port = leaf1->portIs( 5 );
    leaf1->uplinkIs( port );
@@ -93,7 +93,7 @@ TEST_F( KivNotification, entityMembersAndReferencesAreAnnounced ) {
                                "leaf1 port[5]: Support::Port 5 -> absent" } ) );
 }
 
-TEST_F( KivNotification, removingAllIsAnnouncedMemberByMemberInKeyOrder ) {
+TEST_F( KivNotification, RemovingAllIsAnnouncedMemberByMemberInKeyOrder ) {
    leaf1->vlanIs( 300 );
    leaf1->vlanIs( 100 );
    leaf1->vlanIs( 200 );
@@ -104,7 +104,7 @@ TEST_F( KivNotification, removingAllIsAnnouncedMemberByMemberInKeyOrder ) {
                          "leaf1 vlan[300]: present -> absent" } ) );
 }
 
-TEST_F( KivNotification, equalValueNotifiesNobody ) {
+TEST_F( KivNotification, EqualValueNotifiesNobody ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    leaf1->mtuIs( 1500 );
    leaf1->routeIs( "default", 1 );
@@ -118,7 +118,7 @@ TEST_F( KivNotification, equalValueNotifiesNobody ) {
    EXPECT_EQ( seen, Journal{} );
 }
 
-TEST_F( KivNotification, removingWhatIsAbsentNotifiesNobody ) {
+TEST_F( KivNotification, RemovingWhatIsAbsentNotifiesNobody ) {
    Scribe const scribe( leaf1, seen, "" );
    EXPECT_EQ( leaf1->routeDel( "default" ), 0U );
    EXPECT_FALSE( leaf1->vlanDel( 100 ) );
@@ -127,13 +127,13 @@ TEST_F( KivNotification, removingWhatIsAbsentNotifiesNobody ) {
    EXPECT_EQ( seen, Journal{} );
 }
 
-TEST_F( KivNotification, memberSetToTheDefaultIsAChange ) {
+TEST_F( KivNotification, MemberSetToTheDefaultIsAChange ) {
    Scribe const scribe( leaf1, seen, "" );
    leaf1->routeIs( "default", 0 );
    EXPECT_EQ( seen, Journal{ "leaf1 route[default]: absent -> 0" } );
 }
 
-TEST_F( KivNotification, isDeliveredAtTheTimeOfTheChangeWithTheNewStateInPlace ) {
+TEST_F( KivNotification, IsDeliveredAtTheTimeOfTheChangeWithTheNewStateInPlace ) {
    U32 mtuSeen = 0;
    bool vlanSeen = true;
    leaf1->vlanIs( 100 );
@@ -149,7 +149,7 @@ TEST_F( KivNotification, isDeliveredAtTheTimeOfTheChangeWithTheNewStateInPlace )
    EXPECT_FALSE( vlanSeen );
 }
 
-TEST_F( KivNotification, subscribersAreCalledInTheOrderOfSubscription ) {
+TEST_F( KivNotification, SubscribersAreCalledInTheOrderOfSubscription ) {
    Watch< Switch > early( leaf1, [ & ]( Change const & ) { seen.push_back( "early" ); } );
    Watch< Switch > late( leaf1, [ & ]( Change const & ) { seen.push_back( "late" ); } );
    late.hasNotificationActiveIs( true );
@@ -158,7 +158,7 @@ TEST_F( KivNotification, subscribersAreCalledInTheOrderOfSubscription ) {
    EXPECT_EQ( seen, ( Journal{ "late", "early" } ) );
 }
 
-TEST_F( KivNotification, subscribingAgainGoesToTheEnd ) {
+TEST_F( KivNotification, SubscribingAgainGoesToTheEnd ) {
    Watch< Switch > first( leaf1, [ & ]( Change const & ) { seen.push_back( "first" ); } );
    Watch< Switch > second( leaf1, [ & ]( Change const & ) { seen.push_back( "second" ); } );
    first.hasNotificationActiveIs( true );
@@ -169,7 +169,7 @@ TEST_F( KivNotification, subscribingAgainGoesToTheEnd ) {
    EXPECT_EQ( seen, ( Journal{ "second", "first" } ) );
 }
 
-TEST_F( KivNotification, activatingTwiceSubscribesOnce ) {
+TEST_F( KivNotification, ActivatingTwiceSubscribesOnce ) {
    Watch< Switch > watch( leaf1, [ & ]( Change const & ) { seen.push_back( "called" ); } );
    watch.hasNotificationActiveIs( true );
    watch.hasNotificationActiveIs( true );
@@ -183,7 +183,7 @@ TEST_F( KivNotification, activatingTwiceSubscribesOnce ) {
    EXPECT_EQ( leaf1->publisher().subscribers(), 0U );
 }
 
-TEST_F( KivNotification, inactiveReactorIsNotCalledWhateverItWatches ) {
+TEST_F( KivNotification, InactiveReactorIsNotCalledWhateverItWatches ) {
    Ptr< Switch > const leaf2 = Quelm::make< Switch >( "leaf2" );
    Watch< Switch > watch( leaf1, [ & ]( Change const & ) { seen.push_back( "called" ); } );
    watch.notifierIs( leaf2 );
@@ -192,7 +192,7 @@ TEST_F( KivNotification, inactiveReactorIsNotCalledWhateverItWatches ) {
    EXPECT_EQ( seen, Journal{} );
 }
 
-TEST_F( KivNotification, activeReactorFollowsItsNotifier ) {
+TEST_F( KivNotification, ActiveReactorFollowsItsNotifier ) {
    Ptr< Switch > const leaf2 = Quelm::make< Switch >( "leaf2" );
    Watch< Switch > watch( leaf1, [ & ]( Change const & change ) {
       seen.push_back( describe( change ) );
@@ -207,7 +207,7 @@ TEST_F( KivNotification, activeReactorFollowsItsNotifier ) {
    EXPECT_EQ( leaf1->publisher().subscribers() + leaf2->publisher().subscribers(), 0U );
 }
 
-TEST_F( KivNotification, missingNotifierIsNothingToSubscribeTo ) {
+TEST_F( KivNotification, MissingNotifierIsNothingToSubscribeTo ) {
    Watch< Switch > watch( nullptr, [ & ]( Change const & change ) {
       seen.push_back( describe( change ) );
    } );
@@ -218,7 +218,7 @@ TEST_F( KivNotification, missingNotifierIsNothingToSubscribeTo ) {
    EXPECT_EQ( seen, Journal{ "leaf1 mtu: 0 -> 1" } );
 }
 
-TEST_F( KivNotification, zombieIsAMarkAndDoesNotUnsubscribe ) {
+TEST_F( KivNotification, ZombieIsAMarkAndDoesNotUnsubscribe ) {
    Watch< Switch > watch( leaf1, [ & ]( Change const & ) {
       seen.push_back( watch.isZombie() ? "out of service" : "in service" );
    } );
@@ -230,7 +230,7 @@ TEST_F( KivNotification, zombieIsAMarkAndDoesNotUnsubscribe ) {
    EXPECT_EQ( seen, ( Journal{ "out of service", "in service" } ) );
 }
 
-TEST_F( KivNotification, entityNotesItsOwnFlags ) {
+TEST_F( KivNotification, EntityNotesItsOwnFlags ) {
    EXPECT_FALSE( leaf1->hasNotificationActive() || leaf1->isZombie() || leaf1->isBeingDestroyed() );
    leaf1->hasNotificationActiveIs( true );
    leaf1->kivDoZombieReactors( true );
@@ -241,7 +241,7 @@ TEST_F( KivNotification, entityNotesItsOwnFlags ) {
    EXPECT_FALSE( leaf1->hasNotificationActive() || leaf1->isZombie() );
 }
 
-TEST_F( KivNotification, attributesOfTheBaseAreAnnouncedUnderTheirOwnNames ) {
+TEST_F( KivNotification, AttributesOfTheBaseAreAnnouncedUnderTheirOwnNames ) {
    Ptr< Chassis > const spine1 = Quelm::make< Chassis >( "spine1" );
    Scribe const scribe( spine1, seen, "" );
    spine1->mtuIs( 9000 );
@@ -255,7 +255,7 @@ class Retiring : public Switch {
    void retire() { isBeingDestroyedIs(); }
 };
 
-TEST_F( KivNotification, entityBeingTakenApartDeliversNothingMore ) {
+TEST_F( KivNotification, EntityBeingTakenApartDeliversNothingMore ) {
    Ptr< Retiring > const old = Quelm::make< Retiring >();
    Scribe const scribe( Ptr< Switch >( old ), seen, "" );
    old->mtuIs( 1 );
@@ -268,28 +268,28 @@ TEST_F( KivNotification, entityBeingTakenApartDeliversNothingMore ) {
    EXPECT_EQ( old->mtu(), 2U );
 }
 
-TEST_F( KivNotification, askingForAnotherTypeThanTheValueIsAFailedAssertion ) {
+TEST_F( KivNotification, AskingForAnotherTypeThanTheValueIsAFailedAssertion ) {
    Watch< Switch > watch( leaf1, []( Change const & change ) { change.newValue< U16 >(); } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EXIT( leaf1->mtuIs( 1 ), testing::KilledBySignal( SIGABRT ),
                 "Assertion '!target_ \\|\\| \\*type_ == typeid\\( T \\)' failed\\." );
 }
 
-TEST_F( KivNotification, askingAPlainValueForItsKeyIsAFailedAssertion ) {
+TEST_F( KivNotification, AskingAPlainValueForItsKeyIsAFailedAssertion ) {
    Watch< Switch > watch( leaf1, []( Change const & change ) { change.key< U16 >(); } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EXIT( leaf1->mtuIs( 1 ), testing::KilledBySignal( SIGABRT ),
                 "Assertion 'key' failed\\." );
 }
 
-TEST_F( KivNotification, exceptionThatLeavesAHandlerStopsTheProcessAndSaysWhat ) {
+TEST_F( KivNotification, ExceptionThatLeavesAHandlerStopsTheProcessAndSaysWhat ) {
    Watch< Switch > watch( leaf1, []( Change const & ) { throw std::runtime_error( "no route" ); } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EXIT( leaf1->mtuIs( 1 ), testing::KilledBySignal( SIGABRT ),
                 "exception left a change handler: no route" );
 }
 
-TEST_F( KivNotification, anythingElseThrownByAHandlerStopsTheProcessAsWell ) {
+TEST_F( KivNotification, AnythingElseThrownByAHandlerStopsTheProcessAsWell ) {
    Watch< Switch > watch( leaf1, []( Change const & ) { throw 7; } );
    watch.hasNotificationActiveIs( true );
    EXPECT_EXIT( leaf1->vlanIs( 1 ), testing::KilledBySignal( SIGABRT ), "" );

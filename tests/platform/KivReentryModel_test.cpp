@@ -126,7 +126,7 @@ class RealRun final : public Run {
    std::array< std::unique_ptr< Watch >, kSubscribers > watches_;
 };
 
-RC_GTEST_PROP( KivReentryModel, anyScriptOfHandlersCallsWhomTheModelCalls, () ) {
+RC_GTEST_PROP( KivReentryModel, AnyScriptOfHandlersCallsWhomTheModelCalls, () ) {
    auto const isChange = rc::gen::map( rc::gen::inRange( 0, 4 ), []( int n ) { return n == 0; } );
    auto const script = *rc::gen::container< std::vector< Step > >(
       rc::gen::construct< Step >( rc::gen::inRange< std::size_t >( 0, kSubscribers ), isChange ) );

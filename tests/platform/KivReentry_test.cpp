@@ -53,32 +53,32 @@ enum Subscriber { A, B, C, D };
 using Two = std::pair< Journal, Journal >;
 Journal const all{ "A", "B", "C", "D" };
 
-TEST_F( KivReentry, handlerUnsubscribesItself ) {
+TEST_F( KivReentry, HandlerUnsubscribesItself ) {
    act[ B ] = [ this ] { subscriber[ B ]->hasNotificationActiveIs( false ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "C", "D" } } ) );
 }
 
-TEST_F( KivReentry, handlerUnsubscribesOneCalledBefore ) {
+TEST_F( KivReentry, HandlerUnsubscribesOneCalledBefore ) {
    act[ B ] = [ this ] { subscriber[ A ]->hasNotificationActiveIs( false ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "B", "C", "D" } } ) );
 }
 
-TEST_F( KivReentry, handlerUnsubscribesTheNext ) {
+TEST_F( KivReentry, HandlerUnsubscribesTheNext ) {
    act[ B ] = [ this ] { subscriber[ C ]->hasNotificationActiveIs( false ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B", "D" }, { "A", "B", "D" } } ) );
 }
 
-TEST_F( KivReentry, handlerUnsubscribesTheLast ) {
+TEST_F( KivReentry, HandlerUnsubscribesTheLast ) {
    act[ B ] = [ this ] { subscriber[ D ]->hasNotificationActiveIs( false ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B", "C" }, { "A", "B", "C" } } ) );
 }
 
-TEST_F( KivReentry, lastHandlerUnsubscribesItself ) {
+TEST_F( KivReentry, LastHandlerUnsubscribesItself ) {
    act[ D ] = [ this ] { subscriber[ D ]->hasNotificationActiveIs( false ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "B", "C" } } ) );
 }
 
-TEST_F( KivReentry, handlerUnsubscribesEverybody ) {
+TEST_F( KivReentry, HandlerUnsubscribesEverybody ) {
    act[ B ] = [ this ] {
       for ( auto const & watch : subscriber ) {
          watch->hasNotificationActiveIs( false );
@@ -87,7 +87,7 @@ TEST_F( KivReentry, handlerUnsubscribesEverybody ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B" }, {} } ) );
 }
 
-TEST_F( KivReentry, handlerUnsubscribesAllThatFollowFromTheBack ) {
+TEST_F( KivReentry, HandlerUnsubscribesAllThatFollowFromTheBack ) {
    act[ A ] = [ this ] {
       for ( Subscriber const n : { D, C, B } ) {
          subscriber[ n ]->hasNotificationActiveIs( false );
@@ -96,17 +96,17 @@ TEST_F( KivReentry, handlerUnsubscribesAllThatFollowFromTheBack ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A" }, { "A" } } ) );
 }
 
-TEST_F( KivReentry, handlerDestroysItsOwnReactor ) {
+TEST_F( KivReentry, HandlerDestroysItsOwnReactor ) {
    act[ B ] = [ this ] { subscriber[ B ].reset(); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "C", "D" } } ) );
 }
 
-TEST_F( KivReentry, handlerDestroysOneCalledBefore ) {
+TEST_F( KivReentry, HandlerDestroysOneCalledBefore ) {
    act[ C ] = [ this ] { subscriber[ A ].reset(); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "B", "C", "D" } } ) );
 }
 
-TEST_F( KivReentry, handlerDestroysTheNextAndTheLast ) {
+TEST_F( KivReentry, HandlerDestroysTheNextAndTheLast ) {
    act[ B ] = [ this ] {
       subscriber[ D ].reset();
       subscriber[ C ].reset();
@@ -114,7 +114,7 @@ TEST_F( KivReentry, handlerDestroysTheNextAndTheLast ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B" }, { "A", "B" } } ) );
 }
 
-TEST_F( KivReentry, lastHandlerDestroysEverybody ) {
+TEST_F( KivReentry, LastHandlerDestroysEverybody ) {
    act[ D ] = [ this ] {
       for ( auto & watch : subscriber ) {
          watch.reset();
@@ -124,19 +124,19 @@ TEST_F( KivReentry, lastHandlerDestroysEverybody ) {
    EXPECT_FALSE( leaf1->publisher().hasSubscribers() );
 }
 
-TEST_F( KivReentry, whoeverSubscribesDuringADeliveryIsCalledFromTheNextChangeOn ) {
+TEST_F( KivReentry, WhoeverSubscribesDuringADeliveryIsCalledFromTheNextChangeOn ) {
    Watch fifth( leaf1, [ this ]( Change const & ) { seen.push_back( "E" ); } );
    act[ B ] = [ & ] { fifth.hasNotificationActiveIs( true ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "B", "C", "D", "E" } } ) );
 }
 
-TEST_F( KivReentry, lastHandlerSubscribesAnother ) {
+TEST_F( KivReentry, LastHandlerSubscribesAnother ) {
    Watch fifth( leaf1, [ this ]( Change const & ) { seen.push_back( "E" ); } );
    act[ D ] = [ & ] { fifth.hasNotificationActiveIs( true ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "B", "C", "D", "E" } } ) );
 }
 
-TEST_F( KivReentry, anotherTakesTheLastOnesPlaceDuringADelivery ) {
+TEST_F( KivReentry, AnotherTakesTheLastOnesPlaceDuringADelivery ) {
    Watch fifth( leaf1, [ this ]( Change const & ) { seen.push_back( "E" ); } );
    act[ B ] = [ & ] {
       fifth.hasNotificationActiveIs( true );
@@ -145,7 +145,7 @@ TEST_F( KivReentry, anotherTakesTheLastOnesPlaceDuringADelivery ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B", "C" }, { "A", "B", "C", "E" } } ) );
 }
 
-TEST_F( KivReentry, unsubscribingAndSubscribingAgainMissesTheChangeUnderWay ) {
+TEST_F( KivReentry, UnsubscribingAndSubscribingAgainMissesTheChangeUnderWay ) {
    act[ A ] = [ this ] {
       subscriber[ C ]->hasNotificationActiveIs( false );
       subscriber[ C ]->hasNotificationActiveIs( true );
@@ -153,7 +153,7 @@ TEST_F( KivReentry, unsubscribingAndSubscribingAgainMissesTheChangeUnderWay ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B", "D" }, { "A", "B", "D", "C" } } ) );
 }
 
-TEST_F( KivReentry, handlerSubscribesItselfAgainAndIsNotCalledTwice ) {
+TEST_F( KivReentry, HandlerSubscribesItselfAgainAndIsNotCalledTwice ) {
    act[ B ] = [ this ] {
       subscriber[ B ]->hasNotificationActiveIs( false );
       subscriber[ B ]->hasNotificationActiveIs( true );
@@ -161,7 +161,7 @@ TEST_F( KivReentry, handlerSubscribesItselfAgainAndIsNotCalledTwice ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "C", "D", "B" } } ) );
 }
 
-TEST_F( KivReentry, handlerPointsItselfAtAnotherSwitch ) {
+TEST_F( KivReentry, HandlerPointsItselfAtAnotherSwitch ) {
    act[ B ] = [ this ] { subscriber[ B ]->notifierIs( leaf2 ); };
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ all, { "A", "C", "D" } } ) );
    seen.clear();
@@ -169,7 +169,7 @@ TEST_F( KivReentry, handlerPointsItselfAtAnotherSwitch ) {
    EXPECT_EQ( seen, Journal{ "B" } );
 }
 
-TEST_F( KivReentry, handlerPointsTheNextOneElsewhereAndBack ) {
+TEST_F( KivReentry, HandlerPointsTheNextOneElsewhereAndBack ) {
    act[ B ] = [ this ] {
       subscriber[ C ]->notifierIs( leaf2 );
       subscriber[ C ]->notifierIs( leaf1 );
@@ -177,7 +177,7 @@ TEST_F( KivReentry, handlerPointsTheNextOneElsewhereAndBack ) {
    EXPECT_EQ( seenOfTwoChanges(), ( Two{ { "A", "B", "D" }, { "A", "B", "D", "C" } } ) );
 }
 
-TEST_F( KivReentry, changeMadeByAHandlerIsDeliveredAtOnceAndWhole ) {
+TEST_F( KivReentry, ChangeMadeByAHandlerIsDeliveredAtOnceAndWhole ) {
    Journal changes;
    subscriber = {};
    Support::Scribe const before( leaf1, changes, "before: " );
@@ -195,7 +195,7 @@ TEST_F( KivReentry, changeMadeByAHandlerIsDeliveredAtOnceAndWhole ) {
    EXPECT_EQ( leaf1->mtu(), 9000U );
 }
 
-TEST_F( KivReentry, nestedChangeReachesWhoeverHasSubscribedByThen ) {
+TEST_F( KivReentry, NestedChangeReachesWhoeverHasSubscribedByThen ) {
    Watch fifth( leaf1, [ this ]( Change const & ) { seen.push_back( "E" ); } );
    act[ B ] = [ & ] {
       fifth.hasNotificationActiveIs( true );
@@ -205,7 +205,7 @@ TEST_F( KivReentry, nestedChangeReachesWhoeverHasSubscribedByThen ) {
    EXPECT_EQ( seen, ( Journal{ "A", "B", "A", "B", "C", "D", "E", "C", "D" } ) );
 }
 
-TEST_F( KivReentry, unsubscribingInANestedDeliveryHoldsForTheOuterOnes ) {
+TEST_F( KivReentry, UnsubscribingInANestedDeliveryHoldsForTheOuterOnes ) {
    act[ A ] = [ this ] {
       act[ B ] = [ this ] {
          subscriber[ D ].reset();
@@ -217,7 +217,7 @@ TEST_F( KivReentry, unsubscribingInANestedDeliveryHoldsForTheOuterOnes ) {
    EXPECT_EQ( seen, ( Journal{ "A", "A", "B", "B" } ) );
 }
 
-TEST_F( KivReentry, handlerThatDestroysItsReactorMayGoOnUsingWhatItHolds ) {
+TEST_F( KivReentry, HandlerThatDestroysItsReactorMayGoOnUsingWhatItHolds ) {
    std::unique_ptr< Watch > once;
    std::string const name = "a name too long to be kept inside the function object itself";
    once = std::make_unique< Watch >( leaf1, [ this, name, &once ]( Change const & ) {

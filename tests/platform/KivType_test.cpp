@@ -45,7 +45,7 @@ Type const & Visitor::typeData() const {
    return kivType();
 }
 
-TEST( KivType, tableListsTheAttributesInTheOrderOfDeclaration ) {
+TEST( KivType, TableListsTheAttributesInTheOrderOfDeclaration ) {
    EXPECT_EQ( Switch::kivType().name(), "Support::Switch" );
    EXPECT_EQ( Support::tableOf( Switch::kivType() ),
               ( Table{
@@ -66,7 +66,7 @@ TEST( KivType, tableListsTheAttributesInTheOrderOfDeclaration ) {
               } ) );
 }
 
-TEST( KivType, attributesOfTheBaseComeFirst ) {
+TEST( KivType, AttributesOfTheBaseComeFirst ) {
    Table expected = Support::tableOf( Switch::kivType() );
    expected.push_back( "slotPower: collection U8 -> S32" );
    expected.push_back( "shutdown( U8 )" );
@@ -76,7 +76,7 @@ TEST( KivType, attributesOfTheBaseComeFirst ) {
    EXPECT_EQ( Kiv::Entity::kivType().base(), nullptr );
 }
 
-TEST( KivType, identifierIsThePositionFromOne ) {
+TEST( KivType, IdentifierIsThePositionFromOne ) {
    static_assert( Switch::mtuAttr() == 1 );
    static_assert( Switch::modelAttr() == 14 );
    static_assert( Chassis::slotPowerAttr() == 15 );
@@ -86,14 +86,14 @@ TEST( KivType, identifierIsThePositionFromOne ) {
    EXPECT_EQ( FabricPort::kivType().attribute( FabricPort::laneAttr() ).name(), "lane" );
 }
 
-TEST( KivType, otherLinesOfTheClassDoNotCount ) {
+TEST( KivType, OtherLinesOfTheClassDoNotCount ) {
    static_assert( Visitor::firstAttr() == 3 && Visitor::secondAttr() == 4 );
    EXPECT_EQ( Support::tableOf( Visitor::kivType() ),
               ( Table{ "number: key -> U16, read-only", "speed: value -> U32",
                        "first: value -> bool", "second: value -> string" } ) );
 }
 
-TEST( KivType, attributesAreFoundByName ) {
+TEST( KivType, AttributesAreFoundByName ) {
    Type const & type = Chassis::kivType();
    EXPECT_EQ( type.find( "mtu" ), &type.attribute( Switch::mtuAttr() ) );
    EXPECT_EQ( type.find( "slotPower" ), &type.attribute( Chassis::slotPowerAttr() ) );
@@ -102,7 +102,7 @@ TEST( KivType, attributesAreFoundByName ) {
    EXPECT_EQ( Switch::kivType().find( "slotPower" ), nullptr );
 }
 
-TEST( KivType, operationsAreFoundByNameAndNumberOfArguments ) {
+TEST( KivType, OperationsAreFoundByNameAndNumberOfArguments ) {
    Type const & type = Chassis::kivType();
    EXPECT_EQ( type.findOperation( "shutdown", 0 ), &type.attribute( Switch::shutdownAttr() ) );
    EXPECT_EQ( type.findOperation( "shutdown", 1 ), &type.attribute( Chassis::shutdownAttr() ) );
@@ -112,21 +112,21 @@ TEST( KivType, operationsAreFoundByNameAndNumberOfArguments ) {
               "metric( string, U32 ) -> U32" );
 }
 
-TEST( KivType, askingForAnIdentifierOutsideTheTableIsAFailedAssertion ) {
+TEST( KivType, AskingForAnIdentifierOutsideTheTableIsAFailedAssertion ) {
    Type const & type = Port::kivType();
    char const * const said = "Assertion 'id >= 1 && id <= all_\\.size\\(\\)' failed\\.";
    EXPECT_EXIT( type.attribute( 0 ), testing::KilledBySignal( SIGABRT ), said );
    EXPECT_EXIT( type.attribute( 3 ), testing::KilledBySignal( SIGABRT ), said );
 }
 
-TEST( KivType, registerKnowsEveryDefinedTypeByName ) {
+TEST( KivType, RegisterKnowsEveryDefinedTypeByName ) {
    EXPECT_EQ( Kiv::typeNamed( "Support::Chassis" ), &Chassis::kivType() );
    EXPECT_EQ( Kiv::typeNamed( "Kiv::Clock" )->name(), "Kiv::Clock" );
    EXPECT_EQ( Kiv::typeNamed( "Chassis" ), nullptr );
    EXPECT_EQ( Kiv::typeNamed( "Visitor" ), nullptr );
 }
 
-TEST( KivType, registerListsTheTypesByName ) {
+TEST( KivType, RegisterListsTheTypesByName ) {
    std::vector< std::string > names;
    for ( Type const * type : Kiv::types() ) {
       names.push_back( type->name() );
@@ -135,7 +135,7 @@ TEST( KivType, registerListsTheTypesByName ) {
    EXPECT_EQ( std::count( names.begin(), names.end(), "Support::Switch" ), 1 );
 }
 
-TEST( KivType, typeIsInTheRegisterAsLongAsItsRegistrationLives ) {
+TEST( KivType, TypeIsInTheRegisterAsLongAsItsRegistrationLives ) {
    {
       Kiv::TypeRegistration const registration( Visitor::kivType() );
       EXPECT_EQ( Kiv::typeNamed( "Visitor" ), &Visitor::kivType() );
@@ -143,7 +143,7 @@ TEST( KivType, typeIsInTheRegisterAsLongAsItsRegistrationLives ) {
    EXPECT_EQ( Kiv::typeNamed( "Visitor" ), nullptr );
 }
 
-TEST( KivType, entityKnownByANameIsCreatedFromIt ) {
+TEST( KivType, EntityKnownByANameIsCreatedFromIt ) {
    Quelm::Ptr< Kiv::Entity > const made =
       Kiv::typeNamed( "Support::Chassis" )->create()( "spine1" );
    EXPECT_EQ( made->identity(), "spine1" );
@@ -152,7 +152,7 @@ TEST( KivType, entityKnownByANameIsCreatedFromIt ) {
    EXPECT_FALSE( Kiv::typeNamed( "Support::Port" )->create() );
 }
 
-TEST( KivType, entityIsKnownByItsKeyOrItsName ) {
+TEST( KivType, EntityIsKnownByItsKeyOrItsName ) {
    EXPECT_EQ( Quelm::make< FabricPort >( U16{ 9 }, U8{ 2 } )->identity(), "9" );
    EXPECT_EQ( Quelm::make< Switch >( "leaf1" )->identity(), "leaf1" );
    EXPECT_EQ( Quelm::make< Switch >( "leaf1" )->name(), "leaf1" );

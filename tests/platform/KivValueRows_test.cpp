@@ -40,7 +40,7 @@ Kiv::Attribute const & attribute( std::string const & type, std::string const & 
 
 constexpr char const * kLeaf2 = "Support::Tunnel( name=leaf2, vni=10100 )";
 
-TEST( KivValueRows, typeIsFoundByItsNameWithItsFieldsInOrder ) {
+TEST( KivValueRows, TypeIsFoundByItsNameWithItsFieldsInOrder ) {
    Kiv::Type const * const type = Kiv::typeNamed( "Support::Route" );
    ASSERT_NE( type, nullptr );
    EXPECT_EQ( type->name(), "Support::Route" );
@@ -52,21 +52,21 @@ TEST( KivValueRows, typeIsFoundByItsNameWithItsFieldsInOrder ) {
    EXPECT_EQ( type->find( "vni" ), nullptr );
 }
 
-TEST( KivValueRows, fieldIsReadOutOfAValue ) {
+TEST( KivValueRows, FieldIsReadOutOfAValue ) {
    EXPECT_EQ( attribute( "Support::Tunnel", "vni" ).textIn( kLeaf2 ), "10100" );
    std::string const route = "Support::Route( tunnel=" + std::string( kLeaf2 ) + ", isUp=true )";
    EXPECT_EQ( attribute( "Support::Route", "tunnel" ).textIn( route ), kLeaf2 );
    EXPECT_EQ( attribute( "Support::Route", "isUp" ).textIn( route ), "true" );
 }
 
-TEST( KivValueRows, valueIsMadeWithAnotherField ) {
+TEST( KivValueRows, ValueIsMadeWithAnotherField ) {
    EXPECT_EQ( attribute( "Support::Tunnel", "name" ).valueWith( kLeaf2, "\"leaf 3\"" ),
               "Support::Tunnel( name=\"leaf 3\", vni=10100 )" );
    EXPECT_EQ( attribute( "Support::Tunnel", "vni" ).valueWith( kLeaf2, "0x10" ),
               "Support::Tunnel( name=leaf2, vni=16 )" );
 }
 
-TEST( KivValueRows, textThatIsNotTheValuesOrNotTheFieldsIsRefused ) {
+TEST( KivValueRows, TextThatIsNotTheValuesOrNotTheFieldsIsRefused ) {
    Kiv::Attribute const & vni = attribute( "Support::Tunnel", "vni" );
    EXPECT_THROW( vni.textIn( "Support::Tunnel( name=leaf2, vni=10100" ),
                  Quelm::AttributeTextError );
@@ -74,7 +74,7 @@ TEST( KivValueRows, textThatIsNotTheValuesOrNotTheFieldsIsRefused ) {
    EXPECT_THROW( vni.valueWith( kLeaf2, "many" ), Quelm::TextError );
 }
 
-TEST( KivValueRows, fieldAndAttributeOfAnEntityAreNotTakenForEachOther ) {
+TEST( KivValueRows, FieldAndAttributeOfAnEntityAreNotTakenForEachOther ) {
    auto const port = Quelm::make< Support::Port >( U16{ 5 } );
    Kiv::Attribute const & vni = attribute( "Support::Tunnel", "vni" );
    EXPECT_THROW( vni.text( *port, "" ), Quelm::AccessError );

@@ -184,7 +184,7 @@ rc::Gen< std::vector< Step > > anySteps() {
                                   rc::gen::inRange< U32 >( 1, 1000 ) ) );
 }
 
-RC_GTEST_PROP( KivWalkModel, anyChangesDuringAnyWalksAreSeenAsByTheModel, () ) {
+RC_GTEST_PROP( KivWalkModel, AnyChangesDuringAnyWalksAreSeenAsByTheModel, () ) {
    auto const initial =
       *rc::gen::container< std::vector< U16 > >( rc::gen::inRange< U16 >( 0, 12 ) );
    auto const steps = *anySteps();

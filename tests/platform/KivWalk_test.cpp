@@ -43,29 +43,29 @@ class KivWalk : public testing::Test {
    Ptr< Switch > leaf1 = Quelm::make< Switch >( "leaf1" );
 };
 
-TEST_F( KivWalk, visitsEveryMemberInKeyOrder ) {
+TEST_F( KivWalk, VisitsEveryMemberInKeyOrder ) {
    EXPECT_EQ( present(), ( Keys{ 10, 20, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, goesOnWhenTheCurrentMemberIsRemoved ) {
+TEST_F( KivWalk, GoesOnWhenTheCurrentMemberIsRemoved ) {
    EXPECT_EQ( visited( 20, [ this ] { leaf1->noteDel( 20 ); } ), ( Keys{ 10, 20, 30, 40 } ) );
    EXPECT_EQ( present(), ( Keys{ 10, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, doesNotVisitTheNextMemberOnceItIsRemoved ) {
+TEST_F( KivWalk, DoesNotVisitTheNextMemberOnceItIsRemoved ) {
    EXPECT_EQ( visited( 20, [ this ] { leaf1->noteDel( 30 ); } ), ( Keys{ 10, 20, 40 } ) );
 }
 
-TEST_F( KivWalk, doesNotMindThatThePreviousMemberIsRemoved ) {
+TEST_F( KivWalk, DoesNotMindThatThePreviousMemberIsRemoved ) {
    EXPECT_EQ( visited( 20, [ this ] { leaf1->noteDel( 10 ); } ), ( Keys{ 10, 20, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, endsWhenAllMembersAreRemoved ) {
+TEST_F( KivWalk, EndsWhenAllMembersAreRemoved ) {
    EXPECT_EQ( visited( 20, [ this ] { leaf1->noteDelAll(); } ), ( Keys{ 10, 20 } ) );
    EXPECT_EQ( present(), Keys{} );
 }
 
-TEST_F( KivWalk, endsWhenTheRestIsRemovedFromTheBack ) {
+TEST_F( KivWalk, EndsWhenTheRestIsRemovedFromTheBack ) {
    EXPECT_EQ( visited( 10,
                        [ this ] {
                           for ( U16 const key : Keys{ 40, 30, 20 } ) {
@@ -75,7 +75,7 @@ TEST_F( KivWalk, endsWhenTheRestIsRemovedFromTheBack ) {
               Keys{ 10 } );
 }
 
-TEST_F( KivWalk, removesEachMemberAsItVisitsIt ) {
+TEST_F( KivWalk, RemovesEachMemberAsItVisitsIt ) {
    Keys keys;
    for ( auto iter = leaf1->noteIter(); iter; ++iter ) {
       keys.push_back( iter.key() );
@@ -85,7 +85,7 @@ TEST_F( KivWalk, removesEachMemberAsItVisitsIt ) {
    EXPECT_EQ( present(), Keys{} );
 }
 
-TEST_F( KivWalk, removedCurrentMemberCanStillBeRead ) {
+TEST_F( KivWalk, RemovedCurrentMemberCanStillBeRead ) {
    auto iter = leaf1->noteIter();
    EXPECT_EQ( leaf1->noteDel( 10 ), "note 10" );
    EXPECT_EQ( iter.key(), 10 );
@@ -96,7 +96,7 @@ TEST_F( KivWalk, removedCurrentMemberCanStillBeRead ) {
    EXPECT_EQ( iter.value(), "note 20" );
 }
 
-TEST_F( KivWalk, removedCurrentEntityLivesUntilTheWalkIsOver ) {
+TEST_F( KivWalk, RemovedCurrentEntityLivesUntilTheWalkIsOver ) {
    leaf1->portIs( 5 )->speedIs( 100 );
    auto iter = leaf1->portIter();
    leaf1->portDelAll();
@@ -104,7 +104,7 @@ TEST_F( KivWalk, removedCurrentEntityLivesUntilTheWalkIsOver ) {
    EXPECT_EQ( iter.value()->users(), 1U );
 }
 
-TEST_F( KivWalk, doesNotVisitWhatIsInsertedWhereverItFalls ) {
+TEST_F( KivWalk, DoesNotVisitWhatIsInsertedWhereverItFalls ) {
    EXPECT_EQ( visited( 20,
                        [ this ] {
                           for ( U16 const key : Keys{ 5, 15, 25, 45 } ) {
@@ -115,11 +115,11 @@ TEST_F( KivWalk, doesNotVisitWhatIsInsertedWhereverItFalls ) {
    EXPECT_EQ( present(), ( Keys{ 5, 10, 15, 20, 25, 30, 40, 45 } ) );
 }
 
-TEST_F( KivWalk, doesNotVisitWhatIsInsertedWhileItStandsOnTheLast ) {
+TEST_F( KivWalk, DoesNotVisitWhatIsInsertedWhileItStandsOnTheLast ) {
    EXPECT_EQ( visited( 40, [ this ] { leaf1->noteIs( 50, "new" ); } ), ( Keys{ 10, 20, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, doesNotVisitWhatIsRemovedAndInsertedAgain ) {
+TEST_F( KivWalk, DoesNotVisitWhatIsRemovedAndInsertedAgain ) {
    EXPECT_EQ( visited( 20,
                        [ this ] {
                           leaf1->noteIs( 30, leaf1->noteDel( 30 ) );
@@ -129,7 +129,7 @@ TEST_F( KivWalk, doesNotVisitWhatIsRemovedAndInsertedAgain ) {
    EXPECT_EQ( present(), ( Keys{ 10, 20, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, visitsAMemberWhoseValueIsOverwrittenAndSeesTheNewValue ) {
+TEST_F( KivWalk, VisitsAMemberWhoseValueIsOverwrittenAndSeesTheNewValue ) {
    std::vector< std::string > values;
    for ( auto iter = leaf1->noteIter(); iter; ++iter ) {
       if ( iter.key() == 10 ) {
@@ -142,7 +142,7 @@ TEST_F( KivWalk, visitsAMemberWhoseValueIsOverwrittenAndSeesTheNewValue ) {
               ( std::vector< std::string >{ "changed 10", "note 20", "changed 30", "note 40" } ) );
 }
 
-TEST_F( KivWalk, mayBeginWhileAnotherIsUnderWay ) {
+TEST_F( KivWalk, MayBeginWhileAnotherIsUnderWay ) {
    Keys pairs;
    for ( auto outer = leaf1->noteIter(); outer; ++outer ) {
       for ( auto inner = leaf1->noteIter(); inner; ++inner ) {
@@ -154,7 +154,7 @@ TEST_F( KivWalk, mayBeginWhileAnotherIsUnderWay ) {
    EXPECT_EQ( pairs.back(), 4040 );
 }
 
-TEST_F( KivWalk, innerWalkVisitsWhatWasInsertedBeforeItBeganAndTheOuterDoesNot ) {
+TEST_F( KivWalk, InnerWalkVisitsWhatWasInsertedBeforeItBeganAndTheOuterDoesNot ) {
    Keys inner;
    EXPECT_EQ( visited( 20,
                        [ & ] {
@@ -165,7 +165,7 @@ TEST_F( KivWalk, innerWalkVisitsWhatWasInsertedBeforeItBeganAndTheOuterDoesNot )
    EXPECT_EQ( inner, ( Keys{ 10, 20, 25, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, innerWalkRemovesWhatTheOuterStandsOnAndWillVisit ) {
+TEST_F( KivWalk, InnerWalkRemovesWhatTheOuterStandsOnAndWillVisit ) {
    auto outer = leaf1->noteIter();
    ++outer;
    for ( auto inner = leaf1->noteIter(); inner; ++inner ) {
@@ -176,7 +176,7 @@ TEST_F( KivWalk, innerWalkRemovesWhatTheOuterStandsOnAndWillVisit ) {
    EXPECT_FALSE( outer );
 }
 
-TEST_F( KivWalk, keepsItsOwnerAlive ) {
+TEST_F( KivWalk, KeepsItsOwnerAlive ) {
    Ptr< Port > const port = leaf1->portIs( 5 );
    {
       auto iter = leaf1->portIter();
@@ -187,7 +187,7 @@ TEST_F( KivWalk, keepsItsOwnerAlive ) {
    EXPECT_EQ( port->users(), 1U );
 }
 
-TEST_F( KivWalk, ownerMayGoFromWithinAWalkThatEmptiesIt ) {
+TEST_F( KivWalk, OwnerMayGoFromWithinAWalkThatEmptiesIt ) {
    Keys keys;
    Switch * const plain = leaf1.get();
    for ( auto iter = plain->noteIter(); iter; ++iter ) {
@@ -198,7 +198,7 @@ TEST_F( KivWalk, ownerMayGoFromWithinAWalkThatEmptiesIt ) {
    EXPECT_EQ( keys, ( Keys{ 10, 20, 30, 40 } ) );
 }
 
-TEST_F( KivWalk, ofNothingIsOverAtOnceAndStaysSo ) {
+TEST_F( KivWalk, OfNothingIsOverAtOnceAndStaysSo ) {
    auto iter = leaf1->portIter();
    EXPECT_FALSE( iter );
    leaf1->portIs( 5 );
@@ -206,7 +206,7 @@ TEST_F( KivWalk, ofNothingIsOverAtOnceAndStaysSo ) {
    EXPECT_FALSE( iter );
 }
 
-TEST_F( KivWalk, handlersOfARemovalMayWalkAndRemoveAsWell ) {
+TEST_F( KivWalk, HandlersOfARemovalMayWalkAndRemoveAsWell ) {
    Kiv::Watch< Switch > watch( leaf1, [ this ]( Kiv::Change const & change ) {
       if ( change.key< U16 >() == 10 ) {
          leaf1->noteDel( 30 );
@@ -240,7 +240,7 @@ class Twin : public Port {
    U16 other_;
 };
 
-TEST_F( KivWalk, entitiesThatDieAtItsEndMayWalkTheSameCollection ) {
+TEST_F( KivWalk, EntitiesThatDieAtItsEndMayWalkTheSameCollection ) {
    leaf1->portIs( 1 );
    leaf1->portIs( Quelm::make< Twin >( U16{ 2 }, *leaf1, U16{ 3 } ) );
    leaf1->portIs( Quelm::make< Twin >( U16{ 3 }, *leaf1, U16{ 4 } ) );
@@ -253,7 +253,7 @@ TEST_F( KivWalk, entitiesThatDieAtItsEndMayWalkTheSameCollection ) {
    EXPECT_EQ( leaf1->ports(), 0U );
 }
 
-TEST_F( KivWalk, walksEndInTheReverseOrderOfTheirBeginning ) {
+TEST_F( KivWalk, WalksEndInTheReverseOrderOfTheirBeginning ) {
    auto const crossed = [ this ] {
       std::unique_ptr< Switch::noteIterator > first( new auto( leaf1->noteIter() ) );
       auto const second = leaf1->noteIter();

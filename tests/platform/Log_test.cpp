@@ -33,7 +33,7 @@ class LogLines : public testing::Test {
    Lines names;
 };
 
-TEST_F( LogLines, lineIsSeverityNameAndTheFormattedText ) {
+TEST_F( LogLines, LineIsSeverityNameAndTheFormattedText ) {
    Handle const handle( full );
    handle.log( { "10.0.0.2", "1" } );
    EXPECT_EQ( lines,
@@ -42,7 +42,7 @@ TEST_F( LogLines, lineIsSeverityNameAndTheFormattedText ) {
    EXPECT_EQ( names, Lines{ "MULTIHOMING_TCAM_RESOURCE_FULL" } );
 }
 
-TEST_F( LogLines, everySeverityHasItsNumber ) {
+TEST_F( LogLines, EverySeverityHasItsNumber ) {
    for ( U8 n = 0; n <= 7; ++n ) {
       Handle const handle( { "EVENT", "It happened.", "", "", static_cast< Severity >( n ) } );
       handle.log();
@@ -50,20 +50,20 @@ TEST_F( LogLines, everySeverityHasItsNumber ) {
    }
 }
 
-TEST_F( LogLines, argumentsAreNotReadAsFormats ) {
+TEST_F( LogLines, ArgumentsAreNotReadAsFormats ) {
    Handle const handle( full );
    handle.log( { "%s", "%d" } );
    EXPECT_EQ( lines.back(),
               "%VORNAL-4-MULTIHOMING_TCAM_RESOURCE_FULL: No room for %s on unit %d." );
 }
 
-TEST_F( LogLines, otherPercentSignsStand ) {
+TEST_F( LogLines, OtherPercentSignsStand ) {
    Handle const handle( { "LOAD", "At 90% of %s", "", "", Severity::Notice } );
    handle.log( { "100%" } );
    EXPECT_EQ( lines.back(), "%VORNAL-5-LOAD: At 90% of 100%" );
 }
 
-TEST_F( LogLines, wrongNumberOfArgumentsIsAFailedAssertion ) {
+TEST_F( LogLines, WrongNumberOfArgumentsIsAFailedAssertion ) {
    Handle const handle( full );
    EXPECT_EXIT( handle.log( { "10.0.0.2" } ), testing::KilledBySignal( SIGABRT ),
                 "Assertion '\"a value for every %s and %d of the format\" && " );
@@ -71,7 +71,7 @@ TEST_F( LogLines, wrongNumberOfArgumentsIsAFailedAssertion ) {
                 "Assertion '\"a %s or %d for every value\" && " );
 }
 
-TEST_F( LogLines, linesGoToStandardErrorWhereThereIsNoSink ) {
+TEST_F( LogLines, LinesGoToStandardErrorWhereThereIsNoSink ) {
    Log::sinkIs( nullptr );
    Handle const handle( { "EVENT", "It happened.", "", "", Severity::Error } );
    testing::internal::CaptureStderr();
@@ -80,7 +80,7 @@ TEST_F( LogLines, linesGoToStandardErrorWhereThereIsNoSink ) {
    EXPECT_EQ( lines, Lines{} );
 }
 
-TEST( LogDescriptors, areRegisteredAsLongAsTheirHandlesLive ) {
+TEST( LogDescriptors, AreRegisteredAsLongAsTheirHandlesLive ) {
    std::vector< Descriptor const * > const before = Log::descriptors();
    {
       Handle const first( full );
@@ -94,7 +94,7 @@ TEST( LogDescriptors, areRegisteredAsLongAsTheirHandlesLive ) {
    EXPECT_EQ( Log::descriptors(), before );
 }
 
-TEST( LogDescriptors, actionIsAStandardOneOrATextOfItsOwn ) {
+TEST( LogDescriptors, ActionIsAStandardOneOrATextOfItsOwn ) {
    Descriptor descriptor = full;
    EXPECT_EQ( Log::actionText( descriptor ), "Contact your support representative." );
    descriptor.action = StandardAction::NoneRequired;

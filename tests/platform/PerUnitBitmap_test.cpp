@@ -33,7 +33,7 @@ std::string repeated( std::string const & text, int times ) {
    return out;
 }
 
-TEST( PerUnitBitmap, startsAllZero ) {
+TEST( PerUnitBitmap, StartsAllZero ) {
    PerUnitBitmap const bitmap;
    EXPECT_TRUE( bitmap.isEmpty() );
    EXPECT_EQ( bitmap.count(), 0U );
@@ -42,7 +42,7 @@ TEST( PerUnitBitmap, startsAllZero ) {
    }
 }
 
-TEST( PerUnitBitmap, bitLiesInItsWordAtItsPosition ) {
+TEST( PerUnitBitmap, BitLiesInItsWordAtItsPosition ) {
    PerUnitBitmap const bitmap = bitmapOf( { 0, 31, 32, 69, 351 } );
    EXPECT_EQ( bitmap.word( 0 ), 0x80000001U );
    EXPECT_EQ( bitmap.word( 1 ), 0x00000001U );
@@ -52,7 +52,7 @@ TEST( PerUnitBitmap, bitLiesInItsWordAtItsPosition ) {
    EXPECT_EQ( bitmap.count(), 5U );
 }
 
-TEST( PerUnitBitmap, isUsableAtCompileTime ) {
+TEST( PerUnitBitmap, IsUsableAtCompileTime ) {
    constexpr PerUnitBitmap bitmap = [] {
       PerUnitBitmap result;
       result.bitSet( 5 );
@@ -64,7 +64,7 @@ TEST( PerUnitBitmap, isUsableAtCompileTime ) {
    static_assert( !bitmap.isEmpty() && bitmap != PerUnitBitmap() );
 }
 
-TEST( PerUnitBitmap, settingAndClearingTwiceIsTheSameAsOnce ) {
+TEST( PerUnitBitmap, SettingAndClearingTwiceIsTheSameAsOnce ) {
    PerUnitBitmap bitmap = bitmapOf( { 5, 5 } );
    EXPECT_EQ( bitmap.count(), 1U );
    bitmap.bitClear( 5 );
@@ -72,7 +72,7 @@ TEST( PerUnitBitmap, settingAndClearingTwiceIsTheSameAsOnce ) {
    EXPECT_EQ( bitmap, PerUnitBitmap() );
 }
 
-TEST( PerUnitBitmap, bitOutsideIsRefusedAndChangesNothing ) {
+TEST( PerUnitBitmap, BitOutsideIsRefusedAndChangesNothing ) {
    PerUnitBitmap const before = bitmapOf( { 0, 351 } );
    PerUnitBitmap bitmap = before;
    auto const expectRefused = [ & ]( auto act ) {
@@ -94,13 +94,13 @@ TEST( PerUnitBitmap, bitOutsideIsRefusedAndChangesNothing ) {
    expectRefused( [ & ] { static_cast< void >( bitmap.word( 11 ) ); } );
 }
 
-TEST( PerUnitBitmap, highestBitIsTheTopOfWordTen ) {
+TEST( PerUnitBitmap, HighestBitIsTheTopOfWordTen ) {
    PerUnitBitmap const bitmap = bitmapOf( { 351 } );
    EXPECT_TRUE( bitmap.bit( 351 ) );
    EXPECT_EQ( bitmap.word( 10 ), 0x80000000U );
 }
 
-TEST( PerUnitBitmap, showsNineWordsWhenTheTwoHighestAreZero ) {
+TEST( PerUnitBitmap, ShowsNineWordsWhenTheTwoHighestAreZero ) {
    std::string const allZero = PerUnitBitmap().bitmapToString();
    EXPECT_EQ( allZero, repeated( " 0x00000000", 9 ) );
    EXPECT_EQ( allZero.size(), 99U );
@@ -108,13 +108,13 @@ TEST( PerUnitBitmap, showsNineWordsWhenTheTwoHighestAreZero ) {
               " 0x80000000" + repeated( " 0x00000000", 7 ) + " 0x00000020" );
 }
 
-TEST( PerUnitBitmap, showsElevenWordsWhenOneOfTheTwoHighestIsNotZero ) {
+TEST( PerUnitBitmap, ShowsElevenWordsWhenOneOfTheTwoHighestIsNotZero ) {
    EXPECT_EQ( bitmapOf( { 351 } ).bitmapToString(), " 0x80000000" + repeated( " 0x00000000", 10 ) );
    EXPECT_EQ( bitmapOf( { 288 } ).bitmapToString(),
               " 0x00000000 0x00000001" + repeated( " 0x00000000", 9 ) );
 }
 
-TEST( PerUnitBitmap, textListsBitsAndRanges ) {
+TEST( PerUnitBitmap, TextListsBitsAndRanges ) {
    EXPECT_EQ( Quelm::textOf( PerUnitBitmap() ), "{}" );
    EXPECT_EQ( Quelm::textOf( bitmapOf( { 0, 5, 17, 18, 19, 20 } ) ), "{0,5,17-20}" );
    EXPECT_EQ( Quelm::textOf( bitmapOf( { 31, 32, 350, 351 } ) ), "{31-32,350-351}" );
@@ -123,11 +123,11 @@ TEST( PerUnitBitmap, textListsBitsAndRanges ) {
    EXPECT_EQ( Quelm::textOf( Quelm::fromText< PerUnitBitmap >( "{0-351}" ) ), "{0-351}" );
 }
 
-TEST( PerUnitBitmap, neighboursNeedNotBeTypedAsARange ) {
+TEST( PerUnitBitmap, NeighboursNeedNotBeTypedAsARange ) {
    EXPECT_EQ( Quelm::fromText< PerUnitBitmap >( "{3,4}" ), bitmapOf( { 3, 4 } ) );
 }
 
-TEST( PerUnitBitmap, saysWhatIsWrongWithAText ) {
+TEST( PerUnitBitmap, SaysWhatIsWrongWithAText ) {
    auto const reason = refusal< PerUnitBitmap >;
    EXPECT_EQ( reason( "{5,352}" ),
               "expected a bit number from 0 to 351 at character 4, found '352}'" );
@@ -147,11 +147,11 @@ TEST( PerUnitBitmap, saysWhatIsWrongWithAText ) {
    EXPECT_EQ( reason( "{}{}" ), "expected the end of the text at character 3, found '{}'" );
 }
 
-RC_GTEST_PROP( PerUnitBitmap, anyBitmapIsReadBack, ( PerUnitBitmap const & bitmap ) ) {
+RC_GTEST_PROP( PerUnitBitmap, AnyBitmapIsReadBack, ( PerUnitBitmap const & bitmap ) ) {
    RC_ASSERT( Quelm::fromText< PerUnitBitmap >( Quelm::textOf( bitmap ) ) == bitmap );
 }
 
-RC_GTEST_PROP( PerUnitBitmap, behavesAsAStandardBitset, () ) {
+RC_GTEST_PROP( PerUnitBitmap, BehavesAsAStandardBitset, () ) {
    auto const steps = *rc::gen::container< std::vector< std::pair< bool, U32 > > >(
       rc::gen::pair( rc::gen::arbitrary< bool >(),
                      rc::gen::inRange< U32 >( 0, PerUnitBitmap::kBits ) ) );
@@ -168,7 +168,7 @@ RC_GTEST_PROP( PerUnitBitmap, behavesAsAStandardBitset, () ) {
    }
 }
 
-RC_GTEST_PROP( PerUnitBitmap, equalMeansTheSameBits,
+RC_GTEST_PROP( PerUnitBitmap, EqualMeansTheSameBits,
                ( PerUnitBitmap const & a, PerUnitBitmap const & b ) ) {
    bool isSame = true;
    for ( U32 index = 0; index < PerUnitBitmap::kWords; ++index ) {

@@ -32,21 +32,21 @@ testing::Matcher< std::string const & > line( int number,
                        functionAndExpression );
 }
 
-TEST( QuelmAssertDeathTest, saysFileLineFunctionAndTheSourceTextOfTheExpression ) {
+TEST( QuelmAssertDeathTest, SaysFileLineFunctionAndTheSourceTextOfTheExpression ) {
    EXPECT_EXIT( installed( -1 ), testing::KilledBySignal( SIGABRT ),
                 line( kLineOfInstalled,
                       "void QuelmAssertTest::installed(int): Assertion "
                       "'rc == kOk && \"installEntry failed\"' failed.\n" ) );
 }
 
-TEST( QuelmAssertDeathTest, reportsAGivenLineInPlaceOfItsOwn ) {
+TEST( QuelmAssertDeathTest, ReportsAGivenLineInPlaceOfItsOwn ) {
    EXPECT_EXIT( installedAtTheLineThatSupportToolsKnow( -1 ), testing::KilledBySignal( SIGABRT ),
                 line( 279,
                       "void QuelmAssertTest::installedAtTheLineThatSupportToolsKnow(int): "
                       "Assertion 'rc == kOk' failed.\n" ) );
 }
 
-TEST( QuelmAssertDeathTest, keepsTheCommasOfAnExpression ) {
+TEST( QuelmAssertDeathTest, KeepsTheCommasOfAnExpression ) {
    EXPECT_EXIT( comparedPairs( 7 ), testing::KilledBySignal( SIGABRT ),
                 line( kLineOfCompared,
                       "void QuelmAssertTest::comparedPairs(int): Assertion "
@@ -54,7 +54,7 @@ TEST( QuelmAssertDeathTest, keepsTheCommasOfAnExpression ) {
                       "failed.\n" ) );
 }
 
-TEST( QuelmAssert, letsPassWhatHoldsAndLooksOnce ) {
+TEST( QuelmAssert, LetsPassWhatHoldsAndLooksOnce ) {
    int looks = 0;
    QUELM_ASSERT( ++looks );
    QUELM_ASSERT_AT( 279, ++looks );

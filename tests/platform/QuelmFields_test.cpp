@@ -47,27 +47,27 @@ Tunnel leaf2() {
 
 constexpr char const * kLeaf2Text = "Test::Tunnel( name=leaf2, vni=10100, vtepIp=10.0.0.2 )";
 
-TEST( QuelmFields, startWithTheDefaultsOfTheirTypes ) {
+TEST( QuelmFields, StartWithTheDefaultsOfTheirTypes ) {
    Tunnel const tunnel;
    EXPECT_EQ( tunnel.name(), "" );
    EXPECT_EQ( tunnel.vni(), 0U );
    EXPECT_EQ( tunnel.vtepIp(), Pelk::IpGenAddr() );
 }
 
-TEST( QuelmFields, areWrittenByNameInTheirOrder ) {
+TEST( QuelmFields, AreWrittenByNameInTheirOrder ) {
    EXPECT_EQ( Quelm::textOf( leaf2() ), kLeaf2Text );
    EXPECT_EQ( Quelm::textOf( Tunnel() ), "Test::Tunnel( name=\"\", vni=0, vtepIp=0.0.0.0 )" );
    EXPECT_EQ( Quelm::textOf( Nothing() ), "Test::Nothing( )" );
    EXPECT_EQ( Quelm::typeName< Tunnel >(), "Test::Tunnel" );
 }
 
-TEST( QuelmFields, areReadBack ) {
+TEST( QuelmFields, AreReadBack ) {
    EXPECT_EQ( Quelm::fromText< Tunnel >( kLeaf2Text ), leaf2() );
    EXPECT_EQ( Quelm::textOf( Quelm::fromText< Nothing >( "Test::Nothing( )" ) ),
               "Test::Nothing( )" );
 }
 
-TEST( QuelmFields, mayBeValuesWithFields ) {
+TEST( QuelmFields, MayBeValuesWithFields ) {
    Segment segment;
    segment.tunnelIs( leaf2() );
    std::string const text =
@@ -76,7 +76,7 @@ TEST( QuelmFields, mayBeValuesWithFields ) {
    EXPECT_EQ( Quelm::textOf( Quelm::fromText< Segment >( text ) ), text );
 }
 
-RC_GTEST_PROP( QuelmFields, ofAnyValuesAreReadBack,
+RC_GTEST_PROP( QuelmFields, OfAnyValuesAreReadBack,
                ( std::string const & name, U32 vni, Pelk::IpGenAddr const & vtepIp ) ) {
    Tunnel tunnel;
    tunnel.nameIs( name );
@@ -85,7 +85,7 @@ RC_GTEST_PROP( QuelmFields, ofAnyValuesAreReadBack,
    RC_ASSERT( Quelm::fromText< Tunnel >( Quelm::textOf( tunnel ) ) == tunnel );
 }
 
-TEST( QuelmFields, fieldThatCannotBeReadIsNamed ) {
+TEST( QuelmFields, FieldThatCannotBeReadIsNamed ) {
    auto const reading = []( std::string_view text ) { return Quelm::fromText< Tunnel >( text ); };
    EXPECT_THROW( reading( "Test::Tunnel( name=leaf2, vni=many, vtepIp=10.0.0.2 )" ),
                  Quelm::AttributeTextError );
@@ -100,14 +100,14 @@ TEST( QuelmFields, fieldThatCannotBeReadIsNamed ) {
               "number from 0 to 255" );
 }
 
-TEST( QuelmFields, fieldInsideAFieldIsNamedByItsWay ) {
+TEST( QuelmFields, FieldInsideAFieldIsNamedByItsWay ) {
    EXPECT_EQ( refusal< Segment >( "Test::Segment( intfId=Ethernet1, tunnel=Test::Tunnel( name=x, "
                                   "vni=, vtepIp=::1 ), isUp=true )" ),
               "cannot read attribute 'tunnel': cannot read attribute 'vni': expected a number of "
               "type U32 at character 67, found ', vtepIp=::1 ), isUp=tru'" );
 }
 
-TEST( QuelmFields, typeNameBelongsToTheFirstFieldAndTheClosingTextToTheLast ) {
+TEST( QuelmFields, TypeNameBelongsToTheFirstFieldAndTheClosingTextToTheLast ) {
    EXPECT_EQ( refusal< Tunnel >( "Test::Segment( )" ),
               "cannot read attribute 'name': expected 'Test::Tunnel' at character 1, found "
               "'Test::Segment( )'" );
@@ -121,7 +121,7 @@ TEST( QuelmFields, typeNameBelongsToTheFirstFieldAndTheClosingTextToTheLast ) {
 
 // Wherever the text is cut, the first field is named whose text is not whole. The comma in front of
 // a field belongs to it, and the closing text to the last.
-TEST( QuelmFields, textThatIsCutOffNamesTheFieldAtWhichItEnds ) {
+TEST( QuelmFields, TextThatIsCutOffNamesTheFieldAtWhichItEnds ) {
    std::string const text = kLeaf2Text;
    std::size_t const vni = text.find( ", vni" );
    std::size_t const vtepIp = text.find( ", vtepIp" );
@@ -138,7 +138,7 @@ TEST( QuelmFields, textThatIsCutOffNamesTheFieldAtWhichItEnds ) {
    }
 }
 
-TEST( QuelmFields, valueIsComparableOnlyIfItsClassSaysHow ) {
+TEST( QuelmFields, ValueIsComparableOnlyIfItsClassSaysHow ) {
    static_assert( std::equality_comparable< Tunnel > );
    static_assert( !std::equality_comparable< Segment > );
    static_assert( !std::three_way_comparable< Tunnel > );
@@ -148,7 +148,7 @@ TEST( QuelmFields, valueIsComparableOnlyIfItsClassSaysHow ) {
    EXPECT_NE( other, leaf2() );
 }
 
-TEST( QuelmFields, streamGetsTheTextForm ) {
+TEST( QuelmFields, StreamGetsTheTextForm ) {
    std::ostringstream out;
    out << leaf2();
    EXPECT_EQ( out.str(), kLeaf2Text );

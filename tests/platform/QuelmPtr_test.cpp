@@ -69,7 +69,7 @@ class Pooled : public Quelm::Counted {
    void lastUserGone() override { ++returned; }
 };
 
-TEST( QuelmPtr, objectLivesUntilItsLastUserLetsGo ) {
+TEST( QuelmPtr, ObjectLivesUntilItsLastUserLetsGo ) {
    int destroyed = 0;
    Ptr< Tunnel > first = Quelm::make< Tunnel >( destroyed );
    EXPECT_EQ( first->users(), 1U );
@@ -83,7 +83,7 @@ TEST( QuelmPtr, objectLivesUntilItsLastUserLetsGo ) {
    EXPECT_EQ( destroyed, 1 );
 }
 
-TEST( QuelmPtr, movingHandsTheUseOver ) {
+TEST( QuelmPtr, MovingHandsTheUseOver ) {
    int destroyed = 0;
    Ptr< Tunnel > first = Quelm::make< Tunnel >( destroyed );
    Ptr< Tunnel > const second = std::move( first );
@@ -91,7 +91,7 @@ TEST( QuelmPtr, movingHandsTheUseOver ) {
    EXPECT_FALSE( first );  // NOLINT(bugprone-use-after-move): that it is empty is what is shown
 }
 
-TEST( QuelmPtr, assigningItselfChangesNothing ) {
+TEST( QuelmPtr, AssigningItselfChangesNothing ) {
    int destroyed = 0;
    Ptr< Tunnel > tunnel = Quelm::make< Tunnel >( destroyed );
    Ptr< Tunnel > const & same = tunnel;
@@ -100,7 +100,7 @@ TEST( QuelmPtr, assigningItselfChangesNothing ) {
    EXPECT_EQ( destroyed, 0 );
 }
 
-TEST( QuelmPtr, plainThisBecomesAReferenceAtAnyTime ) {
+TEST( QuelmPtr, PlainThisBecomesAReferenceAtAnyTime ) {
    int destroyed = 0;
    Ptr< Tunnel > const tunnel = Quelm::make< Tunnel >( destroyed );
    Ptr< Tunnel > const again( tunnel.get() );
@@ -108,7 +108,7 @@ TEST( QuelmPtr, plainThisBecomesAReferenceAtAnyTime ) {
    EXPECT_EQ( again, tunnel );
 }
 
-TEST( QuelmPtr, constructorAndDestructorMayReferToTheirObject ) {
+TEST( QuelmPtr, ConstructorAndDestructorMayReferToTheirObject ) {
    int destroyed = 0;
    Ptr< SelfReferring > object = Quelm::make< SelfReferring >( destroyed );
    EXPECT_EQ( object->users(), 1U );
@@ -117,7 +117,7 @@ TEST( QuelmPtr, constructorAndDestructorMayReferToTheirObject ) {
    EXPECT_EQ( destroyed, 1 );
 }
 
-TEST( QuelmPtr, destructorOfTheOldTargetSeesTheNewOne ) {
+TEST( QuelmPtr, DestructorOfTheOldTargetSeesTheNewOne ) {
    int destroyed = 0;
    Ptr< Quelm::Counted > current;
    Ptr< Quelm::Counted > seen;
@@ -127,13 +127,13 @@ TEST( QuelmPtr, destructorOfTheOldTargetSeesTheNewOne ) {
    EXPECT_EQ( seen, next );
 }
 
-TEST( QuelmPtr, classMayDecideWhatHappensWhenItsLastUserIsGone ) {
+TEST( QuelmPtr, ClassMayDecideWhatHappensWhenItsLastUserIsGone ) {
    Pooled object;
    { Ptr< Pooled > const user = Ptr< Pooled >::adopt( &object ); }
    EXPECT_EQ( object.returned, 1 );
 }
 
-TEST( QuelmPtr, convertsToBasesAndToConst ) {
+TEST( QuelmPtr, ConvertsToBasesAndToConst ) {
    int destroyed = 0;
    Ptr< VxlanTunnel > const tunnel = Quelm::make< VxlanTunnel >( destroyed );
    Ptr< Tunnel const > const base = tunnel;
@@ -145,7 +145,7 @@ TEST( QuelmPtr, convertsToBasesAndToConst ) {
    static_assert( !std::is_constructible_v< Ptr< Tunnel >, Ptr< Tunnel const > > );
 }
 
-TEST( QuelmPtr, dynamicCastFindsTheDerivedObjectOrNothing ) {
+TEST( QuelmPtr, DynamicCastFindsTheDerivedObjectOrNothing ) {
    int destroyed = 0;
    Ptr< Tunnel > const tunnel = Quelm::make< VxlanTunnel >( destroyed );
    EXPECT_EQ( Quelm::dynamicCast< VxlanTunnel >( tunnel ), tunnel );
@@ -154,7 +154,7 @@ TEST( QuelmPtr, dynamicCastFindsTheDerivedObjectOrNothing ) {
    EXPECT_EQ( tunnel->users(), 1U );
 }
 
-TEST( QuelmPtr, releasedUseIsTakenOverByAdopt ) {
+TEST( QuelmPtr, ReleasedUseIsTakenOverByAdopt ) {
    int destroyed = 0;
    Ptr< Tunnel > tunnel = Quelm::make< Tunnel >( destroyed );
    Tunnel * const plain = tunnel.release();
@@ -164,7 +164,7 @@ TEST( QuelmPtr, releasedUseIsTakenOverByAdopt ) {
    EXPECT_EQ( tunnel->users(), 1U );
 }
 
-TEST( QuelmPtr, equalMeansTheSameObject ) {
+TEST( QuelmPtr, EqualMeansTheSameObject ) {
    int destroyed = 0;
    Ptr< Tunnel > const tunnel = Quelm::make< Tunnel >( destroyed );
    Ptr< Tunnel > const other = Quelm::make< Tunnel >( destroyed );
@@ -176,7 +176,7 @@ TEST( QuelmPtr, equalMeansTheSameObject ) {
    EXPECT_EQ( ( std::unordered_set< Ptr< Tunnel > >{ tunnel, same, other } ).size(), 2U );
 }
 
-TEST( QuelmPtrDeathTest, usingAnEmptyReferenceStopsTheProcess ) {
+TEST( QuelmPtrDeathTest, UsingAnEmptyReferenceStopsTheProcess ) {
    Ptr< Tunnel > const empty;
    char const * const said =
       "Ptr\\.h:[0-9]+: .*Quelm::Ptr<.*operator->.*T = QuelmPtrTest::Tunnel\\]: "

@@ -24,7 +24,7 @@ template< typename T > void expectLimitsRoundTrip() {
    }
 }
 
-TEST( QuelmText, numbersReachTheLimitsOfTheirTypes ) {
+TEST( QuelmText, NumbersReachTheLimitsOfTheirTypes ) {
    expectLimitsRoundTrip< U8 >();
    expectLimitsRoundTrip< U16 >();
    expectLimitsRoundTrip< U32 >();
@@ -35,12 +35,12 @@ TEST( QuelmText, numbersReachTheLimitsOfTheirTypes ) {
    EXPECT_EQ( textOf( S32{ -5 } ), "-5" );
 }
 
-TEST( QuelmText, numbersMayBeTypedInHexadecimal ) {
+TEST( QuelmText, NumbersMayBeTypedInHexadecimal ) {
    EXPECT_EQ( fromText< U32 >( "0xffFF" ), 0xffffU );
    EXPECT_EQ( fromText< U64 >( "0x1000000" ), 0x1000000U );
 }
 
-TEST( QuelmText, numberOutsideItsTypeIsRefusedWhereItStands ) {
+TEST( QuelmText, NumberOutsideItsTypeIsRefusedWhereItStands ) {
    EXPECT_EQ( refusal< U8 >( "256" ), "expected a number of type U8 at character 1, found '256'" );
    EXPECT_EQ( refusal< U16 >( "-1" ), "expected a number of type U16 at character 1, found '-1'" );
    EXPECT_EQ( refusal< U32 >( "0x100000000" ),
@@ -50,7 +50,7 @@ TEST( QuelmText, numberOutsideItsTypeIsRefusedWhereItStands ) {
    EXPECT_EQ( refusal< U32 >( "0x" ), "expected a number of type U32 at character 1, found '0x'" );
 }
 
-TEST( QuelmText, numberEndsWithItsLastDigit ) {
+TEST( QuelmText, NumberEndsWithItsLastDigit ) {
    Quelm::TextReader in( "17-20" );
    EXPECT_EQ( Quelm::TextForm< U32 >::read( in ), 17U );
    EXPECT_EQ( in.rest(), "-20" );
@@ -58,7 +58,7 @@ TEST( QuelmText, numberEndsWithItsLastDigit ) {
    EXPECT_EQ( refusal< U32 >( "12f" ), "expected the end of the text at character 3, found 'f'" );
 }
 
-TEST( QuelmText, boolIsTrueOrFalse ) {
+TEST( QuelmText, BoolIsTrueOrFalse ) {
    EXPECT_EQ( textOf( true ), "true" );
    EXPECT_EQ( textOf( false ), "false" );
    EXPECT_TRUE( fromText< bool >( "true" ) );
@@ -68,7 +68,7 @@ TEST( QuelmText, boolIsTrueOrFalse ) {
               "expected the end of the text at character 5, found 'ish'" );
 }
 
-TEST( QuelmText, stringOfNameCharactersIsBareAnyOtherIsQuoted ) {
+TEST( QuelmText, StringOfNameCharactersIsBareAnyOtherIsQuoted ) {
    std::string const bare = "tenant_a-1.Port-Channel7/3:@#";
    EXPECT_EQ( textOf( bare ), bare );
    EXPECT_EQ( textOf( std::string() ), "\"\"" );
@@ -76,7 +76,7 @@ TEST( QuelmText, stringOfNameCharactersIsBareAnyOtherIsQuoted ) {
    EXPECT_EQ( textOf( std::string( "a \"b\" \\" ) ), "\"a \\\"b\\\" \\\\\"" );
 }
 
-TEST( QuelmText, unfinishedStringIsRefused ) {
+TEST( QuelmText, UnfinishedStringIsRefused ) {
    EXPECT_EQ( refusal< std::string >( "\"open" ),
               "expected a closing '\"' at character 6, found the end of the text" );
    EXPECT_EQ( refusal< std::string >( "\"open\\" ),
@@ -87,16 +87,16 @@ TEST( QuelmText, unfinishedStringIsRefused ) {
               "expected the end of the text at character 4, found 'b'" );
 }
 
-RC_GTEST_PROP( QuelmText, anyStringIsReadBack, ( std::string const & value ) ) {
+RC_GTEST_PROP( QuelmText, AnyStringIsReadBack, ( std::string const & value ) ) {
    RC_ASSERT( fromText< std::string >( textOf( value ) ) == value );
 }
 
-RC_GTEST_PROP( QuelmText, anyNumberIsReadBack, ( S64 number, U16 small ) ) {
+RC_GTEST_PROP( QuelmText, AnyNumberIsReadBack, ( S64 number, U16 small ) ) {
    RC_ASSERT( fromText< S64 >( textOf( number ) ) == number );
    RC_ASSERT( fromText< U16 >( textOf( small ) ) == small );
 }
 
-TEST( QuelmText, refusalShowsTheTextAroundThePlace ) {
+TEST( QuelmText, RefusalShowsTheTextAroundThePlace ) {
    Quelm::TextReader in( "vni=none, and what comes after that" );
    in.expect( "vni=" );
    EXPECT_FALSE( in.accept( "10100" ) );
@@ -110,7 +110,7 @@ TEST( QuelmText, refusalShowsTheTextAroundThePlace ) {
    EXPECT_EQ( in.peek(), 'n' );
 }
 
-TEST( QuelmText, typesHaveNames ) {
+TEST( QuelmText, TypesHaveNames ) {
    EXPECT_EQ( Quelm::typeName< U8 >(), "U8" );
    EXPECT_EQ( Quelm::typeName< U16 >(), "U16" );
    EXPECT_EQ( Quelm::typeName< U32 >(), "U32" );
@@ -131,13 +131,13 @@ TEST( QuelmText, typesHaveNames ) {
    EXPECT_EQ( Quelm::typeName< VornalCentral::RemoteVtepKey >(), "VornalCentral::RemoteVtepKey" );
 }
 
-TEST( QuelmText, streamGetsTheTextForm ) {
+TEST( QuelmText, StreamGetsTheTextForm ) {
    std::ostringstream out;
    out << Pelk::IpGenAddr::ipv4( { 10, 0, 0, 2 } ) << ' ' << VornalTypes::VornalPort( 1, 5, 2 );
    EXPECT_EQ( out.str(), "10.0.0.2 unit1/port5/mod2" );
 }
 
-TEST( QuelmText, formatTakesItsValuesInOrder ) {
+TEST( QuelmText, FormatTakesItsValuesInOrder ) {
    EXPECT_EQ( Quelm::formatted( "from vtep IP %s on %s", { "10.0.0.2", "Ethernet1" } ),
               "from vtep IP 10.0.0.2 on Ethernet1" );
    EXPECT_EQ( Quelm::formatted( "vni %d - No-op", { "10100" } ), "vni 10100 - No-op" );
@@ -145,7 +145,7 @@ TEST( QuelmText, formatTakesItsValuesInOrder ) {
    EXPECT_EQ( Quelm::formatted( "100% full", {} ), "100% full" );
 }
 
-TEST( QuelmTextDeathTest, formatAndValuesMustAgreeInNumber ) {
+TEST( QuelmTextDeathTest, FormatAndValuesMustAgreeInNumber ) {
    EXPECT_EXIT( Quelm::formatted( "%s on %s", { "10.0.0.2" } ), testing::KilledBySignal( SIGABRT ),
                 "a value for every %s and %d of the format" );
    EXPECT_EXIT( Quelm::formatted( "no room", { "10.0.0.2" } ), testing::KilledBySignal( SIGABRT ),

@@ -20,7 +20,7 @@ using Vxlan::SwTunnelGroupId;
 
 IpGenAddr const kLeaf2 = IpGenAddr::ipv4( { 10, 0, 0, 2 } );
 
-TEST( RemoteVtepKey, ofAnAddressHasNoGroupAndTheFirstTunnelInterface ) {
+TEST( RemoteVtepKey, OfAnAddressHasNoGroupAndTheFirstTunnelInterface ) {
    RemoteVtepKey const key = getRemoteVtepKeyForIp( kLeaf2 );
    EXPECT_TRUE( key.tunnelGroup().isEmpty() );
    EXPECT_EQ( key.vtiNumber(), 1U );
@@ -28,7 +28,7 @@ TEST( RemoteVtepKey, ofAnAddressHasNoGroupAndTheFirstTunnelInterface ) {
    EXPECT_EQ( key, RemoteVtepKey( SwTunnelGroupId(), 1, kLeaf2 ) );
 }
 
-TEST( RemoteVtepKey, isOrderedByGroupThenTunnelInterfaceThenAddress ) {
+TEST( RemoteVtepKey, IsOrderedByGroupThenTunnelInterfaceThenAddress ) {
    IpGenAddr const leaf3 = IpGenAddr::ipv4( { 10, 0, 0, 3 } );
    std::vector< RemoteVtepKey > const ascending = {
       RemoteVtepKey(),
@@ -40,7 +40,7 @@ TEST( RemoteVtepKey, isOrderedByGroupThenTunnelInterfaceThenAddress ) {
    EXPECT_TRUE( std::is_sorted( ascending.begin(), ascending.end(), std::less_equal<>() ) );
 }
 
-TEST( RemoteVtepKey, textIsTheAddressAndWhatIsUnusual ) {
+TEST( RemoteVtepKey, TextIsTheAddressAndWhatIsUnusual ) {
    IpGenAddr const v6 = IpGenAddr::fromString( "2001:db8::1" );
    EXPECT_EQ( Quelm::textOf( getRemoteVtepKeyForIp( kLeaf2 ) ), "10.0.0.2" );
    EXPECT_EQ( Quelm::textOf( getRemoteVtepKeyForIp( v6 ) ), "2001:db8::1" );
@@ -53,7 +53,7 @@ TEST( RemoteVtepKey, textIsTheAddressAndWhatIsUnusual ) {
    EXPECT_EQ( Quelm::fromText< RemoteVtepKey >( "10.0.0.2" ), getRemoteVtepKeyForIp( kLeaf2 ) );
 }
 
-TEST( RemoteVtepKey, saysWhatIsWrongWithAText ) {
+TEST( RemoteVtepKey, SaysWhatIsWrongWithAText ) {
    auto const reason = refusal< RemoteVtepKey >;
    EXPECT_EQ( reason( "10.0.0.256@2" ),
               "'10.0.0.256' is not an IP address: '256' is not a number from 0 to 255" );
@@ -64,11 +64,11 @@ TEST( RemoteVtepKey, saysWhatIsWrongWithAText ) {
    EXPECT_EQ( reason( "10.0.0.2 " ), "expected the end of the text at character 9, found ' '" );
 }
 
-RC_GTEST_PROP( RemoteVtepKey, anyKeyIsReadBack, ( RemoteVtepKey const & key ) ) {
+RC_GTEST_PROP( RemoteVtepKey, AnyKeyIsReadBack, ( RemoteVtepKey const & key ) ) {
    RC_ASSERT( Quelm::fromText< RemoteVtepKey >( Quelm::textOf( key ) ) == key );
 }
 
-RC_GTEST_PROP( RemoteVtepKey, anyTwoKeysAreOrdered,
+RC_GTEST_PROP( RemoteVtepKey, AnyTwoKeysAreOrdered,
                ( RemoteVtepKey const & a, RemoteVtepKey const & b ) ) {
    checkOrderAndHash( a, b );
 }

@@ -11,23 +11,23 @@ namespace SwTunnelGroupIdTest {
 
 using Vxlan::SwTunnelGroupId;
 
-TEST( SwTunnelGroupId, startsEmpty ) {
+TEST( SwTunnelGroupId, StartsEmpty ) {
    EXPECT_TRUE( SwTunnelGroupId().isEmpty() );
    EXPECT_EQ( SwTunnelGroupId().stringValue(), "" );
    EXPECT_FALSE( SwTunnelGroupId( "west" ).isEmpty() );
    EXPECT_LT( SwTunnelGroupId(), SwTunnelGroupId( "west" ) );
 }
 
-TEST( SwTunnelGroupId, textIsThatOfAString ) {
+TEST( SwTunnelGroupId, TextIsThatOfAString ) {
    EXPECT_EQ( Quelm::textOf( SwTunnelGroupId( "west" ) ), "west" );
    EXPECT_EQ( Quelm::textOf( SwTunnelGroupId() ), "\"\"" );
 }
 
-RC_GTEST_PROP( SwTunnelGroupId, anyNameIsReadBack, ( SwTunnelGroupId const & group ) ) {
+RC_GTEST_PROP( SwTunnelGroupId, AnyNameIsReadBack, ( SwTunnelGroupId const & group ) ) {
    RC_ASSERT( Quelm::fromText< SwTunnelGroupId >( Quelm::textOf( group ) ) == group );
 }
 
-RC_GTEST_PROP( SwTunnelGroupId, anyTwoGroupsAreOrdered,
+RC_GTEST_PROP( SwTunnelGroupId, AnyTwoGroupsAreOrdered,
                ( SwTunnelGroupId const & a, SwTunnelGroupId const & b ) ) {
    checkOrderAndHash( a, b );
 }

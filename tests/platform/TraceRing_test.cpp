@@ -56,14 +56,14 @@ bool isRefused( std::span< std::byte const > bytes ) {
    }
 }
 
-TEST( TraceRing, startsEmptyWhateverTheMemoryHeld ) {
+TEST( TraceRing, StartsEmptyWhateverTheMemoryHeld ) {
    Block block( 4 );
    std::memset( block.bytes().data(), 0xff, block.bytes().size() );
    Ring const ring( block.bytes() );
    EXPECT_TRUE( Ring::decode( block.bytes() ).empty() );
 }
 
-TEST( TraceRing, givesBackWhatWasWritten ) {
+TEST( TraceRing, GivesBackWhatWasWritten ) {
    Block block( 4 );
    Ring ring( block.bytes() );
    ring.lineNew( { "VornalEvpnSm", 5, "handleTepSegment tepIp: 10.0.0.2" } );
@@ -81,7 +81,7 @@ TEST( TraceRing, givesBackWhatWasWritten ) {
    EXPECT_EQ( lines[ 1 ].text, "" );
 }
 
-TEST( TraceRing, lineCarriesTheTimeOfTheAgentsClock ) {
+TEST( TraceRing, LineCarriesTheTimeOfTheAgentsClock ) {
    Kiv::ActivityManager const manager;
    Block block( 2 );
    Ring ring( block.bytes() );
@@ -90,7 +90,7 @@ TEST( TraceRing, lineCarriesTheTimeOfTheAgentsClock ) {
    EXPECT_EQ( Ring::decode( block.bytes() ).front().time, 3'000'000'000 );
 }
 
-TEST( TraceRing, oldestLinesAreOverwritten ) {
+TEST( TraceRing, OldestLinesAreOverwritten ) {
    Block block( 3 );
    Ring ring( block.bytes() );
    for ( int n = 0; n < 8; ++n ) {
@@ -100,7 +100,7 @@ TEST( TraceRing, oldestLinesAreOverwritten ) {
    EXPECT_EQ( Ring::decode( block.bytes() ).front().number, 5U );
 }
 
-TEST( TraceRing, shorterLineLeavesNothingOfTheOneItOverwrites ) {
+TEST( TraceRing, ShorterLineLeavesNothingOfTheOneItOverwrites ) {
    Block block( 1 );
    Ring ring( block.bytes() );
    ring.lineNew( { "VornalEvpnMounter", 5, "doMountsComplete sliceId: 1" } );
@@ -109,7 +109,7 @@ TEST( TraceRing, shorterLineLeavesNothingOfTheOneItOverwrites ) {
    EXPECT_EQ( Ring::decode( block.bytes() ).front().handle, "ApiVornal" );
 }
 
-TEST( TraceRing, lineLongerThanASlotIsCutAndSaysSo ) {
+TEST( TraceRing, LineLongerThanASlotIsCutAndSaysSo ) {
    Block block( 2 );
    Ring ring( block.bytes() );
    std::string const fits( Ring::kSlotSize - 48, 'x' );
@@ -123,7 +123,7 @@ TEST( TraceRing, lineLongerThanASlotIsCutAndSaysSo ) {
    EXPECT_TRUE( lines[ 1 ].isCut );
 }
 
-TEST( TraceRing, anyTextIsKeptByteForByte ) {
+TEST( TraceRing, AnyTextIsKeptByteForByte ) {
    Block block( 1 );
    Ring ring( block.bytes() );
    std::string_view const text( "zero \0 and newline \n", 20 );
@@ -131,7 +131,7 @@ TEST( TraceRing, anyTextIsKeptByteForByte ) {
    EXPECT_EQ( textsIn( block.bytes() ), Texts{ std::string( text ) } );
 }
 
-TEST( TraceRing, memoryThatHoldsNoSlotOrIsNotAlignedIsRefused ) {
+TEST( TraceRing, MemoryThatHoldsNoSlotOrIsNotAlignedIsRefused ) {
    Block block( 2 );
    EXPECT_THROW( Ring( block.bytes().first( Ring::sizeFor( 1 ) - 1 ) ), Quelm::RangeError );
    EXPECT_THROW( Ring( std::span< std::byte >() ), Quelm::RangeError );
@@ -140,7 +140,7 @@ TEST( TraceRing, memoryThatHoldsNoSlotOrIsNotAlignedIsRefused ) {
    EXPECT_NO_THROW( Ring( block.bytes().subspan( 8 ) ) );
 }
 
-TEST( TraceRing, memoryBehindTheLastWholeSlotIsNotUsed ) {
+TEST( TraceRing, MemoryBehindTheLastWholeSlotIsNotUsed ) {
    Block block( 3 );
    auto const bytes = block.bytes().first( Ring::sizeFor( 2 ) + 100 );
    Ring ring( bytes );
@@ -150,7 +150,7 @@ TEST( TraceRing, memoryBehindTheLastWholeSlotIsNotUsed ) {
    EXPECT_EQ( textsIn( bytes ), ( Texts{ "two", "three" } ) );
 }
 
-TEST( TraceRing, lineThatWasBeingWrittenIsTheOnlyOneLost ) {
+TEST( TraceRing, LineThatWasBeingWrittenIsTheOnlyOneLost ) {
    Block block( 3 );
    Ring ring( block.bytes() );
    for ( char const * const text : { "one", "two", "three" } ) {
@@ -160,7 +160,7 @@ TEST( TraceRing, lineThatWasBeingWrittenIsTheOnlyOneLost ) {
    EXPECT_EQ( textsIn( block.bytes() ), ( Texts{ "one", "three" } ) );
 }
 
-TEST( TraceRing, damagedBlockIsRefused ) {
+TEST( TraceRing, DamagedBlockIsRefused ) {
    Block block( 2 );
    Ring ring( block.bytes() );
    ring.lineNew( { "VornalEvpnSm", 5, "one" } );
@@ -176,7 +176,7 @@ TEST( TraceRing, damagedBlockIsRefused ) {
    EXPECT_FALSE( isRefused( block.bytes() ) );
 }
 
-RC_GTEST_PROP( TraceRing, anyDamageBehindTheHeaderIsReadWithoutHarm, () ) {
+RC_GTEST_PROP( TraceRing, AnyDamageBehindTheHeaderIsReadWithoutHarm, () ) {
    constexpr std::size_t kSlots = 3;
    Block block( kSlots );
    Ring ring( block.bytes() );
@@ -211,14 +211,14 @@ class TraceRingInUse : public testing::Test {
    Texts text;
 };
 
-TEST_F( TraceRingInUse, markedLineGoesToBothWhereBothAreOn ) {
+TEST_F( TraceRingInUse, MarkedLineGoesToBothWhereBothAreOn ) {
    TRACE_RING( handle, 0, "finishInit" );
    EXPECT_EQ( textsIn( block.bytes() ), Texts{ "finishInit" } );
    EXPECT_EQ( text, Texts{ "finishInit" } );
    EXPECT_EQ( Ring::decode( block.bytes() ).front().handle, "TestRingSm" );
 }
 
-TEST_F( TraceRingInUse, ringAndTextHaveLevelsOfTheirOwn ) {
+TEST_F( TraceRingInUse, RingAndTextHaveLevelsOfTheirOwn ) {
    handle.textLevelsIs( 1U << 7 );
    TRACE_RING( handle, 5, "for the ring" );
    TRACE_RING( handle, 7, "for people" );
@@ -227,13 +227,13 @@ TEST_F( TraceRingInUse, ringAndTextHaveLevelsOfTheirOwn ) {
    EXPECT_EQ( text, Texts{ "for people" } );
 }
 
-TEST_F( TraceRingInUse, unmarkedLineDoesNotGoToTheRing ) {
+TEST_F( TraceRingInUse, UnmarkedLineDoesNotGoToTheRing ) {
    TRACE( handle, 0, "text only" );
    EXPECT_TRUE( textsIn( block.bytes() ).empty() );
    EXPECT_EQ( text, Texts{ "text only" } );
 }
 
-TEST_F( TraceRingInUse, withoutARingMarkedLinesAreStillText ) {
+TEST_F( TraceRingInUse, WithoutARingMarkedLinesAreStillText ) {
    Trace::ringIs( nullptr );
    TRACE_RING( handle, 0, "finishInit" );
    TRACE_RING( handle, 5, "for the ring" );
@@ -263,7 +263,7 @@ class MappedFile {
    void * place_ = nullptr;
 };
 
-TEST_F( TraceRingInUse, lastLinesSurviveTheStopOfTheProcess ) {
+TEST_F( TraceRingInUse, LastLinesSurviveTheStopOfTheProcess ) {
    MappedFile file( Ring::sizeFor( 3 ) );
    pid_t const child = fork();
    if ( child == 0 ) {

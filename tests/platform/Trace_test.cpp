@@ -55,14 +55,14 @@ class TraceText : public testing::Test {
    Lines lines;
 };
 
-TEST_F( TraceText, handleStartsWithLevelZeroForTextAndTheLowerHalfForTheRing ) {
+TEST_F( TraceText, HandleStartsWithLevelZeroForTextAndTheLowerHalfForTheRing ) {
    Handle const handle( "TestSm" );
    EXPECT_EQ( handle.name(), "TestSm" );
    EXPECT_EQ( textLevels( handle ), "0" );
    EXPECT_EQ( ringLevels( handle ), "012345" );
 }
 
-TEST_F( TraceText, lineCarriesHandleLevelAndText ) {
+TEST_F( TraceText, LineCarriesHandleLevelAndText ) {
    Handle const handle( "TestSm" );
    Trace::levelsIs( "TestSm", "5" );
    TRACE( handle, 5,
@@ -71,7 +71,7 @@ TEST_F( TraceText, lineCarriesHandleLevelAndText ) {
    EXPECT_EQ( lines, Lines{ "TestSm 5 ifpTcamEntries, unit: 1" } );
 }
 
-TEST_F( TraceText, everyLevelIsSwitchedByItself ) {
+TEST_F( TraceText, EveryLevelIsSwitchedByItself ) {
    Handle const handle( "TestSm" );
    for ( int on = 0; on <= 9; ++on ) {
       Trace::levelsIs( "TestSm", std::to_string( on ) );
@@ -83,7 +83,7 @@ TEST_F( TraceText, everyLevelIsSwitchedByItself ) {
    }
 }
 
-TEST_F( TraceText, levelThatIsOffFormatsNothing ) {
+TEST_F( TraceText, LevelThatIsOffFormatsNothing ) {
    Handle const handle( "TestSm" );
    Trace::levelsIs( "TestSm", "" );
    Trace::ringLevelsIs( "TestSm", "" );
@@ -98,7 +98,7 @@ TEST_F( TraceText, levelThatIsOffFormatsNothing ) {
    EXPECT_EQ( lines, ( Lines{ "TestSm 8 formatted 1", "TestSm 8 formatted 2" } ) );
 }
 
-TEST_F( TraceText, textAloneDoesNotHeedTheLevelsOfTheRing ) {
+TEST_F( TraceText, TextAloneDoesNotHeedTheLevelsOfTheRing ) {
    Handle const handle( "TestSm" );
    Trace::ringLevelsIs( "TestSm", "5" );
    int formatted = 0;
@@ -106,7 +106,7 @@ TEST_F( TraceText, textAloneDoesNotHeedTheLevelsOfTheRing ) {
    EXPECT_EQ( formatted, 0 );
 }
 
-TEST_F( TraceText, macroIsOneStatement ) {
+TEST_F( TraceText, MacroIsOneStatement ) {
    Handle const handle( "TestSm" );
    bool const isShared = false;
    if ( isShared )
@@ -116,7 +116,7 @@ TEST_F( TraceText, macroIsOneStatement ) {
    EXPECT_EQ( lines, Lines{ "TestSm 0 not shared" } );
 }
 
-TEST_F( TraceText, patternSwitchesAllWhoseNameBeginsWithIt ) {
+TEST_F( TraceText, PatternSwitchesAllWhoseNameBeginsWithIt ) {
    Handle const mounter( "TestEvpnMounter" );
    Handle const machine( "TestEvpnSm" );
    Handle const other( "TestApi" );
@@ -127,7 +127,7 @@ TEST_F( TraceText, patternSwitchesAllWhoseNameBeginsWithIt ) {
    EXPECT_EQ( ringLevels( machine ), "012345" );
 }
 
-TEST_F( TraceText, nameWithoutAStarIsExact ) {
+TEST_F( TraceText, NameWithoutAStarIsExact ) {
    Handle const handle( "TestEvpnSm" );
    Trace::levelsIs( "TestEvpn", "9" );
    Trace::levelsIs( "testevpnsm", "9" );
@@ -136,7 +136,7 @@ TEST_F( TraceText, nameWithoutAStarIsExact ) {
    EXPECT_EQ( textLevels( handle ), "9" );
 }
 
-TEST_F( TraceText, starAloneIsEverybody ) {
+TEST_F( TraceText, StarAloneIsEverybody ) {
    Handle const handle( "TestSm" );
    Handle const nameless( "" );
    Trace::levelsIs( "*", "7" );
@@ -145,7 +145,7 @@ TEST_F( TraceText, starAloneIsEverybody ) {
    EXPECT_EQ( ringLevels( handle ) + ringLevels( nameless ), "" );
 }
 
-TEST_F( TraceText, settingHoldsForHandlesThatComeLater ) {
+TEST_F( TraceText, SettingHoldsForHandlesThatComeLater ) {
    Trace::levelsIs( "TestLate*", "0-9" );
    Trace::ringLevelsIs( "TestLateSm", "2,4" );
    Handle const handle( "TestLateSm" );
@@ -153,7 +153,7 @@ TEST_F( TraceText, settingHoldsForHandlesThatComeLater ) {
    EXPECT_EQ( ringLevels( handle ), "24" );
 }
 
-TEST_F( TraceText, laterSettingsWin ) {
+TEST_F( TraceText, LaterSettingsWin ) {
    Handle const early( "TestWinSm" );
    Trace::levelsIs( "TestWinSm", "1" );
    Trace::levelsIs( "TestWin*", "2" );
@@ -163,7 +163,7 @@ TEST_F( TraceText, laterSettingsWin ) {
    EXPECT_EQ( textLevels( early ) + textLevels( late ), "33" );
 }
 
-TEST_F( TraceText, settingOthersLeavesAHandleAsItIs ) {
+TEST_F( TraceText, SettingOthersLeavesAHandleAsItIs ) {
    Handle handle( "TestSm" );
    handle.textLevelsIs( 1U << 7 );
    handle.ringLevelsIs( 1U << 8 );
@@ -173,7 +173,7 @@ TEST_F( TraceText, settingOthersLeavesAHandleAsItIs ) {
    EXPECT_EQ( ringLevels( handle ), "8" );
 }
 
-TEST_F( TraceText, levelsAreDigitsAndRanges ) {
+TEST_F( TraceText, LevelsAreDigitsAndRanges ) {
    Handle const handle( "TestSm" );
    for ( auto const & [ text, levels ] :
          { std::pair( "", "" ), std::pair( "5", "5" ), std::pair( "0-9", "0123456789" ),
@@ -184,7 +184,7 @@ TEST_F( TraceText, levelsAreDigitsAndRanges ) {
    }
 }
 
-TEST_F( TraceText, anythingElseIsRefusedAndChangesNothing ) {
+TEST_F( TraceText, AnythingElseIsRefusedAndChangesNothing ) {
    Handle const handle( "TestSm" );
    Trace::levelsIs( "TestSm", "4" );
    for ( char const * const text : { "a", "10", "-", "5-", "-5", "5-3", "1,", ",1", "1,,2", "1-2-3",
@@ -203,7 +203,7 @@ TEST_F( TraceText, anythingElseIsRefusedAndChangesNothing ) {
    }
 }
 
-TEST_F( TraceText, handlesAreListedInTheOrderOfTheirMakingWhileTheyLive ) {
+TEST_F( TraceText, HandlesAreListedInTheOrderOfTheirMakingWhileTheyLive ) {
    Lines const before = Trace::handleNames();
    Handle const second( "TestB" );
    {
@@ -215,14 +215,14 @@ TEST_F( TraceText, handlesAreListedInTheOrderOfTheirMakingWhileTheyLive ) {
    EXPECT_EQ( Trace::handleNames().size(), before.size() + 1 );
 }
 
-TEST_F( TraceText, destroyedHandleIsForgotten ) {
+TEST_F( TraceText, DestroyedHandleIsForgotten ) {
    { Handle const handle( "TestGone" ); }
    Trace::levelsIs( "TestGone", "0-9" );
    Handle const again( "TestGone" );
    EXPECT_EQ( textLevels( again ), "0123456789" );
 }
 
-TEST_F( TraceText, linesGoToStandardErrorWhereThereIsNoSink ) {
+TEST_F( TraceText, LinesGoToStandardErrorWhereThereIsNoSink ) {
    Trace::sinkIs( nullptr );
    Handle const handle( "TestSm" );
    testing::internal::CaptureStderr();

@@ -12,7 +12,7 @@ namespace VniExtOrNoneTest {
 
 using Vxlan::VniExtOrNone;
 
-TEST( VniExtOrNone, startsAsNone ) {
+TEST( VniExtOrNone, StartsAsNone ) {
    static_assert( VniExtOrNone().isNone() );
    static_assert( VniExtOrNone().value() == 0x1000000 );
    EXPECT_EQ( VniExtOrNone( 0x1000000 ), VniExtOrNone() );
@@ -20,7 +20,7 @@ TEST( VniExtOrNone, startsAsNone ) {
    EXPECT_FALSE( VniExtOrNone( 0 ).isNone() );
 }
 
-TEST( VniExtOrNone, numberAboveNoneIsRefused ) {
+TEST( VniExtOrNone, NumberAboveNoneIsRefused ) {
    try {
       VniExtOrNone const vni( 0x1000001 );
       FAIL() << vni;
@@ -29,7 +29,7 @@ TEST( VniExtOrNone, numberAboveNoneIsRefused ) {
    }
 }
 
-TEST( VniExtOrNone, textIsTheNumberOrNone ) {
+TEST( VniExtOrNone, TextIsTheNumberOrNone ) {
    EXPECT_EQ( Quelm::textOf( VniExtOrNone( 10100 ) ), "10100" );
    EXPECT_EQ( Quelm::textOf( VniExtOrNone() ), "none" );
    EXPECT_EQ( Quelm::fromText< VniExtOrNone >( "16777215" ).value(), 0xffffffU );
@@ -39,11 +39,11 @@ TEST( VniExtOrNone, textIsTheNumberOrNone ) {
               "expected a VNI from 0 to 16777215, or 'none' at character 1, found 'many'" );
 }
 
-RC_GTEST_PROP( VniExtOrNone, anyVniIsReadBack, ( VniExtOrNone const & vni ) ) {
+RC_GTEST_PROP( VniExtOrNone, AnyVniIsReadBack, ( VniExtOrNone const & vni ) ) {
    RC_ASSERT( Quelm::fromText< VniExtOrNone >( Quelm::textOf( vni ) ) == vni );
 }
 
-RC_GTEST_PROP( VniExtOrNone, anyTwoAreOrdered,
+RC_GTEST_PROP( VniExtOrNone, AnyTwoAreOrdered,
                ( VniExtOrNone const & a, VniExtOrNone const & b ) ) {
    checkOrderAndHash( a, b );
    RC_ASSERT( ( a < b ) == ( a.value() < b.value() ) );

@@ -31,7 +31,7 @@ class InterfacePorts : public testing::Test {
    Support::Scribe< VornalCommonSmData > scribe{ data, seen };
 };
 
-TEST_F( InterfacePorts, firstSeenInterfaceEntersTheCacheBeforeTheLiveMapAnnouncesIt ) {
+TEST_F( InterfacePorts, FirstSeenInterfaceEntersTheCacheBeforeTheLiveMapAnnouncesIt ) {
    data->intfPortIs( et1, port5 );
    EXPECT_EQ( news(),
               ( Journal{
@@ -40,7 +40,7 @@ TEST_F( InterfacePorts, firstSeenInterfaceEntersTheCacheBeforeTheLiveMapAnnounce
               } ) );
 }
 
-TEST_F( InterfacePorts, whenAKnownInterfaceChangesItsPortTheLiveMapAnnouncesFirst ) {
+TEST_F( InterfacePorts, WhenAKnownInterfaceChangesItsPortTheLiveMapAnnouncesFirst ) {
    data->intfPortIs( et1, port5 );
    news();
    data->intfPortIs( et1, port6 );
@@ -52,7 +52,7 @@ TEST_F( InterfacePorts, whenAKnownInterfaceChangesItsPortTheLiveMapAnnouncesFirs
                       } ) );
 }
 
-TEST_F( InterfacePorts, lostPortStaysInTheCache ) {
+TEST_F( InterfacePorts, LostPortStaysInTheCache ) {
    data->intfPortIs( et1, port5 );
    news();
    data->intfPortDel( et1 );
@@ -62,7 +62,7 @@ TEST_F( InterfacePorts, lostPortStaysInTheCache ) {
    EXPECT_EQ( data->vornalIntfToPortCache( et1 ), port5 );
 }
 
-TEST_F( InterfacePorts, knownInterfaceThatGetsAnotherPortAfterALossIsAnnouncedLiveFirst ) {
+TEST_F( InterfacePorts, KnownInterfaceThatGetsAnotherPortAfterALossIsAnnouncedLiveFirst ) {
    data->intfPortIs( et1, port5 );
    data->intfPortDel( et1 );
    news();
@@ -74,7 +74,7 @@ TEST_F( InterfacePorts, knownInterfaceThatGetsAnotherPortAfterALossIsAnnouncedLi
                       } ) );
 }
 
-TEST_F( InterfacePorts, samePortAgainNotifiesNobody ) {
+TEST_F( InterfacePorts, SamePortAgainNotifiesNobody ) {
    data->intfPortIs( et1, port5 );
    news();
    data->intfPortIs( et1, port5 );
@@ -86,13 +86,13 @@ TEST_F( InterfacePorts, samePortAgainNotifiesNobody ) {
               Journal{ "vornalCommon vornalIntfToPort[Ethernet1]: absent -> unit0/port5/mod0" } );
 }
 
-TEST_F( InterfacePorts, losingWhatIsNotThereChangesNothing ) {
+TEST_F( InterfacePorts, LosingWhatIsNotThereChangesNothing ) {
    data->intfPortDel( et1 );
    EXPECT_EQ( news(), Journal{} );
    EXPECT_FALSE( data->vornalIntfToPortCacheHas( et1 ) );
 }
 
-TEST_F( InterfacePorts, subscriberOfTheLiveMapFindsTheOldPortInTheCache ) {
+TEST_F( InterfacePorts, SubscriberOfTheLiveMapFindsTheOldPortInTheCache ) {
    VornalPort cached;
    VornalPort live;
    Kiv::Watch< VornalCommonSmData > watch( data, [ & ]( Kiv::Change const & change ) {
@@ -112,7 +112,7 @@ TEST_F( InterfacePorts, subscriberOfTheLiveMapFindsTheOldPortInTheCache ) {
    EXPECT_FALSE( live.isValid() );
 }
 
-TEST_F( InterfacePorts, portLeadsBackToTheInterfaceThatHasItNow ) {
+TEST_F( InterfacePorts, PortLeadsBackToTheInterfaceThatHasItNow ) {
    EXPECT_TRUE( data->intfOfPort( port5 ).isEmpty() );
    data->intfPortIs( et1, port5 );
    data->intfPortIs( et2, port6 );
@@ -125,7 +125,7 @@ TEST_F( InterfacePorts, portLeadsBackToTheInterfaceThatHasItNow ) {
    EXPECT_TRUE( data->intfOfPort( VornalPort( 1, 5 ) ).isEmpty() );
 }
 
-TEST_F( InterfacePorts, unitsAreWalkedInUnitOrder ) {
+TEST_F( InterfacePorts, UnitsAreWalkedInUnitOrder ) {
    data->vornalModIdIs( 2, 8 );
    data->vornalModIdIs( 0, 4 );
    data->vornalModIdIs( 1, 6 );

@@ -29,14 +29,14 @@ VornalPortList listOf( std::vector< VornalPort > const & ports ) {
    return list;
 }
 
-TEST( VornalPortList, startsEmpty ) {
+TEST( VornalPortList, StartsEmpty ) {
    VornalPortList const list;
    EXPECT_TRUE( list.isEmpty() );
    EXPECT_EQ( list.ports(), 0U );
    EXPECT_EQ( list.begin(), list.end() );
 }
 
-TEST( VornalPortList, holdsEachPortOnce ) {
+TEST( VornalPortList, HoldsEachPortOnce ) {
    VornalPortList list;
    EXPECT_TRUE( list.portIs( kPort6 ) );
    EXPECT_TRUE( list.portIs( kPort5 ) );
@@ -47,7 +47,7 @@ TEST( VornalPortList, holdsEachPortOnce ) {
    EXPECT_FALSE( list.portHas( kPortOfUnit1 ) );
 }
 
-TEST( VornalPortList, isWalkedInPortOrder ) {
+TEST( VornalPortList, IsWalkedInPortOrder ) {
    VornalPortList const list = listOf( { kPortOfUnit1, kPort6, kPort5 } );
    std::vector< VornalPort > walked;
    for ( VornalPort const & port : list ) {
@@ -56,7 +56,7 @@ TEST( VornalPortList, isWalkedInPortOrder ) {
    EXPECT_EQ( walked, ( std::vector< VornalPort >{ kPort5, kPort6, kPortOfUnit1 } ) );
 }
 
-TEST( VornalPortList, removesWhatItHolds ) {
+TEST( VornalPortList, RemovesWhatItHolds ) {
    VornalPortList list = listOf( { kPort5, kPort6 } );
    EXPECT_TRUE( list.portDel( kPort5 ) );
    EXPECT_FALSE( list.portDel( kPort5 ) );
@@ -66,19 +66,19 @@ TEST( VornalPortList, removesWhatItHolds ) {
    EXPECT_TRUE( list.isEmpty() );
 }
 
-TEST( VornalPortList, removesThePortsOfAnotherUnit ) {
+TEST( VornalPortList, RemovesThePortsOfAnotherUnit ) {
    VornalPortList list = listOf( { kPort5, kPortOfUnit1, kPort6 } );
    list.portsDelIf( []( VornalPort const & port ) { return port.unit() != 0; } );
    EXPECT_EQ( list, listOf( { kPort5, kPort6 } ) );
 }
 
-TEST( VornalPortList, equalMeansTheSamePortsWhateverTheOrderOfInsertion ) {
+TEST( VornalPortList, EqualMeansTheSamePortsWhateverTheOrderOfInsertion ) {
    EXPECT_EQ( listOf( { kPort5, kPort6 } ), listOf( { kPort6, kPort5 } ) );
    EXPECT_NE( listOf( { kPort5 } ), listOf( { kPort6 } ) );
    EXPECT_NE( listOf( { kPort5 } ), VornalPortList() );
 }
 
-TEST( VornalPortList, keepsItsRoomWhenEmptied ) {
+TEST( VornalPortList, KeepsItsRoomWhenEmptied ) {
    VornalPortList list;
    list.reserve( 3 );
    list.portIs( kPort5 );
@@ -90,13 +90,13 @@ TEST( VornalPortList, keepsItsRoomWhenEmptied ) {
    EXPECT_EQ( &*list.begin(), storage );
 }
 
-TEST( VornalPortList, textListsThePorts ) {
+TEST( VornalPortList, TextListsThePorts ) {
    EXPECT_EQ( Quelm::textOf( VornalPortList() ), "{}" );
    EXPECT_EQ( Quelm::textOf( listOf( { kPort6, kPort5 } ) ),
               "{unit0/port5/mod0,unit0/port6/mod0}" );
 }
 
-TEST( VornalPortList, saysWhatIsWrongWithAText ) {
+TEST( VornalPortList, SaysWhatIsWrongWithAText ) {
    auto const reason = refusal< VornalPortList >;
    EXPECT_EQ( reason( "{unit0/port6/mod0,unit0/port5/mod0}" ),
               "expected a port after unit0/port6/mod0 at character 19, found 'unit0/port5/mod0}'" );
@@ -109,11 +109,11 @@ TEST( VornalPortList, saysWhatIsWrongWithAText ) {
               "expected '{' at character 1, found 'unit0/port6/mod0'" );
 }
 
-RC_GTEST_PROP( VornalPortList, anyListIsReadBack, ( VornalPortList const & list ) ) {
+RC_GTEST_PROP( VornalPortList, AnyListIsReadBack, ( VornalPortList const & list ) ) {
    RC_ASSERT( Quelm::fromText< VornalPortList >( Quelm::textOf( list ) ) == list );
 }
 
-RC_GTEST_PROP( VornalPortList, behavesAsAStandardSet, () ) {
+RC_GTEST_PROP( VornalPortList, BehavesAsAStandardSet, () ) {
    auto const port = rc::gen::construct< VornalPort >( rc::gen::inRange< U16 >( 0, 2 ),
                                                        rc::gen::inRange< U16 >( 0, 8 ) );
    auto const steps = *rc::gen::container< std::vector< std::pair< bool, VornalPort > > >(

@@ -16,7 +16,7 @@ namespace VornalPortTest {
 
 using VornalTypes::VornalPort;
 
-TEST( VornalPort, hasItsPartsAtFixedBits ) {
+TEST( VornalPort, HasItsPartsAtFixedBits ) {
    static_assert( sizeof( VornalPort ) == 8 );
    static_assert( std::is_trivially_copyable_v< VornalPort > );
    constexpr VornalPort port( 0x0102, 0x0304, 0x0506 );
@@ -26,7 +26,7 @@ TEST( VornalPort, hasItsPartsAtFixedBits ) {
    EXPECT_EQ( port.modId(), 0x0506 );
 }
 
-TEST( VornalPort, logicalPort1023IsNotValid ) {
+TEST( VornalPort, LogicalPort1023IsNotValid ) {
    EXPECT_TRUE( VornalPort( 0, 0 ).isValid() );
    EXPECT_TRUE( VornalPort( 3, 1022, 7 ).isValid() );
    EXPECT_FALSE( VornalPort( 3, 1023, 7 ).isValid() );
@@ -34,20 +34,20 @@ TEST( VornalPort, logicalPort1023IsNotValid ) {
    EXPECT_FALSE( VornalPort().isValid() );
 }
 
-TEST( VornalPort, isOrderedByUnitThenLogicalPortThenModuleId ) {
+TEST( VornalPort, IsOrderedByUnitThenLogicalPortThenModuleId ) {
    std::vector< VornalPort > const ascending = {
       { 0, 5, 9 }, { 0, 6, 0 }, { 0, 6, 1 }, { 1, 0, 0 }
    };
    EXPECT_TRUE( std::is_sorted( ascending.begin(), ascending.end(), std::less_equal<>() ) );
 }
 
-TEST( VornalPort, textNamesItsParts ) {
+TEST( VornalPort, TextNamesItsParts ) {
    EXPECT_EQ( Quelm::textOf( VornalPort( 0, 5, 0 ) ), "unit0/port5/mod0" );
    EXPECT_EQ( Quelm::textOf( VornalPort( 65535, 65535, 65535 ) ), "unit65535/port65535/mod65535" );
    EXPECT_EQ( Quelm::textOf( VornalPort() ), "unit0/port1023/mod0" );
 }
 
-TEST( VornalPort, saysWhatIsWrongWithAText ) {
+TEST( VornalPort, SaysWhatIsWrongWithAText ) {
    auto const reason = refusal< VornalPort >;
    EXPECT_EQ( reason( "port5" ), "expected 'unit' at character 1, found 'port5'" );
    EXPECT_EQ( reason( "unit0/port5" ),
@@ -56,11 +56,11 @@ TEST( VornalPort, saysWhatIsWrongWithAText ) {
               "expected a number of type U16 at character 11, found '70000/mod0'" );
 }
 
-RC_GTEST_PROP( VornalPort, anyPortIsReadBack, ( VornalPort const & port ) ) {
+RC_GTEST_PROP( VornalPort, AnyPortIsReadBack, ( VornalPort const & port ) ) {
    RC_ASSERT( Quelm::fromText< VornalPort >( Quelm::textOf( port ) ) == port );
 }
 
-RC_GTEST_PROP( VornalPort, anyTwoPortsAreOrdered, ( VornalPort const & a, VornalPort const & b ) ) {
+RC_GTEST_PROP( VornalPort, AnyTwoPortsAreOrdered, ( VornalPort const & a, VornalPort const & b ) ) {
    checkOrderAndHash( a, b );
    auto const parts = []( VornalPort const & port ) {
       return std::tuple( port.unit(), port.logicalPort(), port.modId() );

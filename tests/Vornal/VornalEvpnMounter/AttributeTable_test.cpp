@@ -23,7 +23,7 @@ std::vector< std::string > tableOf( Kiv::Type const & type ) {
    return rows;
 }
 
-TEST( MounterTable, listsSixteenAttributesInDeclarationOrder ) {
+TEST( MounterTable, ListsSixteenAttributesInDeclarationOrder ) {
    EXPECT_EQ( tableOf( VornalEvpnMounter::kivType() ),
               ( std::vector< std::string >{
                  "evpnDependencyWaiter: reference Vornal::EvpnDependencyWaiter",
@@ -45,7 +45,7 @@ TEST( MounterTable, listsSixteenAttributesInDeclarationOrder ) {
               } ) );
 }
 
-TEST( MounterTable, isThatOfAMounterOfTheAgent ) {
+TEST( MounterTable, IsThatOfAMounterOfTheAgent ) {
    Kiv::Type const & type = VornalEvpnMounter::kivType();
    EXPECT_EQ( type.name(), "Vornal::VornalEvpnMounter" );
    EXPECT_EQ( type.base()->name(), "VornalLib::MounterBase" );
@@ -53,7 +53,7 @@ TEST( MounterTable, isThatOfAMounterOfTheAgent ) {
    EXPECT_EQ( Kiv::typeNamed( "Vornal::VornalEvpnMounter" ), &type );
 }
 
-TEST( MounterTable, numbersItsAttributesFromOneInTheSameOrder ) {
+TEST( MounterTable, NumbersItsAttributesFromOneInTheSameOrder ) {
    EXPECT_EQ( VornalEvpnMounter::evpnDependencyWaiterAttr(), 1U );
    EXPECT_EQ( VornalEvpnMounter::evpnMultihomingLocalBiasSmAttr(), 6U );
    EXPECT_EQ( VornalEvpnMounter::lagConfigAttr(), 11U );
@@ -61,7 +61,7 @@ TEST( MounterTable, numbersItsAttributesFromOneInTheSameOrder ) {
    EXPECT_EQ( VornalEvpnMounter::finishInitAttr(), 16U );
 }
 
-TEST( MounterTable, isEmptyInEveryReferenceOfANewMounter ) {
+TEST( MounterTable, IsEmptyInEveryReferenceOfANewMounter ) {
    auto const mounter = Quelm::make< VornalEvpnMounter >( "evpn of slice 3" );
    EXPECT_EQ( mounter->name(), "evpn of slice 3" );
    for ( Kiv::Attribute const * const attribute : mounter->typeData().attributes() ) {
@@ -71,7 +71,7 @@ TEST( MounterTable, isEmptyInEveryReferenceOfANewMounter ) {
    }
 }
 
-TEST( WaiterTable, listsItsAttributesInDeclarationOrder ) {
+TEST( WaiterTable, ListsItsAttributesInDeclarationOrder ) {
    EXPECT_EQ( tableOf( EvpnDependencyWaiter::kivType() ),
               ( std::vector< std::string >{
                  "evpnMounter: reference Vornal::VornalEvpnMounter",

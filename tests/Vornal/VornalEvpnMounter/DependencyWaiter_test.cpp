@@ -32,7 +32,7 @@ class DependencyWaiter : public testing::Test {
    Leaf leaf;
 };
 
-TEST_F( DependencyWaiter, startsThePlugInWhenLayerTwoGetsReady ) {
+TEST_F( DependencyWaiter, StartsThePlugInWhenLayerTwoGetsReady ) {
    leaf.mountsComplete();
    EXPECT_EQ( leaf.initialisations(), 0 );
    EXPECT_FALSE( isOwnPointReady() );
@@ -42,7 +42,7 @@ TEST_F( DependencyWaiter, startsThePlugInWhenLayerTwoGetsReady ) {
    EXPECT_TRUE( isOwnPointReady() );
 }
 
-TEST_F( DependencyWaiter, takesNoOtherSubAgentForLayerTwo ) {
+TEST_F( DependencyWaiter, TakesNoOtherSubAgentForLayerTwo ) {
    leaf.mountsComplete();
    leaf.subAgents()->readyIs( "l3Ready" );
    leaf.subAgents()->readyIs( "subagents::l2Ready" );
@@ -50,7 +50,7 @@ TEST_F( DependencyWaiter, takesNoOtherSubAgentForLayerTwo ) {
    EXPECT_FALSE( isOwnPointReady() );
 }
 
-TEST_F( DependencyWaiter, startsFromItsConstructorWhenLayerTwoIsReadyAlready ) {
+TEST_F( DependencyWaiter, StartsFromItsConstructorWhenLayerTwoIsReadyAlready ) {
    leaf.layerTwoIsReady();
    Journal built;
    AttributeDiary const diary( built, leaf.mounter );
@@ -66,7 +66,7 @@ TEST_F( DependencyWaiter, startsFromItsConstructorWhenLayerTwoIsReadyAlready ) {
    EXPECT_TRUE( waiter().hasNotificationActive() );
 }
 
-TEST_F( DependencyWaiter, marksItsOwnPointAfterEverythingIsBuilt ) {
+TEST_F( DependencyWaiter, MarksItsOwnPointAfterEverythingIsBuilt ) {
    leaf.mountsComplete();
    Journal events;
    AttributeDiary const diary( events, leaf.mounter );
@@ -80,7 +80,7 @@ TEST_F( DependencyWaiter, marksItsOwnPointAfterEverythingIsBuilt ) {
    EXPECT_EQ( events.back(), "own point is ready" );
 }
 
-TEST_F( DependencyWaiter, startsThePlugInOnceWhenReadinessIsReportedTwice ) {
+TEST_F( DependencyWaiter, StartsThePlugInOnceWhenReadinessIsReportedTwice ) {
    leaf.mountsComplete();
    leaf.layerTwoIsReady();
    auto const machine = leaf.mounter->evpnMultihomingLocalBiasSm();
@@ -91,7 +91,7 @@ TEST_F( DependencyWaiter, startsThePlugInOnceWhenReadinessIsReportedTwice ) {
    EXPECT_EQ( leaf.mounter->evpnMultihomingLocalBiasSm(), machine );
 }
 
-TEST_F( DependencyWaiter, doesNotStartASecondTimeFromWithinTheFirst ) {
+TEST_F( DependencyWaiter, DoesNotStartASecondTimeFromWithinTheFirst ) {
    leaf.mountsComplete();
    leaf.groups()->onLookUp = [ & ]( auto ) {
       leaf.subAgents()->readyDel( "l2Ready" );
@@ -101,7 +101,7 @@ TEST_F( DependencyWaiter, doesNotStartASecondTimeFromWithinTheFirst ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, startsOncePerProcessHoweverManyWaitersThereAre ) {
+TEST_F( DependencyWaiter, StartsOncePerProcessHoweverManyWaitersThereAre ) {
    leaf.mountsComplete();
    leaf.layerTwoIsReady();
    auto const second = leaf.mounterNew();
@@ -112,7 +112,7 @@ TEST_F( DependencyWaiter, startsOncePerProcessHoweverManyWaitersThereAre ) {
    EXPECT_FALSE( second->evpnMultihomingLocalBiasSm() );
 }
 
-TEST_F( DependencyWaiter, doesNotMindThatLayerTwoStopsBeingReady ) {
+TEST_F( DependencyWaiter, DoesNotMindThatLayerTwoStopsBeingReady ) {
    leaf.mountsComplete();
    leaf.layerTwoIsReady();
    auto const machine = leaf.mounter->evpnMultihomingLocalBiasSm();
@@ -121,7 +121,7 @@ TEST_F( DependencyWaiter, doesNotMindThatLayerTwoStopsBeingReady ) {
    EXPECT_TRUE( isOwnPointReady() );
 }
 
-TEST_F( DependencyWaiter, followsTheSlicesPointsToAnotherObject ) {
+TEST_F( DependencyWaiter, FollowsTheSlicesPointsToAnotherObject ) {
    leaf.mountsComplete();
    auto const oldSubAgents = leaf.subAgents();
    leaf.common()->sliceDependencyPointsIs(
@@ -136,7 +136,7 @@ TEST_F( DependencyWaiter, followsTheSlicesPointsToAnotherObject ) {
    EXPECT_TRUE( isOwnPointReady() );
 }
 
-TEST_F( DependencyWaiter, watchesTheNewPointsForOtherSubAgentPoints ) {
+TEST_F( DependencyWaiter, WatchesTheNewPointsForOtherSubAgentPoints ) {
    leaf.mountsComplete();
    auto const oldPoints = leaf.points();
    leaf.common()->sliceDependencyPointsIs( pointsWith( nullptr ) );
@@ -151,14 +151,14 @@ TEST_F( DependencyWaiter, watchesTheNewPointsForOtherSubAgentPoints ) {
    EXPECT_FALSE( oldPoints->evpnDependencyPoint()->isReady() );
 }
 
-TEST_F( DependencyWaiter, startsAtOnceWhenTheNewPointsAreReady ) {
+TEST_F( DependencyWaiter, StartsAtOnceWhenTheNewPointsAreReady ) {
    leaf.mountsComplete();
    leaf.common()->sliceDependencyPointsIs( pointsWith( readySubAgents() ) );
    EXPECT_EQ( leaf.initialisations(), 1 );
    EXPECT_TRUE( isOwnPointReady() );
 }
 
-TEST_F( DependencyWaiter, followsTheSubAgentsPointsToAnotherObject ) {
+TEST_F( DependencyWaiter, FollowsTheSubAgentsPointsToAnotherObject ) {
    leaf.mountsComplete();
    auto const oldSubAgents = leaf.subAgents();
    leaf.points()->subAgentDependencyPointsIs( make< SubAgentDependencyPoints >( "subagents" ) );
@@ -169,7 +169,7 @@ TEST_F( DependencyWaiter, followsTheSubAgentsPointsToAnotherObject ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, waitsOnWithoutSubAgentPointsUntilThereAreSome ) {
+TEST_F( DependencyWaiter, WaitsOnWithoutSubAgentPointsUntilThereAreSome ) {
    leaf.points()->subAgentDependencyPointsIs( nullptr );
    leaf.mountsComplete();
    EXPECT_FALSE( waiter().deps() );
@@ -177,7 +177,7 @@ TEST_F( DependencyWaiter, waitsOnWithoutSubAgentPointsUntilThereAreSome ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, waitsOnWithoutSlicePointsUntilThereAreSome ) {
+TEST_F( DependencyWaiter, WaitsOnWithoutSlicePointsUntilThereAreSome ) {
    leaf.common()->sliceDependencyPointsIs( nullptr );
    leaf.mountsComplete();
    EXPECT_FALSE( waiter().deps() );
@@ -186,7 +186,7 @@ TEST_F( DependencyWaiter, waitsOnWithoutSlicePointsUntilThereAreSome ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, letsGoOfSubAgentPointsThatTheSliceHasLost ) {
+TEST_F( DependencyWaiter, LetsGoOfSubAgentPointsThatTheSliceHasLost ) {
    leaf.mountsComplete();
    auto const lost = leaf.subAgents();
    leaf.points()->subAgentDependencyPointsIs( nullptr );
@@ -197,7 +197,7 @@ TEST_F( DependencyWaiter, letsGoOfSubAgentPointsThatTheSliceHasLost ) {
    EXPECT_EQ( leaf.initialisations(), 0 );
 }
 
-TEST_F( DependencyWaiter, letsGoOfPointsThatTheCommonDataHasLost ) {
+TEST_F( DependencyWaiter, LetsGoOfPointsThatTheCommonDataHasLost ) {
    leaf.mountsComplete();
    auto const oldPoints = leaf.points();
    leaf.common()->sliceDependencyPointsIs( nullptr );
@@ -207,7 +207,7 @@ TEST_F( DependencyWaiter, letsGoOfPointsThatTheCommonDataHasLost ) {
    EXPECT_EQ( leaf.initialisations(), 0 );
 }
 
-TEST_F( DependencyWaiter, waitsForeverWithoutCommonData ) {
+TEST_F( DependencyWaiter, WaitsForeverWithoutCommonData ) {
    leaf.layerTwoIsReady();
    auto const waiting = leaf.mounter->evpnDependencyWaiterIs( leaf.mounter.get(), nullptr );
    waiting->checkAndSetDependencies();
@@ -217,7 +217,7 @@ TEST_F( DependencyWaiter, waitsForeverWithoutCommonData ) {
    EXPECT_EQ( leaf.logs, Journal{} );
 }
 
-TEST_F( DependencyWaiter, canBeAskedByName ) {
+TEST_F( DependencyWaiter, CanBeAskedByName ) {
    leaf.mountsComplete();
    waiter().hasNotificationActiveIs( false );
    leaf.layerTwoIsReady();
@@ -226,7 +226,7 @@ TEST_F( DependencyWaiter, canBeAskedByName ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, looksAtNewPointsButNotAtThoseItHoldsAlready ) {
+TEST_F( DependencyWaiter, LooksAtNewPointsButNotAtThoseItHoldsAlready ) {
    leaf.mountsComplete();
    waiter().hasNotificationActiveIs( false );
    leaf.layerTwoIsReady();
@@ -237,7 +237,7 @@ TEST_F( DependencyWaiter, looksAtNewPointsButNotAtThoseItHoldsAlready ) {
    EXPECT_EQ( leaf.initialisations(), 1 ) << "the slice's points are what counts";
 }
 
-TEST_F( DependencyWaiter, onlyKeepsUpWithThePointsWhileOutOfService ) {
+TEST_F( DependencyWaiter, OnlyKeepsUpWithThePointsWhileOutOfService ) {
    leaf.mountsComplete();
    waiter().kivDoZombieReactors( true );
    leaf.layerTwoIsReady();
@@ -251,7 +251,7 @@ TEST_F( DependencyWaiter, onlyKeepsUpWithThePointsWhileOutOfService ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, hearsNothingWhileItsNotificationsAreOff ) {
+TEST_F( DependencyWaiter, HearsNothingWhileItsNotificationsAreOff ) {
    leaf.mountsComplete();
    waiter().hasNotificationActiveIs( false );
    auto const held = waiter().deps();
@@ -266,7 +266,7 @@ TEST_F( DependencyWaiter, hearsNothingWhileItsNotificationsAreOff ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( DependencyWaiter, subscribesOnceHoweverOftenItIsSwitchedOn ) {
+TEST_F( DependencyWaiter, SubscribesOnceHoweverOftenItIsSwitchedOn ) {
    leaf.mountsComplete();
    waiter().hasNotificationActiveIs( true );
    EXPECT_EQ( leaf.common()->publisher().subscribers(), 1U );
@@ -274,7 +274,7 @@ TEST_F( DependencyWaiter, subscribesOnceHoweverOftenItIsSwitchedOn ) {
    EXPECT_EQ( leaf.subAgents()->publisher().subscribers(), 1U );
 }
 
-TEST_F( DependencyWaiter, leavesNoSubscriptionAndNoReferenceBehind ) {
+TEST_F( DependencyWaiter, LeavesNoSubscriptionAndNoReferenceBehind ) {
    leaf.mountsComplete();
    leaf.mounter = nullptr;
    EXPECT_EQ( leaf.common()->publisher().subscribers(), 0U );
@@ -283,7 +283,7 @@ TEST_F( DependencyWaiter, leavesNoSubscriptionAndNoReferenceBehind ) {
    EXPECT_EQ( leaf.common()->users(), 2U ) << "the agent, and the reference asked through";
 }
 
-TEST_F( DependencyWaiter, switchesCommonDataThenSubAgentsThenSlicePoints ) {
+TEST_F( DependencyWaiter, SwitchesCommonDataThenSubAgentsThenSlicePoints ) {
    Journal touched;
    auto const listener = [ & ]( std::string const & name ) {
       return Listener{ .onSubscription = [ &touched, name ] { touched.push_back( name ); },
@@ -309,7 +309,7 @@ TEST_F( DependencyWaiter, switchesCommonDataThenSubAgentsThenSlicePoints ) {
 
 // A waiter that is the last user of all that it holds ends. What it holds says when it is let go
 // of, and whether the waiter is still switched on and in service then.
-TEST_F( DependencyWaiter, goesOutOfServiceThenReleasesSlicePointsThenSubAgentsThenCommonData ) {
+TEST_F( DependencyWaiter, GoesOutOfServiceThenReleasesSlicePointsThenSubAgentsThenCommonData ) {
    Journal events;
    Vornal::EvpnDependencyWaiter const * ending = nullptr;
    auto const listener = [ & ]( std::string const & name ) {
@@ -347,7 +347,7 @@ TEST_F( DependencyWaiter, goesOutOfServiceThenReleasesSlicePointsThenSubAgentsTh
 
 std::string const checkName = "void Vornal::EvpnDependencyWaiter::checkAndSetDependencies()";
 
-TEST_F( DependencyWaiter, tracesThatItIsReadyThenItsNameThenTheInitialisation ) {
+TEST_F( DependencyWaiter, TracesThatItIsReadyThenItsNameThenTheInitialisation ) {
    Trace::levelsIs( "VornalEvpnMounter", "0,8" );
    leaf.mountsComplete();
    leaf.traces.clear();
@@ -358,13 +358,13 @@ TEST_F( DependencyWaiter, tracesThatItIsReadyThenItsNameThenTheInitialisation ) 
                          "VornalEvpnMounter 8 void Vornal::VornalEvpnMounter::finishInit()" } ) );
 }
 
-TEST_F( DependencyWaiter, saysThatItIsReadyWithoutAnyTraceSwitchedOn ) {
+TEST_F( DependencyWaiter, SaysThatItIsReadyWithoutAnyTraceSwitchedOn ) {
    leaf.mountsComplete();
    leaf.layerTwoIsReady();
    EXPECT_EQ( leaf.traces, Journal{ "VornalEvpnMounter 0 " + checkName + " is ready" } );
 }
 
-TEST_F( DependencyWaiter, asksThePlatformInItsOwnName ) {
+TEST_F( DependencyWaiter, AsksThePlatformInItsOwnName ) {
    Trace::levelsIs( "VornalEvpnMounter", "7" );
    leaf.mountsComplete();
    ASSERT_FALSE( leaf.traces.empty() );

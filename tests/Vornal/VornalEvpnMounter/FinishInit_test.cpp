@@ -43,7 +43,7 @@ class FinishInit : public testing::Test {
    Leaf leaf;
 };
 
-TEST_F( FinishInit, buildsEverythingInOrderForAChipWithEgressMasks ) {
+TEST_F( FinishInit, BuildsEverythingInOrderForAChipWithEgressMasks ) {
    AttributeDiary const diary( leaf.journal, leaf.mounter );
    leaf.mounter->finishInit();
    EXPECT_EQ( leaf.journal,
@@ -52,7 +52,7 @@ TEST_F( FinishInit, buildsEverythingInOrderForAChipWithEgressMasks ) {
                          "set evpnMultihomingLocalBiasSm" } ) );
 }
 
-TEST_F( FinishInit, buildsEverythingInOrderForAChipWithClassIds ) {
+TEST_F( FinishInit, BuildsEverythingInOrderForAChipWithClassIds ) {
    leaf.i2eClassIdSupportedIs( true );
    AttributeDiary const diary( leaf.journal, leaf.mounter );
    leaf.mounter->finishInit();
@@ -62,13 +62,13 @@ TEST_F( FinishInit, buildsEverythingInOrderForAChipWithClassIds ) {
                          "group 157", "set evpnMultihomingLocalBiasSm" } ) );
 }
 
-TEST_F( FinishInit, givesTheEgressMaskVariantItsInputs ) {
+TEST_F( FinishInit, GivesTheEgressMaskVariantItsInputs ) {
    leaf.mounter->finishInit();
    EXPECT_EQ( machine().typeData().name(), "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm" );
    expectGivenTheNineInputs();
 }
 
-TEST_F( FinishInit, givesTheClassIdVariantItsInputs ) {
+TEST_F( FinishInit, GivesTheClassIdVariantItsInputs ) {
    leaf.i2eClassIdSupportedIs( true );
    leaf.mounter->finishInit();
    EXPECT_EQ( machine().typeData().name(), "Vornal::EvpnMultihomingLocalBiasWithI2EClassIdSm" );
@@ -78,7 +78,7 @@ TEST_F( FinishInit, givesTheClassIdVariantItsInputs ) {
    EXPECT_EQ( given( "i2eClassIdIndexStatus" ), leaf.mounter->i2eClassIdIndexStatus() );
 }
 
-TEST_F( FinishInit, derivesLagMembersAndSharedSegmentsFromItsInputs ) {
+TEST_F( FinishInit, DerivesLagMembersAndSharedSegmentsFromItsInputs ) {
    leaf.mounter->finishInit();
    auto const mapping = leaf.mounter->lagPhyIntfMapping();
    EXPECT_EQ( mapping->name(), "lagToMemberInterfacesMap" );
@@ -94,7 +94,7 @@ TEST_F( FinishInit, derivesLagMembersAndSharedSegmentsFromItsInputs ) {
    EXPECT_EQ( sm->lagPhyIntfMapping(), mapping );
 }
 
-TEST_F( FinishInit, fillsTheDirectoryBeforeTheStateMachineSeesIt ) {
+TEST_F( FinishInit, FillsTheDirectoryBeforeTheStateMachineSeesIt ) {
    leaf.shareSegmentWithVtep();
    U32 segments = 0;
    leaf.groups()->onLookUp = [ & ]( auto ) {
@@ -106,14 +106,14 @@ TEST_F( FinishInit, fillsTheDirectoryBeforeTheStateMachineSeesIt ) {
 
 // Another activity is in charge from the moment that a group is looked up, and its clock is the one
 // that is taken from then on.
-TEST_F( FinishInit, takesTheClockBeforeTheIngressGroup ) {
+TEST_F( FinishInit, TakesTheClockBeforeTheIngressGroup ) {
    std::unique_ptr< Kiv::ActivityManager > next;
    leaf.groups()->onLookUp = [ & ]( auto ) { next = std::make_unique< Kiv::ActivityManager >(); };
    leaf.mounter->finishInit();
    EXPECT_EQ( given( "clock" ), leaf.activity.clock() );
 }
 
-TEST_F( FinishInit, takesTheClockAfterTheEgressGroupForAChipWithClassIds ) {
+TEST_F( FinishInit, TakesTheClockAfterTheEgressGroupForAChipWithClassIds ) {
    leaf.i2eClassIdSupportedIs( true );
    std::unique_ptr< Kiv::ActivityManager > afterEgress;
    std::unique_ptr< Kiv::ActivityManager > afterIngress;
@@ -125,7 +125,7 @@ TEST_F( FinishInit, takesTheClockAfterTheEgressGroupForAChipWithClassIds ) {
    EXPECT_EQ( given( "clock" ), afterEgress->clock() );
 }
 
-TEST_F( FinishInit, asksForTheCapabilityOnceAndBeforeItBuildsAnything ) {
+TEST_F( FinishInit, AsksForTheCapabilityOnceAndBeforeItBuildsAnything ) {
    Kiv::Watch< Vornal::VornalEvpnMounter > capabilityComesTooLate(
       leaf.mounter, [ & ]( Kiv::Change const & ) { leaf.i2eClassIdSupportedIs( true ); } );
    capabilityComesTooLate.hasNotificationActiveIs( true );
@@ -133,7 +133,7 @@ TEST_F( FinishInit, asksForTheCapabilityOnceAndBeforeItBuildsAnything ) {
    EXPECT_EQ( machine().typeData().name(), "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm" );
 }
 
-TEST_F( FinishInit, keepsItsVariantWhenTheCapabilityChangesLater ) {
+TEST_F( FinishInit, KeepsItsVariantWhenTheCapabilityChangesLater ) {
    leaf.mounter->finishInit();
    auto const before = leaf.mounter->evpnMultihomingLocalBiasSm();
    leaf.i2eClassIdSupportedIs( true );
@@ -141,7 +141,7 @@ TEST_F( FinishInit, keepsItsVariantWhenTheCapabilityChangesLater ) {
    EXPECT_EQ( leaf.initialisations(), 1 );
 }
 
-TEST_F( FinishInit, canBeCalledByName ) {
+TEST_F( FinishInit, CanBeCalledByName ) {
    Kiv::Type const & type = leaf.mounter->typeData();
    EXPECT_EQ( type.findOperation( "finishInit", 0 )->call( *leaf.mounter, {} ), "" );
    EXPECT_TRUE( leaf.mounter->evpnMultihomingLocalBiasSm() );
@@ -164,17 +164,17 @@ class FinishInitWithoutTcam : public FinishInit {
    }
 };
 
-TEST_F( FinishInitWithoutTcam, sharedByTheAgent ) {
+TEST_F( FinishInitWithoutTcam, SharedByTheAgent ) {
    leaf.shared->share( "tcamManager", nullptr );
    finishInitSilently();
 }
 
-TEST_F( FinishInitWithoutTcam, butSomethingElseOfThatName ) {
+TEST_F( FinishInitWithoutTcam, ButSomethingElseOfThatName ) {
    leaf.shared->share( "tcamManager", leaf.common() );
    finishInitSilently();
 }
 
-TEST_F( FinishInitWithoutTcam, groupsThatAreConfigured ) {
+TEST_F( FinishInitWithoutTcam, GroupsThatAreConfigured ) {
    leaf.groups()->entryManagerDel( 157 );
    leaf.groups()->entryManagerDel( 45 );
    finishInitSilently();
@@ -182,7 +182,7 @@ TEST_F( FinishInitWithoutTcam, groupsThatAreConfigured ) {
    EXPECT_FALSE( leaf.groups()->entryManagerHas( 157 ) ) << "the plug-in creates no group";
 }
 
-TEST_F( FinishInitWithoutTcam, forEgressStillGetsTheIngressGroup ) {
+TEST_F( FinishInitWithoutTcam, ForEgressStillGetsTheIngressGroup ) {
    leaf.i2eClassIdSupportedIs( true );
    leaf.groups()->entryManagerDel( 45 );
    leaf.mounter->finishInit();
@@ -205,7 +205,7 @@ void startWithoutCapabilities() {
    leaf.layerTwoIsReady();
 }
 
-TEST( FinishInitDeathTest, stopsRatherThanGuessTheVariantWhenCapabilitiesAreAbsent ) {
+TEST( FinishInitDeathTest, StopsRatherThanGuessTheVariantWhenCapabilitiesAreAbsent ) {
    EXPECT_EXIT( startWithoutCapabilities(), testing::KilledBySignal( SIGABRT ),
                 "^layer 2 is ready\n"
                 "Ptr.h:[0-9]+: [^\n]*VornalCentral::VxlanCapabilities[^\n]*: "

@@ -26,7 +26,7 @@ Log::Descriptor const & described( std::string const & name ) {
    return found == all.end() ? none : **found;
 }
 
-TEST( ModuleLog, registersFourMessagesInOrder ) {
+TEST( ModuleLog, RegistersFourMessagesInOrder ) {
    Journal names;
    for ( Log::Descriptor const * const descriptor : Log::descriptors() ) {
       names.push_back( descriptor->name );
@@ -36,7 +36,7 @@ TEST( ModuleLog, registersFourMessagesInOrder ) {
                          "VORNAL_UNEXPECTED_RESTART", "VORNAL_CONFIG_CHANGE" } ) );
 }
 
-TEST( ModuleLog, tcamHasRecovered ) {
+TEST( ModuleLog, TcamHasRecovered ) {
    Log::Descriptor const & message = described( "MULTIHOMING_TCAM_RESOURCE_RECOVERED" );
    EXPECT_EQ( message.format, "TCAM resource for EVPN Multi-Homing recovered" );
    EXPECT_EQ( message.explanation, "TCAM is no longer full and new entries can be allocated" );
@@ -44,7 +44,7 @@ TEST( ModuleLog, tcamHasRecovered ) {
    EXPECT_EQ( message.severity, Log::Severity{ 5 } );
 }
 
-TEST( ModuleLog, tcamIsFull ) {
+TEST( ModuleLog, TcamIsFull ) {
    Log::Descriptor const & message = described( "MULTIHOMING_TCAM_RESOURCE_FULL" );
    EXPECT_EQ( message.format, "TCAM resource for EVPN Multi-Homing exhausted" );
    EXPECT_EQ( message.explanation, "TCAM is full and allocation of new entry has failed." );
@@ -54,7 +54,7 @@ TEST( ModuleLog, tcamIsFull ) {
    EXPECT_EQ( message.severity, Log::Severity{ 3 } );
 }
 
-TEST( ModuleLog, agentHasRestarted ) {
+TEST( ModuleLog, AgentHasRestarted ) {
    Log::Descriptor const & message = described( "VORNAL_UNEXPECTED_RESTART" );
    EXPECT_EQ( message.format, "Unexpected restart of Vornal agent %s occurred" );
    EXPECT_EQ( message.explanation, "Unexpected restart of the Vornal agent occurred." );
@@ -62,7 +62,7 @@ TEST( ModuleLog, agentHasRestarted ) {
    EXPECT_EQ( message.severity, Log::Severity{ 3 } );
 }
 
-TEST( ModuleLog, agentMustRestart ) {
+TEST( ModuleLog, AgentMustRestart ) {
    Log::Descriptor const & message = described( "VORNAL_CONFIG_CHANGE" );
    EXPECT_EQ( message.format, "Configuration change requires the Vornal agent %s to restart" );
    EXPECT_EQ( message.explanation,
@@ -72,7 +72,7 @@ TEST( ModuleLog, agentMustRestart ) {
    EXPECT_EQ( message.severity, Log::Severity{ 6 } );
 }
 
-TEST( ModuleLog, saysTheTcamMessagesAsOperatorsKnowThem ) {
+TEST( ModuleLog, SaysTheTcamMessagesAsOperatorsKnowThem ) {
    Leaf leaf;
    Vornal::multihomingTcamResourceFull.log();
    Vornal::multihomingTcamResourceRecovered.log();
@@ -83,13 +83,13 @@ TEST( ModuleLog, saysTheTcamMessagesAsOperatorsKnowThem ) {
                          "Multi-Homing recovered" } ) );
 }
 
-TEST( ModuleTrace, hasAHandleForTheMounterOneForTheMachinesAndOneForTheChip ) {
+TEST( ModuleTrace, HasAHandleForTheMounterOneForTheMachinesAndOneForTheChip ) {
    EXPECT_EQ( Vornal::mounterTrace.name(), "VornalEvpnMounter" );
    EXPECT_EQ( Vornal::smTrace.name(), "VornalEvpnSm" );
    EXPECT_EQ( Shim::apiTrace().name(), "ApiVornal" );
 }
 
-TEST( ModuleTrace, theRingTakesEveryLevelOfTheMachinesAndTheFirstSixOfTheMounter ) {
+TEST( ModuleTrace, TheRingTakesEveryLevelOfTheMachinesAndTheFirstSixOfTheMounter ) {
    for ( int level = 0; level < 10; ++level ) {
       EXPECT_TRUE( Vornal::smTrace.isRingEnabled( level ) ) << level;
       EXPECT_EQ( Vornal::mounterTrace.isRingEnabled( level ), level < 6 ) << level;
@@ -104,7 +104,7 @@ std::string withoutBlanksBeforeAmpersands( std::string text ) {
    return text;
 }
 
-TEST( ModuleTrace, tellsEveryStepOfTheStartByItsSignatureAtLevelEight ) {
+TEST( ModuleTrace, TellsEveryStepOfTheStartByItsSignatureAtLevelEight ) {
    Leaf leaf;
    Trace::levelsIs( "VornalEvpnMounter", "8" );
    leaf.mounter = leaf.mounterNew();
@@ -125,7 +125,7 @@ TEST( ModuleTrace, tellsEveryStepOfTheStartByItsSignatureAtLevelEight ) {
                          "VornalEvpnMounter 8 void Vornal::VornalEvpnMounter::finishInit()" } ) );
 }
 
-TEST( ModuleMounter, isOfferedToTheAgentUnderTheNameOfItsType ) {
+TEST( ModuleMounter, IsOfferedToTheAgentUnderTheNameOfItsType ) {
    auto const offered = Plugin::registeredMounters();
    ASSERT_EQ( offered.size(), 1U );
    EXPECT_EQ( offered[ 0 ]->name(), "Vornal::VornalEvpnMounter" );

@@ -32,7 +32,7 @@ class Mounting : public testing::Test {
    Leaf leaf;
 };
 
-TEST_F( Mounting, mountsSevenPathsInOrderAndClosesTheGroupWithAnEmptyName ) {
+TEST_F( Mounting, MountsSevenPathsInOrderAndClosesTheGroupWithAnEmptyName ) {
    leaf.mounter->doInit();
    EXPECT_EQ( leaf.journal,
               ( Journal{
@@ -50,7 +50,7 @@ TEST_F( Mounting, mountsSevenPathsInOrderAndClosesTheGroupWithAnEmptyName ) {
               } ) );
 }
 
-TEST_F( Mounting, putsTheSliceIdentifierIntoTheClassIdPathsAsItIs ) {
+TEST_F( Mounting, PutsTheSliceIdentifierIntoTheClassIdPathsAsItIs ) {
    leaf.mounter->sliceIdIs( "Linecard4/1" );
    leaf.mounter->doInit();
    EXPECT_EQ( leaf.journal[ 3 ],
@@ -61,12 +61,12 @@ TEST_F( Mounting, putsTheSliceIdentifierIntoTheClassIdPathsAsItIs ) {
               "VornalCentral::I2EClassIdIndexStatus rc" );
 }
 
-TEST_F( Mounting, asksForNineEntitiesInOrder ) {
+TEST_F( Mounting, AsksForNineEntitiesInOrder ) {
    leaf.mountsComplete();
    EXPECT_EQ( leaf.journal, lookUps );
 }
 
-TEST_F( Mounting, keepsEachEntityInItsAttribute ) {
+TEST_F( Mounting, KeepsEachEntityInItsAttribute ) {
    leaf.mountsComplete();
    EXPECT_EQ( held( "evpnStatus" ), "Evpn::EvpnStatus evpn/status" );
    EXPECT_EQ( held( "vcsd" ), "Vornal::VornalCommonSmData vornalCommon" );
@@ -87,7 +87,7 @@ TEST_F( Mounting, keepsEachEntityInItsAttribute ) {
               "Bridging::HwCapabilities bridging/hwcapabilities" );
 }
 
-TEST_F( Mounting, storesThemInTheOrderOfAskingAndBuildsTheWaiterLast ) {
+TEST_F( Mounting, StoresThemInTheOrderOfAskingAndBuildsTheWaiterLast ) {
    Journal stored;
    AttributeDiary const diary( stored, leaf.mounter );
    leaf.mountsComplete();
@@ -97,7 +97,7 @@ TEST_F( Mounting, storesThemInTheOrderOfAskingAndBuildsTheWaiterLast ) {
                                  "set bridgingHwCapabilities", "set evpnDependencyWaiter" } ) );
 }
 
-TEST_F( Mounting, startsTheWaiterWithTheMounterAndTheCommonData ) {
+TEST_F( Mounting, StartsTheWaiterWithTheMounterAndTheCommonData ) {
    leaf.mountsComplete();
    auto const waiter = leaf.mounter->evpnDependencyWaiter();
    ASSERT_TRUE( waiter );
@@ -106,7 +106,7 @@ TEST_F( Mounting, startsTheWaiterWithTheMounterAndTheCommonData ) {
    EXPECT_TRUE( waiter->hasNotificationActive() );
 }
 
-TEST_F( Mounting, buildsNothingElseBeforeLayerTwoIsReady ) {
+TEST_F( Mounting, BuildsNothingElseBeforeLayerTwoIsReady ) {
    leaf.mountsComplete();
    EXPECT_EQ( held( "lagPhyIntfMapping" ), "none" );
    EXPECT_EQ( held( "lagPhyIntfMappingSm" ), "none" );
@@ -115,7 +115,7 @@ TEST_F( Mounting, buildsNothingElseBeforeLayerTwoIsReady ) {
    EXPECT_EQ( held( "evpnMultihomingLocalBiasSm" ), "none" );
 }
 
-TEST_F( Mounting, takesTheSamePathWhateverTheMountsCameTo ) {
+TEST_F( Mounting, TakesTheSamePathWhateverTheMountsCameTo ) {
    for ( auto const status : { Corrum::MountStatus::Partial, Corrum::MountStatus::Failed } ) {
       leaf.journal.clear();
       auto const mounter = leaf.mounterNew();
@@ -127,7 +127,7 @@ TEST_F( Mounting, takesTheSamePathWhateverTheMountsCameTo ) {
 }
 
 // The agent may hand over another manager than the one that the paths were mounted through.
-TEST_F( Mounting, takesEntitiesFromTheManagerThatItIsHanded ) {
+TEST_F( Mounting, TakesEntitiesFromTheManagerThatItIsHanded ) {
    Journal asked;
    auto const other = Quelm::make< StateDatabase >( asked );
    auto const status = Quelm::make< Evpn::EvpnStatus >( "the other's" );
@@ -140,7 +140,7 @@ TEST_F( Mounting, takesEntitiesFromTheManagerThatItIsHanded ) {
    EXPECT_EQ( leaf.mounter->entityManager(), leaf.database );
 }
 
-TEST_F( Mounting, goesOnWithoutAnyEntityWhenNoManagerIsHanded ) {
+TEST_F( Mounting, GoesOnWithoutAnyEntityWhenNoManagerIsHanded ) {
    leaf.mounter->doMountsComplete( Corrum::MountStatus::Failed, nullptr );
    for ( char const * const name :
          { "evpnStatus", "svpShimStatus", "vxlanCapabilities", "i2eClassIdIndexConfig",
@@ -171,7 +171,7 @@ void expectOnlyThisEmpty( std::string const & path, std::string const & attribut
    EXPECT_EQ( leaf.traces, Journal{} );
 }
 
-TEST( MountingGaps, leaveOneAttributeEmptyAndAreReportedNowhere ) {
+TEST( MountingGaps, LeaveOneAttributeEmptyAndAreReportedNowhere ) {
    auto const ofAnotherType = Quelm::make< Vornal::DependencyPoint >( "not what is asked for" );
    for ( auto const & wrong :
          { Quelm::Ptr< Kiv::Entity >(), Quelm::Ptr< Kiv::Entity >( ofAnotherType ) } ) {
@@ -186,7 +186,7 @@ TEST( MountingGaps, leaveOneAttributeEmptyAndAreReportedNowhere ) {
    }
 }
 
-TEST_F( Mounting, waitsWithoutCommonDataWhenTheAgentSharesNoneOrSomethingElse ) {
+TEST_F( Mounting, WaitsWithoutCommonDataWhenTheAgentSharesNoneOrSomethingElse ) {
    for ( auto const & wrong :
          { Quelm::Ptr< Kiv::Entity >(),
            Quelm::Ptr< Kiv::Entity >( leaf.at< Lag::Config >( lagConfigPath ) ) } ) {

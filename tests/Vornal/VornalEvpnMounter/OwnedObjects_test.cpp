@@ -27,7 +27,7 @@ void expectReplaced( Quelm::Ptr< T > const & first, Quelm::Ptr< T > const & seco
    EXPECT_EQ( first->users(), 1U ) << "nobody but the test uses it any more";
 }
 
-TEST_F( OwnedObjects, lagMappingStaysForTheSameNameAndIsReplacedForAnother ) {
+TEST_F( OwnedObjects, LagMappingStaysForTheSameNameAndIsReplacedForAnother ) {
    auto const first = mounter.lagPhyIntfMappingIs( "lagToMemberInterfacesMap" );
    EXPECT_EQ( first->name(), "lagToMemberInterfacesMap" );
    EXPECT_EQ( mounter.lagPhyIntfMapping(), first );
@@ -39,7 +39,7 @@ TEST_F( OwnedObjects, lagMappingStaysForTheSameNameAndIsReplacedForAnother ) {
    expectReplaced( first, second, mounter.lagPhyIntfMapping() );
 }
 
-TEST_F( OwnedObjects, lagMappingIsLetGoOfAsItIs ) {
+TEST_F( OwnedObjects, LagMappingIsLetGoOfAsItIs ) {
    auto const mapping = mounter.lagPhyIntfMappingIs( "lagToMemberInterfacesMap" );
    EXPECT_EQ( mounter.lagPhyIntfMappingDel(), mapping );
    EXPECT_FALSE( mounter.lagPhyIntfMapping() );
@@ -47,7 +47,7 @@ TEST_F( OwnedObjects, lagMappingIsLetGoOfAsItIs ) {
    EXPECT_EQ( mapping->users(), 1U );
 }
 
-TEST_F( OwnedObjects, lagMappingSmIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
+TEST_F( OwnedObjects, LagMappingSmIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
    auto const config = leaf.at< Lag::Config >( lagConfigPath );
    auto const mapping = make< Lag::LagPhyIntfMapping >( "mapping" );
    auto const first = mounter.lagPhyIntfMappingSmIs( config, mapping );
@@ -63,7 +63,7 @@ TEST_F( OwnedObjects, lagMappingSmIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) 
    expectReplaced( second, third, mounter.lagPhyIntfMappingSm() );
 }
 
-TEST_F( OwnedObjects, tepSegmentSmIsReplacedWhenOneOfItsFourArgumentsIsAnother ) {
+TEST_F( OwnedObjects, TepSegmentSmIsReplacedWhenOneOfItsFourArgumentsIsAnother ) {
    auto status = leaf.at< Evpn::EvpnStatus >( evpnStatusPath );
    auto dir = Oxa::evpnTepSegmentDirFactory( "dir" );
    auto capabilities = leaf.at< Bridging::HwCapabilities >( hwCapabilitiesPath );
@@ -96,7 +96,7 @@ TEST_F( OwnedObjects, tepSegmentSmIsReplacedWhenOneOfItsFourArgumentsIsAnother )
    expectAnother();
 }
 
-TEST_F( OwnedObjects, waiterIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
+TEST_F( OwnedObjects, WaiterIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
    auto const first = mounter.evpnDependencyWaiterIs( &mounter, leaf.common() );
    EXPECT_EQ( first->evpnMounter(), &mounter );
    EXPECT_EQ( first->vcsd(), leaf.common() );
@@ -111,7 +111,7 @@ TEST_F( OwnedObjects, waiterIsReplacedWhenOneOfItsTwoArgumentsIsAnother ) {
 }
 
 // Whenever the mounter takes a new object in, it says which, and whether it is switched on by then.
-TEST_F( OwnedObjects, replaceTheHeldOneBeforeTheyAreSwitchedOn ) {
+TEST_F( OwnedObjects, ReplaceTheHeldOneBeforeTheyAreSwitchedOn ) {
    Journal taken;
    Kiv::Watch< Vornal::VornalEvpnMounter > watch( leaf.mounter, [ & ](
                                                                    Kiv::Change const & change ) {
@@ -136,7 +136,7 @@ TEST_F( OwnedObjects, replaceTheHeldOneBeforeTheyAreSwitchedOn ) {
    }
 }
 
-TEST_F( OwnedObjects, reactiveObjectsAreSwitchedOffAndHandedBack ) {
+TEST_F( OwnedObjects, ReactiveObjectsAreSwitchedOffAndHandedBack ) {
    auto const waiter = mounter.evpnDependencyWaiterIs( &mounter, leaf.common() );
    auto const lagSm =
       mounter.lagPhyIntfMappingSmIs( leaf.at< Lag::Config >( lagConfigPath ), nullptr );
@@ -156,7 +156,7 @@ TEST_F( OwnedObjects, reactiveObjectsAreSwitchedOffAndHandedBack ) {
    EXPECT_FALSE( tepSm->hasNotificationActive() );
 }
 
-TEST_F( OwnedObjects, areStillHeldWhileTheyAreSwitchedOff ) {
+TEST_F( OwnedObjects, AreStillHeldWhileTheyAreSwitchedOff ) {
    bool isHeld = false;
    auto const status = make< Observed< Evpn::EvpnStatus > >(
       Listener{ .onSubscription = [ & ] { isHeld = bool( mounter.evpnTepSegmentSm() ); },
@@ -168,14 +168,14 @@ TEST_F( OwnedObjects, areStillHeldWhileTheyAreSwitchedOff ) {
    EXPECT_TRUE( isHeld );
 }
 
-TEST_F( OwnedObjects, removingWhatIsNotThereGivesAnEmptyReference ) {
+TEST_F( OwnedObjects, RemovingWhatIsNotThereGivesAnEmptyReference ) {
    EXPECT_FALSE( mounter.evpnDependencyWaiterDel() );
    EXPECT_FALSE( mounter.evpnTepSegmentSmDel() );
    EXPECT_FALSE( mounter.lagPhyIntfMappingDel() );
    EXPECT_FALSE( mounter.lagPhyIntfMappingSmDel() );
 }
 
-TEST_F( OwnedObjects, canBeBuiltAgainAfterTheirRemoval ) {
+TEST_F( OwnedObjects, CanBeBuiltAgainAfterTheirRemoval ) {
    auto const first = mounter.lagPhyIntfMappingIs( "lagToMemberInterfacesMap" );
    mounter.lagPhyIntfMappingDel();
    EXPECT_NE( mounter.lagPhyIntfMappingIs( "lagToMemberInterfacesMap" ), first );

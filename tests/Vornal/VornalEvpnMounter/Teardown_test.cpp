@@ -75,7 +75,7 @@ class Teardown : public testing::Test {
    Leaf leaf;
 };
 
-TEST_F( Teardown, ofAMounterThatWaitsReleasesWhatTheMountsGaveInReverseOrder ) {
+TEST_F( Teardown, OfAMounterThatWaitsReleasesWhatTheMountsGaveInReverseOrder ) {
    leaf.mountsComplete();
    destroyMounter();
    EXPECT_EQ( diary,
@@ -87,12 +87,12 @@ TEST_F( Teardown, ofAMounterThatWaitsReleasesWhatTheMountsGaveInReverseOrder ) {
                          "released " + evpnStatusPath } ) );
 }
 
-TEST_F( Teardown, ofAMounterThatWasNeverToldToStartReleasesNothing ) {
+TEST_F( Teardown, OfAMounterThatWasNeverToldToStartReleasesNothing ) {
    destroyMounter();
    EXPECT_EQ( diary, Journal{} );
 }
 
-TEST_F( Teardown, removesWaiterThenTepSegmentSmThenLagMappingThenItsSm ) {
+TEST_F( Teardown, RemovesWaiterThenTepSegmentSmThenLagMappingThenItsSm ) {
    leaf.mountsComplete();
    leaf.mounter->finishInit();
    destroyMounter();
@@ -107,7 +107,7 @@ TEST_F( Teardown, removesWaiterThenTepSegmentSmThenLagMappingThenItsSm ) {
                  "switched off on lag/config, mounter holds lagSm" } ) );
 }
 
-TEST_F( Teardown, releasesTheStateMachineBetweenVpIndicesAndTheSegmentDirectory ) {
+TEST_F( Teardown, ReleasesTheStateMachineBetweenVpIndicesAndTheSegmentDirectory ) {
    leaf.mountsComplete();
    leaf.mounter->finishInit();
    auto const dir = leaf.mounter->oxaEvpnTepSegmentDir();
@@ -131,7 +131,7 @@ TEST_F( Teardown, releasesTheStateMachineBetweenVpIndicesAndTheSegmentDirectory 
    EXPECT_EQ( dir->users(), 1U );
 }
 
-TEST_F( Teardown, leavesEveryRuleInTheHardware ) {
+TEST_F( Teardown, LeavesEveryRuleInTheHardware ) {
    leaf.shareSegmentWithVtep();
    leaf.mountsComplete();
    leaf.mounter->finishInit();
@@ -142,7 +142,7 @@ TEST_F( Teardown, leavesEveryRuleInTheHardware ) {
    EXPECT_EQ( leaf.sdk.calls, Journal{} );
 }
 
-TEST_F( Teardown, withdrawsNothingThatWasDerived ) {
+TEST_F( Teardown, WithdrawsNothingThatWasDerived ) {
    leaf.shareSegmentWithVtep();
    leaf.mountsComplete();
    leaf.mounter->finishInit();

@@ -153,7 +153,7 @@ void expectWhatShouldBe( LocalBiasSwitch & leaf, Machine const & sm ) {
               expected.size() + ( expected.empty() ? 0 : 2 ) );
 }
 
-RC_GTEST_PROP( EgressMaskModel, isWhatAnySequenceOfEventsLeadsTo, () ) {
+RC_GTEST_PROP( EgressMaskModel, IsWhatAnySequenceOfEventsLeadsTo, () ) {
    auto const steps = *rc::gen::container< std::vector< Step > >( anyStep() );
    LocalBiasSwitch leaf;
    Trace::levelsIs( "VornalEvpnSm", "" );
