@@ -1,4 +1,4 @@
-// Module initialisation: what happens when the agent opens the plug-in.
+// Module initialisation: runs when the agent opens the plug-in.
 //
 // The types register first, in the files that define them (Kiv/Registration.h). Then the objects
 // below register themselves, in this order: trace handles, log message descriptors, the mounter.

@@ -1,6 +1,6 @@
-// What the state machines use of the module: their trace handle, "VornalEvpnSm", and the two log
-// messages about the TCAM. The module initialisation creates them when the plug-in is loaded
-// (VornalEvpnMounter/ModuleInit.cpp).
+// The part of the module that the state machines use: their trace handle, "VornalEvpnSm", and the
+// two log messages about the TCAM. The module initialisation creates them when the plug-in is
+// loaded (VornalEvpnMounter/ModuleInit.cpp).
 #pragma once
 
 #include <Log/Log.h>

@@ -1,4 +1,4 @@
-// The results of port resolution, on their way to those who program rules.
+// The results of port resolution, from which rules are programmed.
 //
 // Both are values: copied, compared, printed and parsed. Neither can be hashed, so neither can be
 // the key of a collection.
@@ -28,7 +28,8 @@ class SharedESPortInfo : public Quelm::Value {
    }
 };
 
-// What the change of one interface did to the ports shared with one remote VTEP on one unit.
+// The effect that the change of one interface has on the ports shared with one remote VTEP on one
+// unit.
 class PortListsOnUpdate : public Quelm::Value {
    QUELM_VALUE( PortListsOnUpdate, "Vornal::PortListsOnUpdate" )
    QUELM_FIELD( portList, VornalTypes::VornalPortList )      // after the change

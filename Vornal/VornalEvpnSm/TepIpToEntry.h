@@ -1,12 +1,12 @@
-// What is programmed, per unit and remote VTEP.
+// The records of the programmed rules, per unit and remote VTEP.
 //
-// The state machine cannot ask the chip what it has installed for whom, so it keeps one
-// TepIpToEntry a unit: the ingress entry of each remote VTEP, what the entry masks and matches,
-// and, in the class-id variant, the egress entries on each shared port. The records decide nothing;
-// whoever programs a rule writes them in the same step.
+// The chip does not know for which VTEP an entry was installed. So the state machine keeps one
+// TepIpToEntry a unit: the ingress entry of each remote VTEP, the ports that it masks, the VP index
+// that it matches and, in the class-id variant, the egress entries on each shared port. The records
+// decide nothing; the code that programs a rule writes them in the same step.
 //
-// An entry id is never 0. Reading what is not there gives 0, an all-zero bitmap or an empty
-// reference.
+// An entry id is never 0. A record that is not there reads as 0, as an all-zero bitmap or as an
+// empty reference.
 //
 // Cost: a look-up in an ordered map. Threads: the activity's.
 #pragma once

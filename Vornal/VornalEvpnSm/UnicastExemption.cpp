@@ -1,9 +1,10 @@
 // The rules that keep known unicast out of the filter.
 //
-// The ingress entries of the VTEPs match all that arrives from them. Known unicast has one
-// destination and nobody else has delivered it, so two entries without any action win over them for
-// frames that left a tunnel with a known unicast result, bridged or routed. They are obtained
-// before the unit's first VTEP entry and keep the group's default priority; both make them win.
+// The ingress entries of the VTEPs match every frame that arrives from them. Known unicast has one
+// destination, and no other switch has delivered it. So two entries without any action win over the
+// VTEPs' entries for frames that left a tunnel with a known unicast result, bridged or routed. They
+// are obtained before the unit's first VTEP entry and keep the group's default priority; both make
+// them win.
 //
 // The line numbers are those by which support tools know the calls.
 

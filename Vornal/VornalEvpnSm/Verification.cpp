@@ -1,12 +1,12 @@
-// Holding what is programmed against what should be.
+// Holding the programmed rules against the expected ones.
 //
 // A verification reads the hardware back and compares it with the records and with the state they
-// come from. Whatever does not agree stops the process at its assertion; nothing is repaired, since
-// nobody could say which side is right. While the TCAM is exhausted rules may be missing
-// legitimately, and nothing is verified.
+// come from. A difference stops the process at its assertion; nothing is repaired, since nobody
+// could say which side is right. While the TCAM is exhausted rules may be missing legitimately, and
+// nothing is verified.
 //
-// Each variant verifies its own actions on top of what is verified here. The per-VNI rules are not
-// verified.
+// The exemption rules and the qualifier of a VTEP's ingress entry are verified here, the actions by
+// each variant. The per-VNI rules are not verified.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>

@@ -1,5 +1,5 @@
-// What the bridging hardware can do. Handed on to those who derive segment state; nothing of it is
-// read by this agent's plug-ins.
+// The capabilities of the bridging hardware. They are handed on to the derivation of the shared
+// segments; this agent's plug-ins read nothing of them.
 #pragma once
 
 #include <Kiv/Entity.h>

@@ -4,7 +4,7 @@
 // empty name asks the agent to perform the mounts and to call the mounter's doMountsComplete() when
 // they are done, with the outcome and the manager from which the entities can be taken.
 //
-// The agent implements these interfaces. A path that nobody publishes is not an error: getEntity()
+// The agent implements these interfaces. A path without an entity is not an error: getEntity()
 // returns an empty reference for it.
 #pragma once
 

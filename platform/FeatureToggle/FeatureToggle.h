@@ -4,7 +4,7 @@
 //
 //    { "SbdEvpnTcamOverrideRule": false }
 //
-// Reading files is the agent's business; it provides the facility. What every facility keeps to:
+// Reading files is the agent's business; it provides the facility. Every facility keeps to this:
 //
 // - a toggle that the file does not name, and every toggle of a file that does not exist, has the
 //   default that the caller gives;

@@ -34,7 +34,7 @@ bool ActivityManager::runOne() {
 
 void ActivityManager::run() {
    for ( bool isMoreLeft = true; isMoreLeft; ) {
-      // That nothing is left, and what follows from it, is one decision: nobody comes in between.
+      // One lock for both: no turn is queued between finding none and moving the clock.
       ActivityLockAnchor const locked( *this );
       isMoreLeft = turnRun() || clockMoved();
    }

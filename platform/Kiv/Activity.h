@@ -4,14 +4,13 @@
 // wake-up of the clock, a step of the agent itself. Turns run one after the other, on the thread
 // that calls run(), with the activity lock held; within a turn nothing else of the agent runs.
 //
-// What holds:
+// Invariants:
 // - Turns that were queued run in the order of queueing, never merged.
 // - A wake-up that is due runs before the next queued turn. When neither is left, the clock moves
 //   on to the next armed wake-up.
 // - The lock is given up only by an ActivityUnlockAnchor: for its scope, the holder's thread works
 //   without it and any other thread may take it. The anchor takes it back at the end of the scope,
-//   also when an exception passes. Whoever opens the scope must not rely on state that others can
-//   change.
+//   also when an exception passes. Others may change any state within that scope.
 // - ActivityLockAnchor is how any other thread comes in.
 //
 // Failures: unlocking on a thread that does not hold the lock is a failed assertion, and so is
@@ -55,7 +54,7 @@ class ActivityManager {
    friend class ActivityLockAnchor;
    friend class ActivityUnlockAnchor;
 
-   // With the lock held. Runs what comes next; false when nothing is queued or due.
+   // With the lock held. Runs the next turn; false when none is queued or due.
    bool turnRun();
    // With the lock held. Moves the clock on to the next wake-up; false when there is none.
    bool clockMoved();

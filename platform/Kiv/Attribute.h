@@ -3,12 +3,12 @@
 //
 // Everything here is text: keys, values, arguments and results in the text forms of Quelm/Text.h,
 // so that state files, `show`, dumps and scenario steps work on every entity without knowing its
-// class. What goes through the generic interface goes through the same accessors as a handler's own
-// code: same factories, same notifications.
+// class. The generic interface uses the same accessors as a handler's own code: same factories,
+// same notifications.
 //
-// Failures: what a kind of attribute does not offer (a key on a plain value, writing what is
-// read-only) throws Quelm::AccessError, a text that is not the type's form throws Quelm::TextError;
-// the entity is unchanged in both cases.
+// Failures: an operation that a kind of attribute does not offer (a key on a plain value, writing a
+// read-only one) throws Quelm::AccessError, a text that is not the type's form throws
+// Quelm::TextError; the entity is unchanged in both cases.
 #pragma once
 
 #include <string>

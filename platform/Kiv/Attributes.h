@@ -28,9 +28,9 @@
 // The three kinds with keys take one more word where the count is wanted: its name, as in
 // KIV_COLLECTION( efpEntryId, VornalPort, U32, efpEntryIds ).
 //
-// Reading what is absent gives the type's default; xDel gives back what was removed, or the
-// default. Members are looked up as references to const through a const entity; what a reference
-// line or a walk gives is as declared. xIter() starts a walk, xFinder() a row of look-ups (see
+// An absent member reads as the type's default; xDel gives back the removed value, or the default.
+// Through a const entity members are looked up as references to const; reference lines and walks
+// give the declared type. xIter() starts a walk, xFinder() a row of look-ups (see
 // Kiv/Collection.h).
 //
 // KIV_DEFINE( Namespace::Class ), once in a source file, builds the table and registers the type.

@@ -13,7 +13,7 @@ class Entity;
 // Position of an attribute in its entity's table, from 1.
 using AttributeId = U32;
 
-// A pointer that remembers what it points at; empty for "no such value".
+// A pointer that remembers the type of its target; empty for "no such value".
 class TypedPointer {
  public:
    TypedPointer() = default;

@@ -1,8 +1,8 @@
 // The storage of a keyed collection attribute.
 //
 // An ordered map: members are found and walked in the order of their keys, whatever the order they
-// came in, so that every walk, trace and dump is the same from run to run. What an entity needs on
-// top of a standard map is a walk that survives the changes made during it:
+// came in, so that every walk, trace and dump is the same from run to run. Unlike that of a
+// standard map, a walk survives the changes made during it:
 //
 // - The current member may be removed, and any other member too. A removed current member can
 //   still be read until the walk moves on.
@@ -13,8 +13,8 @@
 // The storage knows nothing of entities and notifies nobody; Kiv/Store.h does that.
 //
 // Cost: that of std::map; a walk adds one comparison a member, insertion and removal one test while
-// no walk is under way. What walks need to know of an insertion is kept beside the members, until
-// the last walk ends. Threads: none of its own (Activity.h).
+// no walk is under way. The insertions made during a walk are noted beside the members, until the
+// last walk ends. Threads: none of its own (Activity.h).
 #pragma once
 
 #include <forward_list>
@@ -35,7 +35,7 @@ template< typename T > struct ReadTraits {
 template< typename T > struct ReadTraits< Quelm::Ptr< T > > { using Type = Quelm::Ptr< T >; };
 template< typename T > using Read = typename ReadTraits< T >::Type;
 
-// What an absent member reads as.
+// The value that an absent member reads as.
 template< typename T > T const & absent() {
    static T const value{};
    return value;

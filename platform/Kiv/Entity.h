@@ -1,4 +1,4 @@
-// Kiv::Entity: what every object of the state database, and every object of a plug-in, is.
+// Kiv::Entity: the base of every object of the state database and of every object of a plug-in.
 //
 // An entity has typed attributes in a fixed order (its type's table, Kiv/Type.h), counted
 // references (Quelm/Ptr.h) and subscribers (Kiv/Reactor.h). A class reads as its attribute table:
@@ -48,7 +48,7 @@ class Entity : public Quelm::Counted {
    bool isZombie() const { return isZombie_; }
    bool isBeingDestroyed() const { return isBeingDestroyed_; }
 
-   // What tells this entity from others of its type: its key's text, or its name; else empty.
+   // Tells this entity from others of its type: its key's text, or its name; else empty.
    virtual std::string identity() const { return {}; }
 
  protected:

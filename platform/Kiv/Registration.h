@@ -1,8 +1,8 @@
 // How a source file adds a type to the register.
 //
 // A module's types are in the register before the rest of the module is initialised, whatever the
-// order in which its files were linked. What a module offers besides (trace handles, log messages,
-// mounters) can therefore rely on its types.
+// order in which its files were linked. The other registrations of a module (trace handles, log
+// messages, mounters) can therefore rely on its types.
 #pragma once
 
 #include <Kiv/Type.h>

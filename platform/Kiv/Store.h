@@ -1,4 +1,4 @@
-// What the accessors of an entity do: change the storage, then tell the subscribers.
+// The accessors of an entity: change the storage, then tell the subscribers.
 //
 // One function per kind of change, used by the attribute lines of Kiv/Attributes.h and by the
 // generic interface alike, so that both notify in the same way:

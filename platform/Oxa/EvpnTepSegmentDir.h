@@ -1,5 +1,5 @@
 // The Ethernet segments that this switch shares with each remote VTEP: the segment status turned
-// round, from "who is on this segment" to "which segments do I share with this VTEP".
+// round, from VTEPs per segment to segments per VTEP.
 #pragma once
 
 #include <string>

@@ -14,8 +14,7 @@
 // The empty identifier, which a default-built one is, names no interface. Its text is empty, and it
 // comes before all others.
 //
-// Failures: only reading fails, with Quelm::TextError, which quotes the text and says what is
-// wrong.
+// Failures: only reading fails, with Quelm::TextError, which quotes the text and names the mistake.
 #pragma once
 
 #include <compare>

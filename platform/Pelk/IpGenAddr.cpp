@@ -202,8 +202,7 @@ void IpGenAddr::textTo( std::string & out ) const {
 }
 
 IpGenAddr IpGenAddr::textFrom( Quelm::TextReader & in ) {
-   // The whole word, so that a refusal quotes what was meant; '@' and '#' follow an address in
-   // keys.
+   // The whole word, so that a refusal quotes all of it; '@' and '#' follow an address in keys.
    return fromString( in.takeWhile( []( char c ) {
       return ( Quelm::isNameCharacter( c ) && c != '@' && c != '#' ) || c == '%';
    } ) );

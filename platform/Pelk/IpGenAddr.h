@@ -13,8 +13,7 @@
 // runs of two or more zero groups as "::", IPv4-mapped addresses with their last 32 bits dotted. A
 // zone or a prefix length is not part of an address and is refused.
 //
-// Failures: only reading fails, with Quelm::TextError, which quotes the text and says what is
-// wrong.
+// Failures: only reading fails, with Quelm::TextError, which quotes the text and names the mistake.
 #pragma once
 
 #include <array>

@@ -59,7 +59,7 @@ class MounterRegistration {
    Create create_;
 };
 
-// What the loaded modules offer, in the order of loading.
+// The mounters of the loaded modules, in the order of loading.
 std::vector< MounterRegistration const * > registeredMounters();
 
 }  // namespace Plugin

@@ -9,7 +9,7 @@
 //    FILE:LINE: FUNCTION: Assertion 'EXPRESSION' failed.
 //
 // FILE is the base name of the source file. QUELM_ASSERT_AT reports a given line instead of the
-// real one, for call sites whose line numbers are part of what support tools look for.
+// real one, for call sites whose line numbers support tools look for.
 #pragma once
 
 namespace Quelm {

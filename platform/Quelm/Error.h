@@ -1,4 +1,4 @@
-// The framework's exceptions. Each says what was wrong in what(); none is thrown for a broken
+// The framework's exceptions. Each names the mistake in what(); none is thrown for a broken
 // invariant (see Assert.h), all are thrown before anything is changed.
 #pragma once
 

@@ -44,7 +44,7 @@ void write( std::string & out, Owner const & value, Field< Owner, T > const & fi
    TextForm< T >::write( out, value.*field.storage );
 }
 
-// What stands around a field in the text.
+// The texts around a field.
 struct Surroundings {
    std::string_view typeName;  // of the value, in front of its first field; empty before the others
    bool isLast;
@@ -73,7 +73,7 @@ void read( TextReader & in, Owner & value, Field< Owner, T > const & field,
 
 }  // namespace FieldText
 
-// What QUELM_VALUE's members do.
+// The bodies of QUELM_VALUE's members.
 template< typename Owner, int first > struct FieldsOf {
    static void write( std::string & out, Owner const & value, std::string_view name ) {
       out += name;

@@ -1,8 +1,7 @@
 // Quelm::Ptr< T >: a counted reference to an object that counts its own users.
 //
 // The count lives inside the object, so a plain `this` can be turned into a reference at any time
-// and a reference costs one pointer. Users of an object are equal: whoever lets go last destroys
-// it.
+// and a reference costs one pointer. Users of an object are equal: the last to let go destroys it.
 //
 // Life of the count. An object is born with one user, its creator, and Quelm::make hands that use
 // over to the reference that it returns. A constructor may therefore run handlers that take and
@@ -46,7 +45,7 @@ class Counted {
    U32 users() const { return users_; }
 
  protected:
-   // Runs once, when nobody refers to the object any more.
+   // Runs once, when the last reference to the object has gone.
    virtual void lastUserGone() { delete this; }
 
  private:

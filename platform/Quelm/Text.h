@@ -3,7 +3,7 @@
 // Every type that can be a key or a value of an entity attribute has one text form. textOf() writes
 // it, fromText() reads exactly what textOf() writes (and nothing else, trailing characters
 // included), typeName() names the type. Traces, the generic interface, scenario files and dumps all
-// use the same form, so what is seen in one place can be pasted into the other.
+// use the same form, so a text from one place can be pasted into the other.
 //
 // A type gets its form in one of three ways:
 //

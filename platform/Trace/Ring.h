@@ -2,7 +2,7 @@
 //
 // A ring is a block of memory that its owner provides; the agent maps a file, so that the block is
 // still there when the process is not. It holds a header and a number of slots of one fixed size.
-// Line n goes to slot n modulo their number and overwrites what was there. A slot is marked as
+// Line n goes to slot n modulo their number and overwrites the line there. A slot is marked as
 // being written before, and as complete after its text is in place: a stop in mid-line costs that
 // line only.
 //

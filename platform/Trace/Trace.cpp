@@ -22,8 +22,8 @@ struct Setting {
    }
 };
 
-// Handles are built and destroyed while modules load and unload, so what they share is built on
-// first use and never destroyed.
+// The data that handles share. They are built and destroyed while modules load and unload, so it is
+// built on first use and never destroyed.
 struct Shared {
    std::vector< Handle * > handles;
    std::vector< Setting > textSettings{ { "*", 0x001 } };

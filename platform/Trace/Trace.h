@@ -6,9 +6,9 @@
 //    TRACE( handle, 5, "ifpTcamEntries" << ", unit: " << unit );
 //    TRACE_RING( handle, 5, "handleTepSegment" << " tepIp: " << tepIp );
 //
-// What the levels mean: 2 failures and skipped work, 3 mask details, 4 entry ids and SDK successes,
+// The levels: 2 failures and skipped work, 3 mask details, 4 entry ids and SDK successes,
 // 5 entry into an operation, 6 and 7 per-unit and per-port detail, 8 handler signatures,
-// 9 verification. Level 0 is for what happens once.
+// 9 verification. Level 0 is for an event that happens once.
 //
 // TRACE writes a text line. TRACE_RING writes it to the binary ring (Trace/Ring.h) as well; the
 // ring has level switches of its own, so that the last lines survive a stop when the text trace was

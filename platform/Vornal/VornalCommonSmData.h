@@ -1,8 +1,8 @@
-// What the Vornal agent shares with all its plug-ins: ports, units and dependency points.
+// The data that the Vornal agent shares with all its plug-ins: ports, units, dependency points.
 //
-// Two maps lead from an interface to its chip port. The live map holds what is true now. The cached
-// map holds the last port that an interface had, so that what was programmed for it can be undone
-// after it has lost or changed its port. intfPortIs() and intfPortDel() keep the order between
+// Two maps lead from an interface to its chip port. The live map holds the present port. The cached
+// map holds the last port that an interface had, so that rules for that port can be undone after
+// the interface has lost or changed it. intfPortIs() and intfPortDel() keep the order between
 // them:
 //
 // - a first-seen interface enters the cached map before the live map announces it;

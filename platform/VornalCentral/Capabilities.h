@@ -1,4 +1,4 @@
-// What the agent's central part says about the chip.
+// The properties of the chip, as the agent's central part publishes them.
 #pragma once
 
 #include <Kiv/Entity.h>
@@ -23,7 +23,7 @@ class VornalAttributes : public Kiv::NamedEntity {
    using NamedEntity::NamedEntity;
 };
 
-// The central attributes of this process; all flags clear until somebody sets them.
+// The central attributes of this process; all flags are clear at first.
 Quelm::Ptr< VornalAttributes > const & vornalAttributes();
 
 }  // namespace VornalCentral

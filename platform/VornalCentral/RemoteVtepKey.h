@@ -1,4 +1,4 @@
-// VornalCentral::RemoteVtepKey: what tells one remote VTEP of the switch from another.
+// VornalCentral::RemoteVtepKey: tells one remote VTEP of the switch from another.
 //
 // Most remote VTEPs belong to no tunnel group and are reached through the tunnel interface Vxlan1.
 // The text of such a key is just the VTEP's address. Any other tunnel interface follows after '@',

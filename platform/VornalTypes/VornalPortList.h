@@ -4,8 +4,8 @@
 // which they were inserted. Two lists are equal when they hold the same ports.
 //
 // The ports stand in one sorted array: inserting in port order costs a constant amount per port,
-// any other insertion and each removal is linear, looking up is logarithmic. What was reserved
-// stays when ports are removed, so a list that is reused allocates nothing. Inserting and removing
+// any other insertion and each removal is linear, looking up is logarithmic. Reserved room stays
+// when ports are removed, so a list that is reused allocates nothing. Inserting and removing
 // end a walk over the list; portsDelIf removes while walking.
 //
 // The text lists the ports in that order, `{unit0/port5/mod0,unit0/port6/mod0}`, and is read in

@@ -1,6 +1,6 @@
 // Vxlan::VniExtOrNone: a VXLAN network identifier (24 bits; RFC 7348, section 5), or none.
 //
-// None is the number one above the largest VNI, and it is what a default-built value holds. The
+// None is the number one above the largest VNI; a default-built value holds it. The
 // text is the number in decimal, or `none`.
 //
 // Failures: a number above none throws Quelm::RangeError; as a text, Quelm::TextError.
