@@ -16,43 +16,11 @@
 #include <Kiv/Attribute.h>
 #include <Kiv/Entity.h>
 #include <Kiv/Registration.h>
+#include <Kiv/RowText.h>
 #include <Kiv/Store.h>
-#include <Quelm/Error.h>
 #include <Quelm/Text.h>
 
 namespace Kiv {
-
-namespace RowText {
-
-template< typename T > struct Of {
-   static std::string typeName() { return Quelm::typeName< T >(); }
-   static std::string text( T const & value ) { return Quelm::textOf( value ); }
-};
-
-// A reference prints as the type and identity of what it refers to.
-template< typename T > struct Of< Quelm::Ptr< T > > {
-   static std::string typeName() {
-      return std::string( T::kivTypeName() ) + ( std::is_const_v< T > ? " const" : "" );
-   }
-   static std::string text( Quelm::Ptr< T > const & value ) {
-      if ( !value ) {
-         return "none";
-      }
-      std::string const identity = value->identity();
-      return value->typeData().name() + ( identity.empty() ? "" : " " + identity );
-   }
-};
-
-template<> struct Of< void > {
-   static std::string typeName() { return {}; }
-};
-
-template< typename T > std::string ofPointer( TypedPointer const & value ) {
-   T const * const target = value.as< T >();
-   return target ? Of< T >::text( *target ) : std::string();
-}
-
-}  // namespace RowText
 
 class Rows {
    using Kind = Attribute::Kind;
@@ -61,7 +29,7 @@ class Rows {
       return Quelm::Ptr< Entity >( const_cast< Entity * >( target.get() ) );
    }
 
-   // What keys, values and changes look like, for all kinds.
+   // The types and texts of keys, values and changes, for all kinds.
    template< typename Owner, typename K, typename T > class Base : public Attribute {
     public:
       Base( std::string name, Kind kind, bool isWritable )
@@ -177,7 +145,7 @@ class Rows {
    };
 
  private:
-   // What the three kinds with keys share.
+   // The base of the three kinds with keys.
    template< typename Owner, typename K, typename Stored, typename T,
              ::Kiv::Collection< K, Stored > Owner::*storage >
    class Keyed : public Base< Owner, K, T > {
@@ -239,7 +207,7 @@ class Rows {
    };
 
  private:
-   // What the two kinds of collections of entities share.
+   // The base of the two kinds of collections of entities.
    template< typename Owner, typename K, typename T,
              ::Kiv::Collection< K, Quelm::Ptr< T > > Owner::*storage >
    class Entities : public Keyed< Owner, K, Quelm::Ptr< T >, Quelm::Ptr< T >, storage > {
@@ -353,7 +321,7 @@ class Rows {
    };
 };
 
-// Adds what `Class` declares on line `n` to its table, if anything.
+// Adds the attribute that `Class` declares on line `n` to its table, if there is one.
 template< typename Class, int n > void addLine( Type & type ) {
    Quelm::Line< n > const line;
    if constexpr ( Quelm::HasLine< Class, n > ) {
