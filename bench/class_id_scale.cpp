@@ -11,7 +11,7 @@
 #include <Peers/ClassIdAllocator.h>
 #include <Lag/LagPhyIntfMappingSm.h>
 #include <Oxa/OxaEvpnTepSegmentSm.h>
-#include <VornalEvpnSm/Factories.h>
+#include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <new>
 
 #include <Kiv/Activity.h>
-#include <VornalEvpnSm/Factories.h>
+#include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
 
 namespace {
 

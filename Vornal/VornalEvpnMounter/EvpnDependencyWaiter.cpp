@@ -32,20 +32,7 @@ void KivKiv_Vcsd_DependenciesIn::onAttribute( Kiv::Change const & change ) {
 
 EvpnDependencyWaiter::EvpnDependencyWaiter( VornalEvpnMounter * evpnMounter,
                                             Quelm::Ptr< VornalCommonSmData > const & vcsd )
-      : vcsdDispatch_( vcsd,
-                       [ this ]( Kiv::Change const & change ) {
-                          if ( change.attribute() ==
-                               VornalCommonSmData::sliceDependencyPointsAttr() ) {
-                             handleSliceDependencyPoints();
-                          }
-                       } ),
-        depsDispatch_( [ this ]( Kiv::Change const & ) {
-           if ( !isZombie() ) {
-              checkAndSetDependencies();
-           }
-        } ) {
-   evpnMounter_ = evpnMounter;
-   vcsd_ = vcsd;
+      : evpnMounter_( evpnMounter ), vcsd_( vcsd ) {
    if ( slicePoints() ) {
       depsReread();
    }

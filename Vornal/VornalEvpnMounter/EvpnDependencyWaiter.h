@@ -9,8 +9,8 @@
 // of its process; one that closes it and opens it again starts it afresh, flag included. A later
 // loss of readiness is not watched.
 //
-// What leads to the points changes too. The common data may be given other slice dependency points,
-// and those other sub-agent points; the waiter follows both.
+// The common data may be given other slice dependency points, and those other sub-agent points. The
+// waiter follows both.
 //
 // Everything may already be ready when the waiter is built. finishInit() then runs from inside this
 // constructor, before the mounter holds the waiter.
@@ -62,8 +62,8 @@ class EvpnDependencyWaiter : public Kiv::Entity {
    static Quelm::Ptr< EvpnDependencyWaiter > EvpnDependencyWaiterIs(
       VornalEvpnMounter * mounter, Quelm::Ptr< VornalCommonSmData > const & commonSmData );
 
-   // Watches `points` from now on and looks at once whether what is needed is ready. Without effect
-   // for the points that are held already. A waiter that is out of service does not look.
+   // Watches `points` from now on and checks them at once. Without effect for the points that are
+   // held already. A waiter that is out of service does not check.
    void depsIs( Quelm::Ptr< SubAgentDependencyPoints > const & points );
    void depsDel() { depsIs( nullptr ); }
 
@@ -78,8 +78,14 @@ class EvpnDependencyWaiter : public Kiv::Entity {
    Quelm::Ptr< VornalSliceDependencyPoints > slicePoints() const;
    void handleSliceDependencyPoints();
 
-   Kiv::Watch< VornalCommonSmData > vcsdDispatch_;
-   Kiv::Watch< SubAgentDependencyPoints > depsDispatch_;
+   Kiv::Watch< VornalCommonSmData > vcsdDispatch_{
+      vcsd(), Kiv::onAttribute( VornalCommonSmData::sliceDependencyPointsAttr(), this,
+                                &KivSelf::handleSliceDependencyPoints )
+   };
+   Kiv::Watch< SubAgentDependencyPoints > depsDispatch_{
+      Kiv::inService( this, Kiv::onAttribute( SubAgentDependencyPoints::readyAttr(), this,
+                                              &KivSelf::checkAndSetDependencies ) )
+   };
    std::unique_ptr< KivKiv_Vcsd_DependenciesIn > dependenciesIn_;
 };
 

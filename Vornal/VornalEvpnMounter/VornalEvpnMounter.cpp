@@ -1,9 +1,13 @@
 #include <VornalEvpnMounter/VornalEvpnMounter.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include <Kiv/Activity.h>
 #include <Kiv/Rows.h>
 #include <VornalEvpnMounter/ModuleTrace.h>
-#include <VornalEvpnSm/Factories.h>
+#include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
+#include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
 KIV_DEFINE( Vornal::VornalEvpnMounter )
 
@@ -86,17 +90,31 @@ void VornalEvpnMounter::finishInit() {
    TRACE( mounterTrace, 8, __PRETTY_FUNCTION__ );
    auto const groups =
       Quelm::dynamicCast< VornalTcamGroupManager >( sharedEntity( "tcamManager" ) );
-   bool const isI2EClassIdSupported = vxlanCapabilities()->i2eClassIdSupported();
+   Variant const & variant = variantFor( *vxlanCapabilities() );
    lagPhyIntfMappingIs( "lagToMemberInterfacesMap" );
    lagPhyIntfMappingSmIs( lagConfig(), lagPhyIntfMapping() );
    oxaEvpnTepSegmentDirIs( Oxa::evpnTepSegmentDirFactory( "oxaEvpnTepSegmentDir" ) );
    evpnTepSegmentSmIs( evpnStatus(), oxaEvpnTepSegmentDir(), bridgingHwCapabilities(),
                        lagPhyIntfMapping() );
-   evpnMultihomingLocalBiasSmHeldIs( isI2EClassIdSupported ? localBiasWithI2EClassId( groups )
-                                                           : localBiasWithEgressMask( groups ) );
+   evpnMultihomingLocalBiasSmHeldIs( ( this->*variant.create )( groups ) );
 }
 
-Quelm::Ptr< EvpnMultihomingLocalBiasSm > VornalEvpnMounter::localBiasWithI2EClassId(
+// The machine is of the first variant whose capability the chip has. The last serves every chip.
+VornalEvpnMounter::Variant const VornalEvpnMounter::variants[] = {
+   { &VornalCentral::VxlanCapabilities::i2eClassIdSupported,
+     &VornalEvpnMounter::localBiasWithI2EClassId },
+   { nullptr, &VornalEvpnMounter::localBiasWithEgressMask },
+};
+
+VornalEvpnMounter::Variant const & VornalEvpnMounter::variantFor(
+   VornalCentral::VxlanCapabilities const & capabilities ) {
+   return *std::find_if( std::begin( variants ), std::end( variants ),
+                         [ & ]( auto const & variant ) {
+                            return !variant.capability || ( capabilities.*variant.capability )();
+                         } );
+}
+
+VornalEvpnMounter::Machine VornalEvpnMounter::localBiasWithI2EClassId(
    TcamGroups const & groups ) const {
    auto const egress = entryManagerFor( kEfpLocalBiasGroup, groups );
    auto const clock = Kiv::activityManager()->clock();
@@ -106,7 +124,7 @@ Quelm::Ptr< EvpnMultihomingLocalBiasSm > VornalEvpnMounter::localBiasWithI2EClas
       lagConfig(), lagPhyIntfMapping(), egress, i2eClassIdIndexConfig(), i2eClassIdIndexStatus() );
 }
 
-Quelm::Ptr< EvpnMultihomingLocalBiasSm > VornalEvpnMounter::localBiasWithEgressMask(
+VornalEvpnMounter::Machine VornalEvpnMounter::localBiasWithEgressMask(
    TcamGroups const & groups ) const {
    auto const clock = Kiv::activityManager()->clock();
    auto const ingress = entryManagerFor( kIfpLocalBiasGroup, groups );

@@ -1,21 +1,21 @@
 // The plug-in's mounter: the single object through which the Vornal agent meets the EVPN plug-in.
 //
-// It asks the state database for what the local-bias logic reads and writes, takes the entities
+// It asks the state database for the inputs and outputs of the local-bias logic, takes the entities
 // when they are mounted, waits for the agent's layer 2 (EvpnDependencyWaiter), and then builds the
 // working objects in finishInit(): the LAG member mapping and the shared-segment directory with the
 // objects that derive them, the TCAM entry managers, the clock, and exactly one local-bias state
 // machine, of the variant that the chip supports. It holds them until it is destroyed.
 //
-// The variant is chosen once, by the capability `i2eClassIdSupported`. The capabilities must be
-// there when finishInit() runs: a plug-in that guessed the variant would program rules that the
-// chip ignores, so their absence stops the process. Everything else that is missing or of another
-// type is left empty and reported nowhere; whoever is given an empty reference treats it as an
-// empty input.
+// The variant is chosen once, by the capabilities of the chip: the table of the variants stands in
+// VornalEvpnMounter.cpp. The capabilities must be there when finishInit() runs. A plug-in that
+// guessed the variant would program rules that the chip ignores, so their absence stops the
+// process. Every other entity that is missing or of another type is left empty and reported
+// nowhere; an empty reference reads as an empty input.
 //
-// The creators (xIs) keep the object they hold when it was built from the same arguments, and
-// otherwise build a new one, which replaces it, and switch its notifications on. The removers
-// (xDel) switch the object's notifications off, let go of it and return it; that of the LAG
-// mapping, which reacts to nothing, only lets go.
+// A creator (xIs) keeps the object that it holds when that was built from the same arguments.
+// Otherwise it builds a new one, which replaces the held one, and switches its notifications on. A
+// remover (xDel) switches the object's notifications off, lets go of it and returns it. The LAG
+// mapping has no notifications to switch off.
 //
 // Destroying the mounter takes the working objects apart in a fixed order and deletes no TCAM rule.
 // Threads: the activity's.
@@ -58,10 +58,10 @@ class VornalEvpnMounter : public VornalLib::MounterBase {
    explicit VornalEvpnMounter( std::string const & name );
    ~VornalEvpnMounter() override;
 
-   // Mounts what the plug-in reads and writes.
+   // Mounts the entities that the plug-in reads and writes.
    void doInit() override;
-   // Takes the mounted entities and starts to wait. The status is not looked at: what could not be
-   // mounted is simply missing.
+   // Takes the mounted entities and starts to wait, whatever the status: an entity that could not
+   // be mounted is missing.
    void doMountsComplete( Corrum::MountStatus status,
                           Quelm::Ptr< Corrum::EntityManager > entityManager ) override;
 
@@ -92,10 +92,18 @@ class VornalEvpnMounter : public VornalLib::MounterBase {
    Quelm::Ptr< T > ownedDel( Kiv::AttributeId attribute, Quelm::Ptr< T > & held );
 
    using TcamGroups = Quelm::Ptr< VornalTcamGroupManager >;
-   Quelm::Ptr< EvpnMultihomingLocalBiasSm > localBiasWithI2EClassId(
-      TcamGroups const & groups ) const;
-   Quelm::Ptr< EvpnMultihomingLocalBiasSm > localBiasWithEgressMask(
-      TcamGroups const & groups ) const;
+   using Machine = Quelm::Ptr< EvpnMultihomingLocalBiasSm >;
+
+   // A variant of the state machine: the capability that it needs of the chip, and its creator.
+   struct Variant {
+      bool ( VornalCentral::VxlanCapabilities::*capability )() const;  // nullptr: none
+      Machine ( VornalEvpnMounter::*create )( TcamGroups const & groups ) const;
+   };
+   static Variant const variants[];
+
+   static Variant const & variantFor( VornalCentral::VxlanCapabilities const & capabilities );
+   Machine localBiasWithI2EClassId( TcamGroups const & groups ) const;
+   Machine localBiasWithEgressMask( TcamGroups const & groups ) const;
 };
 
 }  // namespace Vornal

@@ -3,27 +3,28 @@
 // A remote VTEP that is attached to one of this switch's Ethernet segments delivers broadcast,
 // unknown unicast and multicast frames to that segment itself (local bias, RFC 8365,
 // section 8.3.1). Copies of such frames that reach this switch through the tunnel must not leave by
-// the shared segment's ports once more. This machine programs, per unit and such VTEP, the ingress
-// entry that recognises frames from the VTEP; what is done about them is the variant's business:
+// the shared segment's ports once more. This machine programs an ingress entry for each such VTEP
+// on each unit. The entry recognises frames from the VTEP, and the variant adds the action:
 //
 // - EvpnMultihomingLocalBiasWithEgressMaskSm (EgressMask/): the entry masks the shared ports;
 // - EvpnMultihomingLocalBiasWithI2EClassIdSm (I2EClassId/): the entry tags the frame, and an egress
-//   entry on each shared port drops what is tagged.
+//   entry on each shared port drops tagged frames.
 //
-// Each subject has its file: Lifecycle, SegmentTracking, PortResolution, IngressRules,
+// Each subject has its file: Lifecycle, SegmentTracking, UnitRecords, PortResolution, IngressRules,
 // UnicastExemption, PerVniMulticast, Verification. NestedSms.h holds the reactors on single members
-// of the inputs. The records of what is programmed are in TepIpToEntry.h.
+// of the inputs, TepIpToEntry.h the records of the programmed rules. The table of the inputs, and
+// of the handlers that their changes call, ends the class.
 //
-// What holds. A missing input reads as empty. Nothing is programmed before handleInitialized(). A
+// Invariants. A missing input reads as empty. Nothing is programmed before handleInitialized(). A
 // rule and its record change in the same step. Loops over units walk the module-id table in its own
 // order. The destructor takes the reactors out of service and leaves every rule in the hardware, so
 // that traffic stays filtered while the agent restarts.
 //
 // Failures. A broken invariant, a failed SDK call and a failed install stop the process: after them
-// nobody knows what the chip does. (The install of a per-VNI rule is the exception: its result is
-// not looked at.) A full TCAM is no failure: it is traced. The first entry without room is logged;
-// with class ids, once per episode. Only the rules for VNIs are retried when room is
-// reported. A state that cannot be acted on yet is traced at level 2 and waited out.
+// nobody knows the state of the chip. (The result of installing a per-VNI rule alone is ignored.) A
+// full TCAM is no failure: it is traced. The first entry without room is logged; with class ids,
+// once per episode. Only the rules for VNIs are retried when room is reported. A state that cannot
+// be acted on yet is traced at level 2 and waited out.
 //
 // Threads: the activity's. The activity lock is given up during each field call; handlers may
 // otherwise rely on a state database that stands still.
@@ -49,6 +50,7 @@ namespace Vornal {
 
 class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
  public:
+   class NestedSm;
    class NestedSm_OxaEvpnTepSegment;
    class NestedSm_VtiStatus;
    class NestedSm_LagPhyIntfConfig;
@@ -148,9 +150,9 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
  protected:
    using UnitIterator = VornalCommonSmData::vornalModIdIterator;
 
-   // The ports that verification expects of a VTEP on a unit, counted from its segment interfaces.
-   // A physical interface counts on every unit; only members of port channels are told apart by
-   // unit.
+   // The number of ports that verification expects of a VTEP on a unit, counted from its segment
+   // interfaces. A physical interface counts on every unit, a member of a port channel on its own
+   // unit only.
    U32 expectedPortCount( U32 unit, Pelk::IpGenAddr const & tepIp ) const;
 
  private:
@@ -179,14 +181,46 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
                             VornalTypes::VornalPortList & prevPortList ) const;
 
    std::unique_ptr< KivClock > kivClock_;
-   Kiv::Watch< VornalCommonSmData > vcsdDispatch_;
-   Kiv::Watch< Oxa::EvpnTepSegmentDir > oxaEvpnTepSegmentDirDispatch_;
-   Kiv::Watch< VornalCentral::VpIndexStatus > vpIndexStatusDispatch_;
-   Kiv::Watch< Evpn::EvpnStatus > evpnStatusDispatch_;
-   Kiv::Watch< Vxlan::VtiStatusDir > vtiStatusDirDispatch_;
-   Kiv::Watch< VornalUnboundedTcamEntryManager > tcamManagerDispatch_;
-   Kiv::Watch< Lag::LagPhyIntfMapping > lagPhyIntfMappingDispatch_;
+
+   // --- Inputs, the attribute of each that counts, and its handler
+   Kiv::Watch< VornalCommonSmData > vcsdDispatch_{
+      vcsd(), Kiv::onKey( VornalCommonSmData::vornalIntfToPortAttr(), this,
+                          &KivSelf::handleVornalIntfToPort )
+   };
+   Kiv::Watch< Oxa::EvpnTepSegmentDir > oxaEvpnTepSegmentDirDispatch_{
+      oxaEvpnTepSegmentDir(),
+      Kiv::onKey( Oxa::EvpnTepSegmentDir::tepSegmentAttr(), this, &KivSelf::handleTepSegmentChange )
+   };
+   Kiv::Watch< VornalCentral::VpIndexStatus > vpIndexStatusDispatch_{
+      vpIndexStatus(), Kiv::onKey( VornalCentral::VpIndexStatus::remoteVportAttr(), this,
+                                   &KivSelf::handleRemoteVport )
+   };
+   Kiv::Watch< Evpn::EvpnStatus > evpnStatusDispatch_{
+      evpnStatus(),
+      Kiv::onAttribute( Evpn::EvpnStatus::segmentStatusAttr(), this, &KivSelf::handleSegmentStatus )
+   };
+   Kiv::Watch< Vxlan::VtiStatusDir > vtiStatusDirDispatch_{
+      vtiStatusDir(),
+      Kiv::onKey( Vxlan::VtiStatusDir::vtiStatusAttr(), this, &KivSelf::handleVtiStatusChange )
+   };
+   Kiv::Watch< VornalUnboundedTcamEntryManager > tcamManagerDispatch_{
+      tcamManager(),
+      Kiv::inService( this, Kiv::onAttribute( VornalTcamEntryManager::exhaustedAttr(), this,
+                                              &KivSelf::handleTcamExhaustion ) )
+   };
+   Kiv::Watch< Lag::LagPhyIntfMapping > lagPhyIntfMappingDispatch_{
+      lagPhyIntfMapping(), Kiv::onKey( Lag::LagPhyIntfMapping::lagPhyIntfConfigAttr(), this,
+                                       &KivSelf::handleLagPhyIntfConfigChange )
+   };
 };
+
+// Builds a machine of a variant from its constructor's arguments and switches its notifications on.
+template< typename Machine, typename... Inputs >
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > activeMachineNew( Inputs const &... inputs ) {
+   auto const machine = Quelm::make< Machine >( inputs... );
+   machine->hasNotificationActiveIs( true );
+   return machine;
+}
 
 }  // namespace Vornal
 

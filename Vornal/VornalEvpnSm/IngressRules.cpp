@@ -1,14 +1,12 @@
-// The ingress entry of each remote VTEP, what happens when the TCAM is full, and the retry.
+// The ingress entry of each remote VTEP, and the log message of a full TCAM.
 //
 // The entry matches frames by the VTEP's VXLAN source port. It is obtained and qualified here; the
-// variant that called adds its action and installs it. An entry that could not be obtained leaves
-// nothing recorded and is asked for again only when the VTEP is; what is queued and retried are the
-// per-VNI rules (PerVniMulticast.cpp).
+// calling variant adds its action and installs it. An entry that could not be obtained leaves
+// nothing recorded. It is not retried: the next attempt comes with the VTEP's next change.
 //
 // The full message is logged on the first failure. Recovery is noticed, and logged, by the class-id
 // variant alone; in the other one the full message appears once in the machine's life.
 
-#include <Kiv/Activity.h>
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
@@ -88,7 +86,7 @@ bool EvpnMultihomingLocalBiasSm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr co
    return ifpTcamEntries( unit, tepIp, false );
 }
 
-// What a variant does not need, succeeds.
+// An operation that a variant does not need succeeds.
 
 bool EvpnMultihomingLocalBiasSm::efpTcamEntries( U32, Pelk::IpGenAddr const &,
                                                  VornalTypes::VornalPortList const &, bool ) {
@@ -109,37 +107,5 @@ bool EvpnMultihomingLocalBiasSm::updateEfpTcamEntries( U32, Pelk::IpGenAddr cons
 
 void EvpnMultihomingLocalBiasSm::updateTcamEntries( U32, Pelk::IpGenAddr const &,
                                                     Pelk::IntfId const &, bool ) {}
-
-void EvpnMultihomingLocalBiasSm::handleTcamExhaustion() {
-   if ( !initialized() ) {
-      TRACE( smTrace, 2, "handleTcamExhaustion, SM not initialized yet" );
-      return;
-   }
-   TRACE( smTrace, 5, "handleTcamExhaustion" );
-   for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
-      if ( !tcamManager() || !tcamManager()->exhausted( iter.key() ) ) {
-         kivClock().timeMinIs( Kiv::System::currentTime() );
-         return;
-      }
-   }
-}
-
-void EvpnMultihomingLocalBiasSm::handleTime() {
-   TRACE( smTrace, 8, "void Vornal::EvpnMultihomingLocalBiasSm::handleTime()" );
-   if ( !initialized() ) {
-      TRACE( smTrace, 2, "handleTime, SM not initialized yet" );
-      return;
-   }
-   for ( auto rule = unprogrammedTcamRulesListIter(); rule; ++rule ) {
-      L3::VrfName const vrfName = rule.key();
-      U32 const newVni = rule.value();
-      for ( auto sm = vtiStatusIter(); sm; ++sm ) {
-         TRACE( smTrace, 5,
-                "handleTime vrfName: " << vrfName.stringValue() << " newVni: " << newVni );
-         unprogrammedTcamRulesListDel( vrfName );
-         sm.value()->handleVrfToVniMap( vrfName, 0, newVni );
-      }
-   }
-}
 
 }  // namespace Vornal

@@ -6,6 +6,7 @@
 #include <VornalEvpnSm/Module.h>
 
 KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm )
+KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm )
 KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment )
 KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus )
 KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig )
@@ -32,55 +33,7 @@ EvpnMultihomingLocalBiasSm::EvpnMultihomingLocalBiasSm(
         clock_( clock ),
         lagConfigDir_( lagConfigDir ),
         lagPhyIntfMapping_( lagPhyIntfMapping ),
-        kivClock_( std::make_unique< KivClock >( clock, this ) ),
-        vcsdDispatch_( vcsd,
-                       [ this ]( Kiv::Change const & change ) {
-                          if ( change.attribute() == VornalCommonSmData::vornalIntfToPortAttr() ) {
-                             handleVornalIntfToPort( change.key< Pelk::IntfId >() );
-                          }
-                       } ),
-        oxaEvpnTepSegmentDirDispatch_( oxaEvpnTepSegmentDir,
-                                       [ this ]( Kiv::Change const & change ) {
-                                          if ( change.attribute() ==
-                                               Oxa::EvpnTepSegmentDir::tepSegmentAttr() ) {
-                                             handleTepSegmentChange(
-                                                change.key< Pelk::IpGenAddr >() );
-                                          }
-                                       } ),
-        vpIndexStatusDispatch_( vpIndexStatus,
-                                [ this ]( Kiv::Change const & change ) {
-                                   if ( change.attribute() ==
-                                        VornalCentral::VpIndexStatus::remoteVportAttr() ) {
-                                      handleRemoteVport(
-                                         change.key< VornalCentral::RemoteVtepKey >() );
-                                   }
-                                } ),
-        evpnStatusDispatch_( evpnStatus,
-                             [ this ]( Kiv::Change const & change ) {
-                                if ( change.attribute() == Evpn::EvpnStatus::segmentStatusAttr() ) {
-                                   handleSegmentStatus();
-                                }
-                             } ),
-        vtiStatusDirDispatch_( vtiStatusDir,
-                               [ this ]( Kiv::Change const & change ) {
-                                  if ( change.attribute() ==
-                                       Vxlan::VtiStatusDir::vtiStatusAttr() ) {
-                                     handleVtiStatusChange( change.key< Pelk::IntfId >() );
-                                  }
-                               } ),
-        tcamManagerDispatch_( tcamManager,
-                              [ this ]( Kiv::Change const & change ) {
-                                 if ( change.attribute() ==
-                                         VornalTcamEntryManager::exhaustedAttr() &&
-                                      !isZombie() ) {
-                                    handleTcamExhaustion();
-                                 }
-                              } ),
-        lagPhyIntfMappingDispatch_( lagPhyIntfMapping, [ this ]( Kiv::Change const & change ) {
-           if ( change.attribute() == Lag::LagPhyIntfMapping::lagPhyIntfConfigAttr() ) {
-              handleLagPhyIntfConfigChange( change.key< Pelk::IntfId >() );
-           }
-        } ) {
+        kivClock_( std::make_unique< KivClock >( clock, this ) ) {
    handleSegmentStatus();
    for ( auto iter = orEmpty( oxaEvpnTepSegmentDir ).tepSegmentIter(); iter; ++iter ) {
       oxaEvpnTepSegmentIs( iter.value() );
@@ -93,8 +46,8 @@ EvpnMultihomingLocalBiasSm::EvpnMultihomingLocalBiasSm(
    }
 }
 
-// The variants' destructors have switched off what they added. Somebody may hold a nested reactor
-// longer than the machine lives: it hears nothing any more. No rule is deleted.
+// The variants' destructors have switched off their own reactors. A nested reactor that outlives
+// the machine hears nothing any more. No rule is deleted.
 EvpnMultihomingLocalBiasSm::~EvpnMultihomingLocalBiasSm() {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( false );
    EvpnMultihomingLocalBiasSm::kivDoZombieReactors( true );

@@ -2,8 +2,10 @@
 //
 // Per VNI that a VRF is mapped to on the tunnel interface, and per unit, one action-less entry
 // matches that VNI's known L3 multicast, at a priority above the VTEPs' entries. Entries follow the
-// map while this switch has Ethernet segments and the toggle "SbdEvpnTcamOverrideRule" is on. An
-// entry that could not be obtained is queued by VRF, and retried by handleTime().
+// map while this switch has Ethernet segments and the toggle "SbdEvpnTcamOverrideRule" is on.
+//
+// A VRF without an entry for want of room is queued. When the entry manager reports room on any
+// unit, handleTcamExhaustion() arms the clock, and handleTime() tries the queued VRFs again.
 //
 // The record of installed entries is keyed by VNI alone. It therefore serves switches with one
 // unit: on the second unit, releasing finds nothing left to release, and installing fails its
@@ -14,6 +16,7 @@
 #include <utility>
 
 #include <FeatureToggle/FeatureToggle.h>
+#include <Kiv/Activity.h>
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
 #include <VornalCentral/Capabilities.h>
@@ -23,7 +26,6 @@
 namespace Vornal {
 
 using Kiv::orEmpty;
-using VtiSm = EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus;
 
 namespace {
 
@@ -42,40 +44,43 @@ Pelk::IntfId tunnelIntf() {
 
 }  // namespace
 
-VtiSm::NestedSm_VtiStatus( Notifier const & status, EvpnMultihomingLocalBiasSm * machine )
-      : NestedReactor( status ) {
-   evpnMultihomingLocalBiasSm_ = machine;
-}
+EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::NestedSm_VtiStatus(
+   Notifier const & status, EvpnMultihomingLocalBiasSm * machine )
+      : NestedReactor( status,
+                       Kiv::onChange( Vxlan::VtiStatus::vrfToVniMapAttr(), this,
+                                      &NestedSm_VtiStatus::onAttribute ),
+                       machine ) {}
 
-void VtiSm::onAttribute( Kiv::Change const & change ) {
-   if ( change.attribute() == Vxlan::VtiStatus::vrfToVniMapAttr() && hasNotificationActive() ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::onAttribute( Kiv::Change const & change ) {
+   if ( hasNotificationActive() ) {
       Kiv::Change const * const outer = std::exchange( change_, &change );
       handleVrfToVniMapReactor( change.key< L3::VrfName >() );
       change_ = outer;
    }
 }
 
-void VtiSm::handleVrfToVniMapReactor( L3::VrfName vrf ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMapReactor( L3::VrfName vrf ) {
    auto const * const oldVni = change_->oldValue< Vxlan::VniExtOrNone >();
    auto const * const newVni = change_->newValue< Vxlan::VniExtOrNone >();
    handleVrfToVniMap( std::move( vrf ), oldVni ? oldVni->value() : 0,
                       newVni ? newVni->value() : 0 );
 }
 
-void VtiSm::handleVrfToVniMap() {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap() {
    for ( auto iter = notifier()->vrfToVniMapIter(); iter; ++iter ) {
       handleVrfToVniMap( iter.key(), 0, iter.value().value() );
    }
 }
 
-void VtiSm::handleVrfToVniUnmap() {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniUnmap() {
    for ( auto iter = notifier()->vrfToVniMapIter(); iter; ++iter ) {
       handleVrfToVniMap( iter.key(), iter.value().value(), 0 );
    }
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): part of the signature (NestedSms.h)
-void VtiSm::handleVrfToVniMap( L3::VrfName vrf, U32 oldVni, U32 newV ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap( L3::VrfName vrf, U32 oldVni,
+                                                                        U32 newV ) {
    TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
    if ( !toggleSbdEvpnTcamOverrideRuleEnabled() || !machine().initialized() ) {
       TRACE( smTrace, 2, "handleVrfToVniMap, SM not initialized yet" );
@@ -120,8 +125,8 @@ void VtiSm::handleVrfToVniMap( L3::VrfName vrf, U32 oldVni, U32 newV ) {
    }
 }
 
-// An entry for the VNI, or 0 with the VRF queued.
-U32 VtiSm::vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni ) {
+U32 EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::vniEntryNew( U16 unit, L3::VrfName const & vrf,
+                                                                 U32 vni ) {
    std::string const name = Quelm::formatted( kVniEntryName, { std::to_string( vni ) } );
    U32 const entryId = machine().tcamManager()->getEntry( unit, name, VornalTcam::RequestKey() );
    if ( entryId != 0 ) {
@@ -135,7 +140,7 @@ U32 VtiSm::vniEntryNew( U16 unit, L3::VrfName const & vrf, U32 vni ) {
    return 0;
 }
 
-void VtiSm::doCleanup() {
+void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::doCleanup() {
    TRACE( smTrace, 8, kCleanupSignature << ": Cleanup" );
    if ( intfId() != tunnelIntf() ) {
       TRACE( smTrace, 8, kCleanupSignature << ": Ignoring VTI interface" << intfId().shortName() );
@@ -153,10 +158,42 @@ void VtiSm::doCleanup() {
    }
 }
 
-bool VtiSm::toggleSbdEvpnTcamOverrideRuleEnabled() {
+bool EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::toggleSbdEvpnTcamOverrideRuleEnabled() {
    static bool const isEnabled =
       FeatureToggle::isEnabled( "SbdEvpnTcamOverrideRule", "VornalL3.json", true );
    return isEnabled;
+}
+
+void EvpnMultihomingLocalBiasSm::handleTcamExhaustion() {
+   if ( !initialized() ) {
+      TRACE( smTrace, 2, "handleTcamExhaustion, SM not initialized yet" );
+      return;
+   }
+   TRACE( smTrace, 5, "handleTcamExhaustion" );
+   for ( auto iter = orEmpty( vcsd() ).vornalModIdIter(); iter; ++iter ) {
+      if ( !tcamManager() || !tcamManager()->exhausted( iter.key() ) ) {
+         kivClock().timeMinIs( Kiv::System::currentTime() );
+         return;
+      }
+   }
+}
+
+void EvpnMultihomingLocalBiasSm::handleTime() {
+   TRACE( smTrace, 8, "void Vornal::EvpnMultihomingLocalBiasSm::handleTime()" );
+   if ( !initialized() ) {
+      TRACE( smTrace, 2, "handleTime, SM not initialized yet" );
+      return;
+   }
+   for ( auto rule = unprogrammedTcamRulesListIter(); rule; ++rule ) {
+      L3::VrfName const vrfName = rule.key();
+      U32 const newVni = rule.value();
+      for ( auto sm = vtiStatusIter(); sm; ++sm ) {
+         TRACE( smTrace, 5,
+                "handleTime vrfName: " << vrfName.stringValue() << " newVni: " << newVni );
+         unprogrammedTcamRulesListDel( vrfName );
+         sm.value()->handleVrfToVniMap( vrfName, 0, newVni );
+      }
+   }
 }
 
 }  // namespace Vornal

@@ -128,29 +128,6 @@ void EvpnMultihomingLocalBiasSm::portListsOfPhyIntf( Pelk::IntfId const & intfId
    }
 }
 
-bool EvpnMultihomingLocalBiasSm::unitUsesTcamsForTepIp( U32 unit,
-                                                        Pelk::IpGenAddr const & tepIp ) const {
-   TRACE( smTrace, 5, "unitUsesTcamsForTepIp unit: " << unit << " tepIp: " << tepIp );
-   auto const unitTepIpToEntry = tepIpToEntry( unit );
-   if ( !unitTepIpToEntry ) {
-      return false;
-   }
-   bool const ifpTcamsUsed = unitTepIpToEntry->entryIdHas( tepIp );
-   TRACE( smTrace, 4, "unitUsesTcamsForTepIp ifpTcamsUsed: " << ifpTcamsUsed );
-   return ifpTcamsUsed;
-}
-
-bool EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( U32 unit ) {
-   TRACE( smTrace, 5, "unitUsesOrNeedsTcams unit: " << unit );
-   auto const unitTepIpToEntry = tepIpToEntry( unit );
-   if ( !unitTepIpToEntry ) {
-      return false;
-   }
-   bool const ifpTcamsUsed = unitTepIpToEntry->entryIds() != 0;
-   TRACE( smTrace, 4, "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed );
-   return ifpTcamsUsed;
-}
-
 void EvpnMultihomingLocalBiasSm::handleVornalIntfToPort( Pelk::IntfId const & intfId ) {
    TRACE( smTrace, 5, "handleVornalIntfToPort, intfId: " << intfId );
    if ( !initialized() ) {
@@ -175,20 +152,15 @@ void EvpnMultihomingLocalBiasSm::handleVornalIntfToPort( Pelk::IntfId const & in
    }
 }
 
-using LagSm = EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig;
+EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig::NestedSm_LagPhyIntfConfig(
+   Notifier const & config, EvpnMultihomingLocalBiasSm * machine )
+      : NestedReactor( config,
+                       Kiv::onKey( Lag::LagPhyIntfConfig::phyIntfAttr(), this,
+                                   &NestedSm_LagPhyIntfConfig::handleLagMember ),
+                       machine ) {}
 
-LagSm::NestedSm_LagPhyIntfConfig( Notifier const & config, EvpnMultihomingLocalBiasSm * machine )
-      : NestedReactor( config ) {
-   evpnMultihomingLocalBiasSm_ = machine;
-}
-
-void LagSm::onAttribute( Kiv::Change const & change ) {
-   if ( change.attribute() == Lag::LagPhyIntfConfig::phyIntfAttr() ) {
-      handleLagMember( change.key< Pelk::IntfId >() );
-   }
-}
-
-void LagSm::handleLagMember( Pelk::IntfId const & memberIntf ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_LagPhyIntfConfig::handleLagMember(
+   Pelk::IntfId const & memberIntf ) {
    if ( !machine().initialized() ) {
       TRACE_RING( smTrace, 2, "handleLagMember, SM not initialized yet" );
       return;

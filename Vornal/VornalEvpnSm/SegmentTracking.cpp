@@ -1,9 +1,8 @@
 // Which remote VTEPs need rules: the VTEPs that share a segment with this switch and have a virtual
 // port.
 //
-// A unit's first rule brings its record and, before that, its unicast exemption rules; its last
-// rule takes the record along, and after that the exemption rules. A VP index is part of what an
-// entry matches, so a changed index always means: delete the old entry, then add a new one.
+// An entry matches by the VP index, so a changed index always means: delete the old entry, then add
+// a new one.
 
 #include <Kiv/OrEmpty.h>
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
@@ -87,23 +86,6 @@ U16 EvpnMultihomingLocalBiasSm::vpIndexOf( RemoteVtepKey const & rvk ) const {
    return static_cast< U16 >( orEmpty( vpIndexStatus() ).remoteVport( rvk ) & 0xffff );
 }
 
-void EvpnMultihomingLocalBiasSm::ensureUnitRecord( U16 unit ) {
-   if ( !tepIpToEntryHas( unit ) ) {
-      installRulesForUcastTraffic( unit );
-      tepIpToEntryIs( unit );
-   }
-}
-
-void EvpnMultihomingLocalBiasSm::forgetVpIndex( U16 unit, Pelk::IpGenAddr const & tepIp ) {
-   if ( auto const record = tepIpToEntry( unit ) ) {
-      record->vpIndexDel( tepIp );
-   }
-   if ( !unitUsesOrNeedsTcams( unit ) ) {
-      tepIpToEntryDel( unit );
-      removeRulesForUcastTraffic( unit );
-   }
-}
-
 void EvpnMultihomingLocalBiasSm::handleSegmentStatus() {
    TRACE( smTrace, 8, "void Vornal::EvpnMultihomingLocalBiasSm::handleSegmentStatus()" );
    bool const hasSegments = orEmpty( evpnStatus() ).segmentStatuses() != 0;
@@ -123,21 +105,15 @@ void EvpnMultihomingLocalBiasSm::handleSegmentStatus() {
    }
 }
 
-using SegmentSm = EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment;
+EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment::NestedSm_OxaEvpnTepSegment(
+   Notifier const & segment, EvpnMultihomingLocalBiasSm * machine )
+      : NestedReactor( segment,
+                       Kiv::onKey( Oxa::EvpnTepSegment::segmentSetAttr(), this,
+                                   &NestedSm_OxaEvpnTepSegment::handleSegmentSet ),
+                       machine ) {}
 
-SegmentSm::NestedSm_OxaEvpnTepSegment( Notifier const & segment,
-                                       EvpnMultihomingLocalBiasSm * machine )
-      : NestedReactor( segment ) {
-   evpnMultihomingLocalBiasSm_ = machine;
-}
-
-void SegmentSm::onAttribute( Kiv::Change const & change ) {
-   if ( change.attribute() == Oxa::EvpnTepSegment::segmentSetAttr() ) {
-      handleSegmentSet( change.key< Pelk::IntfId >() );
-   }
-}
-
-void SegmentSm::handleSegmentSet( Pelk::IntfId const & intfId ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment::handleSegmentSet(
+   Pelk::IntfId const & intfId ) {
    TRACE_RING( smTrace, 5, "handleSegmentSet, intfId : " << intfId );
    if ( !orEmpty( machine().vpIndexStatus() ).remoteVportHas( getRemoteVtepKeyForIp( tepIp() ) ) ) {
       TRACE_RING( smTrace, 2, "handleSegmentSet, no VP assigned to remote VTEP " );
@@ -148,7 +124,8 @@ void SegmentSm::handleSegmentSet( Pelk::IntfId const & intfId ) {
    }
 }
 
-void SegmentSm::handleSegmentSetOnUnit( U16 unit, Pelk::IntfId const & intfId ) {
+void EvpnMultihomingLocalBiasSm::NestedSm_OxaEvpnTepSegment::handleSegmentSetOnUnit(
+   U16 unit, Pelk::IntfId const & intfId ) {
    if ( !machine().unitUsesTcamsForTepIp( unit, tepIp() ) ) {
       TRACE( smTrace, 2,
              "handleSegmentSet, not processing updates with respect to "

@@ -1,4 +1,4 @@
-// Nested reactors: one small reactor for each member of a collection that somebody else publishes.
+// Nested reactors: one small reactor for each member of a published collection.
 //
 // A reactor that watches a collection often has to watch every member as well. It then keeps a
 // collection of nested reactors of its own, keyed like the watched one: a nested reactor enters
@@ -7,14 +7,17 @@
 // its notifications off and, after that, gives it a last word in retired().
 //
 // The owner dropping its collection (in its destructor) is not retiring: there is no last word. The
-// reactors are put out of service, switched off and forget the owner, so that one that somebody
-// else still refers to is silent, also when the owner's own notifications were off.
+// reactors are put out of service, switched off and forget the owner. A reactor to which somebody
+// else still refers is therefore silent, also when the owner's own notifications were off.
+//
+// A class of nested reactors says ownerDel(): it forgets the back reference to its owner.
 //
 // Failures: to nest an empty reference throws Quelm::NullArgumentError and changes nothing. Cost:
 // one look-up and one subscription a member. Threads: the activity's.
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include <Kiv/Entity.h>
 #include <Quelm/Error.h>
@@ -22,8 +25,9 @@
 
 namespace Kiv {
 
-// A nested reactor on a T, which has a key of its own.
-template< typename T > class NestedReactor : public Entity {
+// A nested reactor on a T, which has a key of its own. `Base` is an entity: what the reactors of
+// one owner share.
+template< typename T, typename Base = Entity > class NestedReactor : public Base {
  public:
    using Notifier = Quelm::Ptr< T const >;
 
@@ -37,24 +41,23 @@ template< typename T > class NestedReactor : public Entity {
    std::string identity() const override { return Quelm::textOf( kivKey() ); }
 
    void hasNotificationActiveIs( bool active ) override {
-      Entity::hasNotificationActiveIs( active );
+      Base::hasNotificationActiveIs( active );
       watch_.hasNotificationActiveIs( active );
    }
 
-   // The reactor has been taken out of its collection because what it watched has gone.
+   // The reactor has been taken out of its collection because the watched entity has gone.
    virtual void retired() {}
-   // Forgets the back reference: the reactor has been retired, or its owner is going.
-   virtual void ownerDel() {}
 
  protected:
-   explicit NestedReactor( Notifier const & notifier )
-         : notifier_( notifier ), watch_( notifier, [ this ]( Change const & change ) {
+   // The handler is called for every change of the watched entity.
+   template< typename... BaseInputs >
+   NestedReactor( Notifier const & notifier, ChangeHandler handler, BaseInputs const &... inputs )
+         : Base( inputs... ),
+           notifier_( notifier ),
+           watch_( notifier, [ this, handler = std::move( handler ) ]( Change const & change ) {
               Quelm::Ptr< NestedReactor > const alive( this );  // the handler may retire it
-              onAttribute( change );
+              handler( change );
            } ) {}
-
-   // The watched entity has changed.
-   virtual void onAttribute( Change const & change ) = 0;
 
  private:
    Notifier notifier_;

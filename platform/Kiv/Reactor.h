@@ -4,20 +4,26 @@
 // subscribed to it while its notifications are active. When the entity changes, every subscribed
 // reactor is called at once, on the thread that made the change, in the order of subscription.
 //
-// What holds:
+// Invariants:
 // - A reactor is called at most once per change, and never after it has unsubscribed or died.
 // - Subscribing, unsubscribing, re-pointing and destroying any reactor from inside a handler is
 //   safe, also of the one that is running. A reactor that subscribes during a delivery is not
 //   called for the change being delivered.
 // - A reactor keeps its notifier alive while it watches it.
 // - Being out of service ("zombie") is a mark on the reactor. It does not unsubscribe; each
-//   handler decides what it still does.
+//   handler takes account of it by itself.
 //
 // Failures: an exception that leaves a handler stops the process, with its text on standard error:
-// nobody can tell how much of the change has been acted on. Publishing itself cannot fail.
+// the change has been acted on in part. Publishing itself cannot fail.
 //
 // Cost: one call per subscriber; nothing is allocated. Unsubscribing costs one pass over the
 // subscribers of that entity, of which there are few.
+//
+// An object that watches its inputs reads as a table. Each Watch is a row: the input, the attribute
+// that counts, the handler.
+//
+//    Kiv::Watch< Lag::Config > watch_{
+//       lagConfig(), Kiv::onKey( Lag::Config::phyIntfAttr(), this, &KivSelf::handlePhyIntf ) };
 //
 // Threads: changes are made by holders of the activity lock only (Activity.h).
 #pragma once
@@ -40,7 +46,7 @@ class Publisher {
    Publisher & operator=( Publisher const & ) = delete;
    ~Publisher();
 
-   // Whether a change has anybody to be delivered to.
+   // Whether a change is delivered to any subscriber.
    bool hasSubscribers() const { return first_ != nullptr && !isSilent_; }
    std::size_t subscribers() const;
 
@@ -62,7 +68,7 @@ class Publisher {
    bool isSilent_ = false;
 };
 
-// One subscriber. Derived classes say what they do in onAttribute().
+// One subscriber. Derived classes act in onAttribute().
 class Reactor {
  public:
    Reactor() = default;
@@ -97,27 +103,75 @@ class Reactor {
    bool isZombie_ = false;
 };
 
+using ChangeHandler = std::function< void( Change const & ) >;
+
+// Calls the handler when this attribute has changed.
+template< typename Object, typename Class >
+ChangeHandler onAttribute( AttributeId attribute, Object * object, void ( Class::*handler )() ) {
+   return [ = ]( Change const & change ) {
+      if ( change.attribute() == attribute ) {
+         ( object->*handler )();
+      }
+   };
+}
+
+// The same for an attribute with keys: the handler is given the key.
+template< typename Object, typename Class, typename Key >
+ChangeHandler onKey( AttributeId attribute, Object * object,
+                     void ( Class::*handler )( Key const & ) ) {
+   return [ = ]( Change const & change ) {
+      if ( change.attribute() == attribute ) {
+         ( object->*handler )( change.key< Key >() );
+      }
+   };
+}
+
+// The same for a handler that looks at the old or the new value: it is given the change.
+template< typename Object, typename Class >
+ChangeHandler onChange( AttributeId attribute, Object * object,
+                        void ( Class::*handler )( Change const & ) ) {
+   return [ = ]( Change const & change ) {
+      if ( change.attribute() == attribute ) {
+         ( object->*handler )( change );
+      }
+   };
+}
+
+// The same row, which calls nobody while its object is out of service.
+template< typename Object >
+ChangeHandler inService( Object const * object, ChangeHandler handler ) {
+   return [ object, handler = std::move( handler ) ]( Change const & change ) {
+      if ( !object->isZombie() ) {
+         handler( change );
+      }
+   };
+}
+
 // A reactor on a T that hands every change to a function of its owner.
 template< typename T > class Watch final : public Reactor {
  public:
-   using Handler = std::function< void( Change const & ) >;
-
-   explicit Watch( Handler handler ) : handler_( std::move( handler ) ) {}
-   Watch( Quelm::Ptr< T const > const & notifier, Handler handler )
-         : handler_( std::move( handler ) ) {
+   explicit Watch( ChangeHandler handler )
+         : action_( Quelm::make< Action >( std::move( handler ) ) ) {}
+   Watch( Quelm::Ptr< T const > const & notifier, ChangeHandler handler )
+         : Watch( std::move( handler ) ) {
       notifierIs( notifier );
    }
 
    void notifierIs( Quelm::Ptr< T const > const & notifier ) { watchedIs( notifier ); }
 
  private:
-   // Runs a copy: a handler may destroy the watch that holds it.
+   struct Action : Quelm::Counted {
+      explicit Action( ChangeHandler handler ) : run( std::move( handler ) ) {}
+      ChangeHandler const run;
+   };
+
+   // Keeps the handler while it runs: it may destroy the watch.
    void onAttribute( Change const & change ) override {
-      Handler const handler = handler_;
-      handler( change );
+      Quelm::Ptr< Action const > const action = action_;
+      action->run( change );
    }
 
-   Handler handler_;
+   Quelm::Ptr< Action const > const action_;
 };
 
 }  // namespace Kiv

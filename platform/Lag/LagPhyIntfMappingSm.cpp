@@ -9,14 +9,7 @@ namespace Lag {
 LagPhyIntfMappingSm::LagPhyIntfMappingSm(
    Quelm::Ptr< Config const > const & lagConfig,
    Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping )
-      : configWatch_( lagConfig, [ this ]( Kiv::Change const & change ) {
-           if ( change.attribute() == Config::phyIntfAttr() ) {
-              handlePhyIntf( change.key< Pelk::IntfId >() );
-           }
-        } ) {
-   lagConfig_ = lagConfig;
-   lagPhyIntfMapping_ = lagPhyIntfMapping;
-}
+      : lagConfig_( lagConfig ), lagPhyIntfMapping_( lagPhyIntfMapping ) {}
 
 LagPhyIntfMappingSm::~LagPhyIntfMappingSm() {
    hasNotificationActiveIs( false );
@@ -28,26 +21,14 @@ Quelm::Ptr< LagPhyIntfMappingSm > LagPhyIntfMappingSm::LagPhyIntfMappingSmIs(
    return Quelm::make< LagPhyIntfMappingSm >( lagConfig, lagPhyIntfMapping );
 }
 
-void LagPhyIntfMappingSm::hasNotificationActiveIs( bool active ) {
-   Entity::hasNotificationActiveIs( active );
-   isDerivingIs( active && !isZombie() );
+void LagPhyIntfMappingSm::handleDerivingBegins() {
+   configWatch_.hasNotificationActiveIs( true );
+   handlePhyIntfs();
 }
 
-void LagPhyIntfMappingSm::kivDoZombieReactors( bool zombie ) {
-   Entity::kivDoZombieReactors( zombie );
-   isDerivingIs( hasNotificationActive() && !zombie );
-}
-
-void LagPhyIntfMappingSm::isDerivingIs( bool deriving ) {
-   if ( deriving == isDeriving() ) {
-      return;
-   }
-   configWatch_.hasNotificationActiveIs( deriving );
-   if ( deriving ) {
-      handlePhyIntfs();
-   } else {
-      phyIntf_.clear();
-   }
+void LagPhyIntfMappingSm::handleDerivingEnds() {
+   configWatch_.hasNotificationActiveIs( false );
+   phyIntf_.clear();
 }
 
 void LagPhyIntfMappingSm::handlePhyIntfs() {

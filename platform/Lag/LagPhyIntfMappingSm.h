@@ -1,8 +1,7 @@
 // Derives the member mapping of port channels from the membership of physical interfaces.
 //
 // The configuration says, per physical interface, which port channel it is in; the mapping says,
-// per port channel, which interfaces are in it. The order of the changes it makes is what its
-// readers rely on:
+// per port channel, which interfaces are in it. Its readers rely on the order of the changes:
 //
 // - a port channel enters the mapping empty, and its first member joins after that;
 // - its last member leaves, and the port channel goes after that;
@@ -11,7 +10,7 @@
 // While its notifications are active the mapping is in step; switching them on brings it into step
 // first. Switching them off, and destroying this object, leaves the mapping as it is: an agent that
 // restarts must not see every port channel fall apart. Out of service it derives as little as when
-// it is switched off. A missing configuration or mapping means that nothing is derived.
+// it is switched off. Without a configuration or a mapping nothing is derived.
 //
 // Cost: one look-up per changed interface. Threads: the activity's.
 #pragma once
@@ -19,11 +18,12 @@
 #include <map>
 #include <memory>
 
+#include <Kiv/Derivation.h>
 #include <Lag/Config.h>
 
 namespace Lag {
 
-class LagPhyIntfMappingSm : public Kiv::Entity {
+class LagPhyIntfMappingSm : public Kiv::Derivation {
    KIV_ENTITY( LagPhyIntfMappingSm, Kiv::Entity )
    KIV_HELD( lagConfig, Config const )
    KIV_HELD( lagPhyIntfMapping, LagPhyIntfMapping )
@@ -37,9 +37,6 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
       Quelm::Ptr< Config const > const & lagConfig,
       Quelm::Ptr< LagPhyIntfMapping > const & lagPhyIntfMapping );
 
-   void hasNotificationActiveIs( bool active ) override;
-   void kivDoZombieReactors( bool zombie ) override;
-
  private:
    // One physical interface of the configuration.
    struct PhyIntf {
@@ -47,9 +44,8 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
       Pelk::IntfId lag;  // the port channel it is a member of in the mapping
    };
 
-   // Switched on, and in service.
-   bool isDeriving() const { return configWatch_.hasNotificationActive(); }
-   void isDerivingIs( bool deriving );
+   void handleDerivingBegins() override;
+   void handleDerivingEnds() override;
    void handlePhyIntfs();
    void handlePhyIntf( Pelk::IntfId const & intfId );
    void handleLag( Pelk::IntfId const & intfId );
@@ -57,7 +53,8 @@ class LagPhyIntfMappingSm : public Kiv::Entity {
    void leave( Pelk::IntfId const & lag, Pelk::IntfId const & intfId );
    void join( Pelk::IntfId const & lag, Pelk::IntfId const & intfId );
 
-   Kiv::Watch< Config > configWatch_;
+   Kiv::Watch< Config > configWatch_{ lagConfig(), Kiv::onKey( Config::phyIntfAttr(), this,
+                                                               &KivSelf::handlePhyIntf ) };
    std::map< Pelk::IntfId, PhyIntf > phyIntf_;
 };
 

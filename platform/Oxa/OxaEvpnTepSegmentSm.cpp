@@ -11,16 +11,10 @@ OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSm(
    Quelm::Ptr< EvpnTepSegmentDir > const & tepSegmentDir,
    Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
    Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping )
-      : statusWatch_( evpnStatus, [ this ]( Kiv::Change const & change ) {
-           if ( change.attribute() == Evpn::EvpnStatus::segmentStatusAttr() ) {
-              handleSegment( change );
-           }
-        } ) {
-   evpnStatus_ = evpnStatus;
-   tepSegmentDir_ = tepSegmentDir;
-   bridgingHwCapabilities_ = bridgingHwCapabilities;
-   lagPhyIntfMapping_ = lagPhyIntfMapping;
-}
+      : evpnStatus_( evpnStatus ),
+        tepSegmentDir_( tepSegmentDir ),
+        bridgingHwCapabilities_( bridgingHwCapabilities ),
+        lagPhyIntfMapping_( lagPhyIntfMapping ) {}
 
 OxaEvpnTepSegmentSm::~OxaEvpnTepSegmentSm() {
    hasNotificationActiveIs( false );
@@ -35,33 +29,21 @@ Quelm::Ptr< OxaEvpnTepSegmentSm > OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs(
                                               lagPhyIntfMapping );
 }
 
-void OxaEvpnTepSegmentSm::hasNotificationActiveIs( bool active ) {
-   Entity::hasNotificationActiveIs( active );
-   isDerivingIs( active && !isZombie() );
+void OxaEvpnTepSegmentSm::handleDerivingBegins() {
+   statusWatch_.hasNotificationActiveIs( true );
+   handleSegments();
 }
 
-void OxaEvpnTepSegmentSm::kivDoZombieReactors( bool zombie ) {
-   Entity::kivDoZombieReactors( zombie );
-   isDerivingIs( hasNotificationActive() && !zombie );
-}
-
-void OxaEvpnTepSegmentSm::isDerivingIs( bool deriving ) {
-   if ( deriving == isDeriving() ) {
-      return;
-   }
-   statusWatch_.hasNotificationActiveIs( deriving );
-   if ( deriving ) {
-      handleSegments();
-   } else {
-      segment_.clear();
-   }
+void OxaEvpnTepSegmentSm::handleDerivingEnds() {
+   statusWatch_.hasNotificationActiveIs( false );
+   segment_.clear();
 }
 
 void OxaEvpnTepSegmentSm::handleSegments() {
    if ( !evpnStatus() || !tepSegmentDir() ) {
       return;
    }
-   // What has come first: a VTEP that shares another segment by now keeps its entity.
+   // New segments come before lost ones: a VTEP that shares another segment keeps its entity.
    for ( auto iter = evpnStatus()->segmentStatusIter(); iter; ++iter ) {
       segmentNew( iter.value() );
    }

@@ -1,8 +1,8 @@
 // Derives the shared segments of each remote VTEP from the segment status.
 //
 // The segment status says, per segment interface, which remote VTEPs are attached; the directory
-// says, per remote VTEP, which interfaces are shared with it. The order of the changes it makes is
-// what its readers rely on:
+// says, per remote VTEP, which interfaces are shared with it. Its readers rely on the order of the
+// changes:
 //
 // - a VTEP's segment entity is filled before it enters the directory, with every interface that is
 //   shared with the VTEP at that moment;
@@ -12,11 +12,11 @@
 //
 // While its notifications are active the directory is in step; switching them on brings it into
 // step first. Switching them off, and destroying this object, leaves the directory as it is. Out of
-// service it derives as little as when it is switched off. A missing status or directory means that
-// nothing is derived.
+// service it derives as little as when it is switched off. Without a status or a directory nothing
+// is derived.
 //
-// The bridging capabilities and the LAG mapping are held for those who ask; the shared interfaces
-// are those that the segments are configured on, port channels as such.
+// The bridging capabilities and the LAG mapping are held and not read. A segment's interface is
+// shared as it is configured: a port channel, not its members.
 //
 // Cost: proportional to the changed segment's VTEPs. Threads: the activity's.
 #pragma once
@@ -26,12 +26,13 @@
 
 #include <Bridging/HwCapabilities.h>
 #include <Evpn/EvpnStatus.h>
+#include <Kiv/Derivation.h>
 #include <Lag/Config.h>
 #include <Oxa/EvpnTepSegmentDir.h>
 
 namespace Oxa {
 
-class OxaEvpnTepSegmentSm : public Kiv::Entity {
+class OxaEvpnTepSegmentSm : public Kiv::Derivation {
    KIV_ENTITY( OxaEvpnTepSegmentSm, Kiv::Entity )
    KIV_HELD( evpnStatus, Evpn::EvpnStatus const )
    KIV_HELD( tepSegmentDir, EvpnTepSegmentDir )
@@ -51,13 +52,9 @@ class OxaEvpnTepSegmentSm : public Kiv::Entity {
       Quelm::Ptr< Bridging::HwCapabilities const > const & bridgingHwCapabilities,
       Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
 
-   void hasNotificationActiveIs( bool active ) override;
-   void kivDoZombieReactors( bool zombie ) override;
-
  private:
-   // Switched on, and in service.
-   bool isDeriving() const { return statusWatch_.hasNotificationActive(); }
-   void isDerivingIs( bool deriving );
+   void handleDerivingBegins() override;
+   void handleDerivingEnds() override;
    void handleSegments();
    void handleSegment( Kiv::Change const & change );
    void segmentNew( Quelm::Ptr< Evpn::EthernetSegmentStatus const > const & segment );
@@ -67,7 +64,10 @@ class OxaEvpnTepSegmentSm : public Kiv::Entity {
    void enter( Pelk::IpGenAddr const & tepIp );
    void leave( Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId );
 
-   Kiv::Watch< Evpn::EvpnStatus > statusWatch_;
+   Kiv::Watch< Evpn::EvpnStatus > statusWatch_{
+      evpnStatus(),
+      Kiv::onChange( Evpn::EvpnStatus::segmentStatusAttr(), this, &KivSelf::handleSegment )
+   };
    std::map< Pelk::IntfId, std::unique_ptr< Kiv::Watch< Evpn::EthernetSegmentStatus > > > segment_;
 };
 

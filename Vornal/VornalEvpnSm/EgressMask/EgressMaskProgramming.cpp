@@ -40,21 +40,6 @@ void setPorts( Brum::PerUnitBitmap & ubmp, VornalPortList const & ports ) {
 
 }  // namespace
 
-EvpnMultihomingLocalBiasWithEgressMaskSm::EvpnMultihomingLocalBiasWithEgressMaskSm(
-   Quelm::Ptr< VornalCommonSmData const > const & vcsd,
-   Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
-   Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
-   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
-   Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
-   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
-   Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
-   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping )
-      : EvpnMultihomingLocalBiasSm( vcsd, oxaEvpnTepSegmentDir, vpIndexStatus, evpnStatus,
-                                    vtiStatusDir, tcamManager, clock, lagConfigDir,
-                                    lagPhyIntfMapping ) {
-   handleInitialized();
-}
-
 void EvpnMultihomingLocalBiasWithEgressMaskSm::handleInitialized() {
    TRACE( smTrace, 5, "handleInitialized" );
    EvpnMultihomingLocalBiasSm::handleInitialized();

@@ -4,9 +4,9 @@
 // carries the ports of the segments shared with it, and a frame that the entry matches does not
 // leave by them. The mask is by logical port of the unit that the entry is on.
 //
-// The recorded mask (esPbmp) is there exactly while the entry is installed, and equals what was
-// last written to the hardware. A VTEP without shared ports on a unit has an entry with an empty
-// mask.
+// The recorded mask (esPbmp) is there exactly while the entry is installed, and equals the mask
+// that was last written to the hardware. A VTEP without shared ports on a unit has an entry with an
+// empty mask.
 //
 // Failures: a full TCAM leaves neither an entry nor a mask recorded; the VP index is recorded all
 // the same. A failed install or reinstall stops the process, and so does taking away an entry that
@@ -24,15 +24,11 @@ class EvpnMultihomingLocalBiasWithEgressMaskSm final : public EvpnMultihomingLoc
    KIV_ENTITY( EvpnMultihomingLocalBiasWithEgressMaskSm, EvpnMultihomingLocalBiasSm )
 
    // Takes the base's arguments. The initial walk has been done when it returns.
-   EvpnMultihomingLocalBiasWithEgressMaskSm(
-      Quelm::Ptr< VornalCommonSmData const > const & vcsd,
-      Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
-      Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
-      Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
-      Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
-      Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
-      Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
-      Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
+   template< typename... Inputs >
+   explicit EvpnMultihomingLocalBiasWithEgressMaskSm( Inputs const &... inputs )
+         : EvpnMultihomingLocalBiasSm( inputs... ) {
+      handleInitialized();
+   }
 
    bool ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, bool add ) override;
    bool updateIfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
@@ -49,15 +45,18 @@ class EvpnMultihomingLocalBiasWithEgressMaskSm final : public EvpnMultihomingLoc
    void addMask( U32 unit, Pelk::IpGenAddr const & tepIp, U32 entryId );
 };
 
-// Builds one and switches its notifications on.
+// Builds one from the arguments of its constructor and switches its notifications on.
+template< typename... Inputs >
 Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithEgressMaskSmIs(
-   Quelm::Ptr< VornalCommonSmData const > const & vcsd,
-   Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
-   Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
-   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
-   Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
-   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
-   Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
-   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping );
+   Inputs const &... inputs ) {
+   return activeMachineNew< EvpnMultihomingLocalBiasWithEgressMaskSm >( inputs... );
+}
+
+// The same, for the mounter.
+template< typename... Inputs >
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > evpnMultihomingLocalBiasWithEgressMaskSmFactory(
+   Inputs const &... inputs ) {
+   return EvpnMultihomingLocalBiasWithEgressMaskSmIs( inputs... );
+}
 
 }  // namespace Vornal

@@ -1,4 +1,5 @@
-// Class ids: asked for, granted, stamped on ingress entries, counted, given back.
+// Class ids: asked for, granted, stamped on ingress entries, counted, given back; and whether a
+// unit needs its TCAM for those that are pending.
 
 #include <Kiv/OrEmpty.h>
 #include <Kiv/Rows.h>
@@ -11,10 +12,9 @@ KIV_DEFINE( Vornal::EvpnMultihomingLocalBiasWithI2EClassIdSm )
 namespace Vornal {
 
 using Kiv::orEmpty;
-using Sm = EvpnMultihomingLocalBiasWithI2EClassIdSm;
 using VornalCommon::ClassId;
 
-Sm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
+EvpnMultihomingLocalBiasWithI2EClassIdSm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
    Quelm::Ptr< VornalCommonSmData const > const & vcsd,
    Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
    Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
@@ -31,27 +31,21 @@ Sm::EvpnMultihomingLocalBiasWithI2EClassIdSm(
                                     lagPhyIntfMapping ),
         efpTcamManager_( efpTcamManager ),
         i2eClassIdIndexConfig_( i2eClassIdIndexConfig ),
-        i2eClassIdIndexStatus_( i2eClassIdIndexStatus ),
-        i2eClassIdIndexStatusDispatch_( i2eClassIdIndexStatus, [ this ](
-                                                                  Kiv::Change const & change ) {
-           if ( change.attribute() == Grants::remoteESPeerVtepAttr() ) {
-              handleGrantChange( change.key< Pelk::IpGenAddr >() );
-           }
-        } ) {
+        i2eClassIdIndexStatus_( i2eClassIdIndexStatus ) {
    handleInitialized();
 }
 
-Sm::~EvpnMultihomingLocalBiasWithI2EClassIdSm() {
-   Sm::hasNotificationActiveIs( false );
+EvpnMultihomingLocalBiasWithI2EClassIdSm::~EvpnMultihomingLocalBiasWithI2EClassIdSm() {
+   EvpnMultihomingLocalBiasWithI2EClassIdSm::hasNotificationActiveIs( false );
    kivDoZombieReactors( true );
 }
 
-void Sm::hasNotificationActiveIs( bool active ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::hasNotificationActiveIs( bool active ) {
    EvpnMultihomingLocalBiasSm::hasNotificationActiveIs( active );
    i2eClassIdIndexStatusDispatch_.hasNotificationActiveIs( active );
 }
 
-void Sm::handleInitialized() {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::handleInitialized() {
    TRACE( smTrace, 5, "handleInitialized" );
    if ( i2eClassIdIndexConfig() ) {
       i2eClassIdIndexConfig()->remoteESPeerVtepDelAll();
@@ -59,13 +53,8 @@ void Sm::handleInitialized() {
    EvpnMultihomingLocalBiasSm::handleInitialized();
 }
 
-void Sm::handleGrantChange( Pelk::IpGenAddr const & tepIp ) {
-   if ( !isZombie() ) {
-      handleRemoteESPeerVtepI2EClassId( tepIp );
-   }
-}
-
-bool Sm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::addTcamEntries( U32 unit,
+                                                               Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "addTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    if ( !i2eTepIpClassIdHas( tepIp ) ) {
       i2eClassIdIndexConfig()->remoteESPeerVtepIs( tepIp, true );
@@ -74,7 +63,8 @@ bool Sm::addTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    return addTcamEntriesWithI2EClassId( unit, tepIp );
 }
 
-void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::handleRemoteESPeerVtepI2EClassId(
+   Pelk::IpGenAddr const & tepIp ) {
    bool const isPeer = orEmpty( oxaEvpnTepSegmentDir() ).tepSegmentHas( tepIp );
    if ( !isPeer || !initialized() ) {
       TRACE( smTrace, 2,
@@ -97,7 +87,7 @@ void Sm::handleRemoteESPeerVtepI2EClassId( Pelk::IpGenAddr const & tepIp ) {
    programI2EclassIdTcamState( tepIp );
 }
 
-void Sm::handleRemoteESPeerVtepI2EClassId() {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::handleRemoteESPeerVtepI2EClassId() {
    if ( !initialized() ) {
       TRACE( smTrace, 2, "handleRemoteESPeerVtepI2EClassId called pre-init" );
       return;
@@ -107,7 +97,8 @@ void Sm::handleRemoteESPeerVtepI2EClassId() {
    }
 }
 
-bool Sm::programI2EclassIdTcamState( Pelk::IpGenAddr const & tepIp ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::programI2EclassIdTcamState(
+   Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "programI2EclassIdTcamState, tepIp: " << tepIp );
    if ( !i2eTepIpClassId( tepIp ).isValid() ) {
       TRACE( smTrace, 2, "programI2EclassIdTcamState failed to allocate I2E class ID" );
@@ -121,7 +112,8 @@ bool Sm::programI2EclassIdTcamState( Pelk::IpGenAddr const & tepIp ) {
    return true;
 }
 
-bool Sm::addTcamEntriesWithI2EClassId( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::addTcamEntriesWithI2EClassId(
+   U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "addTcamEntriesWithI2EClassId, unit: " << unit << ", tepIp: " << tepIp );
    auto const unitTepIpToEntry = tepIpToEntry( unit );
    QUELM_ASSERT( !unitTepIpToEntry->entryIdHas( tepIp ) );
@@ -142,7 +134,9 @@ bool Sm::addTcamEntriesWithI2EClassId( U32 unit, Pelk::IpGenAddr const & tepIp )
    return isComplete;
 }
 
-bool Sm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, bool add ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::ifpTcamEntries( U32 unit,
+                                                               Pelk::IpGenAddr const & tepIp,
+                                                               bool add ) {
    TRACE( smTrace, 5, "ifpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    if ( !EvpnMultihomingLocalBiasSm::ifpTcamEntries( unit, tepIp, add ) ) {
       return false;
@@ -171,14 +165,16 @@ bool Sm::ifpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, bool add ) {
    return true;
 }
 
-void Sm::traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::traceRefCount( Pelk::IpGenAddr const & tepIp,
+                                                              U32 entryId, U32 count ) const {
    TRACE( smTrace, 4,
           "ifpTcamEntries for IFP entry ID : " << entryId << " using I2E class ID "
                                                << i2eTepIpClassId( tepIp ) << " whose refcount is "
                                                << count );
 }
 
-bool Sm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::deleteTcamEntries( U32 unit,
+                                                                  Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "deleteTcamEntries, unit: " << unit << ", tepIp: " << tepIp );
    if ( unitUsesTcamsForTepIp( unit, tepIp ) ) {
       releaseRules( unit, tepIp );
@@ -191,7 +187,8 @@ bool Sm::deleteTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    return true;
 }
 
-void Sm::releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::releaseRules( U32 unit,
+                                                             Pelk::IpGenAddr const & tepIp ) {
    EvpnMultihomingLocalBiasSm::deleteTcamEntries( unit, tepIp );
    if ( auto const list = tepIpToEntry( unit )->esPortAndEFPEntryIdList( tepIp ) ) {
       VornalTypes::VornalPortList const ports = list->esPortList();
@@ -200,17 +197,44 @@ void Sm::releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "deleteTcamEntries, TCAM entries deleted " );
 }
 
-void Sm::withdrawRequest( Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::withdrawRequest( Pelk::IpGenAddr const & tepIp ) {
    if ( i2eClassIdIndexConfig() ) {
       i2eClassIdIndexConfig()->remoteESPeerVtepDel( tepIp );
    }
 }
 
-void Sm::releaseClassId( Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::releaseClassId( Pelk::IpGenAddr const & tepIp ) {
    withdrawRequest( tepIp );
    ClassId const classId = i2eTepIpClassIdDel( tepIp );
    i2eTepIpClassIdRefCountDel( tepIp );
    TRACE( smTrace, 5, "deleteTcamEntries freed I2E class ID " << classId );
+}
+
+// While any class id is pending, every unit with a record needs its TCAM. Each removal of a VTEP
+// asks. While the unit has rules, the answer needs no search unless it is traced, so removing many
+// VTEPs is usually linear.
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::unitUsesOrNeedsTcams( U32 unit ) {
+   TRACE( smTrace, 5, "unitUsesOrNeedsTcams Mirel unit: " << unit );
+   if ( !tepIpToEntry( unit ) ) {
+      TRACE( smTrace, 4, "unitUsesOrNeedsTcams Mirel Line: " << __LINE__ );
+      return false;
+   }
+   bool const ifpTcamsUsed = EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( unit );
+   TRACE( smTrace, 4,
+          "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed
+                                                << " ifpTcamsNeeded: " << isAnyClassIdPending() );
+   return ifpTcamsUsed || isAnyClassIdPending();
+}
+
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::isAnyClassIdPending() const {
+   Quelm::Ptr< Requests const > const requests( i2eClassIdIndexConfig() );
+   auto grants = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepFinder();
+   for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
+      if ( !grants.find( iter.key() ) ) {
+         return true;
+      }
+   }
+   return false;
 }
 
 }  // namespace Vornal

@@ -1,5 +1,4 @@
-// Holding class-id actions and egress entries against the records, and whether a unit needs its
-// TCAM.
+// Holding class-id actions and egress entries against the records.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
@@ -9,11 +8,11 @@
 namespace Vornal {
 
 using Kiv::orEmpty;
-using Sm = EvpnMultihomingLocalBiasWithI2EClassIdSm;
 using VornalCommon::ClassId;
 using VornalTypes::VornalPort;
 
-void Sm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::verifyIfpEntries( U32 unit,
+                                                                 Pelk::IpGenAddr const & tepIp ) {
    auto const record = tepIpToEntry( unit );
    U32 const entryId = record ? record->entryId( tepIp ) : 0;
    TRACE( smTrace, 9, "verifyIfpEntries " << entryId );
@@ -29,7 +28,8 @@ void Sm::verifyIfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    QUELM_ASSERT( data == i2eClassId.value() );
 }
 
-void Sm::verifyEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::verifyEfpEntries( U32 unit,
+                                                                 Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 9, "verifyEfpEntries" );
    U32 const expPortCount = expectedPortCount( unit, tepIp );
    U32 portCount = 0;
@@ -63,7 +63,8 @@ void Sm::verifyEfpEntries( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    QUELM_ASSERT( portCount == expPortCount );
 }
 
-bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::tcamSanityCheckForTepIp(
+   U32 unit, Pelk::IpGenAddr const & tepIp ) {
    TRACE( smTrace, 5, "tcamSanityCheckForTepIp unit: " << unit << " tepIp: " << tepIp );
    auto const record = tepIpToEntry( unit );
    if ( !record ) {
@@ -83,33 +84,6 @@ bool Sm::tcamSanityCheckForTepIp( U32 unit, Pelk::IpGenAddr const & tepIp ) {
    }
    QUELM_ASSERT( numEfpTcamsUsed == numESPortsUsed );
    return true;
-}
-
-// While any class id is pending, every unit with a record needs its TCAM. Each removal of a VTEP
-// asks. While the unit has rules, the answer needs no search unless it is traced, so removing many
-// VTEPs is usually linear.
-bool Sm::unitUsesOrNeedsTcams( U32 unit ) {
-   TRACE( smTrace, 5, "unitUsesOrNeedsTcams Mirel unit: " << unit );
-   if ( !tepIpToEntry( unit ) ) {
-      TRACE( smTrace, 4, "unitUsesOrNeedsTcams Mirel Line: " << __LINE__ );
-      return false;
-   }
-   bool const ifpTcamsUsed = EvpnMultihomingLocalBiasSm::unitUsesOrNeedsTcams( unit );
-   TRACE( smTrace, 4,
-          "unitUsesOrNeedsTcams ifpTcamsUsed: " << ifpTcamsUsed
-                                                << " ifpTcamsNeeded: " << isAnyClassIdPending() );
-   return ifpTcamsUsed || isAnyClassIdPending();
-}
-
-bool Sm::isAnyClassIdPending() const {
-   Quelm::Ptr< Requests const > const requests( i2eClassIdIndexConfig() );
-   auto grants = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepFinder();
-   for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
-      if ( !grants.find( iter.key() ) ) {
-         return true;
-      }
-   }
-   return false;
 }
 
 }  // namespace Vornal

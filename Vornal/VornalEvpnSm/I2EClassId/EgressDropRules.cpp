@@ -1,7 +1,7 @@
-// The egress entries: one per shared port, dropping what carries the VTEP's class id.
+// The egress entries: one per shared port. Each drops the frames with the VTEP's class id.
 //
-// Every assertion, field call and install stands in efpTcamEntries itself, so that what a stop
-// prints names the operation that was under way.
+// Every assertion, field call and install stands in efpTcamEntries itself, so that the line of a
+// stop names this operation.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>
@@ -11,7 +11,6 @@
 namespace Vornal {
 
 using Kiv::orEmpty;
-using Sm = EvpnMultihomingLocalBiasWithI2EClassIdSm;
 using VornalCommon::ClassId;
 using VornalTypes::VornalPort;
 using VornalTypes::VornalPortList;
@@ -22,8 +21,10 @@ constexpr char const * kEfpEntryName = "Drop packets at EFP from vtep IP %s on %
 
 }  // namespace
 
-bool Sm::efpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & ports,
-                         bool add ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::efpTcamEntries( U32 unit,
+                                                               Pelk::IpGenAddr const & tepIp,
+                                                               VornalPortList const & ports,
+                                                               bool add ) {
    TRACE( smTrace, 5, "efpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    if ( ports.isEmpty() ) {
       TRACE( smTrace, 5, "efpTcamEntries, no ports to install or free EFP entries against" );
@@ -68,7 +69,9 @@ bool Sm::efpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList
    return true;
 }
 
-bool Sm::freeEfpEntries( U32 unit, ESPortAndEFPEntryIdList & list, VornalPortList const & ports ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::freeEfpEntries( U32 unit,
+                                                               ESPortAndEFPEntryIdList & list,
+                                                               VornalPortList const & ports ) {
    VornalPortList left = list.esPortList();
    for ( VornalPort const & sp : ports ) {
       U32 const efpEntryId = list.efpEntryId( sp );
@@ -84,7 +87,9 @@ bool Sm::freeEfpEntries( U32 unit, ESPortAndEFPEntryIdList & list, VornalPortLis
    return true;
 }
 
-U32 Sm::obtainEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort const & sp ) {
+U32 EvpnMultihomingLocalBiasWithI2EClassIdSm::obtainEfpEntry( U32 unit,
+                                                              Pelk::IpGenAddr const & tepIp,
+                                                              VornalPort const & sp ) {
    Pelk::IntfId const intfId = orEmpty( vcsd() ).intfOfPort( sp );
    U32 const efpEntryId =
       efpTcamManager()->getEntry( unit,
@@ -100,17 +105,19 @@ U32 Sm::obtainEfpEntry( U32 unit, Pelk::IpGenAddr const & tepIp, VornalPort cons
    return efpEntryId;
 }
 
-bool Sm::updateEfpTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp,
-                               VornalPortList const & portsToRemove, VornalPortList const & ports,
-                               bool add ) {
+bool EvpnMultihomingLocalBiasWithI2EClassIdSm::updateEfpTcamEntries(
+   U32 unit, Pelk::IpGenAddr const & tepIp, VornalPortList const & portsToRemove,
+   VornalPortList const & ports, bool add ) {
    TRACE( smTrace, 5,
           "updateEfpTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add );
    efpTcamEntries( unit, tepIp, portsToRemove, false );
    return efpTcamEntries( unit, tepIp, ports, add );
 }
 
-void Sm::updateTcamEntries( U32 unit, Pelk::IpGenAddr const & tepIp, Pelk::IntfId const & intfId,
-                            bool add ) {
+void EvpnMultihomingLocalBiasWithI2EClassIdSm::updateTcamEntries( U32 unit,
+                                                                  Pelk::IpGenAddr const & tepIp,
+                                                                  Pelk::IntfId const & intfId,
+                                                                  bool add ) {
    TRACE( smTrace, 5,
           "updateTcamEntries, unit: " << unit << ", tepIp: " << tepIp << ", add " << add
                                       << ", intfId: " << intfId );

@@ -13,7 +13,7 @@
 //    in use     counted: one per unit whose ingress entry carries the id
 //    any        deleteTcamEntries gives the id back once the count is 0, or withdraws the request
 //
-// What holds. A count exists only for a VTEP with a class id, and both go together. The count is
+// Invariants. A count exists only for a VTEP with a class id, and both go together. The count is
 // unsigned and not checked: taking from 0 gives all ones. The list of a VTEP's egress entries on a
 // unit exists from the first programming with ports until a removal leaves it without any.
 //
@@ -82,13 +82,12 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
    using Requests = VornalCentral::I2EClassIdIndexConfig;
    using Grants = VornalCentral::I2EClassIdIndexStatus;
 
-   void handleGrantChange( Pelk::IpGenAddr const & tepIp );
    void traceRefCount( Pelk::IpGenAddr const & tepIp, U32 entryId, U32 count ) const;
    void releaseRules( U32 unit, Pelk::IpGenAddr const & tepIp );
    void withdrawRequest( Pelk::IpGenAddr const & tepIp );
    void releaseClassId( Pelk::IpGenAddr const & tepIp );
 
-   // Whether the list still has ports when the entries of these have been released.
+   // Releases the entries of these ports. Whether the list has ports left after that.
    bool freeEfpEntries( U32 unit, ESPortAndEFPEntryIdList & list,
                         VornalTypes::VornalPortList const & ports );
    // A new entry for the port, or 0 when the group is full.
@@ -98,21 +97,25 @@ class EvpnMultihomingLocalBiasWithI2EClassIdSm final : public EvpnMultihomingLoc
    // Whether some request has no grant yet: a search that ends at the first of them.
    bool isAnyClassIdPending() const;
 
-   Kiv::Watch< Grants > i2eClassIdIndexStatusDispatch_;
+   Kiv::Watch< Grants > i2eClassIdIndexStatusDispatch_{
+      i2eClassIdIndexStatus(),
+      Kiv::inService( this, Kiv::onKey( Grants::remoteESPeerVtepAttr(), this,
+                                        &KivSelf::handleRemoteESPeerVtepI2EClassId ) )
+   };
 };
 
-// Builds one and switches its notifications on.
+// Builds one from the arguments of its constructor and switches its notifications on.
+template< typename... Inputs >
 Quelm::Ptr< EvpnMultihomingLocalBiasSm > EvpnMultihomingLocalBiasWithI2EClassIdSmIs(
-   Quelm::Ptr< VornalCommonSmData const > const & vcsd,
-   Quelm::Ptr< Oxa::EvpnTepSegmentDir const > const & oxaEvpnTepSegmentDir,
-   Quelm::Ptr< VornalCentral::VpIndexStatus const > const & vpIndexStatus,
-   Quelm::Ptr< Evpn::EvpnStatus const > const & evpnStatus,
-   Quelm::Ptr< Vxlan::VtiStatusDir const > const & vtiStatusDir,
-   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & tcamManager,
-   Quelm::Ptr< Kiv::Clock > const & clock, Quelm::Ptr< Lag::Config const > const & lagConfigDir,
-   Quelm::Ptr< Lag::LagPhyIntfMapping const > const & lagPhyIntfMapping,
-   Quelm::Ptr< VornalUnboundedTcamEntryManager > const & efpTcamManager,
-   Quelm::Ptr< VornalCentral::I2EClassIdIndexConfig > const & i2eClassIdIndexConfig,
-   Quelm::Ptr< VornalCentral::I2EClassIdIndexStatus const > const & i2eClassIdIndexStatus );
+   Inputs const &... inputs ) {
+   return activeMachineNew< EvpnMultihomingLocalBiasWithI2EClassIdSm >( inputs... );
+}
+
+// The same, for the mounter.
+template< typename... Inputs >
+Quelm::Ptr< EvpnMultihomingLocalBiasSm > evpnMultihomingLocalBiasWithI2EClassIdSmFactory(
+   Inputs const &... inputs ) {
+   return EvpnMultihomingLocalBiasWithI2EClassIdSmIs( inputs... );
+}
 
 }  // namespace Vornal

@@ -19,7 +19,6 @@
 #include <Oxa/OxaEvpnTepSegmentSm.h>
 #include <Trace/Trace.h>
 #include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
-#include <VornalEvpnSm/Factories.h>
 #include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
 namespace Support {

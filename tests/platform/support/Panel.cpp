@@ -7,9 +7,9 @@ KIV_DEFINE_NAMED( Support::Panel )
 
 namespace Support {
 
-Lamp::Lamp( Notifier const & port, Panel * panel ) : NestedReactor( port ) {
-   panel_ = panel;
-}
+Lamp::Lamp( Notifier const & port, Panel * panel )
+      : NestedReactor( port, Kiv::onAttribute( Port::speedAttr(), this, &Lamp::handleSpeed ) ),
+        panel_( panel ) {}
 
 void Lamp::retired() {
    note( *panel(), std::string( "retired" ) + ( isZombie() ? ", out of service" : "" ) +
@@ -17,7 +17,7 @@ void Lamp::retired() {
    panel()->onRetired( *this );
 }
 
-void Lamp::onAttribute( Kiv::Change const & ) {
+void Lamp::handleSpeed() {
    QUELM_ASSERT( panel() );
    Panel & owner = *panel();
    if ( owner.isRetiringOnChange ) {

@@ -21,10 +21,10 @@ class Lamp : public Kiv::NestedReactor< Port > {
    Lamp( Notifier const & port, Panel * panel );
 
    void retired() override;
-   void ownerDel() override { panel_ = nullptr; }
+   void ownerDel() { panel_ = nullptr; }
 
  private:
-   void onAttribute( Kiv::Change const & change ) override;
+   void handleSpeed();
    void note( Panel & panel, std::string const & text ) const;
 };
 
