@@ -38,7 +38,7 @@ Scenario::TraceLevels traceOf( std::string const & text ) {
                                                 "'VornalEvpn*/0-5'" );
    }
    try {
-      Trace::levelsIs( trace.handles, trace.levels );
+      Trace::levelsFromText( trace.levels );
    } catch ( Quelm::TextError const & error ) {
       throw CLI::ValidationError( "--trace", error.what() );
    }

@@ -1,10 +1,12 @@
 #include <Scenario/Reader.h>
 
+#include <Quelm/Error.h>
 #include <Scenario/Course.h>
 #include <Scenario/Document.h>
 #include <Scenario/File.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Vocabulary.h>
+#include <Trace/Trace.h>
 
 #include <unistd.h>
 
@@ -57,42 +59,16 @@ void readFeatures( Reading & reading, Value const & value, Document & document )
    }
 }
 
-// The levels as bits; nothing when the text is not a list of levels as Trace::levelsIs takes it.
-std::optional< U32 > levelsIn( std::string_view text ) {
-   U32 levels = 0;
-   auto const isLevel = [ & ]( std::size_t at ) {
-      return at < text.size() && text[ at ] >= '0' && text[ at ] <= '9';
-   };
-   for ( std::size_t at = 0;; ++at ) {
-      if ( !isLevel( at ) ) {
-         return std::nullopt;
-      }
-      bool const isRange = text.substr( at + 1 ).starts_with( '-' ) && isLevel( at + 2 );
-      char const first = text[ at ];
-      char const last = text[ isRange ? at + 2 : at ];
-      for ( char level = first; level <= last; ++level ) {
-         levels |= 1U << static_cast< unsigned >( level - '0' );
-      }
-      at += isRange ? 3 : 1;
-      if ( last < first || ( at < text.size() && text[ at ] != ',' ) ) {
-         return std::nullopt;
-      }
-      if ( at == text.size() ) {
-         return levels;
-      }
-   }
-}
-
 void readTrace( Reading & reading, Value const & value, Document & document ) {
    for ( Value const & handles : mappingOf( reading, value ) ) {
       auto const text = stringOf( reading, handles );
       if ( !text ) {
          continue;
       }
-      if ( auto const levels = levelsIn( *text ) ) {
-         reading.traceIs( handles.name, *levels );
+      try {
+         reading.traceIs( handles.name, Trace::levelsFromText( *text ) );
          document.model.trace.push_back( { handles.name, *text, handles.line } );
-      } else {
+      } catch ( Quelm::TextError const & ) {
          reading.problem( handles.line, handles.name + " is " + inQuotes( *text ) +
                                            "; trace levels are expected, as in 0-5,9" );
       }

@@ -53,7 +53,9 @@ unsigned levelAt( std::string_view text, std::size_t position ) {
    return static_cast< unsigned >( text[ position ] - '0' );
 }
 
-U32 parseLevels( std::string_view text ) {
+}  // namespace
+
+U32 levelsFromText( std::string_view text ) {
    U32 levels = 0;
    for ( std::size_t at = 0; at < text.size(); ++at ) {
       unsigned const first = levelAt( text, at++ );
@@ -71,8 +73,6 @@ U32 parseLevels( std::string_view text ) {
    }
    return levels;
 }
-
-}  // namespace
 
 Handle::Handle( std::string name )
       : name_( std::move( name ) ),
@@ -112,7 +112,7 @@ void ringIs( Ring * ring ) {
 }
 
 void levelsIs( std::string const & names, std::string_view levels ) {
-   Setting const setting{ names, parseLevels( levels ) };
+   Setting const setting{ names, levelsFromText( levels ) };
    shared().textSettings.push_back( setting );
    for ( Handle * const handle : shared().handles ) {
       if ( setting.applies( handle->name() ) ) {
@@ -122,7 +122,7 @@ void levelsIs( std::string const & names, std::string_view levels ) {
 }
 
 void ringLevelsIs( std::string const & names, std::string_view levels ) {
-   Setting const setting{ names, parseLevels( levels ) };
+   Setting const setting{ names, levelsFromText( levels ) };
    shared().ringSettings.push_back( setting );
    for ( Handle * const handle : shared().handles ) {
       if ( setting.applies( handle->name() ) ) {

@@ -76,7 +76,7 @@ class RoutedSwitch : public LocalBiasSwitch {
       Vnis vnis;
       for ( Chip::Rule const & rule : Chip::rulesOf( board.units() ) ) {
          auto const & match = rule.content[ Chip::Qualifier::VxlanNetworkId ];
-         if ( rule.unit == unit && rule.isWritten && match ) {
+         if ( rule.key.unit == unit && rule.isWritten && match ) {
             EXPECT_TRUE( vnis.insert( match->data ).second ) << "two rules for VNI " << match->data;
          }
       }
