@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "../support/LocalBiasSwitch.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -71,12 +72,8 @@ void publish( LocalBiasSwitch & leaf ) {
 
 class InputsComeAndGo : public testing::TestWithParam< Variant > {};
 
-INSTANTIATE_TEST_SUITE_P( Lifecycle, InputsComeAndGo,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ),
-                          []( auto const & variant ) {
-                             return variant.param == Variant::EgressMask ? "EgressMask"
-                                                                         : "I2EClassId";
-                          } );
+INSTANTIATE_TEST_SUITE_P( Lifecycle, InputsComeAndGo, Support::bothVariants,
+                          Support::nameOfVariant );
 
 // Does the deeds in `order`; the machine ends before the deed number `end`, or after all of them.
 void play( Variant variant, std::vector< Deed > const & deeds,

@@ -1,11 +1,12 @@
-// The frame of the state machine: what it watches, whom it calls, how it starts and ends.
+// The frame of the state machine: how it starts, which handler each input calls, what switching it
+// off or putting it out of service does to its reactors.
 
 #include <gtest/gtest.h>
 
 #include <Trace/Ring.h>
 
 #include "../support/LocalBiasSwitch.h"
-#include "../support/Observed.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -16,26 +17,10 @@ using Support::LocalBiasSwitch;
 using Support::Machine;
 using Support::Variant;
 
-class BothVariants : public testing::TestWithParam< Variant > {
- protected:
-   // Ethernet1, on port 5, shared with 10.0.0.2, which has a virtual port.
-   void shareEthernet1() {
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
-      leaf.vtepIs( "10.0.0.2", 0x10002 );
-   }
+class Lifecycle : public Support::EitherVariant {};
+INSTANTIATE_TEST_SUITE_P( Frame, Lifecycle, Support::bothVariants, Support::nameOfVariant );
 
-   LocalBiasSwitch leaf;
-};
-
-INSTANTIATE_TEST_SUITE_P( Lifecycle, BothVariants,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ),
-                          []( auto const & variant ) {
-                             return variant.param == Variant::EgressMask ? "EgressMask"
-                                                                         : "I2EClassId";
-                          } );
-
-TEST_P( BothVariants, StartsWithTheSegmentStatusAndEndsInitialised ) {
+TEST_P( Lifecycle, StartsWithTheSegmentStatusAndEndsInitialised ) {
    shareEthernet1();
    leaf.memberIs( "Port-Channel3", "Ethernet3" );
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
@@ -55,14 +40,14 @@ TEST_P( BothVariants, StartsWithTheSegmentStatusAndEndsInitialised ) {
    EXPECT_TRUE( sm->lagPhyIntfConfigHas( intf( "Port-Channel3" ) ) );
 }
 
-TEST_P( BothVariants, IsWhatItsFactorySays ) {
+TEST_P( Lifecycle, IsWhatItsFactorySays ) {
    auto const sm = leaf.machineNew( GetParam() );
    EXPECT_EQ( sm->typeData().name(), GetParam() == Variant::EgressMask
                                         ? "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm"
                                         : "Vornal::EvpnMultihomingLocalBiasWithI2EClassIdSm" );
 }
 
-TEST_P( BothVariants, EachInputCallsItsHandler ) {
+TEST_P( Lifecycle, EachInputCallsItsHandler ) {
    auto const sm = leaf.machineNew( GetParam() );
    leaf.forget();
    leaf.interfaceIs( "Ethernet1", 0, 5 );
@@ -117,6 +102,18 @@ TEST( ClassIdVariant, RequestsOfAnEarlierRunAreClearedBeforeAnyNewOneIsMade ) {
    EXPECT_EQ( requests, ( Lines{ "cleared 10.0.0.9", "asked for 10.0.0.2" } ) );
 }
 
+TEST( ClassIdVariant, WithoutAnyInputItIsEmpty ) {
+   LocalBiasSwitch leaf;
+   auto const sm =
+      Vornal::evpnMultihomingLocalBiasWithI2EClassIdSmFactory( nullptr, nullptr, nullptr, nullptr,
+                                                               nullptr, nullptr, nullptr, nullptr,
+                                                               nullptr, nullptr, nullptr, nullptr );
+   EXPECT_TRUE( sm->initialized() );
+   EXPECT_FALSE( sm->unitUsesOrNeedsTcams( 0 ) );
+   sm->handleRemoteVport( Support::vtep( "10.0.0.2" ) );
+   sm->handleVerify();
+}
+
 // --- Notifications
 
 std::vector< std::size_t > subscribersOf( LocalBiasSwitch & leaf, Machine const & sm ) {
@@ -128,7 +125,7 @@ std::vector< std::size_t > subscribersOf( LocalBiasSwitch & leaf, Machine const 
    };
 }
 
-TEST_P( BothVariants, SubscribesOnceHoweverOftenItIsSwitchedOn ) {
+TEST_P( Lifecycle, SubscribesOnceHoweverOftenItIsSwitchedOn ) {
    auto const sm = leaf.machineNew( GetParam() );
    auto const subscribed = subscribersOf( leaf, sm );
    std::size_t const grants = GetParam() == Variant::I2EClassId ? 1 : 0;
@@ -138,7 +135,16 @@ TEST_P( BothVariants, SubscribesOnceHoweverOftenItIsSwitchedOn ) {
    EXPECT_EQ( subscribersOf( leaf, sm ), subscribed );
 }
 
-TEST_P( BothVariants, SwitchedOffItHearsNothing ) {
+TEST_P( Lifecycle, SwitchedOnAgainItDoesNotTouchItsNestedReactors ) {
+   leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
+   auto const sm = leaf.machineNew( GetParam() );
+   auto const reactor = sm->vtiStatus( intf( "Vxlan1" ) );
+   reactor->hasNotificationActiveIs( false );
+   sm->hasNotificationActiveIs( true );
+   EXPECT_FALSE( reactor->hasNotificationActive() );
+}
+
+TEST_P( Lifecycle, SwitchedOffItHearsNothing ) {
    shareEthernet1();
    auto const sm = leaf.machineNew( GetParam() );
    sm->hasNotificationActiveIs( false );
@@ -152,7 +158,7 @@ TEST_P( BothVariants, SwitchedOffItHearsNothing ) {
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
-TEST_P( BothVariants, OutOfServiceItKeepsItsReactorsButHandlesNoSegment ) {
+TEST_P( Lifecycle, OutOfServiceItKeepsItsReactorsButHandlesNoSegment ) {
    auto const sm = leaf.machineNew( GetParam() );
    sm->kivDoZombieReactors( true );
    leaf.forget();
@@ -165,7 +171,7 @@ TEST_P( BothVariants, OutOfServiceItKeepsItsReactorsButHandlesNoSegment ) {
    EXPECT_TRUE( leaf.traces.empty() );
 }
 
-TEST_P( BothVariants, OutOfServiceIsPassedOnToEveryNestedReactor ) {
+TEST_P( Lifecycle, OutOfServiceIsPassedOnToEveryNestedReactor ) {
    shareEthernet1();
    leaf.memberIs( "Port-Channel3", "Ethernet3" );
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
@@ -180,7 +186,7 @@ TEST_P( BothVariants, OutOfServiceIsPassedOnToEveryNestedReactor ) {
 
 // --- Nested reactors
 
-TEST_P( BothVariants, ASegmentChangeIsHandledBeforeItsReactorComes ) {
+TEST_P( Lifecycle, ASegmentChangeIsHandledBeforeItsReactorComes ) {
    auto const sm = leaf.machineNew( GetParam() );
    bool hadReactor = true;
    Trace::sinkIs( [ & ]( Trace::Line const & line ) {
@@ -193,7 +199,7 @@ TEST_P( BothVariants, ASegmentChangeIsHandledBeforeItsReactorComes ) {
    EXPECT_TRUE( sm->oxaEvpnTepSegmentHas( ip( "10.0.0.2" ) ) );
 }
 
-TEST_P( BothVariants, ATunnelInterfaceThatComesBackGetsAFreshReactor ) {
+TEST_P( Lifecycle, ATunnelInterfaceThatComesBackGetsAFreshReactor ) {
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
    auto const sm = leaf.machineNew( GetParam() );
    auto const first = sm->vtiStatus( intf( "Vxlan1" ) );
@@ -207,7 +213,7 @@ TEST_P( BothVariants, ATunnelInterfaceThatComesBackGetsAFreshReactor ) {
    EXPECT_TRUE( sm->vtiStatus( intf( "Vxlan1" ) )->hasNotificationActive() );
 }
 
-TEST_P( BothVariants, AReplacedMemberIsWatchedByTheSameReactor ) {
+TEST_P( Lifecycle, AReplacedMemberIsWatchedByTheSameReactor ) {
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
    auto const sm = leaf.machineNew( GetParam() );
    auto const reactor = sm->vtiStatus( intf( "Vxlan1" ) );
@@ -218,7 +224,7 @@ TEST_P( BothVariants, AReplacedMemberIsWatchedByTheSameReactor ) {
    EXPECT_EQ( other->publisher().subscribers(), 1U );
 }
 
-TEST_P( BothVariants, ATunnelInterfaceSeenWhileSwitchedOffIsNotListenedTo ) {
+TEST_P( Lifecycle, ATunnelInterfaceSeenWhileSwitchedOffIsNotListenedTo ) {
    auto const sm = leaf.machineNew( GetParam() );
    sm->hasNotificationActiveIs( false );
    sm->vtiStatusIs( Quelm::make< Vxlan::VtiStatus >( intf( "Vxlan1" ) ) );
@@ -227,14 +233,14 @@ TEST_P( BothVariants, ATunnelInterfaceSeenWhileSwitchedOffIsNotListenedTo ) {
    EXPECT_TRUE( sm->vtiStatus( intf( "Vxlan1" ) )->hasNotificationActive() );
 }
 
-TEST_P( BothVariants, AnEmptyMemberIsRefused ) {
+TEST_P( Lifecycle, AnEmptyMemberIsRefused ) {
    auto const sm = leaf.machineNew( GetParam() );
    EXPECT_THROW( sm->vtiStatusIs( nullptr ), Quelm::NullArgumentError );
    EXPECT_THROW( sm->oxaEvpnTepSegmentIs( nullptr ), Quelm::NullArgumentError );
    EXPECT_THROW( sm->lagPhyIntfConfigIs( nullptr ), Quelm::NullArgumentError );
 }
 
-TEST_P( BothVariants, EveryReactorOfACollectionCanBeRetiredAtOnce ) {
+TEST_P( Lifecycle, EveryReactorOfACollectionCanBeRetiredAtOnce ) {
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan2" ) );
    auto const sm = leaf.machineNew( GetParam() );
@@ -251,7 +257,7 @@ TEST_P( BothVariants, EveryReactorOfACollectionCanBeRetiredAtOnce ) {
 
 // --- Records
 
-TEST_P( BothVariants, KeepsOneRecordAUnit ) {
+TEST_P( Lifecycle, KeepsOneRecordAUnit ) {
    auto const sm = leaf.machineNew( GetParam() );
    EXPECT_FALSE( sm->tepIpToEntry( 0U ) );
    auto const record = sm->tepIpToEntryIs( U16{ 0 } );
@@ -264,7 +270,7 @@ TEST_P( BothVariants, KeepsOneRecordAUnit ) {
 
 // --- The clock
 
-TEST_P( BothVariants, ReportedRoomLeadsToOneRetryAtTheNextTurn ) {
+TEST_P( Lifecycle, ReportedRoomLeadsToOneRetryAtTheNextTurn ) {
    auto const sm = leaf.machineNew( GetParam() );
    sm->tcamManager()->exhaustedIs( 0, true );
    EXPECT_FALSE( sm->kivClock().isArmed() );
@@ -276,7 +282,7 @@ TEST_P( BothVariants, ReportedRoomLeadsToOneRetryAtTheNextTurn ) {
    EXPECT_FALSE( leaf.activity.clock()->fireOne() );
 }
 
-TEST_P( BothVariants, OutOfServiceTheClockCallsNobody ) {
+TEST_P( Lifecycle, OutOfServiceTheClockCallsNobody ) {
    auto const sm = leaf.machineNew( GetParam() );
    sm->handleTcamExhaustion();
    sm->kivDoZombieReactors( true );
@@ -285,7 +291,7 @@ TEST_P( BothVariants, OutOfServiceTheClockCallsNobody ) {
    EXPECT_TRUE( leaf.traces.empty() );
 }
 
-TEST_P( BothVariants, WithoutItsMachineTheClockCallsNobody ) {
+TEST_P( Lifecycle, WithoutItsMachineTheClockCallsNobody ) {
    auto const sm = leaf.machineNew( GetParam() );
    EXPECT_EQ( sm->kivClock().evpnMultihomingLocalBiasSm(), sm.get() );
    sm->handleTcamExhaustion();
@@ -295,7 +301,7 @@ TEST_P( BothVariants, WithoutItsMachineTheClockCallsNobody ) {
    EXPECT_TRUE( leaf.traces.empty() );
 }
 
-TEST_P( BothVariants, APortChannelThatIsReplacedIsWatchedByTheSameReactor ) {
+TEST_P( Lifecycle, APortChannelThatIsReplacedIsWatchedByTheSameReactor ) {
    leaf.memberIs( "Port-Channel3", "Ethernet3" );
    auto const sm = leaf.machineNew( GetParam() );
    auto const reactor = sm->lagPhyIntfConfig( intf( "Port-Channel3" ) );
@@ -305,7 +311,7 @@ TEST_P( BothVariants, APortChannelThatIsReplacedIsWatchedByTheSameReactor ) {
    EXPECT_EQ( reactor->notifier(), other );
 }
 
-TEST_P( BothVariants, SegmentsAndPortChannelsAreListenedToFromTheFirst ) {
+TEST_P( Lifecycle, SegmentsAndPortChannelsAreListenedToFromTheFirst ) {
    auto const sm = leaf.machineNew( GetParam() );
    sm->hasNotificationActiveIs( false );
    sm->oxaEvpnTepSegmentIs( Quelm::make< Oxa::EvpnTepSegment >( ip( "10.0.0.2" ) ) );
@@ -316,7 +322,7 @@ TEST_P( BothVariants, SegmentsAndPortChannelsAreListenedToFromTheFirst ) {
 
 // --- The ring
 
-TEST_P( BothVariants, TheRingHoldsTheMarkedLinesOfEveryLevelAndNoOthersAlsoWithTheTextTraceOff ) {
+TEST_P( Lifecycle, TheRingHoldsTheMarkedLinesOfEveryLevelAndNoOthersAlsoWithTheTextTraceOff ) {
    std::vector< std::byte > memory( Trace::Ring::sizeFor( 64 ) );
    Trace::Ring ring( memory );
    Trace::ringIs( &ring );
@@ -342,100 +348,6 @@ TEST_P( BothVariants, TheRingHoldsTheMarkedLinesOfEveryLevelAndNoOthersAlsoWithT
                         "7 getPortListsOnUpdate, lport change for intf Ethernet1",
                         "2 handleVornalIntfToPort, SM not initialized yet",
                      } ) );
-}
-
-// --- The end
-
-TEST_P( BothVariants, ANestedReactorThatOutlivesItsMachineHasForgottenIt ) {
-   shareEthernet1();
-   auto sm = leaf.machineNew( GetParam() );
-   auto const reactor = sm->oxaEvpnTepSegment( ip( "10.0.0.2" ) );
-   sm = nullptr;
-   EXPECT_FALSE( reactor->evpnMultihomingLocalBiasSm() );
-   EXPECT_DEATH( reactor->handleSegmentSet( intf( "Ethernet1" ) ),
-                 "Assertion 'evpnMultihomingLocalBiasSm\\(\\)' failed" );
-}
-
-TEST_P( BothVariants, AHeldReactorOfAMachineThatEndedSwitchedOffHearsNothing ) {
-   auto const tunnel = leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
-   auto const segment = Quelm::make< Oxa::EvpnTepSegment >( ip( "10.0.0.2" ) );
-   auto const portChannel = Quelm::make< Lag::LagPhyIntfConfig >( intf( "Port-Channel3" ) );
-   auto sm = leaf.machineNew( GetParam() );
-   sm->hasNotificationActiveIs( false );
-   sm->oxaEvpnTepSegmentIs( segment );
-   sm->lagPhyIntfConfigIs( portChannel );
-   auto const ofSegment = sm->oxaEvpnTepSegment( ip( "10.0.0.2" ) );
-   auto const ofTunnel = sm->vtiStatus( intf( "Vxlan1" ) );
-   auto const ofPortChannel = sm->lagPhyIntfConfig( intf( "Port-Channel3" ) );
-   ofTunnel->hasNotificationActiveIs( true );
-   leaf.forget();
-   sm = nullptr;
-   segment->segmentSetIs( intf( "Ethernet1" ) );
-   tunnel->vrfToVniMapIs( L3::VrfName( "red" ), Vxlan::VniExtOrNone( 50001 ) );
-   portChannel->phyIntfIs( intf( "Ethernet3" ) );
-   EXPECT_TRUE( leaf.traces.empty() );
-   EXPECT_FALSE( ofSegment->hasNotificationActive() );
-   EXPECT_FALSE( ofSegment->evpnMultihomingLocalBiasSm() );
-   EXPECT_FALSE( ofTunnel->evpnMultihomingLocalBiasSm() );
-   EXPECT_FALSE( ofPortChannel->evpnMultihomingLocalBiasSm() );
-}
-
-TEST( ClassIdVariant, ItsReactorsAreOutOfServiceBeforeItLetsGoOfTheEgressGroup ) {
-   LocalBiasSwitch leaf;
-   Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus > reactor;
-   Lines story;
-   auto const noteRelease = [ & ] {
-      story.push_back( reactor->hasNotificationActive() ? "released, listening" : "released" );
-      story.push_back( reactor->isZombie() ? "out of service" : "in service" );
-   };
-   leaf.egress = Quelm::make< Support::Observed< Chip::SoftTcamEntryManager > >(
-      Support::Listener{ .onRelease = noteRelease }, Vornal::kEfpLocalBiasGroup, leaf.board.units(),
-      &leaf.callObserver() );
-   leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
-   auto sm = leaf.machineNew( Variant::I2EClassId );
-   reactor = sm->vtiStatus( intf( "Vxlan1" ) );
-   leaf.egress = nullptr;
-   EXPECT_TRUE( story.empty() );
-   sm = nullptr;
-   EXPECT_EQ( story, ( Lines{ "released", "out of service" } ) );
-}
-
-TEST( ClassIdVariant, WithoutAnyInputItIsEmpty ) {
-   LocalBiasSwitch leaf;
-   auto const sm =
-      Vornal::evpnMultihomingLocalBiasWithI2EClassIdSmFactory( nullptr, nullptr, nullptr, nullptr,
-                                                               nullptr, nullptr, nullptr, nullptr,
-                                                               nullptr, nullptr, nullptr, nullptr );
-   EXPECT_TRUE( sm->initialized() );
-   EXPECT_FALSE( sm->unitUsesOrNeedsTcams( 0 ) );
-   sm->handleRemoteVport( Support::vtep( "10.0.0.2" ) );
-   sm->handleVerify();
-}
-
-TEST_P( BothVariants, DestroyedItLeavesEveryRuleAndNoSubscription ) {
-   shareEthernet1();
-   leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) )
-      ->vrfToVniMapIs( L3::VrfName( "red" ), Vxlan::VniExtOrNone( 50001 ) );
-   auto sm = leaf.machineNew( GetParam() );
-   leaf.classIdIs( "10.0.0.2", 5 );
-   sm->handleTcamExhaustion();
-   auto const manager = sm->tcamManager();
-   U32 const used = leaf.board.entryManager( Vornal::kIfpLocalBiasGroup )->used( 0 );
-   U32 const usedAtEgress = leaf.board.entryManager( Vornal::kEfpLocalBiasGroup )->used( 0 );
-   EXPECT_EQ( usedAtEgress, GetParam() == Variant::I2EClassId ? 1U : 0U );
-   EXPECT_EQ( used, 4U );  // two unicast exemptions, the VTEP's entry, the VNI's
-   auto const segment = leaf.dir->tepSegment( ip( "10.0.0.2" ) );
-   leaf.forget();
-   sm = nullptr;
-   EXPECT_TRUE( leaf.calls.empty() );
-   EXPECT_TRUE( leaf.traces.empty() );
-   EXPECT_EQ( leaf.board.entryManager( Vornal::kIfpLocalBiasGroup )->used( 0 ), used );
-   EXPECT_EQ( leaf.board.entryManager( Vornal::kEfpLocalBiasGroup )->used( 0 ), usedAtEgress );
-   EXPECT_FALSE( leaf.vcsd->publisher().hasSubscribers() );
-   EXPECT_FALSE( leaf.dir->publisher().hasSubscribers() );
-   EXPECT_FALSE( manager->publisher().hasSubscribers() );
-   EXPECT_FALSE( segment->publisher().hasSubscribers() );
-   EXPECT_FALSE( leaf.activity.clock()->nextWakeUp() );
 }
 
 }  // namespace

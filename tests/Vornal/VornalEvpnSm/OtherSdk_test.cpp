@@ -9,6 +9,7 @@
 
 #include "../support/LocalBiasSwitch.h"
 #include "../support/Stops.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -116,12 +117,7 @@ class AnotherSdk : public testing::TestWithParam< Variant > {
    OtherLeaf leaf;
 };
 
-INSTANTIATE_TEST_SUITE_P( Shim, AnotherSdk,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ),
-                          []( auto const & variant ) {
-                             return variant.param == Variant::EgressMask ? "EgressMask"
-                                                                         : "I2EClassId";
-                          } );
+INSTANTIATE_TEST_SUITE_P( Shim, AnotherSdk, Support::bothVariants, Support::nameOfVariant );
 
 TEST_P( AnotherSdk, TakesItsOwnSuccessCodeForSuccessOfEveryInstallAndReinstall ) {
    leaf.programEveryRule( GetParam() );

@@ -8,6 +8,7 @@
 
 #include "../support/RoutedSwitch.h"
 #include "../support/Stops.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -45,12 +46,9 @@ class PerVniMulticast : public testing::TestWithParam< Variant > {
 
 using PerVniMulticastDeathTest = PerVniMulticast;
 
-auto const name = []( auto const & variant ) {
-   return variant.param == Variant::EgressMask ? "EgressMask" : "I2EClassId";
-};
-auto const bothVariants = testing::Values( Variant::EgressMask, Variant::I2EClassId );
-INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticast, bothVariants, name );
-INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticastDeathTest, bothVariants, name );
+INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticast, Support::bothVariants, Support::nameOfVariant );
+INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticastDeathTest, Support::bothVariants,
+                          Support::nameOfVariant );
 
 // --- One rule
 

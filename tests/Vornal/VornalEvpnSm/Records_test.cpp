@@ -178,7 +178,13 @@ TEST( SharedESPortInfo, DiffersByBitmapEvenWhenTheListsAreEqual ) {
    EXPECT_EQ( infoOf( { 5 }, ports ), infoOf( { 5 }, ports ) );
    EXPECT_NE( infoOf( { 5 }, ports ), infoOf( { 6 }, ports ) );
    EXPECT_NE( infoOf( { 5 }, ports ), infoOf( { 5 }, {} ) );
-   EXPECT_NE( listsOf( ports, {} ), listsOf( {}, ports ) );
+}
+
+TEST( PortListsOnUpdate, DiffersByEitherList ) {
+   VornalPortList const ports = portsOf( { VornalPort( 0, 5 ) } );
+   EXPECT_EQ( listsOf( ports, ports ), listsOf( ports, ports ) );
+   EXPECT_NE( listsOf( ports, {} ), listsOf( {}, {} ) );
+   EXPECT_NE( listsOf( {}, ports ), listsOf( {}, {} ) );
 }
 
 TEST( SharedESPortInfo, CannotBeHashed ) {

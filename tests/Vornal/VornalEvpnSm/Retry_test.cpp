@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "../support/RoutedSwitch.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -37,12 +38,7 @@ class Retry : public testing::TestWithParam< Variant > {
    Machine sm;
 };
 
-INSTANTIATE_TEST_SUITE_P( FullTcam, Retry,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ),
-                          []( auto const & variant ) {
-                             return variant.param == Variant::EgressMask ? "EgressMask"
-                                                                         : "I2EClassId";
-                          } );
+INSTANTIATE_TEST_SUITE_P( FullTcam, Retry, Support::bothVariants, Support::nameOfVariant );
 
 // --- Into the queue
 

@@ -6,6 +6,7 @@
 #include "../support/LocalBiasSwitch.h"
 #include "../support/Observed.h"
 #include "../support/Tcam.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -124,12 +125,7 @@ class Switching : public testing::TestWithParam< Variant > {
    }
 };
 
-INSTANTIATE_TEST_SUITE_P( Lifecycle, Switching,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ),
-                          []( auto const & variant ) {
-                             return variant.param == Variant::EgressMask ? "EgressMask"
-                                                                         : "I2EClassId";
-                          } );
+INSTANTIATE_TEST_SUITE_P( Lifecycle, Switching, Support::bothVariants, Support::nameOfVariant );
 
 Lines const subscriptions{
    "subscription of vcsd",       "subscription of dir",     "subscription of vpIndexStatus",

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "../support/RoutedSwitch.h"
+#include "../support/Variants.h"
 
 namespace {
 
@@ -49,13 +50,9 @@ class Verification : public testing::TestWithParam< Variant > {
 
 using EgressMaskVerification = Verification;
 
-auto const name = []( auto const & variant ) {
-   return variant.param == Variant::EgressMask ? "EgressMask" : "I2EClassId";
-};
-INSTANTIATE_TEST_SUITE_P( Agreement, Verification,
-                          testing::Values( Variant::EgressMask, Variant::I2EClassId ), name );
+INSTANTIATE_TEST_SUITE_P( Agreement, Verification, Support::bothVariants, Support::nameOfVariant );
 INSTANTIATE_TEST_SUITE_P( Agreement, EgressMaskVerification, testing::Values( Variant::EgressMask ),
-                          name );
+                          Support::nameOfVariant );
 
 // --- When nothing is verified
 
