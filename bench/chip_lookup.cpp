@@ -2,53 +2,23 @@
 // unicast exemptions, per-VNI rules. A packet pipeline makes one such lookup for each frame.
 #include <benchmark/benchmark.h>
 
-#include <Board/Board.h>
-#include <FieldProcessor/Gport.h>
+#include <support/ProgrammedChip.h>
 
 namespace {
 
 using Chip::IngressFields;
 
-constexpr U32 kExact = BCM_FIELD_EXACT_MATCH_MASK;
-
 // Unit 0 with `rules` ingress rules, a quarter of them for VNIs.
-class FilledChip {
+class FilledChip : public Bench::ProgrammedChip {
  public:
-   explicit FilledChip( U32 rules )
-         : board( { { { 0, 0, { { Vornal::kIfpLocalBiasGroup, rules } } } } } ),
-           ifp( board.entryManager( Vornal::kIfpLocalBiasGroup ) ),
-           group( *board.units().group( 0, Vornal::kIfpLocalBiasGroup ) ) {
-      exemption( BCM_FIELD_PKT_RES_L2UC );
-      exemption( BCM_FIELD_PKT_RES_L3UCKNOWN );
+   explicit FilledChip( U32 rules ) : ProgrammedChip( rules ) {
+      addExemptions();
       for ( U32 n = 2; n < rules; ++n ) {
-         n % 4 == 0 ? perVni( n ) : perVtep( static_cast< U16 >( n ) );
+         n % 4 == 0 ? addPerVni( n ) : addMaskOfVtep( static_cast< U16 >( n ) );
       }
    }
 
-   void exemption( U32 packetRes ) {
-      U32 const id = ifp->getEntry( 0, "no-op", {} );
-      board.sdk().bcm_field_qualify_PacketRes( 0, id, packetRes, 0xff );
-      board.sdk().bcm_field_qualify_TunnelTerminated( 0, id, 1, 1 );
-      ifp->installEntry( 0, id );
-   }
-   void perVtep( U16 vpIndex ) {
-      U32 const id = ifp->getEntry( 0, "from vtep", {} );
-      board.sdk().bcm_field_qualify_SrcVxlanGport( 0, id, Chip::vxlanGportOf( vpIndex ) );
-      ifp->setPriorityForEntry( 0, id, 1 );
-      ifp->addEgressMaskAction( 0, id, {} );
-      ifp->installEntry( 0, id );
-   }
-   void perVni( U32 vni ) {
-      U32 const id = ifp->getEntry( 0, "no-op", {} );
-      board.sdk().bcm_field_qualify_VxlanNetworkId( 0, id, vni, kExact );
-      board.sdk().bcm_field_qualify_PacketRes( 0, id, board.sdk().packetResL3McKnown(), kExact );
-      ifp->setPriorityForEntry( 0, id, 2 );
-      ifp->installEntry( 0, id );
-   }
-
-   Chip::Board board;
-   Quelm::Ptr< Chip::SoftTcamEntryManager > ifp;
-   Chip::Group const & group;
+   Chip::Group const & group = *board.units().group( 0, Vornal::kIfpLocalBiasGroup );
 };
 
 void lookUp( benchmark::State & state ) {
@@ -70,11 +40,11 @@ void comeAndGo( benchmark::State & state ) {
    FilledChip chip( rules );
    U32 id = 3;  // the first VTEP's
    for ( auto _ : state ) {
-      chip.ifp->releaseEntry( 0, id );
-      id = chip.ifp->getEntry( 0, "from vtep", {} );
+      chip.ingress->releaseEntry( 0, id );
+      id = chip.ingress->getEntry( 0, "from vtep", {} );
       chip.board.sdk().bcm_field_qualify_SrcVxlanGport( 0, id, Chip::vxlanGportOf( 2 ) );
-      chip.ifp->addEgressMaskAction( 0, id, {} );
-      chip.ifp->installEntry( 0, id );
+      chip.ingress->addEgressMaskAction( 0, id, {} );
+      chip.ingress->installEntry( 0, id );
    }
    state.SetItemsProcessed( state.iterations() );
 }

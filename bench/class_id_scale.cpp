@@ -7,10 +7,9 @@
 
 #include <malloc.h>
 
-#include <Board/Board.h>
+#include <support/SwitchState.h>
+
 #include <Peers/ClassIdAllocator.h>
-#include <Lag/LagPhyIntfMappingSm.h>
-#include <Oxa/OxaEvpnTepSegmentSm.h>
 #include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
 namespace {
@@ -28,7 +27,7 @@ Pelk::IpGenAddr vtep( U32 number ) {
       { 10, 1, static_cast< U8 >( number >> 8 ), static_cast< U8 >( number & 0xff ) } );
 }
 
-Chip::BoardConfig board() {
+Chip::BoardConfig boardConfig() {
    Chip::BoardConfig config;
    for ( U16 unit = 0; unit < kUnits; ++unit ) {
       config.units.push_back( { unit,
@@ -40,54 +39,45 @@ Chip::BoardConfig board() {
 }
 
 // The switch, the other agents that matter, and the machine, on which nothing is shared yet.
-class Switch {
+class Switch : public Support::SwitchState {
  public:
-   Switch() {
-      Shim::sdk_ = &board_.sdk();
-      for ( U16 unit = 0; unit < kUnits; ++unit ) {
-         vcsd_->vornalModIdIs( unit, static_cast< U16 >( unit + 1 ) );
-      }
+   Switch() : SwitchState( boardConfig() ) {
+      Shim::sdk_ = &board.sdk();
       for ( U32 number = 0; number < kPortChannels * kUnits; ++number ) {
          addMember( number );
       }
-      lagSm_->hasNotificationActiveIs( true );
-      segmentSm_->hasNotificationActiveIs( true );
       inTurns( [ this ] { allocator_.start(); } );
       machine_ = Vornal::evpnMultihomingLocalBiasWithI2EClassIdSmFactory(
-         vcsd_, dir_, vpIndexStatus_, evpnStatus_, Quelm::make< Vxlan::VtiStatusDir >( "vti" ),
-         board_.entryManager( Vornal::kIfpLocalBiasGroup ), activity_.clock(), lagConfig_,
-         lagMapping_, board_.entryManager( Vornal::kEfpLocalBiasGroup ), config_, status_ );
+         vcsd, dir, vpIndexStatus, evpnStatus, vtiStatusDir,
+         board.entryManager( Vornal::kIfpLocalBiasGroup ), activity.clock(), lagConfig, lagMapping,
+         board.entryManager( Vornal::kEfpLocalBiasGroup ), classIdConfig, classIdStatus );
    }
 
    void bringUp( U32 vteps ) {
       for ( U32 number = 0; number < vteps; ++number ) {
-         activity_.turnNew( [ this, number ] {
-            vpIndexStatus_->remoteVportIs( VornalCentral::getRemoteVtepKeyForIp( vtep( number ) ),
-                                           number + 1 );
-            evpnStatus_->segmentStatusIs( portChannel( number % kPortChannels ) )
+         activity.turnNew( [ this, number ] {
+            vpIndexStatus->remoteVportIs( VornalCentral::getRemoteVtepKeyForIp( vtep( number ) ),
+                                          number + 1 );
+            evpnStatus->segmentStatusIs( portChannel( number % kPortChannels ) )
                ->remoteTepIs( vtep( number ) );
          } );
       }
-      activity_.run();
+      activity.run();
    }
 
    void remove( U32 vteps ) {
       for ( U32 number = 0; number < vteps; ++number ) {
-         activity_.turnNew( [ this, number ] {
-            evpnStatus_->segmentStatus( portChannel( number % kPortChannels ) )
+         activity.turnNew( [ this, number ] {
+            evpnStatus->segmentStatus( portChannel( number % kPortChannels ) )
                ->remoteTepDel( vtep( number ) );
          } );
       }
-      activity_.run();
+      activity.run();
    }
 
    U32 rules() const {
       U32 rules = 0;
-      for ( auto const & [ number, unit ] : board_.units() ) {
-         for ( auto const & [ assignment, group ] : unit.groups() ) {
-            rules += group.used();
-         }
-      }
+      board.units().forEachEntry( [ & ]( auto const &... ) { ++rules; } );
       return rules;
    }
 
@@ -95,36 +85,19 @@ class Switch {
    void addMember( U32 number ) {
       auto const unit = static_cast< U16 >( number / kPortChannels );
       auto const port = static_cast< U16 >( number % kPortChannels );
-      auto const intf = Pelk::IntfId::fromString( "Ethernet" + std::to_string( number + 1 ) );
-      vcsd_->intfPortIs( intf, VornalTypes::VornalPort( unit, port, U16( unit + 1 ) ) );
-      lagConfig_->phyIntfIs( intf )->lagIs( portChannel( number % kPortChannels ) );
+      std::string const name = "Ethernet" + std::to_string( number + 1 );
+      interfaceIs( name, unit, port );
+      memberIs( portChannel( number % kPortChannels ).stringValue(), name );
    }
 
    void inTurns( std::function< void() > work ) {
-      activity_.turnNew( std::move( work ) );
-      activity_.run();
+      activity.turnNew( std::move( work ) );
+      activity.run();
    }
 
-   Kiv::ActivityManager activity_;
-   Chip::Board board_{ board() };
-   Quelm::Ptr< Vornal::VornalCommonSmData > vcsd_ =
-      Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
-   Quelm::Ptr< Oxa::EvpnTepSegmentDir > dir_ = Oxa::evpnTepSegmentDirFactory( "segments" );
-   Quelm::Ptr< VornalCentral::VpIndexStatus > vpIndexStatus_ =
-      Quelm::make< VornalCentral::VpIndexStatus >( "vp" );
-   Quelm::Ptr< Evpn::EvpnStatus > evpnStatus_ = Quelm::make< Evpn::EvpnStatus >( "evpn" );
-   Quelm::Ptr< Lag::Config > lagConfig_ = Quelm::make< Lag::Config >( "lag" );
-   Quelm::Ptr< Lag::LagPhyIntfMapping > lagMapping_ =
-      Quelm::make< Lag::LagPhyIntfMapping >( "lagToMembers" );
-   Quelm::Ptr< Lag::LagPhyIntfMappingSm > lagSm_ =
-      Lag::LagPhyIntfMappingSm::LagPhyIntfMappingSmIs( lagConfig_, lagMapping_ );
-   Quelm::Ptr< Oxa::OxaEvpnTepSegmentSm > segmentSm_ =
-      Oxa::OxaEvpnTepSegmentSm::OxaEvpnTepSegmentSmIs( evpnStatus_, dir_, nullptr, lagMapping_ );
-   Quelm::Ptr< VornalCentral::I2EClassIdIndexConfig > config_ =
-      Quelm::make< VornalCentral::I2EClassIdIndexConfig >( "requests" );
-   Quelm::Ptr< VornalCentral::I2EClassIdIndexStatus > status_ =
-      Quelm::make< VornalCentral::I2EClassIdIndexStatus >( "grants" );
-   Peers::ClassIdAllocator allocator_{ { 1, kMostVteps + 1, 0 }, activity_, config_, status_ };
+   Peers::ClassIdAllocator allocator_{
+      { 1, kMostVteps + 1, 0 }, activity, classIdConfig, classIdStatus
+   };
    Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm > machine_;
 };
 

@@ -4,14 +4,13 @@
 
 #include <filesystem>
 
-#include <Board/Board.h>
 #include <Capture/CaptureReader.h>
 #include <Capture/PortCaptures.h>
 #include <Frames/FrameFields.h>
 #include <Frames/Headers.h>
-#include <FieldProcessor/Gport.h>
-#include <SoftSdk/PortBitmap.h>
+#include <Pipeline/Pipeline.h>
 #include <pcap/pcap.h>
+#include <support/ProgrammedChip.h>
 #include <tins/ethernetII.h>
 #include <tins/ip.h>
 #include <tins/rawpdu.h>
@@ -22,7 +21,6 @@ namespace {
 using Pelk::IntfId;
 using Pelk::IpGenAddr;
 
-constexpr U32 kExact = BCM_FIELD_EXACT_MATCH_MASK;
 constexpr U32 kRules = 256;
 constexpr U16 kPorts = 8;
 VornalTypes::VornalPort const kUnderlay{ 0, 49 };
@@ -44,9 +42,9 @@ class Sink final : public Chip::Transmitter {
 
 // One unit: an underlay port and eight access ports, VTEPs 10.0.0.2 and up, all 256 entries of both
 // groups used. Each VTEP's frames are marked with a class id; port 1 drops them.
-class Switch {
+class Switch : public Bench::ProgrammedChip {
  public:
-   Switch() : pipeline( board.units() ) {
+   Switch() : ProgrammedChip( kRules ) {
       Chip::ForwardingConfig config;
       config.vtepIpv4 = vtep( 1 );
       config.vtepIpv6 = IpGenAddr::fromString( "2001:db8::1" );
@@ -59,11 +57,10 @@ class Switch {
               .logicalPort = port,
               .vlans = { {}, 10 } } );
       }
-      exemption( BCM_FIELD_PKT_RES_L2UC );
-      exemption( BCM_FIELD_PKT_RES_L3UCKNOWN );
+      addExemptions();
       for ( U16 n = 2; n < kRules; ++n ) {
          config.tunnels[ vtep( n ) ] = { .vpIndex = n };
-         perVtep( n );
+         addClassOfVtep( n );
       }
       U16 const sixth = 1000;
       for ( U16 n = 2; n <= 4; ++n ) {
@@ -72,40 +69,12 @@ class Switch {
                                                                    sixth + n ) };
       }
       for ( U16 n = 2; n < kRules + 2; ++n ) {
-         dropOnPort1( n );
+         addDrop( n, 1 );
       }
       pipeline.forwardingIs( config );
    }
 
-   Chip::Board board{ { { { 0, 0, { { 157, kRules }, { 45, kRules } } } } } };
-   Chip::Pipeline pipeline;
-
- private:
-   void exemption( U32 packetRes ) {
-      U32 const id = ifp->getEntry( 0, "no-op", {} );
-      board.sdk().bcm_field_qualify_PacketRes( 0, id, packetRes, 0xff );
-      board.sdk().bcm_field_qualify_TunnelTerminated( 0, id, 1, 1 );
-      ifp->installEntry( 0, id );
-   }
-   void perVtep( U16 vpIndex ) {
-      U32 const id = ifp->getEntry( 0, "from vtep", {} );
-      board.sdk().bcm_field_qualify_SrcVxlanGport( 0, id, Chip::vxlanGportOf( vpIndex ) );
-      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionEgressClassSelect,
-                                        BCM_FIELD_EGRESS_CLASS_SELECT_NEW, 0 );
-      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionNewClassId, vpIndex, 0 );
-      ifp->installEntry( 0, id );
-   }
-   void dropOnPort1( U16 classId ) {
-      U32 const id = efp->getEntry( 0, "drop", {} );
-      board.sdk().bcm_field_qualify_DstPort( 0, id, 0, kExact, 1, kExact );
-      board.sdk().bcm_field_qualify_IpType( 0, id, bcmFieldIpTypeAny );
-      board.sdk().bcm_field_qualify_IngressClassField( 0, id, classId, kExact );
-      board.sdk().bcm_field_action_add( 0, id, bcmFieldActionDrop, 0, 0 );
-      efp->installEntry( 0, id );
-   }
-
-   Quelm::Ptr< Chip::SoftTcamEntryManager > ifp = board.entryManager( 157 );
-   Quelm::Ptr< Chip::SoftTcamEntryManager > efp = board.entryManager( 45 );
+   Chip::Pipeline pipeline{ board.units() };
 };
 
 Chip::FrameFields broadcastFrom( U32 n ) {

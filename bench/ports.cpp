@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <new>
 
-#include <Kiv/Activity.h>
 #include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
+#include <support/SwitchState.h>
 
 namespace {
 
@@ -37,47 +37,46 @@ std::size_t allocations = 0;
 
 namespace {
 
-Pelk::IpGenAddr const vtep = Pelk::IpGenAddr::fromString( "10.0.0.2" );
+constexpr char const * kVtep = "10.0.0.2";
 
 // A switch whose `ports` interfaces are shared with one VTEP.
-class Switch {
+class Switch : public Support::SwitchState {
  public:
-   Switch( U16 ports, bool onPortChannel ) {
-      auto const segment = Quelm::make< Oxa::EvpnTepSegment >( vtep );
-      Pelk::IntfId const lag = Pelk::IntfId::fromString( "Port-Channel1" );
+   Switch( U16 ports, bool onPortChannel )
+         : SwitchState( Chip::BoardConfig{ { { .number = 0 } } } ) {
+      Shim::sdk_ = &board.sdk();
+      std::string const lag = "Port-Channel1";
       for ( U16 port = 0; port < ports; ++port ) {
-         auto const intfId = Pelk::IntfId::fromString( "Ethernet" + std::to_string( port + 1 ) );
-         vcsd_->intfPortIs( intfId, VornalTypes::VornalPort( 0, port ) );
+         std::string const name = "Ethernet" + std::to_string( port + 1 );
+         interfaceIs( name, 0, port );
          if ( onPortChannel ) {
-            mapping_->lagPhyIntfConfigIs( lag )->phyIntfIs( intfId );
+            memberIs( lag, name );
          } else {
-            segment->segmentSetIs( intfId );
+            segmentIs( name, { kVtep } );
          }
       }
       if ( onPortChannel ) {
-         segment->segmentSetIs( lag );
+         segmentIs( lag, { kVtep } );
       }
-      dir_->tepSegmentIs( segment );
+      activity.turnNew( [ this ] {
+         machine_ = Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory(
+            vcsd, dir, vpIndexStatus, evpnStatus, vtiStatusDir,
+            board.entryManager( Vornal::kIfpLocalBiasGroup ), activity.clock(), lagConfig,
+            lagMapping );
+      } );
+      activity.run();
    }
 
    Vornal::EvpnMultihomingLocalBiasSm & machine() { return *machine_; }
 
  private:
-   Kiv::ActivityManager activity_;
-   Quelm::Ptr< Vornal::VornalCommonSmData > vcsd_ =
-      Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
-   Quelm::Ptr< Oxa::EvpnTepSegmentDir > dir_ = Oxa::evpnTepSegmentDirFactory( "segments" );
-   Quelm::Ptr< Lag::LagPhyIntfMapping > mapping_ =
-      Quelm::make< Lag::LagPhyIntfMapping >( "lagToMembers" );
-   Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm > machine_ =
-      Vornal::evpnMultihomingLocalBiasWithEgressMaskSmFactory( vcsd_, dir_, nullptr, nullptr,
-                                                               nullptr, nullptr, nullptr, nullptr,
-                                                               mapping_ );
+   Quelm::Ptr< Vornal::EvpnMultihomingLocalBiasSm > machine_;
 };
 
 void sharedPorts( benchmark::State & state, bool onPortChannel ) {
    auto const ports = static_cast< U16 >( state.range( 0 ) );
    Switch leaf( ports, onPortChannel );
+   Pelk::IpGenAddr const vtep = Support::ip( kVtep );
    if ( leaf.machine().getSharedESPortInfo( 0, vtep ).sharedPortList().ports() != ports ) {
       state.SkipWithError( "not every port was resolved" );
    }
