@@ -49,14 +49,14 @@ std::map< std::string, std::string > verdictsOf( Story::FrameForwarded const & f
 
 using Verdicts = std::map< std::string, std::string >;
 
-TEST_F( Frames, cannot_come_in_on_an_interface_without_a_port ) {
+TEST_F( Frames, CannotComeInOnAnInterfaceWithoutAPort ) {
    runText( kSwitch + kForwarding + "  - frame: { on: Ethernet2, source: '00:00:5e:00:53:01' }\n" );
 
    EXPECT_EQ( badInputOf( story ),
               "scenario.yaml:18: Ethernet2 has no port; no frame can come in on it" );
 }
 
-TEST_F( Frames, are_told_with_their_verdict_at_every_port_and_the_rule_that_decided ) {
+TEST_F( Frames, AreToldWithTheirVerdictAtEveryPortAndTheRuleThatDecided ) {
    runText( kSwitch + kForwarding + kFromPeer + "  - ready: subagents::l2Ready\n" + kFromPeer );
 
    auto const told = story.all< Story::FrameForwarded >();
@@ -75,7 +75,7 @@ TEST_F( Frames, are_told_with_their_verdict_at_every_port_and_the_rule_that_deci
    EXPECT_EQ( told[ 1 ].ingress[ 0 ].rule->id, 3U );
 }
 
-TEST_F( Frames, follow_interfaces_port_channels_and_tunnels_as_they_are_published ) {
+TEST_F( Frames, FollowInterfacesPortChannelsAndTunnelsAsTheyArePublished ) {
    runText( kSwitch + kForwarding + kFromPeer +
             "  - publish: { interfaces: { Ethernet2: { unit: 0, port: 2 } } }\n" + kFromPeer +
             "  - withdraw: { interfaces: [ Ethernet1 ] }\n" + kFromPeer +
@@ -92,7 +92,7 @@ TEST_F( Frames, follow_interfaces_port_channels_and_tunnels_as_they_are_publishe
    EXPECT_EQ( verdictsOf( told[ 4 ] ).at( "Ethernet3" ), "not-designated" );
 }
 
-TEST_F( Frames, hold_expectations_to_each_frame_that_is_meant ) {
+TEST_F( Frames, HoldExpectationsToEachFrameThatIsMeant ) {
    runText( kSwitch + kForwarding + kFromPeer +
             "  - expect:\n"
             "      - frames: { from: 10.0.0.2, reach: [ Ethernet1, Ethernet3 ], count: 1 }\n"
@@ -118,7 +118,7 @@ TEST_F( Frames, hold_expectations_to_each_frame_that_is_meant ) {
                  "there are 0 such frames", "frame 1 is sent at Ethernet1" } ) );
 }
 
-TEST_F( Frames, of_a_host_on_a_segment_that_come_through_its_other_vtep_leave_it_there ) {
+TEST_F( Frames, OfAHostOnASegmentThatComeThroughItsOtherVtepLeaveItThere ) {
    runText( kSwitch + kForwarding +
             "  - frame: { on: Ethernet3, source: '00:00:5e:00:53:09' }\n"
             "  - frame: { from: 10.0.0.2, vni: 10100, source: '00:00:5e:00:53:09' }\n"
@@ -135,7 +135,7 @@ TEST_F( Frames, of_a_host_on_a_segment_that_come_through_its_other_vtep_leave_it
    EXPECT_EQ( failedExpectations(), 0U );
 }
 
-TEST_F( Frames, come_and_go_over_a_port_channel_as_underlay ) {
+TEST_F( Frames, ComeAndGoOverAPortChannelAsUnderlay ) {
    runText(
       "scenario: leaf\n"
       "switch:\n"
@@ -175,7 +175,7 @@ TEST_F( Frames, come_and_go_over_a_port_channel_as_underlay ) {
 std::string const kWithMember =
    "  - publish: { interfaces: { Ethernet2: { unit: 0, port: 2 } } }\n" + kFromPeer;
 
-TEST_F( Frames, are_never_expected_at_a_member_of_a_port_channel ) {
+TEST_F( Frames, AreNeverExpectedAtAMemberOfAPortChannel ) {
    runText( kSwitch + kForwarding + kWithMember +
             "  - expect:\n"
             "      - frames: { reach: [ Port-Channel2 ] }\n"
@@ -217,7 +217,7 @@ class FramesOfProgram : public testing::Test {
    Support::Directory directory;
 };
 
-TEST_F( FramesOfProgram, leave_into_captures_one_for_each_port ) {
+TEST_F( FramesOfProgram, LeaveIntoCapturesOneForEachPort ) {
    auto const out = directory.path() / "out";
    auto const ran = Support::vornal(
       { "run", scenario( kFromPeer + kFromPeer ).string(), "--pcap-out", out.string() } );
@@ -228,7 +228,7 @@ TEST_F( FramesOfProgram, leave_into_captures_one_for_each_port ) {
    EXPECT_FALSE( std::filesystem::exists( out / "unit0-port49.pcap" ) );
 }
 
-TEST_F( FramesOfProgram, are_in_the_captures_when_the_plug_in_stops ) {
+TEST_F( FramesOfProgram, AreInTheCapturesWhenThePlugInStops ) {
    auto const out = directory.path() / "out";
    auto const ran = Support::vornal(
       { "run",
@@ -244,7 +244,7 @@ TEST_F( FramesOfProgram, are_in_the_captures_when_the_plug_in_stops ) {
    EXPECT_EQ( framesIn( "unit0-port3.pcap" ), 1U );
 }
 
-TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
+TEST_F( FramesOfProgram, DoNotStayBesideThoseOfALaterRun ) {
    auto const out = directory.path() / "out";
    std::filesystem::create_directories( out );
    directory.file( "out/unit0-port7.pcap", "\xd4\xc3\xb2\xa1 and so on" );
@@ -265,7 +265,7 @@ TEST_F( FramesOfProgram, do_not_stay_beside_those_of_a_later_run ) {
    }
 }
 
-TEST_F( FramesOfProgram, do_not_replace_what_is_no_capture ) {
+TEST_F( FramesOfProgram, DoNotReplaceWhatIsNoCapture ) {
    auto const out = directory.path() / "out";
    std::filesystem::create_directories( out );
    auto const notes = directory.file( "out/unit0-port1.pcap", "scenario: mine\n" );
@@ -278,7 +278,7 @@ TEST_F( FramesOfProgram, do_not_replace_what_is_no_capture ) {
    EXPECT_EQ( Support::contentOf( notes ), "scenario: mine\n" );
 }
 
-TEST_F( FramesOfProgram, do_not_replace_a_capture_that_the_scenario_plays ) {
+TEST_F( FramesOfProgram, DoNotReplaceACaptureThatTheScenarioPlays ) {
    auto const out = directory.path() / "out";
    auto const ran = [ & ]( std::string const & steps ) {
       return Support::vornal( { "run", scenario( steps ).string(), "--pcap-out", out.string() } );
@@ -294,7 +294,7 @@ TEST_F( FramesOfProgram, do_not_replace_a_capture_that_the_scenario_plays ) {
    EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 1U );
 }
 
-TEST_F( FramesOfProgram, cannot_leave_into_a_file ) {
+TEST_F( FramesOfProgram, CannotLeaveIntoAFile ) {
    auto const file = directory.file( "file", "" );
    auto const ran = Support::vornal(
       { "run", scenario( kFromPeer ).string(), "--pcap-out", ( file / "out" ).string() } );
@@ -303,7 +303,7 @@ TEST_F( FramesOfProgram, cannot_leave_into_a_file ) {
    EXPECT_NE( ran.err.find( "name one that can be written to" ), std::string::npos ) << ran.err;
 }
 
-TEST_F( FramesOfProgram, need_a_folder_that_takes_files_before_the_run_begins ) {
+TEST_F( FramesOfProgram, NeedAFolderThatTakesFilesBeforeTheRunBegins ) {
    auto const ran =
       Support::vornal( { "run", scenario( kFromPeer ).string(), "--pcap-out", "/proc" } );
 
@@ -314,7 +314,7 @@ TEST_F( FramesOfProgram, need_a_folder_that_takes_files_before_the_run_begins ) 
               "that can be written to\n" );
 }
 
-TEST_F( FramesOfProgram, are_in_the_document_with_names_that_scripts_hold_on_to ) {
+TEST_F( FramesOfProgram, AreInTheDocumentWithNamesThatScriptsHoldOnTo ) {
    auto const ran = Support::vornal( { "run", scenario( kFromPeer ).string(), "--json" } );
    auto const document = nlohmann::json::parse( ran.out );
 
@@ -341,7 +341,7 @@ TEST_F( FramesOfProgram, are_in_the_document_with_names_that_scripts_hold_on_to 
    EXPECT_EQ( document.at( "steps" ).at( 1 ).at( "frames" ), nlohmann::json::array( { 1 } ) );
 }
 
-TEST_F( FramesOfProgram, are_shown_to_people_as_a_table_with_totals ) {
+TEST_F( FramesOfProgram, AreShownToPeopleAsATableWithTotals ) {
    auto const ran = Support::vornal( { "run", scenario( kFromPeer ).string() } );
 
    EXPECT_NE( ran.out.find( "   from      kind       frames  what became of them\n"
@@ -354,7 +354,7 @@ TEST_F( FramesOfProgram, are_shown_to_people_as_a_table_with_totals ) {
       << ran.out;
 }
 
-TEST_F( FramesOfProgram, that_cannot_be_read_end_the_run_before_any_of_them_comes_in ) {
+TEST_F( FramesOfProgram, ThatCannotBeReadEndTheRunBeforeAnyOfThemComesIn ) {
    directory.file( "no.pcap", "this is no capture" );
    auto const ran = Support::vornal(
       { "run", scenario( "  - frames: { capture: no.pcap, on: Ethernet49 }\n" ).string() } );
@@ -368,7 +368,7 @@ TEST_F( FramesOfProgram, that_cannot_be_read_end_the_run_before_any_of_them_come
    EXPECT_EQ( ran.out.find( "what became of them" ), std::string::npos );
 }
 
-TEST_F( FramesOfProgram, of_a_capture_that_is_not_there_are_refused_before_anything_is_loaded ) {
+TEST_F( FramesOfProgram, OfACaptureThatIsNotThereAreRefusedBeforeAnythingIsLoaded ) {
    auto const ran = Support::vornal(
       { "run", scenario( "  - frames: { capture: nowhere.pcap, on: Ethernet49 }\n" ).string() } );
 

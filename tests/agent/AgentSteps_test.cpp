@@ -8,7 +8,7 @@ namespace {
 
 using Steps = AgentRun;
 
-TEST_F( Steps, let_others_take_the_room_of_a_group_and_give_it_back ) {
+TEST_F( Steps, LetOthersTakeTheRoomOfAGroupAndGiveItBack ) {
    run(
       "   - foreign-entries: { group: ingress, unit: 0, count: 9 }\n"
       "   - ready: subagents::l2Ready\n"
@@ -24,7 +24,7 @@ TEST_F( Steps, let_others_take_the_room_of_a_group_and_give_it_back ) {
    EXPECT_EQ( held[ 0 ].held, 8U );
 }
 
-TEST_F( Steps, expect_rules_by_what_they_are_called_match_and_do ) {
+TEST_F( Steps, ExpectRulesByWhatTheyAreCalledMatchAndDo ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - expect:\n"
@@ -46,7 +46,7 @@ TEST_F( Steps, expect_rules_by_what_they_are_called_match_and_do ) {
               "there is one; the group has no other rules" );
 }
 
-TEST_F( Steps, dump_rules_and_entities ) {
+TEST_F( Steps, DumpRulesAndEntities ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - dump: rules\n"
@@ -58,7 +58,7 @@ TEST_F( Steps, dump_rules_and_entities ) {
    EXPECT_EQ( dumped.tree.type, "Evpn::EvpnStatus" );
 }
 
-TEST_F( Steps, end_the_run_at_a_dump_of_what_is_not_there ) {
+TEST_F( Steps, EndTheRunAtADumpOfWhatIsNotThere ) {
    run( "   - dump: /evpn/nothing\n" );
 
    EXPECT_NE( story.all< Story::BadInput >().at( 0 ).text.find( "leaf.yaml:20: " ),
@@ -82,20 +82,20 @@ std::string const kAsk =
 
 using Grants = std::vector< std::string >;
 
-TEST_F( Steps, are_over_when_the_allocator_has_served_what_they_ask_for ) {
+TEST_F( Steps, AreOverWhenTheAllocatorHasServedWhatTheyAskFor ) {
    run( kAsk );
 
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 1 ) ), Grants{ "1" } );
 }
 
-TEST_F( Steps, pause_the_allocator_and_let_it_serve ) {
+TEST_F( Steps, PauseTheAllocatorAndLetItServe ) {
    run( "   - class-id-allocator: paused\n" + kAsk + "   - class-id-allocator: serving\n" );
 
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 2 ) ), Grants() );
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 3 ) ), Grants{ "1" } );
 }
 
-TEST_F( Steps, grant_change_and_withdraw_class_ids_by_hand ) {
+TEST_F( Steps, GrantChangeAndWithdrawClassIdsByHand ) {
    run( kAsk +
         "   - publish: { class-id-grants: { 10.0.0.2: 7 } }\n"
         "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
@@ -105,7 +105,7 @@ TEST_F( Steps, grant_change_and_withdraw_class_ids_by_hand ) {
 }
 
 // The reader cannot know what is published behind a step of the generic interface.
-TEST_F( Steps, end_the_scenario_where_there_is_nothing_to_withdraw ) {
+TEST_F( Steps, EndTheScenarioWhereThereIsNothingToWithdraw ) {
    std::vector< std::pair< std::string, std::string > > const all{
       { "segments: { Ethernet1: [ 10.9.9.9 ] }",
         "10.9.9.9 is not attached to a segment on Ethernet1" },
@@ -127,7 +127,7 @@ TEST_F( Steps, end_the_scenario_where_there_is_nothing_to_withdraw ) {
    EXPECT_EQ( story.all< Story::BadInput >().size(), all.size() );
 }
 
-TEST_F( Steps, end_the_scenario_where_there_is_nothing_to_delete ) {
+TEST_F( Steps, EndTheScenarioWhereThereIsNothingToDelete ) {
    run( "   - delete: { entity: /evpn/status, attribute: segmentStatus, key: Ethernet77 }\n" );
 
    EXPECT_TRUE( badInput().ends_with(

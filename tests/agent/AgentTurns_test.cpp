@@ -36,7 +36,7 @@ std::string const kQueue =
    "/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm,\n"
    "                        attribute: unprogrammedTcamRulesList, key: blue, equals: 50002 } }\n";
 
-TEST_F( Turns, hold_several_changes_and_nothing_comes_in_between ) {
+TEST_F( Turns, HoldSeveralChangesAndNothingComesInBetween ) {
    play( Leaf(),
          kSwap +
             "   - turn:\n"
@@ -55,14 +55,14 @@ TEST_F( Turns, hold_several_changes_and_nothing_comes_in_between ) {
 using TurnsDeathTest = Turns;
 
 // In turns of their own, the retry that the first one causes meets the second VRF.
-TEST_F( TurnsDeathTest, are_more_than_one_where_a_step_publishes_several_changes ) {
+TEST_F( TurnsDeathTest, AreMoreThanOneWhereAStepPublishesSeveralChanges ) {
    EXPECT_DEATH( play( Leaf(), kSwap +
                                   "   - publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: "
                                   "50002, blue: 50001 } } } }\n" ),
                  "vniToTcamEntryIdHas\\( newV \\)" );
 }
 
-TEST_F( Turns, take_every_word_that_changes_what_is_published ) {
+TEST_F( Turns, TakeEveryWordThatChangesWhatIsPublished ) {
    play(
       Leaf(),
       "   - turn:\n"
@@ -87,7 +87,7 @@ TEST_F( Turns, take_every_word_that_changes_what_is_published ) {
    EXPECT_EQ( failedExpectations(), 0U );
 }
 
-TEST_F( Turns, name_the_line_of_the_change_that_is_refused ) {
+TEST_F( Turns, NameTheLineOfTheChangeThatIsRefused ) {
    run(
       "   - turn:\n"
       "        - publish: { segments: { Ethernet2: [] } }\n"
@@ -98,7 +98,7 @@ TEST_F( Turns, name_the_line_of_the_change_that_is_refused ) {
 
 // --- Entities that are replaced in place
 
-TEST_F( Turns, replace_a_segment_with_all_that_it_holds_in_one_change ) {
+TEST_F( Turns, ReplaceASegmentWithAllThatItHoldsInOneChange ) {
    play( Leaf(),
          "   - ready: subagents::l2Ready\n"
          "   - replace: { segments: { Port-Channel2: [ 10.0.0.3, 10.0.0.4 ] } }\n"
@@ -115,7 +115,7 @@ TEST_F( Turns, replace_a_segment_with_all_that_it_holds_in_one_change ) {
                                        "Evpn::EthernetSegmentStatus Port-Channel2" } ) );
 }
 
-TEST_F( Turns, let_an_entity_that_is_not_there_enter_filled ) {
+TEST_F( Turns, LetAnEntityThatIsNotThereEnterFilled ) {
    Leaf leaf;
    leaf.tunnels = "{}";
    play( leaf,
@@ -131,7 +131,7 @@ TEST_F( Turns, let_an_entity_that_is_not_there_enter_filled ) {
 
 // --- Calls of the chip that fail
 
-TEST_F( Turns, make_a_call_of_the_chip_fail_with_a_code ) {
+TEST_F( Turns, MakeACallOfTheChipFailWithACode ) {
    play( Leaf(),
          "   - ready: subagents::l2Ready\n"
          "   - fail-call: { operation: installEntry, number: 2, code: -1 }\n"
@@ -151,7 +151,7 @@ TEST_F( Turns, make_a_call_of_the_chip_fail_with_a_code ) {
    EXPECT_EQ( codes, ( std::vector< S32 >{ 0, -1 } ) );
 }
 
-TEST_F( Turns, make_a_field_call_do_nothing ) {
+TEST_F( Turns, MakeAFieldCallDoNothing ) {
    play( Leaf(),
          "   - fail-call: { operation: bcm_field_qualify_PacketRes, code: 4 }\n"
          "   - ready: subagents::l2Ready\n"
@@ -163,7 +163,7 @@ TEST_F( Turns, make_a_field_call_do_nothing ) {
    EXPECT_EQ( failedExpectations(), 0U );
 }
 
-TEST_F( TurnsDeathTest, stop_the_plug_in_by_a_field_call_that_fails ) {
+TEST_F( TurnsDeathTest, StopThePlugInByAFieldCallThatFails ) {
    EXPECT_DEATH( play( Leaf(),
                        "   - fail-call: { operation: bcm_field_qualify_SrcVxlanGport, code: -6 }\n"
                        "   - ready: subagents::l2Ready\n" ),
@@ -173,7 +173,7 @@ TEST_F( TurnsDeathTest, stop_the_plug_in_by_a_field_call_that_fails ) {
 
 // --- Class ids that come free by hand
 
-TEST_F( Turns, serve_the_longest_waiting_when_a_class_id_is_withdrawn_by_hand ) {
+TEST_F( Turns, ServeTheLongestWaitingWhenAClassIdIsWithdrawnByHand ) {
    Leaf leaf = classIdLeaf();
    leaf.units += "\n   class-ids: { first: 1, last: 1 }";
    std::string const waiting =

@@ -11,7 +11,7 @@ using Operations = std::vector< std::string >;
 
 // --- Start-up
 
-TEST_F( Agent, publishes_the_state_before_it_loads_the_plug_in ) {
+TEST_F( Agent, PublishesTheStateBeforeItLoadsThePlugIn ) {
    run( "   - note: nothing\n" );
 
    std::size_t const published =
@@ -24,7 +24,7 @@ TEST_F( Agent, publishes_the_state_before_it_loads_the_plug_in ) {
    EXPECT_LT( loaded, story.events().size() );
 }
 
-TEST_F( Agent, publishes_every_kind_of_state ) {
+TEST_F( Agent, PublishesEveryKindOfState ) {
    run( "   - note: nothing\n" );
 
    std::vector< std::string > places;
@@ -45,7 +45,7 @@ TEST_F( Agent, publishes_every_kind_of_state ) {
               story.events().size() );
 }
 
-TEST_F( Agent, lets_an_interface_enter_the_cached_map_before_the_live_one_announces_it ) {
+TEST_F( Agent, LetsAnInterfaceEnterTheCachedMapBeforeTheLiveOneAnnouncesIt ) {
    run( "   - note: nothing\n" );
 
    auto const entersAt = [ & ]( char const * map ) {
@@ -56,7 +56,7 @@ TEST_F( Agent, lets_an_interface_enter_the_cached_map_before_the_live_one_announ
    EXPECT_LT( entersAt( "vornalIntfToPortCache" ), entersAt( "vornalIntfToPort" ) );
 }
 
-TEST_F( Agent, tells_start_up_in_the_order_in_which_it_happens ) {
+TEST_F( Agent, TellsStartUpInTheOrderInWhichItHappens ) {
    run( "   - note: nothing\n" );
 
    EXPECT_EQ( inStep< Story::MountAsked >( 0 ).size(), 2U );
@@ -67,7 +67,7 @@ TEST_F( Agent, tells_start_up_in_the_order_in_which_it_happens ) {
    EXPECT_TRUE( inStep< Story::TcamGroupAsked >( 0 ).empty() );
 }
 
-TEST_F( Agent, starts_the_plug_in_when_the_sub_agent_is_ready_and_tells_the_variant_before_ready ) {
+TEST_F( Agent, StartsThePlugInWhenTheSubAgentIsReadyAndTellsTheVariantBeforeReady ) {
    run( "   - ready: subagents::l2Ready\n" );
 
    auto const points = inStep< Story::DependencyPointReady >( 1 );
@@ -87,7 +87,7 @@ TEST_F( Agent, starts_the_plug_in_when_the_sub_agent_is_ready_and_tells_the_vari
                  []( auto const & ready ) { return ready.isOfPlugin; } ) );
 }
 
-TEST_F( Agent, has_no_group_that_the_scenario_says_is_not_there ) {
+TEST_F( Agent, HasNoGroupThatTheScenarioSaysIsNotThere ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - withdraw: { segments: [ Ethernet1 ] }\n",
@@ -99,7 +99,7 @@ TEST_F( Agent, has_no_group_that_the_scenario_says_is_not_there ) {
 
 // --- Steps
 
-TEST_F( Agent, gives_every_effect_to_the_step_that_caused_it ) {
+TEST_F( Agent, GivesEveryEffectToTheStepThatCausedIt ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - publish: { segments: { Ethernet2: [] } }\n"
@@ -113,7 +113,7 @@ TEST_F( Agent, gives_every_effect_to_the_step_that_caused_it ) {
    EXPECT_EQ( inStep< Story::RuleGone >( 3 ).at( 0 ).key.id, 1U );
 }
 
-TEST_F( Agent, tells_a_guarded_call_as_its_caller_wrote_it_and_its_values_by_name ) {
+TEST_F( Agent, TellsAGuardedCallAsItsCallerWroteItAndItsValuesByName ) {
    run( "   - ready: subagents::l2Ready\n" );
 
    auto const call = inStep< Story::HardwareCall >( 1 ).at( 1 );
@@ -127,7 +127,7 @@ TEST_F( Agent, tells_a_guarded_call_as_its_caller_wrote_it_and_its_values_by_nam
    EXPECT_EQ( call.returnCode, 0 );
 }
 
-TEST_F( Agent, tells_a_rule_after_every_call_that_changed_it ) {
+TEST_F( Agent, TellsARuleAfterEveryCallThatChangedIt ) {
    run( "   - ready: subagents::l2Ready\n" );
 
    auto const rules = inStep< Story::RuleIs >( 1 );
@@ -141,7 +141,7 @@ TEST_F( Agent, tells_a_rule_after_every_call_that_changed_it ) {
    EXPECT_EQ( rules[ 4 ].rule.actions.at( 0 ).ports, std::vector< U32 >{ 3 } );
 }
 
-TEST_F( Agent, makes_every_published_change_a_turn_of_its_own_in_the_order_written ) {
+TEST_F( Agent, MakesEveryPublishedChangeATurnOfItsOwnInTheOrderWritten ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n",
@@ -163,7 +163,7 @@ TEST_F( Agent, makes_every_published_change_a_turn_of_its_own_in_the_order_writt
                        "remoteTep 10.0.0.9" } ) );
 }
 
-TEST_F( Agent, withdraws_what_was_published ) {
+TEST_F( Agent, WithdrawsWhatWasPublished ) {
    run(
       "   - withdraw: { interfaces: [ Ethernet1 ] }\n"
       "   - withdraw: { port-channels: { Port-Channel7: [ Ethernet4 ] } }\n"
@@ -186,7 +186,7 @@ TEST_F( Agent, withdraws_what_was_published ) {
    EXPECT_EQ( changeOf( 6 ), "vtiStatus Vxlan1 gone" );
 }
 
-TEST_F( Agent, does_not_take_a_member_from_a_port_channel_that_it_is_not_in ) {
+TEST_F( Agent, DoesNotTakeAMemberFromAPortChannelThatItIsNotIn ) {
    run(
       "   - set: { entity: '/lag/config/phyIntf[Ethernet4]', attribute: lag, value: "
       "Port-Channel8 }\n"
@@ -196,7 +196,7 @@ TEST_F( Agent, does_not_take_a_member_from_a_port_channel_that_it_is_not_in ) {
    EXPECT_TRUE( inStep< Story::PublishedChange >( 2 ).empty() );
 }
 
-TEST_F( Agent, reaches_every_attribute_and_operation_by_path ) {
+TEST_F( Agent, ReachesEveryAttributeAndOperationByPath ) {
    run(
       "   - set: { entity: '/evpn/status/segmentStatus[Ethernet1]', attribute: remoteTep, key: "
       "10.0.0.7 }\n"
@@ -213,7 +213,7 @@ TEST_F( Agent, reaches_every_attribute_and_operation_by_path ) {
    EXPECT_EQ( held(), std::vector< bool >{ true } );
 }
 
-TEST_F( Agent, ends_at_a_step_that_names_what_is_not_there_with_its_place ) {
+TEST_F( Agent, EndsAtAStepThatNamesWhatIsNotThereWithItsPlace ) {
    run(
       "   - note: first\n"
       "   - set: { entity: /evpn/status, attribute: segments, key: Ethernet2 }\n"
@@ -226,7 +226,7 @@ TEST_F( Agent, ends_at_a_step_that_names_what_is_not_there_with_its_place ) {
    EXPECT_TRUE( std::holds_alternative< Story::BadInput >( story.events().back() ) );
 }
 
-TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
+TEST_F( Agent, RefusesValuesKeysAndArgumentsThatAreNotOfTheirType ) {
    struct Case {
       char const * step;
       char const * refusal;
@@ -266,7 +266,7 @@ TEST_F( Agent, refuses_values_keys_and_arguments_that_are_not_of_their_type ) {
 
 // --- Expectations
 
-TEST_F( Agent, checks_every_kind_of_expectation ) {
+TEST_F( Agent, ChecksEveryKindOfExpectation ) {
    std::string const expectations =
       "   - expect:\n"
       "      - plug-in: ready\n"
@@ -283,7 +283,7 @@ TEST_F( Agent, checks_every_kind_of_expectation ) {
    EXPECT_EQ( held(), std::vector< bool >( 9, true ) );
 }
 
-TEST_F( Agent, says_what_was_found_when_an_expectation_does_not_hold ) {
+TEST_F( Agent, SaysWhatWasFoundWhenAnExpectationDoesNotHold ) {
    run(
       "   - expect:\n"
       "      - plug-in: ready\n"
@@ -311,7 +311,7 @@ TEST_F( Agent, says_what_was_found_when_an_expectation_does_not_hold ) {
    EXPECT_EQ( story.all< Story::ExpectationChecked >().at( 0 ).place, "leaf.yaml:21" );
 }
 
-TEST_F( Agent, names_the_rule_that_comes_nearest_and_what_differs ) {
+TEST_F( Agent, NamesTheRuleThatComesNearestAndWhatDiffers ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - publish: { segments: { Ethernet2: [] } }\n"
@@ -334,7 +334,7 @@ TEST_F( Agent, names_the_rule_that_comes_nearest_and_what_differs ) {
                         "Ethernet1\", which has no IpType" } ) );
 }
 
-TEST_F( Agent, goes_on_after_an_expectation_that_did_not_hold ) {
+TEST_F( Agent, GoesOnAfterAnExpectationThatDidNotHold ) {
    run(
       "   - expect: { plug-in: ready }\n"
       "   - ready: subagents::l2Ready\n"
@@ -346,10 +346,10 @@ TEST_F( Agent, goes_on_after_an_expectation_that_did_not_hold ) {
 
 // --- What is asked to be shown, traced
 
-TEST_F( Agent, shows_an_entity_of_the_plug_in_as_it_is_after_the_last_step ) {
+TEST_F( Agent, ShowsAnEntityOfThePlugInAsItIsAfterTheLastStep ) {
    Host::AgentConfig config;
-   config.show =
-      StateDatabase::EntityPath::fromString( "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
+   config.show = StateDatabase::EntityPath::fromString(
+      "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm" );
    run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
 
    auto const shown = story.all< Story::EntityShown >();
@@ -360,7 +360,7 @@ TEST_F( Agent, shows_an_entity_of_the_plug_in_as_it_is_after_the_last_step ) {
    EXPECT_EQ( shown[ 0 ].tree.attributes.at( 1 ).items.at( 0 ).key, "Ethernet1" );
 }
 
-TEST_F( Agent, lists_the_paths_at_which_entities_are ) {
+TEST_F( Agent, ListsThePathsAtWhichEntitiesAre ) {
    Host::AgentConfig config;
    config.show = Host::AgentConfig::Paths{};
    run( "   - note: nothing\n", "{ ingress: 8 }", config );
@@ -379,7 +379,7 @@ TEST_F( Agent, lists_the_paths_at_which_entities_are ) {
                         "/shared/vornalAttributes", "/shared/vornalCommon" } ) );
 }
 
-TEST_F( Agent, gives_the_last_word_on_trace_levels_to_who_runs_it ) {
+TEST_F( Agent, GivesTheLastWordOnTraceLevelsToWhoRunsIt ) {
    Host::AgentConfig config;
    config.trace = { { "Sample", "8" } };
    run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
@@ -390,7 +390,7 @@ TEST_F( Agent, gives_the_last_word_on_trace_levels_to_who_runs_it ) {
 
 // --- Loading and unloading
 
-TEST_F( Agent, says_why_a_plug_in_cannot_be_loaded ) {
+TEST_F( Agent, SaysWhyAPlugInCannotBeLoaded ) {
    Support::Directory const directory;
    Host::AgentConfig config;
    config.plugin = directory.file( "text.so", "this is no shared object" );
@@ -401,7 +401,7 @@ TEST_F( Agent, says_why_a_plug_in_cannot_be_loaded ) {
                              "plug-in has been built into" );
 }
 
-TEST_F( Agent, says_that_a_shared_object_without_a_mounter_is_no_plug_in ) {
+TEST_F( Agent, SaysThatASharedObjectWithoutAMounterIsNoPlugIn ) {
    Host::AgentConfig config;
    config.plugin = Support::testPlugin( "no-mounter" );
    run( "   - note: nothing\n", "{ ingress: 8 }", config );
@@ -409,7 +409,7 @@ TEST_F( Agent, says_that_a_shared_object_without_a_mounter_is_no_plug_in ) {
    EXPECT_NE( badInput().find( "no-mounter.so registers no mounter" ), std::string::npos );
 }
 
-TEST_F( Agent, leaves_the_rules_in_the_chip_and_nothing_of_its_own_behind ) {
+TEST_F( Agent, LeavesTheRulesInTheChipAndNothingOfItsOwnBehind ) {
    run( "   - ready: subagents::l2Ready\n" );
 
    EXPECT_TRUE( operationsIn( 2 ).empty() );
@@ -418,7 +418,7 @@ TEST_F( Agent, leaves_the_rules_in_the_chip_and_nothing_of_its_own_behind ) {
    EXPECT_FALSE( Kiv::hasActivityManager() );
 }
 
-TEST_F( Agent, can_run_a_second_time_in_the_same_process ) {
+TEST_F( Agent, CanRunASecondTimeInTheSameProcess ) {
    run( "   - ready: subagents::l2Ready\n" );
    std::size_t const events = story.events().size();
 

@@ -44,7 +44,7 @@ using Kind = Story::DifferenceKind;
 
 // --- The chip
 
-TEST_F( AuditDifferences, a_gport_that_tips_over ) {
+TEST_F( AuditDifferences, AGportThatTipsOver ) {
    auto const found = only( Leaf(), drift( "entry: 3, flip: SrcVxlanGport" ) );
 
    expectFound( found, Kind::wrongQualifier, 3, "SrcVxlanGport" );
@@ -57,7 +57,7 @@ TEST_F( AuditDifferences, a_gport_that_tips_over ) {
               "port 2" );
 }
 
-TEST_F( AuditDifferences, a_virtual_port_counts_by_its_low_16_bits ) {
+TEST_F( AuditDifferences, AVirtualPortCountsByItsLow16Bits ) {
    auto const found = only( Leaf(), drift( "entry: 4, flip: SrcVxlanGport" ) );
 
    EXPECT_EQ( found.shouldBe, "0x56000004" );
@@ -66,7 +66,7 @@ TEST_F( AuditDifferences, a_virtual_port_counts_by_its_low_16_bits ) {
               "Port-Channel2 through Ethernet3 and Ethernet4; virtual port 65540" );
 }
 
-TEST_F( AuditDifferences, an_egress_mask_that_covers_other_ports ) {
+TEST_F( AuditDifferences, AnEgressMaskThatCoversOtherPorts ) {
    auto const found = only( Leaf(), drift( "entry: 3, egress-mask: [ 3 ]" ) );
 
    expectFound( found, Kind::wrongMask, 3, "EgressMask" );
@@ -74,7 +74,7 @@ TEST_F( AuditDifferences, an_egress_mask_that_covers_other_ports ) {
    EXPECT_EQ( found.shouldBe, "ports 3, 4" );
 }
 
-TEST_F( AuditDifferences, a_mask_of_a_qualifier ) {
+TEST_F( AuditDifferences, AMaskOfAQualifier ) {
    auto const found = only( Leaf(), drift( "entry: 1, mask: { PacketRes: 0xf }" ) );
 
    expectFound( found, Kind::wrongMask, 1, "PacketRes" );
@@ -83,14 +83,14 @@ TEST_F( AuditDifferences, a_mask_of_a_qualifier ) {
    EXPECT_EQ( found.because, "segments are shared with VTEP 10.0.0.2, 10.0.0.4" );
 }
 
-TEST_F( AuditDifferences, a_qualifier_that_is_gone ) {
+TEST_F( AuditDifferences, AQualifierThatIsGone ) {
    auto const found = only( Leaf(), drift( "entry: 2, remove: TunnelTerminated" ) );
 
    expectFound( found, Kind::wrongQualifier, 2, "TunnelTerminated" );
    EXPECT_EQ( found.is, "absent" );
 }
 
-TEST_F( AuditDifferences, actions_that_are_gone_or_changed ) {
+TEST_F( AuditDifferences, ActionsThatAreGoneOrChanged ) {
    expectFound( only( Leaf(), drift( "entry: 3, remove: EgressMask" ) ), Kind::wrongAction, 3,
                 "EgressMask" );
    story.clear();
@@ -104,7 +104,7 @@ TEST_F( AuditDifferences, actions_that_are_gone_or_changed ) {
                 Kind::wrongAction, 5, "Drop" );
 }
 
-TEST_F( AuditDifferences, fields_of_an_egress_rule ) {
+TEST_F( AuditDifferences, FieldsOfAnEgressRule ) {
    auto const found = only( classIdLeaf(), drift( "entry: 6, flip: DstPort", "egress" ) );
    expectFound( found, Kind::wrongQualifier, 6, "DstPort" );
    EXPECT_EQ( found.is, "module 1 port 5" );
@@ -119,7 +119,7 @@ TEST_F( AuditDifferences, fields_of_an_egress_rule ) {
                 Kind::wrongMask, 6, "IpType" );
 }
 
-TEST_F( AuditDifferences, a_priority ) {
+TEST_F( AuditDifferences, APriority ) {
    auto const found = only( Leaf(), drift( "entry: 5, priority: default" ) );
 
    expectFound( found, Kind::wrongPriority, 5, "priority" );
@@ -128,7 +128,7 @@ TEST_F( AuditDifferences, a_priority ) {
    EXPECT_EQ( found.because, "VRF red has VNI 50001 on Vxlan1, and there are Ethernet segments" );
 }
 
-TEST_F( AuditDifferences, two_gports_that_are_swapped ) {
+TEST_F( AuditDifferences, TwoGportsThatAreSwapped ) {
    auto const audited =
       auditAfter( Leaf(), drift( "rule: vtep IP 10.0.0.2, swap-gport-with: vtep IP 10.0.0.4" ) );
 
@@ -137,7 +137,7 @@ TEST_F( AuditDifferences, two_gports_that_are_swapped ) {
    EXPECT_EQ( audited.differences[ 1 ].is, "0x56000002" );
 }
 
-TEST_F( AuditDifferences, an_entry_that_is_not_in_the_hardware_any_more ) {
+TEST_F( AuditDifferences, AnEntryThatIsNotInTheHardwareAnyMore ) {
    auto const found = only( Leaf(), drift( "entry: 3, entry-is: erased" ) );
 
    expectFound( found, Kind::stagedOnly, 3, "" );
@@ -145,7 +145,7 @@ TEST_F( AuditDifferences, an_entry_that_is_not_in_the_hardware_any_more ) {
               "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1" );
 }
 
-TEST_F( AuditDifferences, an_entry_that_is_destroyed ) {
+TEST_F( AuditDifferences, AnEntryThatIsDestroyed ) {
    auto const audited = auditAfter( Leaf(), drift( "entry: 3, entry-is: destroyed" ) );
 
    EXPECT_EQ( kinds( audited ), "record-differs missing-rule record-without-rule" )
@@ -155,7 +155,7 @@ TEST_F( AuditDifferences, an_entry_that_is_destroyed ) {
    EXPECT_EQ( audited.differences[ 2 ].field, "tepIpToEntry[0]/entryId[10.0.0.2]" );
 }
 
-TEST_F( AuditDifferences, an_entry_that_is_there_twice ) {
+TEST_F( AuditDifferences, AnEntryThatIsThereTwice ) {
    auto const found = only( Leaf(), drift( "entry: 3, entry-is: copied" ) );
 
    expectFound( found, Kind::unexpectedRule, 6, "" );
@@ -163,7 +163,7 @@ TEST_F( AuditDifferences, an_entry_that_is_there_twice ) {
    EXPECT_EQ( found.because, "nothing published calls for it" );
 }
 
-TEST_F( AuditDifferences, a_rule_that_the_plug_in_does_not_know ) {
+TEST_F( AuditDifferences, ARuleThatThePlugInDoesNotKnow ) {
    auto const audited =
       auditAfter( Leaf(), remove( kUnitRecord, "attribute: entryId, key: 10.0.0.2" ) +
                              remove( kUnitRecord, "attribute: esPbmp, key: 10.0.0.2" ) );
@@ -174,7 +174,7 @@ TEST_F( AuditDifferences, a_rule_that_the_plug_in_does_not_know ) {
 
 // --- The records
 
-TEST_F( AuditDifferences, a_record_of_another_entry ) {
+TEST_F( AuditDifferences, ARecordOfAnotherEntry ) {
    auto const found =
       only( Leaf(), set( kUnitRecord, "attribute: entryId, key: 10.0.0.2, value: 4" ) );
 
@@ -183,7 +183,7 @@ TEST_F( AuditDifferences, a_record_of_another_entry ) {
    EXPECT_EQ( found.shouldBe, "entry 3" );
 }
 
-TEST_F( AuditDifferences, a_record_of_a_rule_for_a_vtep_that_needs_none ) {
+TEST_F( AuditDifferences, ARecordOfARuleForAVtepThatNeedsNone ) {
    auto const found =
       only( Leaf(), set( kUnitRecord, "attribute: entryId, key: 10.0.0.3, value: 9" ) );
 
@@ -191,7 +191,7 @@ TEST_F( AuditDifferences, a_record_of_a_rule_for_a_vtep_that_needs_none ) {
    EXPECT_EQ( found.because, "VTEP 10.0.0.3 shares no segment" );
 }
 
-TEST_F( AuditDifferences, records_of_what_a_rule_matches_and_masks ) {
+TEST_F( AuditDifferences, RecordsOfWhatARuleMatchesAndMasks ) {
    auto const mask =
       only( Leaf(), set( kUnitRecord, "attribute: esPbmp, key: 10.0.0.2, value: \"{3}\"" ) );
    EXPECT_EQ( mask.field, "tepIpToEntry[0]/esPbmp[10.0.0.2]" );
@@ -205,7 +205,7 @@ TEST_F( AuditDifferences, records_of_what_a_rule_matches_and_masks ) {
    EXPECT_EQ( vpIndex.shouldBe, "4" );
 }
 
-TEST_F( AuditDifferences, records_of_the_exemptions ) {
+TEST_F( AuditDifferences, RecordsOfTheExemptions ) {
    expectFound( only( Leaf(), remove( kMachine, "attribute: l2UcastRuleInstalled, key: 0" ) ),
                 Kind::ruleWithoutRecord, 1, "" );
    story.clear();
@@ -217,7 +217,7 @@ TEST_F( AuditDifferences, records_of_the_exemptions ) {
                 Kind::ruleWithoutRecord, 5, "" );
 }
 
-TEST_F( AuditDifferences, records_of_egress_rules ) {
+TEST_F( AuditDifferences, RecordsOfEgressRules ) {
    std::string const list =
       "entity: \"/plugins/Vornal::VornalEvpnMounter/evpnMultihomingLocalBiasSm/tepIpToEntry[0]/"
       "esPortAndEFPEntryIdList[10.0.0.2]\"";
@@ -233,7 +233,7 @@ TEST_F( AuditDifferences, records_of_egress_rules ) {
    EXPECT_EQ( ports.shouldBe, "{unit0/port3/mod1,unit0/port4/mod1}" );
 }
 
-TEST_F( AuditDifferences, records_of_class_ids ) {
+TEST_F( AuditDifferences, RecordsOfClassIds ) {
    auto const classId =
       only( classIdLeaf(), set( kMachine, "attribute: i2eTepIpClassId, key: 10.0.0.2, value: 8" ) );
    EXPECT_EQ( classId.field, "i2eTepIpClassId[10.0.0.2]" );
@@ -255,7 +255,7 @@ TEST_F( AuditDifferences, records_of_class_ids ) {
 
 std::string const kRequests = "entity: /hardware/vornal/i2eclassid/config/slice/1";
 
-TEST_F( AuditDifferences, a_request_that_is_left_over ) {
+TEST_F( AuditDifferences, ARequestThatIsLeftOver ) {
    auto const found = only( classIdLeaf(), "   - class-id-allocator: paused\n" +
                                               set( kRequests,
                                                    "attribute: remoteESPeerVtep, key: 10.0.0.3, "
@@ -270,7 +270,7 @@ TEST_F( AuditDifferences, a_request_that_is_left_over ) {
    EXPECT_EQ( found.because, "VTEP 10.0.0.3 shares no segment" );
 }
 
-TEST_F( AuditDifferences, a_request_for_a_vtep_without_a_virtual_port ) {
+TEST_F( AuditDifferences, ARequestForAVtepWithoutAVirtualPort ) {
    auto const found = only( classIdLeaf(),
                             "   - class-id-allocator: paused\n"
                             "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" +
@@ -282,7 +282,7 @@ TEST_F( AuditDifferences, a_request_for_a_vtep_without_a_virtual_port ) {
    EXPECT_EQ( found.because, "VTEP 10.0.0.9 has no virtual port" );
 }
 
-TEST_F( AuditDifferences, a_queue_for_what_is_there ) {
+TEST_F( AuditDifferences, AQueueForWhatIsThere ) {
    auto const found =
       only( Leaf(),
             set( kMachine, "attribute: unprogrammedTcamRulesList, key: red, value: 50001" ) );
@@ -291,13 +291,13 @@ TEST_F( AuditDifferences, a_queue_for_what_is_there ) {
    EXPECT_EQ( found.field, "unprogrammedTcamRulesList[red]" );
 }
 
-TEST_F( AuditDifferences, a_machine_that_claims_not_to_be_initialized ) {
+TEST_F( AuditDifferences, AMachineThatClaimsNotToBeInitialized ) {
    auto const found = only( Leaf(), set( kMachine, "attribute: initialized, value: false" ) );
 
    EXPECT_EQ( found.field, "initialized" );
 }
 
-TEST_F( AuditDifferences, a_unit_record_that_nothing_needs ) {
+TEST_F( AuditDifferences, AUnitRecordThatNothingNeeds ) {
    Leaf leaf;
    leaf.segments = "{}";
    auto const found = only( leaf, set( kMachine, "attribute: tepIpToEntry, key: 0" ) );

@@ -13,30 +13,30 @@ class AuditInStep : public AuditRun {
    }
 };
 
-TEST_F( AuditInStep, two_vteps_a_port_channel_a_single_port_and_a_vni ) {
+TEST_F( AuditInStep, TwoVtepsAPortChannelASinglePortAndAVni ) {
    expectInStep( Leaf(), "", 5 );
 }
 
-TEST_F( AuditInStep, the_same_with_class_ids ) {
+TEST_F( AuditInStep, TheSameWithClassIds ) {
    expectInStep( classIdLeaf(), "", 10 );
 }
 
-TEST_F( AuditInStep, two_units ) {
+TEST_F( AuditInStep, TwoUnits ) {
    expectInStep( twoUnitLeaf( "egress-mask" ), "", 8 );
 }
 
-TEST_F( AuditInStep, two_units_with_class_ids ) {
+TEST_F( AuditInStep, TwoUnitsWithClassIds ) {
    expectInStep( twoUnitLeaf( "class-id" ), "", 13 );
 }
 
-TEST_F( AuditInStep, addresses_of_both_families ) {
+TEST_F( AuditInStep, AddressesOfBothFamilies ) {
    Leaf leaf = classIdLeaf();
    leaf.segments = "{ Ethernet2: [ 2001:db8::2, 10.0.0.2 ] }";
    leaf.vteps = "{ 10.0.0.2: { virtual-port: 2 }, 2001:db8::2: { virtual-port: 7 } }";
    expectInStep( leaf, "", 7 );
 }
 
-TEST_F( AuditInStep, nothing_before_the_plug_in_is_ready ) {
+TEST_F( AuditInStep, NothingBeforeThePlugInIsReady ) {
    play( Leaf(), "   - verify: audit\n" );
 
    auto const audited = story.all< Story::Audited >().at( 0 );
@@ -44,32 +44,32 @@ TEST_F( AuditInStep, nothing_before_the_plug_in_is_ready ) {
    EXPECT_EQ( audited.rules, 0U );
 }
 
-TEST_F( AuditInStep, a_segment_without_vteps_needs_the_vni_rule_alone ) {
+TEST_F( AuditInStep, ASegmentWithoutVtepsNeedsTheVniRuleAlone ) {
    Leaf leaf;
    leaf.segments = "{ Ethernet1: [] }";
    expectInStep( leaf, "", 1 );
 }
 
-TEST_F( AuditInStep, nothing_is_left_when_all_segments_go ) {
+TEST_F( AuditInStep, NothingIsLeftWhenAllSegmentsGo ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
       expectInStep( leaf, "   - withdraw: { segments: [ Port-Channel2, Ethernet1 ] }\n", 0 );
    }
 }
 
-TEST_F( AuditInStep, a_vtep_without_a_virtual_port_needs_no_rules ) {
+TEST_F( AuditInStep, AVtepWithoutAVirtualPortNeedsNoRules ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
       expectInStep( leaf, "   - withdraw: { vteps: [ 10.0.0.2, 10.0.0.4 ] }\n", 1 );
    }
 }
 
-TEST_F( AuditInStep, follows_a_new_virtual_port ) {
+TEST_F( AuditInStep, FollowsANewVirtualPort ) {
    expectInStep( classIdLeaf(), "   - publish: { vteps: { 10.0.0.2: { virtual-port: 9 } } }\n",
                  10 );
 }
 
-TEST_F( AuditInStep, follows_members_of_port_channels ) {
+TEST_F( AuditInStep, FollowsMembersOfPortChannels ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
       expectInStep( leaf,
@@ -79,7 +79,7 @@ TEST_F( AuditInStep, follows_members_of_port_channels ) {
    }
 }
 
-TEST_F( AuditInStep, follows_ports_that_change_and_go ) {
+TEST_F( AuditInStep, FollowsPortsThatChangeAndGo ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
       expectInStep( leaf,
@@ -89,14 +89,14 @@ TEST_F( AuditInStep, follows_ports_that_change_and_go ) {
    }
 }
 
-TEST_F( AuditInStep, follows_the_vni_of_a_vrf ) {
+TEST_F( AuditInStep, FollowsTheVniOfAVrf ) {
    expectInStep( Leaf(),
                  "   - publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50002, green: 7 } "
                  "} } }\n",
                  6 );
 }
 
-TEST_F( AuditInStep, without_the_override_rule_all_priorities_are_the_default ) {
+TEST_F( AuditInStep, WithoutTheOverrideRuleAllPrioritiesAreTheDefault ) {
    Support::Directory const directory;
    directory.file( "VornalL3.json", "{ \"SbdEvpnTcamOverrideRule\": false }" );
    std::string const text = "features: " + directory.path().string() + "\n" +
@@ -111,7 +111,7 @@ TEST_F( AuditInStep, without_the_override_rule_all_priorities_are_the_default ) 
    EXPECT_EQ( audited.rules, 4U );
 }
 
-TEST_F( AuditInStep, a_platform_that_exempts_multicast_itself_needs_no_vni_rules ) {
+TEST_F( AuditInStep, APlatformThatExemptsMulticastItselfNeedsNoVniRules ) {
    std::string const flag =
       "   - set: { entity: /shared/vornalAttributes, attribute: l3McastExemptFromSplitHorizon, "
       "value: true }\n";
@@ -122,7 +122,7 @@ TEST_F( AuditInStep, a_platform_that_exempts_multicast_itself_needs_no_vni_rules
    EXPECT_EQ( audited.rules, 4U );
 }
 
-TEST_F( AuditInStep, of_a_port_channel_of_two_units_each_units_members_count ) {
+TEST_F( AuditInStep, OfAPortChannelOfTwoUnitsEachUnitsMembersCount ) {
    auto const audited = auditAfter( twoUnitLeaf( "egress-mask" ),
                                     "   - expect:\n"
                                     "        - rules: { group: ingress, unit: 0, name: 10.0.0.2,\n"

@@ -11,7 +11,7 @@ Leaf leafWithRoom( std::string const & ingress, std::string const & egress = "64
    return leaf;
 }
 
-TEST_F( AuditKnown, a_class_id_that_is_not_granted_yet_is_waited_for ) {
+TEST_F( AuditKnown, AClassIdThatIsNotGrantedYetIsWaitedFor ) {
    auto const audited = auditAfter( classIdLeaf(),
                                     "   - class-id-allocator: paused\n"
                                     "   - publish: { segments: { Ethernet2: [ 10.0.0.3 ] } }\n" );
@@ -22,7 +22,7 @@ TEST_F( AuditKnown, a_class_id_that_is_not_granted_yet_is_waited_for ) {
               "id is asked for and not granted" );
 }
 
-TEST_F( AuditKnown, a_grant_that_is_older_than_its_request_is_not_the_one_that_is_waited_for ) {
+TEST_F( AuditKnown, AGrantThatIsOlderThanItsRequestIsNotTheOneThatIsWaitedFor ) {
    auto const audited =
       auditAfter( classIdLeaf(),
                   "   - class-id-allocator: paused\n"
@@ -35,7 +35,7 @@ TEST_F( AuditKnown, a_grant_that_is_older_than_its_request_is_not_the_one_that_i
       << words( audited );
 }
 
-TEST_F( AuditKnown, a_class_id_that_nobody_asks_for_is_not_waited_for ) {
+TEST_F( AuditKnown, AClassIdThatNobodyAsksForIsNotWaitedFor ) {
    auto const audited =
       auditAfter( classIdLeaf(),
                   "   - class-id-allocator: paused\n"
@@ -46,7 +46,7 @@ TEST_F( AuditKnown, a_class_id_that_nobody_asks_for_is_not_waited_for ) {
    EXPECT_EQ( kinds( audited ), "missing-rule missing-rule" ) << words( audited );
 }
 
-TEST_F( AuditKnown, a_request_is_nobodys_on_a_switch_without_class_ids ) {
+TEST_F( AuditKnown, ARequestIsNobodysOnASwitchWithoutClassIds ) {
    auto const audited =
       auditAfter( Leaf(),
                   "   - set: { entity: /hardware/vornal/i2eclassid/config/slice/1,\n"
@@ -56,7 +56,7 @@ TEST_F( AuditKnown, a_request_is_nobodys_on_a_switch_without_class_ids ) {
    EXPECT_EQ( kinds( audited ), "" ) << words( audited );
 }
 
-TEST_F( AuditKnown, rules_keep_a_class_id_that_is_withdrawn ) {
+TEST_F( AuditKnown, RulesKeepAClassIdThatIsWithdrawn ) {
    auto const audited =
       auditAfter( classIdLeaf(), "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
 
@@ -65,7 +65,7 @@ TEST_F( AuditKnown, rules_keep_a_class_id_that_is_withdrawn ) {
    EXPECT_EQ( audited.differences[ 0 ].shouldBe, "a class id that is granted" );
 }
 
-TEST_F( AuditKnown, a_class_id_that_changes_under_the_rules_is_a_difference ) {
+TEST_F( AuditKnown, AClassIdThatChangesUnderTheRulesIsADifference ) {
    auto const audited =
       auditAfter( classIdLeaf(), "   - publish: { class-id-grants: { 10.0.0.2: 77 } }\n" );
 
@@ -76,7 +76,7 @@ TEST_F( AuditKnown, a_class_id_that_changes_under_the_rules_is_a_difference ) {
    EXPECT_EQ( audited.differences[ 2 ].shouldBe, "77" );
 }
 
-TEST_F( AuditKnown, a_full_ingress_group_has_no_room_for_a_vtep_and_what_follows_it ) {
+TEST_F( AuditKnown, AFullIngressGroupHasNoRoomForAVtepAndWhatFollowsIt ) {
    auto const audited = auditAfter( leafWithRoom( "3" ), "" );
 
    // The unicast exemptions and the per-VNI rule have taken it all.
@@ -87,13 +87,13 @@ TEST_F( AuditKnown, a_full_ingress_group_has_no_room_for_a_vtep_and_what_follows
       << words( audited );
 }
 
-TEST_F( AuditKnown, a_full_egress_group_has_no_room_for_the_rest ) {
+TEST_F( AuditKnown, AFullEgressGroupHasNoRoomForTheRest ) {
    auto const audited = auditAfter( leafWithRoom( "64", "1" ), "" );
 
    EXPECT_EQ( kinds( audited ), "no-room no-room no-room no-room" ) << words( audited );
 }
 
-TEST_F( AuditKnown, a_switch_without_room_at_all_lacks_everything ) {
+TEST_F( AuditKnown, ASwitchWithoutRoomAtAllLacksEverything ) {
    auto const audited = auditAfter( leafWithRoom( "0", "0" ), "" );
 
    EXPECT_EQ( audited.differences.size(), audited.rules );
@@ -102,14 +102,14 @@ TEST_F( AuditKnown, a_switch_without_room_at_all_lacks_everything ) {
 
 std::string const kRoomForOne = "   - withdraw: { tunnel-interfaces: { Vxlan1: [ red ] } }\n";
 
-TEST_F( AuditKnown, a_rule_that_nobody_asks_for_again_is_a_difference_once_there_is_room ) {
+TEST_F( AuditKnown, ARuleThatNobodyAsksForAgainIsADifferenceOnceThereIsRoom ) {
    auto const audited = auditAfter( leafWithRoom( "4" ), kRoomForOne );
 
    EXPECT_EQ( kinds( audited ), "not-retried not-retried not-retried not-retried" )
       << words( audited );
 }
 
-TEST_F( AuditKnown, a_vtep_that_finds_room_hides_that_another_did_not ) {
+TEST_F( AuditKnown, AVtepThatFindsRoomHidesThatAnotherDidNot ) {
    auto const audited =
       auditAfter( leafWithRoom( "4" ),
                   kRoomForOne +
@@ -123,7 +123,7 @@ TEST_F( AuditKnown, a_vtep_that_finds_room_hides_that_another_did_not ) {
       << words( audited );
 }
 
-TEST_F( AuditKnown, a_vni_is_queued_until_there_is_room ) {
+TEST_F( AuditKnown, AVniIsQueuedUntilThereIsRoom ) {
    Leaf leaf;
    leaf.tcam = "{ ingress: 4, egress: 4 }";
    auto const audited = auditAfter( leaf, "" );
@@ -146,7 +146,7 @@ TEST_F( AuditKnown, a_vni_is_queued_until_there_is_room ) {
    EXPECT_EQ( kinds( queued ), "left-behind queued" ) << words( queued );
 }
 
-TEST_F( AuditKnown, another_tunnel_interface_leaves_its_vni_rules_behind ) {
+TEST_F( AuditKnown, AnotherTunnelInterfaceLeavesItsVniRulesBehind ) {
    Leaf leaf;
    leaf.tunnels = "{ Vxlan1: { vrf-vni: { red: 50001 } }, Vxlan2: { vrf-vni: { blue: 50002 } } }";
    auto const audited = auditAfter( leaf, "   - withdraw: { tunnel-interfaces: [ Vxlan2 ] }\n" );
@@ -156,14 +156,14 @@ TEST_F( AuditKnown, another_tunnel_interface_leaves_its_vni_rules_behind ) {
               "Skip shared ES pruning for packets with vni 50002 - No-op" );
 }
 
-TEST_F( AuditKnown, a_tunnel_interface_that_is_replaced_in_place_leaves_a_rule_that_is_not_known ) {
+TEST_F( AuditKnown, ATunnelInterfaceThatIsReplacedInPlaceLeavesARuleThatIsNotKnown ) {
    auto const audited = auditAfter(
       Leaf(), "   - replace: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50003 } } } }\n" );
 
    EXPECT_EQ( kinds( audited ), "missing-rule unexpected-rule" ) << words( audited );
 }
 
-TEST_F( AuditKnown, vxlan1_takes_the_vni_rules_of_all_with_it ) {
+TEST_F( AuditKnown, Vxlan1TakesTheVniRulesOfAllWithIt ) {
    Leaf leaf;
    leaf.tunnels = "{ Vxlan1: { vrf-vni: { red: 50001 } }, Vxlan2: { vrf-vni: { blue: 50002 } } }";
    auto const audited = auditAfter( leaf, "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );

@@ -20,13 +20,13 @@ class AuditStaged : public testing::Test {
    LiveSwitch leaf1{ Leaf() };
 };
 
-TEST_F( AuditStaged, nothing_is_found_while_all_is_written_as_it_is_staged ) {
+TEST_F( AuditStaged, NothingIsFoundWhileAllIsWrittenAsItIsStaged ) {
    Shim::sdk_->bcm_field_qualify_SrcVxlanGport( 0, 3, 0x56000002 );
 
    EXPECT_TRUE( leaf1.audited().differences.empty() ) << "it has been staged before";
 }
 
-TEST_F( AuditStaged, a_qualifier_that_is_staged_with_another_value_is_found ) {
+TEST_F( AuditStaged, AQualifierThatIsStagedWithAnotherValueIsFound ) {
    Shim::sdk_->bcm_field_qualify_SrcVxlanGport( 0, 3, 0x56000007 );
 
    Difference const found = only();
@@ -39,7 +39,7 @@ TEST_F( AuditStaged, a_qualifier_that_is_staged_with_another_value_is_found ) {
    EXPECT_NE( found.because, "" );
 }
 
-TEST_F( AuditStaged, an_action_that_is_staged_beside_those_in_the_hardware_is_found ) {
+TEST_F( AuditStaged, AnActionThatIsStagedBesideThoseInTheHardwareIsFound ) {
    Shim::sdk_->bcm_field_action_add( 0, 1, bcmFieldActionNewClassId, 9, 0 );
 
    Difference const found = only();
@@ -49,7 +49,7 @@ TEST_F( AuditStaged, an_action_that_is_staged_beside_those_in_the_hardware_is_fo
    EXPECT_EQ( found.shouldBe, "absent" );
 }
 
-TEST_F( AuditStaged, a_part_that_is_wrong_in_the_hardware_is_found_once ) {
+TEST_F( AuditStaged, APartThatIsWrongInTheHardwareIsFoundOnce ) {
    Scenario::Drift drift;
    drift.group = Scenario::TcamGroup::ingress;
    drift.rule = U32{ 5 };

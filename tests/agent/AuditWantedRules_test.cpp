@@ -42,13 +42,13 @@ std::string contentOf( State const & state, RuleFor const & what ) {
    return found == rules.end() ? "none" : Chip::contentText( found->second.content );
 }
 
-TEST( AuditWantedRules, are_none_before_the_plug_in_is_ready ) {
+TEST( AuditWantedRules, AreNoneBeforeThePlugInIsReady ) {
    State state = twoUnits();
    state.isPluginReady = false;
    EXPECT_TRUE( wantedRules( state ).empty() );
 }
 
-TEST( AuditWantedRules, exempt_unicast_and_mask_each_units_own_ports ) {
+TEST( AuditWantedRules, ExemptUnicastAndMaskEachUnitsOwnPorts ) {
    State const state = twoUnits();
 
    EXPECT_EQ( wantedRules( state ).size(), 6U );
@@ -64,7 +64,7 @@ TEST( AuditWantedRules, exempt_unicast_and_mask_each_units_own_ports ) {
               "VTEP 10.0.0.2 shares segment Port-Channel1 through Ethernet2; virtual port 196612" );
 }
 
-TEST( AuditWantedRules, mask_no_port_where_none_is_shared ) {
+TEST( AuditWantedRules, MaskNoPortWhereNoneIsShared ) {
    State state = twoUnits();
    state.ports[ intf( "Ethernet2" ) ] = VornalPort( 1, VornalPort::kInvalidLogicalPort, 5 );
 
@@ -75,7 +75,7 @@ TEST( AuditWantedRules, mask_no_port_where_none_is_shared ) {
               "port 196612" );
 }
 
-TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
+TEST( AuditWantedRules, MarkAndDropWithTheClassIdThatIsGranted ) {
    State state = twoUnits();
    state.variant = Audit::Variant::classId;
    state.classIds[ kVtep ] = VornalCommon::ClassId( 9 );
@@ -93,7 +93,7 @@ TEST( AuditWantedRules, mark_and_drop_with_the_class_id_that_is_granted ) {
    EXPECT_EQ( drop.group(), 45 );
 }
 
-TEST( AuditWantedRules, leave_the_class_id_open_until_it_is_granted ) {
+TEST( AuditWantedRules, LeaveTheClassIdOpenUntilItIsGranted ) {
    State state = twoUnits();
    state.variant = Audit::Variant::classId;
 
@@ -102,7 +102,7 @@ TEST( AuditWantedRules, leave_the_class_id_open_until_it_is_granted ) {
    EXPECT_FALSE( rule.content[ Chip::Action::NewClassId ] );
 }
 
-TEST( AuditWantedRules, exempt_the_vnis_of_every_tunnel_interface_while_there_are_segments ) {
+TEST( AuditWantedRules, ExemptTheVnisOfEveryTunnelInterfaceWhileThereAreSegments ) {
    State state = twoUnits();
    state.modules = { { 0, 1 } };
    state.vnis = { { intf( "Vxlan1" ), { { L3::VrfName( "red" ), 10 } } },
@@ -121,7 +121,7 @@ TEST( AuditWantedRules, exempt_the_vnis_of_every_tunnel_interface_while_there_ar
    EXPECT_EQ( wantedRules( state ).size(), 0U );
 }
 
-TEST( AuditWantedRules, have_no_priorities_and_no_vnis_without_the_override_rule ) {
+TEST( AuditWantedRules, HaveNoPrioritiesAndNoVnisWithoutTheOverrideRule ) {
    State state = twoUnits();
    state.isOverrideRuleOn = false;
    state.vnis[ intf( "Vxlan1" ) ][ L3::VrfName( "red" ) ] = 10;
@@ -132,7 +132,7 @@ TEST( AuditWantedRules, have_no_priorities_and_no_vnis_without_the_override_rule
               "priority" );
 }
 
-TEST( AuditWantedRules, count_a_port_once_that_is_shared_twice ) {
+TEST( AuditWantedRules, CountAPortOnceThatIsSharedTwice ) {
    State state = twoUnits();
    state.segments[ intf( "Ethernet1" ) ] = { kVtep };
 
@@ -142,7 +142,7 @@ TEST( AuditWantedRules, count_a_port_once_that_is_shared_twice ) {
    EXPECT_EQ( vpIndexOf( state, IpGenAddr::fromString( "10.0.0.3" ) ), 0U );
 }
 
-TEST( AuditKinds, have_names_that_lead_back ) {
+TEST( AuditKinds, HaveNamesThatLeadBack ) {
    for ( Story::DifferenceRow const & row : Story::differenceRows() ) {
       EXPECT_EQ( Story::differenceKindNamed( row.name ), row.kind );
       EXPECT_EQ( nameOf( row.kind ), row.name );

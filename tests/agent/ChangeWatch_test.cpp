@@ -26,7 +26,7 @@ std::vector< std::string > linesOf( Support::Recorder const & story ) {
 
 using Lines = std::vector< std::string >;
 
-TEST( ChangeWatch, tells_of_what_comes_changes_and_goes_with_old_and_new_value ) {
+TEST( ChangeWatch, TellsOfWhatComesChangesAndGoesWithOldAndNewValue ) {
    Support::Recorder story;
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    StateDatabase::ChangeWatch const watch( "/shared/vornalCommon", common, story );
@@ -40,7 +40,7 @@ TEST( ChangeWatch, tells_of_what_comes_changes_and_goes_with_old_and_new_value )
                                          "/shared/vornalCommon vornalModId[1] 6 -> nothing" } ) );
 }
 
-TEST( ChangeWatch, follows_the_members_of_a_collection_from_when_they_enter_until_they_leave ) {
+TEST( ChangeWatch, FollowsTheMembersOfACollectionFromWhenTheyEnterUntilTheyLeave ) {
    Support::Recorder story;
    auto const status = Quelm::make< Evpn::EvpnStatus >( "status" );
    StateDatabase::ChangeWatch const watch( "/evpn/status", status, story );
@@ -57,7 +57,7 @@ TEST( ChangeWatch, follows_the_members_of_a_collection_from_when_they_enter_unti
    EXPECT_EQ( segment->publisher().subscribers(), 0U );
 }
 
-TEST( ChangeWatch, follows_the_members_that_are_there_when_it_begins ) {
+TEST( ChangeWatch, FollowsTheMembersThatAreThereWhenItBegins ) {
    Support::Recorder story;
    auto const status = Quelm::make< Evpn::EvpnStatus >( "status" );
    auto const segment = status->segmentStatusIs( IntfId::fromString( "Ethernet1" ) );
@@ -68,7 +68,7 @@ TEST( ChangeWatch, follows_the_members_that_are_there_when_it_begins ) {
    EXPECT_EQ( linesOf( story ).size(), 1U );
 }
 
-TEST( ChangeWatch, tells_of_a_change_before_those_who_subscribe_later_act_on_it ) {
+TEST( ChangeWatch, TellsOfAChangeBeforeThoseWhoSubscribeLaterActOnIt ) {
    Support::Recorder story;
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    StateDatabase::ChangeWatch const watch( "/c", common, story );

@@ -45,7 +45,7 @@ constexpr int kPatience = 10'000;  // in milliseconds; only a failure takes so l
 
 // --- Whatever it prints
 
-TEST_F( ChildEnds, after_a_line_of_any_length_and_any_bytes ) {
+TEST_F( ChildEnds, AfterALineOfAnyLengthAndAnyBytes ) {
    std::string line( 3 * Process::kLongestLine + 7, 'x' );
    line[ 0 ] = '\0';
    line[ 1 ] = '\xff';
@@ -69,7 +69,7 @@ TEST_F( ChildEnds, after_a_line_of_any_length_and_any_bytes ) {
    EXPECT_EQ( all, "first" + line + "last" );
 }
 
-TEST_F( ChildEnds, after_printing_into_a_pipe_that_is_not_its_own ) {
+TEST_F( ChildEnds, AfterPrintingIntoAPipeThatIsNotItsOwn ) {
    run( []( Observer & observer ) {
       constexpr std::array kNoise{ "noise\n", "{\"event\":\"stepEnds\",\"number\":1.5}\n" };
       for ( int fd = STDERR_FILENO + 1; fd < 100; ++fd ) {
@@ -88,7 +88,7 @@ TEST_F( ChildEnds, after_printing_into_a_pipe_that_is_not_its_own ) {
    EXPECT_EQ( story.all< Story::RunEnds >().size(), 1U );
 }
 
-TEST_F( ChildEnds, although_a_process_that_it_left_behind_keeps_its_output_open ) {
+TEST_F( ChildEnds, AlthoughAProcessThatItLeftBehindKeepsItsOutputOpen ) {
    std::array< int, 2 > stays{};
    ASSERT_EQ( pipe( stays.data() ), 0 );
    run( [ & ]( Observer & observer ) {
@@ -108,7 +108,7 @@ TEST_F( ChildEnds, although_a_process_that_it_left_behind_keeps_its_output_open 
    close( stays[ 1 ] );
 }
 
-TEST_F( ChildEnds, with_every_process_that_a_plug_in_has_started ) {
+TEST_F( ChildEnds, WithEveryProcessThatAPlugInHasStarted ) {
    std::array< int, 2 > stays{};
    ASSERT_EQ( pipe( stays.data() ), 0 );
    run( []( Observer & observer ) {
@@ -125,7 +125,7 @@ TEST_F( ChildEnds, with_every_process_that_a_plug_in_has_started ) {
    close( stays[ 0 ] );
 }
 
-TEST_F( ChildEnds, having_read_nothing_from_standard_input ) {
+TEST_F( ChildEnds, HavingReadNothingFromStandardInput ) {
    run( []( Observer & observer ) {
       char byte = 0;
       observer.onEvent( Story::StepEnds{ static_cast< U32 >( read( STDIN_FILENO, &byte, 1 ) ) } );
@@ -137,7 +137,7 @@ TEST_F( ChildEnds, having_read_nothing_from_standard_input ) {
 
 // --- Exceptions
 
-TEST_F( ChildEnds, with_a_sentence_when_memory_runs_out ) {
+TEST_F( ChildEnds, WithASentenceWhenMemoryRunsOut ) {
    run( []( Observer & ) { throw std::bad_alloc(); } );
 
    EXPECT_EQ( stopped().reason, "signal 6 (Aborted)" );
@@ -146,7 +146,7 @@ TEST_F( ChildEnds, with_a_sentence_when_memory_runs_out ) {
               "(ulimit -v), or play a smaller scenario" );
 }
 
-TEST_F( ChildEnds, where_an_exception_is_thrown_that_nobody_catches ) {
+TEST_F( ChildEnds, WhereAnExceptionIsThrownThatNobodyCatches ) {
    run( []( Observer & ) { throw std::runtime_error( "the exception's words" ); } );
 
    EXPECT_EQ( stopped().reason, "signal 6 (Aborted)" );
@@ -155,7 +155,7 @@ TEST_F( ChildEnds, where_an_exception_is_thrown_that_nobody_catches ) {
 
 // --- A turn that does not end
 
-TEST_F( ChildEnds, by_force_when_a_turn_takes_longer_than_its_limit ) {
+TEST_F( ChildEnds, ByForceWhenATurnTakesLongerThanItsLimit ) {
    run(
       []( Observer & observer ) {
          observer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 7, "the step", "" } );
@@ -168,7 +168,7 @@ TEST_F( ChildEnds, by_force_when_a_turn_takes_longer_than_its_limit ) {
    EXPECT_EQ( stopped().reason, "turn limit of 1.5 s" );
 }
 
-TEST_F( ChildEnds, by_force_when_a_turn_goes_on_telling_without_end ) {
+TEST_F( ChildEnds, ByForceWhenATurnGoesOnTellingWithoutEnd ) {
    run(
       []( Observer & observer ) {
          while ( true ) {
@@ -180,7 +180,7 @@ TEST_F( ChildEnds, by_force_when_a_turn_goes_on_telling_without_end ) {
    EXPECT_TRUE( stopped().isOverTime );
 }
 
-TEST_F( ChildEnds, in_time_when_many_turns_together_take_longer_than_the_limit_of_one ) {
+TEST_F( ChildEnds, InTimeWhenManyTurnsTogetherTakeLongerThanTheLimitOfOne ) {
    static constexpr auto kLimit = 1000ms;
    run(
       []( Observer & observer ) {
@@ -201,7 +201,7 @@ TEST_F( ChildEnds, in_time_when_many_turns_together_take_longer_than_the_limit_o
    EXPECT_EQ( story.all< Story::RunEnds >().size(), 1U );
 }
 
-TEST_F( ChildEnds, by_force_when_it_hangs_after_its_run_and_with_its_pipes_closed ) {
+TEST_F( ChildEnds, ByForceWhenItHangsAfterItsRunAndWithItsPipesClosed ) {
    run(
       []( Observer & observer ) {
          observer.onEvent( Story::RunEnds{} );
@@ -217,7 +217,7 @@ TEST_F( ChildEnds, by_force_when_it_hangs_after_its_run_and_with_its_pipes_close
 
 // --- Its parent
 
-TEST_F( ChildEnds, with_the_call_when_an_observer_throws ) {
+TEST_F( ChildEnds, WithTheCallWhenAnObserverThrows ) {
    class Full final : public Observer {
     public:
       void onEvent( Story::Event const & event ) override {
@@ -238,7 +238,7 @@ TEST_F( ChildEnds, with_the_call_when_an_observer_throws ) {
    EXPECT_EQ( errno, ESRCH );
 }
 
-TEST_F( ChildEnds, when_its_parent_is_interrupted_and_what_it_told_until_then_is_kept ) {
+TEST_F( ChildEnds, WhenItsParentIsInterruptedAndWhatItToldUntilThenIsKept ) {
    for ( int const signal : { SIGINT, SIGTERM, SIGHUP } ) {
       ::signal( signal, SIG_DFL );
       story.clear();
@@ -255,7 +255,7 @@ TEST_F( ChildEnds, when_its_parent_is_interrupted_and_what_it_told_until_then_is
    }
 }
 
-TEST_F( ChildEnds, by_its_parent_and_not_by_signals_that_reach_both ) {
+TEST_F( ChildEnds, ByItsParentAndNotBySignalsThatReachBoth ) {
    run( []( Observer & observer ) {
       raise( SIGINT );
       raise( SIGHUP );

@@ -79,8 +79,8 @@ std::vector< Event > oneOfEach() {
             Story::RulesDumped{ { someRule() } },
             Story::Audited{ 5,
                             4,
-                            { { Story::DifferenceKind::wrongMask, 1, 157, 3, "rule", "EgressMask", "ports 3",
-                                "ports 4", "because" } },
+                            { { Story::DifferenceKind::wrongMask, 1, 157, 3, "rule", "EgressMask",
+                                "ports 3", "ports 4", "because" } },
                             { "10.0.0.4" } },
             Story::PluginPass{ Story::PluginPass::State::Skipped, "it is full" },
             Story::EntityShown{ "/evpn/status", someTree() },
@@ -93,7 +93,7 @@ std::vector< Event > oneOfEach() {
             Story::Interrupted{ 15, "signal 15 (Terminated)" } };
 }
 
-TEST( Codec, has_an_example_of_every_event ) {
+TEST( Codec, HasAnExampleOfEveryEvent ) {
    auto const events = oneOfEach();
    ASSERT_EQ( events.size(), std::variant_size_v< Event > );
    for ( std::size_t n = 0; n < events.size(); ++n ) {
@@ -101,7 +101,7 @@ TEST( Codec, has_an_example_of_every_event ) {
    }
 }
 
-TEST( Codec, reads_back_what_it_writes_for_every_event ) {
+TEST( Codec, ReadsBackWhatItWritesForEveryEvent ) {
    for ( Event const & event : oneOfEach() ) {
       std::string const line = Story::encoded( event );
       Event const read = Story::decoded( line );
@@ -111,7 +111,7 @@ TEST( Codec, reads_back_what_it_writes_for_every_event ) {
    }
 }
 
-TEST( Codec, keeps_every_field_of_a_rule_and_of_a_call ) {
+TEST( Codec, KeepsEveryFieldOfARuleAndOfACall ) {
    EXPECT_EQ( std::get< Story::RuleIs >(
                  Story::decoded( Story::encoded( Story::RuleIs{ someRule() } ) ) )
                  .rule,
@@ -128,7 +128,7 @@ TEST( Codec, keeps_every_field_of_a_rule_and_of_a_call ) {
    EXPECT_EQ( call.returnCode, -2 );
 }
 
-TEST( Codec, keeps_absent_values_apart_from_empty_ones ) {
+TEST( Codec, KeepsAbsentValuesApartFromEmptyOnes ) {
    Event const gone = Story::PublishedChange{ "/p", "a", "k", "", std::nullopt };
 
    auto const read = std::get< Story::PublishedChange >( Story::decoded( Story::encoded( gone ) ) );
@@ -137,14 +137,14 @@ TEST( Codec, keeps_absent_values_apart_from_empty_ones ) {
    EXPECT_EQ( read.to, std::nullopt );
 }
 
-TEST( Codec, writes_one_line_and_replaces_what_is_not_utf_8 ) {
+TEST( Codec, WritesOneLineAndReplacesWhatIsNotUtf8 ) {
    std::string const line = Story::encoded( Story::OutputLine{ "a\nb\xff" } );
 
    EXPECT_EQ( line.find( '\n' ), std::string::npos );
    EXPECT_EQ( std::get< Story::OutputLine >( Story::decoded( line ) ).text, "a\nb\xef\xbf\xbd" );
 }
 
-TEST( Codec, refuses_what_is_no_event ) {
+TEST( Codec, RefusesWhatIsNoEvent ) {
    for ( char const * const line :
          { "", "{", "{}", "[]", R"({"event":"surprise"})", R"({"event":"stepEnds"})",
            R"({"event":"stepEnds","number":"x"})", R"({"event":"stepEnds","number":1e999})",
@@ -153,7 +153,7 @@ TEST( Codec, refuses_what_is_no_event ) {
    }
 }
 
-TEST( Codec, refuses_a_fraction_where_a_whole_number_belongs ) {
+TEST( Codec, RefusesAFractionWhereAWholeNumberBelongs ) {
    EXPECT_EQ(
       std::get< Story::StepEnds >( Story::decoded( R"({"event":"stepEnds","number":7})" ) ).number,
       7U );
@@ -161,7 +161,7 @@ TEST( Codec, refuses_a_fraction_where_a_whole_number_belongs ) {
    EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":7.0})" ), std::runtime_error );
 }
 
-TEST( Codec, refuses_what_is_nested_without_end ) {
+TEST( Codec, RefusesWhatIsNestedWithoutEnd ) {
    std::string const deep( 1'000'000, '[' );
    std::string const end( 1'000'000, ']' );
    EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":)" + deep + end + "}" ),

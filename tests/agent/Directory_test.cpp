@@ -11,7 +11,7 @@ namespace {
 using StateDatabase::Directory;
 using StateDatabase::isOfType;
 
-TEST( Directory, creates_an_entity_by_the_name_of_its_type_and_finds_it_at_its_path ) {
+TEST( Directory, CreatesAnEntityByTheNameOfItsTypeAndFindsItAtItsPath ) {
    Directory directory;
    auto const made = directory.entityNew( "evpn/status", "Evpn::EvpnStatus" );
 
@@ -20,7 +20,7 @@ TEST( Directory, creates_an_entity_by_the_name_of_its_type_and_finds_it_at_its_p
    EXPECT_EQ( directory.entity( "evpn/status" ), made );
 }
 
-TEST( Directory, answers_with_an_empty_reference_where_nobody_publishes ) {
+TEST( Directory, AnswersWithAnEmptyReferenceWhereNobodyPublishes ) {
    Directory directory;
    directory.entityNew( "evpn/status", "Evpn::EvpnStatus" );
 
@@ -28,7 +28,7 @@ TEST( Directory, answers_with_an_empty_reference_where_nobody_publishes ) {
    EXPECT_FALSE( directory.entity( "evpn/status/more" ) );
 }
 
-TEST( Directory, does_not_put_a_second_entity_at_a_path ) {
+TEST( Directory, DoesNotPutASecondEntityAtAPath ) {
    Directory directory;
    auto const first = directory.entityNew( "lag/config", "Lag::Config" );
 
@@ -36,7 +36,7 @@ TEST( Directory, does_not_put_a_second_entity_at_a_path ) {
    EXPECT_EQ( directory.entity( "lag/config" ), first );
 }
 
-TEST( Directory, refuses_types_that_nobody_has_or_that_need_more_than_a_name ) {
+TEST( Directory, RefusesTypesThatNobodyHasOrThatNeedMoreThanAName ) {
    Directory directory;
 
    EXPECT_THROW( directory.entityNew( "a", "Lag::Konfig" ), Quelm::AccessError );
@@ -44,14 +44,14 @@ TEST( Directory, refuses_types_that_nobody_has_or_that_need_more_than_a_name ) {
    EXPECT_TRUE( directory.entities().empty() );
 }
 
-TEST( Directory, refuses_what_is_not_a_path ) {
+TEST( Directory, RefusesWhatIsNotAPath ) {
    Directory directory;
    for ( char const * const path : { "", "/evpn", "evpn/", "evpn//status" } ) {
       EXPECT_THROW( directory.entityNew( path, "Lag::Config" ), Quelm::AccessError ) << path;
    }
 }
 
-TEST( Directory, lets_an_entity_go_when_it_is_taken_out ) {
+TEST( Directory, LetsAnEntityGoWhenItIsTakenOut ) {
    Directory directory;
    auto const entity = directory.entityNew( "lag/config", "Lag::Config" );
    ASSERT_EQ( entity->users(), 2U );
@@ -62,7 +62,7 @@ TEST( Directory, lets_an_entity_go_when_it_is_taken_out ) {
    EXPECT_FALSE( directory.entity( "lag/config" ) );
 }
 
-TEST( Directory, counts_a_derived_type_as_its_base ) {
+TEST( Directory, CountsADerivedTypeAsItsBase ) {
    Directory directory;
    auto const entity = directory.entityNew( "evpn/status", "Evpn::EvpnStatus" );
 

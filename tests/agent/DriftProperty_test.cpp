@@ -164,7 +164,7 @@ struct Kind {
 class DriftProperty : public testing::TestWithParam< Kind > {};
 
 // rapidcheck tries a hundred times and prints its seed.
-TEST_P( DriftProperty, theAuditFindsEverySingleDrift ) {
+TEST_P( DriftProperty, TheAuditFindsEverySingleDrift ) {
    LiveSwitch device( GetParam().leaf );
    auto const rules = rulesOf( device );
    ASSERT_TRUE( device.audited().differences.empty() );

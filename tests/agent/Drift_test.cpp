@@ -5,8 +5,8 @@
 
 #include <AuditRun.h>
 #include <Board/Board.h>
-#include <ScenarioTexts.h>
 #include <FieldProcessor/Gport.h>
+#include <ScenarioTexts.h>
 
 namespace {
 
@@ -42,7 +42,7 @@ class ChipDrift : public testing::Test {
    U32 drop = 0;
 };
 
-TEST_F( ChipDrift, is_met_by_frames_and_overwritten_by_a_reinstall ) {
+TEST_F( ChipDrift, IsMetByFramesAndOverwrittenByAReinstall ) {
    EXPECT_EQ( drift.dataFlips( 1, Qualifier::SrcVxlanGport, 8 ), ResultCode::None );
    EXPECT_EQ( winner( 2 ), 0U );
    EXPECT_EQ( winner( 10 ), 1U );
@@ -52,18 +52,18 @@ TEST_F( ChipDrift, is_met_by_frames_and_overwritten_by_a_reinstall ) {
    EXPECT_EQ( winner( 10 ), 0U );
 }
 
-TEST_F( ChipDrift, a_mask_of_zero_matches_everything ) {
+TEST_F( ChipDrift, AMaskOfZeroMatchesEverything ) {
    EXPECT_EQ( drift.maskIs( 2, Qualifier::SrcVxlanGport, 0 ), ResultCode::None );
    EXPECT_EQ( winner( 77 ), 2U );
 }
 
-TEST_F( ChipDrift, gports_that_are_swapped_lead_to_the_other_entry ) {
+TEST_F( ChipDrift, GportsThatAreSwappedLeadToTheOtherEntry ) {
    EXPECT_EQ( drift.gportsSwap( 1, 2 ), ResultCode::None );
    EXPECT_EQ( winner( 2 ), 2U );
    EXPECT_EQ( winner( 3 ), 1U );
 }
 
-TEST_F( ChipDrift, an_erased_entry_keeps_its_room_and_a_destroyed_one_gives_it_back ) {
+TEST_F( ChipDrift, AnErasedEntryKeepsItsRoomAndADestroyedOneGivesItBack ) {
    EXPECT_EQ( drift.erase( 1 ), ResultCode::None );
    EXPECT_EQ( winner( 2 ), 0U );
    EXPECT_EQ( group.used(), 2U );
@@ -71,7 +71,7 @@ TEST_F( ChipDrift, an_erased_entry_keeps_its_room_and_a_destroyed_one_gives_it_b
    EXPECT_EQ( group.used(), 1U );
 }
 
-TEST_F( ChipDrift, a_copy_stands_below_its_original_until_that_goes ) {
+TEST_F( ChipDrift, ACopyStandsBelowItsOriginalUntilThatGoes ) {
    U32 const copy = drift.copy( 1 );
    EXPECT_EQ( group.entry( copy )->name(), "from VTEP" );
    EXPECT_EQ( winner( 2 ), 1U );
@@ -79,7 +79,7 @@ TEST_F( ChipDrift, a_copy_stands_below_its_original_until_that_goes ) {
    EXPECT_EQ( winner( 2 ), copy );
 }
 
-TEST_F( ChipDrift, is_refused_where_there_is_nothing_to_change ) {
+TEST_F( ChipDrift, IsRefusedWhereThereIsNothingToChange ) {
    EXPECT_EQ( drift.dataFlips( 9, Qualifier::SrcVxlanGport ), ResultCode::UnknownEntry );
    EXPECT_EQ( drift.dataFlips( 1, Qualifier::PacketRes ), ResultCode::NotFound );
    EXPECT_EQ( drift.dataFlips( 1, Qualifier::DstPort ), ResultCode::Unsupported );
@@ -108,7 +108,7 @@ class DriftStep : public AuditRun {
    }
 };
 
-TEST_F( DriftStep, shows_in_the_story_as_a_changed_rule ) {
+TEST_F( DriftStep, ShowsInTheStoryAsAChangedRule ) {
    play( Leaf(),
          "   - ready: subagents::l2Ready\n"
          "   - drift: { group: ingress, unit: 0, rule: 10.0.0.2, priority: 7 }\n"
@@ -119,7 +119,7 @@ TEST_F( DriftStep, shows_in_the_story_as_a_changed_rule ) {
    EXPECT_TRUE( inStep< Story::HardwareCall >( 2 ).empty() );
 }
 
-TEST_F( DriftStep, names_one_rule ) {
+TEST_F( DriftStep, NamesOneRule ) {
    std::string const text = refusal( "group: ingress, rule: from vtep IP, flip: SrcVxlanGport" );
    EXPECT_TRUE( text.starts_with( "leaf.yaml:" ) ) << text;
    EXPECT_TRUE(
@@ -132,7 +132,7 @@ TEST_F( DriftStep, names_one_rule ) {
                                "and 'dump: rules' shows their names" ) );
 }
 
-TEST_F( DriftStep, says_why_a_rule_cannot_change_so ) {
+TEST_F( DriftStep, SaysWhyARuleCannotChangeSo ) {
    std::string const entry = "entry 1 of group 157 on unit 0 cannot drift so: ";
    struct Case {
       char const * words;
@@ -162,7 +162,7 @@ std::string problemWith( std::string const & words ) {
                                        " }\n" );
 }
 
-TEST( DriftWords, name_one_rule_and_one_change ) {
+TEST( DriftWords, NameOneRuleAndOneChange ) {
    EXPECT_EQ( problemWith( "entry: 1, flip: PacketRes" ), "" );
    EXPECT_EQ( problemWith( "flip: PacketRes" ),
               "leaf.yaml:10: drift needs one of the words 'entry' and 'rule'" );
@@ -172,7 +172,7 @@ TEST( DriftWords, name_one_rule_and_one_change ) {
               std::string::npos );
 }
 
-TEST( DriftWords, know_qualifiers_and_actions ) {
+TEST( DriftWords, KnowQualifiersAndActions ) {
    EXPECT_NE( problemWith( "entry: 1, flip: PacketRez" )
                  .find( "'PacketRez' is not expected here; "
                         "known are SrcVxlanGport, " ),

@@ -42,25 +42,25 @@ class Finder : public testing::Test {
    StateDatabase::Finder finder{ { &database, &own } };
 };
 
-TEST_F( Finder, finds_what_is_mounted_and_what_is_shared ) {
+TEST_F( Finder, FindsWhatIsMountedAndWhatIsShared ) {
    EXPECT_EQ( find( "/evpn/status" ), database.entity( "evpn/status" ) );
    EXPECT_EQ( find( "/shared/vornalCommon" ), common );
 }
 
-TEST_F( Finder, follows_a_collection_of_entities_by_key_and_a_reference_by_name ) {
+TEST_F( Finder, FollowsACollectionOfEntitiesByKeyAndAReferenceByName ) {
    EXPECT_EQ( find( "/evpn/status/segmentStatus[Port-Channel2]" ), segment );
    EXPECT_EQ( find( "/shared/vornalCommon/sliceDependencyPoints/evpnDependencyPoint" ),
               common->sliceDependencyPoints()->evpnDependencyPoint() );
 }
 
-TEST_F( Finder, takes_the_longest_beginning_that_is_there ) {
+TEST_F( Finder, TakesTheLongestBeginningThatIsThere ) {
    auto const inner = database.entityNew( "evpn/status/segmentStatus", "Lag::Config" );
 
    EXPECT_EQ( find( "/evpn/status/segmentStatus" ), inner );
    EXPECT_EQ( find( "/evpn/status/segmentStatus[Port-Channel2]" ), segment );
 }
 
-TEST_F( Finder, lists_the_beginnings_when_a_path_has_none_of_them ) {
+TEST_F( Finder, ListsTheBeginningsWhenAPathHasNoneOfThem ) {
    EXPECT_EQ( refusalOf( "/evpn/statsu" ),
               "there is no entity at '/evpn/statsu'; did you mean '/evpn/status'? Paths begin with "
               "one of\n"
@@ -68,13 +68,13 @@ TEST_F( Finder, lists_the_beginnings_when_a_path_has_none_of_them ) {
               "   /shared/vornalCommon" );
 }
 
-TEST_F( Finder, says_which_attributes_there_are_when_one_does_not_exist ) {
+TEST_F( Finder, SaysWhichAttributesThereAreWhenOneDoesNotExist ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segments" ),
               "there is no entity at '/evpn/status/segments': an Evpn::EvpnStatus has no attribute "
               "'segments'; it has segmentStatus" );
 }
 
-TEST_F( Finder, says_whether_a_key_is_needed ) {
+TEST_F( Finder, SaysWhetherAKeyIsNeeded ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus" ),
               "there is no entity at '/evpn/status/segmentStatus': attribute 'segmentStatus' needs "
               "a key in brackets; it has Port-Channel2" );
@@ -83,7 +83,7 @@ TEST_F( Finder, says_whether_a_key_is_needed ) {
               "'sliceDependencyPoints' takes no key; leave the brackets out" );
 }
 
-TEST_F( Finder, names_the_owner_of_what_is_a_value ) {
+TEST_F( Finder, NamesTheOwnerOfWhatIsAValue ) {
    EXPECT_EQ( refusalOf( "/evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]" ),
               "there is no entity at "
               "'/evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]': attribute "
@@ -91,14 +91,14 @@ TEST_F( Finder, names_the_owner_of_what_is_a_value ) {
               "them: '/evpn/status/segmentStatus[Port-Channel2]'" );
 }
 
-TEST_F( Finder, says_where_a_path_leads_nowhere ) {
+TEST_F( Finder, SaysWhereAPathLeadsNowhere ) {
    EXPECT_EQ(
       refusalOf( "/evpn/status/segmentStatus[Port-Channel3]" ),
       "there is no entity at '/evpn/status/segmentStatus[Port-Channel3]': 'segmentStatus' has "
       "no key 'Port-Channel3'; it has Port-Channel2" );
 }
 
-TEST_F( Finder, goes_through_attributes_that_lead_to_entities_only ) {
+TEST_F( Finder, GoesThroughAttributesThatLeadToEntitiesOnly ) {
    EXPECT_THROW( find( "/shared/vornalCommon/vornalModId/more" ), Quelm::AccessError );
 }
 

@@ -24,7 +24,7 @@ class HumanWriter : public testing::Test {
    Story::HumanWriter writer{ out, Story::Style( false ) };
 };
 
-TEST_F( HumanWriter, tells_start_up_line_by_line ) {
+TEST_F( HumanWriter, TellsStartUpLineByLine ) {
    EXPECT_EQ( told( startUp() ),
               "start-up (start-up.yaml)\n"
               "A leaf comes up.\n"
@@ -41,7 +41,7 @@ TEST_F( HumanWriter, tells_start_up_line_by_line ) {
               "   takes the agent's \"vornalCommon\" (Vornal::VornalCommonSmData)\n" );
 }
 
-TEST_F( HumanWriter, tells_a_step_and_the_rules_that_it_leads_to ) {
+TEST_F( HumanWriter, TellsAStepAndTheRulesThatItLeadsTo ) {
    told( startUp() );
 
    EXPECT_EQ( told( readyStep() ),
@@ -61,7 +61,7 @@ TEST_F( HumanWriter, tells_a_step_and_the_rules_that_it_leads_to ) {
               "priority 1; staged only, not written to the chip\n" );
 }
 
-TEST_F( HumanWriter, tells_what_changed_in_a_rule_and_which_was_removed ) {
+TEST_F( HumanWriter, TellsWhatChangedInARuleAndWhichWasRemoved ) {
    told( readyStep() );
    Story::Rule changed = rule( 1 );
    changed.actions.clear();
@@ -81,7 +81,7 @@ TEST_F( HumanWriter, tells_what_changed_in_a_rule_and_which_was_removed ) {
               "   rule removed: unit 0, ingress group 157, entry 2, \"Mark or drop\"\n" );
 }
 
-TEST_F( HumanWriter, tells_what_the_plug_in_writes_and_leaves_out_what_the_step_says_itself ) {
+TEST_F( HumanWriter, TellsWhatThePlugInWritesAndLeavesOutWhatTheStepSaysItself ) {
    told( startUp() );
 
    std::string const text =
@@ -97,7 +97,7 @@ TEST_F( HumanWriter, tells_what_the_plug_in_writes_and_leaves_out_what_the_step_
               "   deletes /class/ids/peer[10.0.0.2]\n" );
 }
 
-TEST_F( HumanWriter, shows_traces_log_lines_and_what_was_printed ) {
+TEST_F( HumanWriter, ShowsTracesLogLinesAndWhatWasPrinted ) {
    EXPECT_EQ( told( { Story::TraceLine{ "VornalEvpnSm", 5, "add, unit: 0" },
                       Story::LogLine{ "FULL", "%VORNAL-3-FULL: no room" },
                       Story::OutputLine{ "hello" } } ),
@@ -106,7 +106,7 @@ TEST_F( HumanWriter, shows_traces_log_lines_and_what_was_printed ) {
               "   printed: hello\n" );
 }
 
-TEST_F( HumanWriter, is_brief_about_expectations_that_held_and_says_what_was_found_otherwise ) {
+TEST_F( HumanWriter, IsBriefAboutExpectationsThatHeldAndSaysWhatWasFoundOtherwise ) {
    std::string const text =
       told( { step( 2, "expect plug-in ready" ), expectation( true ), Story::StepEnds{ 2 },
               step( 3, "expect both" ), expectation( true ), expectation( false ),
@@ -122,7 +122,7 @@ TEST_F( HumanWriter, is_brief_about_expectations_that_held_and_says_what_was_fou
               "   the rest is as expected\n" );
 }
 
-TEST_F( HumanWriter, ends_with_one_verdict ) {
+TEST_F( HumanWriter, EndsWithOneVerdict ) {
    EXPECT_EQ( told( { Story::RunEnds{} } ), "\nCOMPLETED; 0 rules in the chip at the end.\n" );
    EXPECT_EQ( told( { expectation( true ), Story::RunEnds{} } ),
               "\nPASSED: 1 expectation held; 0 rules in the chip at the end.\n" );
@@ -131,7 +131,7 @@ TEST_F( HumanWriter, ends_with_one_verdict ) {
               "\nFAILED: 1 of 2 expectations did not hold; 1 rule in the chip at the end.\n" );
 }
 
-TEST_F( HumanWriter, says_in_which_step_the_plug_in_stopped_and_what_its_last_words_were ) {
+TEST_F( HumanWriter, SaysInWhichStepThePlugInStoppedAndWhatItsLastWordsWere ) {
    told( readyStep() );
 
    EXPECT_EQ( told( { step( 2, "publish segment Port-Channel3" ), stopped() } ),
@@ -148,7 +148,7 @@ TEST_F( HumanWriter, says_in_which_step_the_plug_in_stopped_and_what_its_last_wo
               "   Sm.cpp:117: void Vornal::Sm::add(): Assertion 'count < 2' failed.\n" );
 }
 
-TEST_F( HumanWriter, shows_a_half_built_rule_when_the_plug_in_stops_in_the_middle_of_it ) {
+TEST_F( HumanWriter, ShowsAHalfBuiltRuleWhenThePlugInStopsInTheMiddleOfIt ) {
    std::string const text = told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
 
    EXPECT_NE( text.find( "rule added: unit 0, ingress group 157, entry 7" ), std::string::npos );
@@ -156,7 +156,7 @@ TEST_F( HumanWriter, shows_a_half_built_rule_when_the_plug_in_stops_in_the_middl
 }
 
 // Whatever others call themselves, a terminal sees it written out.
-TEST( HumanWriterStyle, lets_no_control_character_of_others_through ) {
+TEST( HumanWriterStyle, LetsNoControlCharacterOfOthersThrough ) {
    std::string const evil = "\x1b]0;x\x07\r\xc2\x9b\x7f\xff";
    std::string const written = "\\x1b]0;x\\x07\\r\\u009b\\x7f\\xff";
    Story::Rule named = rule( 1 );
@@ -218,7 +218,7 @@ TEST( HumanWriterStyle, lets_no_control_character_of_others_through ) {
                  Support::timesIn( coloured.str(), "\x1b[0m" ) );
 }
 
-TEST_F( HumanWriter, names_the_known_limit_of_a_stop_and_its_remedy ) {
+TEST_F( HumanWriter, NamesTheKnownLimitOfAStopAndItsRemedy ) {
    told( readyStep() );
    Story::Stopped stop = stopped();
    stop.assertion =
@@ -238,7 +238,7 @@ TEST_F( HumanWriter, names_the_known_limit_of_a_stop_and_its_remedy ) {
    EXPECT_EQ( told( { step( 3 ), stop } ).find( "known limit" ), std::string::npos );
 }
 
-TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
+TEST( HumanWriterStyle, UsesColoursOnlyWhereTheyAreWanted ) {
    std::ostringstream plain;
    Story::HumanWriter onFile( plain, Story::Style( false ) );
    tell( onFile, { step( 1 ), expectation( false ), Story::StepEnds{ 1 }, Story::RunEnds{} } );
@@ -250,18 +250,18 @@ TEST( HumanWriterStyle, uses_colours_only_where_they_are_wanted ) {
    EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1;31m" ), 2U );
 }
 
-TEST_F( HumanWriter, tells_a_warning_below_its_step ) {
+TEST_F( HumanWriter, TellsAWarningBelowItsStep ) {
    told( startUp() );
    EXPECT_EQ( told( { Story::Warning{ "leaf.yaml:7: no \x1b handle" } } ),
               "   warning: leaf.yaml:7: no \\x1b handle\n" );
 }
 
-TEST( FrameTotals, say_so_when_no_copy_of_a_frame_was_considered ) {
+TEST( FrameTotals, SaySoWhenNoCopyOfAFrameWasConsidered ) {
    Story::FrameTotals totals;
    EXPECT_EQ( totals.copiesText(), "no copies" );
 }
 
-TEST_F( HumanWriter, tells_in_which_step_the_run_was_interrupted_and_the_totals_so_far ) {
+TEST_F( HumanWriter, TellsInWhichStepTheRunWasInterruptedAndTheTotalsSoFar ) {
    told( startUp() );
    told( readyStep() );
    told( { step( 2 ), expectation( true ), expectation( false ) } );
@@ -271,7 +271,7 @@ TEST_F( HumanWriter, tells_in_which_step_the_run_was_interrupted_and_the_totals_
               "did not hold, and 2 rules in the chip.\n" );
 }
 
-TEST_F( HumanWriter, names_the_limit_that_a_turn_has_exceeded ) {
+TEST_F( HumanWriter, NamesTheLimitThatATurnHasExceeded ) {
    Story::Stopped stop = stopped();
    stop.reason = "turn limit of 60 s";
    stop.isOverTime = true;

@@ -7,7 +7,7 @@ namespace {
 
 using Process::Interruption;
 
-TEST( Interruption, takes_note_of_the_first_signal ) {
+TEST( Interruption, TakesNoteOfTheFirstSignal ) {
    signal( SIGTERM, SIG_DFL );
    Interruption const interruption;
    EXPECT_EQ( interruption.signal(), 0 );
@@ -15,7 +15,7 @@ TEST( Interruption, takes_note_of_the_first_signal ) {
    EXPECT_EQ( interruption.signal(), SIGTERM );
 }
 
-TEST( Interruption, leaves_the_second_signal_to_end_the_process ) {
+TEST( Interruption, LeavesTheSecondSignalToEndTheProcess ) {
    EXPECT_EXIT(
       {
          signal( SIGINT, SIG_DFL );
@@ -26,7 +26,7 @@ TEST( Interruption, leaves_the_second_signal_to_end_the_process ) {
       testing::KilledBySignal( SIGINT ), "" );
 }
 
-TEST( Interruption, leaves_a_signal_ignored_that_was_ignored_before ) {
+TEST( Interruption, LeavesASignalIgnoredThatWasIgnoredBefore ) {
    signal( SIGINT, SIG_IGN );
    Interruption const interruption;
    raise( SIGINT );
@@ -34,7 +34,7 @@ TEST( Interruption, leaves_a_signal_ignored_that_was_ignored_before ) {
    EXPECT_EQ( interruption.signal(), 0 );
 }
 
-TEST( Interruption, is_over_with_its_scope ) {
+TEST( Interruption, IsOverWithItsScope ) {
    EXPECT_EXIT(
       {
          signal( SIGTERM, SIG_DFL );

@@ -33,7 +33,7 @@ std::vector< std::string > namesIn( Json const & object ) {
 
 using Names = std::vector< std::string >;
 
-TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
+TEST( JsonWriter, HasTheNamesThatScriptsHoldOnTo ) {
    Json const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
 
    EXPECT_EQ( namesIn( document ),
@@ -53,12 +53,12 @@ TEST( JsonWriter, has_the_names_that_scripts_hold_on_to ) {
                        "sharedEntities", "tcamGroups", "ready" } ) );
 }
 
-TEST( JsonWriter, has_the_same_names_when_nothing_happened ) {
+TEST( JsonWriter, HasTheSameNamesWhenNothingHappened ) {
    EXPECT_EQ( namesIn( documentOf( {} ) ),
               namesIn( documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } ) ) );
 }
 
-TEST( JsonWriter, tells_what_the_plug_in_asked_for ) {
+TEST( JsonWriter, TellsWhatThePlugInAskedFor ) {
    Json const plugin = documentOf( { startUp(), readyStep() } )[ "plugin" ];
 
    EXPECT_EQ( plugin[ "file" ], "VornalEvpn.so" );
@@ -74,7 +74,7 @@ TEST( JsonWriter, tells_what_the_plug_in_asked_for ) {
    EXPECT_EQ( plugin[ "ready" ], true );
 }
 
-TEST( JsonWriter, tells_of_each_step_the_calls_and_rules_that_it_caused ) {
+TEST( JsonWriter, TellsOfEachStepTheCallsAndRulesThatItCaused ) {
    Json const steps = documentOf( { startUp(), readyStep() } )[ "steps" ];
 
    ASSERT_EQ( steps.size(), 2U );
@@ -95,7 +95,7 @@ TEST( JsonWriter, tells_of_each_step_the_calls_and_rules_that_it_caused ) {
    EXPECT_TRUE( steps[ 1 ][ "rulesChanged" ].empty() );
 }
 
-TEST( JsonWriter, tells_of_a_changed_rule_what_it_was_and_what_it_is ) {
+TEST( JsonWriter, TellsOfAChangedRuleWhatItWasAndWhatItIs ) {
    Json const step =
       documentOf( { readyStep(),
                     { Stories::step( 2 ), Story::RuleIs{ rule( 2, true ) },
@@ -106,7 +106,7 @@ TEST( JsonWriter, tells_of_a_changed_rule_what_it_was_and_what_it_is ) {
    EXPECT_EQ( step[ "rulesRemoved" ][ 0 ][ "id" ], 1 );
 }
 
-TEST( JsonWriter, has_the_rules_at_the_end_with_data_mask_and_ports ) {
+TEST( JsonWriter, HasTheRulesAtTheEndWithDataMaskAndPorts ) {
    Json const rules = documentOf( { readyStep() } )[ "rules" ];
 
    ASSERT_EQ( rules.size(), 2U );
@@ -118,7 +118,7 @@ TEST( JsonWriter, has_the_rules_at_the_end_with_data_mask_and_ports ) {
                     "actions": { "EgressMask": { "ports": [ 3, 4 ] } } })" ) );
 }
 
-TEST( JsonWriter, tells_the_parts_of_a_port_apart_and_null_for_the_default_priority ) {
+TEST( JsonWriter, TellsThePartsOfAPortApartAndNullForTheDefaultPriority ) {
    Story::Rule drop = rule( 3 );
    drop.priority.reset();
    drop.qualifiers = { { "DstPort", { { "modId", 1, 255 }, { "port", 5, 255 } }, {} } };
@@ -133,13 +133,13 @@ TEST( JsonWriter, tells_the_parts_of_a_port_apart_and_null_for_the_default_prior
    EXPECT_EQ( json[ "actions" ][ "Drop" ], Json::object() );
 }
 
-TEST( JsonWriter, says_how_the_run_ended ) {
+TEST( JsonWriter, SaysHowTheRunEnded ) {
    EXPECT_EQ( documentOf( { { step( 1 ), expectation( true ), Story::StepEnds{ 1 },
                               Story::RunEnds{} } } )[ "end" ],
               "completed" );
 }
 
-TEST( JsonWriter, says_which_expectation_failed_and_what_was_found ) {
+TEST( JsonWriter, SaysWhichExpectationFailedAndWhatWasFound ) {
    Json const document = documentOf( { { step( 1 ), expectation( true ), expectation( false ),
                                          Story::StepEnds{ 1 }, Story::RunEnds{} } } );
 
@@ -150,7 +150,7 @@ TEST( JsonWriter, says_which_expectation_failed_and_what_was_found ) {
                    "found": "it is not ready" } ])" ) );
 }
 
-TEST( JsonWriter, says_where_and_why_the_plug_in_stopped ) {
+TEST( JsonWriter, SaysWhereAndWhyThePlugInStopped ) {
    Json const document = documentOf(
       { startUp(), readyStep(), { step( 2 ), Story::RuleIs{ rule( 9, false ) }, stopped() } } );
 
@@ -166,7 +166,7 @@ TEST( JsonWriter, says_where_and_why_the_plug_in_stopped ) {
    EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ][ 0 ][ "id" ], 9 );
 }
 
-TEST( JsonWriter, names_the_known_limits_that_a_stop_may_be ) {
+TEST( JsonWriter, NamesTheKnownLimitsThatAStopMayBe ) {
    Story::Stopped stop = stopped();
    EXPECT_EQ( documentOf( { readyStep(), { stop } } )[ "stop" ][ "limits" ], Json::array() );
 
@@ -181,7 +181,7 @@ TEST( JsonWriter, names_the_known_limits_that_a_stop_may_be ) {
    EXPECT_EQ( namesIn( limits[ 0 ] ), ( Names{ "title", "remedy" } ) );
 }
 
-TEST( JsonWriter, is_utf_8_without_control_characters_and_keeps_those_of_texts ) {
+TEST( JsonWriter, IsUtf8WithoutControlCharactersAndKeepsThoseOfTexts ) {
    std::string const text = "\x1b[31m\x7f M\xc3\xbcnchen \xc2\x9b";
    Story::JsonWriter writer;
    tell( writer, { Story::RunBegins{ "s.yaml", text, "", 1 }, step( 1 ),
@@ -202,14 +202,14 @@ TEST( JsonWriter, is_utf_8_without_control_characters_and_keeps_those_of_texts )
               "\xef\xbf\xbd no UTF-8 \xef\xbf\xbd" );
 }
 
-TEST( JsonWriter, can_tell_of_a_stop_before_the_first_step ) {
+TEST( JsonWriter, CanTellOfAStopBeforeTheFirstStep ) {
    Json const document = documentOf( { { stopped() } } );
 
    EXPECT_EQ( document[ "end" ], "stopped" );
    EXPECT_EQ( document[ "step" ], nullptr );
 }
 
-TEST( JsonWriter, counts ) {
+TEST( JsonWriter, Counts ) {
    Json const counters = documentOf(
       { startUp(),
         readyStep(),
@@ -223,7 +223,7 @@ TEST( JsonWriter, counts ) {
                  "expectationsFailed": 1, "framesDropped": {}, "copies": {} })" ) );
 }
 
-TEST( JsonWriter, tells_log_lines_with_their_step ) {
+TEST( JsonWriter, TellsLogLinesWithTheirStep ) {
    Json const document = documentOf(
       { { step( 4 ), Story::LogLine{ "FULL", "%VORNAL-3-FULL: x" }, Story::StepEnds{ 4 } } } );
 
@@ -232,7 +232,7 @@ TEST( JsonWriter, tells_log_lines_with_their_step ) {
    EXPECT_EQ( document[ "steps" ][ 0 ][ "log" ], Json::array( { "%VORNAL-3-FULL: x" } ) );
 }
 
-TEST( JsonForms, show_an_entity_with_its_attributes_by_name ) {
+TEST( JsonForms, ShowAnEntityWithItsAttributesByName ) {
    using Kind = Kiv::Attribute::Kind;
    Story::EntityTree const segment{
       "S", "Ethernet1", "", { { "remoteTep", Kind::Set, { { "10.0.0.2", "", {} } } } }
@@ -259,7 +259,7 @@ TEST( JsonForms, show_an_entity_with_its_attributes_by_name ) {
          "empty": null } })" ) );
 }
 
-TEST( JsonWriter, says_what_was_wrong_with_the_input_and_what_had_happened_until_then ) {
+TEST( JsonWriter, SaysWhatWasWrongWithTheInputAndWhatHadHappenedUntilThen ) {
    Json const document = documentOf( { startUp(),
                                        readyStep(),
                                        { step( 2 ), Story::RuleIs{ rule( 3 ) },
@@ -273,7 +273,7 @@ TEST( JsonWriter, says_what_was_wrong_with_the_input_and_what_had_happened_until
    EXPECT_EQ( document[ "steps" ][ 2 ][ "rulesAdded" ].size(), 1U );
 }
 
-TEST( JsonWriter, tells_warnings_with_their_step_and_ends_as_it_would_without ) {
+TEST( JsonWriter, TellsWarningsWithTheirStepAndEndsAsItWouldWithout ) {
    Json const document = documentOf( { startUp(),
                                        { step( 1 ), Story::Warning{ "leaf.yaml:7: no handle" },
                                          Story::StepEnds{ 1 }, Story::RunEnds{} } } );
@@ -282,7 +282,7 @@ TEST( JsonWriter, tells_warnings_with_their_step_and_ends_as_it_would_without ) 
    EXPECT_EQ( document[ "end" ], "completed" );
 }
 
-TEST( JsonWriter, counts_what_a_step_without_end_has_too_many_of ) {
+TEST( JsonWriter, CountsWhatAStepWithoutEndHasTooManyOf ) {
    constexpr std::size_t kMost = 2;
    Story::JsonWriter writer( kMost );
    writer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 1, "the step", "" } );
@@ -307,7 +307,7 @@ TEST( JsonWriter, counts_what_a_step_without_end_has_too_many_of ) {
    EXPECT_EQ( document[ "counters" ][ "hardwareCalls" ], 5 );
 }
 
-TEST( JsonWriter, says_in_which_step_the_run_was_interrupted ) {
+TEST( JsonWriter, SaysInWhichStepTheRunWasInterrupted ) {
    Json const document = documentOf(
       { startUp(), readyStep(), { step( 2 ), Story::Interrupted{ 2, "signal 2 (Interrupt)" } } } );
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST( LastWords, read_an_assertion_in_a_line_of_any_length ) {
+TEST( LastWords, ReadAnAssertionInALineOfAnyLength ) {
    std::string const function( 5'000'000, 'f' );
    std::string const expression = "a == ' failed.' && " + std::string( 5'000'000, 'e' );
 
@@ -17,7 +17,7 @@ TEST( LastWords, read_an_assertion_in_a_line_of_any_length ) {
    EXPECT_EQ( assertion->expression, expression );
 }
 
-TEST( LastWords, take_any_length_and_any_bytes ) {
+TEST( LastWords, TakeAnyLengthAndAnyBytes ) {
    for ( std::string const & part :
          { std::string( "x" ), std::string( ":" ), std::string( "f.cpp:1: " ),
            std::string( ": Assertion '" ), std::string( "' failed." ), std::string( 1, '\0' ),
@@ -31,7 +31,7 @@ TEST( LastWords, take_any_length_and_any_bytes ) {
    }
 }
 
-TEST( LastWords, see_no_assertion_where_a_part_is_missing_or_overlaps ) {
+TEST( LastWords, SeeNoAssertionWhereAPartIsMissingOrOverlaps ) {
    for ( char const * const line :
          { ":1: g: Assertion 'a' failed.", "f.cpp: g: Assertion 'a' failed.",
            "f.cpp:-1: g: Assertion 'a' failed.", "f.cpp:1234567890: g: Assertion 'a' failed.",
@@ -41,7 +41,7 @@ TEST( LastWords, see_no_assertion_where_a_part_is_missing_or_overlaps ) {
    }
 }
 
-TEST( LastWords, see_an_assertion_without_function_or_expression ) {
+TEST( LastWords, SeeAnAssertionWithoutFunctionOrExpression ) {
    auto const assertion = Process::assertionIn( "f.cpp:1: : Assertion '' failed." );
 
    ASSERT_TRUE( assertion );
@@ -49,7 +49,7 @@ TEST( LastWords, see_an_assertion_without_function_or_expression ) {
    EXPECT_EQ( assertion->expression, "" );
 }
 
-TEST( LastWords, keep_the_beginning_of_a_line_that_is_too_long ) {
+TEST( LastWords, KeepTheBeginningOfALineThatIsTooLong ) {
    Process::LastWords words;
    words.lineNew( std::string( Process::LastWords::kLongestLine, 'x' ) );
    words.lineNew( std::string( Process::LastWords::kLongestLine - 1, 'x' ) + "\xc3\xa4" );

@@ -32,11 +32,11 @@ Titles titlesOf( Story::Stopped const & stopped, Story::StopCause const & cause 
 
 // --- The index
 
-TEST( LimitIndex, is_that_of_the_document_as_it_is ) {
+TEST( LimitIndex, IsThatOfTheDocumentAsItIs ) {
    EXPECT_EQ( Story::limitsDocument(), Support::contentOf( VORNAL_SOURCE_DIR "/docs/limits.md" ) );
 }
 
-TEST( LimitIndex, leads_to_sections_that_have_a_remedy ) {
+TEST( LimitIndex, LeadsToSectionsThatHaveARemedy ) {
    std::string const document = Story::limitsDocument();
    ASSERT_GE( Story::limitIndex().rows().size(), 50U );
    for ( Story::LimitIndex::Row const & row : Story::limitIndex().rows() ) {
@@ -57,7 +57,7 @@ TEST( LimitIndex, leads_to_sections_that_have_a_remedy ) {
    }
 }
 
-TEST( LimitIndex, names_the_events_that_are_followed ) {
+TEST( LimitIndex, NamesTheEventsThatAreFollowed ) {
    std::set< std::string > const known{ "segment", "virtual port", "class id",
                                         "VNI",     "port",         "port channel",
                                         "room",    "verification", "start" };
@@ -69,7 +69,7 @@ TEST( LimitIndex, names_the_events_that_are_followed ) {
    }
 }
 
-TEST( LimitIndex, tells_limits_with_one_expression_apart_by_the_event ) {
+TEST( LimitIndex, TellsLimitsWithOneExpressionApartByTheEvent ) {
    EXPECT_EQ( titlesOf( kNoMask, { "egress-mask", { "virtual port" } } ),
               ( Titles{ "A second key of a VTEP goes", "One of two units is full",
                         "The virtual port of a VTEP without a rule changes" } ) );
@@ -78,7 +78,7 @@ TEST( LimitIndex, tells_limits_with_one_expression_apart_by_the_event ) {
                         "The segment of a VTEP without a rule goes" } ) );
 }
 
-TEST( LimitIndex, finds_nothing_on_the_other_variant_after_another_event_or_elsewhere ) {
+TEST( LimitIndex, FindsNothingOnTheOtherVariantAfterAnotherEventOrElsewhere ) {
    EXPECT_EQ( titlesOf( kNoMask, { "class-id", { "segment" } } ), Titles() );
    EXPECT_EQ( titlesOf( kNoMask, { "egress-mask", { "VNI" } } ), Titles() );
    EXPECT_EQ( titlesOf( kNoMask, { "egress-mask", {} } ), Titles() );
@@ -90,11 +90,11 @@ TEST( LimitIndex, finds_nothing_on_the_other_variant_after_another_event_or_else
    EXPECT_EQ( titlesOf( elsewhere, { "egress-mask", { "segment" } } ), Titles() );
 }
 
-TEST( LimitIndex, knows_both_variants_before_one_is_chosen ) {
+TEST( LimitIndex, KnowsBothVariantsBeforeOneIsChosen ) {
    EXPECT_FALSE( titlesOf( kNoMask, { "", { "segment" } } ).empty() );
 }
 
-TEST( LimitIndex, gives_a_remedy_as_plain_text ) {
+TEST( LimitIndex, GivesARemedyAsPlainText ) {
    Story::LimitIndex const index(
       "| `a == b` | `f.cpp` | `add` | both | segment, VNI | [One](#one) |\n"
       "### One\n"
@@ -121,7 +121,7 @@ std::set< std::string > eventsAfter( std::vector< Story::Event > const & events 
 
 using Events = std::set< std::string >;
 
-TEST( StopEvents, are_those_of_the_step_under_way ) {
+TEST( StopEvents, AreThoseOfTheStepUnderWay ) {
    Story::StepBegins const step{ Story::StepKind::Scenario, 1, "publish", "" };
    Story::PublishedChange const port{ "/p", "remoteVport", "10.0.0.2", {}, "2" };
    Story::PublishedChange const segment{ "/s", "segmentStatus", "Ethernet1", {}, "x" };
@@ -133,7 +133,7 @@ TEST( StopEvents, are_those_of_the_step_under_way ) {
    EXPECT_EQ( eventsAfter( { step, Story::DependencyPointReady{ "evpn", true } } ), Events() );
 }
 
-TEST( StopEvents, know_a_pass_until_it_has_held ) {
+TEST( StopEvents, KnowAPassUntilItHasHeld ) {
    using State = Story::PluginPass::State;
    Story::StepBegins const step{ Story::StepKind::Scenario, 1, "verify", "" };
    Story::PluginPass const begins{ State::Begins };

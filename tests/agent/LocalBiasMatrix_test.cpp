@@ -208,7 +208,7 @@ class Matrix : public AgentRun,
    }
 };
 
-TEST_P( Matrix, reaches_every_port_but_those_that_the_sender_has_reached_itself ) {
+TEST_P( Matrix, ReachesEveryPortButThoseThatTheSenderHasReachedItself ) {
    auto const matrix = frames();
    std::string text = switchText() + learningSteps();
    for ( MatrixFrame const & frame : matrix ) {

@@ -38,7 +38,7 @@ class MountSession : public testing::Test {
                                      [ this ]( MountStatus status ) { told = status; } } );
 };
 
-TEST_F( MountSession, performs_the_mounts_in_a_later_turn_and_then_tells_the_mounter ) {
+TEST_F( MountSession, PerformsTheMountsInALaterTurnAndThenTellsTheMounter ) {
    auto const group = session->getMountGroup();
    group->doMount( { "evpn/status", "Evpn::EvpnStatus", "r" } );
    group->doClose( "" );
@@ -50,7 +50,7 @@ TEST_F( MountSession, performs_the_mounts_in_a_later_turn_and_then_tells_the_mou
    EXPECT_EQ( story.all< Story::MountsDone >().at( 0 ).status, "complete" );
 }
 
-TEST_F( MountSession, tells_the_story_of_every_mount_in_order ) {
+TEST_F( MountSession, TellsTheStoryOfEveryMountInOrder ) {
    mount( { { "lag/config", "Lag::Config", "r" }, { "evpn/status", "Evpn::EvpnStatus", "wc" } } );
 
    auto const asked = story.all< Story::MountAsked >();
@@ -61,14 +61,14 @@ TEST_F( MountSession, tells_the_story_of_every_mount_in_order ) {
    EXPECT_EQ( asked[ 1 ].flags, "wc" );
 }
 
-TEST_F( MountSession, counts_a_path_that_nobody_publishes_as_mounted_and_empty ) {
+TEST_F( MountSession, CountsAPathThatNobodyPublishesAsMountedAndEmpty ) {
    mount( { { "bridging/hwcapabilities", "Bridging::HwCapabilities", "r" } } );
 
    EXPECT_EQ( told, MountStatus::Complete );
    EXPECT_FALSE( session->getEntity( "bridging/hwcapabilities" ) );
 }
 
-TEST_F( MountSession, is_partial_when_an_entity_is_of_another_type_and_says_which ) {
+TEST_F( MountSession, IsPartialWhenAnEntityIsOfAnotherTypeAndSaysWhich ) {
    mount( { { "evpn/status", "Lag::Config", "r" }, { "lag/config", "Lag::Config", "r" } } );
 
    EXPECT_EQ( told, MountStatus::Partial );
@@ -77,27 +77,27 @@ TEST_F( MountSession, is_partial_when_an_entity_is_of_another_type_and_says_whic
                  "evpn/status is an Evpn::EvpnStatus, not a Lag::Config" } );
 }
 
-TEST_F( MountSession, fails_when_no_mount_succeeds ) {
+TEST_F( MountSession, FailsWhenNoMountSucceeds ) {
    mount( { { "evpn/status", "Lag::Config", "r" } } );
 
    EXPECT_EQ( told, MountStatus::Failed );
 }
 
-TEST_F( MountSession, does_not_mount_without_reading_or_writing ) {
+TEST_F( MountSession, DoesNotMountWithoutReadingOrWriting ) {
    mount( { { "evpn/status", "Evpn::EvpnStatus", "c" }, { "lag/config", "Lag::Config", "" } } );
 
    EXPECT_EQ( told, MountStatus::Failed );
    EXPECT_EQ( story.all< Story::MountsDone >().at( 0 ).problems.size(), 2U );
 }
 
-TEST_F( MountSession, tells_nobody_about_a_group_that_was_closed_under_a_name ) {
+TEST_F( MountSession, TellsNobodyAboutAGroupThatWasClosedUnderAName ) {
    mount( { { "evpn/status", "Evpn::EvpnStatus", "r" } }, "background" );
 
    EXPECT_FALSE( told );
    EXPECT_EQ( story.all< Story::MountsDone >().size(), 1U );
 }
 
-TEST_F( MountSession, takes_no_mount_into_a_group_that_is_closed ) {
+TEST_F( MountSession, TakesNoMountIntoAGroupThatIsClosed ) {
    auto const group = session->getMountGroup();
    group->doClose( "" );
 
@@ -105,7 +105,7 @@ TEST_F( MountSession, takes_no_mount_into_a_group_that_is_closed ) {
    EXPECT_THROW( group->doClose( "" ), Quelm::AccessError );
 }
 
-TEST_F( MountSession, finds_entities_that_were_not_mounted_and_tells_what_was_looked_up ) {
+TEST_F( MountSession, FindsEntitiesThatWereNotMountedAndTellsWhatWasLookedUp ) {
    EXPECT_EQ( session->getEntity( "lag/config" ), database.entity( "lag/config" ) );
    EXPECT_FALSE( session->getEntity( "nowhere" ) );
 
@@ -116,7 +116,7 @@ TEST_F( MountSession, finds_entities_that_were_not_mounted_and_tells_what_was_lo
    EXPECT_EQ( lookups[ 1 ].type, "" );
 }
 
-TEST_F( MountSession, keeps_a_closed_group_until_its_turn_when_the_mounter_lets_it_go ) {
+TEST_F( MountSession, KeepsAClosedGroupUntilItsTurnWhenTheMounterLetsItGo ) {
    session->getMountGroup()->doClose( "" );
 
    activity.run();

@@ -48,7 +48,7 @@ class Outputs : public testing::Test {
    std::string before;  // commands of the shell before the program
 };
 
-TEST_F( Outputs, a_full_disk_is_told_by_every_command_and_ends_it_with_2 ) {
+TEST_F( Outputs, AFullDiskIsToldByEveryCommandAndEndsItWith2 ) {
    ASSERT_EQ( shell( "run leaf.yaml --ring ring >/dev/null" + plugin ).exitCode, 0 );
    for ( std::string const & words : std::vector< std::string >{
             "run leaf.yaml" + plugin, "run --json leaf.yaml" + plugin,
@@ -65,19 +65,19 @@ TEST_F( Outputs, a_full_disk_is_told_by_every_command_and_ends_it_with_2 ) {
    }
 }
 
-TEST_F( Outputs, standard_error_that_is_full_ends_it_with_2 ) {
+TEST_F( Outputs, StandardErrorThatIsFullEndsItWith2 ) {
    EXPECT_EQ( shell( "run --json wrong.yaml >/dev/null" + plugin ).exitCode, 0 );
    EXPECT_EQ( shell( "run --json wrong.yaml >/dev/null 2>/dev/full" + plugin ).exitCode, 2 );
 }
 
-TEST_F( Outputs, a_limit_on_the_size_of_files_is_an_error_of_the_file ) {
+TEST_F( Outputs, ALimitOnTheSizeOfFilesIsAnErrorOfTheFile ) {
    before = "ulimit -f 0; ";
    auto const ran = shell( "run leaf.yaml 2>/dev/null >story" + plugin );
 
    EXPECT_EQ( ran.exitCode, 2 );
 }
 
-TEST_F( Outputs, a_ring_that_has_no_room_leaves_no_file_behind_that_was_not_there ) {
+TEST_F( Outputs, ARingThatHasNoRoomLeavesNoFileBehindThatWasNotThere ) {
    before = "ulimit -f 8; ";
    directory.file( "empty", "" );
    auto const ran = shell( "run leaf.yaml --ring ring >story" + plugin );
@@ -93,7 +93,7 @@ TEST_F( Outputs, a_ring_that_has_no_room_leaves_no_file_behind_that_was_not_ther
 
 // --- The stream
 
-TEST( OutputStream, takes_everything_before_it_is_flushed ) {
+TEST( OutputStream, TakesEverythingBeforeItIsFlushed ) {
    Support::Directory const directory;
    std::string const file = directory.path() / "out";
    int const fd = open( file.c_str(), O_WRONLY | O_CREAT, 0600 );
@@ -106,7 +106,7 @@ TEST( OutputStream, takes_everything_before_it_is_flushed ) {
    EXPECT_EQ( Support::contentOf( file ), much + "7\n" );
 }
 
-TEST( OutputStream, names_what_cannot_be_written_as_soon_as_it_is_flushed ) {
+TEST( OutputStream, NamesWhatCannotBeWrittenAsSoonAsItIsFlushed ) {
    CommandLine::OutputStream out( -1, "standard output" );
    out << "a line\n";
    try {
@@ -118,14 +118,14 @@ TEST( OutputStream, names_what_cannot_be_written_as_soon_as_it_is_flushed ) {
    }
 }
 
-TEST( OutputStream, tells_while_a_long_text_goes_on ) {
+TEST( OutputStream, TellsWhileALongTextGoesOn ) {
    int const fd = open( "/dev/full", O_WRONLY );
    CommandLine::OutputStream out( fd, "standard output" );
    EXPECT_THROW( out << std::string( 300000, 'x' ), CommandLine::OutputError );
    close( fd );
 }
 
-TEST( OutputStream, waits_for_a_slow_reader_that_it_is_told_not_to_wait_for ) {
+TEST( OutputStream, WaitsForASlowReaderThatItIsToldNotToWaitFor ) {
    std::array< int, 2 > ends{};
    ASSERT_EQ( pipe2( ends.data(), O_NONBLOCK ), 0 );
    std::size_t const much = 1000000;

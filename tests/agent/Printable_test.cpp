@@ -6,14 +6,14 @@ namespace {
 
 using Text::printable;
 
-TEST( Printable, leaves_what_can_be_printed_as_it_is ) {
+TEST( Printable, LeavesWhatCanBePrintedAsItIs ) {
    for ( char const * const text :
          { "", "Mark or drop: \"x\" ~", "M\xc3\xbcnchen", "\xe2\x82\xac", "\xf0\x9f\x90\xa7" } ) {
       EXPECT_EQ( printable( text ), text );
    }
 }
 
-TEST( Printable, writes_control_characters_out ) {
+TEST( Printable, WritesControlCharactersOut ) {
    EXPECT_EQ( printable( "a\nb\tc\rd" ), "a\\nb\\tc\\rd" );
    EXPECT_EQ( printable( "\x1b[31mred\x7f" ), "\\x1b[31mred\\x7f" );
    EXPECT_EQ( printable( std::string( "\0\x01", 2 ) ), "\\x00\\x01" );
@@ -23,7 +23,7 @@ TEST( Printable, writes_control_characters_out ) {
       << "C1 controls are characters of two bytes";
 }
 
-TEST( Printable, writes_line_separators_and_changes_of_direction_out ) {
+TEST( Printable, WritesLineSeparatorsAndChangesOfDirectionOut ) {
    EXPECT_EQ( printable( "a\xe2\x80\xa8 b\xe2\x80\xa9" ), "a\\u2028 b\\u2029" );
    EXPECT_EQ( printable( "\xe2\x80\xae.gnp\xe2\x80\xac" ), "\\u202e.gnp\\u202c" );
    EXPECT_EQ( printable( "\xe2\x81\xa6\xe2\x81\xa9\xe2\x80\x8f\xd8\x9c" ),
@@ -32,7 +32,7 @@ TEST( Printable, writes_line_separators_and_changes_of_direction_out ) {
       << "their neighbours";
 }
 
-TEST( Printable, writes_bytes_that_are_no_utf_8_out ) {
+TEST( Printable, WritesBytesThatAreNoUtf8Out ) {
    EXPECT_EQ( printable( "M\xfcnchen" ), "M\\xfcnchen" );
    EXPECT_EQ( printable( "\x9b" ), "\\x9b" ) << "a control of one byte, for terminals of old";
    EXPECT_EQ( printable( "\xe2\x82" ), "\\xe2\\x82" ) << "cut off";
@@ -44,14 +44,14 @@ TEST( Printable, writes_bytes_that_are_no_utf_8_out ) {
    EXPECT_EQ( printable( "\xff" ), "\\xff" );
 }
 
-TEST( Printable, changes_nothing_the_second_time ) {
+TEST( Printable, ChangesNothingTheSecondTime ) {
    for ( int c = 0; c < 256; ++c ) {
       std::string const once = printable( std::string( 3, static_cast< char >( c ) ) );
       EXPECT_EQ( printable( once ), once );
    }
 }
 
-TEST( Printable, keeps_the_line_ends_of_several_lines ) {
+TEST( Printable, KeepsTheLineEndsOfSeveralLines ) {
    EXPECT_EQ( Text::printableLines( "a\n\x1b\n\nb" ), "a\n\\x1b\n\nb" );
    EXPECT_EQ( Text::printableLines( "a\n" ), "a\n" );
 }

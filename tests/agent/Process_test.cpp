@@ -19,7 +19,7 @@ using Story::Observer;
 
 // --- The last words
 
-TEST( LastWords, read_an_assertion_as_file_line_function_and_expression ) {
+TEST( LastWords, ReadAnAssertionAsFileLineFunctionAndExpression ) {
    auto const assertion = Process::assertionIn(
       "TcamEntries.cpp:117: virtual void Vornal::Sm::add(U32, const T&) [with T = int]: Assertion "
       "'rc == BCM_E_NONE && \"installEntry failed\"' failed." );
@@ -31,7 +31,7 @@ TEST( LastWords, read_an_assertion_as_file_line_function_and_expression ) {
    EXPECT_EQ( assertion->expression, "rc == BCM_E_NONE && \"installEntry failed\"" );
 }
 
-TEST( LastWords, see_no_assertion_in_other_lines ) {
+TEST( LastWords, SeeNoAssertionInOtherLines ) {
    for ( char const * const line :
          { "", "nothing failed.", "f.cpp:x: g: Assertion 'a' failed.",
            "f.cpp:1: bcm_field_qualify( unit ) API ERROR:Unknown entry (-2)",
@@ -40,7 +40,7 @@ TEST( LastWords, see_no_assertion_in_other_lines ) {
    }
 }
 
-TEST( LastWords, keep_the_last_lines_and_the_last_assertion ) {
+TEST( LastWords, KeepTheLastLinesAndTheLastAssertion ) {
    Process::LastWords words;
    words.lineNew( "f.cpp:1: f: Assertion 'first' failed." );
    words.lineNew( "f.cpp:2: f: Assertion 'second' failed." );
@@ -66,7 +66,7 @@ class Child : public testing::Test {
    Support::Recorder story;
 };
 
-TEST_F( Child, hands_on_every_event_in_order_and_says_nothing_more_when_all_went_well ) {
+TEST_F( Child, HandsOnEveryEventInOrderAndSaysNothingMoreWhenAllWentWell ) {
    run( []( Observer & observer ) {
       for ( U32 n = 0; n < 5000; ++n ) {
          observer.onEvent( Story::StepEnds{ n } );
@@ -82,7 +82,7 @@ TEST_F( Child, hands_on_every_event_in_order_and_says_nothing_more_when_all_went
    EXPECT_TRUE( std::holds_alternative< Story::RunEnds >( story.events().back() ) );
 }
 
-TEST_F( Child, tells_of_a_failed_assertion_and_loses_nothing_that_was_told_before ) {
+TEST_F( Child, TellsOfAFailedAssertionAndLosesNothingThatWasToldBefore ) {
    run( []( Observer & observer ) {
       observer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 7, "the step", "" } );
       QUELM_ASSERT( 1 > 2 && "one is more than two" );
@@ -97,20 +97,20 @@ TEST_F( Child, tells_of_a_failed_assertion_and_loses_nothing_that_was_told_befor
    EXPECT_TRUE( std::holds_alternative< Story::Stopped >( story.events().back() ) );
 }
 
-TEST_F( Child, names_the_signal_that_ended_it ) {
+TEST_F( Child, NamesTheSignalThatEndedIt ) {
    run( []( Observer & ) { raise( SIGKILL ); } );
 
    EXPECT_EQ( stopped().reason, "signal 9 (Killed)" );
    EXPECT_FALSE( stopped().assertion );
 }
 
-TEST_F( Child, counts_an_early_exit_as_a_stop ) {
+TEST_F( Child, CountsAnEarlyExitAsAStop ) {
    run( []( Observer & ) { std::_Exit( 0 ); } );
 
    EXPECT_EQ( stopped().reason, "exit code 0" );
 }
 
-TEST_F( Child, counts_a_bad_exit_after_the_end_as_a_stop ) {
+TEST_F( Child, CountsABadExitAfterTheEndAsAStop ) {
    run( []( Observer & observer ) {
       observer.onEvent( Story::RunEnds{ 0 } );
       std::_Exit( 23 );
@@ -119,7 +119,7 @@ TEST_F( Child, counts_a_bad_exit_after_the_end_as_a_stop ) {
    EXPECT_EQ( stopped().reason, "exit code 23" );
 }
 
-TEST_F( Child, hands_on_what_it_prints_line_by_line_and_prints_nothing_itself ) {
+TEST_F( Child, HandsOnWhatItPrintsLineByLineAndPrintsNothingItself ) {
    testing::internal::CaptureStdout();
    run( []( Observer & observer ) {
       std::cout << "to standard output" << std::endl;
@@ -134,7 +134,7 @@ TEST_F( Child, hands_on_what_it_prints_line_by_line_and_prints_nothing_itself ) 
    EXPECT_EQ( lines[ 1 ].text, "to standard error, and no line end" );
 }
 
-TEST_F( Child, leaves_the_last_lines_of_its_trace_ring_behind ) {
+TEST_F( Child, LeavesTheLastLinesOfItsTraceRingBehind ) {
    run( [ this ]( Observer & ) {
       Trace::Ring lines( ring.bytes() );
       for ( int n = 0; n < 30; ++n ) {
@@ -152,7 +152,7 @@ TEST_F( Child, leaves_the_last_lines_of_its_trace_ring_behind ) {
 
 // --- The memory of the ring
 
-TEST( RingMemory, is_a_file_that_can_be_read_when_the_process_has_gone ) {
+TEST( RingMemory, IsAFileThatCanBeReadWhenTheProcessHasGone ) {
    Support::Directory const directory;
    auto const file = directory.path() / "ring";
    Support::Recorder story;
@@ -172,7 +172,7 @@ TEST( RingMemory, is_a_file_that_can_be_read_when_the_process_has_gone ) {
    EXPECT_EQ( lines[ 0 ].text, "the last line" );
 }
 
-TEST( RingMemory, says_which_file_cannot_be_written ) {
+TEST( RingMemory, SaysWhichFileCannotBeWritten ) {
    try {
       Process::RingMemory const memory( "/nowhere/ring" );
       FAIL() << "a ring in a directory that does not exist";
@@ -181,7 +181,7 @@ TEST( RingMemory, says_which_file_cannot_be_written ) {
    }
 }
 
-TEST( RingMemory, has_no_last_lines_when_no_ring_was_made_in_it ) {
+TEST( RingMemory, HasNoLastLinesWhenNoRingWasMadeInIt ) {
    Process::RingMemory const memory;
 
    EXPECT_TRUE( Process::lastLines( memory.bytes(), 20 ).empty() );

@@ -55,7 +55,7 @@ class ProgramEnds : public testing::Test {
 
 // --- A plug-in that hangs
 
-TEST_F( ProgramEnds, with_3_and_the_step_when_a_turn_exceeds_its_limit ) {
+TEST_F( ProgramEnds, With3AndTheStepWhenATurnExceedsItsLimit ) {
    auto const ran = Support::vornal( words( "run", hangs, { "--turn-limit", "2" } ) );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -67,7 +67,7 @@ TEST_F( ProgramEnds, with_3_and_the_step_when_a_turn_exceeds_its_limit ) {
    EXPECT_TRUE( contains( ran.out, "The last lines that it printed:\n   hanging\n" ) ) << ran.out;
 }
 
-TEST_F( ProgramEnds, with_3_in_every_command_when_a_turn_exceeds_its_limit ) {
+TEST_F( ProgramEnds, With3InEveryCommandWhenATurnExceedsItsLimit ) {
    auto const run = Support::vornal( words( "run", hangs, { "--json", "--turn-limit", "2" } ) );
    EXPECT_EQ( run.exitCode, 3 );
    EXPECT_EQ( Json::parse( run.out )[ "end" ], "stopped" );
@@ -83,7 +83,7 @@ TEST_F( ProgramEnds, with_3_in_every_command_when_a_turn_exceeds_its_limit ) {
    EXPECT_TRUE( contains( verify.err, "STOPPED in step 2: a turn" ) ) << verify.err;
 }
 
-TEST_F( ProgramEnds, with_2_when_a_turn_limit_is_no_time ) {
+TEST_F( ProgramEnds, With2WhenATurnLimitIsNoTime ) {
    for ( char const * const limit : { "-1", "soon", "nan", "1e9" } ) {
       auto const ran =
          Support::vornal( words( "run", hangs, { std::string( "--turn-limit=" ) + limit } ) );
@@ -94,7 +94,7 @@ TEST_F( ProgramEnds, with_2_when_a_turn_limit_is_no_time ) {
 
 // --- Somebody who interrupts
 
-TEST_F( ProgramEnds, with_130_and_the_totals_so_far_on_ctrl_c ) {
+TEST_F( ProgramEnds, With130AndTheTotalsSoFarOnCtrlC ) {
    auto const running = hanging( "run", {} );
    std::string story = out.read( "step 2: call" );
    running->signal( SIGINT );
@@ -108,7 +108,7 @@ TEST_F( ProgramEnds, with_130_and_the_totals_so_far_on_ctrl_c ) {
       << story;
 }
 
-TEST_F( ProgramEnds, with_143_and_a_document_when_it_is_terminated ) {
+TEST_F( ProgramEnds, With143AndADocumentWhenItIsTerminated ) {
    auto const running = hanging( "run", { "--json" } );
    EXPECT_EQ( err.read( "\n" ), "hanging\n" );
    running->signal( SIGTERM );
@@ -121,7 +121,7 @@ TEST_F( ProgramEnds, with_143_and_a_document_when_it_is_terminated ) {
    EXPECT_EQ( err.read(), "interrupted in step 2 by signal 15 (Terminated)\n" );
 }
 
-TEST_F( ProgramEnds, with_129_and_a_document_when_its_terminal_is_gone ) {
+TEST_F( ProgramEnds, With129AndADocumentWhenItsTerminalIsGone ) {
    auto const running = hanging( "run", { "--json" } );
    EXPECT_EQ( err.read( "\n" ), "hanging\n" );
    running->signal( SIGHUP );
@@ -132,7 +132,7 @@ TEST_F( ProgramEnds, with_129_and_a_document_when_its_terminal_is_gone ) {
    EXPECT_EQ( err.read(), "interrupted in step 2 by signal 1 (Hangup)\n" );
 }
 
-TEST_F( ProgramEnds, with_130_and_a_document_when_a_verification_is_interrupted ) {
+TEST_F( ProgramEnds, With130AndADocumentWhenAVerificationIsInterrupted ) {
    Running running( words( "verify", call( "interrupt" ), { "--json" } ),
                     { null, out.in(), err.in() } );
    out.closeEnd( 1 );
@@ -146,7 +146,7 @@ TEST_F( ProgramEnds, with_130_and_a_document_when_a_verification_is_interrupted 
    EXPECT_EQ( err.read(), "interrupted in step 1 by signal 2 (Interrupt)\n" );
 }
 
-TEST_F( ProgramEnds, with_130_although_nobody_reads_its_output ) {
+TEST_F( ProgramEnds, With130AlthoughNobodyReadsItsOutput ) {
    std::string const length = "5000000";  // more than any pipe takes
    std::string const print =
       "   - call: { entity: /plugins/Sample::Mounter, operation: printLong, arguments: [ '" +
@@ -168,7 +168,7 @@ TEST_F( ProgramEnds, with_130_although_nobody_reads_its_output ) {
 
 // --- Two runs
 
-TEST_F( ProgramEnds, as_it_would_although_another_run_wants_its_trace_ring ) {
+TEST_F( ProgramEnds, AsItWouldAlthoughAnotherRunWantsItsTraceRing ) {
    std::string const ring = directory.path() / "ring";
    auto const first = hanging( "run", { "--json", "--ring", ring } );
    EXPECT_EQ( err.read( "\n" ), "hanging\n" );
@@ -189,7 +189,7 @@ TEST_F( ProgramEnds, as_it_would_although_another_run_wants_its_trace_ring ) {
 
 // --- A plug-in that prints a lot
 
-TEST_F( ProgramEnds, well_whatever_the_length_of_a_line_that_the_plug_in_prints ) {
+TEST_F( ProgramEnds, WellWhateverTheLengthOfALineThatThePlugInPrints ) {
    for ( std::string const length : { "26100", "300000", "5000000" } ) {
       std::string const step =
          "   - call: { entity: /plugins/Sample::Mounter, operation: "

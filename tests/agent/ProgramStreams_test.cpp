@@ -110,7 +110,7 @@ class ProgramStreams : public testing::Test {
 
 // --- Standard input
 
-TEST_F( ProgramStreams, standard_input_does_not_matter ) {
+TEST_F( ProgramStreams, StandardInputDoesNotMatter ) {
    TestPipe silent;
    for ( Words const & words : commands() ) {
       std::string const usual = asUsual( words ).out;
@@ -127,34 +127,34 @@ TEST_F( ProgramStreams, standard_input_does_not_matter ) {
 
 // --- Standard output
 
-TEST_F( ProgramStreams, standard_output_that_is_closed_is_told ) {
+TEST_F( ProgramStreams, StandardOutputThatIsClosedIsTold ) {
    expectRefusal( kClosed,
                   "cannot write standard output: Bad file descriptor; what it holds is not "
                   "complete\n" );
 }
 
-TEST_F( ProgramStreams, standard_output_that_is_closed_does_not_get_into_the_trace_ring ) {
+TEST_F( ProgramStreams, StandardOutputThatIsClosedDoesNotGetIntoTheTraceRing ) {
    Words const words = with( { "run", leaf, "--ring", ring() } );
 
    EXPECT_EQ( run( words, { { kOutput, kClosed } } ).exitCode, 2 );
    EXPECT_EQ( run( { "ring", ring() }, {} ).exitCode, 0 );
 }
 
-TEST_F( ProgramStreams, standard_output_that_is_full_is_told ) {
+TEST_F( ProgramStreams, StandardOutputThatIsFullIsTold ) {
    expectRefusal(
       full,
       "cannot write standard output (/dev/full): No space left on device; what it holds "
       "is not complete\n" );
 }
 
-TEST_F( ProgramStreams, standard_output_that_nobody_reads_any_more_is_told ) {
+TEST_F( ProgramStreams, StandardOutputThatNobodyReadsAnyMoreIsTold ) {
    TestPipe unread;
    unread.closeEnd( 0 );
    expectRefusal( unread.in(),
                   "cannot write standard output: Broken pipe; what it holds is not complete\n" );
 }
 
-TEST_F( ProgramStreams, standard_output_whose_reader_leaves_after_the_first_line_is_told ) {
+TEST_F( ProgramStreams, StandardOutputWhoseReaderLeavesAfterTheFirstLineIsTold ) {
    TestPipe pipe;
    // Less than the program has to say.
    fcntl( pipe.in(), F_SETPIPE_SZ, 4096 );
@@ -170,7 +170,7 @@ TEST_F( ProgramStreams, standard_output_whose_reader_leaves_after_the_first_line
               "cannot write standard output: Broken pipe; what it holds is not complete\n" );
 }
 
-TEST_F( ProgramStreams, a_slow_reader_of_standard_output_gets_everything ) {
+TEST_F( ProgramStreams, ASlowReaderOfStandardOutputGetsEverything ) {
    for ( Words const & words : commands() ) {
       TestPipe slow;
       fcntl( slow.in(), F_SETPIPE_SZ, 4096 );
@@ -185,7 +185,7 @@ TEST_F( ProgramStreams, a_slow_reader_of_standard_output_gets_everything ) {
 
 // --- Standard error
 
-TEST_F( ProgramStreams, standard_error_does_not_matter_when_there_is_nothing_to_tell ) {
+TEST_F( ProgramStreams, StandardErrorDoesNotMatterWhenThereIsNothingToTell ) {
    TestPipe unread;
    unread.closeEnd( 0 );
    for ( Words const & words : commands() ) {
@@ -199,7 +199,7 @@ TEST_F( ProgramStreams, standard_error_does_not_matter_when_there_is_nothing_to_
    }
 }
 
-TEST_F( ProgramStreams, bad_input_is_bad_input_although_nobody_can_be_told ) {
+TEST_F( ProgramStreams, BadInputIsBadInputAlthoughNobodyCanBeTold ) {
    TestPipe unread;
    unread.closeEnd( 0 );
    for ( Words const & words :
@@ -217,7 +217,7 @@ TEST_F( ProgramStreams, bad_input_is_bad_input_although_nobody_can_be_told ) {
 
 // --- All of them
 
-TEST_F( ProgramStreams, nothing_of_a_run_reaches_a_stream_that_is_closed ) {
+TEST_F( ProgramStreams, NothingOfARunReachesAStreamThatIsClosed ) {
    for ( Words const & words : commands() ) {
       EXPECT_EQ(
          run( words, { { kInput, kClosed }, { kOutput, kClosed }, { kError, kClosed } } ).exitCode,

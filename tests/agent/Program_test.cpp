@@ -45,7 +45,7 @@ std::string const stop = ready +
 
 // --- Exit codes
 
-TEST_F( Program, exits_with_0_when_all_held ) {
+TEST_F( Program, ExitsWith0WhenAllHeld ) {
    auto const ran = run( ready + "   - expect: { plug-in: ready }\n" );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
@@ -53,7 +53,7 @@ TEST_F( Program, exits_with_0_when_all_held ) {
    EXPECT_EQ( ran.err, "" );
 }
 
-TEST_F( Program, exits_with_1_when_an_expectation_failed ) {
+TEST_F( Program, ExitsWith1WhenAnExpectationFailed ) {
    auto const ran = run( "   - expect: { plug-in: ready }\n" );
 
    EXPECT_EQ( ran.exitCode, 1 );
@@ -63,7 +63,7 @@ TEST_F( Program, exits_with_1_when_an_expectation_failed ) {
    EXPECT_TRUE( contains( ran.out, "FAILED: 1 of 1 expectation did not hold" ) ) << ran.out;
 }
 
-TEST_F( Program, exits_with_2_and_the_place_when_the_scenario_is_wrong_before_anything_is_loaded ) {
+TEST_F( Program, ExitsWith2AndThePlaceWhenTheScenarioIsWrongBeforeAnythingIsLoaded ) {
    auto const ran = run( "   - raedy: subagents::l2Ready\n" );
 
    EXPECT_EQ( ran.exitCode, 2 );
@@ -71,7 +71,7 @@ TEST_F( Program, exits_with_2_and_the_place_when_the_scenario_is_wrong_before_an
    EXPECT_EQ( ran.err.find( scenario() + ":20: " ), 0U ) << ran.err;
 }
 
-TEST_F( Program, exits_with_2_when_there_is_no_such_scenario_or_plug_in ) {
+TEST_F( Program, ExitsWith2WhenThereIsNoSuchScenarioOrPlugIn ) {
    auto const noScenario = Support::vornal( { "run", "/nowhere/leaf.yaml" } );
    EXPECT_EQ( noScenario.exitCode, 2 );
    EXPECT_TRUE( contains( noScenario.err, "/nowhere/leaf.yaml" ) );
@@ -84,7 +84,7 @@ TEST_F( Program, exits_with_2_when_there_is_no_such_scenario_or_plug_in ) {
    EXPECT_TRUE( contains( noPlugin.err, "/nowhere/plug-in.so: there is no such file" ) );
 }
 
-TEST_F( Program, exits_with_2_when_a_step_names_an_attribute_that_does_not_exist ) {
+TEST_F( Program, ExitsWith2WhenAStepNamesAnAttributeThatDoesNotExist ) {
    auto const ran =
       run( "   - set: { entity: /lag/config, attribute: lags, value: 1 }\n", { "--json" } );
 
@@ -98,7 +98,7 @@ TEST_F( Program, exits_with_2_when_a_step_names_an_attribute_that_does_not_exist
    EXPECT_EQ( document[ "steps" ].size(), 2U );
 }
 
-TEST_F( Program, verifies_with_a_document_also_when_a_step_is_wrong ) {
+TEST_F( Program, VerifiesWithADocumentAlsoWhenAStepIsWrong ) {
    auto const ran =
       command( { "verify" }, "   - set: { entity: /lag/config, attribute: lags, value: 1 }\n",
                { "--json" } );
@@ -110,7 +110,7 @@ TEST_F( Program, verifies_with_a_document_also_when_a_step_is_wrong ) {
    EXPECT_EQ( document[ "step" ], 1 );
 }
 
-TEST_F( Program, exits_with_2_on_wrong_usage_and_with_0_on_a_cry_for_help ) {
+TEST_F( Program, ExitsWith2OnWrongUsageAndWith0OnACryForHelp ) {
    for ( std::vector< std::string > const & words : std::vector< std::vector< std::string > >{
             {},
             { "walk" },
@@ -134,7 +134,7 @@ TEST_F( Program, exits_with_2_on_wrong_usage_and_with_0_on_a_cry_for_help ) {
 
 // --- A plug-in that stops the process
 
-TEST_F( Program, tells_at_which_step_the_plug_in_stopped_and_exits_with_3 ) {
+TEST_F( Program, TellsAtWhichStepThePlugInStoppedAndExitsWith3 ) {
    auto const ran = run( stop );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -158,7 +158,7 @@ TEST_F( Program, tells_at_which_step_the_plug_in_stopped_and_exits_with_3 ) {
    EXPECT_FALSE( contains( ran.out, "never reached" ) );
 }
 
-TEST_F( Program, tells_the_same_in_its_document ) {
+TEST_F( Program, TellsTheSameInItsDocument ) {
    auto const ran = run( stop, { "--json" } );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -175,7 +175,7 @@ TEST_F( Program, tells_the_same_in_its_document ) {
    EXPECT_EQ( document[ "steps" ].size(), 4U );
 }
 
-TEST_F( Program, shows_the_line_of_a_field_call_that_failed ) {
+TEST_F( Program, ShowsTheLineOfAFieldCallThatFailed ) {
    auto const ran = run( ready +
                             "   - call: { entity: /plugins/Sample::Mounter/"
                             "evpnMultihomingLocalBiasSm, operation: qualifyUnknownEntry }\n",
@@ -194,7 +194,7 @@ TEST_F( Program, shows_the_line_of_a_field_call_that_failed ) {
 
 // --- The document
 
-TEST_F( Program, prints_one_document_and_nothing_else_on_standard_output ) {
+TEST_F( Program, PrintsOneDocumentAndNothingElseOnStandardOutput ) {
    auto const ran = run(
       "   - call: { entity: /plugins/Sample::Mounter, operation: print, "
       "arguments: [ '\"hello from inside\"' ] }\n",
@@ -205,7 +205,7 @@ TEST_F( Program, prints_one_document_and_nothing_else_on_standard_output ) {
    EXPECT_EQ( ran.err, "hello from inside\n" );
 }
 
-TEST_F( Program, gives_every_step_its_calls_rules_and_expectations ) {
+TEST_F( Program, GivesEveryStepItsCallsRulesAndExpectations ) {
    auto const ran = run( ready +
                             "   - publish: { segments: { Ethernet2: [] } }\n"
                             "   - withdraw: { segments: [ Ethernet1 ] }\n"
@@ -232,7 +232,7 @@ TEST_F( Program, gives_every_step_its_calls_rules_and_expectations ) {
 
 // --- Files that are no plug-ins
 
-TEST_F( Program, refuses_a_plug_in_that_was_cut_short_wherever_it_was ) {
+TEST_F( Program, RefusesAPlugInThatWasCutShortWhereverItWas ) {
    std::string const whole = Support::contentOf( Support::testPlugin( "segment-rules" ) );
    std::string const leaf = directory.file( "leaf.yaml", Switches::leaf( ready ) );
    for ( std::size_t const size :
@@ -247,7 +247,7 @@ TEST_F( Program, refuses_a_plug_in_that_was_cut_short_wherever_it_was ) {
    }
 }
 
-TEST_F( Program, runs_nothing_of_a_file_that_cannot_be_a_plug_in ) {
+TEST_F( Program, RunsNothingOfAFileThatCannotBeAPlugIn ) {
    std::string const leaf = directory.file( "leaf.yaml", Switches::leaf( ready ) );
    std::string const library = VORNAL_BINARY_DIR "/libVornalPlatform.so";
    for ( auto const & [ file, why ] : std::map< std::string, std::string >{
@@ -266,7 +266,7 @@ TEST_F( Program, runs_nothing_of_a_file_that_cannot_be_a_plug_in ) {
 
 // --- Traces
 
-TEST_F( Program, shows_the_trace_levels_that_are_asked_for ) {
+TEST_F( Program, ShowsTheTraceLevelsThatAreAskedFor ) {
    auto const quiet = run( ready, { "--trace", "Sample/" } );
    auto const loud = run( ready, { "--trace", "Sample/", "--trace", "Sam*/5,8" } );
 
@@ -275,7 +275,7 @@ TEST_F( Program, shows_the_trace_levels_that_are_asked_for ) {
    EXPECT_TRUE( contains( loud.out, "trace Sample 5: handleSegment intfId: Ethernet1" ) );
 }
 
-TEST_F( Program, writes_a_trace_ring_and_prints_it ) {
+TEST_F( Program, WritesATraceRingAndPrintsIt ) {
    std::string const ring = directory.path() / "ring";
    EXPECT_EQ( run( stop, { "--ring", ring } ).exitCode, 3 );
 
@@ -288,7 +288,7 @@ TEST_F( Program, writes_a_trace_ring_and_prints_it ) {
               "       2      0.000000000 Sample 5: handleSegment intfId: Ethernet3\n" );
 }
 
-TEST_F( Program, refuses_a_file_that_is_no_trace_ring ) {
+TEST_F( Program, RefusesAFileThatIsNoTraceRing ) {
    auto const text = Support::vornal( { "ring", directory.file( "text", "no ring" ) } );
    EXPECT_EQ( text.exitCode, 2 );
    EXPECT_TRUE( contains( text.err, "/text: not a trace ring" ) ) << text.err;
@@ -304,7 +304,7 @@ TEST_F( Program, refuses_a_file_that_is_no_trace_ring ) {
    EXPECT_TRUE( contains( device.err, "/dev/zero: this is no regular file" ) ) << device.err;
 }
 
-TEST_F( Program, says_which_ring_file_cannot_be_written ) {
+TEST_F( Program, SaysWhichRingFileCannotBeWritten ) {
    auto const ran = run( ready, { "--ring", "/nowhere/ring" } );
 
    EXPECT_EQ( ran.exitCode, 2 );
@@ -312,7 +312,7 @@ TEST_F( Program, says_which_ring_file_cannot_be_written ) {
    EXPECT_TRUE( contains( ran.err, "/nowhere/ring" ) ) << ran.err;
 }
 
-TEST_F( Program, leaves_a_file_alone_that_is_no_ring ) {
+TEST_F( Program, LeavesAFileAloneThatIsNoRing ) {
    std::string const text =
       Support::contentOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) );
    auto const ran = run( ready, { "--ring", scenario() } );
@@ -326,7 +326,7 @@ TEST_F( Program, leaves_a_file_alone_that_is_no_ring ) {
 
 // --- show
 
-TEST_F( Program, shows_an_entity_as_a_tree ) {
+TEST_F( Program, ShowsAnEntityAsATree ) {
    auto const ran = command( { "show" }, ready, { "entities", "/evpn/status" } );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
@@ -339,7 +339,7 @@ TEST_F( Program, shows_an_entity_as_a_tree ) {
               "            10.0.0.2\n" );
 }
 
-TEST_F( Program, shows_an_entity_of_the_plug_in_as_a_document ) {
+TEST_F( Program, ShowsAnEntityOfThePlugInAsADocument ) {
    auto const ran =
       command( { "show" }, ready,
                { "entities", "/plugins/Sample::Mounter/evpnMultihomingLocalBiasSm", "--json" } );
@@ -350,7 +350,7 @@ TEST_F( Program, shows_an_entity_of_the_plug_in_as_a_document ) {
    EXPECT_EQ( document[ "entity" ][ "attributes" ][ "evpnStatus" ][ "shownAt" ], "/evpn/status" );
 }
 
-TEST_F( Program, lists_the_paths_that_can_be_shown ) {
+TEST_F( Program, ListsThePathsThatCanBeShown ) {
    auto const text = command( { "show" }, ready, { "entities" } );
    EXPECT_TRUE( contains( text.out, "/evpn/status: Evpn::EvpnStatus\n" ) ) << text.out;
 
@@ -358,7 +358,7 @@ TEST_F( Program, lists_the_paths_that_can_be_shown ) {
    EXPECT_EQ( document[ "entities" ][ 1 ][ "path" ], "/evpn/status" );
 }
 
-TEST_F( Program, shows_nothing_at_a_path_whose_key_is_none ) {
+TEST_F( Program, ShowsNothingAtAPathWhoseKeyIsNone ) {
    auto const ran = command( { "show" }, ready, { "entities", "/evpn/status/segmentStatus[foo]" } );
 
    EXPECT_EQ( ran.exitCode, 2 ) << ran.err;
@@ -367,7 +367,7 @@ TEST_F( Program, shows_nothing_at_a_path_whose_key_is_none ) {
    EXPECT_FALSE( contains( ran.err, "STOPPED" ) ) << ran.err;
 }
 
-TEST_F( Program, says_what_there_is_when_there_is_no_such_entity ) {
+TEST_F( Program, SaysWhatThereIsWhenThereIsNoSuchEntity ) {
    auto const ran = command( { "show" }, ready, { "entities", "/evpn/state" } );
 
    EXPECT_EQ( ran.exitCode, 2 );
@@ -376,7 +376,7 @@ TEST_F( Program, says_what_there_is_when_there_is_no_such_entity ) {
    EXPECT_TRUE( contains( ran.err, "   /evpn/status\n" ) ) << ran.err;
 }
 
-TEST_F( Program, tells_the_story_instead_when_the_plug_in_stops_before_there_is_anything_to_show ) {
+TEST_F( Program, TellsTheStoryInsteadWhenThePlugInStopsBeforeThereIsAnythingToShow ) {
    auto const ran = command( { "show" }, stop, { "entities", "/evpn/status" } );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -386,7 +386,7 @@ TEST_F( Program, tells_the_story_instead_when_the_plug_in_stops_before_there_is_
 
 // --- The plug-in that comes with the program
 
-TEST( ProgramWithItsPlugin, finds_the_plug_in_beside_it_and_brings_it_up ) {
+TEST( ProgramWithItsPlugin, FindsThePlugInBesideItAndBringsItUp ) {
    for ( char const * const scenario : { "start-up", "start-up-class-id" } ) {
       std::string const file =
          std::string( VORNAL_SOURCE_DIR "/scenarios/" ) + scenario + "/scenario.yaml";

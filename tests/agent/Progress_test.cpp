@@ -23,7 +23,7 @@ class ProgressLine : public testing::Test {
    Progress progress{ terminal, [ this ] { return now; } };
 };
 
-TEST_F( ProgressLine, stays_away_from_short_steps ) {
+TEST_F( ProgressLine, StaysAwayFromShortSteps ) {
    progress.onEvent( Story::StepBegins{} );
    now += Progress::kPatience - 1ms;
    calls( 1000 );
@@ -32,7 +32,7 @@ TEST_F( ProgressLine, stays_away_from_short_steps ) {
    EXPECT_EQ( terminal.str(), "" );
 }
 
-TEST_F( ProgressLine, tells_how_far_a_long_step_is_and_goes_before_anything_else_is_printed ) {
+TEST_F( ProgressLine, TellsHowFarALongStepIsAndGoesBeforeAnythingElseIsPrinted ) {
    progress.onEvent( Story::RunBegins{ "", "", "", 12 } );
    progress.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 3, "", "" } );
    calls( 9 );
@@ -46,7 +46,7 @@ TEST_F( ProgressLine, tells_how_far_a_long_step_is_and_goes_before_anything_else
    EXPECT_EQ( terminal.str(), "\r\x1b[K" );
 }
 
-TEST_F( ProgressLine, is_not_drawn_again_for_every_call ) {
+TEST_F( ProgressLine, IsNotDrawnAgainForEveryCall ) {
    progress.onEvent( Story::StepBegins{} );
    now += Progress::kPatience;
    calls( 1 );

@@ -39,12 +39,12 @@ class RingFile : public testing::Test {
    std::filesystem::path const file = directory.path() / "ring";
 };
 
-TEST_F( RingFile, is_taken_when_it_is_new_and_is_a_ring_from_then_on ) {
+TEST_F( RingFile, IsTakenWhenItIsNewAndIsARingFromThenOn ) {
    RingMemory const memory( file );
    EXPECT_TRUE( lines().empty() );
 }
 
-TEST_F( RingFile, is_left_to_the_run_that_has_it ) {
+TEST_F( RingFile, IsLeftToTheRunThatHasIt ) {
    RingMemory const first( file );
    lineNew( first, "of the first run" );
 
@@ -57,7 +57,7 @@ TEST_F( RingFile, is_left_to_the_run_that_has_it ) {
    EXPECT_EQ( Process::lastLines( first.bytes(), 1 ).at( 0 ).text, "its memory is still there" );
 }
 
-TEST_F( RingFile, is_taken_again_and_empty_when_that_run_is_over ) {
+TEST_F( RingFile, IsTakenAgainAndEmptyWhenThatRunIsOver ) {
    {
       RingMemory const first( file );
       lineNew( first, "of the first run" );
@@ -68,7 +68,7 @@ TEST_F( RingFile, is_taken_again_and_empty_when_that_run_is_over ) {
    EXPECT_EQ( lines().at( 0 ).text, "of the second run" );
 }
 
-TEST_F( RingFile, is_kept_at_its_size_when_it_is_another_versions ) {
+TEST_F( RingFile, IsKeptAtItsSizeWhenItIsAnotherVersions ) {
    std::vector< std::byte > small( Trace::Ring::sizeFor( 5 ) );
    Trace::Ring( small ).lineNew( { "Handle", 5, "old" } );
    directory.file( "ring", { reinterpret_cast< char const * >( small.data() ), small.size() } );
@@ -78,7 +78,7 @@ TEST_F( RingFile, is_kept_at_its_size_when_it_is_another_versions ) {
    EXPECT_TRUE( lines().empty() );
 }
 
-TEST_F( RingFile, is_left_alone_when_it_holds_something_else ) {
+TEST_F( RingFile, IsLeftAloneWhenItHoldsSomethingElse ) {
    for ( std::string const & content : { std::string( "x" ), std::string( 3'000'000, 'x' ) } ) {
       directory.file( "ring", content );
       EXPECT_EQ( refusal(), "--ring: " + file.string() +
@@ -88,12 +88,12 @@ TEST_F( RingFile, is_left_alone_when_it_holds_something_else ) {
    }
 }
 
-TEST_F( RingFile, is_taken_when_somebody_has_made_it_empty ) {
+TEST_F( RingFile, IsTakenWhenSomebodyHasMadeItEmpty ) {
    directory.file( "ring", "" );
    EXPECT_EQ( refusal(), "" );
 }
 
-TEST_F( RingFile, is_no_pipe_device_or_directory ) {
+TEST_F( RingFile, IsNoPipeDeviceOrDirectory ) {
    std::string const remedy =
       " is no regular file; name a new file, or the ring of a run that is over";
    ASSERT_EQ( mkfifo( file.c_str(), 0600 ), 0 );
@@ -102,7 +102,7 @@ TEST_F( RingFile, is_no_pipe_device_or_directory ) {
    EXPECT_THROW( RingMemory( directory.path() ), Quelm::Error );
 }
 
-TEST_F( RingFile, has_no_last_lines_when_somebody_has_cut_it_short ) {
+TEST_F( RingFile, HasNoLastLinesWhenSomebodyHasCutItShort ) {
    RingMemory const memory( file );
    lineNew( memory, "gone" );
    EXPECT_TRUE( Process::isWhole( memory.bytes() ) );
@@ -112,7 +112,7 @@ TEST_F( RingFile, has_no_last_lines_when_somebody_has_cut_it_short ) {
    EXPECT_TRUE( Process::lastLines( memory.bytes(), 20 ).empty() );
 }
 
-TEST_F( RingFile, that_is_cut_short_under_a_run_is_no_stop_of_the_plug_in ) {
+TEST_F( RingFile, ThatIsCutShortUnderARunIsNoStopOfThePlugIn ) {
    RingMemory const memory( file );
    Support::Recorder story;
    Process::runInChild(

@@ -16,7 +16,7 @@ class RuleTable : public testing::Test {
    Story::RuleTable table;
 };
 
-TEST_F( RuleTable, counts_a_rule_that_is_built_step_by_step_as_added_once_and_as_it_ended_up ) {
+TEST_F( RuleTable, CountsARuleThatIsBuiltStepByStepAsAddedOnceAndAsItEndedUp ) {
    is( rule( 1, false ) );
    is( rule( 1, true ) );
 
@@ -27,7 +27,7 @@ TEST_F( RuleTable, counts_a_rule_that_is_built_step_by_step_as_added_once_and_as
    EXPECT_TRUE( changes.changed.empty() );
 }
 
-TEST_F( RuleTable, shows_what_a_changed_rule_was_at_the_mark ) {
+TEST_F( RuleTable, ShowsWhatAChangedRuleWasAtTheMark ) {
    is( rule( 1, false ) );
    table.changes();
    is( rule( 1, true ) );
@@ -39,7 +39,7 @@ TEST_F( RuleTable, shows_what_a_changed_rule_was_at_the_mark ) {
    EXPECT_TRUE( changes.changed[ 0 ].after.isWritten );
 }
 
-TEST_F( RuleTable, shows_a_removed_rule_as_it_was ) {
+TEST_F( RuleTable, ShowsARemovedRuleAsItWas ) {
    is( rule( 1 ) );
    table.changes();
    gone( 1 );
@@ -51,7 +51,7 @@ TEST_F( RuleTable, shows_a_removed_rule_as_it_was ) {
    EXPECT_TRUE( table.rules().empty() );
 }
 
-TEST_F( RuleTable, says_nothing_of_rules_that_came_and_went_or_are_again_as_they_were ) {
+TEST_F( RuleTable, SaysNothingOfRulesThatCameAndWentOrAreAgainAsTheyWere ) {
    is( rule( 1 ) );
    table.changes();
    is( rule( 1, false ) );
@@ -64,7 +64,7 @@ TEST_F( RuleTable, says_nothing_of_rules_that_came_and_went_or_are_again_as_they
    EXPECT_TRUE( changes.added.empty() && changes.changed.empty() && changes.removed.empty() );
 }
 
-TEST_F( RuleTable, keeps_rules_in_the_order_of_unit_group_and_id ) {
+TEST_F( RuleTable, KeepsRulesInTheOrderOfUnitGroupAndId ) {
    is( { { 1, 45, 1 }, "c", {}, true, {}, {} } );
    is( rule( 2 ) );
    is( rule( 1 ) );

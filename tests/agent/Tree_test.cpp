@@ -17,7 +17,7 @@ std::string textOf( std::string const & path, Kiv::Entity const & entity,
    return Story::treeText( path, StateDatabase::treeOf( path, entity, published.entities() ) );
 }
 
-TEST( Tree, shows_members_and_their_sets_below_each_other ) {
+TEST( Tree, ShowsMembersAndTheirSetsBelowEachOther ) {
    auto const status = Quelm::make< Evpn::EvpnStatus >( "status" );
    auto const segment = status->segmentStatusIs( IntfId::fromString( "Port-Channel1" ) );
    segment->remoteTepIs( IpGenAddr::fromString( "10.0.0.2" ) );
@@ -33,7 +33,7 @@ TEST( Tree, shows_members_and_their_sets_below_each_other ) {
               "            2001:db8::2\n" );
 }
 
-TEST( Tree, shows_values_by_key_and_what_is_not_there_as_none ) {
+TEST( Tree, ShowsValuesByKeyAndWhatIsNotThereAsNone ) {
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    common->vornalModIdIs( 0, 7 );
 
@@ -46,13 +46,13 @@ TEST( Tree, shows_values_by_key_and_what_is_not_there_as_none ) {
               "   sliceDependencyPoints: none\n" );
 }
 
-TEST( Tree, leaves_operations_out ) {
+TEST( Tree, LeavesOperationsOut ) {
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
 
    EXPECT_EQ( textOf( "/c", *common ).find( "intfPortIs" ), std::string::npos );
 }
 
-TEST( Tree, says_where_a_published_entity_is_instead_of_showing_it ) {
+TEST( Tree, SaysWhereAPublishedEntityIsInsteadOfShowingIt ) {
    auto const points = Quelm::make< Vornal::VornalSliceDependencyPoints >();
    auto const common = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
    common->sliceDependencyPointsIs( points );
@@ -80,7 +80,7 @@ KIV_DEFINE( Friend )
 
 namespace {
 
-TEST( Tree, ends_where_entities_refer_to_each_other_and_says_where_each_was_shown ) {
+TEST( Tree, EndsWhereEntitiesReferToEachOtherAndSaysWhereEachWasShown ) {
    auto const ann = Quelm::make< Friend >( "ann" );
    auto const bob = Quelm::make< Friend >( "bob" );
    ann->friendOfIs( bob );

@@ -14,7 +14,7 @@ class Turn : public testing::Test {
    TurnTimer timer{ pulse, 1s };
 };
 
-TEST_F( Turn, is_over_when_its_parent_has_waited_for_as_long_as_the_limit ) {
+TEST_F( Turn, IsOverWhenItsParentHasWaitedForAsLongAsTheLimit ) {
    for ( int n = 0; n < 9; ++n ) {
       timer.waited( 100ms );
    }
@@ -23,7 +23,7 @@ TEST_F( Turn, is_over_when_its_parent_has_waited_for_as_long_as_the_limit ) {
    EXPECT_TRUE( timer.isOver() );
 }
 
-TEST_F( Turn, counts_from_its_own_beginning ) {
+TEST_F( Turn, CountsFromItsOwnBeginning ) {
    timer.worked( 999ms );
    pulse.beat();
    timer.worked( 999ms );
@@ -34,12 +34,12 @@ TEST_F( Turn, counts_from_its_own_beginning ) {
    EXPECT_TRUE( timer.isOver() );
 }
 
-TEST_F( Turn, does_not_count_that_both_processes_were_suspended ) {
+TEST_F( Turn, DoesNotCountThatBothProcessesWereSuspended ) {
    timer.waited( 3600s );
    EXPECT_FALSE( timer.isOver() );
 }
 
-TEST_F( Turn, may_take_as_long_as_it_likes_without_a_limit ) {
+TEST_F( Turn, MayTakeAsLongAsItLikesWithoutALimit ) {
    TurnTimer without( pulse, 0s );
    without.worked( 3600s );
    EXPECT_FALSE( without.isOver() );

@@ -42,7 +42,7 @@ std::string const tipped =
 // The plug-in's own pass does not look at per-VNI rules.
 std::string const unseen = "   - drift: { group: ingress, unit: 0, entry: 5, priority: 9 }\n";
 
-TEST_F( Verify, exits_with_0_in_step ) {
+TEST_F( Verify, ExitsWith0InStep ) {
    auto const ran = command( Leaf(), "" );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
@@ -54,7 +54,7 @@ TEST_F( Verify, exits_with_0_in_step ) {
               "IN STEP\n" );
 }
 
-TEST_F( Verify, exits_with_1_on_differences_that_the_pass_does_not_see ) {
+TEST_F( Verify, ExitsWith1OnDifferencesThatThePassDoesNotSee ) {
    auto const ran = command( Leaf(), unseen );
 
    EXPECT_EQ( ran.exitCode, 1 ) << ran.out << ran.err;
@@ -69,7 +69,7 @@ TEST_F( Verify, exits_with_1_on_differences_that_the_pass_does_not_see ) {
    EXPECT_TRUE( contains( ran.out, "the plug-in's own pass: held\nDIFFERENCES\n" ) ) << ran.out;
 }
 
-TEST_F( Verify, exits_with_2_on_bad_input ) {
+TEST_F( Verify, ExitsWith2OnBadInput ) {
    EXPECT_EQ( Support::vornal( { "verify", "/nowhere/leaf.yaml" } ).exitCode, 2 );
    EXPECT_EQ( Support::vornal( { "verify" } ).exitCode, 2 );
    auto const ran =
@@ -82,7 +82,7 @@ TEST_F( Verify, exits_with_2_on_bad_input ) {
       << ran.err;
 }
 
-TEST_F( Verify, exits_with_3_when_the_pass_stops_the_process_and_tells_what_the_audit_has_found ) {
+TEST_F( Verify, ExitsWith3WhenThePassStopsTheProcessAndTellsWhatTheAuditHasFound ) {
    auto const ran = command( Leaf(), tipped );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -95,7 +95,7 @@ TEST_F( Verify, exits_with_3_when_the_pass_stops_the_process_and_tells_what_the_
    EXPECT_TRUE( ran.out.ends_with( "STOPPED\n" ) ) << ran.out;
 }
 
-TEST_F( Verify, exits_with_3_and_tells_the_story_when_the_process_stops_before ) {
+TEST_F( Verify, ExitsWith3AndTellsTheStoryWhenTheProcessStopsBefore ) {
    auto const ran =
       command( Leaf(),
                "   - call: { entity: "
@@ -107,7 +107,7 @@ TEST_F( Verify, exits_with_3_and_tells_the_story_when_the_process_stops_before )
    EXPECT_TRUE( contains( ran.out, "the plug-in's own pass: not-run\nSTOPPED\n" ) ) << ran.out;
 }
 
-TEST_F( Verify, has_a_document ) {
+TEST_F( Verify, HasADocument ) {
    Json const json = document( Leaf(), tipped );
 
    EXPECT_EQ( json[ "scenario" ], "leaf" );
@@ -131,7 +131,7 @@ TEST_F( Verify, has_a_document ) {
    EXPECT_EQ( difference[ "shouldBe" ], "0x56000002" );
 }
 
-TEST_F( Verify, tells_the_document_of_a_healthy_switch ) {
+TEST_F( Verify, TellsTheDocumentOfAHealthySwitch ) {
    Json const json = document( classIdLeaf(), "" );
 
    EXPECT_EQ( json[ "end" ], "in-step" );
@@ -141,7 +141,7 @@ TEST_F( Verify, tells_the_document_of_a_healthy_switch ) {
    EXPECT_EQ( json[ "audits" ].size(), 1U );
 }
 
-TEST_F( Verify, audits_after_each_step_when_asked_to ) {
+TEST_F( Verify, AuditsAfterEachStepWhenAskedTo ) {
    std::string const healed =
       unseen + "   - drift: { group: ingress, unit: 0, entry: 5, priority: 2 }\n";
    EXPECT_EQ( command( Leaf(), healed ).exitCode, 0 );
@@ -160,7 +160,7 @@ TEST_F( Verify, audits_after_each_step_when_asked_to ) {
    EXPECT_EQ( json[ "audits" ][ 2 ][ "inStep" ], true );
 }
 
-TEST_F( Verify, does_not_count_the_audits_that_the_scenario_asks_for_itself ) {
+TEST_F( Verify, DoesNotCountTheAuditsThatTheScenarioAsksForItself ) {
    std::string const healed = unseen +
                               "   - verify: audit\n"
                               "   - drift: { group: ingress, unit: 0, entry: 5, priority: 2 }\n";
@@ -177,7 +177,7 @@ Leaf fullLeaf() {
 
 std::string const others = "   - foreign-entries: { group: ingress, count: 1 }\n";
 
-TEST_F( Verify, a_pass_that_compares_nothing_is_skipped_and_has_not_held ) {
+TEST_F( Verify, APassThatComparesNothingIsSkippedAndHasNotHeld ) {
    Support::Ran const ran = Support::vornal(
       { "verify",
         directory.file( "leaf.yaml",
@@ -193,7 +193,7 @@ TEST_F( Verify, a_pass_that_compares_nothing_is_skipped_and_has_not_held ) {
    EXPECT_EQ( Json::parse( json.out )[ "pluginPass" ], "skipped" );
 }
 
-TEST_F( Verify, a_switch_with_a_vtep_without_its_rule_is_not_in_step_without_a_word ) {
+TEST_F( Verify, ASwitchWithAVtepWithoutItsRuleIsNotInStepWithoutAWord ) {
    Support::Ran const ran = Support::vornal(
       { "verify",
         directory.file( "leaf.yaml", fullLeaf().text( others + "   - ready: "
@@ -212,7 +212,7 @@ TEST_F( Verify, a_switch_with_a_vtep_without_its_rule_is_not_in_step_without_a_w
    EXPECT_EQ( json[ "audits" ][ 0 ][ "unprotected" ], Json::array( { "10.0.0.4" } ) );
 }
 
-TEST_F( Verify, a_vtep_without_its_class_id_is_unprotected ) {
+TEST_F( Verify, AVtepWithoutItsClassIdIsUnprotected ) {
    auto const ran = Support::vornal(
       { "verify",
         directory.file( "leaf.yaml", classIdLeaf().text( "   - class-id-allocator: paused\n"
@@ -221,7 +221,7 @@ TEST_F( Verify, a_vtep_without_its_class_id_is_unprotected ) {
    EXPECT_TRUE( contains( ran.out, "2 VTEPs unprotected: 10.0.0.2, 10.0.0.4\n" ) ) << ran.out;
 }
 
-TEST_F( Verify, the_step_tells_of_a_pass_that_was_skipped ) {
+TEST_F( Verify, TheStepTellsOfAPassThatWasSkipped ) {
    auto const text = fullLeaf().text( others +
                                       "   - ready: subagents::l2Ready\n"
                                       "   - verify: plug-in\n" );
@@ -233,14 +233,14 @@ TEST_F( Verify, the_step_tells_of_a_pass_that_was_skipped ) {
    EXPECT_EQ( Json::parse( json.out )[ "steps" ][ 3 ][ "pluginPass" ], "skipped" );
 }
 
-TEST_F( Verify, names_the_known_limit_at_which_the_pass_stops ) {
+TEST_F( Verify, NamesTheKnownLimitAtWhichThePassStops ) {
    std::string const file = VORNAL_SOURCE_DIR "/scenarios/limits/port-beyond-bitmap/scenario.yaml";
    EXPECT_TRUE( contains( Support::vornal( { "verify", file } ).out,
                           "known limit (docs/limits.md): A logical port above 351\n"
                           "      Remedy: Use no segment on such ports;" ) );
 }
 
-TEST_F( Verify, has_no_pass_of_a_plug_in_that_has_not_come_up ) {
+TEST_F( Verify, HasNoPassOfAPlugInThatHasNotComeUp ) {
    auto const ran = Support::vornal(
       { "verify", directory.file( "leaf.yaml", Leaf().text( "   - note: nothing\n" ) ) } );
 
@@ -250,7 +250,7 @@ TEST_F( Verify, has_no_pass_of_a_plug_in_that_has_not_come_up ) {
 
 // --- The step
 
-TEST_F( Verify, the_step_shows_in_the_story_and_in_the_document ) {
+TEST_F( Verify, TheStepShowsInTheStoryAndInTheDocument ) {
    std::string const steps = unseen + "   - verify: both\n";
    auto const told = command( Leaf(), steps, {}, "run" );
    EXPECT_EQ( told.exitCode, 0 );
@@ -268,7 +268,7 @@ TEST_F( Verify, the_step_shows_in_the_story_and_in_the_document ) {
    EXPECT_EQ( json[ "steps" ][ 2 ][ "pluginPass" ], nullptr );
 }
 
-TEST_F( Verify, the_step_tells_the_audit_before_the_pass_stops_the_process ) {
+TEST_F( Verify, TheStepTellsTheAuditBeforeThePassStopsTheProcess ) {
    auto const ran = command( Leaf(), tipped + "   - verify: both\n", { "--json" }, "run" );
 
    EXPECT_EQ( ran.exitCode, 3 );
@@ -277,7 +277,7 @@ TEST_F( Verify, the_step_tells_the_audit_before_the_pass_stops_the_process ) {
    EXPECT_EQ( step[ "pluginPass" ], "stopped" );
 }
 
-TEST_F( Verify, audits_can_be_expected ) {
+TEST_F( Verify, AuditsCanBeExpected ) {
    auto const ran = command( Leaf(),
                              "   - expect: { audit: in-step }\n" + unseen +
                                 "   - expect:\n"

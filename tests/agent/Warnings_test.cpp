@@ -20,7 +20,7 @@ class Warnings : public AgentRun {
    }
 };
 
-TEST_F( Warnings, name_the_trace_handles_that_no_loaded_module_has_and_where_they_stand ) {
+TEST_F( Warnings, NameTheTraceHandlesThatNoLoadedModuleHasAndWhereTheyStand ) {
    Host::AgentConfig config;
    config.trace = { { "ApiVornall", "4" }, { "Sample*", "8" }, { "Nothing*", "0-5" } };
    run(
@@ -39,7 +39,7 @@ TEST_F( Warnings, name_the_trace_handles_that_no_loaded_module_has_and_where_the
    EXPECT_EQ( held(), ( std::vector{ true, true } ) ) << "the run goes on";
 }
 
-TEST_F( Warnings, name_the_line_of_levels_that_no_handle_takes ) {
+TEST_F( Warnings, NameTheLineOfLevelsThatNoHandleTakes ) {
    scenario = Scenario::readText( Switches::leaf( "   - note: x\n" ), "leaf.yaml" );
    EXPECT_EQ( Host::unknownTraceHandles( scenario, {} ),
               Texts{ "leaf.yaml:18: 'Sample' is no trace handle of a loaded module" } )
@@ -48,7 +48,7 @@ TEST_F( Warnings, name_the_line_of_levels_that_no_handle_takes ) {
    EXPECT_EQ( Host::unknownTraceHandles( scenario, {} ), Texts{} );
 }
 
-TEST_F( Warnings, are_absent_where_all_names_lead_somewhere ) {
+TEST_F( Warnings, AreAbsentWhereAllNamesLeadSomewhere ) {
    run( "   - note: x\n" );
    EXPECT_EQ( told(), Texts{} );
 }
@@ -70,7 +70,7 @@ class ProgramWarnings : public testing::Test {
    Support::Directory directory;
 };
 
-TEST_F( ProgramWarnings, name_the_toggles_that_nobody_has_asked_for ) {
+TEST_F( ProgramWarnings, NameTheTogglesThatNobodyHasAskedFor ) {
    auto const ran = run( {}, R"({ "SbdEvpnTcamOverideRule": false })" );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
@@ -84,7 +84,7 @@ TEST_F( ProgramWarnings, name_the_toggles_that_nobody_has_asked_for ) {
               std::string::npos );
 }
 
-TEST_F( ProgramWarnings, stand_in_the_document_with_their_step ) {
+TEST_F( ProgramWarnings, StandInTheDocumentWithTheirStep ) {
    auto const ran =
       run( { "--json", "--trace", "VornalEvpnSn/5" }, R"({ "SbdEvpnTcamOverrideRule": true })" );
    auto const document = nlohmann::json::parse( ran.out );

@@ -80,7 +80,7 @@ void look() {
    }
 }
 
-TEST( PlugInLoad, registersTypesThenTraceHandlesThenLogMessagesThenItsMounter ) {
+TEST( PlugInLoad, RegistersTypesThenTraceHandlesThenLogMessagesThenItsMounter ) {
    Registered const before;
    seen().clear();
    isWatching = true;

@@ -73,7 +73,7 @@ bool isLoaded() {
    return handle != nullptr;
 }
 
-TEST( PlugIn, offersItsMounterWhenItIsOpened ) {
+TEST( PlugIn, OffersItsMounterWhenItIsOpened ) {
    EXPECT_EQ( mounterNames(), Names{} );
    Opened const plugIn;
    ASSERT_EQ( mounterNames(), Names{ "Vornal::VornalEvpnMounter" } );
@@ -82,7 +82,7 @@ TEST( PlugIn, offersItsMounterWhenItIsOpened ) {
    EXPECT_EQ( mounter->typeData().attributes().size(), 16U );
 }
 
-TEST( PlugIn, bringsItsEntityTypes ) {
+TEST( PlugIn, BringsItsEntityTypes ) {
    for ( char const * const name :
          { "Vornal::VornalEvpnMounter", "Vornal::EvpnDependencyWaiter",
            "Vornal::EvpnMultihomingLocalBiasSm", "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm",
@@ -93,7 +93,7 @@ TEST( PlugIn, bringsItsEntityTypes ) {
    }
 }
 
-TEST( PlugIn, bringsItsValueTypesWithTheirAttributes ) {
+TEST( PlugIn, BringsItsValueTypesWithTheirAttributes ) {
    struct ValueType {
       char const * name;
       Names attributes;
@@ -113,7 +113,7 @@ TEST( PlugIn, bringsItsValueTypesWithTheirAttributes ) {
    }
 }
 
-TEST( PlugIn, bringsItsLogMessages ) {
+TEST( PlugIn, BringsItsLogMessages ) {
    EXPECT_EQ( logNames(), Names{} );
    Opened const plugIn;
    EXPECT_EQ( logNames(),
@@ -121,7 +121,7 @@ TEST( PlugIn, bringsItsLogMessages ) {
                        "VORNAL_UNEXPECTED_RESTART", "VORNAL_CONFIG_CHANGE" } ) );
 }
 
-TEST( PlugIn, tracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening ) {
+TEST( PlugIn, TracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening ) {
    Names traced;
    Trace::sinkIs( [ & ]( Trace::Line const & line ) { traced.emplace_back( line.handle ); } );
    Trace::levelsIs( "VornalEvpn*", "8" );
@@ -137,7 +137,7 @@ TEST( PlugIn, tracesThroughAHandleThatFollowsLevelsSetBeforeAndAfterItsOpening )
    Trace::sinkIs( {} );
 }
 
-TEST( PlugIn, leavesTheHandleThatTracesTheChipToTheAgent ) {
+TEST( PlugIn, LeavesTheHandleThatTracesTheChipToTheAgent ) {
    Names traced;
    Trace::sinkIs( [ & ]( Trace::Line const & line ) { traced.emplace_back( line.handle ); } );
    { Opened const plugIn; }
@@ -146,7 +146,7 @@ TEST( PlugIn, leavesTheHandleThatTracesTheChipToTheAgent ) {
    Trace::sinkIs( {} );
 }
 
-TEST( PlugIn, leavesNothingBehindWhenItIsClosed ) {
+TEST( PlugIn, LeavesNothingBehindWhenItIsClosed ) {
    Names const before = typeNames();
    { Opened const plugIn; }
    EXPECT_FALSE( isLoaded() );
@@ -155,7 +155,7 @@ TEST( PlugIn, leavesNothingBehindWhenItIsClosed ) {
    EXPECT_EQ( mounterNames(), Names{} );
 }
 
-TEST( PlugIn, canBeOpenedAgain ) {
+TEST( PlugIn, CanBeOpenedAgain ) {
    Names firstTypes;
    {
       Opened const plugIn;
@@ -207,7 +207,7 @@ bool hasStarted() {
    return common->sliceDependencyPoints()->isReady( "evpn" );
 }
 
-TEST( PlugIn, startsOnceFromOneOpeningAndAgainFromTheNext ) {
+TEST( PlugIn, StartsOnceFromOneOpeningAndAgainFromTheNext ) {
    Trace::sinkIs( []( Trace::Line const & ) {} );
    Kiv::ActivityManager activity;
    {

@@ -7,14 +7,14 @@ namespace {
 
 class Good : public testing::TestWithParam< int > {};
 
-TEST_P( Good, passes ) {
+TEST_P( Good, Passes ) {
    EXPECT_GT( GetParam(), 0 );
 }
 
 INSTANTIATE_TEST_SUITE_P( Every, Good, testing::Values( 1, 2 ) );
 
 // Starts the program again, with the words that it was started with.
-TEST( GoodDeathTest, endsInAProgramOfItsOwn ) {
+TEST( GoodDeathTest, EndsInAProgramOfItsOwn ) {
    testing::FLAGS_gtest_death_test_style = "threadsafe";
    EXPECT_EXIT( std::exit( EXIT_SUCCESS ), testing::ExitedWithCode( EXIT_SUCCESS ), "" );
 }

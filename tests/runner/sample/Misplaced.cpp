@@ -3,6 +3,6 @@
 
 namespace {
 
-TEST( Misplaced, passes ) {}
+TEST( Misplaced, Passes ) {}
 
 }  // namespace

@@ -12,31 +12,31 @@ namespace {
 // What a test leaves behind in its process.
 int visits = 0;
 
-TEST( Sample, leavesAMark ) {
+TEST( Sample, LeavesAMark ) {
    std::cout << "said by one that passes\n";
    EXPECT_EQ( ++visits, 1 );
 }
 
-TEST( Sample, seesNoMarkOfAnother ) {
+TEST( Sample, SeesNoMarkOfAnother ) {
    EXPECT_EQ( ++visits, 1 );
 }
 
-TEST( Sample, fails ) {
+TEST( Sample, Fails ) {
    std::cout << "said by one that fails\n";
    EXPECT_TRUE( false );
 }
 
-TEST( Sample, stops ) {
+TEST( Sample, Stops ) {
    std::abort();
 }
 
-TEST( Sample, takesTooLong ) {
+TEST( Sample, TakesTooLong ) {
    while ( true ) {
       pause();
    }
 }
 
-TEST( Sample, endsItsProcess ) {
+TEST( Sample, EndsItsProcess ) {
    std::_Exit( EXIT_SUCCESS );
 }
 
