@@ -280,7 +280,7 @@ TEST_F( HumanWriter, NamesTheLimitThatATurnHasExceeded ) {
 
    std::string const text = told( { stop } );
 
-   EXPECT_EQ( text.substr( 0, text.find( "\n", 1 ) ),
+   EXPECT_EQ( text.substr( 0, text.find( '\n', 1 ) ),
               "\nSTOPPED in step 1: a turn did not come to its end, and the process of the plug-in "
               "was ended by the turn limit of 60 s; --turn-limit allows more." )
       << text;

@@ -196,7 +196,7 @@ TEST( JsonWriter, IsUtf8WithoutControlCharactersAndKeepsThoseOfTexts ) {
          << static_cast< int >( c );
       EXPECT_NE( c, '\x7f' );
    }
-   EXPECT_EQ( document.find( "\xc2" ), std::string::npos );
+   EXPECT_EQ( document.find( '\xc2' ), std::string::npos );
    EXPECT_EQ( Json::parse( document )[ "scenario" ], text );
    EXPECT_EQ( Json::parse( document )[ "stop" ][ "output" ][ 0 ],
               "\xef\xbf\xbd no UTF-8 \xef\xbf\xbd" );

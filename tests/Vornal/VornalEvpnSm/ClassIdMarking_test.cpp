@@ -132,7 +132,7 @@ TEST_F( ClassIdMarking, NoLineOfTheVariantGoesToTheRing ) {
 TEST_F( ClassIdMarking, TakingFromACountOfZeroGivesAllOnesAndTheClassIdIsKept ) {
    auto & sm = leaf.start();
    leaf.classIdIs( "10.0.0.2", 5 );
-   auto const operation = sm.typeData().find( "ifpTcamEntries" );
+   auto const * const operation = sm.typeData().find( "ifpTcamEntries" );
    EXPECT_EQ( operation->call( sm, { "0", "10.0.0.2", "false" } ), "true" );
    EXPECT_EQ( operation->call( sm, { "0", "10.0.0.2", "false" } ), "true" );
    EXPECT_EQ( sm.i2eTepIpClassIdRefCount( ip( "10.0.0.2" ) ), 4294967295U );

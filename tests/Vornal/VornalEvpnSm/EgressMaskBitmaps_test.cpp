@@ -1,6 +1,8 @@
 // Port bitmaps are the SDK's: clearing, comparing and counting them is asked of the shim, whatever
 // it makes of them.
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -66,12 +68,13 @@ class EgressMaskBitmaps : public testing::Test {
    }
    // The ports that the last call of that name handed to the chip.
    std::string maskOf( std::string const & operation ) const {
-      for ( auto call = leaf.calls.rbegin(); call != leaf.calls.rend(); ++call ) {
-         if ( call->operation == operation ) {
-            return Quelm::textOf( std::get< Brum::PerUnitBitmap >( call->values[ 1 ].value ) );
-         }
-      }
-      return "none";
+      auto const call = std::find_if( leaf.calls.rbegin(), leaf.calls.rend(),
+                                      [ & ]( Chip::HardwareCall const & one ) {
+                                         return one.operation == operation;
+                                      } );
+      return call == leaf.calls.rend()
+                ? "none"
+                : Quelm::textOf( std::get< Brum::PerUnitBitmap >( call->values[ 1 ].value ) );
    }
 
    LocalBiasSwitch leaf;

@@ -49,7 +49,7 @@ class LocalBiasSwitch : private Chip::CallObserver, public SwitchState {
 
    static U16 modIdOf( U16 unit ) { return static_cast< U16 >( 40 + unit ); }
    static VornalTypes::VornalPort port( U16 unit, U16 logicalPort ) {
-      return VornalTypes::VornalPort( unit, logicalPort, modIdOf( unit ) );
+      return { unit, logicalPort, modIdOf( unit ) };
    }
 
    // --- The machine
