@@ -1,10 +1,9 @@
 // Port bitmaps are the SDK's: clearing, comparing and counting them is asked of the shim, whatever
 // it makes of them.
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 
 #include <Decorators/SdkDecorator.h>
