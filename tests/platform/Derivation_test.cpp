@@ -88,6 +88,15 @@ TYPED_TEST( Derivation, SwitchingOnAgainWithNothingMissedChangesNothing ) {
    EXPECT_EQ( this->world.news(), Journal{} );
 }
 
+// A directory that is cleared by hand stays so until something changes.
+TYPED_TEST( Derivation, SwitchedOnWhileOnItDoesNotDeriveOnceMore ) {
+   auto const sm = this->world.activeSmNew();
+   this->world.publishFirst();
+   this->world.clearDirectory();
+   sm->hasNotificationActiveIs( true );
+   EXPECT_EQ( this->world.state(), "" );
+}
+
 TYPED_TEST( Derivation, DestroyedItLeavesTheDirectoryAndNoSubscription ) {
    auto sm = this->world.activeSmNew();
    this->world.publishFirst();

@@ -78,6 +78,15 @@ TEST_F( FinishInit, GivesTheClassIdVariantItsInputs ) {
    EXPECT_EQ( given( "i2eClassIdIndexStatus" ), leaf.mounter->i2eClassIdIndexStatus() );
 }
 
+TEST_F( FinishInit, StartsTheMachineOfEitherVariant ) {
+   for ( bool const isClassIdSupported : { false, true } ) {
+      leaf.i2eClassIdSupportedIs( isClassIdSupported );
+      leaf.mounter->finishInit();
+      EXPECT_TRUE( machine().initialized() );
+      EXPECT_TRUE( machine().hasNotificationActive() );
+   }
+}
+
 TEST_F( FinishInit, DerivesLagMembersAndSharedSegmentsFromItsInputs ) {
    leaf.mounter->finishInit();
    auto const mapping = leaf.mounter->lagPhyIntfMapping();

@@ -73,6 +73,7 @@ class PortChannels : public LagDerived {
    // The first state when a reader ends the derivation with the first change: the interface that
    // was on its way in still joins.
    static std::string cutShortState() { return "Port-Channel1{Ethernet1}"; }
+   void clearDirectory() { directory->lagPhyIntfConfigDelAll(); }
    // The subscribers of everything that is published.
    std::size_t subscribers() const {
       std::size_t count = config->publisher().subscribers();

@@ -82,6 +82,7 @@ class SharedSegments : public SegmentsDerived {
    static std::string thirdState() { return ""; }
    // The first state when a reader ends the derivation with the first change.
    static std::string cutShortState() { return "10.0.0.2{Ethernet1 Ethernet2}"; }
+   void clearDirectory() { directory->tepSegmentDelAll(); }
    // The subscribers of everything that is published.
    std::size_t subscribers() const {
       std::size_t count = status->publisher().subscribers();
