@@ -32,6 +32,7 @@
 #include <Scenario/Drift.h>
 #include <Scenario/Traffic.h>
 #include <StateDatabase/EntityPath.h>
+#include <Story/Difference.h>
 #include <VornalCommon/ClassId.h>
 #include <VornalTypes/VornalPort.h>
 #include <Vxlan/VniExtOrNone.h>

@@ -15,7 +15,7 @@ class LiveSwitch {
       environment_.steps().queuePublished( scenario_.published );
       environment_.activity().run();
       environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
-      plugin_.emplace( Support::plugin(), "1", environment_ );
+      plugin_.emplace( Support::plugin(), "1", environment_.forPlugins() );
       plugin_->start();
       environment_.activity().run();
       take( scenario_.steps.at( 0 ) );
