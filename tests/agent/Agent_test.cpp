@@ -80,7 +80,7 @@ TEST_F( Agent, StartsThePlugInWhenTheSubAgentIsReadyAndTellsTheVariantBeforeRead
    EXPECT_EQ( inStep< Story::TcamGroupAsked >( 1 ).at( 0 ).group, 157U );
    auto const variants = story.all< Story::VariantChosen >();
    ASSERT_EQ( variants.size(), 1U );
-   EXPECT_EQ( variants[ 0 ].variant, "egress-mask" );
+   EXPECT_EQ( variants[ 0 ].variant, "Sample::SegmentRulesWithEgressMaskSm" );
    EXPECT_EQ( variants[ 0 ].type, "Sample::SegmentRulesWithEgressMaskSm" );
    EXPECT_LT( story.placeOf< Story::VariantChosen >( []( auto const & ) { return true; } ),
               story.placeOf< Story::DependencyPointReady >(

@@ -215,7 +215,7 @@ TEST_F( Program, GivesEveryStepItsCallsRulesAndExpectations ) {
    Json const document = Json::parse( ran.out );
    EXPECT_EQ( document[ "scenario" ], "leaf" );
    EXPECT_EQ( document[ "file" ], scenario() );
-   EXPECT_EQ( document[ "variant" ], "egress-mask" );
+   EXPECT_EQ( document[ "variant" ], "Sample::SegmentRulesWithEgressMaskSm" );
    Json const & steps = document[ "steps" ];
    ASSERT_EQ( steps.size(), 6U );
    EXPECT_EQ( steps[ 0 ][ "changes" ].size(), 0U );
