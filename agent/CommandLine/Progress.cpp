@@ -7,7 +7,7 @@ namespace CommandLine {
 void Progress::onEvent( Story::Event const & event ) {
    std::visit( Story::Overloaded{ [ & ]( Story::RunBegins const & run ) { steps_ = run.steps; },
                                   [ & ]( Story::StepBegins const & step ) { begin( step ); },
-                                  [ & ]( Story::HardwareCall const & ) {
+                                  [ & ]( Story::CallMade const & ) {
                                      ++calls_;
                                      advance( fmt::format( "{} hardware calls", calls_ ) );
                                   },

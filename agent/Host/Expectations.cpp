@@ -89,32 +89,29 @@ Finding checkOne( Scenario::RulesLike const & expected, Evidence const & evidenc
 
 // --- Frames
 
-bool isMeant( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
-   bool const isFrom =
-      !like.from || ( frame.tunnel && frame.tunnel->source == like.from->stringValue() );
-   bool const isOfKind =
-      like.kinds.empty() || std::any_of( like.kinds.begin(), like.kinds.end(), [ & ]( auto kind ) {
-         return Chip::nameOf( kind ) == frame.kind;
-      } );
-   return isFrom && isOfKind && ( !like.dropped || !frame.dropReason.empty() );
+bool isMeant( Chip::FrameStory const & frame, Scenario::FramesLike const & like ) {
+   bool const isFrom = !like.from || ( frame.tunnel && frame.tunnel->source == *like.from );
+   bool const isOfKind = like.kinds.empty() || ( frame.kind && like.kinds.contains( *frame.kind ) );
+   return isFrom && isOfKind && ( !like.dropped || frame.dropReason );
 }
 
-bool isAt( Story::FrameCopy const & copy, Scenario::FrameTarget const & target ) {
+bool isAt( Chip::Copy const & copy, Scenario::FrameTarget const & target ) {
    return std::visit( Story::Overloaded{ [ & ]( Pelk::IntfId const & intf ) {
-                                           return copy.vtep.empty() &&
-                                                  copy.intf == intf.stringValue();
+                                           return !copy.remoteVtep && copy.intfId == intf;
                                         },
                                          [ & ]( Pelk::IpGenAddr const & vtep ) {
-                                            return copy.vtep == vtep.stringValue();
+                                            return copy.remoteVtep == vtep;
                                          } },
                       target );
 }
 
-std::string verdictAt( Story::FrameForwarded const & frame, Scenario::FrameTarget const & target ) {
+// Nothing: the frame was not to leave there.
+std::optional< Chip::Verdict > verdictAt( Chip::FrameStory const & frame,
+                                          Scenario::FrameTarget const & target ) {
    auto const copy =
       std::find_if( frame.copies.begin(), frame.copies.end(),
-                    [ & ]( Story::FrameCopy const & one ) { return isAt( one, target ); } );
-   return copy == frame.copies.end() ? "not considered" : copy->verdict;
+                    [ & ]( Chip::Copy const & one ) { return isAt( one, target ); } );
+   return copy == frame.copies.end() ? std::nullopt : std::optional( copy->verdict );
 }
 
 // The port channel that the interface is a member of; empty when there is none.
@@ -152,29 +149,32 @@ std::string memberMistake( Scenario::FramesLike const & like, Evidence const & e
 }
 
 // What is wrong with the frame; empty when nothing is.
-std::string mistakeOf( Story::FrameForwarded const & frame, Scenario::FramesLike const & like ) {
-   auto const mistake = [ & ]( Scenario::FrameTarget const & target, std::string const & verdict ) {
-      return fmt::format( "frame {} is {} at {}", frame.number, verdict,
+std::string mistakeOf( Story::FrameForwarded const & event, Scenario::FramesLike const & like ) {
+   Chip::FrameStory const & frame = event.frame;
+   auto const mistake = [ & ]( Scenario::FrameTarget const & target ) {
+      auto const verdict = verdictAt( frame, target );
+      return fmt::format( "frame {} is {} at {}", event.number,
+                          verdict ? nameOf( *verdict ) : "not considered",
                           std::visit( []( auto const & one ) { return one.stringValue(); },
                                       target ) );
    };
    for ( Scenario::FrameTarget const & target : like.reach ) {
-      if ( std::string const verdict = verdictAt( frame, target ); verdict != "sent" ) {
-         return mistake( target, verdict );
+      if ( verdictAt( frame, target ) != Chip::Verdict::Sent ) {
+         return mistake( target );
       }
    }
    for ( Scenario::FrameTarget const & target : like.neverReach ) {
-      if ( std::string const verdict = verdictAt( frame, target ); verdict == "sent" ) {
-         return mistake( target, verdict );
+      if ( verdictAt( frame, target ) == Chip::Verdict::Sent ) {
+         return mistake( target );
       }
    }
    for ( auto const & [ intf, wanted ] : like.verdicts ) {
-      if ( std::string const verdict = verdictAt( frame, intf ); verdict != nameOf( wanted ) ) {
-         return mistake( intf, verdict );
+      if ( verdictAt( frame, intf ) != wanted ) {
+         return mistake( intf );
       }
    }
-   return like.dropped && frame.dropReason != nameOf( *like.dropped )
-             ? fmt::format( "frame {} is dropped as {}", frame.number, frame.dropReason )
+   return like.dropped && frame.dropReason != like.dropped
+             ? fmt::format( "frame {} is dropped as {}", event.number, nameOf( *frame.dropReason ) )
              : "";
 }
 
@@ -183,12 +183,12 @@ Finding checkOne( Scenario::FramesLike const & expected, Evidence const & eviden
       return { false, mistake };
    }
    U32 meant = 0;
-   for ( Story::FrameForwarded const & frame : evidence.record.frames() ) {
-      if ( !isMeant( frame, expected ) ) {
+   for ( Story::FrameForwarded const & event : evidence.record.frames() ) {
+      if ( !isMeant( event.frame, expected ) ) {
          continue;
       }
       ++meant;
-      if ( std::string const mistake = mistakeOf( frame, expected ); !mistake.empty() ) {
+      if ( std::string const mistake = mistakeOf( event, expected ); !mistake.empty() ) {
          return { false, mistake };
       }
    }
@@ -248,7 +248,7 @@ Finding checkOne( Scenario::LogLine const & expected, Evidence const & evidence 
 Finding checkOne( Scenario::TraceLine const & expected, Evidence const & evidence ) {
    auto const & lines = evidence.record.traces();
    return timesFound( std::count_if( lines.begin(), lines.end(),
-                                     [ & ]( Story::TraceLine const & line ) {
+                                     [ & ]( Story::Traced const & line ) {
                                         return line.handle == expected.handle &&
                                                line.level ==
                                                   expected.level.value_or( line.level ) &&

@@ -21,10 +21,10 @@ class ProcessWide {
       FeatureToggle::facilityIs( &toggles );
       Trace::sinkIs( [ &observer ]( Trace::Line const & line ) {
          observer.onEvent(
-            Story::TraceLine{ std::string( line.handle ), line.level, std::string( line.text ) } );
+            Story::Traced{ std::string( line.handle ), line.level, std::string( line.text ) } );
       } );
       Log::sinkIs( [ &observer ]( Log::Message const & message ) {
-         observer.onEvent( Story::LogLine{ message.descriptor.name, message.line } );
+         observer.onEvent( Story::Logged{ message.descriptor.name, message.line } );
       } );
    }
    ProcessWide( ProcessWide const & ) = delete;

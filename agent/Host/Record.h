@@ -13,8 +13,8 @@ class Record final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override {
       std::visit( Story::Overloaded{
-                     [ & ]( Story::LogLine const & line ) { log_.push_back( line.line ); },
-                     [ & ]( Story::TraceLine const & line ) { traces_.push_back( line ); },
+                     [ & ]( Story::Logged const & line ) { log_.push_back( line.line ); },
+                     [ & ]( Story::Traced const & line ) { traces_.push_back( line ); },
                      [ & ]( Story::TcamGroupAsked const & asked ) {
                         tcamGroups_.push_back( asked.group );
                      },
@@ -25,13 +25,13 @@ class Record final : public Story::Observer {
    }
 
    std::vector< std::string > const & log() const { return log_; }
-   std::vector< Story::TraceLine > const & traces() const { return traces_; }
+   std::vector< Story::Traced > const & traces() const { return traces_; }
    std::vector< U32 > const & tcamGroups() const { return tcamGroups_; }
    std::vector< Story::FrameForwarded > const & frames() const { return frames_; }
 
  private:
    std::vector< std::string > log_;
-   std::vector< Story::TraceLine > traces_;
+   std::vector< Story::Traced > traces_;
    std::vector< U32 > tcamGroups_;
    std::vector< Story::FrameForwarded > frames_;
 };

@@ -5,89 +5,85 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <Reporters/ChipReporter.h>
-#include <Story/Wording.h>
+#include <Snapshot/RuleText.h>
+#include <SoftSdk/PortBitmap.h>
 
 namespace Host {
 
 namespace {
 
-using Fields = std::vector< Story::RuleField >;
 using Words = std::vector< std::string >;
 
-std::vector< U32 > numbersOf( Story::RuleField const & field ) {
-   std::vector< U32 > numbers = field.ports.value_or( std::vector< U32 >() );
-   for ( Story::RuleValue const & value : field.values ) {
-      numbers.push_back( static_cast< U32 >( value.data ) );
+// The numbers that an expectation names: of a port its module and itself, of a port mask the ports.
+std::vector< U32 > numbersOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
+   return rowOf( qualifier ).hasModule ? std::vector{ match.modId, match.data }
+                                       : std::vector{ match.data };
+}
+std::vector< U32 > numbersOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
+   switch ( rowOf( action ).parameters ) {
+   case Chip::ParametersUsed::None: break;
+   case Chip::ParametersUsed::Number: return { parameters.param0 };
+   case Chip::ParametersUsed::Ports: return Chip::portsOf( parameters.ports );
    }
-   return numbers;
+   return {};
 }
 
-// "EgressMask 3, 4", in the numbers that an expectation is written in.
-std::string textOf( Story::RuleField const & field ) {
-   std::vector< U32 > const numbers = numbersOf( field );
-   return numbers.empty() ? field.name
-                          : fmt::format( "{} {}", field.name, fmt::join( numbers, ", " ) );
-}
-
-void addDifferences( Fields const & fields, std::vector< Scenario::RuleFieldWanted > const & wanted,
+// `parts` are the chip's qualifiers, or its actions.
+void addDifferences( Chip::EntryContent const & content, auto const & parts,
+                     std::vector< Scenario::RuleFieldWanted > const & wanted,
                      Words & differences ) {
    for ( Scenario::RuleFieldWanted const & one : wanted ) {
-      auto const field =
-         std::find_if( fields.begin(), fields.end(),
-                       [ & ]( Story::RuleField const & each ) { return each.name == one.name; } );
-      if ( field == fields.end() ) {
+      auto const * const part = std::find_if( parts.begin(), parts.end(), [ & ]( auto each ) {
+         return nameOf( each ) == one.name;
+      } );
+      if ( part == parts.end() || !content[ *part ] ) {
          differences.push_back( "no " + one.name );
-      } else if ( one.numbers && *one.numbers != numbersOf( *field ) ) {
-         differences.push_back( textOf( *field ) );
+      } else if ( one.numbers && *one.numbers != numbersOf( *part, *content[ *part ] ) ) {
+         differences.push_back( partText( *part, content ) );
       }
    }
 }
 
-void addPriority( Story::Rule const & rule, Scenario::RulesLike const & like,
+void addPriority( Chip::EntryContent const & content, Scenario::RulesLike const & like,
                   Words & differences ) {
    if ( !like.priority ) {
       return;
    }
    auto const * const number = std::get_if< U32 >( &*like.priority );
-   if ( rule.priority != ( number ? std::optional( *number ) : std::nullopt ) ) {
-      differences.push_back( rule.priority ? fmt::format( "priority {}", *rule.priority )
-                                           : "the default priority" );
+   if ( content.priority != ( number ? std::optional( *number ) : std::nullopt ) ) {
+      differences.push_back( Chip::priorityText( content.priority ) );
    }
 }
 
 // What the rule has that is not as expected.
-Words differencesOf( Story::Rule const & rule, Scenario::RulesLike const & like ) {
+Words differencesOf( Chip::Rule const & rule, Scenario::RulesLike const & like ) {
    Words differences;
    if ( rule.name.find( like.name ) == std::string::npos ) {
       differences.emplace_back( "another name" );
    }
-   addPriority( rule, like, differences );
+   addPriority( rule.content, like, differences );
    if ( like.isWritten && *like.isWritten != rule.isWritten ) {
       differences.emplace_back( rule.isWritten ? "been written" : "been staged only" );
    }
-   addDifferences( rule.qualifiers, like.qualifiers, differences );
-   addDifferences( rule.actions, like.actions, differences );
-   if ( like.doesNothing ) {
-      std::transform( rule.actions.begin(), rule.actions.end(), std::back_inserter( differences ),
-                      textOf );
+   addDifferences( rule.content, Chip::kQualifiers, like.qualifiers, differences );
+   addDifferences( rule.content, Chip::kActions, like.actions, differences );
+   for ( Chip::Action const action : Chip::kActions ) {
+      if ( like.doesNothing && rule.content[ action ] ) {
+         differences.push_back( partText( action, rule.content ) );
+      }
    }
    return differences;
 }
 
 // The rules that an expectation asks about.
-std::vector< Story::Rule > rulesAsked( Scenario::RulesLike const & like,
-                                       Evidence const & evidence ) {
-   std::vector< Story::Rule > rules;
-   for ( auto const & [ number, unit ] : evidence.units ) {
-      auto const group = unit.groups().find( assignmentOf( like.group ) );
-      bool const isAsked = !like.unit || *like.unit == number;
-      if ( isAsked && group != unit.groups().end() ) {
-         for ( auto const & [ id, entry ] : group->second.entries() ) {
-            rules.push_back( Reporters::ruleOf( { number, group->first, id }, entry ) );
-         }
+Chip::Rules rulesAsked( Scenario::RulesLike const & like, Evidence const & evidence ) {
+   Chip::Rules rules;
+   auto const group = assignmentOf( like.group );
+   evidence.units.forEachEntry( [ & ]( Chip::RuleKey const & key, Chip::Entry const & entry ) {
+      if ( key.group == group && ( !like.unit || *like.unit == key.unit ) ) {
+         rules.push_back( ruleAt( key, entry ) );
       }
-   }
+   } );
    return rules;
 }
 
@@ -101,12 +97,12 @@ Finding checkRules( Scenario::RulesLike const & expected, Evidence const & evide
    std::ptrdiff_t count = 0;
    std::string nearest = "the group has no other rules";
    std::size_t fewest = ~std::size_t{ 0 };
-   for ( Story::Rule const & rule : rulesAsked( expected, evidence ) ) {
+   for ( Chip::Rule const & rule : rulesAsked( expected, evidence ) ) {
       Words const differences = differencesOf( rule, expected );
       count += differences.empty() ? 1 : 0;
       if ( !differences.empty() && differences.size() < fewest ) {
          fewest = differences.size();
-         nearest = fmt::format( "the nearest is {}, which has {}", headingOf( rule ),
+         nearest = fmt::format( "the nearest is {}, which has {}", headingText( rule ),
                                 fmt::join( differences, " and " ) );
       }
    }

@@ -270,15 +270,7 @@ void Steps::dump( StateDatabase::EntityPath const & path ) {
 }
 
 void Steps::dump( Scenario::Dump::Rules ) {
-   Story::RulesDumped dumped;
-   for ( auto const & [ number, unit ] : context_.board.units() ) {
-      for ( auto const & [ assignment, group ] : unit.groups() ) {
-         for ( auto const & [ id, entry ] : group.entries() ) {
-            dumped.rules.push_back( Reporters::ruleOf( { number, assignment, id }, entry ) );
-         }
-      }
-   }
-   context_.observer.onEvent( dumped );
+   context_.observer.onEvent( Story::RulesDumped{ Chip::rulesOf( context_.board.units() ) } );
 }
 
 // --- Verification

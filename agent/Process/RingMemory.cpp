@@ -136,8 +136,8 @@ bool isWhole( std::span< std::byte const > ring ) {
    return copyOf( ring ).size() == ring.size();
 }
 
-std::vector< Story::TraceLine > lastLines( std::span< std::byte const > ring, std::size_t most ) {
-   std::vector< Story::TraceLine > result;
+std::vector< Story::Traced > lastLines( std::span< std::byte const > ring, std::size_t most ) {
+   std::vector< Story::Traced > result;
    try {
       auto const lines = Trace::Ring::decode( copyOf( ring ) );
       std::size_t const first = lines.size() > most ? lines.size() - most : 0;

@@ -41,6 +41,6 @@ bool isWhole( std::span< std::byte const > ring );
 
 // The last `most` lines of a ring, oldest first; none when the memory holds no ring, or is not
 // whole.
-std::vector< Story::TraceLine > lastLines( std::span< std::byte const > ring, std::size_t most );
+std::vector< Story::Traced > lastLines( std::span< std::byte const > ring, std::size_t most );
 
 }  // namespace Process

@@ -1,8 +1,7 @@
 // Tells the observer what reaches the chip, and what became of the rule that it was about.
 //
 // After every call that can change an entry, the rule follows as it stands then, so that a story
-// that ends in the middle of a rule knows the rule as far as it got. A rule shows its written copy
-// once it is installed, and its staged copy before that.
+// that ends in the middle of a rule knows the rule as far as it got.
 //
 // Threads: the calls come from the activity's thread, with or without the activity lock; no entity
 // and no reference is touched.
@@ -12,6 +11,7 @@
 
 #include <Calls/HardwareCall.h>
 #include <FieldProcessor/Unit.h>
+#include <Snapshot/Rules.h>
 #include <Story/Observer.h>
 
 namespace Reporters {
@@ -31,10 +31,7 @@ class ChipReporter final : public Chip::CallObserver {
  private:
    Story::Observer & observer_;
    Chip::Units * units_ = nullptr;
-   std::map< std::pair< U32, U32 >, Story::Rule > told_;  // by unit and id, as told last
+   std::map< std::pair< U32, U32 >, Chip::Rule > told_;  // by unit and id, as told last
 };
-
-// The entry as a story tells it.
-Story::Rule ruleOf( Story::RuleKey const & key, Chip::Entry const & entry );
 
 }  // namespace Reporters

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <Snapshot/RuleText.h>
 #include <Story/Wording.h>
 
 namespace Story {
@@ -18,7 +19,7 @@ std::string placeOf( Story::Difference const & difference ) {
       parts.push_back( fmt::format( "unit {}", *difference.unit ) );
    }
    if ( difference.group ) {
-      parts.push_back( groupName( *difference.group ) );
+      parts.push_back( Chip::groupText( *difference.group ) );
    }
    if ( difference.entry != 0 ) {
       parts.push_back( fmt::format( "entry {}", difference.entry ) );

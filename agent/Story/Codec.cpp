@@ -1,9 +1,13 @@
 #include <Story/Codec.h>
 
+#include <concepts>
 #include <stdexcept>
 #include <type_traits>
 
 #include <nlohmann/json.hpp>
+
+#include <SoftSdk/PortBitmap.h>
+#include <Story/ChipFields.h>
 
 namespace nlohmann {
 
@@ -17,9 +21,59 @@ template< typename T > struct adl_serializer< std::optional< T > > {
    }
 };
 
+// A structure is an object of its fields.
+template< Story::HasFields T > struct adl_serializer< T > {
+   static void to_json( json & out, T const & structure ) {
+      Story::Fields< T >::list( structure, [ & ]( char const * name, auto const & value ) {
+         out[ name ] = value;
+      } );
+   }
+   static void from_json( json const & in, T & structure ) {
+      Story::Fields< T >::list( structure, [ & ]( char const * name, auto & value ) {
+         in.at( name ).get_to( value );
+      } );
+   }
+};
+
+// A value of the platform has a text.
+template< std::derived_from< Quelm::Value > T > struct adl_serializer< T > {
+   static void to_json( json & out, T const & value ) { out = Quelm::textOf( value ); }
+   static void from_json( json const & in, T & value ) {
+      value = Quelm::fromText< T >( in.get< std::string >() );
+   }
+};
+
+// Ports are the words of their bitmap.
+template<> struct adl_serializer< Brum::PerUnitBitmap > {
+   static void to_json( json & out, Brum::PerUnitBitmap const & ports ) {
+      out = Chip::pbmpOf( ports ).words;
+   }
+   static void from_json( json const & in, Brum::PerUnitBitmap & ports ) {
+      ports = Chip::bitmapOf( { in.get< decltype( _shr_pbmp::words ) >() } );
+   }
+};
+
+// How many values an enumeration of the chip has; 0 for any other type.
+template< typename T > inline constexpr std::size_t kValuesOf = 0;
+template<> inline constexpr std::size_t kValuesOf< Chip::FrameKind > = Chip::kFrameKinds.size();
+template<> inline constexpr std::size_t kValuesOf< Chip::DropReason > = Chip::kDropReasons;
+template<> inline constexpr std::size_t kValuesOf< Chip::Verdict > = Chip::kVerdicts;
+
+template< typename T >
+requires( kValuesOf< T > != 0 ) struct adl_serializer< T > {
+   static void to_json( json & out, T value ) { out = static_cast< std::size_t >( value ); }
+   static void from_json( json const & in, T & value ) {
+      auto const number = in.get< std::size_t >();
+      if ( number >= kValuesOf< T > ) {
+         throw std::out_of_range( in.dump() + " is none of an enumeration's values" );
+      }
+      value = static_cast< T >( number );
+   }
+};
+
 // The type of the JSON value tells the alternative.
-template<> struct adl_serializer< decltype( Story::CallValue::value ) > {
-   using Value = decltype( Story::CallValue::value );
+template<> struct adl_serializer< decltype( Chip::NamedValue::value ) > {
+   using Value = decltype( Chip::NamedValue::value );
 
    static void to_json( json & out, Value const & value ) {
       std::visit( [ & ]( auto const & alternative ) { out = alternative; }, value );
@@ -28,9 +82,9 @@ template<> struct adl_serializer< decltype( Story::CallValue::value ) > {
       if ( in.is_string() ) {
          value = in.get< std::string >();
       } else if ( in.is_array() ) {
-         value = in.get< std::vector< U32 > >();
+         value = in.get< Brum::PerUnitBitmap >();
       } else {
-         value = in.get< U64 >();
+         value = in.get< U32 >();
       }
    }
 };
@@ -51,18 +105,7 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Difference, kind, unit, group, entry, rule, 
                                     because )
 
 // The fields of every event, and of what they are made of.
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleKey, unit, group, id )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleValue, part, data, mask )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleField, name, values, ports )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Rule, key, name, priority, isWritten, qualifiers, actions )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( CallValue, name, value )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Assertion, file, line, function, expression )
-
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameTunnel, source, destination, vni )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameInner, source, destination, vlan, etherType, sourceIp,
-                                    destinationIp )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameIngress, unit, rule, classId )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameCopy, intf, vtep, unit, port, verdict, rule )
 
 void to_json( nlohmann::json & out, EntityTree const & tree );
 void from_json( nlohmann::json const & in, EntityTree & tree );
@@ -85,16 +128,14 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TcamGroupAsked, group, isThere )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( VariantChosen, variant, type )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( DependencyPointReady, point, isOfPlugin )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PublishedChange, path, attribute, key, from, to )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( HardwareCall, operation, callText, unit, entry, values,
-                                    returnCode )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( CallMade, call )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleIs, rule )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleGone, key )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TraceLine, handle, level, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( LogLine, name, line )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Traced, handle, level, text )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Logged, name, line )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ExpectationChecked, text, place, held, found )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FramesBegin, arrival, frames )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameForwarded, number, arrival, length, tunnel, inner, kind,
-                                    dropReason, ingress, copies )
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameForwarded, number, frame )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ForeignEntriesAre, unit, group, asked, held )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityDumped, path, tree )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RulesDumped, rules )

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <Quelm/Integers.h>
+#include <VornalTcam/EntryManager.h>
 
 namespace Story {
 
@@ -48,10 +49,11 @@ bool isKnown( DifferenceKind kind );
 
 struct Difference {
    DifferenceKind kind = DifferenceKind::missingRule;
-   std::optional< U32 > unit;   // nothing: it concerns all of them
-   std::optional< U32 > group;  // nothing: it is about a record that belongs to no group
-   U32 entry = 0;               // 0: there is none
-   std::string rule;            // its name; empty where it is about no single rule
+   std::optional< U32 > unit;  // nothing: it concerns all of them
+   // Nothing: it is about a record that belongs to no group.
+   std::optional< Vornal::TcamGroupAssignment > group;
+   U32 entry = 0;     // 0: there is none
+   std::string rule;  // its name; empty where it is about no single rule
    // The qualifier or action, or the place of the record below the state machine; empty where it is
    // about the rule as a whole.
    std::string field;

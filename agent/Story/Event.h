@@ -26,11 +26,12 @@
 #include <variant>
 #include <vector>
 
+#include <Calls/HardwareCall.h>
+#include <Pipeline/Story.h>
 #include <Quelm/Integers.h>
+#include <Snapshot/Rules.h>
 #include <Story/Difference.h>
 #include <Story/EntityTree.h>
-#include <Story/Frame.h>
-#include <Story/Rule.h>
 
 namespace Story {
 
@@ -113,7 +114,7 @@ struct SharedEntityAsked {
 
 struct TcamGroupAsked {
    static constexpr char const * kName = "tcamGroupAsked";
-   U32 group = 0;
+   Vornal::TcamGroupAssignment group = 0;
    bool isThere = false;
 };
 
@@ -141,44 +142,33 @@ struct PublishedChange {
    std::optional< std::string > to;    // nothing: it is gone
 };
 
-// A value of a hardware call: a number, a text, or logical ports.
-struct CallValue {
-   std::string name;
-   std::variant< U64, std::string, std::vector< U32 > > value;
-};
-
-// Something reached the chip: a field call, or an operation of an entry manager.
-struct HardwareCall {
-   static constexpr char const * kName = "hardwareCall";
-   std::string operation;
-   std::string callText;  // of a guarded field call, as its caller wrote it; else empty
-   U32 unit = 0;
-   U32 entry = 0;
-   std::vector< CallValue > values;
-   std::optional< S32 > returnCode;  // nothing: the operation has none
+// Something reached the chip.
+struct CallMade {
+   static constexpr char const * kName = "callMade";
+   Chip::HardwareCall call;
 };
 
 // A rule is now like this.
 struct RuleIs {
    static constexpr char const * kName = "ruleIs";
-   Rule rule;
+   Chip::Rule rule;
 };
 
 // A rule is not there any more.
 struct RuleGone {
    static constexpr char const * kName = "ruleGone";
-   RuleKey key;
+   Chip::RuleKey key;
 };
 
-struct TraceLine {
-   static constexpr char const * kName = "traceLine";
+struct Traced {
+   static constexpr char const * kName = "traced";
    std::string handle;
    int level = 0;
    std::string text;
 };
 
-struct LogLine {
-   static constexpr char const * kName = "logLine";
+struct Logged {
+   static constexpr char const * kName = "logged";
    std::string name;
    std::string line;
 };
@@ -201,22 +191,15 @@ struct FramesBegin {
 // A frame has gone through the switch.
 struct FrameForwarded {
    static constexpr char const * kName = "frameForwarded";
-   U64 number = 0;       // from 1, in the run
-   std::string arrival;  // the interface
-   U64 length = 0;       // in bytes
-   std::optional< FrameTunnel > tunnel;
-   std::optional< FrameInner > inner;  // nothing when the frame was dropped before it was read
-   std::string kind;        // "broadcast", "known-unicast", ...; empty for one that was dropped
-   std::string dropReason;  // of the whole frame; empty for one that was not
-   std::vector< FrameIngress > ingress;
-   std::vector< FrameCopy > copies;
+   U64 number = 0;  // from 1, in the run
+   Chip::FrameStory frame;
 };
 
 // Other users of a group hold this many of its entries now.
 struct ForeignEntriesAre {
    static constexpr char const * kName = "foreignEntriesAre";
    U32 unit = 0;
-   U32 group = 0;
+   Vornal::TcamGroupAssignment group = 0;
    U32 asked = 0;
    U32 held = 0;  // less than asked when there is no room for more
 };
@@ -230,7 +213,7 @@ struct EntityDumped {
 
 struct RulesDumped {
    static constexpr char const * kName = "rulesDumped";
-   std::vector< Rule > rules;
+   Chip::Rules rules;
 };
 
 // An audit of the rules (Audit/Audit.h) was made.
@@ -284,7 +267,7 @@ struct Stopped {
    std::string reason;  // "signal 6 (Aborted)", "exit code 1"
    std::optional< Assertion > assertion;
    std::vector< std::string > output;  // its last lines
-   std::vector< TraceLine > trace;     // the last lines of the trace ring
+   std::vector< Traced > trace;        // the last lines of the trace ring
    // A turn did not come to its end in time, and the process was ended; `reason` is "turn limit of
    // 60 s".
    bool isOverTime = false;
@@ -300,10 +283,10 @@ struct Interrupted {
 using Event =
    std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning, PluginLoaded,
                  MountAsked, MountsDone, EntityLookedUp, SharedEntityAsked, TcamGroupAsked,
-                 VariantChosen, DependencyPointReady, PublishedChange, HardwareCall, RuleIs,
-                 RuleGone, TraceLine, LogLine, ExpectationChecked, FramesBegin, FrameForwarded,
-                 ForeignEntriesAre, EntityDumped, RulesDumped, Audited, PluginPass, EntityShown,
-                 OutputLine, Stopped, Interrupted >;
+                 VariantChosen, DependencyPointReady, PublishedChange, CallMade, RuleIs, RuleGone,
+                 Traced, Logged, ExpectationChecked, FramesBegin, FrameForwarded, ForeignEntriesAre,
+                 EntityDumped, RulesDumped, Audited, PluginPass, EntityShown, OutputLine, Stopped,
+                 Interrupted >;
 
 // Calls the one of several functions that takes the event at hand.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };

@@ -8,14 +8,15 @@ namespace Story {
 
 namespace {
 
-std::string placeOf( FrameCopy const & copy ) {
-   return copy.vtep.empty() ? copy.intf : copy.vtep;
+std::string placeOf( Chip::Copy const & copy ) {
+   return copy.remoteVtep ? copy.remoteVtep->stringValue() : copy.intfId.stringValue();
 }
 
-std::string outcomeOf( FrameCopy const & copy ) {
+std::string outcomeOf( Chip::Copy const & copy ) {
+   std::string const verdict( nameOf( copy.verdict ) );
    return copy.rule
-             ? fmt::format( "{} by unit {} entry {}", copy.verdict, copy.rule->unit, copy.rule->id )
-             : copy.verdict;
+             ? fmt::format( "{} by unit {} entry {}", verdict, copy.rule->unit, copy.rule->id )
+             : verdict;
 }
 
 // "Ethernet1 sent", or with the number of each where frames fared differently.
@@ -31,15 +32,16 @@ std::string textOf( std::string const & place, std::map< std::string, U64 > cons
 
 }  // namespace
 
-void FrameTable::add( FrameForwarded const & frame ) {
-   std::string const from = frame.tunnel ? frame.tunnel->source : frame.arrival;
-   Row & row = rows_[ { from, frame.kind.empty() ? "-" : frame.kind } ];
+void FrameTable::add( Chip::FrameStory const & frame ) {
+   std::string const from =
+      frame.tunnel ? frame.tunnel->source.stringValue() : frame.arrivalIntfId.stringValue();
+   Row & row = rows_[ { from, frame.kind ? std::string( nameOf( *frame.kind ) ) : "-" } ];
    ++row.frames;
-   if ( !frame.dropReason.empty() ) {
-      ++row.outcomes[ "dropped:" ][ frame.dropReason ];
+   if ( frame.dropReason ) {
+      ++row.outcomes[ "dropped:" ][ std::string( nameOf( *frame.dropReason ) ) ];
    }
-   for ( FrameCopy const & copy : frame.copies ) {
-      if ( copy.verdict != "arrival" ) {
+   for ( Chip::Copy const & copy : frame.copies ) {
+      if ( copy.verdict != Chip::Verdict::Arrival ) {
          ++row.outcomes[ placeOf( copy ) ][ outcomeOf( copy ) ];
       }
    }

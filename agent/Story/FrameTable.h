@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
-#include <Story/Event.h>
+#include <Pipeline/Story.h>
 
 namespace Story {
 
 class FrameTable {
  public:
-   void add( FrameForwarded const & frame );
+   void add( Chip::FrameStory const & frame );
    void clear() { rows_.clear(); }
    bool isEmpty() const { return rows_.empty(); }
 

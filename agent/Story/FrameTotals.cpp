@@ -16,14 +16,14 @@ std::string listed( std::map< std::string, U64 > const & counts ) {
 
 }  // namespace
 
-void FrameTotals::add( FrameForwarded const & frame ) {
+void FrameTotals::add( Chip::FrameStory const & frame ) {
    ++frames;
-   if ( !frame.dropReason.empty() ) {
-      ++drops[ frame.dropReason ];
+   if ( frame.dropReason ) {
+      ++drops[ std::string( nameOf( *frame.dropReason ) ) ];
    }
-   for ( FrameCopy const & copy : frame.copies ) {
-      if ( copy.verdict != "arrival" ) {
-         ++copies[ copy.verdict ];
+   for ( Chip::Copy const & copy : frame.copies ) {
+      if ( copy.verdict != Chip::Verdict::Arrival ) {
+         ++copies[ std::string( nameOf( copy.verdict ) ) ];
       }
    }
 }

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include <Story/Event.h>
+#include <Pipeline/Story.h>
 
 namespace Story {
 
@@ -13,7 +13,7 @@ struct FrameTotals {
    std::map< std::string, U64 > drops;   // whole frames, by reason
    std::map< std::string, U64 > copies;  // by verdict; those that stay where they came from not
 
-   void add( FrameForwarded const & frame );
+   void add( Chip::FrameStory const & frame );
 
    // "none dropped", or "3 dropped (2 unknown-vtep, 1 not-vxlan)".
    std::string dropsText() const;

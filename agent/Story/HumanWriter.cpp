@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <Snapshot/RuleText.h>
 #include <Story/AuditText.h>
 #include <Story/EntityText.h>
 
@@ -65,7 +66,7 @@ void HumanWriter::tell( Stopped const & event ) {
    knownLimits();
    if ( !event.trace.empty() ) {
       out_ << "The last lines of its trace ring:\n";
-      for ( TraceLine const & line : event.trace ) {
+      for ( Traced const & line : event.trace ) {
          detail( fmt::format( "{} {}: {}", line.handle, line.level, line.text ) );
       }
    }
@@ -140,29 +141,29 @@ void HumanWriter::totals() {
 // --- Rules
 
 void HumanWriter::ruleChanges() {
-   RuleChanges const changes = rules_.changes();
-   for ( Rule const & rule : changes.added ) {
+   Chip::RuleChanges const changes = rules_.changes();
+   for ( Chip::Rule const & rule : changes.added ) {
       ruleLine( style_.good( "rule added: " ), rule );
    }
-   for ( RuleChange const & change : changes.changed ) {
+   for ( Chip::RuleChange const & change : changes.changed ) {
       ruleLine( "rule changed: ", change.after );
-      detail( "   before: " + contentOf( change.before ) );
+      detail( "   before: " + Chip::bodyText( change.before ) );
    }
-   for ( Rule const & rule : changes.removed ) {
-      shown( style_.bad( "rule removed: " ) + Text::printable( headingOf( rule ) ) );
+   for ( Chip::Rule const & rule : changes.removed ) {
+      shown( style_.bad( "rule removed: " ) + Text::printable( Chip::headingText( rule ) ) );
    }
 }
 
-void HumanWriter::ruleLine( std::string const & what, Rule const & rule ) {
-   shown( what + Text::printable( headingOf( rule ) ) );
-   detail( "   " + contentOf( rule ) );
+void HumanWriter::ruleLine( std::string const & what, Chip::Rule const & rule ) {
+   shown( what + Text::printable( Chip::headingText( rule ) ) );
+   detail( "   " + Chip::bodyText( rule ) );
 }
 
 // --- Frames
 
 void HumanWriter::tell( FrameForwarded const & event ) {
-   frames_.add( event );
-   totals_.add( event );
+   frames_.add( event.frame );
+   totals_.add( event.frame );
 }
 
 void HumanWriter::frameTable() {
@@ -184,7 +185,7 @@ void HumanWriter::tell( EntityDumped const & event ) {
 }
 
 void HumanWriter::tell( RulesDumped const & event ) {
-   for ( Rule const & rule : event.rules ) {
+   for ( Chip::Rule const & rule : event.rules ) {
       ruleLine( "rule: ", rule );
    }
    if ( event.rules.empty() ) {

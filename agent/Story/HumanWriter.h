@@ -46,16 +46,16 @@ class HumanWriter final : public Observer {
    void tell( EntityDumped const & event );
    void tell( RulesDumped const & event );
    void tell( Audited const & event );
-   void tell( HardwareCall const & ) {}  // shows in the rules
-   void tell( BadInput const & ) {}      // leaves nothing to tell
-   void tell( EntityShown const & ) {}   // is what another command is for
+   void tell( CallMade const & ) {}     // shows in the rules
+   void tell( BadInput const & ) {}     // leaves nothing to tell
+   void tell( EntityShown const & ) {}  // is what another command is for
    template< typename Other > void tell( Other const & event ) { detail( wordsOf( event ) ); }
 
    void detail( std::string const & text ) { shown( Text::printable( text ) ); }
    void shown( std::string const & text );  // which is printable already, colours and all
    void knownLimits();
    void ruleChanges();
-   void ruleLine( std::string const & what, Rule const & rule );
+   void ruleLine( std::string const & what, Chip::Rule const & rule );
    void frameTable();
    void publishedBefore();
    void verdict();

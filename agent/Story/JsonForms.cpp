@@ -2,57 +2,99 @@
 
 #include <fmt/format.h>
 
+#include <SoftSdk/PortBitmap.h>
+
 namespace Story {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json jsonOf( RuleValue const & value ) {
-   return { { "data", value.data }, { "mask", Story::jsonOf( value.mask ) } };
+Json masked( U32 data, U32 mask ) {
+   return { { "data", data }, { "mask", mask } };
 }
 
-// {"data": 4, "mask": 255}, {"ports": [3, 4]}, or one of the first form for each named part.
-Json jsonOf( RuleField const & field ) {
+// {"data": 4, "mask": 255}; a port and its module have one each.
+Json jsonOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
+   Json const json = masked( match.data, match.mask );
+   return rowOf( qualifier ).hasModule
+             ? Json{ { "modId", masked( match.modId, match.modIdMask ) }, { "port", json } }
+             : json;
+}
+
+// {"data": 4, "mask": null}, {"ports": [3, 4]}, {}.
+Json jsonOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
+   switch ( rowOf( action ).parameters ) {
+   case Chip::ParametersUsed::None: break;
+   case Chip::ParametersUsed::Number: return { { "data", parameters.param0 }, { "mask", nullptr } };
+   case Chip::ParametersUsed::Ports: return { { "ports", Chip::portsOf( parameters.ports ) } };
+   }
+   return Json::object();
+}
+
+// The qualifiers or actions that the content has, by name.
+Json jsonOf( Chip::EntryContent const & content, auto const & parts ) {
    Json json = Json::object();
-   for ( RuleValue const & value : field.values ) {
-      if ( value.part.empty() ) {
-         json.update( jsonOf( value ) );
-      } else {
-         json[ value.part ] = jsonOf( value );
+   for ( auto const part : parts ) {
+      if ( content[ part ] ) {
+         json[ std::string( nameOf( part ) ) ] = jsonOf( part, *content[ part ] );
       }
-   }
-   if ( field.ports ) {
-      json[ "ports" ] = *field.ports;
-   }
-   return json;
-}
-
-Json jsonOf( std::vector< RuleField > const & fields ) {
-   Json json = Json::object();
-   for ( RuleField const & field : fields ) {
-      json[ field.name ] = jsonOf( field );
    }
    return json;
 }
 
 // Of the rule that decided, or null.
-Json jsonOf( std::optional< RuleKey > const & rule ) {
+Json jsonOf( std::optional< Chip::RuleKey > const & rule ) {
    return rule ? Json{ { "unit", rule->unit }, { "group", rule->group }, { "id", rule->id } }
                : Json();
 }
 
-Json jsonOf( FrameTunnel const & tunnel ) {
-   return { { "source", tunnel.source }, { "destination", tunnel.destination } };
+// The text of a value, or null.
+template< typename T > Json textOf( std::optional< T > const & value ) {
+   return value ? Json( value->stringValue() ) : Json();
 }
 
-Json jsonOf( FrameInner const & inner ) {
-   return { { "source", inner.source },
-            { "destination", inner.destination },
+// The name of a value of an enumeration, or null.
+template< typename T > Json nameOf( std::optional< T > const & value ) {
+   return value ? Json( Chip::nameOf( *value ) ) : Json();
+}
+
+Json jsonOf( Chip::TunnelStory const & tunnel ) {
+   return { { "source", tunnel.source.stringValue() },
+            { "destination", tunnel.destination.stringValue() } };
+}
+
+Json jsonOf( Chip::InnerStory const & inner ) {
+   return { { "source", inner.source.stringValue() },
+            { "destination", inner.destination.stringValue() },
             { "vlan", inner.vlan },
             { "etherType", inner.etherType },
-            { "sourceIp", Story::jsonOf( inner.sourceIp ) },
-            { "destinationIp", Story::jsonOf( inner.destinationIp ) } };
+            { "sourceIp", inner.ip ? Json( inner.ip->source.stringValue() ) : Json() },
+            { "destinationIp", inner.ip ? Json( inner.ip->destination.stringValue() ) : Json() } };
+}
+
+Json jsonOf( Chip::IngressStory const & ingress ) {
+   return { { "unit", ingress.unit },
+            { "rule", jsonOf( ingress.rule ) },
+            { "classId", ingress.classId == 0 ? Json() : Json( ingress.classId ) } };
+}
+
+Json jsonOf( Chip::Copy const & copy ) {
+   bool const hasPort = copy.port.isValid() && copy.verdict != Chip::Verdict::NoPort;
+   return { { "interface", textOrNull( copy.intfId.stringValue() ) },
+            { "vtep", textOf( copy.remoteVtep ) },
+            { "unit", hasPort ? Json( copy.port.unit() ) : Json() },
+            { "port", hasPort ? Json( copy.port.logicalPort() ) : Json() },
+            { "verdict", Chip::nameOf( copy.verdict ) },
+            { "rule", jsonOf( copy.rule ) } };
+}
+
+template< typename T > Json listOf( std::vector< T > const & values ) {
+   Json json = Json::array();
+   for ( T const & value : values ) {
+      json.push_back( jsonOf( value ) );
+   }
+   return json;
 }
 
 Json jsonOf( EntityItem const & item, EntityAttribute const & attribute ) {
@@ -92,21 +134,25 @@ Json jsonOf( Story::Difference const & difference ) {
 
 }  // namespace
 
-Json jsonOf( Rule const & rule ) {
+Json jsonOf( Chip::Rule const & rule ) {
    return { { "unit", rule.key.unit },
             { "group", rule.key.group },
             { "id", rule.key.id },
             { "name", rule.name },
-            { "priority", jsonOf( rule.priority ) },
+            { "priority", jsonOf( rule.content.priority ) },
             { "written", rule.isWritten },
-            { "qualifiers", jsonOf( rule.qualifiers ) },
-            { "actions", jsonOf( rule.actions ) } };
+            { "qualifiers", jsonOf( rule.content, Chip::kQualifiers ) },
+            { "actions", jsonOf( rule.content, Chip::kActions ) } };
 }
 
-Json jsonOf( HardwareCall const & call ) {
+Json jsonOf( Chip::HardwareCall const & call ) {
    Json values = Json::object();
-   for ( CallValue const & value : call.values ) {
-      std::visit( [ & ]( auto const & v ) { values[ value.name ] = v; }, value.value );
+   for ( Chip::NamedValue const & named : call.values ) {
+      std::visit( Overloaded{ [ & ]( Brum::PerUnitBitmap const & ports ) {
+                                values[ named.name ] = Chip::portsOf( ports );
+                             },
+                              [ & ]( auto const & value ) { values[ named.name ] = value; } },
+                  named.value );
    }
    return { { "operation", call.operation },
             { "call", textOrNull( call.callText ) },
@@ -123,7 +169,7 @@ Json jsonOf( Assertion const & assertion ) {
             { "expression", assertion.expression } };
 }
 
-Json jsonOf( TraceLine const & line ) {
+Json jsonOf( Traced const & line ) {
    return { { "handle", line.handle }, { "level", line.level }, { "text", line.text } };
 }
 
@@ -140,32 +186,18 @@ Json jsonOf( EntityTree const & tree ) {
    return json;
 }
 
-Json jsonOf( FrameForwarded const & frame ) {
-   Json ingress = Json::array();
-   for ( FrameIngress const & lookup : frame.ingress ) {
-      ingress.push_back( { { "unit", lookup.unit },
-                           { "rule", jsonOf( lookup.rule ) },
-                           { "classId", lookup.classId == 0 ? Json() : Json( lookup.classId ) } } );
-   }
-   Json ports = Json::array();
-   for ( FrameCopy const & copy : frame.copies ) {
-      ports.push_back( { { "interface", textOrNull( copy.intf ) },
-                         { "vtep", textOrNull( copy.vtep ) },
-                         { "unit", jsonOf( copy.unit ) },
-                         { "port", jsonOf( copy.port ) },
-                         { "verdict", copy.verdict },
-                         { "rule", jsonOf( copy.rule ) } } );
-   }
-   return { { "number", frame.number },
-            { "arrival", textOrNull( frame.arrival ) },
+Json jsonOf( FrameForwarded const & event ) {
+   Chip::FrameStory const & frame = event.frame;
+   return { { "number", event.number },
+            { "arrival", textOrNull( frame.arrivalIntfId.stringValue() ) },
             { "length", frame.length },
             { "outer", frame.tunnel ? jsonOf( *frame.tunnel ) : Json() },
             { "inner", frame.inner ? jsonOf( *frame.inner ) : Json() },
             { "vni", frame.tunnel ? jsonOf( frame.tunnel->vni ) : Json() },
-            { "kind", textOrNull( frame.kind ) },
-            { "dropReason", textOrNull( frame.dropReason ) },
-            { "ingress", std::move( ingress ) },
-            { "ports", std::move( ports ) } };
+            { "kind", nameOf( frame.kind ) },
+            { "dropReason", nameOf( frame.dropReason ) },
+            { "ingress", listOf( frame.ingress ) },
+            { "ports", listOf( frame.copies ) } };
 }
 
 Json jsonOf( Audited const & audited ) {

@@ -8,12 +8,12 @@
 
 namespace Story {
 
-nlohmann::ordered_json jsonOf( Rule const & rule );
-nlohmann::ordered_json jsonOf( HardwareCall const & call );
+nlohmann::ordered_json jsonOf( Chip::Rule const & rule );
+nlohmann::ordered_json jsonOf( Chip::HardwareCall const & call );
 nlohmann::ordered_json jsonOf( Assertion const & assertion );
-nlohmann::ordered_json jsonOf( TraceLine const & line );
+nlohmann::ordered_json jsonOf( Traced const & line );
 nlohmann::ordered_json jsonOf( EntityTree const & tree );
-nlohmann::ordered_json jsonOf( FrameForwarded const & frame );
+nlohmann::ordered_json jsonOf( FrameForwarded const & event );
 nlohmann::ordered_json jsonOf( Audited const & audited );
 nlohmann::ordered_json jsonOf( std::vector< KnownLimit > const & limits );
 

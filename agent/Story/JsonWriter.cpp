@@ -133,7 +133,7 @@ void JsonWriter::take( Stopped const & event ) {
       document_[ "assertion" ] = jsonOf( *event.assertion );
    }
    Json traces = Json::array();
-   for ( TraceLine const & line : event.trace ) {
+   for ( Traced const & line : event.trace ) {
       traces.push_back( jsonOf( line ) );
    }
    document_[ "stop" ] = { { "reason", event.reason },
@@ -143,15 +143,15 @@ void JsonWriter::take( Stopped const & event ) {
 }
 
 void JsonWriter::ruleChanges() {
-   RuleChanges const changes = rules_.changes();
-   for ( Rule const & rule : changes.added ) {
+   Chip::RuleChanges const changes = rules_.changes();
+   for ( Chip::Rule const & rule : changes.added ) {
       step()[ "rulesAdded" ].push_back( jsonOf( rule ) );
    }
-   for ( RuleChange const & change : changes.changed ) {
+   for ( Chip::RuleChange const & change : changes.changed ) {
       step()[ "rulesChanged" ].push_back(
          { { "before", jsonOf( change.before ) }, { "after", jsonOf( change.after ) } } );
    }
-   for ( Rule const & rule : changes.removed ) {
+   for ( Chip::Rule const & rule : changes.removed ) {
       step()[ "rulesRemoved" ].push_back( jsonOf( rule ) );
    }
    count( "rulesAdded", changes.added.size() );
@@ -213,22 +213,22 @@ void JsonWriter::take( PublishedChange const & event ) {
    }
 }
 
-void JsonWriter::take( HardwareCall const & event ) {
+void JsonWriter::take( CallMade const & event ) {
    count( "hardwareCalls" );
-   count( "failedCalls", event.returnCode.value_or( 0 ) < 0 ? 1 : 0 );
+   count( "failedCalls", event.call.returnCode.value_or( 0 ) < 0 ? 1 : 0 );
    if ( hasRoom( "hardwareCalls" ) ) {
-      step()[ "hardwareCalls" ].push_back( jsonOf( event ) );
+      step()[ "hardwareCalls" ].push_back( jsonOf( event.call ) );
    }
 }
 
-void JsonWriter::take( TraceLine const & event ) {
+void JsonWriter::take( Traced const & event ) {
    count( "traceLines" );
    if ( hasRoom( "traces" ) ) {
       step()[ "traces" ].push_back( jsonOf( event ) );
    }
 }
 
-void JsonWriter::take( LogLine const & event ) {
+void JsonWriter::take( Logged const & event ) {
    count( "logLines" );
    if ( hasRoom( "log" ) ) {
       step()[ "log" ].push_back( event.line );
@@ -262,7 +262,7 @@ void JsonWriter::take( ExpectationChecked const & event ) {
 
 void JsonWriter::take( FrameForwarded const & event ) {
    count( "frames" );
-   totals_.add( event );
+   totals_.add( event.frame );
    step()[ "frames" ].push_back( event.number );
    Json frame = jsonOf( event );
    frame[ "step" ] = step()[ "number" ];
@@ -282,7 +282,7 @@ void JsonWriter::take( EntityDumped const & event ) {
 
 void JsonWriter::take( RulesDumped const & event ) {
    Json rules = Json::array();
-   for ( Rule const & rule : event.rules ) {
+   for ( Chip::Rule const & rule : event.rules ) {
       rules.push_back( jsonOf( rule ) );
    }
    step()[ "dumps" ].push_back( { { "rules", std::move( rules ) } } );

@@ -62,11 +62,11 @@ class JsonWriter final : public Observer {
    void take( VariantChosen const & event );
    void take( DependencyPointReady const & event );
    void take( PublishedChange const & event );
-   void take( HardwareCall const & event );
+   void take( CallMade const & event );
    void take( RuleIs const & event ) { rules_.onEvent( event ); }
    void take( RuleGone const & event ) { rules_.onEvent( event ); }
-   void take( TraceLine const & event );
-   void take( LogLine const & event );
+   void take( Traced const & event );
+   void take( Logged const & event );
    void take( Audited const & event );
    void take( PluginPass const & event );
    void take( ExpectationChecked const & event );

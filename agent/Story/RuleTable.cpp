@@ -4,7 +4,7 @@
 
 namespace Story {
 
-void RuleTable::remember( RuleKey const & key ) {
+void RuleTable::remember( Chip::RuleKey const & key ) {
    auto const found = rules_.find( key );
    before_.try_emplace( key,
                         found == rules_.end() ? std::nullopt : std::optional( found->second ) );
@@ -20,21 +20,18 @@ void RuleTable::onEvent( RuleGone const & event ) {
    rules_.erase( event.key );
 }
 
-RuleChanges RuleTable::changes() {
-   RuleChanges changes;
-   for ( auto const & [ key, before ] : std::exchange( before_, {} ) ) {
-      auto const now = rules_.find( key );
-      if ( now == rules_.end() ) {
-         if ( before ) {
-            changes.removed.push_back( *before );
-         }
-      } else if ( !before ) {
-         changes.added.push_back( now->second );
-      } else if ( *before != now->second ) {
-         changes.changed.push_back( { *before, now->second } );
+Chip::RuleChanges RuleTable::changes() {
+   Chip::Rules before;
+   Chip::Rules after;
+   for ( auto const & [ key, rule ] : std::exchange( before_, {} ) ) {
+      if ( rule ) {
+         before.push_back( *rule );
+      }
+      if ( auto const now = rules_.find( key ); now != rules_.end() ) {
+         after.push_back( now->second );
       }
    }
-   return changes;
+   return Chip::changesBetween( before, after );
 }
 
 }  // namespace Story

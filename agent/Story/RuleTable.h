@@ -3,40 +3,28 @@
 
 #include <map>
 #include <optional>
-#include <vector>
 
 #include <Story/Event.h>
-#include <Story/Rule.h>
 
 namespace Story {
-
-struct RuleChange {
-   Rule before;
-   Rule after;
-};
-
-// By unit, group and id. A rule that came and went in between is in none of them.
-struct RuleChanges {
-   std::vector< Rule > added;
-   std::vector< RuleChange > changed;
-   std::vector< Rule > removed;
-};
 
 class RuleTable {
  public:
    void onEvent( RuleIs const & event );
    void onEvent( RuleGone const & event );
 
-   std::map< RuleKey, Rule > const & rules() const { return rules_; }
+   std::map< Chip::RuleKey, Chip::Rule > const & rules() const { return rules_; }
 
-   // What has changed since the last mark, or from the beginning; marks this moment.
-   RuleChanges changes();
+   // What has changed since the last mark, or from the beginning; marks this moment. A rule that
+   // came and went in between has not changed.
+   Chip::RuleChanges changes();
 
  private:
-   void remember( RuleKey const & key );
+   void remember( Chip::RuleKey const & key );
 
-   std::map< RuleKey, Rule > rules_;
-   std::map< RuleKey, std::optional< Rule > > before_;  // at the mark, of those touched since
+   std::map< Chip::RuleKey, Chip::Rule > rules_;
+   // At the mark, of those touched since.
+   std::map< Chip::RuleKey, std::optional< Chip::Rule > > before_;
 };
 
 }  // namespace Story

@@ -3,46 +3,14 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <VornalTcam/EntryManager.h>
+#include <Snapshot/RuleText.h>
 
 namespace Story {
 
 namespace {
 
-constexpr U64 kAllOnes = 0xffffffff;
-
 std::string accessName( std::string const & flags ) {
    return flags.starts_with( 'w' ) ? "to write" : "to read";
-}
-
-std::string valueText( RuleField const & field, RuleValue const & value ) {
-   bool const isHexadecimal = field.name == "SrcVxlanGport";
-   std::string text = value.part.empty() ? "" : value.part + " ";
-   text += isHexadecimal ? fmt::format( "{:#x}", value.data ) : fmt::format( "{}", value.data );
-   if ( value.mask && *value.mask != kAllOnes ) {
-      text += fmt::format( " mask {:#x}", *value.mask );
-   }
-   return text;
-}
-
-std::string fieldText( RuleField const & field ) {
-   std::string text = field.name;
-   for ( RuleValue const & value : field.values ) {
-      text += " " + valueText( field, value );
-   }
-   if ( field.ports ) {
-      text += field.ports->empty() ? " no port"
-                                   : fmt::format( " ports {}", fmt::join( *field.ports, ", " ) );
-   }
-   return text;
-}
-
-std::string fieldsText( std::vector< RuleField > const & fields, std::string const & none ) {
-   std::string text;
-   for ( RuleField const & field : fields ) {
-      text += ( text.empty() ? "" : " and " ) + fieldText( field );
-   }
-   return text.empty() ? none : text;
 }
 
 }  // namespace
@@ -76,7 +44,7 @@ std::string wordsOf( SharedEntityAsked const & event ) {
 }
 
 std::string wordsOf( TcamGroupAsked const & event ) {
-   return fmt::format( "asks for TCAM {}{}", groupName( event.group ),
+   return fmt::format( "asks for TCAM {}{}", Chip::groupText( event.group ),
                        event.isThere ? "" : ": this switch has none" );
 }
 
@@ -97,11 +65,11 @@ std::string wordsOf( PublishedChange const & event ) {
                    : fmt::format( "deletes {}", place );
 }
 
-std::string wordsOf( TraceLine const & event ) {
+std::string wordsOf( Traced const & event ) {
    return fmt::format( "trace {} {}: {}", event.handle, event.level, event.text );
 }
 
-std::string wordsOf( LogLine const & event ) {
+std::string wordsOf( Logged const & event ) {
    return fmt::format( "log {}", event.line );
 }
 
@@ -115,7 +83,7 @@ std::string wordsOf( ForeignEntriesAre const & event ) {
    std::string const held =
       fmt::format( "others hold {} of unit {}, {}",
                    event.held == 1 ? "1 entry" : fmt::format( "{} entries", event.held ),
-                   event.unit, groupName( event.group ) );
+                   event.unit, Chip::groupText( event.group ) );
    return event.held == event.asked
              ? held
              : held + fmt::format( "; there is no room for the {} they ask for", event.asked );
@@ -160,27 +128,6 @@ std::string nameOf( StepBegins const & step ) {
    case StepKind::Scenario: break;
    }
    return fmt::format( "step {}", step.number );
-}
-
-std::string groupName( U32 group ) {
-   switch ( group ) {
-   case Vornal::kIfpLocalBiasGroup: return fmt::format( "ingress group {}", group );
-   case Vornal::kEfpLocalBiasGroup: return fmt::format( "egress group {}", group );
-   default: return fmt::format( "group {}", group );
-   }
-}
-
-std::string headingOf( Rule const & rule ) {
-   return fmt::format( "unit {}, {}, entry {}, \"{}\"", rule.key.unit, groupName( rule.key.group ),
-                       rule.key.id, rule.name );
-}
-
-std::string contentOf( Rule const & rule ) {
-   return fmt::format( "matches {}; does {}; {}{}", fieldsText( rule.qualifiers, "every frame" ),
-                       fieldsText( rule.actions, "nothing" ),
-                       rule.priority ? fmt::format( "priority {}", *rule.priority )
-                                     : "the group's default priority",
-                       rule.isWritten ? "" : "; staged only, not written to the chip" );
 }
 
 std::string counted( std::size_t count, std::string const & thing ) {

@@ -16,8 +16,8 @@ std::string wordsOf( TcamGroupAsked const & event );
 std::string wordsOf( VariantChosen const & event );
 std::string wordsOf( DependencyPointReady const & event );
 std::string wordsOf( PublishedChange const & event );
-std::string wordsOf( TraceLine const & event );
-std::string wordsOf( LogLine const & event );
+std::string wordsOf( Traced const & event );
+std::string wordsOf( Logged const & event );
 std::string wordsOf( ExpectationChecked const & event );
 std::string wordsOf( ForeignEntriesAre const & event );
 std::string wordsOf( OutputLine const & event );
@@ -28,14 +28,6 @@ std::string wordsOf( Interrupted const & event );
 // "step 3", "start-up", "verification", "teardown"; "the beginning" when there is none yet.
 std::string nameOf( StepBegins const & step );
 std::string nameOf( std::optional< StepBegins > const & step );
-
-// "ingress group 157".
-std::string groupName( U32 group );
-
-// Which rule: "unit 0, ingress group 157, entry 3, "Mark or drop ..."".
-std::string headingOf( Rule const & rule );
-// What it matches and does: "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; ...".
-std::string contentOf( Rule const & rule );
 
 // "1 rule", "2 rules".
 std::string counted( std::size_t count, std::string const & thing );

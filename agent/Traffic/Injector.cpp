@@ -5,7 +5,6 @@
 #include <Capture/CaptureReader.h>
 #include <FieldProcessor/Gport.h>
 #include <Quelm/Error.h>
-#include <Reporters/FrameReporter.h>
 
 namespace Traffic {
 
@@ -40,6 +39,15 @@ Chip::CaptureReader opened( std::filesystem::path const & file ) {
       throw Quelm::Error( std::string( error.what() ) +
                           "; give a pcap or pcapng file of Ethernet frames" );
    }
+}
+
+U64 framesIn( std::filesystem::path const & file ) {
+   Chip::CaptureReader reader = opened( file );
+   U64 frames = 0;
+   while ( reader.next() ) {
+      ++frames;
+   }
+   return frames;
 }
 
 bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId ) {
@@ -168,7 +176,7 @@ void Injector::inject( Scenario::Capture const & capture ) {
    VornalTypes::VornalPort const port = portOf( capture.on );
    Chip::CaptureReader reader = opened( capture.file );
    context_.observer.onEvent(
-      Story::FramesBegin{ capture.on.stringValue(), Reporters::framesIn( capture.file ) } );
+      Story::FramesBegin{ capture.on.stringValue(), framesIn( capture.file ) } );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
          captures_->timeIs( frame->timestamp );
@@ -183,7 +191,7 @@ void Injector::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
    if ( captures_ ) {
       captures_->flush();
    }
-   context_.observer.onEvent( Reporters::frameOf( story, ++frames_ ) );
+   context_.observer.onEvent( Story::FrameForwarded{ ++frames_, story } );
 }
 
 }  // namespace Traffic

@@ -15,17 +15,6 @@ std::string maskedText( std::string const & data, U32 mask ) {
    return mask == BCM_FIELD_EXACT_MATCH_MASK ? data : fmt::format( "{} mask {:#x}", data, mask );
 }
 
-std::string partText( Qualifier qualifier, EntryContent const & content ) {
-   return fmt::format( "{} {}", nameOf( qualifier ), valueText( qualifier, content[ qualifier ] ) );
-}
-
-// An action without parameters is told by its name alone.
-std::string partText( Action action, EntryContent const & content ) {
-   std::string const name( nameOf( action ) );
-   bool const isBare = rowOf( action ).parameters == ParametersUsed::None;
-   return isBare ? name : name + " " + valueText( action, content[ action ] );
-}
-
 // The parts that the content has.
 template< typename Parts >
 std::string partsText( EntryContent const & content, Parts const & parts, char const * none ) {
@@ -62,6 +51,17 @@ std::string contentText( EntryContent const & content ) {
    return fmt::format( "matches {}; does {}; {}", partsText( content, kQualifiers, "every frame" ),
                        partsText( content, kActions, "nothing" ),
                        priorityText( content.priority ) );
+}
+
+std::string partText( Qualifier qualifier, EntryContent const & content ) {
+   return fmt::format( "{} {}", nameOf( qualifier ), valueText( qualifier, content[ qualifier ] ) );
+}
+
+// An action without parameters is told by its name alone.
+std::string partText( Action action, EntryContent const & content ) {
+   std::string const name( nameOf( action ) );
+   bool const isBare = rowOf( action ).parameters == ParametersUsed::None;
+   return isBare ? name : name + " " + valueText( action, content[ action ] );
 }
 
 std::string valueText( Qualifier qualifier, std::optional< Match > const & match ) {

@@ -21,6 +21,10 @@ std::string contentText( EntryContent const & content );
 
 // --- Parts of the second line
 
+// The name and the value of a part that the content has: "PacketRes 4 mask 0xff", "Drop".
+std::string partText( Qualifier qualifier, EntryContent const & content );
+std::string partText( Action action, EntryContent const & content );
+
 // The value under its mask, which is named where it is not all ones: "0x56000002", "4 mask 0xff",
 // "module 1 port 3"; "absent".
 std::string valueText( Qualifier qualifier, std::optional< Match > const & match );

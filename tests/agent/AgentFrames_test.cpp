@@ -39,10 +39,11 @@ std::string badInputOf( Support::Recorder const & story ) {
    return told.empty() ? "" : told.front().text;
 }
 
-std::map< std::string, std::string > verdictsOf( Story::FrameForwarded const & frame ) {
+std::map< std::string, std::string > verdictsOf( Story::FrameForwarded const & event ) {
    std::map< std::string, std::string > verdicts;
-   for ( Story::FrameCopy const & copy : frame.copies ) {
-      verdicts[ copy.vtep.empty() ? copy.intf : copy.vtep ] = copy.verdict;
+   for ( Chip::Copy const & copy : event.frame.copies ) {
+      verdicts[ copy.remoteVtep ? copy.remoteVtep->stringValue() : copy.intfId.stringValue() ] =
+         nameOf( copy.verdict );
    }
    return verdicts;
 }
@@ -66,13 +67,14 @@ TEST_F( Frames, AreToldWithTheirVerdictAtEveryPortAndTheRuleThatDecided ) {
                                                    { "Port-Channel2", "no-port" } } ) );
    EXPECT_EQ( verdictsOf( told[ 1 ] ).at( "Ethernet3" ), "masked" );
    EXPECT_EQ( told[ 1 ].number, 2U );
-   EXPECT_EQ( told[ 1 ].arrival, "Ethernet49" );
-   EXPECT_EQ( told[ 1 ].kind, "broadcast" );
-   ASSERT_TRUE( told[ 1 ].tunnel );
-   EXPECT_EQ( told[ 1 ].tunnel->source, "10.0.0.2" );
-   EXPECT_EQ( told[ 1 ].tunnel->vni, 10100U );
-   ASSERT_TRUE( told[ 1 ].ingress.at( 0 ).rule );
-   EXPECT_EQ( told[ 1 ].ingress[ 0 ].rule->id, 3U );
+   Chip::FrameStory const & frame = told[ 1 ].frame;
+   EXPECT_EQ( frame.arrivalIntfId.stringValue(), "Ethernet49" );
+   EXPECT_EQ( frame.kind, Chip::FrameKind::Broadcast );
+   ASSERT_TRUE( frame.tunnel );
+   EXPECT_EQ( frame.tunnel->source.stringValue(), "10.0.0.2" );
+   EXPECT_EQ( frame.tunnel->vni, 10100U );
+   ASSERT_TRUE( frame.ingress.at( 0 ).rule );
+   EXPECT_EQ( frame.ingress[ 0 ].rule->id, 3U );
 }
 
 TEST_F( Frames, FollowInterfacesPortChannelsAndTunnelsAsTheyArePublished ) {
@@ -88,7 +90,7 @@ TEST_F( Frames, FollowInterfacesPortChannelsAndTunnelsAsTheyArePublished ) {
    ASSERT_EQ( told.size(), 5U );
    EXPECT_EQ( verdictsOf( told[ 1 ] ).at( "Port-Channel2" ), "sent" );
    EXPECT_FALSE( verdictsOf( told[ 2 ] ).contains( "Ethernet1" ) );
-   EXPECT_EQ( told[ 3 ].dropReason, "unknown-vtep" );
+   EXPECT_EQ( told[ 3 ].frame.dropReason, Chip::DropReason::UnknownVtep );
    EXPECT_EQ( verdictsOf( told[ 4 ] ).at( "Ethernet3" ), "not-designated" );
 }
 
@@ -167,8 +169,8 @@ TEST_F( Frames, ComeAndGoOverAPortChannelAsUnderlay ) {
    EXPECT_EQ( failedExpectations(), 0U );
    auto const told = story.all< Story::FrameForwarded >();
    ASSERT_EQ( told.size(), 4U );
-   EXPECT_EQ( told[ 1 ].arrival, "Port-Channel49" );
-   EXPECT_EQ( told[ 3 ].copies.back().intf, "Port-Channel49" );
+   EXPECT_EQ( told[ 1 ].frame.arrivalIntfId.stringValue(), "Port-Channel49" );
+   EXPECT_EQ( told[ 3 ].frame.copies.back().intfId.stringValue(), "Port-Channel49" );
 }
 
 // Of a port channel with a member that has a port.

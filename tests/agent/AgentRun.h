@@ -49,8 +49,8 @@ class AgentRun : public testing::Test {
 
    std::vector< std::string > operationsIn( U32 step ) const {
       std::vector< std::string > result;
-      for ( Story::HardwareCall const & call : inStep< Story::HardwareCall >( step ) ) {
-         result.push_back( call.operation );
+      for ( Story::CallMade const & made : inStep< Story::CallMade >( step ) ) {
+         result.push_back( made.call.operation );
       }
       return result;
    }

@@ -143,9 +143,9 @@ TEST_F( Turns, MakeACallOfTheChipFailWithACode ) {
 
    EXPECT_EQ( failedExpectations(), 0U );
    std::vector< S32 > codes;
-   for ( auto const & call : inStep< Story::HardwareCall >( 3 ) ) {
-      if ( call.operation == "installEntry" ) {
-         codes.push_back( call.returnCode.value_or( 1 ) );
+   for ( auto const & made : inStep< Story::CallMade >( 3 ) ) {
+      if ( made.call.operation == "installEntry" ) {
+         codes.push_back( made.call.returnCode.value_or( 1 ) );
       }
    }
    EXPECT_EQ( codes, ( std::vector< S32 >{ 0, -1 } ) );

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <AgentRun.h>
+#include <Snapshot/RuleText.h>
 
 namespace {
 
@@ -63,7 +64,7 @@ TEST_F( Agent, TellsStartUpInTheOrderInWhichItHappens ) {
    EXPECT_EQ( inStep< Story::MountsDone >( 0 ).at( 0 ).status, "complete" );
    EXPECT_EQ( inStep< Story::EntityLookedUp >( 0 ).at( 0 ).type, "Evpn::EvpnStatus" );
    EXPECT_EQ( inStep< Story::SharedEntityAsked >( 0 ).at( 0 ).type, "Vornal::VornalCommonSmData" );
-   EXPECT_EQ( inStep< Story::TraceLine >( 0 ).at( 0 ).text, "Sample::Mounter::doInit" );
+   EXPECT_EQ( inStep< Story::Traced >( 0 ).at( 0 ).text, "Sample::Mounter::doInit" );
    EXPECT_TRUE( inStep< Story::TcamGroupAsked >( 0 ).empty() );
 }
 
@@ -94,7 +95,7 @@ TEST_F( Agent, HasNoGroupThatTheScenarioSaysIsNotThere ) {
       "{ ingress: 0, egress: none }" );
 
    EXPECT_TRUE( inStep< Story::TcamGroupAsked >( 1 ).at( 0 ).isThere );
-   EXPECT_EQ( inStep< Story::HardwareCall >( 1 ).at( 0 ).entry, 0U );
+   EXPECT_EQ( inStep< Story::CallMade >( 1 ).at( 0 ).call.entry, 0U );
 }
 
 // --- Steps
@@ -116,14 +117,14 @@ TEST_F( Agent, GivesEveryEffectToTheStepThatCausedIt ) {
 TEST_F( Agent, TellsAGuardedCallAsItsCallerWroteItAndItsValuesByName ) {
    run( "   - ready: subagents::l2Ready\n" );
 
-   auto const call = inStep< Story::HardwareCall >( 1 ).at( 1 );
+   auto const call = inStep< Story::CallMade >( 1 ).at( 1 ).call;
    EXPECT_EQ( call.callText,
               "bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff )" );
    EXPECT_EQ( call.unit, 0U );
    EXPECT_EQ( call.entry, 1U );
    ASSERT_EQ( call.values.size(), 2U );
    EXPECT_EQ( call.values[ 1 ].name, "mask" );
-   EXPECT_EQ( std::get< U64 >( call.values[ 1 ].value ), 0xffU );
+   EXPECT_EQ( std::get< U32 >( call.values[ 1 ].value ), 0xffU );
    EXPECT_EQ( call.returnCode, 0 );
 }
 
@@ -132,13 +133,13 @@ TEST_F( Agent, TellsARuleAfterEveryCallThatChangedIt ) {
 
    auto const rules = inStep< Story::RuleIs >( 1 );
    ASSERT_EQ( rules.size(), 5U );
-   EXPECT_TRUE( rules[ 0 ].rule.qualifiers.empty() );
+   EXPECT_EQ( rules[ 0 ].rule.content, Chip::EntryContent() );
    EXPECT_FALSE( rules[ 3 ].rule.isWritten );
    EXPECT_TRUE( rules[ 4 ].rule.isWritten );
    EXPECT_EQ( rules[ 4 ].rule.name, "Sample Ethernet1" );
-   EXPECT_EQ( rules[ 4 ].rule.priority, 1U );
-   EXPECT_EQ( rules[ 4 ].rule.qualifiers.at( 0 ).name, "PacketRes" );
-   EXPECT_EQ( rules[ 4 ].rule.actions.at( 0 ).ports, std::vector< U32 >{ 3 } );
+   EXPECT_EQ( rules[ 4 ].rule.content.priority, 1U );
+   EXPECT_EQ( bodyText( rules[ 4 ].rule ),
+              "matches PacketRes 4 mask 0xff; does EgressMask ports 3; priority 1" );
 }
 
 TEST_F( Agent, MakesEveryPublishedChangeATurnOfItsOwnInTheOrderWritten ) {
@@ -151,7 +152,7 @@ TEST_F( Agent, MakesEveryPublishedChangeATurnOfItsOwnInTheOrderWritten ) {
    for ( auto const & event : story.events() ) {
       if ( auto const * const change = std::get_if< Story::PublishedChange >( &event ) ) {
          lines.push_back( change->attribute + " " + change->key );
-      } else if ( auto const * const log = std::get_if< Story::LogLine >( &event ) ) {
+      } else if ( auto const * const log = std::get_if< Story::Logged >( &event ) ) {
          lines.push_back( log->line );
       }
    }
@@ -328,7 +329,7 @@ TEST_F( Agent, NamesTheRuleThatComesNearestAndWhatDiffers ) {
    }
    EXPECT_EQ( found, ( std::vector< std::string >{
                         "there are 0; the nearest is unit 0, ingress group 157, entry 2, \"Sample "
-                        "Ethernet2\", which has priority 1 and EgressMask 3",
+                        "Ethernet2\", which has priority 1 and EgressMask ports 3",
                         "there are 2; the group has no other rules", "there are 2",
                         "there are 0; the nearest is unit 0, ingress group 157, entry 1, \"Sample "
                         "Ethernet1\", which has no IpType" } ) );
@@ -384,8 +385,8 @@ TEST_F( Agent, GivesTheLastWordOnTraceLevelsToWhoRunsIt ) {
    config.trace = { { "Sample", "8" } };
    run( "   - ready: subagents::l2Ready\n", "{ ingress: 8 }", config );
 
-   EXPECT_EQ( inStep< Story::TraceLine >( 0 ).size(), 1U );
-   EXPECT_TRUE( inStep< Story::TraceLine >( 1 ).empty() );
+   EXPECT_EQ( inStep< Story::Traced >( 0 ).size(), 1U );
+   EXPECT_TRUE( inStep< Story::Traced >( 1 ).empty() );
 }
 
 // --- Loading and unloading

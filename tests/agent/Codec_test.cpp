@@ -1,7 +1,5 @@
 #include <Story/Codec.h>
 
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -19,27 +17,56 @@ Story::EntityTree someTree() {
    };
 }
 
-Story::Rule someRule() {
-   return { { 1, 157, 9 },
-            "Mark \"this\"",
-            2,
-            true,
-            { { "SrcVxlanGport", { { "", 0x56000002, 0xffffffff } }, {} } },
-            { { "EgressMask", {}, std::vector< U32 >{ 3, 4 } }, { "Drop", {}, {} } } };
+Brum::PerUnitBitmap somePorts() {
+   Brum::PerUnitBitmap ports;
+   ports.bitSet( 1 );
+   ports.bitSet( 300 );
+   return ports;
 }
 
-Story::FrameForwarded someFrame() {
-   Story::RuleKey const rule{ 1, 157, 9 };
-   return { 7,
-            "Ethernet49",
+// Every qualifier and every action, each with other numbers.
+Chip::Rule someRule() {
+   Chip::EntryContent content;
+   content.priority = 2;
+   U32 number = 0x56000002;
+   for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
+      content[ qualifier ] = Chip::Match{ number, ~number, number + 1, number + 2 };
+      number += 3;
+   }
+   for ( Chip::Action const action : Chip::kActions ) {
+      content[ action ] = Chip::ActionParameters{ number, number + 1, somePorts() };
+      number += 2;
+   }
+   return { { 1, 157, 9 }, "Mark \"this\"", true, content };
+}
+
+Chip::HardwareCall someCall() {
+   return { "installEntry",
+            "call( unit )",
+            1,
+            2,
+            { { "group", U32{ 157 } }, { "name", std::string( "n" ) }, { "ports", somePorts() } },
+            -2 };
+}
+
+Chip::FrameStory someFrame() {
+   Chip::RuleKey const rule{ 1, 157, 9 };
+   auto const address = &Pelk::IpGenAddr::fromString;
+   return { { 1, 49, 2 },
+            Pelk::IntfId::fromString( "Ethernet49" ),
             146,
-            Story::FrameTunnel{ "10.0.0.2", "10.0.0.1", 10100 },
-            Story::FrameInner{ "00:00:5e:00:53:02", "ff:ff:ff:ff:ff:ff", 10, 0x800, "192.0.2.2",
-                               "192.0.2.255" },
-            "broadcast",
-            "unknown-vtep",
+            Chip::TunnelStory{ address( "10.0.0.2" ), address( "2001:db8::1" ), 10100, 0x56000002 },
+            Chip::InnerStory{ Chip::MacAddress( 0x00005e005302 ), Chip::MacAddress::broadcast(), 10,
+                              0x800,
+                              Chip::IpStory{ address( "192.0.2.2" ), address( "192.0.2.255" ) } },
+            Chip::FrameKind::RoutedUnicast,
+            Chip::DropReason::UnknownHost,
             { { 1, rule, 5 } },
-            { { "Ethernet1", "10.0.0.3", 1, 4, "masked", rule } } };
+            { { Pelk::IntfId::fromString( "Ethernet1" ),
+                { 1, 4 },
+                address( "10.0.0.3" ),
+                Chip::Verdict::NotDesignated,
+                rule } } };
 }
 
 // One of every kind, with every field set to something that is not its default.
@@ -59,21 +86,14 @@ std::vector< Event > oneOfEach() {
             Story::VariantChosen{ "class-id", "T" },
             Story::DependencyPointReady{ "evpn", true },
             Story::PublishedChange{ "/p", "a", "k", "1", "2" },
-            Story::HardwareCall{ "installEntry",
-                                 "call( unit )",
-                                 1,
-                                 2,
-                                 { { "group", U64{ 157 } },
-                                   { "name", std::string( "n" ) },
-                                   { "ports", std::vector< U32 >{ 1, 300 } } },
-                                 -2 },
+            Story::CallMade{ someCall() },
             Story::RuleIs{ someRule() },
             Story::RuleGone{ { 1, 157, 9 } },
-            Story::TraceLine{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
-            Story::LogLine{ "NAME", "%VORNAL-3-NAME: text" },
+            Story::Traced{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
+            Story::Logged{ "NAME", "%VORNAL-3-NAME: text" },
             Story::ExpectationChecked{ "text", "s.yaml:8", true, "found" },
             Story::FramesBegin{ "Ethernet49", 9 },
-            someFrame(),
+            Story::FrameForwarded{ 7, someFrame() },
             Story::ForeignEntriesAre{ 1, 157, 5, 3 },
             Story::EntityDumped{ "/evpn/status", someTree() },
             Story::RulesDumped{ { someRule() } },
@@ -111,21 +131,27 @@ TEST( Codec, ReadsBackWhatItWritesForEveryEvent ) {
    }
 }
 
-TEST( Codec, KeepsEveryFieldOfARuleAndOfACall ) {
-   EXPECT_EQ( std::get< Story::RuleIs >(
-                 Story::decoded( Story::encoded( Story::RuleIs{ someRule() } ) ) )
-                 .rule,
-              someRule() );
+// The event as the other process has it.
+template< typename T > T sent( T const & event ) {
+   return std::get< T >( Story::decoded( Story::encoded( event ) ) );
+}
 
-   auto const events = oneOfEach();
-   auto const sent = std::find_if( events.begin(), events.end(), []( Event const & event ) {
-      return std::holds_alternative< Story::HardwareCall >( event );
-   } );
-   auto const call = std::get< Story::HardwareCall >( Story::decoded( Story::encoded( *sent ) ) );
-   EXPECT_EQ( std::get< U64 >( call.values.at( 0 ).value ), 157U );
-   EXPECT_EQ( std::get< std::string >( call.values.at( 1 ).value ), "n" );
-   EXPECT_EQ( std::get< std::vector< U32 > >( call.values.at( 2 ).value ).back(), 300U );
-   EXPECT_EQ( call.returnCode, -2 );
+TEST( Codec, KeepsEveryFieldOfRulesCallsAndFrames ) {
+   EXPECT_EQ( sent( Story::RuleIs{ someRule() } ).rule, someRule() );
+   EXPECT_EQ( sent( Story::RuleIs{} ).rule, Chip::Rule() );
+   EXPECT_EQ( sent( Story::CallMade{ someCall() } ).call, someCall() );
+   EXPECT_EQ( sent( Story::FrameForwarded{ 7, someFrame() } ).frame, someFrame() );
+   EXPECT_EQ( sent( Story::FrameForwarded{} ).frame, Chip::FrameStory() );
+}
+
+TEST( Codec, RefusesANumberThatStandsForNoVerdict ) {
+   std::string line = Story::encoded( Story::FrameForwarded{ 7, someFrame() } );
+   std::string const last = R"("verdict":)" + std::to_string( Chip::kVerdicts - 1 );
+   ASSERT_NE( line.find( last ), std::string::npos );
+   line.replace( line.find( last ), last.size(),
+                 R"("verdict":)" + std::to_string( Chip::kVerdicts ) );
+
+   EXPECT_THROW( Story::decoded( line ), std::runtime_error );
 }
 
 TEST( Codec, KeepsAbsentValuesApartFromEmptyOnes ) {

@@ -20,14 +20,14 @@ using Scenario::Drift;
 constexpr int kDriftsOfEach = 3;
 
 // The rules of a switch that has just come up.
-std::vector< Story::Rule > rulesOf( LiveSwitch const & device ) {
-   std::map< Story::RuleKey, Story::Rule > byKey;
+Chip::Rules rulesOf( LiveSwitch const & device ) {
+   std::map< Chip::RuleKey, Chip::Rule > byKey;
    for ( Story::Event const & event : device.events() ) {
       if ( auto const * const is = std::get_if< Story::RuleIs >( &event ) ) {
          byKey.insert_or_assign( is->rule.key, is->rule );
       }
    }
-   std::vector< Story::Rule > rules;
+   Chip::Rules rules;
    for ( auto const & [ key, rule ] : byKey ) {
       rules.push_back( rule );
    }
@@ -36,79 +36,75 @@ std::vector< Story::Rule > rulesOf( LiveSwitch const & device ) {
 
 // --- Any one change of a rule
 
-Chip::Qualifier qualifierNamed( std::string const & name ) {
-   return *std::find_if( Chip::kQualifiers.begin(), Chip::kQualifiers.end(),
-                         [ & ]( auto one ) { return nameOf( one ) == name; } );
+// The qualifiers, or the actions, that the rule has.
+template< typename Parts > auto partsOf( Chip::Rule const & rule, Parts const & parts ) {
+   std::vector< typename Parts::value_type > there;
+   std::copy_if( parts.begin(), parts.end(), std::back_inserter( there ),
+                 [ & ]( auto part ) { return rule.content[ part ].has_value(); } );
+   return there;
 }
 
-Chip::Action actionNamed( std::string const & name ) {
-   return *std::find_if( Chip::kActions.begin(), Chip::kActions.end(),
-                         [ & ]( auto one ) { return nameOf( one ) == name; } );
-}
-
-Drift::Change changeOfQualifier( Story::RuleField const & field ) {
-   Chip::Qualifier const qualifier = qualifierNamed( field.name );
+Drift::Change changeOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
    switch ( *rc::gen::inRange( 0, 3 ) ) {
    case 0: return Scenario::PartFlips{ qualifier };
    case 1: return Scenario::PartGoes{ qualifier };
    default: break;
    }
-   U64 const now = field.values.back().mask.value_or( 0 );
-   U32 const mask =
-      *rc::gen::suchThat( rc::gen::arbitrary< U32 >(), [ & ]( U32 one ) { return one != now; } );
+   U32 const mask = *rc::gen::suchThat( rc::gen::arbitrary< U32 >(),
+                                        [ & ]( U32 one ) { return one != match.mask; } );
    return Scenario::QualifierMaskIs{ qualifier, mask };
 }
 
-Drift::Change changeOfAction( Story::RuleField const & field ) {
-   Chip::Action const action = actionNamed( field.name );
-   bool const isNumber =
-      action == Chip::Action::EgressClassSelect || action == Chip::Action::NewClassId;
-   if ( *rc::gen::arbitrary< bool >() ) {
+Drift::Change changeOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
+   Chip::ParametersUsed const used = rowOf( action ).parameters;
+   if ( used == Chip::ParametersUsed::None || *rc::gen::arbitrary< bool >() ) {
       return Scenario::PartGoes{ action };
    }
-   if ( isNumber ) {
+   if ( used == Chip::ParametersUsed::Number ) {
       return Scenario::PartFlips{ action };
    }
-   if ( !field.ports ) {
-      return Scenario::PartGoes{ action };
-   }
-   Scenario::EgressMaskIs mask;
-   for ( U32 const port : *field.ports ) {
-      mask.ports.bitSet( port );
-   }
+   Scenario::EgressMaskIs mask{ parameters.ports };
    U32 const tipped = *rc::gen::inRange< U32 >( 0, Brum::PerUnitBitmap::kBits );
    mask.ports.bit( tipped ) ? mask.ports.bitClear( tipped ) : mask.ports.bitSet( tipped );
    return mask;
 }
 
-Drift::Change changeOfPriority( Story::Rule const & rule ) {
-   auto const other = *rc::gen::suchThat( rc::gen::inRange< U32 >( 0, 5 ),
-                                          [ & ]( U32 one ) { return one != rule.priority; } );
-   return rule.priority && other == 4 ? Scenario::PriorityIs{} : Scenario::PriorityIs{ other };
+// Any qualifier of the rule changes, or any action.
+template< typename Parts >
+Drift::Change changeOfOne( Chip::Rule const & rule, Parts const & parts ) {
+   auto const part = *rc::gen::elementOf( partsOf( rule, parts ) );
+   return changeOf( part, *rule.content[ part ] );
+}
+
+Drift::Change changeOfPriority( Chip::Rule const & rule ) {
+   auto const other = *rc::gen::suchThat( rc::gen::inRange< U32 >( 0, 5 ), [ & ]( U32 one ) {
+      return one != rule.content.priority;
+   } );
+   return rule.content.priority && other == 4 ? Scenario::PriorityIs{}
+                                              : Scenario::PriorityIs{ other };
 }
 
 // A rule that matches another gport.
-std::optional< U32 > otherWithGport( Story::Rule const & rule,
-                                     std::vector< Story::Rule > const & rules ) {
-   for ( Story::Rule const & other : rules ) {
+std::optional< U32 > otherWithGport( Chip::Rule const & rule, Chip::Rules const & rules ) {
+   constexpr auto kGport = Chip::Qualifier::SrcVxlanGport;
+   for ( Chip::Rule const & other : rules ) {
       if ( other.key.unit == rule.key.unit && other.key.id != rule.key.id &&
-           other.qualifiers.front().name == "SrcVxlanGport" &&
-           rule.qualifiers.front().name == "SrcVxlanGport" ) {
+           other.content[ kGport ] && rule.content[ kGport ] ) {
          return other.key.id;
       }
    }
    return std::nullopt;
 }
 
-Drift::Change anyChange( Story::Rule const & rule, std::vector< Story::Rule > const & rules ) {
+Drift::Change anyChange( Chip::Rule const & rule, Chip::Rules const & rules ) {
    switch ( *rc::gen::inRange( 0, 5 ) ) {
    case 0:
       return *rc::gen::element( Scenario::EntryFate::erased, Scenario::EntryFate::destroyed,
                                 Scenario::EntryFate::copied );
    case 1: return changeOfPriority( rule );
    case 2:
-      if ( !rule.actions.empty() ) {
-         return changeOfAction( *rc::gen::elementOf( rule.actions ) );
+      if ( !partsOf( rule, Chip::kActions ).empty() ) {
+         return changeOfOne( rule, Chip::kActions );
       }
       break;
    case 3:
@@ -118,15 +114,15 @@ Drift::Change anyChange( Story::Rule const & rule, std::vector< Story::Rule > co
       break;
    default: break;
    }
-   return changeOfQualifier( *rc::gen::elementOf( rule.qualifiers ) );
+   return changeOfOne( rule, Chip::kQualifiers );
 }
 
-Drift anyDrift( std::vector< Story::Rule > const & rules ) {
-   Story::Rule const rule = *rc::gen::elementOf( rules );
+Drift anyDrift( Chip::Rules const & rules ) {
+   Chip::Rule const rule = *rc::gen::elementOf( rules );
    Drift drift;
    drift.group = rule.key.group == Vornal::kIfpLocalBiasGroup ? Scenario::TcamGroup::ingress
                                                               : Scenario::TcamGroup::egress;
-   drift.unit = static_cast< U16 >( rule.key.unit );
+   drift.unit = rule.key.unit;
    drift.rule = rule.key.id;
    drift.change = anyChange( rule, rules );
    return drift;

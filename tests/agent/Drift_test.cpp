@@ -114,9 +114,9 @@ TEST_F( DriftStep, ShowsInTheStoryAsAChangedRule ) {
          "   - drift: { group: ingress, unit: 0, rule: 10.0.0.2, priority: 7 }\n"
          "   - drift: { group: ingress, unit: 0, entry: 5, entry-is: destroyed }\n" );
 
-   EXPECT_EQ( inStep< Story::RuleIs >( 2 ).at( 0 ).rule.priority, 7U );
+   EXPECT_EQ( inStep< Story::RuleIs >( 2 ).at( 0 ).rule.content.priority, 7U );
    EXPECT_EQ( inStep< Story::RuleGone >( 3 ).at( 0 ).key.id, 5U );
-   EXPECT_TRUE( inStep< Story::HardwareCall >( 2 ).empty() );
+   EXPECT_TRUE( inStep< Story::CallMade >( 2 ).empty() );
 }
 
 TEST_F( DriftStep, NamesOneRule ) {

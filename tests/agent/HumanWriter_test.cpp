@@ -63,9 +63,9 @@ TEST_F( HumanWriter, TellsAStepAndTheRulesThatItLeadsTo ) {
 
 TEST_F( HumanWriter, TellsWhatChangedInARuleAndWhichWasRemoved ) {
    told( readyStep() );
-   Story::Rule changed = rule( 1 );
-   changed.actions.clear();
-   changed.priority.reset();
+   Chip::Rule changed = rule( 1 );
+   changed.content.actions = {};
+   changed.content.priority.reset();
 
    std::string const text = told( { step( 2, "withdraw it" ), Story::RuleIs{ changed },
                                     Story::RuleGone{ rule( 2 ).key }, Story::StepEnds{ 2 } } );
@@ -98,8 +98,8 @@ TEST_F( HumanWriter, TellsWhatThePlugInWritesAndLeavesOutWhatTheStepSaysItself )
 }
 
 TEST_F( HumanWriter, ShowsTracesLogLinesAndWhatWasPrinted ) {
-   EXPECT_EQ( told( { Story::TraceLine{ "VornalEvpnSm", 5, "add, unit: 0" },
-                      Story::LogLine{ "FULL", "%VORNAL-3-FULL: no room" },
+   EXPECT_EQ( told( { Story::Traced{ "VornalEvpnSm", 5, "add, unit: 0" },
+                      Story::Logged{ "FULL", "%VORNAL-3-FULL: no room" },
                       Story::OutputLine{ "hello" } } ),
               "   trace VornalEvpnSm 5: add, unit: 0\n"
               "   log %VORNAL-3-FULL: no room\n"
@@ -159,10 +159,10 @@ TEST_F( HumanWriter, ShowsAHalfBuiltRuleWhenThePlugInStopsInTheMiddleOfIt ) {
 TEST( HumanWriterStyle, LetsNoControlCharacterOfOthersThrough ) {
    std::string const evil = "\x1b]0;x\x07\r\xc2\x9b\x7f\xff";
    std::string const written = "\\x1b]0;x\\x07\\r\\u009b\\x7f\\xff";
-   Story::Rule named = rule( 1 );
+   Chip::Rule named = rule( 1 );
    named.name = evil;
-   Story::Rule changed = named;
-   changed.priority.reset();
+   Chip::Rule changed = named;
+   changed.content.priority.reset();
    Story::EntityTree const tree{ evil, evil, evil, {} };
    Story::Difference difference;
    difference.rule = difference.field = difference.is = evil;
@@ -183,8 +183,8 @@ TEST( HumanWriterStyle, LetsNoControlCharacterOfOthersThrough ) {
       Story::DependencyPointReady{ evil, true },
       Story::PublishedChange{ "/" + evil, evil, evil, {}, evil },
       Story::RuleIs{ named },
-      Story::TraceLine{ evil, 1, evil },
-      Story::LogLine{ evil, evil },
+      Story::Traced{ evil, 1, evil },
+      Story::Logged{ evil, evil },
       Story::ExpectationChecked{ evil, evil, false, evil },
       Story::EntityDumped{ evil, tree },
       Story::RulesDumped{ { named } },

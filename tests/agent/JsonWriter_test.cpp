@@ -119,12 +119,12 @@ TEST( JsonWriter, HasTheRulesAtTheEndWithDataMaskAndPorts ) {
 }
 
 TEST( JsonWriter, TellsThePartsOfAPortApartAndNullForTheDefaultPriority ) {
-   Story::Rule drop = rule( 3 );
-   drop.priority.reset();
-   drop.qualifiers = { { "DstPort", { { "modId", 1, 255 }, { "port", 5, 255 } }, {} } };
-   drop.actions = { { "Drop", {}, {} } };
+   Chip::Rule drop = rule( 3 );
+   drop.content = {};
+   drop.content[ Chip::Qualifier::DstPort ] = Chip::Match{ 5, 255, 1, 255 };
+   drop.content[ Chip::Action::Drop ].emplace();
 
-   Json const json = jsonOf( drop );
+   Json const json = Story::jsonOf( drop );
 
    EXPECT_EQ( json[ "priority" ], nullptr );
    EXPECT_EQ( json[ "qualifiers" ][ "DstPort" ],
@@ -184,8 +184,8 @@ TEST( JsonWriter, NamesTheKnownLimitsThatAStopMayBe ) {
 TEST( JsonWriter, IsUtf8WithoutControlCharactersAndKeepsThoseOfTexts ) {
    std::string const text = "\x1b[31m\x7f M\xc3\xbcnchen \xc2\x9b";
    Story::JsonWriter writer;
-   tell( writer, { Story::RunBegins{ "s.yaml", text, "", 1 }, step( 1 ),
-                   Story::LogLine{ "N", text }, stopped() } );
+   tell( writer, { Story::RunBegins{ "s.yaml", text, "", 1 }, step( 1 ), Story::Logged{ "N", text },
+                   stopped() } );
    tell( writer, { Story::Stopped{ "signal 6", {}, { "\xff no UTF-8 \xc2" }, {} } } );
    std::ostringstream out;
    writer.write( out );
@@ -213,8 +213,8 @@ TEST( JsonWriter, Counts ) {
    Json const counters = documentOf(
       { startUp(),
         readyStep(),
-        { step( 2 ), Story::LogLine{ "FULL", "%VORNAL-3-FULL: no room" },
-          Story::TraceLine{ "h", 1, "t" }, expectation( false ), Story::RuleGone{ rule( 1 ).key },
+        { step( 2 ), Story::Logged{ "FULL", "%VORNAL-3-FULL: no room" },
+          Story::Traced{ "h", 1, "t" }, expectation( false ), Story::RuleGone{ rule( 1 ).key },
           Story::StepEnds{ 2 }, Story::RunEnds{} } } )[ "counters" ];
 
    EXPECT_EQ( counters, Json::parse( R"({ "steps": 3, "publishedChanges": 1, "hardwareCalls": 2,
@@ -225,7 +225,7 @@ TEST( JsonWriter, Counts ) {
 
 TEST( JsonWriter, TellsLogLinesWithTheirStep ) {
    Json const document = documentOf(
-      { { step( 4 ), Story::LogLine{ "FULL", "%VORNAL-3-FULL: x" }, Story::StepEnds{ 4 } } } );
+      { { step( 4 ), Story::Logged{ "FULL", "%VORNAL-3-FULL: x" }, Story::StepEnds{ 4 } } } );
 
    EXPECT_EQ( document[ "log" ],
               Json::parse( R"([ { "step": 4, "name": "FULL", "line": "%VORNAL-3-FULL: x" } ])" ) );
@@ -286,13 +286,10 @@ TEST( JsonWriter, CountsWhatAStepWithoutEndHasTooManyOf ) {
    constexpr std::size_t kMost = 2;
    Story::JsonWriter writer( kMost );
    writer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 1, "the step", "" } );
-   writer.onEvent( Story::LogLine{ "NAME", "the only line" } );
+   writer.onEvent( Story::Logged{ "NAME", "the only line" } );
    for ( U32 entry = 1; entry <= 5; ++entry ) {
-      Story::HardwareCall call;
-      call.operation = "entryNew";
-      call.entry = entry;
-      writer.onEvent( call );
-      writer.onEvent( Story::TraceLine{ "Handle", 0, "text" } );
+      writer.onEvent( Story::CallMade{ { "entryNew", "", 0, entry, {}, {} } } );
+      writer.onEvent( Story::Traced{ "Handle", 0, "text" } );
    }
    std::ostringstream out;
    writer.write( out );

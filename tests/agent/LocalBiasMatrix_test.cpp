@@ -197,11 +197,12 @@ class Matrix : public AgentRun,
       return places;
    }
 
-   static Places reached( Story::FrameForwarded const & frame ) {
+   static Places reached( Chip::FrameStory const & frame ) {
       Places places;
-      for ( Story::FrameCopy const & copy : frame.copies ) {
-         if ( copy.verdict == "sent" ) {
-            places.insert( copy.vtep.empty() ? copy.intf : copy.vtep );
+      for ( Chip::Copy const & copy : frame.copies ) {
+         if ( copy.verdict == Chip::Verdict::Sent ) {
+            places.insert( copy.remoteVtep ? copy.remoteVtep->stringValue()
+                                           : copy.intfId.stringValue() );
          }
       }
       return places;
@@ -220,10 +221,10 @@ TEST_P( Matrix, ReachesEveryPortButThoseThatTheSenderHasReachedItself ) {
    ASSERT_EQ( told.size(), matrix.size() + kPorts.size() );
    for ( std::size_t n = 0; n < matrix.size(); ++n ) {
       MatrixFrame const & frame = matrix[ n ];
-      Story::FrameForwarded const & forwarded = told[ n + kPorts.size() ];
+      Chip::FrameStory const & forwarded = told[ n + kPorts.size() ].frame;
       SCOPED_TRACE( stepOf( frame ) );
       if ( frame.target.place != frame.from || isForSeveral( frame.kind ) ) {
-         EXPECT_EQ( forwarded.kind, nameOf( frame.kind ) );
+         EXPECT_EQ( forwarded.kind, frame.kind );
       }
       EXPECT_EQ( reached( forwarded ), expectedFor( frame ) );
    }

@@ -14,7 +14,7 @@ class ProgressLine : public testing::Test {
  protected:
    void calls( int count ) {
       for ( int n = 0; n < count; ++n ) {
-         progress.onEvent( Story::HardwareCall{} );
+         progress.onEvent( Story::CallMade{} );
       }
    }
 
@@ -41,8 +41,8 @@ TEST_F( ProgressLine, TellsHowFarALongStepIsAndGoesBeforeAnythingElseIsPrinted )
    EXPECT_EQ( terminal.str(), "\r   step 3 of 12: 10 hardware calls\x1b[K" );
 
    terminal.str( "" );
-   progress.onEvent( Story::LogLine{} );
-   progress.onEvent( Story::LogLine{} );
+   progress.onEvent( Story::Logged{} );
+   progress.onEvent( Story::Logged{} );
    EXPECT_EQ( terminal.str(), "\r\x1b[K" );
 }
 

@@ -4,13 +4,13 @@
 
 namespace {
 
-Story::Rule rule( U32 id, bool isWritten = true ) {
-   return { { 0, 157, id }, "rule", std::nullopt, isWritten, {}, {} };
+Chip::Rule rule( U32 id, bool isWritten = true ) {
+   return { { 0, 157, id }, "rule", isWritten, {} };
 }
 
 class RuleTable : public testing::Test {
  protected:
-   void is( Story::Rule const & rule ) { table.onEvent( Story::RuleIs{ rule } ); }
+   void is( Chip::Rule const & rule ) { table.onEvent( Story::RuleIs{ rule } ); }
    void gone( U32 id ) { table.onEvent( Story::RuleGone{ { 0, 157, id } } ); }
 
    Story::RuleTable table;
@@ -59,23 +59,21 @@ TEST_F( RuleTable, SaysNothingOfRulesThatCameAndWentOrAreAgainAsTheyWere ) {
    is( rule( 2 ) );
    gone( 2 );
 
-   auto const changes = table.changes();
-
-   EXPECT_TRUE( changes.added.empty() && changes.changed.empty() && changes.removed.empty() );
+   EXPECT_TRUE( table.changes().isEmpty() );
 }
 
 TEST_F( RuleTable, KeepsRulesInTheOrderOfUnitGroupAndId ) {
-   is( { { 1, 45, 1 }, "c", {}, true, {}, {} } );
+   is( { { 1, 45, 1 }, "c", true, {} } );
    is( rule( 2 ) );
    is( rule( 1 ) );
 
-   std::vector< Story::RuleKey > keys;
+   std::vector< Chip::RuleKey > keys;
    for ( auto const & [ key, unused ] : table.rules() ) {
       keys.push_back( key );
    }
 
    EXPECT_EQ( keys,
-              ( std::vector< Story::RuleKey >{ { 0, 157, 1 }, { 0, 157, 2 }, { 1, 45, 1 } } ) );
+              ( std::vector< Chip::RuleKey >{ { 0, 157, 1 }, { 0, 157, 2 }, { 1, 45, 1 } } ) );
 }
 
 }  // namespace

@@ -7,14 +7,15 @@
 
 namespace Stories {
 
-inline Story::Rule rule( U32 id, bool isWritten = true ) {
-   return { { 0, 157, id },
-            "Mark or drop",
-            1,
-            isWritten,
-            { { "SrcVxlanGport", { { "", 0x56000002, 0xffffffff } }, {} },
-              { "PacketRes", { { "", 4, 0xff } }, {} } },
-            { { "EgressMask", {}, std::vector< U32 >{ 3, 4 } } } };
+inline Chip::Rule rule( U32 id, bool isWritten = true ) {
+   Chip::EntryContent content;
+   content[ Chip::Qualifier::SrcVxlanGport ] = Chip::Match{ 0x56000002, 0xffffffff };
+   content[ Chip::Qualifier::PacketRes ] = Chip::Match{ 4, 0xff };
+   content[ Chip::Action::EgressMask ].emplace();
+   content[ Chip::Action::EgressMask ]->ports.bitSet( 3 );
+   content[ Chip::Action::EgressMask ]->ports.bitSet( 4 );
+   content.priority = 1;
+   return { { 0, 157, id }, "Mark or drop", isWritten, content };
 }
 
 inline Story::StepBegins step( U32 number, std::string const & text = "ready subagents::l2Ready" ) {
@@ -45,9 +46,9 @@ inline std::vector< Story::Event > readyStep() {
    return { step( 1 ),
             Story::DependencyPointReady{ "subagents::l2Ready", false },
             Story::TcamGroupAsked{ 157, true },
-            Story::HardwareCall{ "getEntry", "", 0, 1, { { "group", U64{ 157 } } }, {} },
+            Story::CallMade{ { "getEntry", "", 0, 1, { { "group", U32{ 157 } } }, {} } },
             Story::RuleIs{ rule( 1, false ) },
-            Story::HardwareCall{ "bcm_field_qualify_PacketRes", "call( unit )", 0, 1, {}, -2 },
+            Story::CallMade{ { "bcm_field_qualify_PacketRes", "call( unit )", 0, 1, {}, -2 } },
             Story::RuleIs{ rule( 1, true ) },
             Story::RuleIs{ rule( 2, false ) },
             Story::VariantChosen{ "egress-mask", "Vornal::WithEgressMaskSm" },
