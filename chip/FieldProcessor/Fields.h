@@ -239,15 +239,17 @@ struct EgressFields {
    U32 ingressClass = 0;                             // set by the ingress rule; 0 for none
 };
 
-// Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. There is
-// room for an even number of them.
-using KeyFields = std::array< U32, [] {
+inline constexpr std::size_t kKeyFields = [] {
    std::size_t count = 0;
    for ( QualifierRow const & row : kQualifierTable ) {
       count = std::max( count, row.keyPosition + ( row.hasModule ? std::size_t{ 2 } : 1 ) );
    }
    return count + count % 2;
-}() >;
+}();
+
+// Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. Their
+// number is even.
+using KeyFields = std::array< U32, kKeyFields >;
 
 constexpr KeyFields keyFieldsOf( IngressFields const & frame ) {
    KeyFields fields{};

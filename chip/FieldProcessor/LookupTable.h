@@ -31,7 +31,7 @@ struct LookupKey {
    KeyFields fields{};
 
    // Fields by twos, each two as one number.
-   static constexpr std::size_t kPairs = std::tuple_size_v< KeyFields > / 2;
+   static constexpr std::size_t kPairs = kKeyFields / 2;
    constexpr U64 pair( std::size_t n ) const {
       return U64{ fields[ 2 * n + 1 ] } << 32 | fields[ 2 * n ];
    }

@@ -20,7 +20,7 @@ class Pipeline::Engine {
 
    ForwardingConfig const & forwarding() const { return tables_->config; }
    PipelineCounters const & counters() const { return counters_; }
-   MacTable & macs() { return macs_; }
+   MacTable const & macs() const { return macs_; }
 
  private:
    using Failure = std::optional< DropReason >;

@@ -34,7 +34,6 @@ class MacTable {
    Place const * find( Vlan vlan, MacAddress address ) const {
       return valueIn( places_, keyOf( vlan, address ) );
    }
-   void clear() { places_.clear(); }
 
    // The addresses whose places exist in the other tables too: the interface is still in the VLAN,
    // or the tunnel is still there and the VLAN still has a VNI.

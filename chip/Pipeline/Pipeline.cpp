@@ -25,10 +25,6 @@ PipelineCounters const & Pipeline::counters() const {
    return engine_->counters();
 }
 
-void Pipeline::learnedDelAll() {
-   engine_->macs().clear();
-}
-
 std::size_t Pipeline::learned() const {
    return engine_->macs().size();
 }

@@ -109,8 +109,6 @@ class Pipeline {
 
    PipelineCounters const & counters() const;
 
-   // Forgets all MAC addresses.
-   void learnedDelAll();
    // How many MAC addresses have been learned.
    std::size_t learned() const;
 

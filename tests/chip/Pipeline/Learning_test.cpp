@@ -129,13 +129,6 @@ TEST( Learning, ADroppedFrameOfAnUnknownVlanTeachesNothing ) {
    EXPECT_EQ( leaf1.pipeline.learned(), 0U );
 }
 
-TEST( Learning, AllCanBeForgotten ) {
-   Leaf leaf1;
-   leaf1.learn( kHost1, kPort1 );
-   leaf1.pipeline.learnedDelAll();
-   EXPECT_EQ( placeOf( leaf1, kHost1 ), "everywhere" );
-}
-
 TEST( Learning, EndsAtALimitAndKnownAddressesStillMove ) {
    Leaf leaf1;
    std::vector< U8 > bytes = bytesOf( fromHost1() );
