@@ -7,8 +7,8 @@
 // - a text in quotes that goes on over lines which are not indented deeper than the line it begins
 //   in, or that goes on over lines within brackets: so ends a quote that was not closed, and what
 //   it has swallowed would be missed by nobody;
-// - lists and mappings in each other beyond kDeepest, and more values than kMost, each repetition by
-//   an alias counted; a line beyond kLongestLine bytes;
+// - lists and mappings in each other beyond kDeepest, and more values than kMost, counting a value
+//   each time that an alias repeats it; a line beyond kLongestLine bytes;
 // - a second document.
 //
 // Cost: linear in the text.

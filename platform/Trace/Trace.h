@@ -76,13 +76,13 @@ void sinkIs( Sink sink );
 // Where ring lines go from now on; nullptr for nowhere. The ring must outlive its use.
 void ringIs( Ring * ring );
 
-// The levels that `text` lists, bit n for level n: digits and ranges ("0-5,9"), or nothing for none.
-// Any other text throws Quelm::TextError.
+// The levels that `text` lists, bit n for level n: digits and ranges ("0-5,9"), or nothing for
+// none. Any other text throws Quelm::TextError.
 U32 levelsFromText( std::string_view text );
 
 // Sets the levels of every handle, present and future, whose name matches `names`: a name, or the
-// beginning of one followed by '*'. `levels` as levelsFromText() takes them. What it refuses changes
-// nothing. Later settings win.
+// beginning of one followed by '*'. `levels` as levelsFromText() takes them. What it refuses
+// changes nothing. Later settings win.
 void levelsIs( std::string const & names, std::string_view levels );
 void ringLevelsIs( std::string const & names, std::string_view levels );
 
