@@ -48,21 +48,21 @@ class Steps {
    void queueAction( Scenario::Ready const & ready, int line );
    void queueAction( Scenario::Publish const & publish, int line );
    void queueAction( Scenario::Withdraw const & withdraw, int line );
-   void queueAction( Scenario::Set const & set, int line );
-   void queueAction( Scenario::Delete const & del, int line );
-   void queueAction( Scenario::Call const & call, int line );
+   void queueAction( Scenario::Set const & action, int line );
+   void queueAction( Scenario::Delete const & action, int line );
+   void queueAction( Scenario::Call const & action, int line );
    void queueAction( Scenario::Replace const & replace, int line );
    void queueAction( Scenario::Turn const & turn, int line );
-   void queueAction( Scenario::ForeignEntries const & foreign, int line );
-   void queueAction( Scenario::ClassIdAllocator const & allocator, int line );
-   void queueAction( Scenario::Dump const & dump, int line );
-   void queueAction( Scenario::Frame const & frame, int line );
-   void queueAction( Scenario::Capture const & capture, int line );
-   void queueAction( Scenario::DesignatedForwarder const & designated, int line );
-   void queueAction( Scenario::Drift const & drift, int line );
-   void queueAction( Scenario::FailCall const & fail, int line );
+   void queueAction( Scenario::ForeignEntries const & action, int line );
+   void queueAction( Scenario::ClassIdAllocator const & action, int line );
+   void queueAction( Scenario::Dump const & action, int line );
+   void queueAction( Scenario::Frame const & action, int line );
+   void queueAction( Scenario::Capture const & action, int line );
+   void queueAction( Scenario::DesignatedForwarder const & action, int line );
+   void queueAction( Scenario::Drift const & action, int line );
+   void queueAction( Scenario::FailCall const & action, int line );
    void queueAction( Scenario::Verify how, int line ) { queueVerification( how, line ); }
-   void queueAction( Scenario::Expect const & expect, int line );
+   void queueAction( Scenario::Expect const & action, int line );
 
    // What a step changes, within one turn.
    void change( Scenario::Ready const & ready );
@@ -73,10 +73,10 @@ class Steps {
    void change( Scenario::Delete const & action ) { remove( action ); }
    void change( Scenario::Call const & action ) { call( action ); }
 
-   void set( Scenario::Set const & set );
-   void remove( Scenario::Delete const & del );
-   void call( Scenario::Call const & call );
-   void occupy( Scenario::ForeignEntries const & foreign );
+   void set( Scenario::Set const & action );
+   void remove( Scenario::Delete const & action );
+   void call( Scenario::Call const & action );
+   void occupy( Scenario::ForeignEntries const & action );
    void dump( StateDatabase::EntityPath const & path );
    void dump( Scenario::Dump::Rules );
    void expect( Scenario::Expectation const & expectation );

@@ -39,7 +39,7 @@ inline constexpr auto kFallibleOperations = [] {
       "getEgressMaskActionPbmp",
    };
    std::array< std::string_view, Shim::kFieldOperations.size() + managers.size() > names;
-   auto const next =
+   auto * const next =
       std::transform( Shim::kFieldOperations.begin(), Shim::kFieldOperations.end(), names.begin(),
                       []( Shim::FieldOperationRow const & row ) { return row.name; } );
    std::copy( managers.begin(), managers.end(), next );
