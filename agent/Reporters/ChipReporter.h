@@ -26,7 +26,7 @@ class ChipReporter final : public Chip::CallObserver {
    void callMade( Chip::HardwareCall const & call ) override;
 
    // Tells the rule as it stands now, unless it has been told so.
-   void tellRule( U32 unit, U32 entry );
+   void tellRule( U32 unit, U32 id );
 
  private:
    Story::Observer & observer_;

@@ -107,8 +107,8 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Difference, kind, unit, group, entry, rule, 
 // The fields of every event, and of what they are made of.
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Assertion, file, line, function, expression )
 
-void to_json( nlohmann::json & out, EntityTree const & tree );
-void from_json( nlohmann::json const & in, EntityTree & tree );
+void to_json( nlohmann::json &, EntityTree const & );
+void from_json( nlohmann::json const &, EntityTree & );
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityItem, key, text, entity )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityAttribute, name, kind, items )
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityTree, type, identity, shownAt, attributes )
