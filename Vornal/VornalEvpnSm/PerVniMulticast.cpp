@@ -78,7 +78,9 @@ void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniUnmap() {
    }
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): part of the signature (NestedSms.h)
+// The VRF by value is part of the signature (NestedSms.h), and one function holds every stop, since
+// each of them names it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param, readability-function-cognitive-complexity)
 void EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap( L3::VrfName vrf, U32 oldVni,
                                                                         U32 newV ) {
    TRACE( smTrace, 8, kMapSignature << " vrf " << vrf.stringValue() );
@@ -185,6 +187,8 @@ void EvpnMultihomingLocalBiasSm::handleTime() {
       return;
    }
    for ( auto rule = unprogrammedTcamRulesListIter(); rule; ++rule ) {
+      // A copy: the rule leaves the list below.
+      // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
       L3::VrfName const vrfName = rule.key();
       U32 const newVni = rule.value();
       for ( auto sm = vtiStatusIter(); sm; ++sm ) {
