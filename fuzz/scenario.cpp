@@ -6,7 +6,7 @@
 #include <string>
 
 #include <Scenario/Description.h>
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 
 namespace {
 
@@ -15,7 +15,7 @@ void describe( Scenario::Model const & model ) {
       Scenario::description( change.what, false );
    }
    for ( Scenario::Step const & step : model.steps ) {
-      Scenario::description( step.action );
+      step.action->description();
    }
 }
 
@@ -27,7 +27,7 @@ bool isTold( Scenario::Problem const & problem ) {
 
 extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const * data, std::size_t size ) {
    try {
-      describe( Scenario::readText( std::string( data, data + size ), "fuzzed.yaml" ) );
+      describe( Steps::readScenarioText( std::string( data, data + size ), "fuzzed.yaml" ) );
    } catch ( Scenario::ReadError const & error ) {
       for ( Scenario::Problem const & problem : error.problems() ) {
          if ( !isTold( problem ) ) {

@@ -10,6 +10,7 @@
 
 #include <Capture/PortCaptures.h>
 #include <Quelm/Error.h>
+#include <Steps/Capture.h>
 
 #include <unistd.h>
 
@@ -63,7 +64,7 @@ std::vector< fs::path > capturesIn( fs::path const & folder ) {
 // A capture that is played would be gone before, or written while it is read.
 void checkNotPlayed( fs::path const & capture, Scenario::Model const & scenario ) {
    for ( Scenario::Step const & step : scenario.steps ) {
-      auto const * const played = std::get_if< Scenario::Capture >( &step.action );
+      auto const * const played = step.as< Steps::Capture >();
       std::error_code notThere;
       if ( played && fs::equivalent( played->file, capture, notThere ) ) {
          refuse( capture.string() + " is played by the scenario, in line " +

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <Scenario/Scenario.h>
+#include <StateDatabase/EntityPath.h>
 
 namespace CommandLine {
 

@@ -50,7 +50,7 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
 }  // namespace
 
 Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
-   Scenario::Model const scenario = Scenario::read( options.scenario );
+   Scenario::Model const scenario = Steps::readScenario( options.scenario );
    ScenarioRun const what{ scenario,
                            { .scenario = options.scenario.string(),
                              .plugin = pluginFile( options.plugin ),

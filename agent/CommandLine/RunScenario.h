@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <Host/Agent.h>
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 #include <Story/Outcome.h>
 
 namespace CommandLine {

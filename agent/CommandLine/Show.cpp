@@ -63,7 +63,7 @@ Host::AgentConfig::Show whatToShow( ShowOptions const & options ) {
 }  // namespace
 
 Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
-   Scenario::Model const scenario = Scenario::read( options.scenario );
+   Scenario::Model const scenario = Steps::readScenario( options.scenario );
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
    Shown shown;

@@ -215,7 +215,7 @@ void printJson( VerifyOptions const & options, Verified const & verified,
 
 Story::ExitCode verify( VerifyOptions const & options, std::ostream & out ) {
    using When = Host::AgentConfig::Verify;
-   Scenario::Model const scenario = Scenario::read( options.scenario );
+   Scenario::Model const scenario = Steps::readScenario( options.scenario );
    Host::AgentConfig config;
    config.scenario = options.scenario.string();
    config.plugin = pluginFile( options.plugin );

@@ -2,9 +2,10 @@
 
 #include <Host/Warnings.h>
 #include <Quelm/Error.h>
-#include <Scenario/Description.h>
 #include <Scenario/ShownTraces.h>
 #include <StateDatabase/Tree.h>
+#include <Steps/Publish.h>
+#include <Steps/Verify.h>
 #include <Story/InputError.h>
 
 namespace Host {
@@ -42,14 +43,14 @@ void Agent::runAll() {
    Story::Observer & observer = environment_.observer();
    observer.onEvent( Story::RunBegins{ config_.scenario, scenario_.name, scenario_.description,
                                        static_cast< U32 >( scenario_.steps.size() ) } );
-   environment_.steps().queuePublished( scenario_.published );
+   Steps::queuePublished( environment_.forSteps(), scenario_.published );
    environment_.activity().run();
    environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
    environment_.activity().run();
    inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
            [ this ] { startUp(); } );
    for ( Scenario::Step const & step : scenario_.steps ) {
-      inStep( { Story::StepKind::Scenario, 0, Scenario::description( step.action ),
+      inStep( { Story::StepKind::Scenario, 0, step.action->description(),
                 scenario_.file + ":" + std::to_string( step.line ) },
               [ & ] { carryOut( step ); } );
    }
@@ -87,17 +88,18 @@ void Agent::startUp() {
 
 // An audit after the step belongs to it: it sees the switch when nothing is left to do.
 void Agent::carryOut( Scenario::Step const & step ) {
-   environment_.steps().queue( step );
+   step.action->queue( environment_.forSteps(), step.line );
    environment_.activity().run();
    if ( config_.verify == AgentConfig::Verify::afterEachStep ) {
-      environment_.steps().queueVerification( Scenario::Verify::audit );
+      Steps::queueVerification( environment_.forSteps(), Steps::Verify::How::audit );
    }
 }
 
 void Agent::verify() {
    if ( config_.verify != AgentConfig::Verify::never ) {
-      inStep( { Story::StepKind::Verification, 0, "the rules are verified", {} },
-              [ this ] { environment_.steps().queueVerification( Scenario::Verify::both ); } );
+      inStep( { Story::StepKind::Verification, 0, "the rules are verified", {} }, [ this ] {
+         Steps::queueVerification( environment_.forSteps(), Steps::Verify::How::both );
+      } );
    }
 }
 

@@ -29,6 +29,7 @@
 #include <Host/Environment.h>
 #include <Loading/LoadedPlugin.h>
 #include <Scenario/Scenario.h>
+#include <StateDatabase/EntityPath.h>
 #include <Story/Observer.h>
 
 namespace Host {

@@ -14,17 +14,17 @@
 #include <Board/Board.h>
 #include <Decorators/FailingSdk.h>
 #include <Decorators/RecordingSdk.h>
+#include <Expectations/Evidence.h>
+#include <Expectations/Record.h>
 #include <FeatureFiles/Reader.h>
-#include <Host/Expectations.h>
 #include <Host/ProcessWide.h>
-#include <Host/Record.h>
-#include <Host/Steps.h>
 #include <Kiv/Activity.h>
 #include <Loading/LoadedPlugin.h>
 #include <Peers/PublishedState.h>
 #include <Reporters/ChipReporter.h>
 #include <StateDatabase/ChangeWatch.h>
 #include <StateDatabase/Finder.h>
+#include <Steps/Context.h>
 
 namespace Host {
 
@@ -39,7 +39,7 @@ class Environment {
    Kiv::ActivityManager & activity() { return activity_; }
    Peers::PublishedState & published() { return published_; }
    Traffic::Injector & traffic() { return traffic_; }
-   Steps & steps() { return steps_; }
+   Steps::Context const & forSteps() const { return forSteps_; }
    FeatureFiles::Reader const & toggles() const { return toggles_; }
    Loading::Surroundings forPlugins() {
       return { database_, own_, activity_, pluginPoint(), observer_ };
@@ -52,7 +52,7 @@ class Environment {
    }
    void watch();
 
-   Record record_;
+   Expectations::Record record_;
    Story::Observers observer_;
    Kiv::ActivityManager activity_;
    Reporters::ChipReporter reporter_;
@@ -69,8 +69,8 @@ class Environment {
    StateDatabase::Finder finder_;
    Traffic::Injector traffic_;
    Audit::Auditor auditor_;
-   Evidence evidence_;
-   Steps steps_;
+   Expectations::Evidence evidence_;
+   Steps::Context forSteps_;
    std::vector< std::unique_ptr< StateDatabase::ChangeWatch > > watches_;
    Kiv::Watch< Vornal::SubAgentDependencyPoints > subAgentWatch_;
 };

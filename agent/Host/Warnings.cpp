@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <Expectations/TraceLineExpected.h>
+#include <Steps/Expect.h>
 #include <Text/Words.h>
 #include <Trace/Trace.h>
 
@@ -48,9 +50,9 @@ class Handles {
    std::vector< std::string > unknown_;
 };
 
-void checkExpected( Handles & handles, std::string const & file, Scenario::Expect const & expect ) {
-   for ( Scenario::Expectation const & expectation : expect.expectations ) {
-      if ( auto const * const line = std::get_if< Scenario::TraceLine >( &expectation.what ) ) {
+void checkExpected( Handles & handles, std::string const & file, Steps::Expect const & expect ) {
+   for ( Expectations::Expectation const & expectation : expect.expectations ) {
+      if ( auto const * const line = expectation.as< Expectations::TraceLineExpected >() ) {
          handles.check( file + ':' + std::to_string( expectation.line ), line->handle );
       }
    }
@@ -68,7 +70,7 @@ std::vector< std::string > unknownTraceHandles(
       handles.check( "--trace", one.handles );
    }
    for ( Scenario::Step const & step : scenario.steps ) {
-      if ( auto const * const expect = std::get_if< Scenario::Expect >( &step.action ) ) {
+      if ( auto const * const expect = step.as< Steps::Expect >() ) {
          checkExpected( handles, scenario.file, *expect );
       }
    }

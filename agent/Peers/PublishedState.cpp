@@ -46,7 +46,7 @@ PublishedState::PublishedState( Scenario::Switch const & device, Kiv::ActivityMa
                           database, classIds + "status/slice/" + device.slice ) );
 
    common_ = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
-   for ( Scenario::Unit const & unit : device.units ) {
+   for ( Scenario::SwitchUnit const & unit : device.units ) {
       common_->vornalModIdIs( unit.number, unit.module );
    }
    auto const points = Quelm::make< Vornal::VornalSliceDependencyPoints >();

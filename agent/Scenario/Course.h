@@ -7,10 +7,86 @@
 // is said of these two. Steps about frames need a switch that is told how to forward.
 #pragma once
 
+#include <map>
+#include <set>
+
 #include <Scenario/Reading.h>
 #include <Scenario/Scenario.h>
+#include <StateDatabase/EntityPath.h>
 
 namespace Scenario {
+
+// The published state at one time.
+class Course {
+ public:
+   Course( Reading & reading, Variant variant )
+         : reading_( reading ), hasClassIds_( variant == Variant::classId ) {}
+
+   void publish( std::vector< Change > const & changes );
+   void withdraw( std::vector< Change > const & changes );
+   void replace( std::vector< Replacement > const & replacements );
+
+   // The entity at that path changes in a way that nobody can follow. If others publish it, nothing
+   // more is known of the state.
+   void mayChange( StateDatabase::EntityPath const & path );
+   bool isKnown() const { return isKnown_; }
+
+   // A step is over.
+   void stepEnds();
+
+ private:
+   struct VirtualPort {
+      U32 number;
+      int line;
+   };
+
+   void enters( InterfacePort const & what ) { ports_.insert( what.intf ); }
+   void enters( PortChannelMember const & what ) {
+      portChannelOf_[ what.member ] = what.portChannel;
+   }
+   void enters( Segment const & what ) { segments_[ what.intf ]; }
+   void enters( SegmentVtep const & what );
+   void enters( VtepVirtualPort const & what );
+   void enters( TunnelInterface const & what ) { tunnels_[ what.intf ]; }
+   void enters( VrfVni const & what ) { tunnels_[ what.intf ].insert( what.vrf ); }
+   void enters( ClassIdRequest const & what ) { asking_.insert( what.vtep ); }
+   void enters( ClassIdGrant const & what ) { grants_.insert( what.vtep ); }
+
+   // The plug-in asks for a class id, and the allocator grants one in its own time.
+   void sharesASegment( Pelk::IpGenAddr const & vtep );
+
+   void takesThePlace( SegmentReplaced const & what );
+   void takesThePlace( TunnelInterfaceReplaced const & what );
+
+   void leaves( InterfacePort const & what );
+   void leaves( PortChannelMember const & what );
+   void leaves( Segment const & what );
+   void leaves( SegmentVtep const & what );
+   void leaves( VtepVirtualPort const & what );
+   void leaves( TunnelInterface const & what );
+   void leaves( VrfVni const & what );
+   void leaves( ClassIdRequest const & ) {}  // no word withdraws a request
+   void leaves( ClassIdGrant const & what );
+
+   void mustBeThere( bool isThere, std::string const & absent );
+   void checkIndices();
+   void tellShared( int line, Pelk::IpGenAddr const & vtep, Pelk::IpGenAddr const & other,
+                    U16 index );
+
+   Reading & reading_;
+   bool hasClassIds_;
+   bool isKnown_ = true;
+   int line_ = 0;
+   bool arePortsNew_ = false;
+   std::set< Pelk::IntfId > ports_;
+   std::map< Pelk::IntfId, Pelk::IntfId > portChannelOf_;
+   std::map< Pelk::IntfId, std::set< Pelk::IpGenAddr > > segments_;
+   std::map< Pelk::IpGenAddr, VirtualPort > virtualPorts_;
+   std::map< Pelk::IntfId, std::set< L3::VrfName > > tunnels_;
+   std::set< Pelk::IpGenAddr > grants_;  // published, not the allocator's own
+   std::set< Pelk::IpGenAddr > asking_;  // may be granted a class id at any time
+   std::set< int > told_;
+};
 
 void followCourse( Reading & reading, Model const & model );
 

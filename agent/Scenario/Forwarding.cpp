@@ -204,16 +204,14 @@ std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & tex
    return intf;
 }
 
+std::optional< Pelk::IntfId > intfOf( Reading & reading, Value const & value ) {
+   auto const text = stringOf( reading, value );
+   return text ? intfIn( reading, *text, value.line ) : std::nullopt;
+}
+
 void readForwarding( Reading & reading, Value const & value,
                      std::optional< Forwarding > & forwarding ) {
    readMapping( reading, value, forwardingTable(), forwarding.emplace() );
-}
-
-void readDesignated( Reading & reading, Value const & value, DesignatedForwarder & designated ) {
-   for ( auto const & [ intf, about ] : keyedOf( reading, value, intfIn ) ) {
-      reading.agreement().designatedIs( intf, about.line );
-      designated.isDesignated[ intf ] = yesOrNoOf( reading, about ).value_or( true );
-   }
 }
 
 std::vector< WordList > forwardingVocabulary() {

@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 struct Document {
    Model model;
    std::vector< StepOf > steps;
+   StepsReader readSteps;
    fs::path directory;  // of the file
 };
 
@@ -76,7 +77,7 @@ void readTrace( Reading & reading, Value const & value, Document & document ) {
 }
 
 void readStepsWord( Reading & reading, Value const & value, Document & document ) {
-   readSteps( reading, value, document.steps );
+   document.readSteps( reading, value, document.steps );
 }
 
 Table< Document > const & scenarioTable() {
@@ -131,9 +132,10 @@ bool isTwin( Value const & document ) {
 
 // A whole scenario; with `variant` on that variant.
 Model modelOf( std::string const & text, Value const & value, fs::path const & file,
-               std::optional< Variant > variant ) {
+               StepsReader readSteps, std::optional< Variant > variant ) {
    Reading reading( file.string(), text );
    Document document;
+   document.readSteps = readSteps;
    document.directory = file.parent_path();
    document.model.file = file.string();
    document.model.featureFiles = document.directory;
@@ -152,7 +154,8 @@ Model modelOf( std::string const & text, Value const & value, fs::path const & f
    return model;
 }
 
-Model modelOfTwin( std::string const & text, Value const & value, fs::path const & file ) {
+Model modelOfTwin( std::string const & text, Value const & value, fs::path const & file,
+                   StepsReader readSteps ) {
    Reading reading( file.string(), text );
    Twin twin;
    readMapping( reading, value, twinTable(), twin );
@@ -172,7 +175,7 @@ Model modelOfTwin( std::string const & text, Value const & value, fs::path const
    if ( isTwin( document ) ) {
       refuse( ", which is based on another itself; name the scenario that it is based on" );
    }
-   Model model = modelOf( baseText, document, base, twin.variant );
+   Model model = modelOf( baseText, document, base, readSteps, twin.variant );
    model.name = twin.name;
    model.description = twin.description.empty() ? model.description : twin.description;
    return model;
@@ -180,22 +183,22 @@ Model modelOfTwin( std::string const & text, Value const & value, fs::path const
 
 }  // namespace
 
-Model read( fs::path const & file ) {
-   return file == "-" ? readText( textOf( STDIN_FILENO, "standard input" ), "standard input" )
-                      : readText( textIn( file ), file );
+Model read( fs::path const & file, StepsReader readSteps ) {
+   std::string const input = "standard input";
+   return file == "-" ? readText( textOf( STDIN_FILENO, input ), input, readSteps )
+                      : readText( textIn( file ), file, readSteps );
 }
 
-Model readText( std::string const & text, fs::path const & file ) {
+Model readText( std::string const & text, fs::path const & file, StepsReader readSteps ) {
    Value const document = documentIn( text, file.string() );
-   return isTwin( document ) ? modelOfTwin( text, document, file )
-                             : modelOf( text, document, file, std::nullopt );
+   return isTwin( document ) ? modelOfTwin( text, document, file, readSteps )
+                             : modelOf( text, document, file, readSteps, std::nullopt );
 }
 
 std::vector< WordList > vocabulary() {
    std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
-   for ( auto const & part : { switchVocabulary(), publishedVocabulary(), stepsVocabulary(),
-                               expectationsVocabulary(), rulesVocabulary(), forwardingVocabulary(),
-                               framesVocabulary(), driftVocabulary(), failCallVocabulary() } ) {
+   for ( auto const & part :
+         { switchVocabulary(), publishedVocabulary(), forwardingVocabulary() } ) {
       all.insert( all.end(), part.begin(), part.end() );
    }
    return all;

@@ -63,7 +63,7 @@ class Reading {
    void use( Pelk::IntfId const & intf, int line ) { uses_.push_back( { intf, line } ); }
 
    // The units of the switch.
-   void unitIs( Unit const & unit ) { modules_[ unit.number ] = unit.module; }
+   void unitIs( SwitchUnit const & unit ) { modules_[ unit.number ] = unit.module; }
    // The unit's module id; a problem and nothing if the switch has no such unit.
    std::optional< U16 > module( U16 unit, int line );
 

@@ -1,5 +1,6 @@
 #include <Audit/Variant.h>
 #include <Scenario/Parts.h>
+#include <Scenario/TcamGroup.h>
 
 namespace Scenario {
 
@@ -53,7 +54,7 @@ void readUnits( Reading & reading, Value const & value, Model & model ) {
    for ( auto const & [ number, about ] : keyedOf( reading, value, unitIn ) ) {
       UnitWords words;
       readMapping( reading, { about.node, about.line, "unit " + about.name }, unitTable(), words );
-      Unit const unit{ number, static_cast< U16 >( words.module.value_or( 0 ) ) };
+      SwitchUnit const unit{ number, static_cast< U16 >( words.module.value_or( 0 ) ) };
       reading.unitIs( unit );
       model.device.units.push_back( unit );
       if ( words.module && !unitOfModule.try_emplace( *words.module, number ).second ) {
@@ -66,7 +67,7 @@ void readUnits( Reading & reading, Value const & value, Model & model ) {
       reading.problem( value.line, "units is empty; give one at least, as in '0: { module: 1 }'" );
    }
    std::sort( model.device.units.begin(), model.device.units.end(),
-              []( Unit const & a, Unit const & b ) { return a.number < b.number; } );
+              []( SwitchUnit const & a, SwitchUnit const & b ) { return a.number < b.number; } );
 }
 
 // A group's entries per unit, or `none` where the switch has no such group.
@@ -154,13 +155,6 @@ Choices< Variant > const & variants() {
       }
       return all;
    }();
-   return choices;
-}
-
-Choices< TcamGroup > const & tcamGroups() {
-   static Choices< TcamGroup > const choices{
-      "tcam-group", { { "ingress", TcamGroup::ingress }, { "egress", TcamGroup::egress } }
-   };
    return choices;
 }
 

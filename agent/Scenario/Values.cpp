@@ -111,7 +111,7 @@ std::optional< U32 > numberIn( Value const & value ) {
 }
 
 std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
-                               std::string const & else_ ) {
+                               std::string const & alternative ) {
    std::string const expected =
       "a whole number from " + std::to_string( lowest ) + " to " + std::to_string( highest );
    auto const text = stringOf( reading, value, expected );
@@ -120,7 +120,7 @@ std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowes
       return number;
    }
    reading.problem( value.line, value.name + " is " + inQuotes( *text ) + "; " + expected +
-                                   " is expected" + withoutQuotes( value ) + else_ );
+                                   " is expected" + withoutQuotes( value ) + alternative );
    return std::nullopt;
 }
 

@@ -36,10 +36,10 @@ std::vector< Value > listOf( Reading & reading, Value const & value );
 std::optional< std::string > stringOf( Reading & reading, Value const & value,
                                        std::string const & expected = "text" );
 
-// A whole number in decimal, or in hexadecimal after 0x. `else_` says what may stand there instead,
-// which is the caller's to look for: ", or none".
+// A whole number in decimal, or in hexadecimal after 0x. `alternative` says what may stand there
+// instead, which is the caller's to look for: ", or none".
 std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
-                               std::string const & else_ = "" );
+                               std::string const & alternative = "" );
 // The number that a text, or a value without quotes, is; nothing when it is none.
 std::optional< U32 > numberIn( std::string_view text );
 std::optional< U32 > numberIn( Value const & value );
@@ -75,11 +75,12 @@ template< typename T > std::optional< T > valueOf( Reading & reading, Value cons
 // Where each of several things stands that must differ from each other: its line by its value.
 template< typename T > using Seen = std::map< T, int >;
 
-// Whether `it` is new in `seen`; otherwise that is a problem.
-template< typename T > bool isFirst( Reading & reading, Seen< T > & seen, T const & it, int line ) {
-   auto const [ before, isNew ] = seen.try_emplace( it, line );
+// Whether `thing` is new in `seen`; otherwise that is a problem.
+template< typename T >
+bool isFirst( Reading & reading, Seen< T > & seen, T const & thing, int line ) {
+   auto const [ before, isNew ] = seen.try_emplace( thing, line );
    if ( !isNew ) {
-      reading.problem( line, Quelm::textOf( it ) + " is given twice, first in line " +
+      reading.problem( line, Quelm::textOf( thing ) + " is given twice, first in line " +
                                 std::to_string( before->second ) + "; keep one of them" );
    }
    return isNew;
@@ -108,7 +109,7 @@ template< typename Read > auto keyedOf( Reading & reading, Value const & value, 
 
 // A thing of type T, and the line in which it stands.
 template< typename T > struct Placed {
-   T it;
+   T thing;
    int line;
 };
 
@@ -119,9 +120,9 @@ template< typename Read > auto distinctOf( Reading & reading, Value const & valu
    Seen< T > seen;
    for ( Value const & element : listOf( reading, value ) ) {
       auto const text = stringOf( reading, element );
-      auto const it = text ? read( reading, *text, element.line ) : std::nullopt;
-      if ( it && isFirst( reading, seen, *it, element.line ) ) {
-         result.push_back( { *it, element.line } );
+      auto const thing = text ? read( reading, *text, element.line ) : std::nullopt;
+      if ( thing && isFirst( reading, seen, *thing, element.line ) ) {
+         result.push_back( { *thing, element.line } );
       }
    }
    return result;

@@ -1,6 +1,7 @@
 #include <Scenario/Words.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include <Scenario/Values.h>
 
@@ -79,6 +80,17 @@ std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList
    }
    checkRequired( reading, value, entries, list );
    return entries;
+}
+
+std::vector< Entry > entriesInOrderOf( Reading & reading, Value const & value,
+                                       WordList const & list ) {
+   std::vector< Entry > const entries = entriesOf( reading, value, list );
+   std::vector< Entry > sorted;
+   for ( std::size_t word = 0; word < list.words.size(); ++word ) {
+      std::copy_if( entries.begin(), entries.end(), std::back_inserter( sorted ),
+                    [ word ]( Entry const & entry ) { return entry.word == word; } );
+   }
+   return sorted;
 }
 
 }  // namespace Scenario

@@ -63,18 +63,17 @@ std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList
 // Whether the mapping or list `value` holds anything; otherwise that is a problem.
 bool isFilled( Reading & reading, Value const & value, WordList const & list );
 
+// The same in the order of the list.
+std::vector< Entry > entriesInOrderOf( Reading & reading, Value const & value,
+                                       WordList const & list );
+
 // Reads the words in the order of the table, so that a function finds what the rows before its own
 // have read.
 template< typename Target >
 void readMapping( Reading & reading, Value const & value, Table< Target > const & table,
                   Target & target ) {
-   std::vector< Entry > const entries = entriesOf( reading, value, table.list() );
-   for ( std::size_t word = 0; word < table.words.size(); ++word ) {
-      for ( Entry const & entry : entries ) {
-         if ( entry.word == word ) {
-            table.words[ word ].read( reading, entry.value, target );
-         }
-      }
+   for ( Entry const & entry : entriesInOrderOf( reading, value, table.list() ) ) {
+      table.words[ entry.word ].read( reading, entry.value, target );
    }
 }
 

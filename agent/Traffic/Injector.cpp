@@ -123,10 +123,10 @@ void Injector::prepare() {
    pipeline_.forwardingIs( forwardingNow() );
 }
 
-void Injector::designatedIs( Scenario::DesignatedForwarder const & designated ) {
-   for ( auto const & [ intf, isDesignated ] : designated.isDesignated ) {
+void Injector::designatedAre( std::map< IntfId, bool > const & isDesignated ) {
+   for ( auto const & [ intf, is ] : isDesignated ) {
       if ( forwarding_ ) {
-         forwarding_->config.designatedForwarder[ intf ].allVlans = isDesignated;
+         forwarding_->config.designatedForwarder[ intf ].allVlans = is;
       }
    }
    prepare();
@@ -148,20 +148,15 @@ VornalTypes::VornalPort Injector::portOf( IntfId const & intfId ) const {
    throw Quelm::Error( intfId.stringValue() + " has no port; no frame can come in on it" );
 }
 
-IntfId Injector::arrivalOf( Scenario::Frame const & frame ) const {
-   return frame.on ? *frame.on : *forwarding_->underlay.begin();
-}
-
-void Injector::inject( Scenario::Frame const & frame ) {
+void Injector::inject( Chip::FrameFields fields, std::optional< IntfId > const & on ) {
    prepare();
-   Chip::FrameFields fields = frame.fields;
    if ( fields.outer ) {
       auto const & own = fields.outer->sourceVtep.family() == Pelk::IpGenAddr::Family::ipv4
                             ? forwarding_->config.vtepIpv4
                             : forwarding_->config.vtepIpv6;
       fields.outer->destinationVtep = own.value_or( Pelk::IpGenAddr() );
    }
-   IntfId const arrival = arrivalOf( frame );
+   IntfId const arrival = on ? *on : *forwarding_->underlay.begin();
    VornalTypes::VornalPort const port = portOf( arrival );
    std::vector< U8 > const bytes = bytesOf( fields );
    context_.observer.onEvent( Story::FramesBegin{ arrival.stringValue(), 1 } );
@@ -171,12 +166,11 @@ void Injector::inject( Scenario::Frame const & frame ) {
    forward( port, bytes );
 }
 
-void Injector::inject( Scenario::Capture const & capture ) {
+void Injector::injectCapture( std::filesystem::path const & file, IntfId const & on ) {
    prepare();
-   VornalTypes::VornalPort const port = portOf( capture.on );
-   Chip::CaptureReader reader = opened( capture.file );
-   context_.observer.onEvent(
-      Story::FramesBegin{ capture.on.stringValue(), framesIn( capture.file ) } );
+   VornalTypes::VornalPort const port = portOf( on );
+   Chip::CaptureReader reader = opened( file );
+   context_.observer.onEvent( Story::FramesBegin{ on.stringValue(), framesIn( file ) } );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
          captures_->timeIs( frame->timestamp );

@@ -19,10 +19,13 @@
 // Threads: the activity's.
 #pragma once
 
+#include <filesystem>
+#include <map>
 #include <optional>
 
 #include <Board/Board.h>
 #include <Capture/PortCaptures.h>
+#include <Frames/FrameFields.h>
 #include <Kiv/Activity.h>
 #include <Peers/PublishedState.h>
 #include <Pipeline/Pipeline.h>
@@ -46,9 +49,13 @@ class Injector {
    // Captures of what leaves go into that folder, which is there.
    void captureInto( std::filesystem::path const & folder ) { captures_.emplace( folder ); }
 
-   void inject( Scenario::Frame const & frame );
-   void inject( Scenario::Capture const & capture );
-   void designatedIs( Scenario::DesignatedForwarder const & designated );
+   // A frame of these fields comes in on the interface; if none is given, on the first that carries
+   // VXLAN. A frame through a tunnel is sent to the switch's own VTEP.
+   void inject( Chip::FrameFields fields, std::optional< Pelk::IntfId > const & on );
+   // The frames of a capture come in, one after the other.
+   void injectCapture( std::filesystem::path const & file, Pelk::IntfId const & on );
+   // Whether each of these interfaces is the designated forwarder.
+   void designatedAre( std::map< Pelk::IntfId, bool > const & isDesignated );
 
  private:
    class Nowhere final : public Chip::Transmitter {
@@ -59,7 +66,6 @@ class Injector {
    void prepare();
    Chip::ForwardingConfig forwardingNow() const;
    VornalTypes::VornalPort portOf( Pelk::IntfId const & intfId ) const;
-   Pelk::IntfId arrivalOf( Scenario::Frame const & frame ) const;
    void forward( VornalTypes::VornalPort arrival, Chip::Bytes frame );
 
    Context context_;

@@ -7,7 +7,7 @@
 
 #include <Host/Agent.h>
 #include <Process/RingMemory.h>
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 #include <Support.h>
 #include <Switches.h>
 
@@ -16,7 +16,7 @@ class AgentRun : public testing::Test {
  protected:
    void run( std::string const & steps, std::string const & tcam = "{ ingress: 8 }",
              Host::AgentConfig config = {} ) {
-      scenario = Scenario::readText( Switches::leaf( steps, tcam ), "leaf.yaml" );
+      scenario = Steps::readScenarioText( Switches::leaf( steps, tcam ), "leaf.yaml" );
       config.scenario = "leaf.yaml";
       if ( config.plugin.empty() ) {
          config.plugin = Support::testPlugin( "segment-rules" );
@@ -26,7 +26,7 @@ class AgentRun : public testing::Test {
 
    // Runs a whole scenario with the plug-in that ships.
    void runText( std::string const & text ) {
-      scenario = Scenario::readText( text, "scenario.yaml" );
+      scenario = Steps::readScenarioText( text, "scenario.yaml" );
       Host::AgentConfig config;
       config.scenario = "scenario.yaml";
       config.plugin = Support::plugin();

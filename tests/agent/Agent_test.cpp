@@ -252,8 +252,9 @@ TEST_F( Agent, RefusesValuesKeysAndArgumentsThatAreNotOfTheirType ) {
                  "/lag/config }",
                  "not a Lag::Config" } } ) {
       Support::Recorder refused;
-      scenario = Scenario::readText( Switches::leaf( std::string( "   - " ) + one.step + "\n" ),
-                                     "leaf.yaml" );
+      scenario =
+         Steps::readScenarioText( Switches::leaf( std::string( "   - " ) + one.step + "\n" ),
+                                  "leaf.yaml" );
       Host::Agent( scenario, { "leaf.yaml", Support::testPlugin( "segment-rules" ), {}, {}, {} },
                    ring.bytes(), refused )
          .run();

@@ -101,7 +101,7 @@ TEST_F( AuditInStep, WithoutTheOverrideRuleAllPrioritiesAreTheDefault ) {
    directory.file( "VornalL3.json", "{ \"SbdEvpnTcamOverrideRule\": false }" );
    std::string const text = "features: " + directory.path().string() + "\n" +
                             Leaf().text( "   - ready: subagents::l2Ready\n   - verify: audit\n" );
-   scenario = Scenario::readText( text, "leaf.yaml" );
+   scenario = Steps::readScenarioText( text, "leaf.yaml" );
    Host::AgentConfig config;
    config.plugin = Support::plugin();
    Host::Agent( scenario, config, ring.bytes(), story ).run();

@@ -53,7 +53,7 @@ inline Leaf twoUnitLeaf( std::string const & variant ) {
 class AuditRun : public AgentRun {
  protected:
    void play( Leaf const & leaf, std::string const & steps, Host::AgentConfig config = {} ) {
-      scenario = Scenario::readText( leaf.text( steps ), "leaf.yaml" );
+      scenario = Steps::readScenarioText( leaf.text( steps ), "leaf.yaml" );
       config.scenario = "leaf.yaml";
       config.plugin = Support::plugin();
       Host::Agent( scenario, config, ring.bytes(), story ).run();

@@ -3,6 +3,7 @@
 // Entries of the leaf: 1 and 2 the unicast exemptions, 3 VTEP 10.0.0.2, 4 VTEP 10.0.0.4, 5 the VNI.
 #include <LiveSwitch.h>
 #include <Shim/Shim.h>
+#include <Steps/DriftStep.h>
 
 namespace {
 
@@ -50,11 +51,11 @@ TEST_F( AuditStaged, AnActionThatIsStagedBesideThoseInTheHardwareIsFound ) {
 }
 
 TEST_F( AuditStaged, APartThatIsWrongInTheHardwareIsFoundOnce ) {
-   Scenario::Drift drift;
-   drift.group = Scenario::TcamGroup::ingress;
-   drift.rule = U32{ 5 };
-   drift.change = Scenario::PriorityIs{ 9 };
-   leaf1.take( { drift, 1 } );
+   auto const drift = std::make_shared< Steps::DriftStep >();
+   drift->group = Scenario::TcamGroup::ingress;
+   drift->rule = U32{ 5 };
+   drift->change = Steps::PriorityIs{ 9 };
+   leaf1.take( drift );
 
    EXPECT_EQ( nameOf( only().kind ), "wrong-priority" ) << "what is staged is right";
 }

@@ -8,14 +8,14 @@
 
 #include <Drift/Drift.h>
 #include <LiveSwitch.h>
-#include <Scenario/Description.h>
+#include <Steps/DriftStep.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-using Scenario::Drift;
+using Steps::DriftStep;
 
 constexpr int kDriftsOfEach = 3;
 
@@ -44,26 +44,26 @@ template< typename Parts > auto partsOf( Chip::Rule const & rule, Parts const & 
    return there;
 }
 
-Drift::Change changeOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
+DriftStep::Change changeOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
    switch ( *rc::gen::inRange( 0, 3 ) ) {
-   case 0: return Scenario::PartFlips{ qualifier };
-   case 1: return Scenario::PartGoes{ qualifier };
+   case 0: return Steps::PartFlips{ qualifier };
+   case 1: return Steps::PartGoes{ qualifier };
    default: break;
    }
    U32 const mask = *rc::gen::suchThat( rc::gen::arbitrary< U32 >(),
                                         [ & ]( U32 one ) { return one != match.mask; } );
-   return Scenario::QualifierMaskIs{ qualifier, mask };
+   return Steps::QualifierMaskIs{ qualifier, mask };
 }
 
-Drift::Change changeOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
+DriftStep::Change changeOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
    Chip::ParametersUsed const used = rowOf( action ).parameters;
    if ( used == Chip::ParametersUsed::None || *rc::gen::arbitrary< bool >() ) {
-      return Scenario::PartGoes{ action };
+      return Steps::PartGoes{ action };
    }
    if ( used == Chip::ParametersUsed::Number ) {
-      return Scenario::PartFlips{ action };
+      return Steps::PartFlips{ action };
    }
-   Scenario::EgressMaskIs mask{ parameters.ports };
+   Steps::EgressMaskIs mask{ parameters.ports };
    U32 const tipped = *rc::gen::inRange< U32 >( 0, Brum::PerUnitBitmap::kBits );
    mask.ports.bit( tipped ) ? mask.ports.bitClear( tipped ) : mask.ports.bitSet( tipped );
    return mask;
@@ -71,17 +71,16 @@ Drift::Change changeOf( Chip::Action action, Chip::ActionParameters const & para
 
 // Any qualifier of the rule changes, or any action.
 template< typename Parts >
-Drift::Change changeOfOne( Chip::Rule const & rule, Parts const & parts ) {
+DriftStep::Change changeOfOne( Chip::Rule const & rule, Parts const & parts ) {
    auto const part = *rc::gen::elementOf( partsOf( rule, parts ) );
    return changeOf( part, *rule.content[ part ] );
 }
 
-Drift::Change changeOfPriority( Chip::Rule const & rule ) {
+DriftStep::Change changeOfPriority( Chip::Rule const & rule ) {
    auto const other = *rc::gen::suchThat( rc::gen::inRange< U32 >( 0, 5 ), [ & ]( U32 one ) {
       return one != rule.content.priority;
    } );
-   return rule.content.priority && other == 4 ? Scenario::PriorityIs{}
-                                              : Scenario::PriorityIs{ other };
+   return rule.content.priority && other == 4 ? Steps::PriorityIs{} : Steps::PriorityIs{ other };
 }
 
 // A rule that matches another gport.
@@ -96,11 +95,11 @@ std::optional< U32 > otherWithGport( Chip::Rule const & rule, Chip::Rules const 
    return std::nullopt;
 }
 
-Drift::Change anyChange( Chip::Rule const & rule, Chip::Rules const & rules ) {
+DriftStep::Change anyChange( Chip::Rule const & rule, Chip::Rules const & rules ) {
    switch ( *rc::gen::inRange( 0, 5 ) ) {
    case 0:
-      return *rc::gen::element( Scenario::EntryFate::erased, Scenario::EntryFate::destroyed,
-                                Scenario::EntryFate::copied );
+      return *rc::gen::element( Steps::EntryFate::erased, Steps::EntryFate::destroyed,
+                                Steps::EntryFate::copied );
    case 1: return changeOfPriority( rule );
    case 2:
       if ( !partsOf( rule, Chip::kActions ).empty() ) {
@@ -109,7 +108,7 @@ Drift::Change anyChange( Chip::Rule const & rule, Chip::Rules const & rules ) {
       break;
    case 3:
       if ( auto const other = otherWithGport( rule, rules ) ) {
-         return Scenario::GportsSwap{ *other };
+         return Steps::GportsSwap{ *other };
       }
       break;
    default: break;
@@ -117,9 +116,9 @@ Drift::Change anyChange( Chip::Rule const & rule, Chip::Rules const & rules ) {
    return changeOfOne( rule, Chip::kQualifiers );
 }
 
-Drift anyDrift( Chip::Rules const & rules ) {
+DriftStep anyDrift( Chip::Rules const & rules ) {
    Chip::Rule const rule = *rc::gen::elementOf( rules );
-   Drift drift;
+   DriftStep drift;
    drift.group = rule.key.group == Vornal::kIfpLocalBiasGroup ? Scenario::TcamGroup::ingress
                                                               : Scenario::TcamGroup::egress;
    drift.unit = rule.key.unit;
@@ -128,19 +127,19 @@ Drift anyDrift( Chip::Rules const & rules ) {
    return drift;
 }
 
-bool isAbout( Story::Difference const & difference, Drift const & drift ) {
+bool isAbout( Story::Difference const & difference, DriftStep const & drift ) {
    return difference.unit == drift.unit && !isKnown( difference.kind );
 }
 
-bool isFound( Drift const & drift, LiveSwitch & device ) {
-   device.take( { drift, 1 } );
+bool isFound( DriftStep const & drift, LiveSwitch & device ) {
+   device.take( std::make_shared< DriftStep >( drift ) );
    auto const found = device.audited().differences;
    return std::any_of( found.begin(), found.end(),
                        [ & ]( auto const & one ) { return isAbout( one, drift ); } );
 }
 
 // Whether the audit finds it in a copy of this process; the switch here stays as it is.
-bool isFoundInCopy( Drift const & drift, LiveSwitch & device ) {
+bool isFoundInCopy( DriftStep const & drift, LiveSwitch & device ) {
    pid_t const pid = fork();
    if ( pid == 0 ) {
       _exit( isFound( drift, device ) ? EXIT_SUCCESS : EXIT_FAILURE );
@@ -166,8 +165,8 @@ TEST_P( DriftProperty, TheAuditFindsEverySingleDrift ) {
    ASSERT_TRUE( device.audited().differences.empty() );
    EXPECT_TRUE( rc::check( [ & ] {
       for ( int n = 0; n < kDriftsOfEach; ++n ) {
-         Drift const drift = anyDrift( rules );
-         RC_LOG() << Scenario::description( drift ) << '\n';
+         DriftStep const drift = anyDrift( rules );
+         RC_LOG() << drift.description() << '\n';
          RC_ASSERT( isFoundInCopy( drift, device ) );
       }
    } ) );

@@ -97,10 +97,10 @@ class DriftStep : public AuditRun {
  protected:
    // What is said of a step that cannot be carried out.
    std::string refusal( std::string const & words ) {
-      scenario = Scenario::readText( Leaf().text( "   - ready: subagents::l2Ready\n"
-                                                  "   - drift: { unit: 0, " +
-                                                  words + " }\n" ),
-                                     "leaf.yaml" );
+      scenario = Steps::readScenarioText( Leaf().text( "   - ready: subagents::l2Ready\n"
+                                                       "   - drift: { unit: 0, " +
+                                                       words + " }\n" ),
+                                          "leaf.yaml" );
       Host::AgentConfig config;
       config.plugin = Support::plugin();
       Host::Agent( scenario, config, ring.bytes(), story ).run();

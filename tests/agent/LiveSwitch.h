@@ -5,30 +5,32 @@
 #include <AuditRun.h>
 #include <Host/Environment.h>
 #include <Loading/LoadedPlugin.h>
+#include <Steps/Publish.h>
+#include <Steps/Verify.h>
 
 class LiveSwitch {
  public:
    explicit LiveSwitch( Leaf const & leaf )
-         : scenario_(
-              Scenario::readText( leaf.text( "   - ready: subagents::l2Ready\n" ), "leaf.yaml" ) ),
+         : scenario_( Steps::readScenarioText( leaf.text( "   - ready: subagents::l2Ready\n" ),
+                                               "leaf.yaml" ) ),
            environment_( scenario_, ring_.bytes(), story_ ) {
-      environment_.steps().queuePublished( scenario_.published );
+      Steps::queuePublished( environment_.forSteps(), scenario_.published );
       environment_.activity().run();
       environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
       plugin_.emplace( Support::plugin(), "1", environment_.forPlugins() );
       plugin_->start();
       environment_.activity().run();
-      take( scenario_.steps.at( 0 ) );
+      take( scenario_.steps.at( 0 ).action );
    }
 
-   void take( Scenario::Step const & step ) {
-      environment_.steps().queue( step );
+   void take( std::shared_ptr< Scenario::Action const > const & action ) {
+      action->queue( environment_.forSteps(), 1 );
       environment_.activity().run();
    }
 
    Story::Audited audited() {
       story_.clear();
-      environment_.steps().queueVerification( Scenario::Verify::audit );
+      Steps::queueVerification( environment_.forSteps(), Steps::Verify::How::audit );
       environment_.activity().run();
       return story_.all< Story::Audited >().at( 0 );
    }

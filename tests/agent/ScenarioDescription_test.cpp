@@ -1,6 +1,4 @@
 // What a step says of itself in the output.
-#include <Scenario/Description.h>
-
 #include <gtest/gtest.h>
 
 #include <ScenarioTexts.h>
@@ -12,7 +10,7 @@ using namespace ScenarioTexts;
 std::string described( std::string const & step ) {
    auto const model =
       read( kPublished + "trace: { VornalEvpnSm: 0-8 }\nsteps:\n   - " + step + '\n' );
-   return Scenario::description( model.steps.at( 0 ).action );
+   return model.steps.at( 0 ).action->description();
 }
 
 TEST( ScenarioDescription, OfANoteIsItsText ) {

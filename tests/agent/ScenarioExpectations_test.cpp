@@ -1,8 +1,14 @@
 // What the step `expect` holds.
 #include <gtest/gtest.h>
 
-#include <Scenario/Description.h>
+#include <Expectations/LogLineExpected.h>
+#include <Expectations/PluginReady.h>
+#include <Expectations/Rules.h>
+#include <Expectations/State.h>
+#include <Expectations/TcamGroupsAskedFor.h>
+#include <Expectations/TraceLineExpected.h>
 #include <ScenarioTexts.h>
+#include <Steps/Expect.h>
 
 namespace {
 
@@ -13,17 +19,17 @@ std::string step( std::string const & expect ) {
    return "trace: { VornalEvpnSm: 5 }\nsteps: [ { expect: " + expect + " } ]\n";
 }
 
-std::vector< Scenario::Expectation > expectations( std::string const & expect ) {
+std::vector< Expectations::Expectation > expectations( std::string const & expect ) {
    auto const model = readLeaf( step( expect ) );
-   return std::get< Scenario::Expect >( model.steps.at( 0 ).action ).expectations;
+   return stepOf< Steps::Expect >( model ).expectations;
 }
 
-template< typename Expected > Expected expected( std::string const & expect ) {
-   return std::get< Expected >( expectations( expect ).at( 0 ).what );
+template< typename Kind > Kind expected( std::string const & expect ) {
+   return *expectations( expect ).at( 0 ).as< Kind >();
 }
 
 std::string describedOf( std::string const & expect ) {
-   return Scenario::description( expectations( expect ).at( 0 ).what );
+   return expectations( expect ).at( 0 ).what->description();
 }
 
 std::string expectProblems( std::string const & expect ) {
@@ -36,21 +42,21 @@ TEST( ScenarioExpectations, AreTheWordsOfAMappingInTheOrderWritten ) {
       "  plug-in: ready }" );
    ASSERT_EQ( all.size(), 2U );
    EXPECT_EQ( all[ 0 ].line, 10 );
-   EXPECT_EQ( std::get< Scenario::TcamGroupsAskedFor >( all[ 0 ].what ).groups,
+   EXPECT_EQ( all[ 0 ].as< Expectations::TcamGroupsAskedFor >()->groups,
               ( std::vector{ Scenario::TcamGroup::egress, Scenario::TcamGroup::ingress } ) );
    EXPECT_EQ( all[ 1 ].line, 11 );
-   EXPECT_TRUE( std::get< Scenario::PluginReady >( all[ 1 ].what ).isReady );
+   EXPECT_TRUE( all[ 1 ].as< Expectations::PluginReady >()->isReady );
 }
 
 TEST( ScenarioExpectations, CanBeAListOfMappings ) {
    auto const all = expectations( "[ { log: FULL }, { log: RECOVERED, plug-in: waiting } ]" );
    ASSERT_EQ( all.size(), 3U );
-   EXPECT_EQ( std::get< Scenario::LogLine >( all[ 1 ].what ).text, "RECOVERED" );
-   EXPECT_FALSE( std::get< Scenario::PluginReady >( all[ 2 ].what ).isReady );
+   EXPECT_EQ( all[ 1 ].as< Expectations::LogLineExpected >()->text, "RECOVERED" );
+   EXPECT_FALSE( all[ 2 ].as< Expectations::PluginReady >()->isReady );
 }
 
 TEST( ScenarioExpectations, CompareAnAttribute ) {
-   auto const state = expected< Scenario::AttributeEquals >(
+   auto const state = expected< Expectations::AttributeEquals >(
       "{ state: { equals: unit0/port1/mod1, key: Ethernet1, attribute: vornalIntfToPort,\n"
       "           entity: /shared/vornalCommon } }" );
    EXPECT_EQ( state.at.entity.stringValue(), "/shared/vornalCommon" );
@@ -60,11 +66,11 @@ TEST( ScenarioExpectations, CompareAnAttribute ) {
 }
 
 TEST( ScenarioExpectations, LookForAKey ) {
-   auto const has = expected< Scenario::AttributeHas >(
+   auto const has = expected< Expectations::AttributeHas >(
       "{ state: { entity: /evpn/status, attribute: segmentStatus, has: Ethernet1 } }" );
    EXPECT_TRUE( has.isPresent );
    EXPECT_EQ( has.at.key, "Ethernet1" );
-   auto const lacks = expected< Scenario::AttributeHas >(
+   auto const lacks = expected< Expectations::AttributeHas >(
       "{ state: { entity: /evpn/status, attribute: segmentStatus, lacks: Ethernet2 } }" );
    EXPECT_FALSE( lacks.isPresent );
    EXPECT_EQ( lacks.at.key, "Ethernet2" );
@@ -72,11 +78,11 @@ TEST( ScenarioExpectations, LookForAKey ) {
 
 TEST( ScenarioExpectations, CountRulesOnOneUnitOrOnAll ) {
    auto const one =
-      expected< Scenario::RulesLike >( "{ rules: { group: ingress, unit: 0, count: 3 } }" );
+      expected< Expectations::RulesLike >( "{ rules: { group: ingress, unit: 0, count: 3 } }" );
    EXPECT_EQ( one.group, Scenario::TcamGroup::ingress );
    EXPECT_EQ( one.unit, U16{ 0 } );
    EXPECT_EQ( one.count, 3U );
-   auto const all = expected< Scenario::RulesLike >( "{ rules: { group: egress } }" );
+   auto const all = expected< Expectations::RulesLike >( "{ rules: { group: egress } }" );
    EXPECT_EQ( all.group, Scenario::TcamGroup::egress );
    EXPECT_EQ( all.unit, std::nullopt );
    EXPECT_EQ( all.count, std::nullopt );
@@ -102,14 +108,16 @@ TEST( ScenarioExpectations, RefuseFieldsThatNoRuleHas ) {
 }
 
 TEST( ScenarioExpectations, LookForLogLines ) {
-   auto const any = expected< Scenario::LogLine >( "{ log: MULTIHOMING_TCAM_RESOURCE_FULL }" );
+   auto const any =
+      expected< Expectations::LogLineExpected >( "{ log: MULTIHOMING_TCAM_RESOURCE_FULL }" );
    EXPECT_EQ( any.text, "MULTIHOMING_TCAM_RESOURCE_FULL" );
    EXPECT_EQ( any.times, std::nullopt );
-   EXPECT_EQ( expected< Scenario::LogLine >( "{ log: { text: FULL, times: 0 } }" ).times, 0U );
+   EXPECT_EQ(
+      expected< Expectations::LogLineExpected >( "{ log: { text: FULL, times: 0 } }" ).times, 0U );
 }
 
 TEST( ScenarioExpectations, LookForTraceLines ) {
-   auto const line = expected< Scenario::TraceLine >(
+   auto const line = expected< Expectations::TraceLineExpected >(
       "{ trace: { handle: VornalEvpnSm, level: 5, text: ' tepIp: ', times: 2 } }" );
    EXPECT_EQ( line.handle, "VornalEvpnSm" );
    EXPECT_EQ( line.level, 5 );

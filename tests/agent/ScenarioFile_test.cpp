@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <Scenario/Reader.h>
 #include <ScenarioTexts.h>
+#include <Steps/Reader.h>
 #include <Support.h>
 
 #include <sys/stat.h>
@@ -118,7 +118,7 @@ TEST_F( ScenarioFile, CanBeAnOpenPipe ) {
 
 TEST_F( ScenarioFile, BeginsWithAByteOrderMarkOrNot ) {
    fs::path const file = folder.file( "leaf.yaml", "\xef\xbb\xbf" + ScenarioTexts::kLeaf );
-   EXPECT_EQ( Scenario::read( file ).name, "two leaves" );
+   EXPECT_EQ( Steps::readScenario( file ).name, "two leaves" );
 }
 
 }  // namespace

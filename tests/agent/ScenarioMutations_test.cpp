@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <Mutations.h>
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 #include <Support.h>
 
 namespace {
@@ -18,7 +18,7 @@ using Schema::Json;
 // What the reader says; nothing when it takes the scenario.
 std::vector< Scenario::Problem > problemsOf( std::string const & text, fs::path const & file ) {
    try {
-      Scenario::readText( text, file );
+      Steps::readScenarioText( text, file );
    } catch ( Scenario::ReadError const & error ) {
       return error.problems();
    }

@@ -4,6 +4,8 @@
 
 #include <Scenario/Description.h>
 #include <ScenarioTexts.h>
+#include <Steps/Publish.h>
+#include <Steps/Withdraw.h>
 
 namespace {
 
@@ -22,12 +24,12 @@ std::string told( std::vector< Scenario::Change > const & changes, bool isWithdr
 // The changes of a first step, which begins in line 10.
 std::string published( std::string const & words ) {
    auto const model = readLeaf( "steps:\n   - publish:\n" + words );
-   return told( std::get< Scenario::Publish >( model.steps.at( 0 ).action ).changes );
+   return told( stepOf< Steps::Publish >( model ).changes );
 }
 
 std::string withdrawn( std::string const & words ) {
    auto const model = read( kPublished + "steps:\n   - withdraw:\n" + words );
-   return told( std::get< Scenario::Withdraw >( model.steps.at( 0 ).action ).changes, true );
+   return told( stepOf< Steps::Withdraw >( model ).changes, true );
 }
 
 std::string publishProblems( std::string const & words ) {

@@ -1,5 +1,5 @@
 // The scenario as a whole: what a good one becomes, and files.
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 
 #include <filesystem>
 #include <fstream>
@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <ScenarioTexts.h>
+#include <Steps/Note.h>
 
 namespace {
 
@@ -17,7 +18,7 @@ std::string const kData = VORNAL_SOURCE_DIR "/tests/agent/data/";
 
 std::string fileProblems( std::string const & file ) {
    try {
-      Scenario::read( file );
+      Steps::readScenario( file );
    } catch ( Scenario::ReadError const & error ) {
       return error.what();
    }
@@ -79,21 +80,21 @@ TEST( ScenarioReader, TakesTraceLevelsInOrder ) {
 }
 
 TEST( ScenarioReader, LooksForFeatureFilesBesideTheScenario ) {
-   auto const model = Scenario::readText( kLeaf, "some/where/leaf.yaml" );
+   auto const model = Steps::readScenarioText( kLeaf, "some/where/leaf.yaml" );
    EXPECT_EQ( model.featureFiles, "some/where" );
 }
 
 TEST( ScenarioReader, TakesADirectoryOfFeatureFiles ) {
    auto const model =
-      Scenario::readText( kLeaf + "features: feature-files\n", kData + "leaf.yaml" );
+      Steps::readScenarioText( kLeaf + "features: feature-files\n", kData + "leaf.yaml" );
    EXPECT_EQ( model.featureFiles, kData + "feature-files" );
 }
 
 // --- a scenario that is based on another
 
 TEST( ScenarioReader, TakesAnotherScenarioUnderItsOwnNameAndVariant ) {
-   Scenario::Model const base = Scenario::read( kData + "whole.yaml" );
-   Scenario::Model const twin = Scenario::read( kData + "twin.yaml" );
+   Scenario::Model const base = Steps::readScenario( kData + "whole.yaml" );
+   Scenario::Model const twin = Steps::readScenario( kData + "twin.yaml" );
    EXPECT_EQ( base.device.variant, Variant::egressMask );
    EXPECT_EQ( twin.device.variant, Variant::classId );
    EXPECT_EQ( twin.name, "twin" );
@@ -107,12 +108,13 @@ TEST( ScenarioReader, TakesTheStepsOfTheTwinsVariant ) {
    auto const notes = []( Scenario::Model const & model ) {
       std::string text;
       for ( Scenario::Step const & step : model.steps ) {
-         text += std::get< Scenario::Note >( step.action ).text + '\n';
+         text += step.as< Steps::Note >()->text + '\n';
       }
       return text;
    };
-   EXPECT_EQ( notes( Scenario::read( kData + "whole.yaml" ) ), "for both\nfor egress masks\n" );
-   EXPECT_EQ( notes( Scenario::read( kData + "twin.yaml" ) ), "for both\nfor class ids\n" );
+   EXPECT_EQ( notes( Steps::readScenario( kData + "whole.yaml" ) ),
+              "for both\nfor egress masks\n" );
+   EXPECT_EQ( notes( Steps::readScenario( kData + "twin.yaml" ) ), "for both\nfor class ids\n" );
 }
 
 TEST( ScenarioReader, RefusesABaseThatIsNoFile ) {

@@ -2,6 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <ScenarioTexts.h>
+#include <Steps/Call.h>
+#include <Steps/Delete.h>
+#include <Steps/Note.h>
+#include <Steps/Ready.h>
+#include <Steps/Set.h>
 
 namespace {
 
@@ -12,26 +17,25 @@ std::string stepProblems( std::string const & step ) {
    return leafProblems( "steps:\n   - " + step + '\n' );
 }
 
-template< typename Action > Action step( std::string const & text ) {
-   return std::get< Action >( readLeaf( "steps:\n   - " + text + '\n' ).steps.at( 0 ).action );
+template< typename Kind > Kind step( std::string const & text ) {
+   return stepOf< Kind >( readLeaf( "steps:\n   - " + text + '\n' ) );
 }
 
 TEST( ScenarioSteps, StandInTheOrderWrittenWithTheirLines ) {
-   auto const steps = readLeaf(
-                         "steps:\n"
-                         "   - note: first\n"
-                         "   -\n"
-                         "      ready: subagents::l2Ready\n" )
-                         .steps;
-   ASSERT_EQ( steps.size(), 2U );
-   EXPECT_EQ( steps[ 0 ].line, 10 );
-   EXPECT_EQ( std::get< Scenario::Note >( steps[ 0 ].action ).text, "first" );
-   EXPECT_EQ( steps[ 1 ].line, 12 );
-   EXPECT_EQ( std::get< Scenario::Ready >( steps[ 1 ].action ).point, "l2Ready" );
+   auto const model = readLeaf(
+      "steps:\n"
+      "   - note: first\n"
+      "   -\n"
+      "      ready: subagents::l2Ready\n" );
+   ASSERT_EQ( model.steps.size(), 2U );
+   EXPECT_EQ( model.steps[ 0 ].line, 10 );
+   EXPECT_EQ( stepOf< Steps::Note >( model, 0 ).text, "first" );
+   EXPECT_EQ( model.steps[ 1 ].line, 12 );
+   EXPECT_EQ( stepOf< Steps::Ready >( model, 1 ).point, "l2Ready" );
 }
 
 TEST( ScenarioSteps, SetAnAttributeWithKeyAndValue ) {
-   auto const set = step< Scenario::Set >(
+   auto const set = step< Steps::Set >(
       "set: { entity: /shared/vornalCommon, "
       "attribute: vornalModId, key: 0, value: 5 }" );
    EXPECT_EQ( set.at.entity.stringValue(), "/shared/vornalCommon" );
@@ -41,15 +45,15 @@ TEST( ScenarioSteps, SetAnAttributeWithKeyAndValue ) {
 }
 
 TEST( ScenarioSteps, SetTextsAsTheyAreWritten ) {
-   auto const set = step< Scenario::Set >( "set: { entity: /a, attribute: b, value: true }" );
+   auto const set = step< Steps::Set >( "set: { entity: /a, attribute: b, value: true }" );
    EXPECT_EQ( set.value, "true" );
    EXPECT_EQ( set.at.key, "" );
-   EXPECT_EQ( step< Scenario::Set >( "set: { entity: /a, attribute: b, value: '\"\"' }" ).value,
+   EXPECT_EQ( step< Steps::Set >( "set: { entity: /a, attribute: b, value: '\"\"' }" ).value,
               "\"\"" );
 }
 
 TEST( ScenarioSteps, DeleteAKey ) {
-   auto const step_ = step< Scenario::Delete >(
+   auto const step_ = step< Steps::Delete >(
       "delete: { entity: '/evpn/status/segmentStatus[Port-Channel2]', attribute: remoteTep, "
       "key: 10.0.0.2 }" );
    EXPECT_EQ( step_.at.entity.stringValue(), "/evpn/status/segmentStatus[Port-Channel2]" );
@@ -57,13 +61,13 @@ TEST( ScenarioSteps, DeleteAKey ) {
 }
 
 TEST( ScenarioSteps, CallAnOperationWithItsArguments ) {
-   auto const call = step< Scenario::Call >(
+   auto const call = step< Steps::Call >(
       "call: { entity: /shared/vornalCommon, operation: intfPortIs, "
       "arguments: [ Ethernet1, unit0/port5/mod1 ] }" );
    EXPECT_EQ( call.entity.stringValue(), "/shared/vornalCommon" );
    EXPECT_EQ( call.operation, "intfPortIs" );
    EXPECT_EQ( call.arguments, ( std::vector< std::string >{ "Ethernet1", "unit0/port5/mod1" } ) );
-   EXPECT_TRUE( step< Scenario::Call >( "call: { entity: /a, operation: b }" ).arguments.empty() );
+   EXPECT_TRUE( step< Steps::Call >( "call: { entity: /a, operation: b }" ).arguments.empty() );
 }
 
 TEST( ScenarioSteps, AreLeftOutOnTheOtherVariant ) {

@@ -3,9 +3,14 @@
 
 #include <string>
 
-#include <Scenario/Reader.h>
+#include <Steps/Reader.h>
 
 namespace ScenarioTexts {
+
+// The step of a model, which must be of that kind.
+template< typename Kind > Kind const & stepOf( Scenario::Model const & model, std::size_t n = 0 ) {
+   return dynamic_cast< Kind const & >( *model.steps.at( n ).action );
+}
 
 // A switch with two interfaces and a port channel, in lines 1 to 8. What a test adds begins at
 // line 9.
@@ -31,7 +36,7 @@ inline std::string const kPublished =
    "          port-channels: { Port-Channel2: [ Ethernet2 ] } }\n";
 
 inline Scenario::Model read( std::string const & text ) {
-   return Scenario::readText( text, "leaf.yaml" );
+   return Steps::readScenarioText( text, "leaf.yaml" );
 }
 
 // The switch above with `more` from line 9 on.

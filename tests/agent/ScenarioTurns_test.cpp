@@ -2,8 +2,16 @@
 #include <gtest/gtest.h>
 
 #include <Calls/Faults.h>
-#include <Scenario/Description.h>
 #include <ScenarioTexts.h>
+#include <Steps/Call.h>
+#include <Steps/Delete.h>
+#include <Steps/FailCall.h>
+#include <Steps/Publish.h>
+#include <Steps/Ready.h>
+#include <Steps/Replace.h>
+#include <Steps/Set.h>
+#include <Steps/Turn.h>
+#include <Steps/Withdraw.h>
 
 namespace {
 
@@ -14,22 +22,26 @@ std::string stepProblems( std::string const & step ) {
    return leafProblems( "steps:\n   - " + step + '\n' );
 }
 
-Scenario::Action actionOf( std::string const & step ) {
-   return read( kPublished + "steps:\n   - " + step + '\n' ).steps.at( 0 ).action;
+Scenario::Model modelOf( std::string const & step ) {
+   return read( kPublished + "steps:\n   - " + step + '\n' );
 }
 
-template< typename Action > Action step( std::string const & text ) {
-   return std::get< Action >( actionOf( text ) );
+template< typename Kind > Kind step( std::string const & text ) {
+   return stepOf< Kind >( modelOf( text ) );
 }
 
 std::string described( std::string const & step ) {
-   return Scenario::description( actionOf( step ) );
+   return modelOf( step ).steps.at( 0 ).action->description();
+}
+
+template< typename Kind > bool isOfKind( Steps::Turn::PlacedPart const & one ) {
+   return dynamic_cast< Kind const * >( one.part.get() ) != nullptr;
 }
 
 // --- turn
 
 TEST( ScenarioTurns, HoldTheirChangesInTheOrderWrittenWithTheirLines ) {
-   auto const turn = step< Scenario::Turn >(
+   auto const turn = step< Steps::Turn >(
       "turn:\n"
       "        - withdraw: { vteps: [ 10.0.0.2 ] }\n"
       "        - publish: { vteps: { 10.0.0.2: { virtual-port: 7 } } }\n"
@@ -40,13 +52,13 @@ TEST( ScenarioTurns, HoldTheirChangesInTheOrderWrittenWithTheirLines ) {
       "        - call: { entity: /a, operation: b }" );
 
    ASSERT_EQ( turn.parts.size(), 7U );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Withdraw >( turn.parts[ 0 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Publish >( turn.parts[ 1 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Replace >( turn.parts[ 2 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Ready >( turn.parts[ 3 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Set >( turn.parts[ 4 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Delete >( turn.parts[ 5 ].part ) );
-   EXPECT_TRUE( std::holds_alternative< Scenario::Call >( turn.parts[ 6 ].part ) );
+   EXPECT_TRUE( isOfKind< Steps::Withdraw >( turn.parts[ 0 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Publish >( turn.parts[ 1 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Replace >( turn.parts[ 2 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Ready >( turn.parts[ 3 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Set >( turn.parts[ 4 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Delete >( turn.parts[ 5 ] ) );
+   EXPECT_TRUE( isOfKind< Steps::Call >( turn.parts[ 6 ] ) );
    EXPECT_EQ( turn.parts[ 0 ].line, 11 );
    EXPECT_EQ( turn.parts[ 6 ].line, 17 );
 }
@@ -89,7 +101,7 @@ TEST( ScenarioTurns, RefuseWhatTheirWordsRefuse ) {
 // --- replace
 
 TEST( ScenarioReplace, TakesWholeEntitiesWithWhatTheyHold ) {
-   auto const replace = step< Scenario::Replace >(
+   auto const replace = step< Steps::Replace >(
       "replace:\n"
       "        segments: { Ethernet1: [ 10.0.0.2, 10.0.0.3 ], Port-Channel2: [] }\n"
       "        tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001, blue: none } } }" );
@@ -131,7 +143,7 @@ TEST( ScenarioReplace, RefusesWhatHasNoEntityOfItsOwn ) {
 
 TEST( ScenarioFailCall, NamesOperationNumberAndCode ) {
    auto const fail =
-      step< Scenario::FailCall >( "fail-call: { operation: installEntry, number: 3, code: -6 }" );
+      step< Steps::FailCall >( "fail-call: { operation: installEntry, number: 3, code: -6 }" );
    EXPECT_EQ( fail.operation, "installEntry" );
    EXPECT_EQ( fail.number, 3U );
    EXPECT_EQ( fail.code, -6 );
@@ -141,7 +153,7 @@ TEST( ScenarioFailCall, NamesOperationNumberAndCode ) {
 
 TEST( ScenarioFailCall, IsTheNextCallIfNoNumberIsGiven ) {
    auto const fail =
-      step< Scenario::FailCall >( "fail-call: { operation: bcm_field_action_add, code: 2 }" );
+      step< Steps::FailCall >( "fail-call: { operation: bcm_field_action_add, code: 2 }" );
    EXPECT_EQ( fail.number, 1U );
    EXPECT_EQ( fail.code, 2 );
 }

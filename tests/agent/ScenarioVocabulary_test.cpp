@@ -1,5 +1,5 @@
 // The reader, the JSON Schema and the shipped scenarios know the same words.
-#include <Scenario/Vocabulary.h>
+#include <Steps/Reader.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,8 +9,6 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-
-#include <Scenario/Reader.h>
 
 namespace {
 
@@ -60,7 +58,7 @@ void forEachObject( Json const & json, std::function< void( Json const & ) > con
 }
 
 TEST( ScenarioVocabulary, IsThatOfTheSchemaAtEveryPlace ) {
-   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+   for ( Scenario::WordList const & list : Steps::vocabulary() ) {
       std::string const place( list.place );
       ASSERT_TRUE( definitions().contains( place ) ) << "the schema has no definition of " << place;
       Words words;
@@ -78,7 +76,7 @@ TEST( ScenarioVocabulary, IsThatOfTheSchemaAtEveryPlace ) {
 
 TEST( ScenarioVocabulary, HasEveryMappingThatTheSchemaDefines ) {
    Words places;
-   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+   for ( Scenario::WordList const & list : Steps::vocabulary() ) {
       EXPECT_TRUE( places.emplace( list.place ).second ) << list.place << " is there twice";
    }
    for ( auto const & [ place, definition ] : definitions().items() ) {
@@ -156,7 +154,8 @@ std::string scenarioOf( std::string const & example ) {
 TEST( ScenarioVocabulary, IsShownInExamplesThatTheReaderTakes ) {
    for ( std::string const & example : examples() ) {
       try {
-         Scenario::readText( scenarioOf( example ), kSource / "scenarios/start-up/example.yaml" );
+         Steps::readScenarioText( scenarioOf( example ),
+                                  kSource / "scenarios/start-up/example.yaml" );
       } catch ( Scenario::ReadError const & error ) {
          ADD_FAILURE() << error.what() << "\n" << scenarioOf( example );
       }
@@ -166,7 +165,7 @@ TEST( ScenarioVocabulary, IsShownInExamplesThatTheReaderTakes ) {
 
 TEST( ScenarioVocabulary, IsDescribedWordByWord ) {
    std::string const text = document();
-   for ( Scenario::WordList const & list : Scenario::vocabulary() ) {
+   for ( Scenario::WordList const & list : Steps::vocabulary() ) {
       for ( Scenario::WordName const & word : list.words ) {
          EXPECT_NE( text.find( '`' + std::string( word.name ) + '`' ), std::string::npos )
             << "docs/scenarios.md says nothing of '" << word.name << "' of " << list.place;
@@ -179,9 +178,9 @@ TEST( ScenarioVocabulary, SufficesForEveryShippedScenario ) {
    for ( auto const & folder : fs::directory_iterator( kSource / "scenarios" ) ) {
       fs::path const file = folder.path() / "scenario.yaml";
       if ( fs::exists( file ) ) {
-         EXPECT_NO_THROW( Scenario::read( file ) );
+         EXPECT_NO_THROW( Steps::readScenario( file ) );
          EXPECT_TRUE( fs::exists( folder.path() / "README.md" ) ) << folder.path();
-         EXPECT_EQ( Scenario::read( file ).name, folder.path().filename() );
+         EXPECT_EQ( Steps::readScenario( file ).name, folder.path().filename() );
          ++count;
       }
    }

@@ -9,8 +9,11 @@
 #include <Host/Agent.h>
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
-#include <Scenario/Reader.h>
 #include <Shipped.h>
+#include <Steps/Expect.h>
+#include <Steps/Note.h>
+#include <Steps/Reader.h>
+#include <Steps/Verify.h>
 #include <Support.h>
 
 namespace {
@@ -129,7 +132,7 @@ class VerifyShipped : public testing::TestWithParam< std::string > {
       for ( std::size_t step = 0; step < scenario.steps.size(); ++step ) {
          result.steps.push_back( scenario.steps[ step ] );
          if ( std::binary_search( steps.begin(), steps.end(), step ) ) {
-            result.steps.push_back( { Scenario::Verify::both, kAskedLine } );
+            result.steps.push_back( { std::make_shared< Steps::Verify >(), kAskedLine } );
          }
       }
       return result;
@@ -161,13 +164,12 @@ class VerifyShipped : public testing::TestWithParam< std::string > {
 
    // Whether a step changes anything.
    static bool isEvent( Scenario::Step const & step ) {
-      return !std::holds_alternative< Scenario::Note >( step.action ) &&
-             !std::holds_alternative< Scenario::Expect >( step.action );
+      return !step.as< Steps::Note >() && !step.as< Steps::Expect >();
    }
 };
 
 TEST_P( VerifyShipped, ThePassAndTheAuditAgreeAfterEveryStep ) {
-   auto const scenario = Scenario::read( Shipped::fileOf( GetParam() ) );
+   auto const scenario = Steps::readScenario( Shipped::fileOf( GetParam() ) );
    bool hasShownItsLimit = false;
    for ( auto const & [ step, verdicts ] : verdictsOf( scenario ) ) {
       hasShownItsLimit |= !verdicts.agree();

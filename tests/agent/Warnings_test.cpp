@@ -40,7 +40,7 @@ TEST_F( Warnings, NameTheTraceHandlesThatNoLoadedModuleHasAndWhereTheyStand ) {
 }
 
 TEST_F( Warnings, NameTheLineOfLevelsThatNoHandleTakes ) {
-   scenario = Scenario::readText( Switches::leaf( "   - note: x\n" ), "leaf.yaml" );
+   scenario = Steps::readScenarioText( Switches::leaf( "   - note: x\n" ), "leaf.yaml" );
    EXPECT_EQ( Host::unknownTraceHandles( scenario, {} ),
               Texts{ "leaf.yaml:18: 'Sample' is no trace handle of a loaded module" } )
       << "no plug-in is loaded";

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+
+#include <Expectations/Expected.h>
+#include <Quelm/Integers.h>
+
+namespace Expectations {
+
+// Lines logged since the scenario began that contain `text`: `times` of them, or if that is empty
+// at least one.
+class LogLineExpected final : public Expected {
+ public:
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   Finding check( Evidence const & evidence ) const override;
+
+   std::string text;
+   std::optional< U32 > times;
+};
+
+}  // namespace Expectations

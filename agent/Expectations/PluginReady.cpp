@@ -1,0 +1,35 @@
+#include <Expectations/PluginReady.h>
+
+#include <Expectations/Evidence.h>
+#include <Scenario/Values.h>
+
+namespace Expectations {
+
+namespace {
+
+Scenario::Choices< bool > const & states() {
+   static Scenario::Choices< bool > const choices{ "plug-in",
+                                                   { { "ready", true }, { "waiting", false } } };
+   return choices;
+}
+
+}  // namespace
+
+std::vector< WordList > PluginReady::vocabulary() {
+   return { states().list() };
+}
+
+void PluginReady::read( Reading & reading, Value const & value ) {
+   isReady = choiceOf( reading, value, states() ).value_or( true );
+}
+
+std::string PluginReady::description() const {
+   return isReady ? "plug-in ready" : "plug-in waiting";
+}
+
+Finding PluginReady::check( Evidence const & evidence ) const {
+   bool const isReadyNow = evidence.pluginPoint.isReady();
+   return { isReadyNow == isReady, isReadyNow ? "it is ready" : "it is not ready" };
+}
+
+}  // namespace Expectations

@@ -1,0 +1,203 @@
+#include <Expectations/Rules.h>
+
+#include <algorithm>
+#include <array>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <Brum/PerUnitBitmap.h>
+#include <Expectations/Counts.h>
+#include <Expectations/RuleComparison.h>
+#include <FieldProcessor/Fields.h>
+
+namespace Expectations {
+
+namespace {
+
+using Scenario::Choices;
+using Scenario::Table;
+
+constexpr U32 kHighestNumber = ~U32{ 0 };
+
+// --- qualifiers and actions
+
+using Fields = std::vector< RuleFieldWanted >;
+
+// A number, a list of them, or nothing where any will do.
+std::optional< std::vector< U32 > > numbersOf( Reading & reading, Value const & value,
+                                               U32 highest ) {
+   if ( value.node.IsNull() ) {
+      return std::nullopt;
+   }
+   std::vector< U32 > numbers;
+   if ( !value.node.IsSequence() ) {
+      numbers.push_back( numberOf( reading, value, 0, highest ).value_or( 0 ) );
+      return numbers;
+   }
+   for ( Value const & element : listOf( reading, value ) ) {
+      numbers.push_back( numberOf( reading, element, 0, highest ).value_or( 0 ) );
+   }
+   return numbers;
+}
+
+// The ports of a port mask, in the order in which the chip gives them.
+std::optional< std::vector< U32 > > portsOf( Reading & reading, Value const & value ) {
+   constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
+   auto ports = numbersOf( reading, value, kHighestPort );
+   if ( ports ) {
+      std::sort( ports->begin(), ports->end() );
+   }
+   return ports;
+}
+
+// Two numbers for a port, none for what has no data, and one for the rest.
+std::size_t countOfNumbers( std::string_view field ) {
+   return field == Chip::nameOf( Chip::Qualifier::DstPort ) ? 2
+          : field == Chip::nameOf( Chip::Action::Drop )     ? 0
+                                                            : 1;
+}
+
+// The data that a rule can have there.
+std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & value ) {
+   if ( value.name == Chip::nameOf( Chip::Action::EgressMask ) ) {
+      return portsOf( reading, value );
+   }
+   auto const numbers = numbersOf( reading, value, kHighestNumber );
+   std::size_t const count = countOfNumbers( value.name );
+   if ( numbers && numbers->size() != count ) {
+      constexpr std::array< std::string_view, 3 > expected{
+         "nothing is expected", "one number is expected",
+         "module and port are expected, as in [ 1, 3 ]"
+      };
+      reading.problem( value.line, value.name + " has " + std::to_string( numbers->size() ) +
+                                      ( numbers->size() == 1 ? " number; " : " numbers; " ) +
+                                      std::string( expected[ count ] ) );
+   }
+   return numbers;
+}
+
+template< typename Names >
+void readFields( Reading & reading, Value const & value, Names const & names, Fields & fields ) {
+   std::vector< std::string_view > known;
+   for ( auto const name : names ) {
+      known.push_back( Chip::nameOf( name ) );
+   }
+   for ( Value const & field : mappingOf( reading, value ) ) {
+      if ( std::find( known.begin(), known.end(), field.name ) == known.end() ) {
+         reading.problem( field.line, Scenario::inQuotes( field.name ) + " is none of a rule's " +
+                                         value.name + "; " + Text::knownOnes( known ) );
+         continue;
+      }
+      fields.push_back( { field.name, dataOf( reading, field ) } );
+   }
+}
+
+void readQualifiers( Reading & reading, Value const & value, RulesLike & rules ) {
+   readFields( reading, value, Chip::kQualifiers, rules.qualifiers );
+}
+
+void readActions( Reading & reading, Value const & value, RulesLike & rules ) {
+   if ( value.node.IsScalar() && value.node.Scalar() == "none" ) {
+      rules.doesNothing = true;
+   } else {
+      readFields( reading, value, Chip::kActions, rules.actions );
+   }
+}
+
+template< typename Names > WordList namesOf( std::string_view place, Names const & names ) {
+   WordList list{ place, {} };
+   for ( auto const name : names ) {
+      list.words.push_back( { Chip::nameOf( name ), {} } );
+   }
+   return list;
+}
+
+// --- the rest
+
+void readPriority( Reading & reading, Value const & value, RulesLike & rules ) {
+   if ( value.node.IsScalar() && value.node.Scalar() == "default" ) {
+      rules.priority = RulesLike::DefaultPriority{};
+   } else if ( auto const priority =
+                  numberOf( reading, value, 0, kHighestNumber, ", or default" ) ) {
+      rules.priority = *priority;
+   }
+}
+
+Choices< bool > const & writtenOrStaged() {
+   static Choices< bool > const choices{ "written",
+                                         { { "written", true }, { "staged-only", false } } };
+   return choices;
+}
+
+void readState( Reading & reading, Value const & value, RulesLike & rules ) {
+   rules.isWritten = choiceOf( reading, value, writtenOrStaged() );
+}
+
+Table< RulesLike > const & rulesTable() {
+   static Table< RulesLike > const table{
+      "rules",
+      { { { "group", "group: ingress" }, Scenario::readGroup< RulesLike > },
+        { { "unit", "" }, Scenario::readUnit< RulesLike > },
+        { { "name", "" }, Scenario::readText< RulesLike, &RulesLike::name > },
+        { { "state", "" }, readState },
+        { { "priority", "" }, readPriority },
+        { { "qualifiers", "" }, readQualifiers },
+        { { "actions", "" }, readActions },
+        { { "count", "" },
+          Scenario::readNumber< RulesLike, &RulesLike::count, 0, kHighestNumber > } }
+   };
+   return table;
+}
+
+// --- In words
+
+std::string describe( std::vector< RuleFieldWanted > const & fields ) {
+   std::string text;
+   for ( RuleFieldWanted const & field : fields ) {
+      text += ( text.empty() ? "" : " and " ) + field.name;
+      if ( field.numbers ) {
+         text += field.numbers->empty() ? " nothing"
+                                        : fmt::format( " {}", fmt::join( *field.numbers, ", " ) );
+      }
+   }
+   return text;
+}
+
+std::string describePriority( RulesLike const & what ) {
+   auto const * const number = std::get_if< U32 >( &*what.priority );
+   return number ? fmt::format( "priority {}", *number ) : "the default priority";
+}
+
+}  // namespace
+
+std::vector< WordList > RulesLike::vocabulary() {
+   return { rulesTable().list(), writtenOrStaged().list(),
+            namesOf( "qualifier", Chip::kQualifiers ), namesOf( "action", Chip::kActions ) };
+}
+
+void RulesLike::read( Reading & reading, Value const & value ) {
+   readMapping( reading, value, rulesTable(), *this );
+}
+
+std::string RulesLike::description() const {
+   std::string text =
+      fmt::format( "{} in group {}{}", count ? counted( *count, "rule" ) : "one or more rules",
+                   nameOf( group ), unit ? fmt::format( " of unit {}", *unit ) : "" );
+   auto const add = [ & ]( bool isAsked, std::string const & more ) {
+      text += isAsked ? ", " + more : "";
+   };
+   add( !name.empty(), "named \"" + name + '"' );
+   add( !qualifiers.empty(), "matching " + describe( qualifiers ) );
+   add( !actions.empty(), "doing " + describe( actions ) );
+   add( doesNothing, "doing nothing" );
+   add( priority.has_value(), priority ? describePriority( *this ) : "" );
+   add( isWritten.has_value(), isWritten.value_or( true ) ? "written" : "staged only" );
+   return text;
+}
+
+Finding RulesLike::check( Evidence const & evidence ) const {
+   return checkRules( *this, evidence );
+}
+
+}  // namespace Expectations

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+#include <variant>
+
+#include <Expectations/Expected.h>
+#include <Scenario/TcamGroup.h>
+
+namespace Expectations {
+
+// A qualifier or an action that a rule has, by its short name (Chip::nameOf), with its data, or
+// with the ports of a port mask; without numbers any will do.
+struct RuleFieldWanted {
+   std::string name;
+   std::optional< std::vector< U32 > > numbers;
+};
+
+// Rules that the plug-in holds in the group, on one unit or on all of them, which are as the rest
+// says: `count` of them, or if that is empty at least one.
+class RulesLike final : public Expected {
+ public:
+   struct DefaultPriority {};
+
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   Finding check( Evidence const & evidence ) const override;
+
+   Scenario::TcamGroup group = Scenario::TcamGroup::ingress;
+   std::optional< U16 > unit;
+   std::string name;  // contained in the rule's
+   std::optional< bool > isWritten;
+   std::optional< std::variant< DefaultPriority, U32 > > priority;
+   std::vector< RuleFieldWanted > qualifiers;
+   std::vector< RuleFieldWanted > actions;
+   bool doesNothing = false;  // has no action
+   std::optional< U32 > count;
+};
+
+}  // namespace Expectations

@@ -1,0 +1,84 @@
+#include <Expectations/Table.h>
+
+#include <Expectations/Audit.h>
+#include <Expectations/Frames.h>
+#include <Expectations/LogLineExpected.h>
+#include <Expectations/PluginReady.h>
+#include <Expectations/Rules.h>
+#include <Expectations/State.h>
+#include <Expectations/TcamGroupsAskedFor.h>
+#include <Expectations/TraceLineExpected.h>
+#include <Scenario/Values.h>
+
+namespace Expectations {
+
+namespace {
+
+template< typename Kind >
+std::shared_ptr< Expected const > readAs( Reading & reading, Value const & value ) {
+   auto const expected = std::make_shared< Kind >();
+   expected->read( reading, value );
+   return expected;
+}
+
+template< typename Kind > Row expectation( std::string_view name ) {
+   return { name, readAs< Kind >, Kind::vocabulary };
+}
+
+WordList words() {
+   WordList list{ "expect", {} };
+   for ( Row const & row : table() ) {
+      list.words.push_back( { row.name, "" } );
+   }
+   return list;
+}
+
+void readMembers( Reading & reading, Value const & value,
+                  std::vector< Expectation > & expectations ) {
+   if ( !isFilled( reading, value, words() ) ) {
+      return;
+   }
+   for ( auto const & [ word, about ] : entriesOf( reading, value, words() ) ) {
+      if ( auto what = table()[ word ].read( reading, about ) ) {
+         expectations.push_back( { std::move( what ), about.line } );
+      }
+   }
+}
+
+}  // namespace
+
+std::vector< Row > const & table() {
+   static std::vector< Row > const rows{
+      expectation< PluginReady >( "plug-in" ), expectation< TcamGroupsAskedFor >( "tcam-groups" ),
+      { "state", readState, stateVocabulary }, expectation< RulesLike >( "rules" ),
+      expectation< FramesLike >( "frames" ),   { "audit", readAudit, auditVocabulary },
+      expectation< LogLineExpected >( "log" ), expectation< TraceLineExpected >( "trace" )
+   };
+   return rows;
+}
+
+void readExpectations( Reading & reading, Value const & value,
+                       std::vector< Expectation > & expectations ) {
+   if ( !value.node.IsSequence() ) {
+      readMembers( reading, value, expectations );
+   } else if ( isFilled( reading, value, words() ) ) {
+      for ( Value const & mapping : listOf( reading, value ) ) {
+         readMembers( reading, mapping, expectations );
+      }
+   }
+}
+
+std::vector< WordList > Expected::vocabulary() {
+   return {};
+}
+
+std::vector< WordList > vocabulary() {
+   std::vector< WordList > all{ words() };
+   for ( Row const & row : table() ) {
+      std::vector< WordList > const more = row.vocabulary();
+      all.insert( all.end(), more.begin(), more.end() );
+   }
+   return all;
+}
+
+}  // namespace Expectations

@@ -1,0 +1,48 @@
+// One attribute of one entity, as steps and expectations name it.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <Scenario/Values.h>
+#include <StateDatabase/EntityPath.h>
+
+namespace Scenario {
+
+// `key` is empty where there is none. Texts are in the text forms of Quelm/Text.h, as the generic
+// interface (Kiv/Attribute.h) takes and gives them.
+struct AttributeAt {
+   StateDatabase::EntityPath entity;
+   std::string attribute;
+   std::string key;
+};
+
+// "/evpn/status segmentStatus[Ethernet1]"
+std::string textOf( AttributeAt const & at );
+
+void readPath( Reading & reading, Value const & value, StateDatabase::EntityPath & path );
+
+template< typename T > void readEntity( Reading & reading, Value const & value, T & target ) {
+   readPath( reading, value, target.at.entity );
+}
+
+template< typename T, std::string AttributeAt::*member >
+void readPlace( Reading & reading, Value const & value, T & target ) {
+   readText< AttributeAt, member >( reading, value, target.at );
+}
+
+// The words of a mapping whose subject is one attribute of one entity, its `at`, followed by
+// `others`.
+template< typename T >
+Table< T > attributeTable( std::string_view place, std::vector< Word< T > > const & others ) {
+   Table< T > table{ place,
+                     { { { "entity", "entity: /evpn/status" }, readEntity< T > },
+                       { { "attribute", "attribute: segmentStatus" },
+                         readPlace< T, &AttributeAt::attribute > },
+                       { { "key", "" }, readPlace< T, &AttributeAt::key > } } };
+   table.words.insert( table.words.end(), others.begin(), others.end() );
+   return table;
+}
+
+}  // namespace Scenario

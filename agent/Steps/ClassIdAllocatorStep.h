@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// The allocator of class ids grants nothing while it is paused.
+class ClassIdAllocatorStep final : public Step {
+ public:
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   void queue( Context const & context, int line ) const override;
+
+   bool isPaused = false;
+};
+
+}  // namespace Steps

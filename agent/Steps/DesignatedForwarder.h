@@ -1,0 +1,22 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include <Pelk/IntfId.h>
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// Interfaces forward, or do not forward, what came through a tunnel for several receivers.
+class DesignatedForwarder final : public Step {
+ public:
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   bool isAboutFrames() const override { return true; }
+   void queue( Context const & context, int line ) const override;
+
+   std::map< Pelk::IntfId, bool > isDesignated;
+};
+
+}  // namespace Steps

@@ -1,0 +1,241 @@
+#include <Steps/DriftStep.h>
+
+#include <fmt/format.h>
+
+#include <Scenario/TcamGroup.h>
+#include <Steps/Context.h>
+#include <Steps/Drifting.h>
+
+namespace Steps {
+
+namespace {
+
+using Scenario::Choices;
+using Scenario::Table;
+
+constexpr U32 kHighestNumber = ~U32{ 0 };
+
+// The words of one drift, as far as they are there.
+struct DriftWords {
+   Scenario::TcamGroup group = Scenario::TcamGroup::ingress;
+   U16 unit = 0;
+   std::vector< RuleNamed > rules;
+   std::vector< DriftStep::Change > changes;
+};
+
+// --- Which rule
+
+void readEntryId( Reading & reading, Value const & value, DriftWords & words ) {
+   words.rules.emplace_back( numberOf( reading, value, 1, kHighestNumber ).value_or( 1 ) );
+}
+
+void readRuleName( Reading & reading, Value const & value, DriftWords & words ) {
+   words.rules.emplace_back( stringOf( reading, value ).value_or( "" ) );
+}
+
+// --- What changes
+
+// The one of `all` whose name is `name`; a problem and nothing for any other.
+template< typename Part, typename All >
+std::optional< Part > partNamed( Reading & reading, std::string const & name, int line,
+                                 All const & all ) {
+   std::vector< std::string_view > known;
+   for ( Part const & part : all ) {
+      known.push_back( std::visit( []( auto one ) { return nameOf( one ); }, part ) );
+      if ( known.back() == name ) {
+         return part;
+      }
+   }
+   reading.problem( line, Scenario::inQuotes( name ) + " is not expected here; known are " +
+                             Text::listed( known, "and" ) );
+   return std::nullopt;
+}
+
+using Parts = std::vector< RulePart >;
+
+Parts qualifiers() {
+   return { Chip::kQualifiers.begin(), Chip::kQualifiers.end() };
+}
+
+Parts allParts() {
+   Parts parts = qualifiers();
+   parts.insert( parts.end(), Chip::kActions.begin(), Chip::kActions.end() );
+   return parts;
+}
+
+// Those that carry a number.
+Parts numberedParts() {
+   Parts parts = qualifiers();
+   parts.insert( parts.end(), { Chip::Action::EgressClassSelect, Chip::Action::NewClassId } );
+   return parts;
+}
+
+void readFlip( Reading & reading, Value const & value, DriftWords & words ) {
+   std::string const name = stringOf( reading, value ).value_or( "" );
+   words.changes.emplace_back(
+      PartFlips{ partNamed< RulePart >( reading, name, value.line, numberedParts() )
+                    .value_or( RulePart() ) } );
+}
+
+void readRemove( Reading & reading, Value const & value, DriftWords & words ) {
+   std::string const name = stringOf( reading, value ).value_or( "" );
+   words.changes.emplace_back( PartGoes{
+      partNamed< RulePart >( reading, name, value.line, allParts() ).value_or( RulePart() ) } );
+}
+
+void readMask( Reading & reading, Value const & value, DriftWords & words ) {
+   for ( Value const & member : mappingOf( reading, value ) ) {
+      auto const part = partNamed< RulePart >( reading, member.name, member.line, qualifiers() );
+      U32 const mask = numberOf( reading, member, 0, kHighestNumber ).value_or( 0 );
+      words.changes.emplace_back( QualifierMaskIs{
+         part ? std::get< Chip::Qualifier >( *part ) : Chip::Qualifier::SrcVxlanGport, mask } );
+   }
+}
+
+void readEgressMask( Reading & reading, Value const & value, DriftWords & words ) {
+   EgressMaskIs change;
+   for ( Value const & element : listOf( reading, value ) ) {
+      change.ports.bitSet(
+         numberOf( reading, element, 0, Brum::PerUnitBitmap::kBits - 1 ).value_or( 0 ) );
+   }
+   words.changes.emplace_back( change );
+}
+
+void readPriority( Reading & reading, Value const & value, DriftWords & words ) {
+   PriorityIs change;
+   if ( !value.node.IsScalar() || value.node.Scalar() != "default" ) {
+      change.priority = numberOf( reading, value, 0, kHighestNumber, ", or default" );
+   }
+   words.changes.emplace_back( change );
+}
+
+Choices< EntryFate > const & fates() {
+   static Choices< EntryFate > const choices{ "entry-is",
+                                              { { "erased", EntryFate::erased },
+                                                { "destroyed", EntryFate::destroyed },
+                                                { "copied", EntryFate::copied } } };
+   return choices;
+}
+
+void readFate( Reading & reading, Value const & value, DriftWords & words ) {
+   words.changes.emplace_back( choiceOf( reading, value, fates() ).value_or( EntryFate::erased ) );
+}
+
+// A number is an entry's id, anything else is from a rule's name.
+void readSwap( Reading & reading, Value const & value, DriftWords & words ) {
+   GportsSwap change;
+   if ( auto const id = Scenario::numberIn( value ) ) {
+      change.with = *id;
+   } else {
+      change.with = stringOf( reading, value ).value_or( "" );
+   }
+   words.changes.emplace_back( std::move( change ) );
+}
+
+Table< DriftWords > const & driftTable() {
+   static Table< DriftWords > const table{
+      "drift",
+      { { { "group", "group: ingress" }, Scenario::readGroup< DriftWords > },
+        { { "unit", "unit: 0" }, Scenario::readUnit< DriftWords > },
+        { { "entry", "" }, readEntryId },
+        { { "rule", "" }, readRuleName },
+        { { "flip", "" }, readFlip },
+        { { "mask", "" }, readMask },
+        { { "egress-mask", "" }, readEgressMask },
+        { { "priority", "" }, readPriority },
+        { { "remove", "" }, readRemove },
+        { { "entry-is", "" }, readFate },
+        { { "swap-gport-with", "" }, readSwap } }
+   };
+   return table;
+}
+
+// --- In words
+
+std::string describe( RuleNamed const & rule ) {
+   auto const * const id = std::get_if< U32 >( &rule );
+   return id ? fmt::format( "entry {}", *id )
+             : fmt::format( "the rule named \"{}\"", std::get< std::string >( rule ) );
+}
+
+std::string describe( RulePart const & part ) {
+   return std::visit( []( auto one ) { return std::string( nameOf( one ) ); }, part );
+}
+
+std::string describe( PartFlips const & change ) {
+   return "flips a bit of " + describe( change.part );
+}
+
+std::string describe( QualifierMaskIs const & change ) {
+   return fmt::format( "gets mask {:#x} of {}", change.mask, nameOf( change.qualifier ) );
+}
+
+std::string describe( EgressMaskIs const & change ) {
+   return "masks ports " + Quelm::textOf( change.ports );
+}
+
+std::string describe( PriorityIs const & change ) {
+   return change.priority ? fmt::format( "gets priority {}", *change.priority )
+                          : "gets the default priority";
+}
+
+std::string describe( PartGoes const & change ) {
+   return "loses " + describe( change.part );
+}
+
+std::string describe( EntryFate const & change ) {
+   switch ( change ) {
+   case EntryFate::erased: return "is erased from the hardware";
+   case EntryFate::destroyed: return "is destroyed";
+   case EntryFate::copied: return "is copied";
+   }
+   return {};
+}
+
+std::string describe( GportsSwap const & change ) {
+   return "swaps its gport with " + describe( change.with );
+}
+
+}  // namespace
+
+std::vector< WordList > DriftStep::vocabulary() {
+   return { driftTable().list(), fates().list() };
+}
+
+void DriftStep::read( Reading & reading, Value const & value ) {
+   DriftWords words;
+   readMapping( reading, value, driftTable(), words );
+   if ( !value.node.IsMap() ) {
+      return;
+   }
+   if ( words.rules.size() != 1 ) {
+      reading.problem( value.line, "drift needs one of the words 'entry' and 'rule'" );
+   }
+   if ( words.changes.size() != 1 ) {
+      reading.problem( value.line, "drift changes one thing, this one " +
+                                      std::to_string( words.changes.size() ) +
+                                      "; give one of the words 'flip', 'mask' (of one qualifier), "
+                                      "'egress-mask', 'priority', 'remove', 'entry-is' and "
+                                      "'swap-gport-with'" );
+   }
+   if ( words.rules.size() == 1 && words.changes.size() == 1 ) {
+      group = words.group;
+      unit = words.unit;
+      rule = std::move( words.rules.front() );
+      change = std::move( words.changes.front() );
+   }
+}
+
+std::string DriftStep::description() const {
+   return fmt::format( "drift: {} of group {} on unit {} {}", describe( rule ), nameOf( group ),
+                       unit,
+                       std::visit( []( auto const & one ) { return describe( one ); }, change ) );
+}
+
+void DriftStep::queue( Context const & context, int line ) const {
+   context.turnNew( line, [ this, &context ] {
+      drift( *this, context.board.units(), context.reporter );
+   } );
+}
+
+}  // namespace Steps

@@ -1,0 +1,37 @@
+#include <Steps/Expect.h>
+
+#include <Expectations/Table.h>
+#include <Steps/Context.h>
+
+namespace Steps {
+
+namespace {
+
+void check( Context const & context, Expectations::Expectation const & expectation ) {
+   Expectations::Finding const finding = expectation.what->check( context.evidence );
+   context.observer.onEvent( Story::ExpectationChecked{
+      expectation.what->description(), context.placeOf( expectation.line ), finding.isAsExpected,
+      finding.isAsExpected ? std::string() : finding.found } );
+}
+
+}  // namespace
+
+void Expect::read( Reading & reading, Value const & value ) {
+   Expectations::readExpectations( reading, value, expectations );
+}
+
+std::string Expect::description() const {
+   std::string text;
+   for ( Expectations::Expectation const & one : expectations ) {
+      text += ( text.empty() ? " " : ", " ) + one.what->description();
+   }
+   return "expect" + text;
+}
+
+void Expect::queue( Context const & context, int ) const {
+   for ( Expectations::Expectation const & one : expectations ) {
+      context.turnNew( one.line, [ &context, &one ] { check( context, one ); } );
+   }
+}
+
+}  // namespace Steps

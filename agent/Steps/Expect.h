@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <Expectations/Expected.h>
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// What holds now.
+class Expect final : public Step {
+ public:
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   // One turn for each expectation.
+   void queue( Context const & context, int line ) const override;
+
+   std::vector< Expectations::Expectation > expectations;
+};
+
+}  // namespace Steps

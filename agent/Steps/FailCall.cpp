@@ -1,0 +1,92 @@
+#include <Steps/FailCall.h>
+
+#include <charconv>
+
+#include <fmt/format.h>
+
+#include <Calls/Faults.h>
+#include <Scenario/Values.h>
+#include <Steps/Context.h>
+
+namespace Steps {
+
+namespace {
+
+using Scenario::Choices;
+using Scenario::Table;
+
+constexpr U32 kHighestNumber = ~U32{ 0 };
+
+Choices< std::string_view > const & operations() {
+   static Choices< std::string_view > const choices = [] {
+      Choices< std::string_view > all{ "chip-operation", {} };
+      for ( std::string_view const name : Chip::kFallibleOperations ) {
+         all.all.push_back( { name, name } );
+      }
+      return all;
+   }();
+   return choices;
+}
+
+void readOperation( Reading & reading, Value const & value, FailCall & fail ) {
+   fail.operation = choiceOf( reading, value, operations() ).value_or( "" );
+}
+
+void readNumber( Reading & reading, Value const & value, FailCall & fail ) {
+   fail.number = numberOf( reading, value, 1, kHighestNumber ).value_or( 1 );
+}
+
+// A whole number that can be negative, without quotes.
+std::optional< S32 > codeIn( YAML::Node const & node ) {
+   constexpr char const * kQuoted = "!";
+   std::string const & text = node.Scalar();
+   S32 code = 0;
+   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), code );
+   bool const isWhole = error == std::errc() && end == text.data() + text.size();
+   return isWhole && node.Tag() != kQuoted ? std::optional( code ) : std::nullopt;
+}
+
+void readCode( Reading & reading, Value const & value, FailCall & fail ) {
+   auto const text = stringOf( reading, value );
+   if ( !text ) {
+      return;
+   }
+   fail.code = codeIn( value.node ).value_or( 0 );
+   if ( fail.code == 0 ) {
+      reading.problem( value.line, "code is " + Scenario::inQuotes( *text ) +
+                                      "; a result code of the chip is expected, as in -1, which "
+                                      "is not 0 and stands without quotes" );
+   }
+}
+
+Table< FailCall > const & failCallTable() {
+   static Table< FailCall > const table{ "fail-call",
+                                         { { { "operation", "operation: installEntry" },
+                                             readOperation },
+                                           { { "number", "" }, readNumber },
+                                           { { "code", "code: -1" }, readCode } } };
+   return table;
+}
+
+}  // namespace
+
+std::vector< WordList > FailCall::vocabulary() {
+   return { failCallTable().list(), operations().list() };
+}
+
+void FailCall::read( Reading & reading, Value const & value ) {
+   readMapping( reading, value, failCallTable(), *this );
+}
+
+std::string FailCall::description() const {
+   return fmt::format( "call {} of {} from now on is not made and gives code {}", number, operation,
+                       code );
+}
+
+void FailCall::queue( Context const & context, int line ) const {
+   context.turnNew( line, [ this, &context ] {
+      context.faults.faultNew( { number, code, operation } );
+   } );
+}
+
+}  // namespace Steps

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Scenario/TcamGroup.h>
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// Other users of the group hold `count` entries of it from now on, on one unit or on each of them.
+class ForeignEntries final : public Step {
+ public:
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   void queue( Context const & context, int line ) const override;
+
+   Scenario::TcamGroup group = Scenario::TcamGroup::ingress;
+   std::optional< U16 > unit;
+   U32 count = 0;
+
+ private:
+   void occupy( Context const & context ) const;
+};
+
+}  // namespace Steps

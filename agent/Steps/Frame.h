@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <Frames/FrameFields.h>
+#include <Pelk/IntfId.h>
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// A frame of hosts, written as fields, is injected; through a tunnel if it says so.
+class Frame final : public Step {
+ public:
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   bool isAboutFrames() const override { return true; }
+   void queue( Context const & context, int line ) const override;
+
+   std::optional< Pelk::IntfId > on;  // left out for a tunnel: the first underlay interface
+   Chip::FrameFields fields;
+};
+
+}  // namespace Steps

@@ -1,0 +1,74 @@
+#include <Steps/Reader.h>
+
+#include <Expectations/Table.h>
+#include <Scenario/Parts.h>
+#include <Scenario/Vocabulary.h>
+#include <Steps/Table.h>
+
+namespace Steps {
+
+namespace {
+
+constexpr std::string_view kOnlyOn = "only-on";
+
+// A word for each row of the table, and one more that can stand beside any of them.
+WordList stepWords() {
+   WordList list{ "step", {} };
+   for ( Row const & row : table() ) {
+      list.words.push_back( { row.name, "" } );
+   }
+   list.words.push_back( { kOnlyOn, "" } );
+   return list;
+}
+
+// One word says what the step does; 'only-on' may stand beside it.
+void checkWords( Reading & reading, Value const & step ) {
+   if ( !step.node.IsMap() ) {
+      return;
+   }
+   std::size_t const words = step.node.size() - ( step.node[ std::string( kOnlyOn ) ] ? 1 : 0 );
+   if ( words != 1 ) {
+      reading.problem( step.line, "a step does one thing, this one " + std::to_string( words ) +
+                                     "; write a step for each" );
+   }
+}
+
+void readSteps( Reading & reading, Value const & value, std::vector< Scenario::StepOf > & steps ) {
+   for ( Value const & element : listOf( reading, value ) ) {
+      Scenario::StepOf step{ { nullptr, element.line }, {} };
+      for ( auto const & [ word, about ] : entriesInOrderOf( reading, element, stepWords() ) ) {
+         if ( word < table().size() ) {
+            step.step.action = table()[ word ].read( reading, about );
+         } else {
+            step.onlyOn = choiceOf( reading, about, Scenario::variants() );
+         }
+      }
+      checkWords( reading, element );
+      steps.push_back( std::move( step ) );
+   }
+}
+
+}  // namespace
+
+Scenario::Model readScenario( std::filesystem::path const & file ) {
+   return Scenario::read( file, readSteps );
+}
+
+Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file ) {
+   return Scenario::readText( text, file, readSteps );
+}
+
+std::vector< WordList > vocabulary() {
+   std::vector< WordList > all = Scenario::vocabulary();
+   auto const add = [ &all ]( std::vector< WordList > const & more ) {
+      all.insert( all.end(), more.begin(), more.end() );
+   };
+   add( { stepWords() } );
+   for ( Row const & row : table() ) {
+      add( row.vocabulary() );
+   }
+   add( Expectations::vocabulary() );
+   return all;
+}
+
+}  // namespace Steps

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// A sub-agent's dependency point becomes ready.
+class Ready final : public TurnPart {
+ public:
+   void read( Reading & reading, Value const & value );
+   std::string description() const override { return "ready subagents::" + point; }
+   void change( Context const & context ) const override;
+
+   std::string point;  // its name without the group, "l2Ready"
+};
+
+}  // namespace Steps

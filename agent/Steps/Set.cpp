@@ -1,0 +1,72 @@
+#include <Steps/Set.h>
+
+#include <Quelm/Error.h>
+#include <Scenario/Course.h>
+#include <Steps/Attributes.h>
+#include <Steps/Context.h>
+
+namespace Steps {
+
+namespace {
+
+Scenario::Table< Set > const & setTable() {
+   static Scenario::Table< Set > const table =
+      Scenario::attributeTable< Set >( "set", { { { "value", "" },
+                                                  Scenario::readText< Set, &Set::value > } } );
+   return table;
+}
+
+void write( Kiv::Attribute const & attribute, Kiv::Entity & entity, Set const & what ) {
+   try {
+      attribute.textIs( entity, what.at.key, what.value );
+   } catch ( Quelm::TextError const & error ) {
+      throw Quelm::AccessError( "attribute '" + attribute.name() + "' is not set: " + error.what() +
+                                ( what.value.empty() && !attribute.valueType().empty()
+                                     ? "; give what it is to be by 'value'"
+                                     : "" ) );
+   }
+}
+
+}  // namespace
+
+std::vector< WordList > Set::vocabulary() {
+   return { setTable().list() };
+}
+
+void Set::read( Reading & reading, Value const & words ) {
+   readMapping( reading, words, setTable(), *this );
+}
+
+std::string Set::description() const {
+   return "set " + textOf( at ) + ( value.empty() ? "" : " to " + value );
+}
+
+void Set::follow( Scenario::Course & course ) const {
+   course.mayChange( at.entity );
+}
+
+void Set::queue( Context const & context, int line ) const {
+   context.turnNew( line, [ this, &context, line ] {
+      change( context );
+      tellEmptyKey( context, at, line );
+   } );
+}
+
+void Set::change( Context const & context ) const {
+   auto const & finder = context.evidence.finder;
+   auto const entity = finder.entity( at.entity );
+   auto const & attribute = StateDatabase::attributeOf( *entity, at.attribute );
+   checkKey( *entity, attribute, at.key );
+   if ( attribute.kind() == Kiv::Attribute::Kind::Reference ) {
+      if ( value.empty() ) {
+         throw Quelm::AccessError( "attribute '" + attribute.name() +
+                                   "' refers to an entity; give its path by 'value'" );
+      }
+      attribute.entityIs( *entity,
+                          finder.entity( StateDatabase::EntityPath::fromString( value ) ) );
+   } else {
+      write( attribute, *entity, *this );
+   }
+}
+
+}  // namespace Steps

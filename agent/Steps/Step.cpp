@@ -1,0 +1,16 @@
+#include <Steps/Step.h>
+
+#include <Scenario/Words.h>
+#include <Steps/Context.h>
+
+namespace Steps {
+
+std::vector< WordList > Step::vocabulary() {
+   return {};
+}
+
+void TurnPart::queue( Context const & context, int line ) const {
+   context.turnNew( line, [ this, &context ] { change( context ); } );
+}
+
+}  // namespace Steps

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <Steps/Step.h>
+
+namespace Steps {
+
+// Several changes that are made in one turn, one after the other.
+class Turn final : public Step {
+ public:
+   struct PlacedPart {
+      std::shared_ptr< TurnPart const > part;
+      int line = 0;
+   };
+
+   static std::vector< WordList > vocabulary();
+   void read( Reading & reading, Value const & value );
+   std::string description() const override;
+   void follow( Scenario::Course & course ) const override;
+   void queue( Context const & context, int line ) const override;
+
+   std::vector< PlacedPart > parts;
+};
+
+}  // namespace Steps
