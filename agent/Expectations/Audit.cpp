@@ -7,25 +7,30 @@
 
 #include <Expectations/Counts.h>
 #include <Expectations/Evidence.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 
 namespace Expectations {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 using Scenario::Choices;
 
 constexpr U32 kHighestCount = ~U32{ 0 };
 
 Choices< bool > const & verdicts() {
-   static Choices< bool > const choices{ "audit",
+   static Choices< bool > const choices{ { "audit", "Whether the rules are as they should be." },
                                          { { "in-step", true }, { "differences", false } } };
    return choices;
 }
 
 Choices< Story::DifferenceKind > const & differenceKinds() {
    static Choices< Story::DifferenceKind > const choices = [] {
-      Choices< Story::DifferenceKind > kinds{ "kind", {} };
+      Choices< Story::DifferenceKind > kinds{
+         { "kind", "A kind of difference; the last five are known ones." }, {}
+      };
       for ( Story::DifferenceRow const & row : Story::differenceRows() ) {
          kinds.all.push_back( { row.name, row.kind } );
       }
@@ -40,9 +45,10 @@ void readKind( Reading & reading, Value const & value, DifferencesLike & differe
 
 Scenario::Table< DifferencesLike > const & differencesTable() {
    static Scenario::Table< DifferencesLike > const table{
-      "audit-differences",
-      { { { "kind", "" }, readKind },
-        { { "count", "" },
+      { "audit-differences", "Differences that an audit of the rules finds." },
+      { { { "kind", "", Shape::of( "kind" ) }, readKind },
+        { { "count", "",
+            Shape::of( "count", "The number of such differences; one or more if left out." ) },
           Scenario::readNumber< DifferencesLike, &DifferencesLike::count, 0, kHighestCount > } }
    };
    return table;
@@ -64,6 +70,11 @@ std::string foundText( Audit::Report const & report ) {
 
 std::vector< WordList > auditVocabulary() {
    return { verdicts().list(), differenceKinds().list(), differencesTable().list() };
+}
+
+std::string auditShape() {
+   return Shape::anyOf( { Shape::of( "audit" ), Shape::of( "audit-differences" ) },
+                        "What an audit of the rules finds now." );
 }
 
 // A verdict, or a mapping.

@@ -32,5 +32,6 @@ class DifferencesLike final : public Expected {
 
 std::shared_ptr< Expected const > readAudit( Reading & reading, Value const & value );
 std::vector< WordList > auditVocabulary();
+std::string auditShape();
 
 }  // namespace Expectations

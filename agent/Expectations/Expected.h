@@ -6,6 +6,9 @@
 //
 //    void read( Reading & reading, Value const & value );   // what stands under its word
 //    static std::vector< WordList > vocabulary();           // the words of its mappings, if any
+//    static std::string shape();                            // of what stands under its word,
+//                                                           // unless that is a mapping or a
+//                                                           // choice which its word names
 //
 // A word that stands for several kinds has functions for both instead.
 #pragma once
@@ -39,6 +42,7 @@ class Expected {
    virtual ~Expected() = default;
 
    static std::vector< WordList > vocabulary();
+   static std::string shape();
 
    // In one line for people: "plug-in ready".
    virtual std::string description() const = 0;

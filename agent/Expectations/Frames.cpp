@@ -7,10 +7,13 @@
 #include <Expectations/Evidence.h>
 #include <Quelm/Error.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 
 namespace Expectations {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Quelm::textOf;
 using Scenario::Choices;
@@ -23,7 +26,7 @@ template< typename T > std::string_view nameOfChip( std::size_t value ) {
    return Chip::nameOf( static_cast< T >( value ) );
 }
 
-template< typename T > Choices< T > choicesOf( std::string_view place, std::size_t count ) {
+template< typename T > Choices< T > choicesOf( Scenario::Place const & place, std::size_t count ) {
    Choices< T > choices{ place, {} };
    for ( std::size_t value = 0; value < count; ++value ) {
       choices.all.push_back( { nameOfChip< T >( value ), static_cast< T >( value ) } );
@@ -33,17 +36,23 @@ template< typename T > Choices< T > choicesOf( std::string_view place, std::size
 
 Choices< Chip::FrameKind > const & frameKinds() {
    static auto const choices =
-      choicesOf< Chip::FrameKind >( "frame-kind", Chip::kFrameKinds.size() );
+      choicesOf< Chip::FrameKind >( { "frame-kind",
+                                      "What the forwarding decision makes of a frame." },
+                                    Chip::kFrameKinds.size() );
    return choices;
 }
 
 Choices< Chip::Verdict > const & frameVerdicts() {
-   static auto const choices = choicesOf< Chip::Verdict >( "verdict", Chip::kVerdicts );
+   static auto const choices =
+      choicesOf< Chip::Verdict >( { "verdict", "What became of a frame at one place." },
+                                  Chip::kVerdicts );
    return choices;
 }
 
 Choices< Chip::DropReason > const & dropReasons() {
-   static auto const choices = choicesOf< Chip::DropReason >( "drop-reason", Chip::kDropReasons );
+   static auto const choices =
+      choicesOf< Chip::DropReason >( { "drop-reason", "Why a whole frame was dropped." },
+                                     Chip::kDropReasons );
    return choices;
 }
 
@@ -95,14 +104,36 @@ void readDropped( Reading & reading, Value const & value, FramesLike & frames ) 
 
 Table< FramesLike > const & framesTable() {
    static Table< FramesLike > const table{
-      "frames-like",
-      { { { "from", "" }, readLikeFrom },
-        { { "kind", "" }, readLikeKind },
-        { { "reach", "" }, readTargets< &FramesLike::reach > },
-        { { "never-reach", "" }, readTargets< &FramesLike::neverReach > },
-        { { "verdicts", "" }, readVerdicts },
-        { { "dropped", "" }, readDropped },
-        { { "count", "" }, Scenario::readNumber< FramesLike, &FramesLike::count, 0, ~U32{ 0 } > } }
+      { "frames-like",
+        "What has become of the frames that the last step of frames has injected: of all those "
+        "that 'from', 'kind' and 'dropped' select, and of one at least.",
+        R"({"minProperties": 1})" },
+      { { { "from", "", Shape::of( "address", "The VTEP that they came from." ) }, readLikeFrom },
+        { { "kind", "",
+            Shape::anyOf( { Shape::of( "frame-kind" ), Shape::listOf( Shape::of( "frame-kind" ) ) },
+                          "Their kind, or a list of kinds." ) },
+          readLikeKind },
+        { { "reach", "",
+            Shape::listOf( Shape::anyOf(
+                              { Shape::of( "segment-interface" ), Shape::of( "address" ) } ),
+                           "Interfaces and remote VTEPs that each of them reached." ) },
+          readTargets< &FramesLike::reach > },
+        { { "never-reach", "",
+            Shape::listOf( Shape::anyOf(
+                              { Shape::of( "segment-interface" ), Shape::of( "address" ) } ),
+                           "Interfaces and remote VTEPs that none of them reached." ) },
+          readTargets< &FramesLike::neverReach > },
+        { { "verdicts", "",
+            Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "verdict" ),
+                              "What became of each of them at an interface." ) },
+          readVerdicts },
+        { { "dropped", "",
+            Shape::of( "drop-reason",
+                       "They were dropped as a whole, for this reason; frames that were not "
+                       "dropped are not meant." ) },
+          readDropped },
+        { { "count", "", Shape::of( "count", "How many they are." ) },
+          Scenario::readNumber< FramesLike, &FramesLike::count, 0, ~U32{ 0 } > } }
    };
    return table;
 }
@@ -214,6 +245,10 @@ std::string mistakeOf( Story::FrameForwarded const & event, FramesLike const & l
 std::vector< WordList > FramesLike::vocabulary() {
    return { framesTable().list(), frameKinds().list(), frameVerdicts().list(),
             dropReasons().list() };
+}
+
+std::string FramesLike::shape() {
+   return Shape::of( "frames-like" );
 }
 
 void FramesLike::read( Reading & reading, Value const & value ) {

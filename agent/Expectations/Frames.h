@@ -20,6 +20,7 @@ using FrameTarget = std::variant< Pelk::IntfId, Pelk::IpGenAddr >;
 class FramesLike final : public Expected {
  public:
    static std::vector< WordList > vocabulary();
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    Finding check( Evidence const & evidence ) const override;

@@ -4,11 +4,14 @@
 
 #include <Expectations/Counts.h>
 #include <Expectations/Evidence.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 
 namespace Expectations {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Line = LogLineExpected;
 
@@ -17,9 +20,13 @@ constexpr auto readLineText = Scenario::readText< Line, &Line::text >;
 
 Scenario::Table< Line > const & logTable() {
    static Scenario::Table< Line > const table{
-      "log",
-      { { { "text", "text: MULTIHOMING_TCAM_RESOURCE_FULL" }, readLineText },
-        { { "times", "" }, Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
+      { "log", "A line that has been logged since the scenario began." },
+      { { { "text", "text: MULTIHOMING_TCAM_RESOURCE_FULL",
+            Shape::of( "text", "What the line contains." ) },
+          readLineText },
+        { { "times", "",
+            Shape::of( "count", "The number of such lines; one or more if left out." ) },
+          Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
    };
    return table;
 }
@@ -28,6 +35,11 @@ Scenario::Table< Line > const & logTable() {
 
 std::vector< WordList > LogLineExpected::vocabulary() {
    return { logTable().list() };
+}
+
+std::string LogLineExpected::shape() {
+   return Shape::anyOf( { Shape::of( "text" ), Shape::of( "log" ) },
+                        "A text that a log line contains, or such a text and how often." );
 }
 
 // A text alone, or a mapping.

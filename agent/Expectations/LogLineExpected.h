@@ -12,6 +12,7 @@ namespace Expectations {
 class LogLineExpected final : public Expected {
  public:
    static std::vector< WordList > vocabulary();
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    Finding check( Evidence const & evidence ) const override;

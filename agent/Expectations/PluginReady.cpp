@@ -1,15 +1,20 @@
 #include <Expectations/PluginReady.h>
 
 #include <Expectations/Evidence.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 
 namespace Expectations {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 Scenario::Choices< bool > const & states() {
-   static Scenario::Choices< bool > const choices{ "plug-in",
-                                                   { { "ready", true }, { "waiting", false } } };
+   static Scenario::Choices< bool > const choices{
+      { "plug-in", "Whether the plug-in has marked its own dependency point." },
+      { { "ready", true }, { "waiting", false } }
+   };
    return choices;
 }
 

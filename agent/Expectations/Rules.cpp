@@ -10,10 +10,13 @@
 #include <Expectations/Counts.h>
 #include <Expectations/RuleComparison.h>
 #include <FieldProcessor/Fields.h>
+#include <Scenario/Shape.h>
 
 namespace Expectations {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Scenario::Choices;
 using Scenario::Table;
@@ -105,8 +108,8 @@ void readActions( Reading & reading, Value const & value, RulesLike & rules ) {
    }
 }
 
-template< typename Names > WordList namesOf( std::string_view place, Names const & names ) {
-   WordList list{ place, {} };
+template< typename Names > WordList namesOf( Scenario::Place const & place, Names const & names ) {
+   WordList list{ place, {}, true };
    for ( auto const name : names ) {
       list.words.push_back( { Chip::nameOf( name ), {} } );
    }
@@ -125,7 +128,8 @@ void readPriority( Reading & reading, Value const & value, RulesLike & rules ) {
 }
 
 Choices< bool > const & writtenOrStaged() {
-   static Choices< bool > const choices{ "written",
+   static Choices< bool > const choices{ { "written",
+                                           "Whether a rule is in the hardware, or only staged." },
                                          { { "written", true }, { "staged-only", false } } };
    return choices;
 }
@@ -134,17 +138,77 @@ void readState( Reading & reading, Value const & value, RulesLike & rules ) {
    rules.isWritten = choiceOf( reading, value, writtenOrStaged() );
 }
 
+constexpr std::string_view kQualifiers = R"({
+   "type": "object",
+   "propertyNames": { "$ref": "#/definitions/qualifier" },
+   "allOf": [
+      {
+         "properties": {
+            "DstPort": {
+               "description": "Module and port.",
+               "anyOf": [
+                  {
+                     "type": "array",
+                     "items": { "$ref": "#/definitions/count" },
+                     "minItems": 2,
+                     "maxItems": 2
+                  },
+                  { "type": "null" }
+               ]
+            }
+         },
+         "additionalProperties": { "$ref": "#/definitions/field-number" }
+      }
+   ]
+})";
+
+constexpr std::string_view kActions = R"({
+   "type": "object",
+   "propertyNames": { "$ref": "#/definitions/action" },
+   "allOf": [
+      {
+         "properties": {
+            "EgressMask": {
+               "anyOf": [
+                  { "$ref": "#/definitions/logical-port" },
+                  { "type": "array", "items": { "$ref": "#/definitions/logical-port" } },
+                  { "type": "null" }
+               ]
+            },
+            "Drop": { "anyOf": [ { "type": "array", "maxItems": 0 }, { "type": "null" } ] }
+         },
+         "additionalProperties": { "$ref": "#/definitions/field-number" }
+      }
+   ]
+})";
+
 Table< RulesLike > const & rulesTable() {
    static Table< RulesLike > const table{
-      "rules",
-      { { { "group", "group: ingress" }, Scenario::readGroup< RulesLike > },
-        { { "unit", "" }, Scenario::readUnit< RulesLike > },
-        { { "name", "" }, Scenario::readText< RulesLike, &RulesLike::name > },
-        { { "state", "" }, readState },
-        { { "priority", "" }, readPriority },
-        { { "qualifiers", "" }, readQualifiers },
-        { { "actions", "" }, readActions },
-        { { "count", "" },
+      { "rules", "Rules that the plug-in holds in a group and that are as the other words say." },
+      { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
+          Scenario::readGroup< RulesLike > },
+        { { "unit", "",
+            Shape::of( "unit-number", "The unit to look at; all of them if left out." ) },
+          Scenario::readUnit< RulesLike > },
+        { { "name", "", Shape::of( "text", "What the rule's name contains." ) },
+          Scenario::readText< RulesLike, &RulesLike::name > },
+        { { "state", "", Shape::of( "written" ) }, readState },
+        { { "priority", "",
+            Shape::anyOf( { Shape::of( "count" ), Shape::constant( "default" ) },
+                          "The rule's priority, or 'default'." ) },
+          readPriority },
+        { { "qualifiers", "",
+            Shape::json( kQualifiers,
+                         "Qualifiers by name with their data; nothing where any data will do." ) },
+          readQualifiers },
+        { { "actions", "",
+            Shape::anyOf(
+               { Shape::json( kActions ), Shape::constant( "none" ) },
+               "Actions by name with their data or ports, nothing where any will do; 'none' for a "
+               "rule without actions." ) },
+          readActions },
+        { { "count", "",
+            Shape::of( "count", "The number of such rules; one or more if left out." ) },
           Scenario::readNumber< RulesLike, &RulesLike::count, 0, kHighestNumber > } }
    };
    return table;
@@ -173,7 +237,8 @@ std::string describePriority( RulesLike const & what ) {
 
 std::vector< WordList > RulesLike::vocabulary() {
    return { rulesTable().list(), writtenOrStaged().list(),
-            namesOf( "qualifier", Chip::kQualifiers ), namesOf( "action", Chip::kActions ) };
+            namesOf( { "qualifier", "What a rule compares." }, Chip::kQualifiers ),
+            namesOf( { "action", "What a rule does." }, Chip::kActions ) };
 }
 
 void RulesLike::read( Reading & reading, Value const & value ) {

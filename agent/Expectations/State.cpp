@@ -5,10 +5,13 @@
 
 #include <Expectations/Evidence.h>
 #include <Quelm/Error.h>
+#include <Scenario/Shape.h>
 
 namespace Expectations {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 // The words of one expectation, as far as they are there.
 struct StateWords {
@@ -31,12 +34,27 @@ void readPresence( Reading & reading, Value const & value, StateWords & words ) 
    words.asked.push_back( std::make_shared< AttributeHas >( std::move( at ), isPresent ) );
 }
 
+constexpr std::string_view kOneQuestion = R"({
+   "oneOf": [
+      { "required": [ "equals" ] }, { "required": [ "has" ] }, { "required": [ "lacks" ] }
+   ],
+   "dependencies": {
+      "has": { "not": { "required": [ "key" ] } }, "lacks": { "not": { "required": [ "key" ] } }
+   }
+})";
+
 Scenario::Table< StateWords > const & stateTable() {
-   static Scenario::Table< StateWords > const table =
-      Scenario::attributeTable< StateWords >( "state",
-                                              { { { "equals", "" }, readEquals },
-                                                { { "has", "" }, readPresence< true > },
-                                                { { "lacks", "" }, readPresence< false > } } );
+   static Scenario::Table< StateWords > const table = Scenario::attributeTable< StateWords >(
+      { "state", "One attribute of one entity: what it equals, or which key it has or lacks.",
+        kOneQuestion },
+      { { { "equals", "",
+            Shape::of( "text",
+                       "The value in its text form; of a reference, the type and identity of what "
+                       "it refers to, or 'none'." ) },
+          readEquals },
+        { { "has", "", Shape::of( "text", "A key that is there." ) }, readPresence< true > },
+        { { "lacks", "", Shape::of( "text", "A key that is not there." ) },
+          readPresence< false > } } );
    return table;
 }
 

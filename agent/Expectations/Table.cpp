@@ -8,6 +8,7 @@
 #include <Expectations/State.h>
 #include <Expectations/TcamGroupsAskedFor.h>
 #include <Expectations/TraceLineExpected.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 
 namespace Expectations {
@@ -22,13 +23,15 @@ std::shared_ptr< Expected const > readAs( Reading & reading, Value const & value
 }
 
 template< typename Kind > Row expectation( std::string_view name ) {
-   return { name, readAs< Kind >, Kind::vocabulary };
+   std::string const shape = Kind::shape();
+   return { name, shape.empty() ? Scenario::Shape::of( name ) : shape, readAs< Kind >,
+            Kind::vocabulary };
 }
 
 WordList words() {
-   WordList list{ "expect", {} };
+   WordList list{ { "expect", "What must be so now.", R"({"minProperties": 1})" }, {} };
    for ( Row const & row : table() ) {
-      list.words.push_back( { row.name, "" } );
+      list.words.push_back( { row.name, "", row.shape } );
    }
    return list;
 }
@@ -48,12 +51,15 @@ void readMembers( Reading & reading, Value const & value,
 }  // namespace
 
 std::vector< Row > const & table() {
-   static std::vector< Row > const rows{
-      expectation< PluginReady >( "plug-in" ), expectation< TcamGroupsAskedFor >( "tcam-groups" ),
-      { "state", readState, stateVocabulary }, expectation< RulesLike >( "rules" ),
-      expectation< FramesLike >( "frames" ),   { "audit", readAudit, auditVocabulary },
-      expectation< LogLineExpected >( "log" ), expectation< TraceLineExpected >( "trace" )
-   };
+   static std::vector< Row > const rows{ expectation< PluginReady >( "plug-in" ),
+                                         expectation< TcamGroupsAskedFor >( "tcam-groups" ),
+                                         { "state", Scenario::Shape::of( "state" ), readState,
+                                           stateVocabulary },
+                                         expectation< RulesLike >( "rules" ),
+                                         expectation< FramesLike >( "frames" ),
+                                         { "audit", auditShape(), readAudit, auditVocabulary },
+                                         expectation< LogLineExpected >( "log" ),
+                                         expectation< TraceLineExpected >( "trace" ) };
    return rows;
 }
 
@@ -69,6 +75,10 @@ void readExpectations( Reading & reading, Value const & value,
 }
 
 std::vector< WordList > Expected::vocabulary() {
+   return {};
+}
+
+std::string Expected::shape() {
    return {};
 }
 

@@ -12,6 +12,7 @@ namespace Expectations {
 
 struct Row {
    std::string_view name;
+   std::string shape;  // of what stands under it
    // Nothing when it cannot be read, which the reading is told.
    std::shared_ptr< Expected const > ( *read )( Reading &, Value const & );
    std::vector< WordList > ( *vocabulary )();

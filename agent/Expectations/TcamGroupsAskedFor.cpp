@@ -4,8 +4,16 @@
 #include <fmt/ranges.h>
 
 #include <Expectations/Evidence.h>
+#include <Scenario/Shape.h>
 
 namespace Expectations {
+
+std::string TcamGroupsAskedFor::shape() {
+   namespace Shape = Scenario::Shape;
+   return Shape::listOf( Shape::of( "tcam-group" ),
+                         "The groups whose entry managers the plug-in has asked for so far, in "
+                         "order." );
+}
 
 void TcamGroupsAskedFor::read( Reading & reading, Value const & value ) {
    for ( Value const & element : listOf( reading, value ) ) {

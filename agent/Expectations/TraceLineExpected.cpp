@@ -6,11 +6,14 @@
 
 #include <Expectations/Counts.h>
 #include <Expectations/Evidence.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 
 namespace Expectations {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Line = TraceLineExpected;
 
@@ -25,11 +28,20 @@ void readLevel( Reading & reading, Value const & value, Line & line ) {
 
 Scenario::Table< Line > const & traceTable() {
    static Scenario::Table< Line > const table{
-      "trace",
-      { { { "handle", "handle: VornalEvpnSm" }, Scenario::readText< Line, &Line::handle > },
-        { { "level", "" }, readLevel },
-        { { "text", "text: is ready" }, Scenario::readText< Line, &Line::text > },
-        { { "times", "" }, Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
+      { "trace",
+        "A line that has been traced since the scenario began. Its level must be on, see 'trace' "
+        "of the scenario." },
+      { { { "handle", "handle: VornalEvpnSm",
+            Shape::of( "text", "The trace handle, as VornalEvpnSm." ) },
+          Scenario::readText< Line, &Line::handle > },
+        { { "level", "",
+            Shape::number( 0, kHighestLevel, "The level; any that is on if left out." ) },
+          readLevel },
+        { { "text", "text: is ready", Shape::of( "text", "What the line contains." ) },
+          Scenario::readText< Line, &Line::text > },
+        { { "times", "",
+            Shape::of( "count", "The number of such lines; one or more if left out." ) },
+          Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
    };
    return table;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <StateDatabase/EntityPath.h>
 
@@ -35,12 +36,15 @@ void readPlace( Reading & reading, Value const & value, T & target ) {
 // The words of a mapping whose subject is one attribute of one entity, its `at`, followed by
 // `others`.
 template< typename T >
-Table< T > attributeTable( std::string_view place, std::vector< Word< T > > const & others ) {
-   Table< T > table{ place,
-                     { { { "entity", "entity: /evpn/status" }, readEntity< T > },
-                       { { "attribute", "attribute: segmentStatus" },
-                         readPlace< T, &AttributeAt::attribute > },
-                       { { "key", "" }, readPlace< T, &AttributeAt::key > } } };
+Table< T > attributeTable( Place const & place, std::vector< Word< T > > const & others ) {
+   Table< T > table{
+      place,
+      { { { "entity", "entity: /evpn/status", Shape::of( "path" ) }, readEntity< T > },
+        { { "attribute", "attribute: segmentStatus", Shape::of( "text", "The attribute's name." ) },
+          readPlace< T, &AttributeAt::attribute > },
+        { { "key", "", Shape::of( "text", "The key, of an attribute that has keys." ) },
+          readPlace< T, &AttributeAt::key > } }
+   };
    table.words.insert( table.words.end(), others.begin(), others.end() );
    return table;
 }

@@ -1,5 +1,6 @@
 #include <Frames/Headers.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 
 namespace Scenario {
 
@@ -146,10 +147,11 @@ void readRouteMac( Reading & reading, Value const & value, Chip::HostRoute & rou
 }
 
 Table< Chip::HostRoute > const & hostTable() {
-   static Table< Chip::HostRoute > const table{ "host",
-                                                { { { "vlan", "vlan: 10" }, readRouteVlan },
-                                                  { { "mac", "mac: 00:00:5e:00:53:01" },
-                                                    readRouteMac } } };
+   static Table< Chip::HostRoute > const table{
+      { "host", "Where a host is." },
+      { { { "vlan", "vlan: 10", Shape::of( "vlan-number" ) }, readRouteVlan },
+        { { "mac", "mac: 00:00:5e:00:53:01", Shape::of( "station-mac" ) }, readRouteMac } }
+   };
    return table;
 }
 
@@ -172,18 +174,60 @@ void readGroups( Reading & reading, Value const & value, Forwarding & forwarding
    }
 }
 
+constexpr std::string_view kOneOfEachFamily = R"({
+   "minItems": 1,
+   "maxItems": 2,
+   "not": {
+      "minItems": 2,
+      "anyOf": [
+         { "items": { "$ref": "#/definitions/ipv4" } },
+         { "items": { "$ref": "#/definitions/ipv6" } }
+      ]
+   }
+})";
+
 Table< Forwarding > const & forwardingTable() {
    static Table< Forwarding > const table{
-      "forwarding",
-      { { { "vtep-addresses", "vtep-addresses: [ 10.0.0.1 ]" }, readVtepAddresses },
-        { { "underlay", "underlay: [ Ethernet49 ]" }, readUnderlay },
-        { { "vlans", "vlans: { 10: 10100 }" }, readVlans },
-        { { "access", "" }, readAccess },
-        { { "trunk", "" }, readTrunk },
-        { { "not-designated", "" }, readNotDesignated },
-        { { "router-mac", "" }, readRouterMac },
-        { { "hosts", "" }, readHosts },
-        { { "multicast-routes", "" }, readGroups } }
+      { "forwarding", "How the switch forwards frames, beside what is published." },
+      { { { "vtep-addresses", "vtep-addresses: [ 10.0.0.1 ]",
+            Shape::listOf( Shape::of( "vtep-address" ),
+                           "The switch's own VTEP addresses, one of each family.",
+                           kOneOfEachFamily ) },
+          readVtepAddresses },
+        { { "underlay", "underlay: [ Ethernet49 ]",
+            Shape::listOf( Shape::of( "segment-interface" ),
+                           "The interfaces and port channels that carry VXLAN between VTEPs.",
+                           R"({"minItems": 1, "uniqueItems": true})" ) },
+          readUnderlay },
+        { { "vlans", "vlans: { 10: 10100 }",
+            Shape::mappingOf( Shape::of( "vlan-key" ), Shape::number( 1, kHighestVni ),
+                              "The VNI of each VLAN." ) },
+          readVlans },
+        { { "access", "",
+            Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "vlan-number" ),
+                              "The VLAN that an interface carries untagged." ) },
+          readAccess },
+        { { "trunk", "",
+            Shape::mappingOf( Shape::of( "segment-interface" ),
+                              Shape::setOf( Shape::of( "vlan-number" ) ),
+                              "The VLANs that an interface carries tagged." ) },
+          readTrunk },
+        { { "not-designated", "",
+            Shape::setOf( Shape::of( "segment-interface" ),
+                          "Interfaces that are not the designated forwarder of their segment." ) },
+          readNotDesignated },
+        { { "router-mac", "",
+            Shape::of( "station-mac",
+                       "The MAC address to which hosts send what is to be routed; "
+                       "02:00:00:00:00:01 if left out." ) },
+          readRouterMac },
+        { { "hosts", "",
+            Shape::mappingOf( Shape::of( "address" ), Shape::of( "host" ),
+                              "Routes to hosts, by the host's address." ) },
+          readHosts },
+        { { "multicast-routes", "",
+            Shape::setOf( Shape::of( "multicast-group" ), "Multicast groups that have a route." ) },
+          readGroups } }
    };
    return table;
 }

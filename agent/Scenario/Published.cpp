@@ -4,6 +4,7 @@
 #include <Brum/PerUnitBitmap.h>
 #include <Frames/Headers.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 
 namespace Scenario {
 
@@ -72,19 +73,27 @@ struct PortWords {
    std::optional< U32 > port;
 };
 
+constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
+constexpr U32 kInvalid = VornalTypes::VornalPort::kInvalidLogicalPort;
+
 void readPort( Reading & reading, Value const & value, PortWords & words ) {
-   constexpr U32 kInvalid = VornalTypes::VornalPort::kInvalidLogicalPort;
-   words.port = numberIn( value ) == kInvalid
-                   ? std::optional( kInvalid )
-                   : numberOf( reading, value, 0, Brum::PerUnitBitmap::kBits - 1,
-                               ", or 1023 for a port that is not valid" );
+   words.port =
+      numberIn( value ) == kInvalid
+         ? std::optional( kInvalid )
+         : numberOf( reading, value, 0, kHighestPort, ", or 1023 for a port that is not valid" );
 }
 
 Table< PortWords > const & interfaceTable() {
    static Table< PortWords > const table{
-      "interface",
-      { { { "unit", "unit: 0" }, readNumber< PortWords, &PortWords::unit, 0, 0xffff > },
-        { { "port", "port: 1" }, readPort } }
+      { "interface", "The chip port of an interface." },
+      { { { "unit", "unit: 0",
+            Shape::of( "unit-number",
+                       "The chip that the port is on; one of the switch's units." ) },
+          readNumber< PortWords, &PortWords::unit, 0, 0xffff > },
+        { { "port", "port: 1",
+            Shape::anyOf( { Shape::number( 0, kHighestPort ), Shape::constant( kInvalid ) },
+                          "The logical port, 0 to 351; 1023 for one that is not valid." ) },
+          readPort } }
    };
    return table;
 }
@@ -191,8 +200,11 @@ struct VtepWords {
 
 Table< VtepWords > const & vtepTable() {
    static Table< VtepWords > const table{
-      "vtep",
-      { { { "virtual-port", "virtual-port: 2" },
+      { "vtep", "A remote VTEP." },
+      { { { "virtual-port", "virtual-port: 2",
+            Shape::number( 0, ~U32{ 0 },
+                           "The virtual port that the chip uses for the VTEP; its low 16 bits are "
+                           "the VP index." ) },
           readNumber< VtepWords, &VtepWords::virtualPort, 0, ~U32{ 0 } > } }
    };
    return table;
@@ -242,11 +254,13 @@ struct Mappings {
    Changes & changes;
 };
 
+constexpr U32 kHighestVni = Vxlan::VniExtOrNone::kNone - 1;
+
 std::optional< Vxlan::VniExtOrNone > vniOf( Reading & reading, Value const & value ) {
    if ( value.node.IsScalar() && value.node.Scalar() == "none" ) {
       return Vxlan::VniExtOrNone();
    }
-   auto const vni = numberOf( reading, value, 0, Vxlan::VniExtOrNone::kNone - 1, ", or none" );
+   auto const vni = numberOf( reading, value, 0, kHighestVni, ", or none" );
    return vni ? std::optional( Vxlan::VniExtOrNone( *vni ) ) : std::nullopt;
 }
 
@@ -259,8 +273,15 @@ void readVrfVni( Reading & reading, Value const & value, Mappings & mappings ) {
 }
 
 Table< Mappings > const & tunnelTable() {
-   static Table< Mappings > const table{ "tunnel-interface",
-                                         { { { "vrf-vni", "" }, readVrfVni } } };
+   static Table< Mappings > const table{
+      { "tunnel-interface", "A VXLAN tunnel interface." },
+      { { { "vrf-vni", "",
+            Shape::mappingOf( Shape::json( R"({"minLength": 1})" ),
+                              Shape::anyOf(
+                                 { Shape::number( 0, kHighestVni ), Shape::constant( "none" ) } ),
+                              "The VNI of each VRF that is routed over the interface." ) },
+          readVrfVni } }
+   };
    return table;
 }
 
@@ -288,30 +309,45 @@ void tunnelsGone( Reading & reading, Value const & value, Changes & changes ) {
 }
 
 Table< Changes > const & evpnTable() {
-   static Table< Changes > const table{ "evpn",
-                                        { { { "segments", "" }, readSegments },
-                                          { { "vteps", "" }, readVteps },
-                                          { { "tunnel-interfaces", "" }, readTunnels },
-                                          { { "class-id-requests", "" }, readClassIdRequests },
-                                          { { "class-id-grants", "" }, readClassIdGrants } } };
+   static Table< Changes > const table{
+      { "evpn", "What the EVPN and VXLAN agents publish before the plug-in is loaded." },
+      { { { "segments", "", Shape::of( "segments" ) }, readSegments },
+        { { "vteps", "", Shape::of( "vteps" ) }, readVteps },
+        { { "tunnel-interfaces", "", Shape::of( "tunnel-interfaces" ) }, readTunnels },
+        { { "class-id-requests", "",
+            Shape::of(
+               "vtep-addresses",
+               "Remote VTEPs for which an earlier run of the agent has asked for a class id." ) },
+          readClassIdRequests },
+        { { "class-id-grants", "", Shape::of( "class-id-grants" ) }, readClassIdGrants } }
+   };
    return table;
 }
 
 Table< Changes > const & publishTable() {
-   static Table< Changes > const table{ "publish",
-                                        { { { "interfaces", "" }, readInterfaces },
-                                          { { "port-channels", "" }, readPortChannels },
-                                          { { "segments", "" }, readSegments },
-                                          { { "vteps", "" }, readVteps },
-                                          { { "tunnel-interfaces", "" }, readTunnels },
-                                          { { "class-id-grants", "" }, readClassIdGrants } } };
+   static Table< Changes > const table{
+      { "publish",
+        "Other agents publish, or change what they have published, in the order written.",
+        R"({"minProperties": 1})" },
+      { { { "interfaces", "", Shape::of( "interfaces" ) }, readInterfaces },
+        { { "port-channels", "", Shape::of( "port-channels" ) }, readPortChannels },
+        { { "segments", "", Shape::of( "segments" ) }, readSegments },
+        { { "vteps", "", Shape::of( "vteps" ) }, readVteps },
+        { { "tunnel-interfaces", "", Shape::of( "tunnel-interfaces" ) }, readTunnels },
+        { { "class-id-grants", "", Shape::of( "class-id-grants" ) }, readClassIdGrants } }
+   };
    return table;
 }
 
 Table< Changes > const & replaceTable() {
-   static Table< Changes > const table{ "replace",
-                                        { { { "segments", "" }, readSegments },
-                                          { { "tunnel-interfaces", "" }, readTunnels } } };
+   static Table< Changes > const table{
+      { "replace",
+        "New entities take the place of those that are there, each with all that it holds, in one "
+        "change.",
+        R"({"minProperties": 1})" },
+      { { { "segments", "", Shape::of( "segments" ) }, readSegments },
+        { { "tunnel-interfaces", "", Shape::of( "tunnel-interfaces" ) }, readTunnels } }
+   };
    return table;
 }
 
@@ -327,13 +363,33 @@ std::optional< Pelk::IpGenAddr > ipv4Within( Pelk::IpGenAddr const & address ) {
 }
 
 Table< Changes > const & withdrawTable() {
-   static Table< Changes > const table{ "withdraw",
-                                        { { { "interfaces", "" }, interfacesGone },
-                                          { { "port-channels", "" }, membersGone },
-                                          { { "segments", "" }, segmentsGone },
-                                          { { "vteps", "" }, vtepsGone },
-                                          { { "tunnel-interfaces", "" }, tunnelsGone },
-                                          { { "class-id-grants", "" }, classIdGrantsGone } } };
+   static Table< Changes > const table{
+      { "withdraw", "Other agents withdraw what they have published, in the order written.",
+        R"({"minProperties": 1})" },
+      { { { "interfaces", "", Shape::of( "ethernets", "Interfaces that lose their chip port." ) },
+          interfacesGone },
+        { { "port-channels", "",
+            Shape::of( "port-channels", "Members that leave, by port channel." ) },
+          membersGone },
+        { { "segments", "",
+            Shape::anyOf( { Shape::setOf( Shape::of( "segment-interface" ) ),
+                            Shape::of( "segments" ) },
+                          "A list of interfaces whose segments go, or remote VTEPs that leave, by "
+                          "interface." ) },
+          segmentsGone },
+        { { "vteps", "",
+            Shape::of( "vtep-addresses", "Remote VTEPs that lose their virtual port." ) },
+          vtepsGone },
+        { { "tunnel-interfaces", "",
+            Shape::anyOf(
+               { Shape::setOf( Shape::of( "vxlan" ) ),
+                 Shape::mappingOf( Shape::of( "vxlan" ), Shape::setOf( Shape::of( "text" ) ) ) },
+               "A list of tunnel interfaces that go, or VRFs that leave, by tunnel interface." ) },
+          tunnelsGone },
+        { { "class-id-grants", "",
+            Shape::of( "vtep-addresses", "Remote VTEPs that lose their class id." ) },
+          classIdGrantsGone } }
+   };
    return table;
 }
 

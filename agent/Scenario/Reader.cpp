@@ -5,6 +5,7 @@
 #include <Scenario/Document.h>
 #include <Scenario/File.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Vocabulary.h>
 #include <Trace/Trace.h>
 
@@ -81,16 +82,34 @@ void readStepsWord( Reading & reading, Value const & value, Document & document 
 }
 
 Table< Document > const & scenarioTable() {
-   static Table< Document > const table{ "scenario",
-                                         { { { "scenario", "scenario: start-up" }, readName },
-                                           { { "description", "" }, readDescription },
-                                           { { "switch", "switch: { name: leaf1, ... }" },
-                                             readSwitchWord },
-                                           { { "forwarding", "" }, readForwardingWord },
-                                           { { "evpn", "" }, readEvpnWord },
-                                           { { "features", "" }, readFeatures },
-                                           { { "trace", "" }, readTrace },
-                                           { { "steps", "" }, readStepsWord } } };
+   static Table< Document > const table{
+      { "scenario", "A whole scenario." },
+      { { { "scenario", "scenario: start-up",
+            Shape::of( "text", "The scenario's name, usually that of its folder." ) },
+          readName },
+        { { "description", "",
+            Shape::of( "text", "What the scenario shows, in a sentence or two." ) },
+          readDescription },
+        { { "switch", "switch: { name: leaf1, ... }", Shape::of( "switch" ) }, readSwitchWord },
+        { { "forwarding", "", Shape::of( "forwarding" ) }, readForwardingWord },
+        { { "evpn", "", Shape::of( "evpn" ) }, readEvpnWord },
+        { { "features", "",
+            Shape::of( "text",
+                       "The directory of the feature files (VornalL3.json), relative to this file. "
+                       "This file's own directory if left out." ) },
+          readFeatures },
+        { { "trace", "",
+            Shape::mappingOf( Shape::json( R"({"minLength": 1})" ), Shape::of( "levels" ),
+                              "Text trace levels by trace handle: a handle's name, or the "
+                              "beginning of one followed by '*'. Later lines win. Without a line, "
+                              "VornalEvpnMounter shows levels 0 and 8, and all others level 0." ) },
+          readTrace },
+        { { "steps", "",
+            Shape::listOf( Shape::of( "step" ),
+                           "What happens after the plug-in has been loaded and has mounted its "
+                           "state, in order." ) },
+          readStepsWord } }
+   };
    return table;
 }
 
@@ -115,11 +134,21 @@ void readVariant( Reading & reading, Value const & value, Twin & twin ) {
 
 Table< Twin > const & twinTable() {
    static Table< Twin > const table{
-      "derived-scenario",
-      { { { "scenario", "scenario: start-up-class-id" }, readText< Twin, &Twin::name > },
-        { { "description", "" }, readText< Twin, &Twin::description > },
-        { { "based-on", "based-on: ../start-up/scenario.yaml" }, readBase },
-        { { "variant", "" }, readVariant } }
+      { "derived-scenario",
+        "A scenario that is another one under its own name, and possibly on the other variant." },
+      { { { "scenario", "scenario: start-up-class-id",
+            Shape::of( "text", "The scenario's name, usually that of its folder." ) },
+          readText< Twin, &Twin::name > },
+        { { "description", "",
+            Shape::of( "text",
+                       "What the scenario shows; that of the other scenario if left out." ) },
+          readText< Twin, &Twin::description > },
+        { { "based-on", "based-on: ../start-up/scenario.yaml",
+            Shape::of( "text",
+                       "The file of the other scenario, relative to this one. It must be a whole "
+                       "scenario." ) },
+          readBase },
+        { { "variant", "", Shape::of( "variant" ) }, readVariant } }
    };
    return table;
 }

@@ -1,5 +1,6 @@
 #include <Audit/Variant.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Scenario/TcamGroup.h>
 
 namespace Scenario {
@@ -32,8 +33,10 @@ void readVariant( Reading & reading, Value const & value, Model & model ) {
 
 Table< UnitWords > const & unitTable() {
    static Table< UnitWords > const table{
-      "unit",
-      { { { "module", "module: 1" },
+      { "unit", "One forwarding chip." },
+      { { { "module", "module: 1",
+            Shape::number( 0, kHighestNumber,
+                           "The chip's address on the fabric, its own on each unit." ) },
           readNumber< UnitWords, &UnitWords::module, 0, kHighestNumber > } }
    };
    return table;
@@ -79,9 +82,19 @@ void readGroup( Reading & reading, Value const & value, Tcam & tcam ) {
 }
 
 Table< Tcam > const & tcamTable() {
-   static Table< Tcam > const table{ "tcam",
-                                     { { { "ingress", "" }, readGroup< &Tcam::ingress > },
-                                       { { "egress", "" }, readGroup< &Tcam::egress > } } };
+   static Table< Tcam > const table{
+      { "tcam", "The size of the field-processor groups, in entries per unit." },
+      { { { "ingress", "",
+            Shape::of( "entries",
+                       "The ingress group, number 157. 256 if left out; 'none' for a switch "
+                       "without it." ) },
+          readGroup< &Tcam::ingress > },
+        { { "egress", "",
+            Shape::of(
+               "entries",
+               "The egress group, number 45. 256 if left out; 'none' for a switch without it." ) },
+          readGroup< &Tcam::egress > } }
+   };
    return table;
 }
 
@@ -96,16 +109,41 @@ void readClassIdEnd( Reading & reading, Value const & value, ClassIds & classIds
    }
 }
 
+constexpr U32 kLongestDelay = 1'000'000;
+
 void readClassIdDelay( Reading & reading, Value const & value, ClassIds & classIds ) {
-   constexpr U32 kLongest = 1'000'000;
-   classIds.delay = numberOf( reading, value, 0, kLongest ).value_or( 0 );
+   classIds.delay = numberOf( reading, value, 0, kLongestDelay ).value_or( 0 );
 }
 
+// As far as one of the two is left out.
+constexpr std::string_view kFirstIsNotAboveLast = R"({
+   "dependencies": {
+      "first": {
+         "anyOf": [
+            { "properties": { "first": { "maximum": 4095 } } }, { "required": [ "last" ] }
+         ]
+      },
+      "last": {
+         "anyOf": [ { "properties": { "last": { "minimum": 1 } } }, { "required": [ "first" ] } ]
+      }
+   }
+})";
+
 Table< ClassIds > const & classIdsTable() {
-   static Table< ClassIds > const table{ "class-ids",
-                                         { { { "first", "" }, readClassIdEnd< &ClassIds::first > },
-                                           { { "last", "" }, readClassIdEnd< &ClassIds::last > },
-                                           { { "delay", "" }, readClassIdDelay } } };
+   static Table< ClassIds > const table{
+      { "class-ids", "The ids that the central allocator of class ids hands out.",
+        kFirstIsNotAboveLast },
+      { { { "first", "", Shape::number( 0, ClassIds::kHighest, "The lowest id; 1 if left out." ) },
+          readClassIdEnd< &ClassIds::first > },
+        { { "last", "",
+            Shape::number( 0, ClassIds::kHighest, "The highest id; 4095 if left out." ) },
+          readClassIdEnd< &ClassIds::last > },
+        { { "delay", "",
+            Shape::number(
+               0, kLongestDelay,
+               "How many turns of the activity longer than one a grant takes; 0 if left out." ) },
+          readClassIdDelay } }
+   };
    return table;
 }
 
@@ -132,16 +170,26 @@ void readSwitchPortChannels( Reading & reading, Value const & value, Model & mod
 }
 
 Table< Model > const & switchTable() {
-   static Table< Model > const table{ "switch",
-                                      { { { "name", "name: leaf1" }, readName },
-                                        { { "slice", "" }, readSlice },
-                                        { { "variant", "variant: egress-mask" }, readVariant },
-                                        { { "units", "units: { 0: { module: 1 } }" }, readUnits },
-                                        { { "tcam", "" }, readTcam },
-                                        { { "class-ids", "" }, readClassIds },
-                                        { { "l3-multicast-exempt", "" }, readL3MulticastExempt },
-                                        { { "interfaces", "" }, readSwitchInterfaces },
-                                        { { "port-channels", "" }, readSwitchPortChannels } } };
+   static Table< Model > const table{
+      { "switch", "The switch on which the plug-in runs." },
+      { { { "name", "name: leaf1", Shape::of( "text", "The switch's name." ) }, readName },
+        { { "slice", "", Shape::of( "slice" ) }, readSlice },
+        { { "variant", "variant: egress-mask", Shape::of( "variant" ) }, readVariant },
+        { { "units", "units: { 0: { module: 1 } }",
+            Shape::mappingOf( Shape::of( "unit-key" ), Shape::of( "unit" ),
+                              "The forwarding chips that the agent drives, by unit number.",
+                              R"({"minProperties": 1})" ) },
+          readUnits },
+        { { "tcam", "", Shape::of( "tcam" ) }, readTcam },
+        { { "class-ids", "", Shape::of( "class-ids" ) }, readClassIds },
+        { { "l3-multicast-exempt", "",
+            Shape::of( "yes-or-no",
+                       "Whether the platform does without per-VNI rules for known L3 multicast. "
+                       "false if left out." ) },
+          readL3MulticastExempt },
+        { { "interfaces", "", Shape::of( "interfaces" ) }, readSwitchInterfaces },
+        { { "port-channels", "", Shape::of( "port-channels" ) }, readSwitchPortChannels } }
+   };
    return table;
 }
 
@@ -149,7 +197,9 @@ Table< Model > const & switchTable() {
 
 Choices< Variant > const & variants() {
    static Choices< Variant > const choices = [] {
-      Choices< Variant > all{ "variant", {} };
+      Choices< Variant > all{
+         { "variant", "What the chip can do, and so which state machine the plug-in builds." }, {}
+      };
       for ( Audit::VariantRow const & row : Audit::variantRows() ) {
          all.all.push_back( { row.word, row.variant } );
       }

@@ -1,10 +1,12 @@
+#include <Scenario/Shape.h>
 #include <Scenario/TcamGroup.h>
 
 namespace Scenario {
 
 Choices< TcamGroup > const & tcamGroups() {
    static Choices< TcamGroup > const choices{
-      "tcam-group", { { "ingress", TcamGroup::ingress }, { "egress", TcamGroup::egress } }
+      { "tcam-group", "A field-processor group: ingress (157) or egress (45)." },
+      { { "ingress", TcamGroup::ingress }, { "egress", TcamGroup::egress } }
    };
    return choices;
 }

@@ -137,11 +137,11 @@ template< typename T > struct Choice {
 void noChoice( Reading & reading, Value const & value, WordList const & list );
 
 template< typename T > struct Choices {
-   std::string_view place;  // as WordList has it
+   Place place;
    std::vector< Choice< T > > all;
 
    WordList list() const {
-      WordList result{ place, {} };
+      WordList result{ place, {}, true };
       for ( Choice< T > const & choice : all ) {
          result.words.push_back( { choice.name, {} } );
       }

@@ -1,5 +1,5 @@
-// The words of the language, less those of its steps (Steps/Reader.h has all of them), for those who
-// must agree with the reader: the JSON Schema and its test.
+// The words of the language, less those of its steps (Steps/Reader.h has all of them), for those
+// who must agree with the reader: the JSON Schema and its test.
 #pragma once
 
 #include <vector>

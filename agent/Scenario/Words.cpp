@@ -13,8 +13,8 @@ constexpr std::size_t kUnknown = static_cast< std::size_t >( -1 );
 
 // What people call it.
 std::string nameOf( WordList const & list ) {
-   return list.place == "derived-scenario" ? "a scenario that is based on another"
-                                           : std::string( list.place );
+   return list.place.name == "derived-scenario" ? "a scenario that is based on another"
+                                                : std::string( list.place.name );
 }
 
 std::size_t indexOf( Reading & reading, Value const & member, WordList const & list ) {

@@ -1,10 +1,12 @@
 // The words of a mapping, as a table.
 //
 // Every mapping of the language with a fixed set of words has one table: a row per word with the
-// function that reads its value. The table is all there is; what is known, what is required, what
-// the JSON Schema has to list (see vocabulary()) follows from it.
+// shape of its value and the function that reads it. The table is all there is; what is known, what
+// is required, what the JSON Schema says follows from it.
 //
-//    Table< Tcam > const table{ "tcam", { { { "ingress", "" }, readIngress }, ... } };
+//    Table< Tcam > const table{ { "tcam", "The size of the groups." },
+//                               { { { "ingress", "", Shape::of( "entries" ) }, readIngress },
+//                                 ... } };
 //    readMapping( reading, value, table, tcam );
 //
 // Unknown, repeated and missing words are problems; the well-formed rest is read all the same.
@@ -21,14 +23,23 @@ namespace Scenario {
 struct WordName {
    std::string_view name;
    std::string_view example;  // of a word that must be there; empty: it may be left out
+   std::string shape = {};    // of its value (Scenario/Shape.h); empty for a text to choose
 
    bool isRequired() const { return !example.empty(); }
 };
 
+// What a mapping or a choice is known by, and what the JSON Schema says of it beside its words.
+struct Place {
+   std::string_view name;         // "tcam", as people know it
+   std::string_view description;  // for people
+   std::string_view more = "{}";  // further keywords of JSON Schema, as an object
+};
+
 // A mapping's words, or the texts that a value is chosen from.
 struct WordList {
-   std::string_view place;
+   Place place;
    std::vector< WordName > words;
+   bool isChoice = false;
 
    std::vector< std::string_view > names() const;
 };
@@ -39,7 +50,7 @@ template< typename Target > struct Word {
 };
 
 template< typename Target > struct Table {
-   std::string_view place;  // "tcam", as people know it
+   Place place;
    std::vector< Word< Target > > words;
 
    WordList list() const {

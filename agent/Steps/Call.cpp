@@ -5,6 +5,7 @@
 #include <Quelm/Error.h>
 #include <Scenario/AttributeAt.h>
 #include <Scenario/Course.h>
+#include <Scenario/Shape.h>
 #include <StateDatabase/TypeName.h>
 #include <Steps/Context.h>
 #include <Story/Wording.h>
@@ -12,6 +13,8 @@
 namespace Steps {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 void readCallEntity( Reading & reading, Value const & value, Call & call ) {
    readPath( reading, value, call.entity );
@@ -25,10 +28,14 @@ void readArguments( Reading & reading, Value const & value, Call & call ) {
 
 Scenario::Table< Call > const & callTable() {
    static Scenario::Table< Call > const table{
-      "call",
-      { { { "entity", "entity: /shared/vornalCommon" }, readCallEntity },
-        { { "operation", "operation: intfPortDel" }, Scenario::readText< Call, &Call::operation > },
-        { { "arguments", "" }, readArguments } }
+      { "call", "Calls an operation of an entity." },
+      { { { "entity", "entity: /shared/vornalCommon", Shape::of( "path" ) }, readCallEntity },
+        { { "operation", "operation: intfPortDel", Shape::of( "text", "The operation's name." ) },
+          Scenario::readText< Call, &Call::operation > },
+        { { "arguments", "",
+            Shape::listOf( Shape::of( "text" ),
+                           "The arguments in their text forms; none if left out." ) },
+          readArguments } }
    };
    return table;
 }

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Steps/Context.h>
 
 namespace Steps {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 void readFile( Reading & reading, Value const & value, Capture & capture ) {
    auto const name = stringOf( reading, value );
@@ -31,9 +34,13 @@ void readOn( Reading & reading, Value const & value, Capture & capture ) {
 
 Scenario::Table< Capture > const & captureTable() {
    static Scenario::Table< Capture > const table{
-      "frames",
-      { { { "capture", "capture: ../captures/fabric-v4.pcap" }, readFile },
-        { { "on", "on: Ethernet49" }, readOn } }
+      { "frames", "The frames of a capture come in, one after the other." },
+      { { { "capture", "capture: ../captures/fabric-v4.pcap",
+            Shape::of( "text", "The capture's file, relative to this one." ) },
+          readFile },
+        { { "on", "on: Ethernet49",
+            Shape::of( "segment-interface", "The interface that they come in on." ) },
+          readOn } }
    };
    return table;
 }

@@ -1,5 +1,6 @@
 #include <Steps/ClassIdAllocatorStep.h>
 
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
 
@@ -7,9 +8,13 @@ namespace Steps {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 Scenario::Choices< bool > const & states() {
-   static Scenario::Choices< bool > const choices{ "class-id-allocator",
-                                                   { { "paused", true }, { "serving", false } } };
+   static Scenario::Choices< bool > const choices{
+      { "class-id-allocator", "Whether the allocator of class ids grants what is asked for." },
+      { { "paused", true }, { "serving", false } }
+   };
    return choices;
 }
 

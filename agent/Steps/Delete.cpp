@@ -2,6 +2,7 @@
 
 #include <Quelm/Error.h>
 #include <Scenario/Course.h>
+#include <Scenario/Shape.h>
 #include <Steps/Attributes.h>
 #include <Steps/Context.h>
 
@@ -9,9 +10,11 @@ namespace Steps {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 Scenario::Table< Delete > const & deleteTable() {
-   static Scenario::Table< Delete > const table =
-      Scenario::attributeTable< Delete >( "delete", {} );
+   static Scenario::Table< Delete > const table = Scenario::attributeTable< Delete >(
+      { "delete", "Removes a key from one attribute of one entity, or empties a reference." }, {} );
    return table;
 }
 

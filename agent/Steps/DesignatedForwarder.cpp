@@ -3,9 +3,17 @@
 #include <fmt/format.h>
 
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Steps/Context.h>
 
 namespace Steps {
+
+std::string DesignatedForwarder::shape() {
+   namespace Shape = Scenario::Shape;
+   return Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "yes-or-no" ),
+                            "Whether interfaces are the designated forwarder of their segment "
+                            "from now on." );
+}
 
 void DesignatedForwarder::read( Reading & reading, Value const & value ) {
    for ( auto const & [ intf, about ] : keyedOf( reading, value, Scenario::intfIn ) ) {

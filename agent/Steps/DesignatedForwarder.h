@@ -11,6 +11,7 @@ namespace Steps {
 // Interfaces forward, or do not forward, what came through a tunnel for several receivers.
 class DesignatedForwarder final : public Step {
  public:
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    bool isAboutFrames() const override { return true; }

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <Scenario/Shape.h>
 #include <Scenario/TcamGroup.h>
 #include <Steps/Context.h>
 #include <Steps/Drifting.h>
@@ -10,10 +11,13 @@ namespace Steps {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 using Scenario::Choices;
 using Scenario::Table;
 
 constexpr U32 kHighestNumber = ~U32{ 0 };
+constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
 
 // The words of one drift, as far as they are there.
 struct DriftWords {
@@ -95,8 +99,7 @@ void readMask( Reading & reading, Value const & value, DriftWords & words ) {
 void readEgressMask( Reading & reading, Value const & value, DriftWords & words ) {
    EgressMaskIs change;
    for ( Value const & element : listOf( reading, value ) ) {
-      change.ports.bitSet(
-         numberOf( reading, element, 0, Brum::PerUnitBitmap::kBits - 1 ).value_or( 0 ) );
+      change.ports.bitSet( numberOf( reading, element, 0, kHighestPort ).value_or( 0 ) );
    }
    words.changes.emplace_back( change );
 }
@@ -110,7 +113,7 @@ void readPriority( Reading & reading, Value const & value, DriftWords & words ) 
 }
 
 Choices< EntryFate > const & fates() {
-   static Choices< EntryFate > const choices{ "entry-is",
+   static Choices< EntryFate > const choices{ { "entry-is", "What becomes of the whole entry." },
                                               { { "erased", EntryFate::erased },
                                                 { "destroyed", EntryFate::destroyed },
                                                 { "copied", EntryFate::copied } } };
@@ -132,20 +135,62 @@ void readSwap( Reading & reading, Value const & value, DriftWords & words ) {
    words.changes.emplace_back( std::move( change ) );
 }
 
+// Which words of a drift stand together.
+constexpr std::string_view kWordsTogether = R"({
+   "allOf": [
+      { "oneOf": [ { "required": [ "entry" ] }, { "required": [ "rule" ] } ] },
+      {
+         "oneOf": [
+            { "required": [ "flip" ] },
+            { "required": [ "mask" ] },
+            { "required": [ "egress-mask" ] },
+            { "required": [ "priority" ] },
+            { "required": [ "remove" ] },
+            { "required": [ "entry-is" ] },
+            { "required": [ "swap-gport-with" ] }
+         ]
+      }
+   ]
+})";
+
 Table< DriftWords > const & driftTable() {
    static Table< DriftWords > const table{
-      "drift",
-      { { { "group", "group: ingress" }, Scenario::readGroup< DriftWords > },
-        { { "unit", "unit: 0" }, Scenario::readUnit< DriftWords > },
-        { { "entry", "" }, readEntryId },
-        { { "rule", "" }, readRuleName },
-        { { "flip", "" }, readFlip },
-        { { "mask", "" }, readMask },
-        { { "egress-mask", "" }, readEgressMask },
-        { { "priority", "" }, readPriority },
-        { { "remove", "" }, readRemove },
-        { { "entry-is", "" }, readFate },
-        { { "swap-gport-with", "" }, readSwap } }
+      { "drift", "Something changes in the chip behind the plug-in's back: one rule, one thing.",
+        kWordsTogether },
+      { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
+          Scenario::readGroup< DriftWords > },
+        { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
+        { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
+        { { "rule", "",
+            Shape::of( "text", "What the rule's name, and no other's there, contains." ) },
+          readRuleName },
+        { { "flip", "",
+            Shape::anyOf( { Shape::of( "qualifier" ),
+                            Shape::json( R"({"enum": ["EgressClassSelect", "NewClassId"]})" ) },
+                          "The qualifier or action whose lowest bit tips over." ) },
+          readFlip },
+        { { "mask", "",
+            Shape::mappingOf( Shape::of( "qualifier" ), Shape::of( "count" ),
+                              "A qualifier by name, with the mask that it gets.",
+                              R"({"minProperties": 1, "maxProperties": 1})" ) },
+          readMask },
+        { { "egress-mask", "",
+            Shape::listOf( Shape::number( 0, kHighestPort ),
+                           "The logical ports that the rule masks." ) },
+          readEgressMask },
+        { { "priority", "",
+            Shape::anyOf( { Shape::of( "count" ), Shape::constant( "default" ) },
+                          "The priority, or 'default'." ) },
+          readPriority },
+        { { "remove", "",
+            Shape::anyOf( { Shape::of( "qualifier" ), Shape::of( "action" ) },
+                          "The qualifier or action that the rule loses." ) },
+          readRemove },
+        { { "entry-is", "", Shape::of( "entry-is" ) }, readFate },
+        { { "swap-gport-with", "",
+            Shape::anyOf( { Shape::of( "count" ), Shape::of( "text" ) },
+                          "The other rule, by its entry's id or a part of its name." ) },
+          readSwap } }
    };
    return table;
 }

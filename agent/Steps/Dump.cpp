@@ -1,6 +1,7 @@
 #include <Steps/Dump.h>
 
 #include <Scenario/AttributeAt.h>
+#include <Scenario/Shape.h>
 #include <StateDatabase/Tree.h>
 #include <Steps/Context.h>
 
@@ -20,6 +21,12 @@ void dumpEntity( Context const & context, StateDatabase::EntityPath const & path
 }
 
 }  // namespace
+
+std::string Dump::shape() {
+   namespace Shape = Scenario::Shape;
+   return Shape::anyOf( { Shape::constant( "rules" ), Shape::of( "path" ) },
+                        "Shows the rules in the chips, or an entity." );
+}
 
 void Dump::read( Reading & reading, Value const & value ) {
    if ( !value.node.IsScalar() || value.node.Scalar() != "rules" ) {

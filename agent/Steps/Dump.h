@@ -11,6 +11,7 @@ namespace Steps {
 // Shows an entity, or all rules.
 class Dump final : public Step {
  public:
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    void queue( Context const & context, int line ) const override;

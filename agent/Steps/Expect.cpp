@@ -1,6 +1,7 @@
 #include <Steps/Expect.h>
 
 #include <Expectations/Table.h>
+#include <Scenario/Shape.h>
 #include <Steps/Context.h>
 
 namespace Steps {
@@ -15,6 +16,14 @@ void check( Context const & context, Expectations::Expectation const & expectati
 }
 
 }  // namespace
+
+std::string Expect::shape() {
+   namespace Shape = Scenario::Shape;
+   return Shape::anyOf( { Shape::of( "expect" ),
+                          Shape::listOf( Shape::of( "expect" ), "", R"({"minItems": 1})" ) },
+                        "What must be so now: a mapping of expectations, or a list of such "
+                        "mappings." );
+}
 
 void Expect::read( Reading & reading, Value const & value ) {
    Expectations::readExpectations( reading, value, expectations );

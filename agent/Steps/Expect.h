@@ -11,6 +11,7 @@ namespace Steps {
 // What holds now.
 class Expect final : public Step {
  public:
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    // One turn for each expectation.

@@ -5,12 +5,15 @@
 #include <fmt/format.h>
 
 #include <Calls/Faults.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
 
 namespace Steps {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Scenario::Choices;
 using Scenario::Table;
@@ -19,7 +22,9 @@ constexpr U32 kHighestNumber = ~U32{ 0 };
 
 Choices< std::string_view > const & operations() {
    static Choices< std::string_view > const choices = [] {
-      Choices< std::string_view > all{ "chip-operation", {} };
+      Choices< std::string_view > all{
+         { "chip-operation", "An operation of the chip that gives a result code, or could." }, {}
+      };
       for ( std::string_view const name : Chip::kFallibleOperations ) {
          all.all.push_back( { name, name } );
       }
@@ -59,12 +64,23 @@ void readCode( Reading & reading, Value const & value, FailCall & fail ) {
    }
 }
 
+constexpr std::string_view kCode = R"({
+   "type": "integer", "minimum": -2147483648, "maximum": 2147483647, "not": { "const": 0 }
+})";
+
 Table< FailCall > const & failCallTable() {
-   static Table< FailCall > const table{ "fail-call",
-                                         { { { "operation", "operation: installEntry" },
-                                             readOperation },
-                                           { { "number", "" }, readNumber },
-                                           { { "code", "code: -1" }, readCode } } };
+   static Table< FailCall > const table{
+      { "fail-call",
+        "A call of the chip, of those from now on, is not made and gives a result code." },
+      { { { "operation", "operation: installEntry", Shape::of( "chip-operation" ) },
+          readOperation },
+        { { "number", "",
+            Shape::number( 1, kHighestNumber,
+                           "Which call of the operation; the next one if left out." ) },
+          readNumber },
+        { { "code", "code: -1", Shape::json( kCode, "The result code: negative for a failure." ) },
+          readCode } }
+   };
    return table;
 }
 

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <Scenario/Scenario.h>
+#include <Scenario/Shape.h>
 #include <Steps/Context.h>
 
 namespace Steps {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 void readCount( Reading & reading, Value const & value, ForeignEntries & foreign ) {
    foreign.count = numberOf( reading, value, 0, Scenario::Tcam::kMostEntries ).value_or( 0 );
@@ -15,10 +18,16 @@ void readCount( Reading & reading, Value const & value, ForeignEntries & foreign
 
 Scenario::Table< ForeignEntries > const & foreignTable() {
    static Scenario::Table< ForeignEntries > const table{
-      "foreign-entries",
-      { { { "group", "group: ingress" }, Scenario::readGroup< ForeignEntries > },
-        { { "unit", "" }, Scenario::readUnit< ForeignEntries > },
-        { { "count", "count: 3" }, readCount } }
+      { "foreign-entries",
+        "Other users of a group hold this many of its entries from now on, or as many as there is "
+        "room for." },
+      { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
+          Scenario::readGroup< ForeignEntries > },
+        { { "unit", "", Shape::of( "unit-number", "The unit; each of them if left out." ) },
+          Scenario::readUnit< ForeignEntries > },
+        { { "count", "count: 3",
+            Shape::number( 0, Scenario::Tcam::kMostEntries, "The number of entries." ) },
+          readCount } }
    };
    return table;
 }

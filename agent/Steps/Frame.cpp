@@ -6,11 +6,14 @@
 #include <fmt/format.h>
 
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Steps/Context.h>
 
 namespace Steps {
 
 namespace {
+
+namespace Shape = Scenario::Shape;
 
 using Scenario::Choices;
 using Scenario::Table;
@@ -72,12 +75,15 @@ void readFieldNumber( Reading & reading, Value const & value, Frame & frame ) {
 
 Choices< Chip::FrameContent > const & contents() {
    using Chip::FrameContent;
-   static Choices< FrameContent > const choices{ "frame-content",
-                                                 { { "bare", FrameContent::Bare },
-                                                   { "arp", FrameContent::Arp },
-                                                   { "neighbour-solicitation",
-                                                     FrameContent::NeighbourSolicitation },
-                                                   { "udp", FrameContent::Udp } } };
+   static Choices< FrameContent > const choices{
+      { "frame-content",
+        "What the frame carries: nothing known ('bare', if left out), an ARP request or a "
+        "neighbour solicitation for destination-ip, or a UDP datagram." },
+      { { "bare", FrameContent::Bare },
+        { "arp", FrameContent::Arp },
+        { "neighbour-solicitation", FrameContent::NeighbourSolicitation },
+        { "udp", FrameContent::Udp } }
+   };
    return choices;
 }
 
@@ -86,24 +92,84 @@ void readContent( Reading & reading, Value const & value, Frame & frame ) {
       choiceOf( reading, value, contents() ).value_or( Chip::FrameContent::Bare );
 }
 
+// Which words of a frame stand together.
+constexpr std::string_view kWordsTogether = R"({
+   "anyOf": [ { "required": [ "on" ] }, { "required": [ "from" ] } ],
+   "dependencies": {
+      "from": [ "vni" ],
+      "vni": [ "from" ],
+      "ttl": { "$ref": "#/definitions/of-udp" },
+      "source-port": { "$ref": "#/definitions/of-udp" },
+      "destination-port": { "$ref": "#/definitions/of-udp" }
+   },
+   "allOf": [
+      {
+         "description": "All contents but bare have addresses.",
+         "anyOf": [
+            { "not": { "required": [ "content" ] } },
+            { "properties": { "content": { "const": "bare" } } },
+            { "required": [ "source-ip", "destination-ip" ] }
+         ]
+      },
+      {
+         "description": "Addresses are of one family: arp takes IPv4, neighbour-solicitation IPv6.",
+         "anyOf": [
+            { "not": { "required": [ "source-ip", "destination-ip" ] } },
+            {
+               "properties": {
+                  "source-ip": { "$ref": "#/definitions/ipv4" },
+                  "destination-ip": { "$ref": "#/definitions/ipv4" },
+                  "content": { "not": { "const": "neighbour-solicitation" } }
+               }
+            },
+            {
+               "properties": {
+                  "source-ip": { "$ref": "#/definitions/ipv6" },
+                  "destination-ip": { "$ref": "#/definitions/ipv6" },
+                  "content": { "not": { "const": "arp" } }
+               }
+            }
+         ]
+      }
+   ]
+})";
+
 Table< Frame > const & frameTable() {
    using Fields = Chip::FrameFields;
    static Table< Frame > const table{
-      "frame",
-      { { { "on", "" }, readOn },
-        { { "from", "" }, readFrom },
-        { { "vni", "" }, readVni },
-        { { "vlan", "" }, readVlan },
-        { { "source", "source: 00:00:5e:00:53:02" }, readMac< &Fields::source > },
-        { { "destination", "" }, readMac< &Fields::destination > },
-        { { "content", "" }, readContent },
-        { { "source-ip", "" }, readIp< &Fields::sourceIp > },
-        { { "destination-ip", "" }, readIp< &Fields::destinationIp > },
-        { { "ttl", "" }, readFieldNumber< U8, &Fields::timeToLive, 0xff > },
-        { { "source-port", "" }, readFieldNumber< U16, &Fields::sourcePort, kHighestPort > },
-        { { "destination-port", "" },
+      { "frame",
+        "A frame comes in: from a host on an access interface, or through a tunnel from a remote "
+        "VTEP.",
+        kWordsTogether },
+      { { { "on", "",
+            Shape::of( "segment-interface",
+                       "The interface that it comes in on; for a tunnel, the first underlay "
+                       "interface if left out." ) },
+          readOn },
+        { { "from", "", Shape::of( "vtep-address", "The remote VTEP that sends it, in VXLAN." ) },
+          readFrom },
+        { { "vni", "", Shape::number( 0, kHighestVni, "The VNI, of a frame from a VTEP." ) },
+          readVni },
+        { { "vlan", "", Shape::of( "vlan-number", "Of an 802.1Q tag; untagged if left out." ) },
+          readVlan },
+        { { "source", "source: 00:00:5e:00:53:02", Shape::of( "mac", "The source MAC address." ) },
+          readMac< &Fields::source > },
+        { { "destination", "",
+            Shape::of( "mac", "The destination MAC address; broadcast if left out." ) },
+          readMac< &Fields::destination > },
+        { { "content", "", Shape::of( "frame-content" ) }, readContent },
+        { { "source-ip", "", Shape::of( "address" ) }, readIp< &Fields::sourceIp > },
+        { { "destination-ip", "", Shape::of( "address" ) }, readIp< &Fields::destinationIp > },
+        { { "ttl", "",
+            Shape::number( 0, 0xff, "TTL or hop limit of a 'udp' frame; 64 if left out." ) },
+          readFieldNumber< U8, &Fields::timeToLive, 0xff > },
+        { { "source-port", "", Shape::number( 0, kHighestPort, "UDP source port." ) },
+          readFieldNumber< U16, &Fields::sourcePort, kHighestPort > },
+        { { "destination-port", "", Shape::number( 0, kHighestPort, "UDP destination port." ) },
           readFieldNumber< U16, &Fields::destinationPort, kHighestPort > },
-        { { "payload", "" },
+        { { "payload", "",
+            Shape::number( 0, kLargestPayload,
+                           "Bytes of payload of a 'bare' or 'udp' frame; 32 if left out." ) },
           readFieldNumber< std::size_t, &Fields::payloadSize, kLargestPayload > } }
    };
    return table;

@@ -1,7 +1,10 @@
 #include <Steps/Reader.h>
 
+#include <nlohmann/json.hpp>
+
 #include <Expectations/Table.h>
 #include <Scenario/Parts.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Vocabulary.h>
 #include <Steps/Table.h>
 
@@ -11,13 +14,23 @@ namespace {
 
 constexpr std::string_view kOnlyOn = "only-on";
 
+std::string oneOfTheRows() {
+   nlohmann::json oneOf = nlohmann::json::array();
+   for ( Row const & row : table() ) {
+      oneOf.push_back( { { "required", { row.name } } } );
+   }
+   return nlohmann::json{ { "oneOf", oneOf } }.dump();
+}
+
 // A word for each row of the table, and one more that can stand beside any of them.
 WordList stepWords() {
-   WordList list{ "step", {} };
+   static std::string const oneOf = oneOfTheRows();
+   WordList list{ { "step", "One step does one thing.", oneOf }, {} };
    for ( Row const & row : table() ) {
-      list.words.push_back( { row.name, "" } );
+      list.words.push_back( { row.name, "", row.shape } );
    }
-   list.words.push_back( { kOnlyOn, "" } );
+   list.words.push_back(
+      { kOnlyOn, "", Scenario::Shape::of( "variant", "Takes the step on this variant only." ) } );
    return list;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
 
@@ -27,6 +28,12 @@ bool isAlmost( std::string_view text, std::string_view meant ) {
 }
 
 }  // namespace
+
+std::string Ready::shape() {
+   return Scenario::Shape::json(
+      R"({"type": "string", "pattern": "^subagents::.+"})",
+      "A sub-agent's dependency point becomes ready: subagents::l2Ready." );
+}
 
 void Ready::read( Reading & reading, Value const & value ) {
    std::string_view const group = "subagents::";

@@ -9,6 +9,7 @@ namespace Steps {
 // A sub-agent's dependency point becomes ready.
 class Ready final : public TurnPart {
  public:
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override { return "ready subagents::" + point; }
    void change( Context const & context ) const override;

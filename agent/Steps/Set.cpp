@@ -2,6 +2,7 @@
 
 #include <Quelm/Error.h>
 #include <Scenario/Course.h>
+#include <Scenario/Shape.h>
 #include <Steps/Attributes.h>
 #include <Steps/Context.h>
 
@@ -9,10 +10,16 @@ namespace Steps {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 Scenario::Table< Set > const & setTable() {
-   static Scenario::Table< Set > const table =
-      Scenario::attributeTable< Set >( "set", { { { "value", "" },
-                                                  Scenario::readText< Set, &Set::value > } } );
+   static Scenario::Table< Set > const table = Scenario::attributeTable< Set >(
+      { "set", "Sets one attribute of one entity, or inserts into it." },
+      { { { "value", "",
+            Shape::of( "text",
+                       "The value in its text form; of a reference, the path of an entity. Left "
+                       "out where only a key is inserted." ) },
+          Scenario::readText< Set, &Set::value > } } );
    return table;
 }
 

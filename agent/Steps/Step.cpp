@@ -9,6 +9,10 @@ std::vector< WordList > Step::vocabulary() {
    return {};
 }
 
+std::string Step::shape() {
+   return {};
+}
+
 void TurnPart::queue( Context const & context, int line ) const {
    context.turnNew( line, [ this, &context ] { change( context ); } );
 }

@@ -5,6 +5,9 @@
 //
 //    void read( Reading & reading, Value const & value );   // what stands under its word
 //    static std::vector< WordList > vocabulary();           // the words of its mappings, if any
+//    static std::string shape();                            // of what stands under its word,
+//                                                           // unless that is a mapping or a
+//                                                           // choice which its word names
 //
 // What it does to the published state it tells in follow() too, so that Scenario/Course.h can go on
 // with it. A step that changes something within one turn is a TurnPart; `turn` can hold it.
@@ -33,6 +36,7 @@ using Scenario::WordList;
 class Step : public Scenario::Action {
  public:
    static std::vector< WordList > vocabulary();
+   static std::string shape();
 };
 
 class TurnPart : public Step {

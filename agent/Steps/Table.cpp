@@ -1,5 +1,6 @@
 #include <Steps/Table.h>
 
+#include <Scenario/Shape.h>
 #include <Steps/Call.h>
 #include <Steps/Capture.h>
 #include <Steps/ClassIdAllocatorStep.h>
@@ -31,13 +32,20 @@ std::shared_ptr< Base const > readAs( Reading & reading, Value const & value ) {
    return step;
 }
 
+template< typename Kind > std::string shapeOf( std::string_view name ) {
+   std::string const shape = Kind::shape();
+   return shape.empty() ? Scenario::Shape::of( name ) : shape;
+}
+
 template< typename Kind > Row step( std::string_view name ) {
-   return { name, readAs< Kind, Scenario::Action >, nullptr, Kind::vocabulary };
+   return { name, shapeOf< Kind >( name ), readAs< Kind, Scenario::Action >, nullptr,
+            Kind::vocabulary };
 }
 
 // A step that `turn` can hold as well.
 template< typename Kind > Row turnPart( std::string_view name ) {
-   return { name, readAs< Kind, Scenario::Action >, readAs< Kind, TurnPart >, Kind::vocabulary };
+   return { name, shapeOf< Kind >( name ), readAs< Kind, Scenario::Action >,
+            readAs< Kind, TurnPart >, Kind::vocabulary };
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ namespace Steps {
 
 struct Row {
    std::string_view name;
+   std::string shape;  // of what stands under it
    std::shared_ptr< Scenario::Action const > ( *read )( Reading &, Value const & );
    // Nothing: the step cannot stand in `turn`.
    std::shared_ptr< TurnPart const > ( *readTurnPart )( Reading &, Value const & );

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
 #include <Steps/Table.h>
@@ -22,14 +23,22 @@ std::vector< Row > const & rows() {
 }
 
 WordList turnWords() {
-   WordList list{ "turn", {} };
+   WordList list{ { "turn", "A change that is made in one activity turn with others.",
+                    R"({"minProperties": 1, "maxProperties": 1})" },
+                  {} };
    for ( Row const & row : rows() ) {
-      list.words.push_back( { row.name, "" } );
+      list.words.push_back( { row.name, "", row.shape } );
    }
    return list;
 }
 
 }  // namespace
+
+std::string Turn::shape() {
+   return Scenario::Shape::listOf( Scenario::Shape::of( "turn" ),
+                                   "Several changes in one activity turn, in the order written.",
+                                   R"({"minItems": 1})" );
+}
 
 std::vector< WordList > Turn::vocabulary() {
    return { turnWords() };

@@ -17,6 +17,7 @@ class Turn final : public Step {
    };
 
    static std::vector< WordList > vocabulary();
+   static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    void follow( Scenario::Course & course ) const override;

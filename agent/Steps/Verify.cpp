@@ -3,6 +3,7 @@
 #include <Audit/Audit.h>
 #include <Audit/Records.h>
 #include <Quelm/Text.h>
+#include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
 
@@ -10,10 +11,13 @@ namespace Steps {
 
 namespace {
 
+namespace Shape = Scenario::Shape;
+
 Scenario::Choices< Verify::How > const & verifications() {
    using How = Verify::How;
    static Scenario::Choices< How > const choices{
-      "verify", { { "audit", How::audit }, { "plug-in", How::plugIn }, { "both", How::both } }
+      { "verify", "Who verifies the rules now." },
+      { { "audit", How::audit }, { "plug-in", How::plugIn }, { "both", How::both } }
    };
    return choices;
 }
