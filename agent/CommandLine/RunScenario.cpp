@@ -27,7 +27,7 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
 void tellInterruption( Story::Outcome const & outcome ) {
    if ( outcome.interrupted() ) {
       std::cerr << "interrupted in " << nameOf( outcome.step() ) << ' '
-                << wordsOf( *outcome.interrupted() ) << '\n';
+                << outcome.interrupted()->words() << '\n';
    }
 }
 

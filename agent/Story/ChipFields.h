@@ -1,4 +1,4 @@
-// The fields of what the chip tells, for the pipe between the processes.
+// The fields of calls, rules and frames.
 #pragma once
 
 #include <Calls/HardwareCall.h>
@@ -104,7 +104,7 @@ template<> struct Fields< Chip::IngressStory > {
    static void list( auto & ingress, auto && field ) {
       field( "unit", ingress.unit );
       field( "rule", ingress.rule );
-      field( "classId", ingress.classId );
+      field( "classId", ingress.classId, kOrNull );
    }
 };
 

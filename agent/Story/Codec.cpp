@@ -24,12 +24,12 @@ template< typename T > struct adl_serializer< std::optional< T > > {
 // A structure is an object of its fields.
 template< Story::HasFields T > struct adl_serializer< T > {
    static void to_json( json & out, T const & structure ) {
-      Story::Fields< T >::list( structure, [ & ]( char const * name, auto const & value ) {
+      Story::Fields< T >::list( structure, [ & ]( char const * name, auto const & value, auto... ) {
          out[ name ] = value;
       } );
    }
    static void from_json( json const & in, T & structure ) {
-      Story::Fields< T >::list( structure, [ & ]( char const * name, auto & value ) {
+      Story::Fields< T >::list( structure, [ & ]( char const * name, auto & value, auto... ) {
          in.at( name ).get_to( value );
       } );
    }
@@ -100,51 +100,6 @@ template<> struct adl_serializer< Story::DifferenceKind > {
 }  // namespace nlohmann
 
 namespace Story {
-
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Difference, kind, unit, group, entry, rule, field, is, shouldBe,
-                                    because )
-
-// The fields of every event, and of what they are made of.
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Assertion, file, line, function, expression )
-
-void to_json( nlohmann::json &, EntityTree const & );
-void from_json( nlohmann::json const &, EntityTree & );
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityItem, key, text, entity )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityAttribute, name, kind, items )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityTree, type, identity, shownAt, attributes )
-
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RunBegins, scenario, title, description, steps )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( StepBegins, kind, number, text, place )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( StepEnds, number )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RunEnds, time )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( BadInput, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Warning, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PluginLoaded, file, mounters )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( MountAsked, path, type, flags )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( MountsDone, mounter, status, problems )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityLookedUp, path, type )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( SharedEntityAsked, name, type )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( TcamGroupAsked, group, isThere )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( VariantChosen, variant, type )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( DependencyPointReady, point, isOfPlugin )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PublishedChange, path, attribute, key, from, to )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( CallMade, call )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleIs, rule )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RuleGone, key )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Traced, handle, level, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Logged, name, line )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ExpectationChecked, text, place, held, found )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FramesBegin, arrival, frames )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( FrameForwarded, number, frame )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( ForeignEntriesAre, unit, group, asked, held )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityDumped, path, tree )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( RulesDumped, rules )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Audited, rules, entries, differences, unprotected )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( PluginPass, state, reason )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( EntityShown, path, tree )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( OutputLine, text )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Stopped, reason, assertion, output, trace, isOverTime )
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE( Interrupted, signal, reason )
 
 namespace {
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <Quelm/Integers.h>
+#include <Story/Fields.h>
 #include <VornalTcam/EntryManager.h>
 
 namespace Story {
@@ -60,6 +61,18 @@ struct Difference {
    std::string is;
    std::string shouldBe;
    std::string because;  // the state behind it, in words
+
+   static void fields( auto & difference, auto && field ) {
+      field( "kind", difference.kind );
+      field( "unit", difference.unit );
+      field( "group", difference.group );
+      field( "entry", difference.entry, kOrNull );
+      field( "rule", difference.rule, kOrNull );
+      field( "field", difference.field, kOrNull );
+      field( "is", difference.is );
+      field( "shouldBe", difference.shouldBe );
+      field( "because", difference.because );
+   }
 
    friend bool operator==( Difference const &, Difference const & ) = default;
 };

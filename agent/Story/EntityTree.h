@@ -18,6 +18,13 @@ struct EntityTree {
    // attributes.
    std::string shownAt;
    std::vector< EntityAttribute > attributes;
+
+   static void fields( auto & tree, auto && field ) {
+      field( "type", tree.type );
+      field( "identity", tree.identity );
+      field( "shownAt", tree.shownAt );
+      field( "attributes", tree.attributes );
+   }
 };
 
 // One value of an attribute, one member of a collection, or one entity referred to.
@@ -25,12 +32,24 @@ struct EntityItem {
    std::string key;                   // empty without keys
    std::string text;                  // empty for a member of a set, and for an entity
    std::vector< EntityTree > entity;  // none, or one
+
+   static void fields( auto & item, auto && field ) {
+      field( "key", item.key );
+      field( "text", item.text );
+      field( "entity", item.entity );
+   }
 };
 
 struct EntityAttribute {
    std::string name;
    Kiv::Attribute::Kind kind = Kiv::Attribute::Kind::Value;
    std::vector< EntityItem > items;  // one, unless the attribute has keys
+
+   static void fields( auto & attribute, auto && field ) {
+      field( "name", attribute.name );
+      field( "kind", attribute.kind );
+      field( "items", attribute.items );
+   }
 
    bool isSet() const { return kind == Kiv::Attribute::Kind::Set; }
    bool isKeyed() const {

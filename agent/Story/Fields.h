@@ -12,6 +12,10 @@
 
 namespace Story {
 
+// A third argument to `field`: in documents an empty text, or the number 0, is null.
+struct OrNull {};
+inline constexpr OrNull kOrNull;
+
 // Calls `field( name, value )` for each field of `structure`, in the order of documents.
 template< typename T > struct Fields {
    static void list( auto & structure, auto && field ) requires requires {

@@ -56,7 +56,7 @@ void HumanWriter::tell( Stopped const & event ) {
    frameTable();
    out_ << '\n'
         << style_.bad(
-              fmt::format( "STOPPED in {}: {}.", nameOf( outcome_.step() ), wordsOf( event ) ) )
+              fmt::format( "STOPPED in {}: {}.", nameOf( outcome_.step() ), event.words() ) )
         << '\n';
    if ( event.assertion ) {
       shown( "assertion  " + style_.bold( event.assertion->expression ) );
@@ -93,7 +93,7 @@ void HumanWriter::knownLimits() {
 }
 
 void HumanWriter::tell( Warning const & event ) {
-   shown( style_.bold( "warning: " + event.text ) );
+   shown( style_.bold( event.words() ) );
 }
 
 void HumanWriter::tell( Interrupted const & event ) {
@@ -101,7 +101,7 @@ void HumanWriter::tell( Interrupted const & event ) {
    frameTable();
    out_ << '\n'
         << style_.bad(
-              fmt::format( "INTERRUPTED in {} {}", nameOf( outcome_.step() ), wordsOf( event ) ) )
+              fmt::format( "INTERRUPTED in {} {}", nameOf( outcome_.step() ), event.words() ) )
         << "; so far " << counted( outcome_.expectations(), "expectation" ) << ", "
         << outcome_.failedExpectations() << " of which did not hold, and "
         << counted( rules_.rules().size(), "rule" ) << " in the chip.\n";
@@ -204,22 +204,21 @@ void HumanWriter::tell( Audited const & event ) {
 // --- What the plug-in does
 
 void HumanWriter::tell( MountAsked const & event ) {
-   if ( event.flags.starts_with( 'w' ) ) {
+   if ( event.isToWrite() ) {
       writable_.insert( "/" + event.path );
    }
-   detail( wordsOf( event ) );
+   detail( event.words() );
 }
 
 void HumanWriter::tell( MountsDone const & event ) {
-   shown( event.problems.empty() ? Text::printable( wordsOf( event ) )
-                                 : style_.bad( wordsOf( event ) ) );
+   shown( event.problems.empty() ? Text::printable( event.words() ) : style_.bad( event.words() ) );
 }
 
 void HumanWriter::tell( PublishedChange const & event ) {
    if ( !outcome_.step() ) {
       ++changesBefore_;
    } else if ( writable_.contains( event.path ) ) {
-      detail( wordsOf( event ) );
+      detail( event.words() );
    }
 }
 
@@ -228,7 +227,7 @@ void HumanWriter::tell( ExpectationChecked const & event ) {
       ++held_;
    } else {
       isAnyFailed_ = true;
-      shown( style_.bad( wordsOf( event ) ) );
+      shown( style_.bad( event.words() ) );
    }
 }
 

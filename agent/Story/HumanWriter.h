@@ -41,15 +41,16 @@ class HumanWriter final : public Observer {
    void tell( RuleIs const & event ) { rules_.onEvent( event ); }
    void tell( RuleGone const & event ) { rules_.onEvent( event ); }
    void tell( ExpectationChecked const & event );
-   void tell( FramesBegin const & ) {}  // shows in the table
    void tell( FrameForwarded const & event );
    void tell( EntityDumped const & event );
    void tell( RulesDumped const & event );
    void tell( Audited const & event );
-   void tell( CallMade const & ) {}     // shows in the rules
-   void tell( BadInput const & ) {}     // leaves nothing to tell
-   void tell( EntityShown const & ) {}  // is what another command is for
-   template< typename Other > void tell( Other const & event ) { detail( wordsOf( event ) ); }
+   // Every other event has a line, or none.
+   template< typename Other > void tell( Other const & event ) {
+      if constexpr ( requires { event.words(); } ) {
+         detail( event.words() );
+      }
+   }
 
    void detail( std::string const & text ) { shown( Text::printable( text ) ); }
    void shown( std::string const & text );  // which is printable already, colours and all

@@ -8,8 +8,6 @@ namespace Story {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 Json masked( U32 data, U32 mask ) {
    return { { "data", data }, { "mask", mask } };
 }
@@ -43,12 +41,6 @@ Json jsonOf( Chip::EntryContent const & content, auto const & parts ) {
    return json;
 }
 
-// Of the rule that decided, or null.
-Json jsonOf( std::optional< Chip::RuleKey > const & rule ) {
-   return rule ? Json{ { "unit", rule->unit }, { "group", rule->group }, { "id", rule->id } }
-               : Json();
-}
-
 // The text of a value, or null.
 template< typename T > Json textOf( std::optional< T > const & value ) {
    return value ? Json( value->stringValue() ) : Json();
@@ -73,12 +65,6 @@ Json jsonOf( Chip::InnerStory const & inner ) {
             { "destinationIp", inner.ip ? Json( inner.ip->destination.stringValue() ) : Json() } };
 }
 
-Json jsonOf( Chip::IngressStory const & ingress ) {
-   return { { "unit", ingress.unit },
-            { "rule", jsonOf( ingress.rule ) },
-            { "classId", ingress.classId == 0 ? Json() : Json( ingress.classId ) } };
-}
-
 Json jsonOf( Chip::Copy const & copy ) {
    bool const hasPort = copy.port.isValid() && copy.verdict != Chip::Verdict::NoPort;
    return { { "interface", textOrNull( copy.intfId.stringValue() ) },
@@ -86,7 +72,7 @@ Json jsonOf( Chip::Copy const & copy ) {
             { "unit", hasPort ? Json( copy.port.unit() ) : Json() },
             { "port", hasPort ? Json( copy.port.logicalPort() ) : Json() },
             { "verdict", Chip::nameOf( copy.verdict ) },
-            { "rule", jsonOf( copy.rule ) } };
+            { "rule", Story::jsonOf( copy.rule ) } };
 }
 
 template< typename T > Json listOf( std::vector< T > const & values ) {
@@ -120,18 +106,6 @@ Json jsonOf( EntityAttribute const & attribute ) {
    return json;
 }
 
-Json jsonOf( Story::Difference const & difference ) {
-   return { { "kind", Story::nameOf( difference.kind ) },
-            { "unit", Story::jsonOf( difference.unit ) },
-            { "group", Story::jsonOf( difference.group ) },
-            { "entry", difference.entry == 0 ? Json() : Json( difference.entry ) },
-            { "rule", textOrNull( difference.rule ) },
-            { "field", textOrNull( difference.field ) },
-            { "is", difference.is },
-            { "shouldBe", difference.shouldBe },
-            { "because", difference.because } };
-}
-
 }  // namespace
 
 Json jsonOf( Chip::Rule const & rule ) {
@@ -162,17 +136,6 @@ Json jsonOf( Chip::HardwareCall const & call ) {
             { "returnCode", jsonOf( call.returnCode ) } };
 }
 
-Json jsonOf( Assertion const & assertion ) {
-   return { { "file", assertion.file },
-            { "line", assertion.line },
-            { "function", assertion.function },
-            { "expression", assertion.expression } };
-}
-
-Json jsonOf( Traced const & line ) {
-   return { { "handle", line.handle }, { "level", line.level }, { "text", line.text } };
-}
-
 Json jsonOf( EntityTree const & tree ) {
    Json json{ { "type", tree.type }, { "identity", tree.identity } };
    if ( !tree.shownAt.empty() ) {
@@ -196,7 +159,7 @@ Json jsonOf( FrameForwarded const & event ) {
             { "vni", frame.tunnel ? jsonOf( frame.tunnel->vni ) : Json() },
             { "kind", nameOf( frame.kind ) },
             { "dropReason", nameOf( frame.dropReason ) },
-            { "ingress", listOf( frame.ingress ) },
+            { "ingress", jsonOf( frame.ingress ) },
             { "ports", listOf( frame.copies ) } };
 }
 

@@ -1,32 +1,68 @@
 // How the parts of a story look in JSON documents. The names are described in docs/program.md.
 #pragma once
 
-#include <nlohmann/json.hpp>
-
+#include <Story/ChipFields.h>
+#include <Story/Document.h>
 #include <Story/Event.h>
 #include <Story/LimitIndex.h>
 
 namespace Story {
 
-nlohmann::ordered_json jsonOf( Chip::Rule const & rule );
-nlohmann::ordered_json jsonOf( Chip::HardwareCall const & call );
-nlohmann::ordered_json jsonOf( Assertion const & assertion );
-nlohmann::ordered_json jsonOf( Traced const & line );
-nlohmann::ordered_json jsonOf( EntityTree const & tree );
-nlohmann::ordered_json jsonOf( FrameForwarded const & event );
-nlohmann::ordered_json jsonOf( Audited const & audited );
-nlohmann::ordered_json jsonOf( std::vector< KnownLimit > const & limits );
+// --- Forms of their own
 
-// A whole document as text, with its line end. It is UTF-8 whatever the texts in it are, and holds
-// no control character but line ends.
-std::string documentText( nlohmann::ordered_json const & document );
+Json jsonOf( Chip::Rule const & rule );
+Json jsonOf( Chip::HardwareCall const & call );
+Json jsonOf( EntityTree const & tree );
+Json jsonOf( FrameForwarded const & event );
+Json jsonOf( Audited const & audited );
+Json jsonOf( std::vector< KnownLimit > const & limits );
+inline Json jsonOf( DifferenceKind kind ) {
+   return nameOf( kind );
+}
+
+// --- All others
+
+template< typename T > Json jsonOf( T const & value );
 
 // The value, or null.
-template< typename T > nlohmann::ordered_json jsonOf( std::optional< T > const & value ) {
-   return value ? nlohmann::ordered_json( *value ) : nlohmann::ordered_json();
+template< typename T > Json jsonOf( std::optional< T > const & value ) {
+   return value ? jsonOf( *value ) : Json();
+}
+
+template< typename T > Json jsonOf( std::vector< T > const & values ) {
+   Json json = Json::array();
+   for ( T const & value : values ) {
+      json.push_back( jsonOf( value ) );
+   }
+   return json;
+}
+
+// A structure has its fields by name; anything else stands as it is.
+template< typename T > Json jsonOf( T const & value ) {
+   if constexpr ( HasFields< T > ) {
+      Json json = Json::object();
+      Fields< T >::list( value, Overloaded{ [ & ]( char const * name, auto const & one ) {
+                                              json[ name ] = jsonOf( one );
+                                           },
+                                            [ & ]( char const * name, auto const & one, OrNull ) {
+                                               json[ name ] =
+                                                  one == std::decay_t< decltype( one ) >()
+                                                     ? Json()
+                                                     : jsonOf( one );
+                                            } } );
+      return json;
+   } else {
+      return value;
+   }
 }
 
 // Empty texts are null.
-nlohmann::ordered_json textOrNull( std::string const & text );
+Json textOrNull( std::string const & text );
+
+// --- Documents
+
+// A whole document as text, with its line end. It is UTF-8 whatever the texts in it are, and holds
+// no control character but line ends.
+std::string documentText( Json const & document );
 
 }  // namespace Story

@@ -22,8 +22,7 @@
 
 #include <ostream>
 
-#include <nlohmann/json.hpp>
-
+#include <Story/Document.h>
 #include <Story/FrameTotals.h>
 #include <Story/Outcome.h>
 #include <Story/RuleTable.h>
@@ -44,47 +43,24 @@ class JsonWriter final : public Observer {
    void write( std::ostream & out ) const;
 
  private:
-   using Json = nlohmann::ordered_json;
-
-   void take( RunBegins const & event );
-   void take( StepBegins const & event );
-   void take( StepEnds const & event );
+   void take( StepEnds const & ) { ruleChanges(); }
    void take( BadInput const & event );
-   void take( Warning const & event );
-   void take( Interrupted const & event );
    void take( Stopped const & event );
-   void take( PluginLoaded const & event );
-   void take( MountAsked const & event );
-   void take( MountsDone const & event );
-   void take( EntityLookedUp const & event );
-   void take( SharedEntityAsked const & event );
-   void take( TcamGroupAsked const & event );
-   void take( VariantChosen const & event );
-   void take( DependencyPointReady const & event );
-   void take( PublishedChange const & event );
-   void take( CallMade const & event );
+   void take( Interrupted const & ) { endsEarly(); }
    void take( RuleIs const & event ) { rules_.onEvent( event ); }
    void take( RuleGone const & event ) { rules_.onEvent( event ); }
-   void take( Traced const & event );
-   void take( Logged const & event );
-   void take( Audited const & event );
-   void take( PluginPass const & event );
-   void take( ExpectationChecked const & event );
    void take( FrameForwarded const & event );
-   void take( ForeignEntriesAre const & event );
-   void take( EntityDumped const & event );
-   void take( RulesDumped const & event );
-   template< typename Other > void take( Other const & ) {}
+   // Every other event has its place in the document, or none.
+   template< typename Other > void take( Other const & event ) {
+      if constexpr ( requires { event.addTo( document_ ); } ) {
+         event.addTo( document_ );
+      }
+   }
 
-   Json & step() { return document_[ "steps" ].back(); }
-   bool hasStep() const { return !document_[ "steps" ].empty(); }
-   bool hasRoom( char const * list );
-   void count( char const * counter, std::size_t by = 1 );
    void ruleChanges();
    void endsEarly();
 
-   std::size_t mostEntries_;
-   Json document_;
+   Document document_;
    Outcome outcome_;
    RuleTable rules_;
    FrameTotals totals_;

@@ -1,5 +1,7 @@
 #include <Story/Codec.h>
 
+#include <set>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -114,11 +116,11 @@ std::vector< Event > oneOfEach() {
 }
 
 TEST( Codec, HasAnExampleOfEveryEvent ) {
-   auto const events = oneOfEach();
-   ASSERT_EQ( events.size(), std::variant_size_v< Event > );
-   for ( std::size_t n = 0; n < events.size(); ++n ) {
-      EXPECT_EQ( events[ n ].index(), n );
+   std::set< std::size_t > kinds;
+   for ( Event const & event : oneOfEach() ) {
+      kinds.insert( event.index() );
    }
+   EXPECT_EQ( kinds.size(), std::variant_size_v< Event > );
 }
 
 TEST( Codec, ReadsBackWhatItWritesForEveryEvent ) {

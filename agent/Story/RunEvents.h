@@ -1,0 +1,102 @@
+// Events of where the run stands.
+#pragma once
+
+#include <string>
+#include <variant>
+
+#include <Quelm/Integers.h>
+#include <Story/Fields.h>
+
+namespace Story {
+
+class Document;
+
+struct RunBegins {
+   static constexpr char const * kName = "runBegins";
+   std::string scenario;  // the file, as it was given
+   std::string title;
+   std::string description;
+   U32 steps = 0;  // of the scenario
+
+   static void fields( auto & event, auto && field ) {
+      field( "scenario", event.scenario );
+      field( "title", event.title );
+      field( "description", event.description );
+      field( "steps", event.steps );
+   }
+   void addTo( Document & document ) const;
+};
+
+enum class StepKind { StartUp, Scenario, Verification, Teardown };
+
+struct StepBegins {
+   static constexpr char const * kName = "stepBegins";
+   StepKind kind = StepKind::Scenario;
+   U32 number = 0;
+   std::string text;
+   std::string place;  // "FILE:LINE"; empty for what the scenario does not write
+
+   static void fields( auto & event, auto && field ) {
+      field( "kind", event.kind );
+      field( "number", event.number );
+      field( "text", event.text );
+      field( "place", event.place );
+   }
+   void addTo( Document & document ) const;
+};
+
+struct StepEnds {
+   static constexpr char const * kName = "stepEnds";
+   U32 number = 0;
+
+   static void fields( auto & event, auto && field ) { field( "number", event.number ); }
+};
+
+// The agent has done everything, teardown included.
+struct RunEnds {
+   static constexpr char const * kName = "runEnds";
+   U64 time = 0;  // of the agent's clock, in nanoseconds
+
+   static void fields( auto & event, auto && field ) { field( "time", event.time ); }
+};
+
+// The input turned out to be wrong; nothing is done after it.
+struct BadInput {
+   static constexpr char const * kName = "badInput";
+   std::string text;  // with its place in front
+
+   static void fields( auto & event, auto && field ) { field( "text", event.text ); }
+   void addTo( Document & document ) const;
+};
+
+// A scenario that probably does not mean what it says; the run goes on.
+struct Warning {
+   static constexpr char const * kName = "warning";
+   std::string text;  // with its place in front
+
+   static void fields( auto & event, auto && field ) { field( "text", event.text ); }
+   std::string words() const;
+   void addTo( Document & document ) const;
+};
+
+struct ExpectationChecked {
+   static constexpr char const * kName = "expectationChecked";
+   std::string text;
+   std::string place;  // "FILE:LINE"
+   bool held = false;
+   std::string found;  // instead, when it did not hold
+
+   static void fields( auto & event, auto && field ) {
+      field( "text", event.text );
+      field( "place", event.place );
+      field( "held", event.held );
+      field( "found", event.found, kOrNull );
+   }
+   std::string words() const;
+   void addTo( Document & document ) const;
+};
+
+using RunEvents =
+   std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning, ExpectationChecked >;
+
+}  // namespace Story

@@ -1,0 +1,62 @@
+// Events of the published state.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+#include <Story/EntityTree.h>
+#include <Story/Fields.h>
+
+namespace Story {
+
+class Document;
+
+// One change of the published state, before those who watch it act on it.
+struct PublishedChange {
+   static constexpr char const * kName = "publishedChange";
+   std::string path;  // of the entity, "/evpn/status/segmentStatus[Port-Channel2]"
+   std::string attribute;
+   std::string key;                    // empty for an attribute without keys
+   std::optional< std::string > from;  // nothing: it was not there
+   std::optional< std::string > to;    // nothing: it is gone
+
+   static void fields( auto & event, auto && field ) {
+      field( "path", event.path );
+      field( "attribute", event.attribute );
+      field( "key", event.key, kOrNull );
+      field( "from", event.from );
+      field( "to", event.to );
+   }
+   std::string words() const;
+   void addTo( Document & document ) const;
+};
+
+// An entity that a step dumps.
+struct EntityDumped {
+   static constexpr char const * kName = "entityDumped";
+   std::string path;
+   EntityTree tree;
+
+   static void fields( auto & event, auto && field ) {
+      field( "path", event.path );
+      field( "entity", event.tree );
+   }
+   void addTo( Document & document ) const;
+};
+
+// An entity that was asked to be shown.
+struct EntityShown {
+   static constexpr char const * kName = "entityShown";
+   std::string path;
+   EntityTree tree;
+
+   static void fields( auto & event, auto && field ) {
+      field( "path", event.path );
+      field( "entity", event.tree );
+   }
+};
+
+using StateEvents = std::variant< PublishedChange, EntityDumped, EntityShown >;
+
+}  // namespace Story
