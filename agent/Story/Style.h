@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include <fmt/color.h>
+
 #include <Text/Printable.h>
 
 namespace Story {
@@ -13,17 +15,18 @@ class Style {
  public:
    explicit Style( bool isColoured ) : isColoured_( isColoured ) {}
 
-   std::string bold( std::string_view text ) const { return in( "1", text ); }
-   std::string good( std::string_view text ) const { return in( "32", text ); }
-   std::string bad( std::string_view text ) const { return in( "1;31", text ); }
+   std::string bold( std::string_view text ) const { return in( fmt::emphasis::bold, text ); }
+   std::string good( std::string_view text ) const {
+      return in( fmt::fg( fmt::terminal_color::green ), text );
+   }
+   std::string bad( std::string_view text ) const {
+      return in( fmt::emphasis::bold | fmt::fg( fmt::terminal_color::red ), text );
+   }
 
  private:
-   // SGR parameters (ECMA-48, section 8.3.117) around the text.
-   std::string in( std::string_view parameters, std::string_view text ) const {
-      if ( !isColoured_ ) {
-         return Text::printable( text );
-      }
-      return "\x1b[" + std::string( parameters ) + "m" + Text::printable( text ) + "\x1b[0m";
+   std::string in( fmt::text_style const & style, std::string_view text ) const {
+      std::string const printable = Text::printable( text );
+      return isColoured_ ? fmt::format( style, "{}", printable ) : printable;
    }
 
    bool isColoured_;

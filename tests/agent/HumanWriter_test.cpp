@@ -212,7 +212,7 @@ TEST( HumanWriterStyle, LetsNoControlCharacterOfOthersThrough ) {
    Story::HumanWriter onTerminal( coloured, Story::Style( true ) );
    tell( onTerminal, events );
    EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b" ),
-              Support::timesIn( coloured.str(), "\x1b[1;31m" ) +
+              Support::timesIn( coloured.str(), "\x1b[31m" ) +
                  Support::timesIn( coloured.str(), "\x1b[1m" ) +
                  Support::timesIn( coloured.str(), "\x1b[32m" ) +
                  Support::timesIn( coloured.str(), "\x1b[0m" ) );
@@ -247,7 +247,7 @@ TEST( HumanWriterStyle, UsesColoursOnlyWhereTheyAreWanted ) {
    tell( onTerminal, { step( 1 ), expectation( false ), Story::StepEnds{ 1 }, Story::RunEnds{} } );
 
    EXPECT_EQ( Support::timesIn( plain.str(), "\x1b[" ), 0U );
-   EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1;31m" ), 2U );
+   EXPECT_EQ( Support::timesIn( coloured.str(), "\x1b[1m\x1b[31m" ), 2U );
 }
 
 TEST_F( HumanWriter, TellsAWarningBelowItsStep ) {
