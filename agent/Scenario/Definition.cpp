@@ -4,7 +4,7 @@ namespace Scenario {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 Json choiceOf( WordList const & list ) {
    Json texts = Json::array();

@@ -9,6 +9,6 @@ namespace Scenario {
 
 // A mapping with these words, or a choice of these texts; it stands in the schema under
 // `definitions`, by its place.
-nlohmann::json definitionOf( WordList const & list );
+nlohmann::ordered_json definitionOf( WordList const & list );
 
 }  // namespace Scenario

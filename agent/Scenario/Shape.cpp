@@ -6,7 +6,7 @@ namespace Scenario::Shape {
 
 namespace {
 
-using Json = nlohmann::json;
+using Json = nlohmann::ordered_json;
 
 std::string described( Json shape, std::string_view description ) {
    if ( !description.empty() ) {

@@ -15,11 +15,11 @@ namespace {
 constexpr std::string_view kOnlyOn = "only-on";
 
 std::string oneOfTheRows() {
-   nlohmann::json oneOf = nlohmann::json::array();
+   nlohmann::ordered_json oneOf = nlohmann::ordered_json::array();
    for ( Row const & row : table() ) {
       oneOf.push_back( { { "required", { row.name } } } );
    }
-   return nlohmann::json{ { "oneOf", oneOf } }.dump();
+   return nlohmann::ordered_json{ { "oneOf", oneOf } }.dump();
 }
 
 // A word for each row of the table, and one more that can stand beside any of them.
