@@ -3,8 +3,8 @@
 #include <iostream>
 #include <new>
 
-#include <CommandLine/Commands.h>
 #include <CommandLine/OutputStream.h>
+#include <CommandLine/Parser.h>
 #include <Process/EndWatch.h>
 #include <Process/Interruption.h>
 #include <Process/Standard.h>
@@ -25,20 +25,12 @@ int exitCodeOfFailure() {
    return signal == 0 ? kBadInput : static_cast< int >( Story::exitCodeOf( signal ) );
 }
 
-Story::ExitCode perform( Command const & command, std::ostream & out ) {
-   return std::visit( Story::Overloaded{
-                         [ & ]( RunOptions const & options ) { return run( options, out ); },
-                         [ & ]( ShowOptions const & options ) { return show( options, out ); },
-                         [ & ]( VerifyOptions const & options ) { return verify( options, out ); },
-                         [ & ]( RingOptions const & options ) { return ring( options, out ); } },
-                      command );
-}
-
 int answer( int argc, char const * const * argv, std::ostream & out ) {
    auto const asked = parse( argc, argv, out );
    auto const * const done = std::get_if< Done >( &asked );
    return done ? done->exitCode
-               : static_cast< int >( perform( std::get< Command >( asked ), out ) );
+               : static_cast< int >(
+                    std::get< std::unique_ptr< Command > >( asked )->perform( out ) );
 }
 
 }  // namespace

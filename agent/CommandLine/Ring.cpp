@@ -1,11 +1,13 @@
+#include <CommandLine/Ring.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
-#include <CommandLine/Commands.h>
 #include <Quelm/Error.h>
 #include <Story/InputError.h>
 #include <Text/Printable.h>
@@ -43,14 +45,18 @@ std::string lineOf( Trace::Ring::Decoded const & line ) {
 
 }  // namespace
 
-Story::ExitCode ring( RingOptions const & options, std::ostream & out ) {
-   std::vector< char > const content = contentOf( options.file );
+void Ring::declare( CLI::App & app ) {
+   app.add_option( "FILE", file_, "The file that 'run --ring' has written" )->required();
+}
+
+Story::ExitCode Ring::perform( std::ostream & out ) {
+   std::vector< char > const content = contentOf( file_ );
    try {
       for ( auto const & line : Trace::Ring::decode( std::as_bytes( std::span( content ) ) ) ) {
          out << lineOf( line );
       }
    } catch ( Quelm::TextError const & error ) {
-      throw Story::InputError( options.file.string() + ": " + error.what() );
+      throw Story::InputError( file_.string() + ": " + error.what() );
    }
    return Story::ExitCode::Held;
 }

@@ -1,14 +1,18 @@
+#include <CommandLine/Run.h>
+
 #include <iostream>
 
+#include <CLI/CLI.hpp>
+
 #include <CommandLine/CaptureFolder.h>
-#include <CommandLine/Commands.h>
-#include <CommandLine/PluginFile.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <Quelm/Error.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonWriter.h>
 #include <Text/Printable.h>
+#include <Trace/Trace.h>
 
 #include <unistd.h>
 
@@ -47,25 +51,66 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    return outcome.exitCode();
 }
 
+// Reads "HANDLE/LEVELS".
+Scenario::TraceLevels traceOf( std::string const & text ) {
+   std::size_t const slash = text.rfind( '/' );
+   Scenario::TraceLevels const trace{ text.substr( 0, slash ),
+                                      slash == std::string::npos ? "" : text.substr( slash + 1 ) };
+   if ( slash == std::string::npos || trace.handles.empty() ) {
+      throw CLI::ValidationError( "--trace", "'" + text +
+                                                "' is not HANDLE/LEVELS such as "
+                                                "'VornalEvpn*/0-5'" );
+   }
+   try {
+      Trace::levelsFromText( trace.levels );
+   } catch ( Quelm::TextError const & error ) {
+      throw CLI::ValidationError( "--trace", error.what() );
+   }
+   return trace;
+}
+
+std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & file ) {
+   return file.empty() ? std::nullopt : std::optional( file );
+}
+
 }  // namespace
 
-Story::ExitCode run( RunOptions const & options, std::ostream & out ) {
-   Scenario::Model const scenario = Steps::readScenario( options.scenario );
-   ScenarioRun const what{ scenario,
-                           { .scenario = options.scenario.string(),
-                             .plugin = pluginFile( options.plugin ),
-                             .trace = options.trace,
-                             .show = {},
-                             .captures = captureFolder( options.captures, scenario ) },
-                           options.ring,
-                           options.turnLimit };
+void Run::declare( CLI::App & app ) {
+   scenario_.declare( app );
+   app.add_option( "--trace", traceTexts_,
+                   "Show what a trace handle traces at these levels ('VornalEvpn*/0-5,9'); can be "
+                   "given several times" )
+      ->type_name( "HANDLE/LEVELS" )
+      ->take_all()
+      ->expected( 1 );
+   app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
+      ->type_name( "FILE" )
+      ->check( problemOfName );
+   app.add_option( "--pcap-out", captures_,
+                   "Write what leaves each port into this folder, as captures" )
+      ->type_name( "DIR" )
+      ->check( problemOfName );
+}
+
+void Run::readWords() {
+   scenario_.readWords();
+   for ( std::string const & text : traceTexts_ ) {
+      trace_.push_back( traceOf( text ) );
+   }
+}
+
+Story::ExitCode Run::perform( std::ostream & out ) {
+   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   ScenarioRun what{ scenario, scenario_.config(), ifNamed( ring_ ), scenario_.turnLimit() };
+   what.config.trace = trace_;
+   what.config.captures = captureFolder( ifNamed( captures_ ), scenario );
    Progress progress( std::cerr );
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
    }
-   return options.isJson ? runForPrograms( what, std::move( observers ), out )
-                         : runForPeople( what, std::move( observers ), out );
+   return scenario_.isJson() ? runForPrograms( what, std::move( observers ), out )
+                             : runForPeople( what, std::move( observers ), out );
 }
 
 }  // namespace CommandLine

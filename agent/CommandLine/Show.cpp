@@ -1,8 +1,10 @@
+#include <CommandLine/Show.h>
+
 #include <iostream>
 #include <sstream>
 
-#include <CommandLine/Commands.h>
-#include <CommandLine/PluginFile.h>
+#include <CLI/CLI.hpp>
+
 #include <CommandLine/RunScenario.h>
 #include <Story/EntityText.h>
 #include <Story/HumanWriter.h>
@@ -38,44 +40,59 @@ Json pathsJson( std::vector< Story::EntityShown > const & entities ) {
    return { { "entities", std::move( json ) } };
 }
 
-void print( ShowOptions const & options, std::vector< Story::EntityShown > const & entities,
-            std::ostream & out ) {
-   if ( options.isJson ) {
-      Json const json = options.path ? Json{ { "path", entities.front().path },
-                                             { "entity", jsonOf( entities.front().tree ) } }
-                                     : pathsJson( entities );
-      out << Story::documentText( json );
-      return;
-   }
-   for ( Story::EntityShown const & shown : entities ) {
-      out << ( options.path ? Story::treeText( shown.path, shown.tree )
-                            : Story::pathLine( shown ) );
+StateDatabase::EntityPath pathOf( std::string const & text ) {
+   try {
+      return StateDatabase::EntityPath::fromString( text );
+   } catch ( Quelm::TextError const & error ) {
+      throw CLI::ValidationError( "PATH", "'" + text +
+                                             "' is not the path of an entity such as "
+                                             "'/evpn/status': " +
+                                             error.what() );
    }
 }
 
-Host::AgentConfig::Show whatToShow( ShowOptions const & options ) {
-   if ( options.path ) {
-      return *options.path;
-   }
-   return Host::AgentConfig::Paths{};
+std::string problemOfWhat( std::string const & text ) {
+   return text == "entities" ? "" : "'" + text + "' cannot be shown; give 'entities'";
 }
 
 }  // namespace
 
-Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
-   Scenario::Model const scenario = Steps::readScenario( options.scenario );
+void Show::declare( CLI::App & app ) {
+   scenario_.declare( app );
+   app.add_option( "WHAT", what_, "What to show: 'entities'" )->required()->check( problemOfWhat );
+   app.add_option( "PATH", pathText_,
+                   "The entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; without one, "
+                   "the paths to begin with are listed" );
+}
+
+void Show::readWords() {
+   scenario_.readWords();
+   if ( !pathText_.empty() ) {
+      path_ = pathOf( pathText_ );
+   }
+}
+
+void Show::print( std::vector< Story::EntityShown > const & entities, std::ostream & out ) const {
+   if ( scenario_.isJson() ) {
+      Json const json = path_ ? Json{ { "path", entities.front().path },
+                                      { "entity", jsonOf( entities.front().tree ) } }
+                              : pathsJson( entities );
+      out << Story::documentText( json );
+      return;
+   }
+   for ( Story::EntityShown const & shown : entities ) {
+      out << ( path_ ? Story::treeText( shown.path, shown.tree ) : Story::pathLine( shown ) );
+   }
+}
+
+Story::ExitCode Show::perform( std::ostream & out ) {
+   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
    Shown shown;
    Story::Outcome outcome;
-   ScenarioRun const what{ scenario,
-                           { .scenario = options.scenario.string(),
-                             .plugin = pluginFile( options.plugin ),
-                             .trace = {},
-                             .show = whatToShow( options ),
-                             .captures = {} },
-                           {},
-                           options.turnLimit };
+   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
+   what.config.show = path_ ? Host::AgentConfig::Show( *path_ ) : Host::AgentConfig::Paths{};
    runScenario( what, { &writer, &shown }, outcome );
    if ( outcome.stopped() ) {
       std::cerr << story.str();
@@ -88,7 +105,7 @@ Story::ExitCode show( ShowOptions const & options, std::ostream & out ) {
       tellInterruption( outcome );
       return outcome.exitCode();
    }
-   print( options, shown.entities(), out );
+   print( shown.entities(), out );
    return Story::ExitCode::Held;
 }
 

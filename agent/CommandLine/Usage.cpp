@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/Table.h>
 #include <Text/Words.h>
 
 namespace CommandLine {
@@ -29,7 +30,7 @@ std::string hintOf( CLI::App const & command, std::string const & word ) {
 
 std::string missing( CLI::App const & app, CLI::App const & command, std::string const & error ) {
    if ( &command == &app ) {
-      return "a command is missing; the commands are run, show, verify and ring";
+      return "a command is missing; the commands are " + Text::listed( commandNames(), "and" );
    }
    std::string const word = error.substr( 0, error.find( " is required" ) );
    return word + " is missing: " + purposeOf( command, word );

@@ -1,10 +1,11 @@
+#include <CommandLine/Verify.h>
+
 #include <iostream>
 #include <sstream>
 
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
-#include <CommandLine/Commands.h>
-#include <CommandLine/PluginFile.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <Story/AuditText.h>
@@ -184,11 +185,11 @@ Json auditJson( AuditAfter const & one ) {
    return json;
 }
 
-void printJson( VerifyOptions const & options, Verified const & verified,
+void printJson( std::string const & file, Verified const & verified,
                 std::vector< AuditAfter > const & audits, Story::Outcome const & outcome,
                 Story::ExitCode code, std::ostream & out ) {
    Json json{ { "scenario", verified.title() },
-              { "file", options.scenario.string() },
+              { "file", file },
               { "variant", Story::textOrNull( verified.variant() ) },
               { "end", endName( code, outcome ) },
               { "pluginPass", passName( verified, outcome ) },
@@ -213,42 +214,45 @@ void printJson( VerifyOptions const & options, Verified const & verified,
 
 }  // namespace
 
-Story::ExitCode verify( VerifyOptions const & options, std::ostream & out ) {
+void Verify::declare( CLI::App & app ) {
+   scenario_.declare( app );
+   app.add_flag( "--after-each-step", isAfterEachStep_, "Audit the rules after each step as well" );
+}
+
+Story::ExitCode Verify::perform( std::ostream & out ) {
    using When = Host::AgentConfig::Verify;
-   Scenario::Model const scenario = Steps::readScenario( options.scenario );
-   Host::AgentConfig config;
-   config.scenario = options.scenario.string();
-   config.plugin = pluginFile( options.plugin );
-   config.verify = options.isAfterEachStep ? When::afterEachStep : When::atEnd;
+   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
+   what.config.verify = isAfterEachStep_ ? When::afterEachStep : When::atEnd;
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
    Verified verified;
    Story::Outcome outcome;
-   ScenarioRun const what{ scenario, std::move( config ), {}, options.turnLimit };
    runScenario( what, { &writer, &verified }, outcome );
    if ( outcome.interrupted() ) {
-      if ( options.isJson ) {
-         printJson( options, verified, verified.asked( options.isAfterEachStep ), outcome,
-                    outcome.exitCode(), out );
+      if ( scenario_.isJson() ) {
+         printJson( scenario_.file().string(), verified, verified.asked( isAfterEachStep_ ),
+                    outcome, outcome.exitCode(), out );
       }
       tellInterruption( outcome );
       return outcome.exitCode();
    }
    if ( !outcome.badInput().empty() ) {
-      if ( options.isJson ) {
-         printJson( options, verified, {}, outcome, Story::ExitCode::BadInput, out );
+      if ( scenario_.isJson() ) {
+         printJson( scenario_.file().string(), verified, {}, outcome, Story::ExitCode::BadInput,
+                    out );
       }
       return Story::ExitCode::BadInput;
    }
-   auto const audits = verified.asked( options.isAfterEachStep );
+   auto const audits = verified.asked( isAfterEachStep_ );
    auto const code = outcome.stopped()         ? Story::ExitCode::Stopped
                      : faultsIn( audits ) != 0 ? Story::ExitCode::ExpectationFailed
                                                : Story::ExitCode::Held;
    if ( outcome.stopped() && !verified.isPassStopped() ) {
       std::cerr << story.str();
    }
-   if ( options.isJson ) {
-      printJson( options, verified, audits, outcome, code, out );
+   if ( scenario_.isJson() ) {
+      printJson( scenario_.file().string(), verified, audits, outcome, code, out );
    } else {
       print( verified, audits, outcome, code, out );
    }

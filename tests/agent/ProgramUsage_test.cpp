@@ -20,7 +20,7 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
    EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
               "no command 'vrify'; did you mean 'verify'?\n" );
    EXPECT_EQ( Support::vornal( { "inspect" } ).err,
-              "no command 'inspect'; the commands are run, show, verify and ring\n" );
+              "no command 'inspect'; the commands are run, show, verify, ring and schema\n" );
 }
 
 TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
@@ -51,7 +51,7 @@ TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
    std::string const help = "\n'vornal run --help' lists the words that it takes\n";
    std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
    EXPECT_EQ( Support::vornal( {} ).err,
-              "vornal: a command is missing; the commands are run, show, verify and ring\n"
+              "vornal: a command is missing; the commands are run, show, verify, ring and schema\n"
               "'vornal --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run" } ).err,
               "vornal run: SCENARIO is missing: " + scenario + help );

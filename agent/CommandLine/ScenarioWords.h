@@ -1,0 +1,41 @@
+// The words that every command with a scenario takes.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <Host/Agent.h>
+
+namespace CLI {
+class App;
+}
+
+namespace CommandLine {
+
+// What is wrong with the name of a file or a folder; nothing when it can be one. A CLI11 check.
+std::string problemOfName( std::string const & text );
+
+class ScenarioWords {
+ public:
+   void declare( CLI::App & app );
+   // Throws CLI::ValidationError.
+   void readWords();
+
+   std::filesystem::path const & file() const { return file_; }
+   bool isJson() const { return isJson_; }
+   // How long a turn may take; 0: as long as it likes.
+   std::chrono::milliseconds turnLimit() const { return turnLimit_; }
+   // Finds the plug-in; throws Story::InputError where there is none.
+   Host::AgentConfig config() const;
+
+ private:
+   std::filesystem::path file_;
+   std::string plugin_;  // empty: the one that comes with the program
+   bool isJson_ = false;
+   std::string turnLimitText_;
+   std::chrono::milliseconds turnLimit_{};
+};
+
+}  // namespace CommandLine

@@ -1,0 +1,61 @@
+#include <CommandLine/Table.h>
+
+#include <CommandLine/Ring.h>
+#include <CommandLine/Run.h>
+#include <CommandLine/Schema.h>
+#include <CommandLine/Show.h>
+#include <CommandLine/Verify.h>
+
+namespace CommandLine {
+
+namespace {
+
+constexpr std::string_view kOfARun =
+   "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
+   "the process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfAnAudit =
+   "Exit codes: 0 in step, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
+   "process, in its own pass or before, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
+
+template< typename Kind > std::unique_ptr< Command > create() {
+   return std::make_unique< Kind >();
+}
+
+}  // namespace
+
+std::vector< Row > const & table() {
+   static std::vector< Row > const rows{
+      { "run", "Run a scenario and tell what happens",
+        "vornal run scenarios/start-up/scenario.yaml\n"
+        "vornal run --json --trace 'VornalEvpn*/0-5' scenario.yaml",
+        create< Run >, kOfARun },
+      { "show", "Run a scenario and show the state that it leads to",
+        "vornal show scenarios/start-up/scenario.yaml entities\n"
+        "vornal show scenarios/start-up/scenario.yaml entities /evpn/status",
+        create< Show >, kOfARun },
+      { "verify", "Run a scenario, and hold the rules against the state that they serve",
+        "vornal verify scenarios/start-up/scenario.yaml\n"
+        "vornal verify --after-each-step scenario.yaml",
+        create< Verify >, kOfAnAudit },
+      { "ring", "Print the lines of a binary trace ring",
+        "vornal run --ring run.ring scenario.yaml\n"
+        "vornal ring run.ring",
+        create< Ring >, kOfAText },
+      { "schema", "Print the JSON Schema of scenarios, for editors",
+        "vornal schema > scenario.schema.json\n"
+        "vornal schema | jq .definitions.frame",
+        create< Schema >, kOfAText }
+   };
+   return rows;
+}
+
+std::vector< std::string_view > commandNames() {
+   std::vector< std::string_view > names;
+   for ( Row const & row : table() ) {
+      names.push_back( row.name );
+   }
+   return names;
+}
+
+}  // namespace CommandLine
