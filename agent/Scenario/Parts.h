@@ -4,8 +4,9 @@
 // |----------------|-----------------------------------------------------------|
 // | Reader.cpp     | the scenario itself, and those based on another           |
 // | Switch.cpp     | `switch`, less the interfaces                             |
-// | Published.cpp  | interfaces, port channels, segments, VTEPs, tunnel        |
-// |                | interfaces: before the plug-in is loaded and in steps     |
+// | Interfaces.cpp | interfaces and port channels                              |
+// | Published.cpp  | segments, VTEPs, tunnel interfaces, class ids: before the |
+// |                | plug-in is loaded and in steps                            |
 // | Forwarding.cpp | `forwarding`                                              |
 //
 // Steps/ and Expectations/ hold what reads `steps`, a source for each kind.
@@ -24,8 +25,6 @@ void readSwitch( Reading & reading, Value const & value, Model & model );
 Choices< Variant > const & variants();
 
 // Each appends to the changes.
-void readInterfaces( Reading & reading, Value const & value, std::vector< Change > & changes );
-void readPortChannels( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readEvpn( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readPublish( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readWithdraw( Reading & reading, Value const & value, std::vector< Change > & changes );

@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <array>
 
-#include <Brum/PerUnitBitmap.h>
 #include <Frames/Headers.h>
+#include <Scenario/Interfaces.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
 
@@ -10,50 +10,19 @@ namespace Scenario {
 
 namespace {
 
-using Changes = std::vector< Change >;
-using Kind = Pelk::IntfId::Kind;
-
-// An interface of one of the kinds, which `expected` words.
-std::optional< Pelk::IntfId > interfaceIn( Reading & reading, std::string const & text, int line,
-                                           std::initializer_list< Kind > kinds,
-                                           std::string const & expected ) {
-   auto const intf = parsed< Pelk::IntfId >( reading, text, line );
-   if ( !intf || std::find( kinds.begin(), kinds.end(), intf->kind() ) != kinds.end() ) {
-      return intf;
-   }
-   reading.problem( line, intf->stringValue() + " cannot stand here; " + expected );
-   return std::nullopt;
-}
-
-std::optional< Pelk::IntfId > ethernetIn( Reading & reading, std::string const & text, int line ) {
-   return interfaceIn( reading, text, line, { Kind::ethernet },
-                       "an Ethernet interface is expected" );
-}
-
-std::optional< Pelk::IntfId > portChannelIn( Reading & reading, std::string const & text,
-                                             int line ) {
-   return interfaceIn( reading, text, line, { Kind::portChannel },
-                       "a port channel is expected, as in Port-Channel1" );
-}
-
-std::optional< Pelk::IntfId > segmentIntfIn( Reading & reading, std::string const & text,
-                                             int line ) {
-   auto const intf = interfaceIn( reading, text, line, { Kind::ethernet, Kind::portChannel },
-                                  "a segment is on an Ethernet interface or a port channel" );
-   if ( intf ) {
-      reading.use( *intf, line );
-   }
-   return intf;
-}
-
-std::optional< Pelk::IntfId > tunnelIntfIn( Reading & reading, std::string const & text,
-                                            int line ) {
-   return interfaceIn( reading, text, line, { Kind::vxlan },
-                       "a tunnel interface is expected, as in Vxlan1" );
-}
-
 std::optional< L3::VrfName > vrfIn( Reading &, std::string const & text, int ) {
    return L3::VrfName( text );
+}
+
+// The IPv4 address of an IPv4-mapped one (RFC 4291, section 2.5.5.2).
+std::optional< Pelk::IpGenAddr > ipv4Within( Pelk::IpGenAddr const & address ) {
+   constexpr std::array< U8, 12 > mapped{ 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff };
+   std::array< U8, 16 > const bytes = address.bytes();
+   bool const isMapped = address.family() == Pelk::IpGenAddr::Family::ipv6 &&
+                         std::equal( mapped.begin(), mapped.end(), bytes.begin() );
+   return isMapped ? std::optional( Pelk::IpGenAddr::ipv4(
+                        { bytes[ 12 ], bytes[ 13 ], bytes[ 14 ], bytes[ 15 ] } ) )
+                   : std::nullopt;
 }
 
 // A VTEP that has, or is to have, a tunnel to this switch.
@@ -64,102 +33,6 @@ std::optional< Pelk::IpGenAddr > tunnelVtepIn( Reading & reading, std::string co
       reading.agreement().remoteVtepIs( *vtep, line );
    }
    return vtep;
-}
-
-// --- interfaces
-
-struct PortWords {
-   std::optional< U32 > unit;
-   std::optional< U32 > port;
-};
-
-constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
-constexpr U32 kInvalid = VornalTypes::VornalPort::kInvalidLogicalPort;
-
-void readPort( Reading & reading, Value const & value, PortWords & words ) {
-   words.port =
-      numberIn( value ) == kInvalid
-         ? std::optional( kInvalid )
-         : numberOf( reading, value, 0, kHighestPort, ", or 1023 for a port that is not valid" );
-}
-
-Table< PortWords > const & interfaceTable() {
-   static Table< PortWords > const table{
-      { "interface", "The chip port of an interface." },
-      { { { "unit", "unit: 0",
-            Shape::of( "unit-number",
-                       "The chip that the port is on; one of the switch's units." ) },
-          readNumber< PortWords, &PortWords::unit, 0, 0xffff > },
-        { { "port", "port: 1",
-            Shape::anyOf( { Shape::number( 0, kHighestPort ), Shape::constant( kInvalid ) },
-                          "The logical port, 0 to 351; 1023 for one that is not valid." ) },
-          readPort } }
-   };
-   return table;
-}
-
-// The interface's port; nothing when it has none, or none that can be read.
-std::optional< VornalTypes::VornalPort > portOf( Reading & reading, Value const & value ) {
-   if ( value.node.IsMap() && value.node.size() == 0 ) {
-      return std::nullopt;
-   }
-   PortWords words;
-   readMapping( reading, value, interfaceTable(), words );
-   if ( !words.unit || !words.port ) {
-      return std::nullopt;
-   }
-   auto const unit = static_cast< U16 >( *words.unit );
-   auto const module = reading.module( unit, value.line );
-   return module ? std::optional(
-                      VornalTypes::VornalPort( unit, static_cast< U16 >( *words.port ), *module ) )
-                 : std::nullopt;
-}
-
-void interfacesGone( Reading & reading, Value const & value, Changes & changes ) {
-   for ( auto const & [ intf, line ] : distinctOf( reading, value, ethernetIn ) ) {
-      reading.use( intf, line );
-      changes.push_back( { InterfacePort{ intf, {} }, line } );
-   }
-}
-
-// --- port channels
-
-using PortChannels = std::vector< Keyed< Pelk::IntfId > >;
-
-// The members of each, none in two of them.
-struct Member {
-   Pelk::IntfId intf;
-   Pelk::IntfId portChannel;
-   int line;
-};
-
-std::vector< Member > readMembers( Reading & reading, PortChannels const & portChannels,
-                                   Changes & changes ) {
-   std::vector< Member > result;
-   std::map< Pelk::IntfId, Pelk::IntfId > portChannelOf;
-   for ( auto const & [ portChannel, members ] : portChannels ) {
-      for ( auto const & [ member, line ] : distinctOf( reading, members, ethernetIn ) ) {
-         reading.use( member, line );
-         auto const [ other, isNew ] = portChannelOf.try_emplace( member, portChannel );
-         if ( !isNew ) {
-            reading.problem( line, member.stringValue() + " is in " + other->second.stringValue() +
-                                      " already; an interface is in one port channel at most" );
-         }
-         changes.push_back( { PortChannelMember{ portChannel, member }, line } );
-         result.push_back( { member, portChannel, line } );
-      }
-   }
-   return result;
-}
-
-void membersGone( Reading & reading, Value const & value, Changes & changes ) {
-   PortChannels const portChannels = keyedOf( reading, value, portChannelIn );
-   for ( auto const & portChannel : portChannels ) {
-      reading.use( portChannel.key, portChannel.value.line );
-   }
-   for ( Member const & member : readMembers( reading, portChannels, changes ) ) {
-      reading.agreement().memberGoes( member.intf );
-   }
 }
 
 // --- segments
@@ -180,7 +53,7 @@ void readSegments( Reading & reading, Value const & value, Changes & changes ) {
 }
 
 // Whole segments as a list, or remote VTEPs of each as a mapping.
-void segmentsGone( Reading & reading, Value const & value, Changes & changes ) {
+void readWithdrawnSegments( Reading & reading, Value const & value, Changes & changes ) {
    if ( value.node.IsMap() ) {
       for ( auto const & [ intf, vteps ] : keyedOf( reading, value, segmentIntfIn ) ) {
          readSegmentVteps( reading, intf, vteps, changes );
@@ -218,7 +91,7 @@ void readVteps( Reading & reading, Value const & value, Changes & changes ) {
    }
 }
 
-void vtepsGone( Reading & reading, Value const & value, Changes & changes ) {
+void readWithdrawnVteps( Reading & reading, Value const & value, Changes & changes ) {
    for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { VtepVirtualPort{ vtep, 0 }, line } );
    }
@@ -240,7 +113,7 @@ void readClassIdGrants( Reading & reading, Value const & value, Changes & change
    }
 }
 
-void classIdGrantsGone( Reading & reading, Value const & value, Changes & changes ) {
+void readWithdrawnGrants( Reading & reading, Value const & value, Changes & changes ) {
    for ( auto const & [ vtep, line ] : distinctOf( reading, value, vtepIn ) ) {
       changes.push_back( { ClassIdGrant{ vtep, {} }, line } );
    }
@@ -294,7 +167,7 @@ void readTunnels( Reading & reading, Value const & value, Changes & changes ) {
 }
 
 // Whole tunnel interfaces as a list, or VRFs of each as a mapping.
-void tunnelsGone( Reading & reading, Value const & value, Changes & changes ) {
+void readWithdrawnTunnels( Reading & reading, Value const & value, Changes & changes ) {
    if ( !value.node.IsMap() ) {
       for ( auto const & [ intf, line ] : distinctOf( reading, value, tunnelIntfIn ) ) {
          changes.push_back( { TunnelInterface{ intf }, line } );
@@ -351,78 +224,38 @@ Table< Changes > const & replaceTable() {
    return table;
 }
 
-// The IPv4 address of an IPv4-mapped one (RFC 4291, section 2.5.5.2).
-std::optional< Pelk::IpGenAddr > ipv4Within( Pelk::IpGenAddr const & address ) {
-   constexpr std::array< U8, 12 > mapped{ 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xff, 0xff };
-   std::array< U8, 16 > const bytes = address.bytes();
-   bool const isMapped = address.family() == Pelk::IpGenAddr::Family::ipv6 &&
-                         std::equal( mapped.begin(), mapped.end(), bytes.begin() );
-   return isMapped ? std::optional( Pelk::IpGenAddr::ipv4(
-                        { bytes[ 12 ], bytes[ 13 ], bytes[ 14 ], bytes[ 15 ] } ) )
-                   : std::nullopt;
-}
-
 Table< Changes > const & withdrawTable() {
    static Table< Changes > const table{
       { "withdraw", "Other agents withdraw what they have published, in the order written.",
         R"({"minProperties": 1})" },
       { { { "interfaces", "", Shape::of( "ethernets", "Interfaces that lose their chip port." ) },
-          interfacesGone },
+          readWithdrawnInterfaces },
         { { "port-channels", "",
             Shape::of( "port-channels", "Members that leave, by port channel." ) },
-          membersGone },
+          readWithdrawnMembers },
         { { "segments", "",
             Shape::anyOf( { Shape::setOf( Shape::of( "segment-interface" ) ),
                             Shape::of( "segments" ) },
                           "A list of interfaces whose segments go, or remote VTEPs that leave, by "
                           "interface." ) },
-          segmentsGone },
+          readWithdrawnSegments },
         { { "vteps", "",
             Shape::of( "vtep-addresses", "Remote VTEPs that lose their virtual port." ) },
-          vtepsGone },
+          readWithdrawnVteps },
         { { "tunnel-interfaces", "",
             Shape::anyOf(
                { Shape::setOf( Shape::of( "vxlan" ) ),
                  Shape::mappingOf( Shape::of( "vxlan" ), Shape::setOf( Shape::of( "text" ) ) ) },
                "A list of tunnel interfaces that go, or VRFs that leave, by tunnel interface." ) },
-          tunnelsGone },
+          readWithdrawnTunnels },
         { { "class-id-grants", "",
             Shape::of( "vtep-addresses", "Remote VTEPs that lose their class id." ) },
-          classIdGrantsGone } }
+          readWithdrawnGrants } }
    };
    return table;
 }
 
 }  // namespace
-
-void readInterfaces( Reading & reading, Value const & value, Changes & changes ) {
-   std::map< VornalTypes::VornalPort, Pelk::IntfId > intfOfPort;
-   for ( auto const & [ intf, about ] : keyedOf( reading, value, ethernetIn ) ) {
-      reading.define( intf );
-      auto const port = portOf( reading, about );
-      if ( !port ) {
-         continue;
-      }
-      auto const [ other, isNew ] = intfOfPort.try_emplace( *port, intf );
-      if ( !isNew && port->isValid() ) {
-         reading.problem( about.line, "port " + std::to_string( port->logicalPort() ) +
-                                         " of unit " + std::to_string( port->unit() ) + " is " +
-                                         other->second.stringValue() +
-                                         "'s already; give each interface a port of its own" );
-      }
-      changes.push_back( { InterfacePort{ intf, *port }, about.line } );
-   }
-}
-
-void readPortChannels( Reading & reading, Value const & value, Changes & changes ) {
-   PortChannels const portChannels = keyedOf( reading, value, portChannelIn );
-   for ( auto const & portChannel : portChannels ) {
-      reading.define( portChannel.key );
-   }
-   for ( Member const & member : readMembers( reading, portChannels, changes ) ) {
-      reading.agreement().memberIs( member.intf, member.portChannel, member.line );
-   }
-}
 
 std::optional< Pelk::IpGenAddr > vtepIn( Reading & reading, std::string const & text, int line ) {
    auto const vtep = parsed< Pelk::IpGenAddr >( reading, text, line );
@@ -459,9 +292,8 @@ void readWithdraw( Reading & reading, Value const & value, Changes & changes ) {
 }
 
 std::vector< WordList > publishedVocabulary() {
-   return { interfaceTable().list(), vtepTable().list(),    tunnelTable().list(),
-            evpnTable().list(),      publishTable().list(), withdrawTable().list(),
-            replaceTable().list() };
+   return { vtepTable().list(),    tunnelTable().list(),   evpnTable().list(),
+            publishTable().list(), withdrawTable().list(), replaceTable().list() };
 }
 
 }  // namespace Scenario

@@ -4,6 +4,7 @@
 #include <Scenario/Course.h>
 #include <Scenario/Document.h>
 #include <Scenario/File.h>
+#include <Scenario/Interfaces.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Vocabulary.h>
@@ -226,8 +227,8 @@ Model readText( std::string const & text, fs::path const & file, StepsReader rea
 
 std::vector< WordList > vocabulary() {
    std::vector< WordList > all{ scenarioTable().list(), twinTable().list() };
-   for ( auto const & part :
-         { switchVocabulary(), publishedVocabulary(), forwardingVocabulary() } ) {
+   for ( auto const & part : { switchVocabulary(), interfaceVocabulary(), publishedVocabulary(),
+                               forwardingVocabulary() } ) {
       all.insert( all.end(), part.begin(), part.end() );
    }
    return all;

@@ -1,4 +1,5 @@
 #include <Audit/Variant.h>
+#include <Scenario/Interfaces.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
 #include <Scenario/TcamGroup.h>
