@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include <Audit/Comparison.h>
+#include <Audit/Matching.h>
+#include <Audit/Records.h>
 
 namespace Audit {
 
@@ -17,6 +19,10 @@ Quelm::Ptr< T const > entityIn( StateDatabase::Directory::Entities const & entit
       }
    }
    return nullptr;
+}
+
+U16 lastUnitOf( State const & state ) {
+   return state.modules.empty() ? U16{ 0 } : state.modules.rbegin()->first;
 }
 
 }  // namespace
@@ -34,16 +40,30 @@ Auditor::Auditor( StateDatabase::Finder const & finder, Chip::Units const & unit
         grants_( entityIn< GrantHistory::Requests >( finder.roots() ),
                  entityIn< GrantHistory::Grants >( finder.roots() ) ) {}
 
-Report Auditor::report() const {
-   auto const entities = finder_.roots();
-   State state = stateOf( entities );
+State Auditor::state() const {
+   State state = stateOf( finder_.roots() );
    state.leftVnis = tunnels_.leftVnis();
    state.freedVnis = tunnels_.freedVnis();
    for ( Pelk::IpGenAddr const & vtep : grants_.oldGrants() ) {
       state.classIds.erase( vtep );
    }
-   U16 const lastUnit = state.modules.empty() ? U16{ 0 } : state.modules.rbegin()->first;
-   return compare( state, recordsOf( entities, lastUnit ), units_ );
+   return state;
+}
+
+Report Auditor::report() const {
+   State const now = state();
+   return compare( now, recordsOf( finder_.roots(), lastUnitOf( now ) ), units_ );
+}
+
+std::map< Chip::RuleKey, ExpectedEntry > Auditor::expectedEntries() const {
+   State const now = state();
+   WantedRules const wanted = wantedRules( now );
+   Matched const matched = match( wanted, recordsOf( finder_.roots(), lastUnitOf( now ) ), units_ );
+   std::map< Chip::RuleKey, ExpectedEntry > entries;
+   for ( auto const & [ what, entry ] : matched.rules ) {
+      entries[ { what.unit, what.group(), entry->id() } ] = { what, wanted.at( what ).because };
+   }
+   return entries;
 }
 
 }  // namespace Audit

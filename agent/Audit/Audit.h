@@ -22,11 +22,15 @@
 // three may differ without fault.
 #pragma once
 
+#include <map>
 #include <set>
+#include <string>
 #include <vector>
 
 #include <Audit/GrantHistory.h>
 #include <Audit/TunnelHistory.h>
+#include <Audit/WantedRules.h>
+#include <FieldProcessor/RuleKey.h>
 #include <FieldProcessor/Unit.h>
 #include <Pelk/IpGenAddr.h>
 #include <StateDatabase/Finder.h>
@@ -47,13 +51,24 @@ struct Report {
    bool isInStep() const { return faults() == 0; }
 };
 
+// An entry of the chip that the state calls for.
+struct ExpectedEntry {
+   RuleFor what{};
+   std::string because;  // in words
+};
+
 class Auditor {
  public:
    // The published entities are there already, and are watched from now on. Finder and units must
    // outlive the auditor.
    Auditor( StateDatabase::Finder const & finder, Chip::Units const & units );
 
+   // The published state, with what the past adds to it.
+   State state() const;
    Report report() const;
+
+   // The entries that are expected rules, each with the state behind it.
+   std::map< Chip::RuleKey, ExpectedEntry > expectedEntries() const;
 
  private:
    StateDatabase::Finder const & finder_;

@@ -1,14 +1,20 @@
 #include <CommandLine/Show.h>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
 #include <Story/EntityText.h>
 #include <Story/HumanWriter.h>
+#include <Story/InputError.h>
 #include <Story/JsonForms.h>
+#include <Text/Words.h>
+
+#include <unistd.h>
 
 namespace CommandLine {
 
@@ -16,18 +22,24 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr std::string_view kEntities = "entities";
+
 class Shown final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override {
-      if ( auto const * const shown = std::get_if< Story::EntityShown >( &event ) ) {
-         entities_.push_back( *shown );
-      }
+      std::visit( Story::Overloaded{
+                     [ & ]( Story::EntityShown const & shown ) { entities_.push_back( shown ); },
+                     [ & ]( Story::TableShown const & shown ) { table_ = shown.table; },
+                     []( auto const & ) {} },
+                  event );
    }
 
    std::vector< Story::EntityShown > const & entities() const { return entities_; }
+   Story::Table const & table() const { return table_; }
 
  private:
    std::vector< Story::EntityShown > entities_;
+   Story::Table table_;
 };
 
 Json pathsJson( std::vector< Story::EntityShown > const & entities ) {
@@ -51,24 +63,99 @@ StateDatabase::EntityPath pathOf( std::string const & text ) {
    }
 }
 
+// What can be shown: entities, and the answers to all questions.
+std::vector< std::string_view > subjects() {
+   std::vector< std::string_view > names;
+   for ( Questions::Row const & row : Questions::table() ) {
+      names.push_back( row.name );
+   }
+   names.push_back( kEntities );
+   return names;
+}
+
 std::string problemOfWhat( std::string const & text ) {
-   return text == "entities" ? "" : "'" + text + "' cannot be shown; give 'entities'";
+   auto const known = subjects();
+   if ( std::find( known.begin(), known.end(), text ) != known.end() ) {
+      return "";
+   }
+   std::string_view const near = Text::nearest( text, known );
+   return "'" + text + "' cannot be shown; " +
+          ( near.empty() ? "give " + Text::listed( known )
+                         : "did you mean '" + std::string( near ) + "'?" );
+}
+
+std::string purposeOfWhat() {
+   std::string text = "What to show:";
+   for ( Questions::Row const & row : Questions::table() ) {
+      text += "\n'" + std::string( row.name ) + "', " + std::string( row.purpose ) + ';';
+   }
+   return text + "\n'entities', those of the state database, the agent and the plug-in";
 }
 
 }  // namespace
 
 void Show::declare( CLI::App & app ) {
    scenario_.declare( app );
-   app.add_option( "WHAT", what_, "What to show: 'entities'" )->required()->check( problemOfWhat );
+   app.add_option( "WHAT", what_, purposeOfWhat() )->required()->check( problemOfWhat );
    app.add_option( "PATH", pathText_,
-                   "The entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; without one, "
-                   "the paths to begin with are listed" );
+                   "Of 'entities': the entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; "
+                   "without one, the paths to begin with are listed" );
+   app.add_option( "--after", after_,
+                   "Show the switch after this step, 0 for start-up; after the last one if none is "
+                   "given" )
+      ->type_name( "STEP" );
+   filters_ = { { "vtep", "" }, { "unit", "" }, { "segment", "" }, { "interface", "" } };
+   for ( Filter & filter : filters_ ) {
+      app.add_option( "--" + filter.column, filter.text,
+                      "Show only the rows of this " + filter.column )
+         ->check( problemOfName );
+   }
 }
 
 void Show::readWords() {
    scenario_.readWords();
-   if ( !pathText_.empty() ) {
-      path_ = pathOf( pathText_ );
+   question_ = Questions::find( what_ );
+   checkFilters();
+   if ( pathText_.empty() ) {
+      return;
+   }
+   if ( question_ ) {
+      throw CLI::ValidationError( "PATH", "a path is of 'entities'; leave it out, or show those" );
+   }
+   path_ = pathOf( pathText_ );
+}
+
+void Show::checkFilters() const {
+   for ( Filter const & filter : filters_ ) {
+      bool const hasColumn =
+         question_ && std::find( question_->columns.begin(), question_->columns.end(),
+                                 filter.column ) != question_->columns.end();
+      if ( !filter.text.empty() && !hasColumn ) {
+         throw CLI::ValidationError( "--" + filter.column, "'" + what_ + "' has no column " +
+                                                              filter.column + "; leave it out" );
+      }
+   }
+}
+
+Host::AgentConfig::Show Show::subject() const {
+   if ( question_ ) {
+      return question_;
+   }
+   return path_ ? Host::AgentConfig::Show( *path_ ) : Host::AgentConfig::Paths{};
+}
+
+void Show::print( Story::Table table, std::ostream & out ) const {
+   for ( Filter const & filter : filters_ ) {
+      auto const column = std::find( table.columns.begin(), table.columns.end(), filter.column );
+      auto const place = static_cast< std::size_t >( column - table.columns.begin() );
+      std::erase_if( table.rows, [ & ]( auto const & row ) {
+         return !filter.text.empty() && !row.at( place ).has( filter.text );
+      } );
+   }
+   if ( scenario_.isJson() ) {
+      out << Story::documentText( jsonOf( table ) );
+   } else {
+      out << Story::tableText( table, widthOf( STDOUT_FILENO ) );
    }
 }
 
@@ -87,12 +174,17 @@ void Show::print( std::vector< Story::EntityShown > const & entities, std::ostre
 
 Story::ExitCode Show::perform( std::ostream & out ) {
    Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   if ( after_ && *after_ > scenario.steps.size() ) {
+      throw Story::InputError( "--after " + std::to_string( *after_ ) + ": " + scenario.file +
+                               " ends with step " + std::to_string( scenario.steps.size() ) );
+   }
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );
    Shown shown;
    Story::Outcome outcome;
    ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
-   what.config.show = path_ ? Host::AgentConfig::Show( *path_ ) : Host::AgentConfig::Paths{};
+   what.config.show = subject();
+   what.config.lastStep = after_;
    runScenario( what, { &writer, &shown }, outcome );
    if ( outcome.stopped() ) {
       std::cerr << story.str();
@@ -105,7 +197,11 @@ Story::ExitCode Show::perform( std::ostream & out ) {
       tellInterruption( outcome );
       return outcome.exitCode();
    }
-   print( shown.entities(), out );
+   if ( question_ ) {
+      print( shown.table(), out );
+   } else {
+      print( shown.entities(), out );
+   }
    return Story::ExitCode::Held;
 }
 

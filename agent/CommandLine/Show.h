@@ -1,4 +1,5 @@
-// `vornal show`: runs a scenario and shows the state that it leads to.
+// `vornal show`: runs a scenario, up to a step if one is named, and shows the state of the switch
+// then: an entity as a tree, or the answer to a question (Questions/Table.h) as a table.
 #pragma once
 
 #include <optional>
@@ -19,10 +20,22 @@ class Show final : public Command {
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
+   // Rows whose cell in that column is the text, or holds it.
+   struct Filter {
+      std::string column;
+      std::string text;  // empty: all rows
+   };
+
+   void checkFilters() const;
+   Host::AgentConfig::Show subject() const;
+   void print( Story::Table table, std::ostream & out ) const;
    void print( std::vector< Story::EntityShown > const & entities, std::ostream & out ) const;
 
    ScenarioWords scenario_;
    std::string what_;
+   Questions::Row const * question_ = nullptr;  // nullptr: entities
+   std::optional< U32 > after_;
+   std::vector< Filter > filters_;
    std::string pathText_;
    std::optional< StateDatabase::EntityPath > path_;  // nothing: the paths at which entities are
 };

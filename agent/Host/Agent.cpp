@@ -49,11 +49,7 @@ void Agent::runAll() {
    environment_.activity().run();
    inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
            [ this ] { startUp(); } );
-   for ( Scenario::Step const & step : scenario_.steps ) {
-      inStep( { Story::StepKind::Scenario, 0, step.action->description(),
-                scenario_.file + ":" + std::to_string( step.line ) },
-              [ & ] { carryOut( step ); } );
-   }
+   carryOutSteps();
    std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
    verify();
    inStep( { Story::StepKind::Teardown,
@@ -84,6 +80,17 @@ void Agent::startUp() {
    plugin_.emplace( config_.plugin, scenario_.device.slice, environment_.forPlugins() );
    warn( unknownTraceHandles( scenario_, config_.trace ) );
    plugin_->start();
+}
+
+void Agent::carryOutSteps() {
+   for ( Scenario::Step const & step : scenario_.steps ) {
+      if ( config_.lastStep && step_ > *config_.lastStep ) {
+         return;
+      }
+      inStep( { Story::StepKind::Scenario, 0, step.action->description(),
+                scenario_.file + ":" + std::to_string( step.line ) },
+              [ & ] { carryOut( step ); } );
+   }
 }
 
 // An audit after the step belongs to it: it sees the switch when nothing is left to do.
@@ -140,6 +147,11 @@ void Agent::show( StateDatabase::EntityPath const & path ) {
    } catch ( Quelm::Error const & error ) {  // there is none, or a key is not of its type's form
       throw Story::InputError( error.what() );
    }
+}
+
+void Agent::show( Questions::Row const * question ) {
+   environment_.observer().onEvent(
+      Story::TableShown{ answer( *question, environment_.forQuestions() ) } );
 }
 
 }  // namespace Host

@@ -28,6 +28,7 @@
 
 #include <Host/Environment.h>
 #include <Loading/LoadedPlugin.h>
+#include <Questions/Table.h>
 #include <Scenario/Scenario.h>
 #include <StateDatabase/EntityPath.h>
 #include <Story/Observer.h>
@@ -38,12 +39,14 @@ struct AgentConfig {
    // What is to be shown after the last step.
    struct Nothing {};
    struct Paths {};  // at which entities are
-   using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath >;
+   using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath, Questions::Row const * >;
 
    std::string scenario;                        // its file, as it was given
    std::filesystem::path plugin;                // the shared object
    std::vector< Scenario::TraceLevels > trace;  // in force after those of the scenario
    Show show;
+   // The last step of the scenario that is carried out; nothing: the scenario's last.
+   std::optional< U32 > lastStep;
    // Where captures of what leaves each port go; nothing: nowhere.
    std::optional< std::filesystem::path > captures;
    // When the rules are audited beside what the scenario's steps say; at the end the plug-in's own
@@ -67,11 +70,13 @@ class Agent {
    void warn( std::vector< std::string > const & texts );
    template< typename Work > void inStep( Story::StepBegins const & begins, Work const & work );
    void startUp();
+   void carryOutSteps();
    void carryOut( Scenario::Step const & step );
    void verify();
    void show( AgentConfig::Nothing ) {}
    void show( AgentConfig::Paths );
    void show( StateDatabase::EntityPath const & path );
+   void show( Questions::Row const * question );
    void tearDown();
 
    Scenario::Model const & scenario_;

@@ -21,6 +21,7 @@
 #include <Kiv/Activity.h>
 #include <Loading/LoadedPlugin.h>
 #include <Peers/PublishedState.h>
+#include <Questions/Context.h>
 #include <Reporters/ChipReporter.h>
 #include <StateDatabase/ChangeWatch.h>
 #include <StateDatabase/Finder.h>
@@ -45,6 +46,9 @@ class Environment {
       return { database_, own_, activity_, pluginPoint(), observer_ };
    }
    StateDatabase::Finder const & finder() const { return finder_; }
+   Questions::Context forQuestions() const {
+      return { board_.units(), auditor_, traffic_, chronicle_ };
+   }
 
  private:
    Quelm::Ptr< Vornal::DependencyPoint > const & pluginPoint() const {
@@ -53,6 +57,7 @@ class Environment {
    void watch();
 
    Expectations::Record record_;
+   Questions::Chronicle chronicle_;
    Story::Observers observer_;
    Kiv::ActivityManager activity_;
    Reporters::ChipReporter reporter_;

@@ -89,6 +89,26 @@ template<> struct adl_serializer< decltype( Chip::NamedValue::value ) > {
    }
 };
 
+// The type of the JSON value tells the alternative of a table's cell.
+template<> struct adl_serializer< Story::Cell > {
+   static void to_json( json & out, Story::Cell const & cell ) {
+      std::visit( Story::Overloaded{ [ & ]( std::monostate ) { out = nullptr; },
+                                     [ & ]( auto const & alternative ) { out = alternative; } },
+                  cell.value );
+   }
+   static void from_json( json const & in, Story::Cell & cell ) {
+      if ( in.is_number() ) {
+         cell = in.get< U64 >();
+      } else if ( in.is_string() ) {
+         cell = in.get< std::string >();
+      } else if ( in.is_array() ) {
+         cell = in.get< std::vector< std::string > >();
+      } else {
+         cell = {};
+      }
+   }
+};
+
 // A kind of difference goes by its name.
 template<> struct adl_serializer< Story::DifferenceKind > {
    static void to_json( json & out, Story::DifferenceKind kind ) { out = Story::nameOf( kind ); }

@@ -178,6 +178,23 @@ Json jsonOf( Audited const & audited ) {
    return json;
 }
 
+Json jsonOf( Cell const & cell ) {
+   return std::visit( Overloaded{ []( std::monostate ) { return Json(); },
+                                  []( auto const & value ) { return Json( value ); } },
+                      cell.value );
+}
+
+Json jsonOf( Table const & table ) {
+   Json rows = Json::array();
+   for ( auto const & row : table.rows ) {
+      Json & object = rows.emplace_back( Json::object() );
+      for ( std::size_t n = 0; n < row.size(); ++n ) {
+         object[ table.columns[ n ] ] = jsonOf( row[ n ] );
+      }
+   }
+   return { { table.name, std::move( rows ) } };
+}
+
 Json jsonOf( std::vector< KnownLimit > const & limits ) {
    Json json = Json::array();
    for ( KnownLimit const & limit : limits ) {

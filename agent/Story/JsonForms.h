@@ -15,6 +15,9 @@ Json jsonOf( Chip::HardwareCall const & call );
 Json jsonOf( EntityTree const & tree );
 Json jsonOf( FrameForwarded const & event );
 Json jsonOf( Audited const & audited );
+Json jsonOf( Cell const & cell );
+// { "rules": [ { "unit": 0, ... } ] }
+Json jsonOf( Table const & table );
 Json jsonOf( std::vector< KnownLimit > const & limits );
 inline Json jsonOf( DifferenceKind kind ) {
    return nameOf( kind );

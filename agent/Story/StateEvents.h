@@ -7,6 +7,7 @@
 
 #include <Story/EntityTree.h>
 #include <Story/Fields.h>
+#include <Story/Table.h>
 
 namespace Story {
 
@@ -57,6 +58,14 @@ struct EntityShown {
    }
 };
 
-using StateEvents = std::variant< PublishedChange, EntityDumped, EntityShown >;
+// The answer to a question about the switch.
+struct TableShown {
+   static constexpr char const * kName = "tableShown";
+   Table table;
+
+   static void fields( auto & event, auto && field ) { field( "table", event.table ); }
+};
+
+using StateEvents = std::variant< PublishedChange, EntityDumped, EntityShown, TableShown >;
 
 }  // namespace Story

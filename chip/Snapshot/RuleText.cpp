@@ -1,8 +1,11 @@
 #include <Snapshot/RuleText.h>
 
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <Pipeline/FrameKind.h>
 #include <SoftSdk/PortBitmap.h>
 
 namespace Chip {
@@ -15,15 +18,7 @@ std::string maskedText( std::string const & data, U32 mask ) {
    return mask == BCM_FIELD_EXACT_MATCH_MASK ? data : fmt::format( "{} mask {:#x}", data, mask );
 }
 
-// The parts that the content has.
-template< typename Parts >
-std::string partsText( EntryContent const & content, Parts const & parts, char const * none ) {
-   std::vector< std::string > texts;
-   for ( auto const part : parts ) {
-      if ( content[ part ] ) {
-         texts.push_back( partText( part, content ) );
-      }
-   }
+std::string joined( std::vector< std::string > const & texts, char const * none ) {
    return texts.empty() ? none : fmt::format( "{}", fmt::join( texts, " and " ) );
 }
 
@@ -48,9 +43,44 @@ std::string bodyText( Rule const & rule ) {
 }
 
 std::string contentText( EntryContent const & content ) {
-   return fmt::format( "matches {}; does {}; {}", partsText( content, kQualifiers, "every frame" ),
-                       partsText( content, kActions, "nothing" ),
-                       priorityText( content.priority ) );
+   auto const withoutName = []( Qualifier, U32 ) { return std::string(); };
+   return fmt::format( "matches {}; does {}; {}", qualifiersText( content, withoutName ),
+                       actionsText( content ), priorityText( content.priority ) );
+}
+
+std::string nameInChip( Qualifier qualifier, U32 number ) {
+   if ( qualifier == Qualifier::PacketRes ) {
+      for ( FrameKindRow const & row : kFrameKindTable ) {
+         if ( row.packetResolution == number ) {
+            std::string name( row.name );
+            std::replace( name.begin(), name.end(), '-', ' ' );
+            return name;
+         }
+      }
+   }
+   return {};
+}
+
+std::string qualifiersText( EntryContent const & content, NameOf const & nameOf ) {
+   std::vector< std::string > texts;
+   for ( Qualifier const qualifier : kQualifiers ) {
+      if ( auto const & match = content[ qualifier ] ) {
+         std::string const name = nameOf( qualifier, match->data );
+         texts.push_back( partText( qualifier, content ) +
+                          ( name.empty() ? "" : " (" + name + ")" ) );
+      }
+   }
+   return joined( texts, "every frame" );
+}
+
+std::string actionsText( EntryContent const & content ) {
+   std::vector< std::string > texts;
+   for ( Action const action : kActions ) {
+      if ( content[ action ] ) {
+         texts.push_back( partText( action, content ) );
+      }
+   }
+   return joined( texts, "nothing" );
 }
 
 std::string partText( Qualifier qualifier, EntryContent const & content ) {

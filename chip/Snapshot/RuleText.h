@@ -4,6 +4,7 @@
 //    matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include <Snapshot/Rules.h>
@@ -20,6 +21,17 @@ std::string bodyText( Rule const & rule );
 std::string contentText( EntryContent const & content );
 
 // --- Parts of the second line
+
+// Says what the number of a qualifier stands for, "VTEP 10.0.0.2"; an empty text where it is only
+// a number.
+using NameOf = std::function< std::string( Qualifier, U32 number ) >;
+// What the chip itself knows: "known unicast" of a packet resolution.
+std::string nameInChip( Qualifier qualifier, U32 number );
+
+// "SrcVxlanGport 0x56000002 (VTEP 10.0.0.2) and PacketRes 4 (known unicast)"; "every frame".
+std::string qualifiersText( EntryContent const & content, NameOf const & nameOf );
+// "EgressMask ports 3, 4"; "nothing".
+std::string actionsText( EntryContent const & content );
 
 // The name and the value of a part that the content has: "PacketRes 4 mask 0xff", "Drop".
 std::string partText( Qualifier qualifier, EntryContent const & content );
