@@ -133,6 +133,56 @@ TEST( Codec, ReadsBackWhatItWritesForEveryEvent ) {
    }
 }
 
+// --- Every member is listed among the fields
+
+// How many members a structure has: the most that its braces take.
+template< typename T > consteval std::size_t memberCount() {
+   if constexpr ( requires { T{ {}, {}, {}, {}, {}, {}, {}, {}, {}, {} }; } ) {
+      return 10;
+   } else if constexpr ( requires { T{ {}, {}, {}, {}, {}, {}, {}, {}, {} }; } ) {
+      return 9;
+   } else if constexpr ( requires { T{ {}, {}, {}, {}, {}, {}, {}, {} }; } ) {
+      return 8;
+   } else if constexpr ( requires { T{ {}, {}, {}, {}, {}, {}, {} }; } ) {
+      return 7;
+   } else if constexpr ( requires { T{ {}, {}, {}, {}, {}, {} }; } ) {
+      return 6;
+   } else if constexpr ( requires { T{ {}, {}, {}, {}, {} }; } ) {
+      return 5;
+   } else if constexpr ( requires { T{ {}, {}, {}, {} }; } ) {
+      return 4;
+   } else if constexpr ( requires { T{ {}, {}, {} }; } ) {
+      return 3;
+   } else if constexpr ( requires { T{ {}, {} }; } ) {
+      return 2;
+   } else {
+      return 1;
+   }
+}
+
+template< typename T > std::size_t fieldCount() {
+   std::size_t count = 0;
+   T const structure{};
+   Story::Fields< T >::list( structure, [ & ]( char const *, auto const &... ) { ++count; } );
+   return count;
+}
+
+// A field that is not listed would be lost in both directions, and no text would tell.
+TEST( Codec, KnowsEveryMemberOfEveryEvent ) {
+   for ( Event const & event : oneOfEach() ) {
+      std::visit(
+         []< typename T >( T const & ) {
+            EXPECT_EQ( fieldCount< T >(), memberCount< T >() ) << T::kName;
+         },
+         event );
+   }
+   EXPECT_EQ( fieldCount< Story::Assertion >(), memberCount< Story::Assertion >() );
+   EXPECT_EQ( fieldCount< Story::Difference >(), memberCount< Story::Difference >() );
+   EXPECT_EQ( fieldCount< Story::EntityTree >(), memberCount< Story::EntityTree >() );
+   EXPECT_EQ( fieldCount< Story::EntityItem >(), memberCount< Story::EntityItem >() );
+   EXPECT_EQ( fieldCount< Story::EntityAttribute >(), memberCount< Story::EntityAttribute >() );
+}
+
 // The event as the other process has it.
 template< typename T > T sent( T const & event ) {
    return std::get< T >( Story::decoded( Story::encoded( event ) ) );
