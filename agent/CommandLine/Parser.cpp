@@ -31,6 +31,15 @@ std::string footerOf( Row const & row ) {
    return text + '\n' + std::string( row.exitCodes );
 }
 
+// A flag says all that it has to say by being there.
+void refuseValuesOfFlags( CLI::App & command ) {
+   for ( CLI::Option * const option : command.get_options() ) {
+      if ( option->get_expected_max() == 0 ) {
+         option->disable_flag_override();
+      }
+   }
+}
+
 // The subcommand that was declared by a row.
 std::unique_ptr< Command > declared( CLI::App & app, Row const & row ) {
    CLI::App & subcommand =
@@ -38,6 +47,7 @@ std::unique_ptr< Command > declared( CLI::App & app, Row const & row ) {
    subcommand.footer( footerOf( row ) );
    auto command = row.create();
    command->declare( subcommand );
+   refuseValuesOfFlags( subcommand );
    return command;
 }
 
@@ -64,6 +74,7 @@ void describe( CLI::App & app ) {
    app.footer( std::string( table().front().exitCodes ) );
    app.set_version_flag( "--version", "vornal " + std::string( version() ),
                          "Print the version of the program" );
+   refuseValuesOfFlags( app );
 }
 
 }  // namespace

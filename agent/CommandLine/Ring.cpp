@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/Usage.h>
 #include <Quelm/Error.h>
 #include <Story/InputError.h>
 #include <Text/Printable.h>
@@ -46,7 +47,9 @@ std::string lineOf( Trace::Ring::Decoded const & line ) {
 }  // namespace
 
 void Ring::declare( CLI::App & app ) {
-   app.add_option( "FILE", file_, "The file that 'run --ring' has written" )->required();
+   app.add_option( "FILE", file_, "The file that 'run --ring' has written" )
+      ->required()
+      ->check( problemOfName );
 }
 
 Story::ExitCode Ring::perform( std::ostream & out ) {

@@ -8,6 +8,7 @@
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <CommandLine/Usage.h>
 #include <Quelm/Error.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonWriter.h>

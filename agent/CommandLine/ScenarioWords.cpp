@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/PluginFile.h>
+#include <CommandLine/Usage.h>
 
 namespace CommandLine {
 
@@ -32,10 +33,6 @@ std::chrono::milliseconds turnLimitOf( std::string const & text ) {
 }
 
 }  // namespace
-
-std::string problemOfName( std::string const & text ) {
-   return text.empty() ? "an empty text names nothing; give a name" : "";
-}
 
 void ScenarioWords::declare( CLI::App & app ) {
    turnLimitText_ = kTurnLimit;

@@ -14,9 +14,6 @@ class App;
 
 namespace CommandLine {
 
-// What is wrong with the name of a file or a folder; nothing when it can be one. A CLI11 check.
-std::string problemOfName( std::string const & text );
-
 class ScenarioWords {
  public:
    void declare( CLI::App & app );

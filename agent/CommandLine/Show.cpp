@@ -8,6 +8,7 @@
 
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <CommandLine/Usage.h>
 #include <Story/EntityText.h>
 #include <Story/HumanWriter.h>
 #include <Story/InputError.h>
@@ -99,7 +100,8 @@ void Show::declare( CLI::App & app ) {
    app.add_option( "WHAT", what_, purposeOfWhat() )->required()->check( problemOfWhat );
    app.add_option( "PATH", pathText_,
                    "Of 'entities': the entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; "
-                   "without one, the paths to begin with are listed" );
+                   "without one, the paths to begin with are listed" )
+      ->check( problemOfName );
    app.add_option( "--after", after_,
                    "Show the switch after this step, 0 for start-up; after the last one if none is "
                    "given" )

@@ -37,6 +37,9 @@ std::string missing( CLI::App const & app, CLI::App const & command, std::string
 }
 
 std::string wrongCount( CLI::App const & command, std::string const & error ) {
+   if ( error.ends_with( " flag override" ) ) {
+      return "--" + error.substr( 0, error.find( ' ' ) ) + " takes no value; give it alone";
+   }
    std::string const option = error.substr( 0, error.find( ':' ) );
    return error.ends_with( " missing" ) ? option + " needs a value: " + purposeOf( command, option )
                                         : option + " is given more than once; give it once";
@@ -64,6 +67,10 @@ std::string usageText( CLI::App const & app, CLI::Error const & error ) {
    std::string const name = parsed.empty() ? "vornal" : "vornal " + command.get_name();
    return name + ": " + reasonOf( app, command, error ) + "\n'" + name +
           " --help' lists the words that it takes\n";
+}
+
+std::string problemOfName( std::string const & text ) {
+   return text.empty() ? "an empty text names nothing; give a name" : "";
 }
 
 }  // namespace CommandLine

@@ -13,4 +13,7 @@ namespace CommandLine {
 // The command, what is wrong with its words, and what would be right; ends with a line end.
 std::string usageText( CLI::App const & app, CLI::Error const & error );
 
+// What is wrong with the name of a file or a folder; empty when it can be one. A CLI11 check.
+std::string problemOfName( std::string const & text );
+
 }  // namespace CommandLine

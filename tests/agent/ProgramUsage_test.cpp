@@ -107,6 +107,35 @@ TEST( ProgramUsage, RefusesNamesThatAreEmpty ) {
    EXPECT_EQ( Support::vornal( { "run", "" } ).exitCode, 2 );
 }
 
+TEST( ProgramUsage, RefusesEmptyPathsAndRings ) {
+   std::string const reason = "an empty text names nothing; give a name";
+   auto const shown = Support::vornal( { "show", "x.yaml", "entities", "" } );
+   EXPECT_EQ( shown.exitCode, 2 );
+   EXPECT_NE( shown.err.find( "vornal show: PATH: " + reason ), std::string::npos ) << shown.err;
+   auto const ring = Support::vornal( { "ring", "" } );
+   EXPECT_EQ( ring.exitCode, 2 );
+   EXPECT_NE( ring.err.find( "vornal ring: FILE: " + reason ), std::string::npos ) << ring.err;
+}
+
+TEST( ProgramUsage, RefusesAValueOfAWordThatTakesNone ) {
+   struct Case {
+      std::vector< std::string > arguments;
+      std::string err;
+   };
+   for ( Case const & one :
+         { Case{ { "run", "x.yaml", "--json=5" }, "vornal run: --json takes no value" },
+           Case{ { "run", "x.yaml", "--json=false" }, "vornal run: --json takes no value" },
+           Case{ { "verify", "x.yaml", "--after-each-step=no" },
+                 "vornal verify: --after-each-step takes no value" },
+           Case{ { "show", "--help=5" }, "vornal show: --help takes no value" },
+           Case{ { "--version=5" }, "vornal: --version takes no value" } } ) {
+      auto const ran = Support::vornal( one.arguments );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_EQ( ran.out, "" );
+      EXPECT_TRUE( ran.err.starts_with( one.err + "; give it alone\n" ) ) << ran.err;
+   }
+}
+
 TEST( ProgramUsage, NamesAScenarioThatIsNotThereWithoutALine ) {
    auto const ran = Support::vornal( { "run", "/nowhere/leaf.yaml" } );
    EXPECT_EQ( ran.exitCode, 2 );
