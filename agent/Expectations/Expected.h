@@ -47,6 +47,9 @@ class Expected {
    // In one line for people: "plug-in ready".
    virtual std::string description() const = 0;
 
+   // Whether it needs a switch that is told how to forward.
+   virtual bool isAboutFrames() const { return false; }
+
    // An entity that is not there is a finding; an attribute that its type does not have throws
    // Quelm::AccessError, and a key that is not of its type Quelm::TextError.
    virtual Finding check( Evidence const & evidence ) const = 0;

@@ -23,6 +23,7 @@ class FramesLike final : public Expected {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
+   bool isAboutFrames() const override { return true; }
    Finding check( Evidence const & evidence ) const override;
 
    // Which frames are meant: all of them that are as this says.

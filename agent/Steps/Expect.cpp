@@ -1,5 +1,7 @@
 #include <Steps/Expect.h>
 
+#include <algorithm>
+
 #include <Expectations/Table.h>
 #include <Scenario/Shape.h>
 #include <Steps/Context.h>
@@ -35,6 +37,13 @@ std::string Expect::description() const {
       text += ( text.empty() ? " " : ", " ) + one.what->description();
    }
    return "expect" + text;
+}
+
+bool Expect::isAboutFrames() const {
+   return std::any_of( expectations.begin(), expectations.end(),
+                       []( Expectations::Expectation const & one ) {
+                          return one.what->isAboutFrames();
+                       } );
 }
 
 void Expect::queue( Context const & context, int ) const {

@@ -14,6 +14,7 @@ class Expect final : public Step {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
+   bool isAboutFrames() const override;
    // One turn for each expectation.
    void queue( Context const & context, int line ) const override;
 
