@@ -5,10 +5,10 @@
 
 #include <fmt/format.h>
 
-#include <Expectations/Counts.h>
 #include <Expectations/Evidence.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Values.h>
+#include <Story/Wording.h>
 
 namespace Expectations {
 
@@ -101,7 +101,8 @@ std::string DifferencesLike::description() const {
       return fmt::format( "an audit finds {} {}", count ? std::to_string( *count ) : "some",
                           nameOf( *kind ) );
    }
-   return "an audit finds " + ( count ? counted( *count, "difference" ) : "some differences" );
+   return "an audit finds " +
+          ( count ? Story::counted( *count, "difference" ) : "some differences" );
 }
 
 Finding DifferencesLike::check( Evidence const & evidence ) const {

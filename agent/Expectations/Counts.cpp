@@ -4,10 +4,6 @@
 
 namespace Expectations {
 
-std::string counted( U32 count, std::string const & thing ) {
-   return fmt::format( "{} {}{}", count, thing, count == 1 ? "" : "s" );
-}
-
 std::string timesText( std::optional< U32 > const & times ) {
    if ( !times ) {
       return "";

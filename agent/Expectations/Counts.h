@@ -10,9 +10,6 @@
 
 namespace Expectations {
 
-// "1 rule", "3 rules"
-std::string counted( U32 count, std::string const & thing );
-
 // " once", " 3 times"; empty when any number will do.
 std::string timesText( std::optional< U32 > const & times );
 

@@ -7,10 +7,10 @@
 #include <fmt/ranges.h>
 
 #include <Brum/PerUnitBitmap.h>
-#include <Expectations/Counts.h>
 #include <Expectations/RuleComparison.h>
 #include <FieldProcessor/Fields.h>
 #include <Scenario/Shape.h>
+#include <Story/Wording.h>
 
 namespace Expectations {
 
@@ -55,19 +55,19 @@ std::optional< std::vector< U32 > > portsOf( Reading & reading, Value const & va
 }
 
 // Two numbers for a port, none for what has no data, and one for the rest.
-std::size_t countOfNumbers( std::string_view field ) {
-   return field == Chip::nameOf( Chip::Qualifier::DstPort ) ? 2
-          : field == Chip::nameOf( Chip::Action::Drop )     ? 0
-                                                            : 1;
+std::size_t countOfNumbers( Chip::Qualifier qualifier ) {
+   return rowOf( qualifier ).hasModule ? 2 : 1;
+}
+std::size_t countOfNumbers( Chip::Action action ) {
+   return rowOf( action ).parameters == Chip::ParametersUsed::None ? 0 : 1;
 }
 
-// The data that a rule can have there.
-std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & value ) {
-   if ( value.name == Chip::nameOf( Chip::Action::EgressMask ) ) {
-      return portsOf( reading, value );
-   }
+// As many numbers as the part of a rule has.
+template< typename Part >
+std::optional< std::vector< U32 > > numbersFor( Part part, Reading & reading,
+                                                Value const & value ) {
    auto const numbers = numbersOf( reading, value, kHighestNumber );
-   std::size_t const count = countOfNumbers( value.name );
+   std::size_t const count = countOfNumbers( part );
    if ( numbers && numbers->size() != count ) {
       constexpr std::array< std::string_view, 3 > expected{
          "nothing is expected", "one number is expected",
@@ -80,19 +80,33 @@ std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & val
    return numbers;
 }
 
-template< typename Names >
-void readFields( Reading & reading, Value const & value, Names const & names, Fields & fields ) {
+// The data that a rule can have there.
+std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & value,
+                                            Chip::Qualifier qualifier ) {
+   return numbersFor( qualifier, reading, value );
+}
+std::optional< std::vector< U32 > > dataOf( Reading & reading, Value const & value,
+                                            Chip::Action action ) {
+   return rowOf( action ).parameters == Chip::ParametersUsed::Ports
+             ? portsOf( reading, value )
+             : numbersFor( action, reading, value );
+}
+
+template< typename Parts >
+void readFields( Reading & reading, Value const & value, Parts const & parts, Fields & fields ) {
    std::vector< std::string_view > known;
-   for ( auto const name : names ) {
-      known.push_back( Chip::nameOf( name ) );
+   for ( auto const part : parts ) {
+      known.push_back( Chip::nameOf( part ) );
    }
    for ( Value const & field : mappingOf( reading, value ) ) {
-      if ( std::find( known.begin(), known.end(), field.name ) == known.end() ) {
+      auto const found = std::find( known.begin(), known.end(), field.name );
+      if ( found == known.end() ) {
          reading.problem( field.line, Scenario::inQuotes( field.name ) + " is none of a rule's " +
                                          value.name + "; " + Text::knownOnes( known ) );
          continue;
       }
-      fields.push_back( { field.name, dataOf( reading, field ) } );
+      auto const part = parts[ static_cast< std::size_t >( found - known.begin() ) ];
+      fields.push_back( { field.name, dataOf( reading, field, part ) } );
    }
 }
 
@@ -247,8 +261,9 @@ void RulesLike::read( Reading & reading, Value const & value ) {
 
 std::string RulesLike::description() const {
    std::string text =
-      fmt::format( "{} in group {}{}", count ? counted( *count, "rule" ) : "one or more rules",
-                   nameOf( group ), unit ? fmt::format( " of unit {}", *unit ) : "" );
+      fmt::format( "{} in group {}{}",
+                   count ? Story::counted( *count, "rule" ) : "one or more rules", nameOf( group ),
+                   unit ? fmt::format( " of unit {}", *unit ) : "" );
    auto const add = [ & ]( bool isAsked, std::string const & more ) {
       text += isAsked ? ", " + more : "";
    };

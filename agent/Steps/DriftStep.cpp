@@ -1,5 +1,8 @@
 #include <Steps/DriftStep.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include <fmt/format.h>
 
 #include <Scenario/Shape.h>
@@ -67,11 +70,30 @@ Parts allParts() {
    return parts;
 }
 
+// The actions that carry a number.
+std::vector< Chip::Action > numberedActions() {
+   std::vector< Chip::Action > actions;
+   std::copy_if( Chip::kActions.begin(), Chip::kActions.end(), std::back_inserter( actions ),
+                 []( Chip::Action action ) {
+                    return rowOf( action ).parameters == Chip::ParametersUsed::Number;
+                 } );
+   return actions;
+}
+
 // Those that carry a number.
 Parts numberedParts() {
    Parts parts = qualifiers();
-   parts.insert( parts.end(), { Chip::Action::EgressClassSelect, Chip::Action::NewClassId } );
+   std::vector< Chip::Action > const actions = numberedActions();
+   parts.insert( parts.end(), actions.begin(), actions.end() );
    return parts;
+}
+
+std::string shapeOfNumberedActions() {
+   std::vector< std::string_view > names;
+   for ( Chip::Action const action : numberedActions() ) {
+      names.push_back( nameOf( action ) );
+   }
+   return Shape::json( fmt::format( R"({{"enum": ["{}"]}})", fmt::join( names, R"(", ")" ) ) );
 }
 
 void readFlip( Reading & reading, Value const & value, DriftWords & words ) {
@@ -165,8 +187,7 @@ Table< DriftWords > const & driftTable() {
             Shape::of( "text", "What the rule's name, and no other's there, contains." ) },
           readRuleName },
         { { "flip", "",
-            Shape::anyOf( { Shape::of( "qualifier" ),
-                            Shape::json( R"({"enum": ["EgressClassSelect", "NewClassId"]})" ) },
+            Shape::anyOf( { Shape::of( "qualifier" ), shapeOfNumberedActions() },
                           "The qualifier or action whose lowest bit tips over." ) },
           readFlip },
         { { "mask", "",
