@@ -30,9 +30,14 @@ constexpr auto kRows =
                                      { Kind::classIdWithdrawn, "class-id-withdrawn", true },
                                      { Kind::leftBehind, "left-behind", true } } );
 
-DifferenceRow const & rowOf( Kind kind ) {
-   return *std::ranges::find( kRows, kind, &DifferenceRow::kind );
+constexpr DifferenceRow const & rowOf( Kind kind ) {
+   return kRows[ static_cast< std::size_t >( kind ) ];
 }
+static_assert( std::all_of( kRows.begin(), kRows.end(),
+                            []( DifferenceRow const & row ) {
+                               return &row == &rowOf( row.kind );
+                            } ),
+               "the rows stand in the order of DifferenceKind" );
 
 }  // namespace
 

@@ -12,6 +12,7 @@ std::string_view nameOf( DropReason reason ) {
       "for-router",         "bad-ip-header",      "bad-ip-checksum",   "not-routable",
       "time-to-live-ended", "no-route",           "unknown-host"
    };
+   static_assert( !names.back().empty(), "every reason has a name" );
    return names.at( static_cast< std::size_t >( reason ) );
 }
 
@@ -19,6 +20,7 @@ std::string_view nameOf( Verdict verdict ) {
    constexpr std::array< std::string_view, kVerdicts > names{ "sent",          "arrival", "no-port",
                                                               "no-vtep",       "masked",  "dropped",
                                                               "not-designated" };
+   static_assert( !names.back().empty(), "every verdict has a name" );
    return names.at( static_cast< std::size_t >( verdict ) );
 }
 
