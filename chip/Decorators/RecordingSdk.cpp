@@ -24,7 +24,7 @@ S32 RecordingSdk::make( Shim::Call & call ) {
    event.unit = call.unit;
    event.entry = call.entry;
    event.returnCode = SdkDecorator::make( call );
-   for ( std::size_t n = 0; call.isComplete() && n < call.values.size(); ++n ) {
+   for ( std::size_t n = 0; n < call.values.size(); ++n ) {
       event.values.push_back( valueAt( call, n ) );
    }
    observer_.callMade( event );

@@ -145,7 +145,7 @@ TEST_F( HardwareCalls, ReadBacksAreRecordedWithWhatWasRead ) {
             "port 5, portMask 0x1f ) = 0",
          "unit 0 entry 2: bcm_field_qualify_IpType_get( ipType 3 ) = 0",
          "unit 0 entry 2: bcm_field_qualify_IngressClassField_get( data 100, mask 0xff ) = 0",
-         "unit 0 entry 2: bcm_field_action_get() = -3 NOT_FOUND",
+         "unit 0 entry 2: bcm_field_action_get( action Drop ) = -3 NOT_FOUND",
       } ) );
 }
 
