@@ -174,12 +174,12 @@ class FinishInitWithoutTcam : public FinishInit {
 };
 
 TEST_F( FinishInitWithoutTcam, SharedByTheAgent ) {
-   leaf.shared->share( "tcamManager", nullptr );
+   leaf.share( "tcamManager", nullptr );
    finishInitSilently();
 }
 
 TEST_F( FinishInitWithoutTcam, ButSomethingElseOfThatName ) {
-   leaf.shared->share( "tcamManager", leaf.common() );
+   leaf.share( "tcamManager", leaf.common() );
    finishInitSilently();
 }
 
@@ -203,7 +203,7 @@ TEST_F( FinishInitWithoutTcam, ForEgressStillGetsTheIngressGroup ) {
 // standard error what the plug-in asks for and builds from the moment that layer 2 is ready.
 void startWithoutCapabilities() {
    Leaf leaf;
-   leaf.database->publish( vxlanCapabilitiesPath, nullptr );
+   leaf.publish( vxlanCapabilitiesPath, nullptr );
    leaf.mountsComplete();
    Kiv::Watch< Vornal::VornalEvpnMounter > built( leaf.mounter, []( Kiv::Change const & change ) {
       std::cerr << "built " << change.attribute() << '\n';

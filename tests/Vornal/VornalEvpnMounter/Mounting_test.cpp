@@ -32,11 +32,11 @@ class Mounting : public testing::Test {
    Leaf leaf;
 };
 
-TEST_F( Mounting, MountsSevenPathsInOrderAndClosesTheGroupWithAnEmptyName ) {
+// The agent tells the mounter only of a group that is closed with an empty name.
+TEST_F( Mounting, MountsSevenPathsInOneGroupAndTakesTheEntitiesWhenItIsDone ) {
    leaf.mounter->doInit();
    EXPECT_EQ( leaf.journal,
               ( Journal{
-                 "mount group",
                  "mount evpn/status Evpn::EvpnStatus r",
                  "mount hardware/vornal/vp/status/vornalL3 VornalCentral::VpIndexStatus r",
                  "mount hardware/vornal/i2eclassid/config/slice/3 "
@@ -46,17 +46,21 @@ TEST_F( Mounting, MountsSevenPathsInOrderAndClosesTheGroupWithAnEmptyName ) {
                  "mount interface/status/eth/vxlan Vxlan::VtiStatusDir r",
                  "mount lag/config Lag::Config r",
                  "mount bridging/hwcapabilities Bridging::HwCapabilities r",
-                 "close ''",
               } ) );
+   leaf.journal.clear();
+   leaf.run();
+   Journal done = { "mounts complete" };
+   done.insert( done.end(), lookUps.begin(), lookUps.end() );
+   EXPECT_EQ( leaf.journal, done );
 }
 
 TEST_F( Mounting, PutsTheSliceIdentifierIntoTheClassIdPathsAsItIs ) {
    leaf.mounter->sliceIdIs( "Linecard4/1" );
    leaf.mounter->doInit();
-   EXPECT_EQ( leaf.journal[ 3 ],
+   EXPECT_EQ( leaf.journal[ 2 ],
               "mount hardware/vornal/i2eclassid/config/slice/Linecard4/1 "
               "VornalCentral::I2EClassIdIndexConfig wc" );
-   EXPECT_EQ( leaf.journal[ 4 ],
+   EXPECT_EQ( leaf.journal[ 3 ],
               "mount hardware/vornal/i2eclassid/status/slice/Linecard4/1 "
               "VornalCentral::I2EClassIdIndexStatus rc" );
 }
@@ -129,9 +133,11 @@ TEST_F( Mounting, TakesTheSamePathWhateverTheMountsCameTo ) {
 // The agent may hand over another manager than the one that the paths were mounted through.
 TEST_F( Mounting, TakesEntitiesFromTheManagerThatItIsHanded ) {
    Journal asked;
-   auto const other = Quelm::make< StateDatabase >( asked );
+   Scribe scribe( asked );
+   StateDatabase::Directory directory;
+   auto const other = leaf.sessionNew( directory, scribe );
    auto const status = Quelm::make< Evpn::EvpnStatus >( "the other's" );
-   other->publish( evpnStatusPath, status );
+   directory.entityIs( evpnStatusPath, status );
    leaf.mounter->doMountsComplete( Corrum::MountStatus::Complete, other );
    EXPECT_EQ( leaf.journal, Journal{ "shared vornalCommon" } );
    EXPECT_EQ( asked.size(), lookUps.size() - 1 );
@@ -158,7 +164,7 @@ TEST_F( Mounting, GoesOnWithoutAnyEntityWhenNoManagerIsHanded ) {
 void expectOnlyThisEmpty( std::string const & path, std::string const & attribute,
                           Quelm::Ptr< Kiv::Entity > const & wrong ) {
    Leaf leaf;
-   leaf.database->publish( path, wrong );
+   leaf.publish( path, wrong );
    leaf.mountsComplete();
    for ( std::string const name :
          { "evpnStatus", "svpShimStatus", "vxlanCapabilities", "i2eClassIdIndexConfig",
@@ -190,7 +196,7 @@ TEST_F( Mounting, WaitsWithoutCommonDataWhenTheAgentSharesNoneOrSomethingElse ) 
    for ( auto const & wrong :
          { Quelm::Ptr< Kiv::Entity >(),
            Quelm::Ptr< Kiv::Entity >( leaf.at< Lag::Config >( lagConfigPath ) ) } ) {
-      leaf.shared->share( "vornalCommon", wrong );
+      leaf.share( "vornalCommon", wrong );
       auto const mounter = leaf.mounterNew();
       mounter->doMountsComplete( Corrum::MountStatus::Complete, leaf.database );
       EXPECT_FALSE( mounter->vcsd() );

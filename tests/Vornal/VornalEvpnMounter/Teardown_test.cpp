@@ -26,7 +26,7 @@ class Teardown : public testing::Test {
       published< Bridging::HwCapabilities >( hwCapabilitiesPath );
       auto const common = observed< Vornal::VornalCommonSmData >( "vornalCommon" );
       common->sliceDependencyPointsIs( leaf.points() );
-      leaf.shared->share( "vornalCommon", common );
+      leaf.share( "vornalCommon", common );
    }
 
    template< typename T > Quelm::Ptr< Observed< T > > observed( std::string const & name ) {
@@ -36,7 +36,7 @@ class Teardown : public testing::Test {
          name );
    }
    template< typename T > void published( std::string const & path ) {
-      leaf.database->publish( path, observed< T >( path ) );
+      leaf.publish( path, observed< T >( path ) );
    }
 
    // The first time that a subscription is given up on one of the three entities that the mounter's
@@ -63,8 +63,7 @@ class Teardown : public testing::Test {
 
    void destroyMounter() {
       mounter = leaf.mounter.get();
-      leaf.shared->withdrawAll();
-      leaf.database->withdrawAll();
+      leaf.withdrawAll();
       diary.clear();
       leaf.mounter = nullptr;
       mounter = nullptr;

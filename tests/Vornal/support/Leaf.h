@@ -1,6 +1,6 @@
-// leaf1: the agent of a switch's slice 3, in memory, with all that the EVPN plug-in meets when it
-// starts. Everything is published and empty, the plug-in's mounter is built, layer 2 is not ready
-// yet.
+// leaf1: the agent of a switch's slice 3, with all that the EVPN plug-in meets when it starts. The
+// state database is the agent's own. Everything is published and empty, the plug-in's mounter is
+// built, layer 2 is not ready yet.
 //
 // What the plug-in asks the agent for is written down in `journal`, what it traces in `traces` as
 // "HANDLE LEVEL TEXT", what it logs in `logs`.
@@ -11,11 +11,13 @@
 
 #include <Kiv/Activity.h>
 #include <Log/Log.h>
+#include <StateDatabase/MountSession.h>
+#include <StateDatabase/SharedEntities.h>
 #include <Trace/Trace.h>
 #include <VornalEvpnMounter/VornalEvpnMounter.h>
 
 #include "../../hardware-access/ScriptedSdk.h"
-#include "StateDatabase.h"
+#include "Journal.h"
 #include "Tcam.h"
 
 namespace Support {
@@ -37,14 +39,14 @@ class Leaf {
                            std::string( line.text ) );
       } );
       Log::sinkIs( [ this ]( Log::Message const & message ) { logs.push_back( message.line ); } );
-      publish< Evpn::EvpnStatus >( evpnStatusPath );
-      publish< VornalCentral::VpIndexStatus >( vpIndexStatusPath );
-      publish< VornalCentral::VxlanCapabilities >( vxlanCapabilitiesPath );
-      publish< VornalCentral::I2EClassIdIndexConfig >( classIdConfigPath );
-      publish< VornalCentral::I2EClassIdIndexStatus >( classIdStatusPath );
-      publish< Vxlan::VtiStatusDir >( vtiStatusPath );
-      publish< Lag::Config >( lagConfigPath );
-      publish< Bridging::HwCapabilities >( hwCapabilitiesPath );
+      publishNew< Evpn::EvpnStatus >( evpnStatusPath );
+      publishNew< VornalCentral::VpIndexStatus >( vpIndexStatusPath );
+      publishNew< VornalCentral::VxlanCapabilities >( vxlanCapabilitiesPath );
+      publishNew< VornalCentral::I2EClassIdIndexConfig >( classIdConfigPath );
+      publishNew< VornalCentral::I2EClassIdIndexStatus >( classIdStatusPath );
+      publishNew< Vxlan::VtiStatusDir >( vtiStatusPath );
+      publishNew< Lag::Config >( lagConfigPath );
+      publishNew< Bridging::HwCapabilities >( hwCapabilitiesPath );
       shareCommonData();
       shareTcam();
       mounter = mounterNew();
@@ -62,17 +64,41 @@ class Leaf {
       auto const built = Quelm::make< Vornal::VornalEvpnMounter >( "Vornal::VornalEvpnMounter" );
       built->sliceIdIs( "3" );
       built->entityManagerIs( database );
-      built->sharedEntitiesIs( shared );
+      built->sharedEntitiesIs( Quelm::make< StateDatabase::SharedEntities >( shared, scribe ) );
       return built;
    }
 
+   // A session of the state database that finds its entities in `directory`. It tells leaf1's
+   // mounter when mounts are done.
+   Quelm::Ptr< Corrum::EntityManager > sessionNew( StateDatabase::Directory const & directory,
+                                                   Story::Observer & observer ) {
+      return Quelm::make< StateDatabase::MountSession >( StateDatabase::SessionContext{
+         "Vornal::VornalEvpnMounter", directory, activity, observer,
+         [ this ]( Corrum::MountStatus status ) {
+            mounter->doMountsComplete( status, mounter->entityManager() );
+         } } );
+   }
+
+   // Puts an entity, or nothing, into the place of the published one.
+   void publish( std::string const & path, Quelm::Ptr< Kiv::Entity > const & entity ) {
+      put( published, path, entity );
+   }
+   // The same for an entity that the agent shares by name.
+   void share( std::string const & name, Quelm::Ptr< Kiv::Entity > const & entity ) {
+      put( shared, StateDatabase::SharedEntities::kFolder + name, entity );
+   }
+   void withdrawAll() {
+      shared = {};
+      published = {};
+   }
+
    template< typename T > Quelm::Ptr< T > at( std::string const & path ) const {
-      return database->at< T >( path );
+      return Quelm::dynamicCast< T >( published.entity( path ) );
    }
    Quelm::Ptr< Vornal::VornalCommonSmData > common() const {
-      return shared->at< Vornal::VornalCommonSmData >( "vornalCommon" );
+      return sharedAs< Vornal::VornalCommonSmData >( "vornalCommon" );
    }
-   Quelm::Ptr< GroupManager > groups() const { return shared->at< GroupManager >( "tcamManager" ); }
+   Quelm::Ptr< GroupManager > groups() const { return sharedAs< GroupManager >( "tcamManager" ); }
    Quelm::Ptr< Vornal::VornalSliceDependencyPoints > points() const {
       return common()->sliceDependencyPoints();
    }
@@ -83,6 +109,11 @@ class Leaf {
    void i2eClassIdSupportedIs( bool isSupported ) {
       at< VornalCentral::VxlanCapabilities >( vxlanCapabilitiesPath )
          ->i2eClassIdSupportedIs( isSupported );
+   }
+   // Lets the turns run that are queued.
+   void run() {
+      Kiv::ActivityUnlockAnchor const unlocked;
+      activity.run();
    }
    void mountsComplete() { mounter->doMountsComplete( Corrum::MountStatus::Complete, database ); }
    void layerTwoIsReady() { subAgents()->readyIs( "l2Ready" ); }
@@ -110,20 +141,33 @@ class Leaf {
    ScriptedSdk sdk;
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor locked{ activity };
-   Quelm::Ptr< StateDatabase > database = Quelm::make< StateDatabase >( journal );
-   Quelm::Ptr< SharedEntities > shared = Quelm::make< SharedEntities >( journal );
+   StateDatabase::Directory published;
+   StateDatabase::Directory shared;
+   Scribe scribe{ journal };
+   Quelm::Ptr< Corrum::EntityManager > database = sessionNew( published, scribe );
    Quelm::Ptr< Vornal::VornalEvpnMounter > mounter;
 
  private:
-   template< typename T > void publish( std::string const & path ) {
-      database->publish( path, Quelm::make< T >( path ) );
+   static void put( StateDatabase::Directory & directory, std::string const & path,
+                    Quelm::Ptr< Kiv::Entity > const & entity ) {
+      directory.entityDel( path );
+      if ( entity ) {
+         directory.entityIs( path, entity );
+      }
+   }
+   template< typename T > void publishNew( std::string const & path ) {
+      publish( path, Quelm::make< T >( path ) );
+   }
+   template< typename T > Quelm::Ptr< T > sharedAs( std::string const & name ) const {
+      return Quelm::dynamicCast< T >(
+         shared.entity( StateDatabase::SharedEntities::kFolder + name ) );
    }
    void shareCommonData() {
       auto const data = Quelm::make< Vornal::VornalCommonSmData >( "vornalCommon" );
       data->sliceDependencyPointsIs( Quelm::make< Vornal::VornalSliceDependencyPoints >() );
       data->sliceDependencyPoints()->subAgentDependencyPointsIs(
          Quelm::make< Vornal::SubAgentDependencyPoints >( "subagents" ) );
-      shared->share( "vornalCommon", data );
+      share( "vornalCommon", data );
    }
    void shareTcam() {
       auto const managers = Quelm::make< GroupManager >( journal );
@@ -131,7 +175,7 @@ class Leaf {
          Quelm::make< EntryManager >( Vornal::kIfpLocalBiasGroup, journal ) );
       managers->entryManagerIs(
          Quelm::make< EntryManager >( Vornal::kEfpLocalBiasGroup, journal ) );
-      shared->share( "tcamManager", managers );
+      share( "tcamManager", managers );
    }
 };
 

@@ -6,7 +6,7 @@
 
 #include <VornalTcam/EntryManager.h>
 
-#include "StateDatabase.h"
+#include "Journal.h"
 
 namespace Support {
 
