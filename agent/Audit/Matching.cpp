@@ -72,13 +72,9 @@ void find( WantedRules const & wanted, Search & search, Matched & matched, Is co
 
 std::vector< EntryAt > entriesOf( Chip::Units const & units ) {
    std::vector< EntryAt > entries;
-   for ( auto const & [ number, unit ] : units ) {
-      for ( auto const & [ assignment, group ] : unit.groups() ) {
-         for ( auto const & [ id, entry ] : group.entries() ) {
-            entries.push_back( { unit.number(), assignment, &entry } );
-         }
-      }
-   }
+   units.forEachEntry( [ & ]( Chip::RuleKey const & key, Chip::Entry const & entry ) {
+      entries.push_back( { key.unit, key.group, &entry } );
+   } );
    return entries;
 }
 
