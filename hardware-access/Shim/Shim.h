@@ -60,9 +60,6 @@ class Sdk {
    virtual S32 bcm_field_action_get( U32 unit, U32 entry, bcm_field_action_t action, U32 * param0,
                                      U32 * param1 ) = 0;
 
-   // --- Any of the calls above, told as values (Shim/OneCallSdk.h)
-   virtual S32 make( Call & call );
-
    // --- Around every field call
    // Runs immediately before the call, while the activity lock is still held.
    virtual void beforeFieldCall() = 0;
@@ -83,6 +80,10 @@ class Sdk {
    virtual void pbmpClear( _shr_pbmp & pbmp ) const = 0;
    virtual bool pbmpEqual( _shr_pbmp const & a, _shr_pbmp const & b ) const = 0;
    virtual U32 pbmpCount( _shr_pbmp const & pbmp ) const = 0;
+
+   // --- Any field call, told as values (Shim/OneCallSdk.h). What is added comes last, so that the
+   // operations above keep their order in the vtable, which plug-ins are compiled against.
+   virtual S32 make( Call & call );
 };
 
 // The shim in use; nullptr before the agent has set it.
