@@ -186,48 +186,64 @@ constexpr std::string_view kOneOfEachFamily = R"({
    }
 })";
 
+using ForwardingWords = std::vector< Word< Forwarding > >;
+
+ForwardingWords tunnelWords() {
+   return { { { "vtep-addresses", "vtep-addresses: [ 10.0.0.1 ]",
+                Shape::listOf( Shape::of( "vtep-address" ),
+                               "The switch's own VTEP addresses, one of each family.",
+                               kOneOfEachFamily ) },
+              readVtepAddresses },
+            { { "underlay", "underlay: [ Ethernet49 ]",
+                Shape::listOf( Shape::of( "segment-interface" ),
+                               "The interfaces and port channels that carry VXLAN between VTEPs.",
+                               R"({"minItems": 1, "uniqueItems": true})" ) },
+              readUnderlay },
+            { { "vlans", "vlans: { 10: 10100 }",
+                Shape::mappingOf( Shape::of( "vlan-key" ), Shape::number( 1, kHighestVni ),
+                                  "The VNI of each VLAN." ) },
+              readVlans } };
+}
+
+ForwardingWords interfaceWords() {
+   return {
+      { { "access", "",
+          Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "vlan-number" ),
+                            "The VLAN that an interface carries untagged." ) },
+        readAccess },
+      { { "trunk", "",
+          Shape::mappingOf( Shape::of( "segment-interface" ),
+                            Shape::setOf( Shape::of( "vlan-number" ) ),
+                            "The VLANs that an interface carries tagged." ) },
+        readTrunk },
+      { { "not-designated", "",
+          Shape::setOf( Shape::of( "segment-interface" ),
+                        "Interfaces that are not the designated forwarder of their segment." ) },
+        readNotDesignated }
+   };
+}
+
+ForwardingWords routingWords() {
+   return {
+      { { "router-mac", "",
+          Shape::of( "station-mac",
+                     "The MAC address to which hosts send what is to be routed; "
+                     "02:00:00:00:00:01 if left out." ) },
+        readRouterMac },
+      { { "hosts", "",
+          Shape::mappingOf( Shape::of( "address" ), Shape::of( "host" ),
+                            "Routes to hosts, by the host's address." ) },
+        readHosts },
+      { { "multicast-routes", "",
+          Shape::setOf( Shape::of( "multicast-group" ), "Multicast groups that have a route." ) },
+        readGroups }
+   };
+}
+
 Table< Forwarding > const & forwardingTable() {
    static Table< Forwarding > const table{
       { "forwarding", "How the switch forwards frames, beside what is published." },
-      { { { "vtep-addresses", "vtep-addresses: [ 10.0.0.1 ]",
-            Shape::listOf( Shape::of( "vtep-address" ),
-                           "The switch's own VTEP addresses, one of each family.",
-                           kOneOfEachFamily ) },
-          readVtepAddresses },
-        { { "underlay", "underlay: [ Ethernet49 ]",
-            Shape::listOf( Shape::of( "segment-interface" ),
-                           "The interfaces and port channels that carry VXLAN between VTEPs.",
-                           R"({"minItems": 1, "uniqueItems": true})" ) },
-          readUnderlay },
-        { { "vlans", "vlans: { 10: 10100 }",
-            Shape::mappingOf( Shape::of( "vlan-key" ), Shape::number( 1, kHighestVni ),
-                              "The VNI of each VLAN." ) },
-          readVlans },
-        { { "access", "",
-            Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "vlan-number" ),
-                              "The VLAN that an interface carries untagged." ) },
-          readAccess },
-        { { "trunk", "",
-            Shape::mappingOf( Shape::of( "segment-interface" ),
-                              Shape::setOf( Shape::of( "vlan-number" ) ),
-                              "The VLANs that an interface carries tagged." ) },
-          readTrunk },
-        { { "not-designated", "",
-            Shape::setOf( Shape::of( "segment-interface" ),
-                          "Interfaces that are not the designated forwarder of their segment." ) },
-          readNotDesignated },
-        { { "router-mac", "",
-            Shape::of( "station-mac",
-                       "The MAC address to which hosts send what is to be routed; "
-                       "02:00:00:00:00:01 if left out." ) },
-          readRouterMac },
-        { { "hosts", "",
-            Shape::mappingOf( Shape::of( "address" ), Shape::of( "host" ),
-                              "Routes to hosts, by the host's address." ) },
-          readHosts },
-        { { "multicast-routes", "",
-            Shape::setOf( Shape::of( "multicast-group" ), "Multicast groups that have a route." ) },
-          readGroups } }
+      joined< Forwarding >( { tunnelWords(), interfaceWords(), routingWords() } )
    };
    return table;
 }

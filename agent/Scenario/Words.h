@@ -62,6 +62,16 @@ template< typename Target > struct Table {
    }
 };
 
+// The words of several lists in one, for a table that is written in parts.
+template< typename Target >
+std::vector< Word< Target > > joined( std::vector< std::vector< Word< Target > > > const & lists ) {
+   std::vector< Word< Target > > words;
+   for ( auto const & list : lists ) {
+      words.insert( words.end(), list.begin(), list.end() );
+   }
+   return words;
+}
+
 // One word of a mapping that was read: its index in the table, and its value.
 struct Entry {
    std::size_t word;

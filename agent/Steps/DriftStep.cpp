@@ -18,6 +18,7 @@ namespace Shape = Scenario::Shape;
 
 using Scenario::Choices;
 using Scenario::Table;
+using Scenario::Word;
 
 constexpr U32 kHighestNumber = ~U32{ 0 };
 constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
@@ -175,43 +176,50 @@ constexpr std::string_view kWordsTogether = R"({
    ]
 })";
 
+std::vector< Word< DriftWords > > wordsOfTheRule() {
+   return { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
+              Scenario::readGroup< DriftWords > },
+            { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
+            { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
+            { { "rule", "",
+                Shape::of( "text", "What the rule's name, and no other's there, contains." ) },
+              readRuleName } };
+}
+
+std::vector< Word< DriftWords > > wordsOfTheChange() {
+   return { { { "flip", "",
+                Shape::anyOf( { Shape::of( "qualifier" ), shapeOfNumberedActions() },
+                              "The qualifier or action whose lowest bit tips over." ) },
+              readFlip },
+            { { "mask", "",
+                Shape::mappingOf( Shape::of( "qualifier" ), Shape::of( "count" ),
+                                  "A qualifier by name, with the mask that it gets.",
+                                  R"({"minProperties": 1, "maxProperties": 1})" ) },
+              readMask },
+            { { "egress-mask", "",
+                Shape::listOf( Shape::number( 0, kHighestPort ),
+                               "The logical ports that the rule masks." ) },
+              readEgressMask },
+            { { "priority", "",
+                Shape::anyOf( { Shape::of( "count" ), Shape::constant( "default" ) },
+                              "The priority, or 'default'." ) },
+              readPriority },
+            { { "remove", "",
+                Shape::anyOf( { Shape::of( "qualifier" ), Shape::of( "action" ) },
+                              "The qualifier or action that the rule loses." ) },
+              readRemove },
+            { { "entry-is", "", Shape::of( "entry-is" ) }, readFate },
+            { { "swap-gport-with", "",
+                Shape::anyOf( { Shape::of( "count" ), Shape::of( "text" ) },
+                              "The other rule, by its entry's id or a part of its name." ) },
+              readSwap } };
+}
+
 Table< DriftWords > const & driftTable() {
    static Table< DriftWords > const table{
       { "drift", "Something changes in the chip behind the plug-in's back: one rule, one thing.",
         kWordsTogether },
-      { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
-          Scenario::readGroup< DriftWords > },
-        { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
-        { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
-        { { "rule", "",
-            Shape::of( "text", "What the rule's name, and no other's there, contains." ) },
-          readRuleName },
-        { { "flip", "",
-            Shape::anyOf( { Shape::of( "qualifier" ), shapeOfNumberedActions() },
-                          "The qualifier or action whose lowest bit tips over." ) },
-          readFlip },
-        { { "mask", "",
-            Shape::mappingOf( Shape::of( "qualifier" ), Shape::of( "count" ),
-                              "A qualifier by name, with the mask that it gets.",
-                              R"({"minProperties": 1, "maxProperties": 1})" ) },
-          readMask },
-        { { "egress-mask", "",
-            Shape::listOf( Shape::number( 0, kHighestPort ),
-                           "The logical ports that the rule masks." ) },
-          readEgressMask },
-        { { "priority", "",
-            Shape::anyOf( { Shape::of( "count" ), Shape::constant( "default" ) },
-                          "The priority, or 'default'." ) },
-          readPriority },
-        { { "remove", "",
-            Shape::anyOf( { Shape::of( "qualifier" ), Shape::of( "action" ) },
-                          "The qualifier or action that the rule loses." ) },
-          readRemove },
-        { { "entry-is", "", Shape::of( "entry-is" ) }, readFate },
-        { { "swap-gport-with", "",
-            Shape::anyOf( { Shape::of( "count" ), Shape::of( "text" ) },
-                          "The other rule, by its entry's id or a part of its name." ) },
-          readSwap } }
+      Scenario::joined< DriftWords >( { wordsOfTheRule(), wordsOfTheChange() } )
    };
    return table;
 }
