@@ -148,8 +148,6 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
    KivClock & kivClock() const { return *kivClock_; }
 
  protected:
-   using UnitIterator = VornalCommonSmData::vornalModIdIterator;
-
    // The number of ports that verification expects of a VTEP on a unit, counted from its segment
    // interfaces. A physical interface counts on every unit, a member of a port channel on its own
    // unit only.

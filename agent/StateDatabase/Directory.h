@@ -24,7 +24,6 @@ class Directory {
    // one of the path.
    Quelm::Ptr< Kiv::Entity > entityNew( std::string const & path, std::string const & type );
    void entityDel( std::string_view path );
-   void entityDelAll() { entities_.clear(); }
 
    // The entity at `path`, or an empty reference.
    Quelm::Ptr< Kiv::Entity > entity( std::string_view path ) const;

@@ -40,14 +40,6 @@ struct HardwareCall {
    friend bool operator==( HardwareCall const &, HardwareCall const & ) = default;
 };
 
-// One line for people:
-//
-//    unit 0 entry 3: bcm_field_qualify_PacketRes( data 4, mask 0xff ) = 0
-//    unit 0 entry 3: releaseEntry( group 157 ) = -2 ENTRY
-//
-// Masks and gports are in hexadecimal; ports are listed by number.
-std::string toText( HardwareCall const & call );
-
 // Learns of every call.
 //
 // Field calls are reported on the thread that makes them, with the activity lock given up; the

@@ -9,19 +9,18 @@ namespace {
 
 struct Description {
    ResultCode code;
-   std::string_view name;
    std::string_view text;
 };
 
 constexpr std::array< Description, 8 > kDescriptions{ {
-   { ResultCode::None, "NONE", "Ok" },
-   { ResultCode::UnknownUnit, "UNIT", "Unknown unit" },
-   { ResultCode::UnknownEntry, "ENTRY", "Unknown entry" },
-   { ResultCode::NotFound, "NOT_FOUND", "Not found" },
-   { ResultCode::Exists, "EXISTS", "Action exists" },
-   { ResultCode::Unsupported, "UNSUPPORTED", "Group does not support this" },
-   { ResultCode::BadValue, "BAD_VALUE", "Value out of range" },
-   { ResultCode::NotInstalled, "NOT_INSTALLED", "Entry is not installed" },
+   { ResultCode::None, "Ok" },
+   { ResultCode::UnknownUnit, "Unknown unit" },
+   { ResultCode::UnknownEntry, "Unknown entry" },
+   { ResultCode::NotFound, "Not found" },
+   { ResultCode::Exists, "Action exists" },
+   { ResultCode::Unsupported, "Group does not support this" },
+   { ResultCode::BadValue, "Value out of range" },
+   { ResultCode::NotInstalled, "Entry is not installed" },
 } };
 
 Description const * find( S32 code ) {
@@ -32,11 +31,6 @@ Description const * find( S32 code ) {
 }
 
 }  // namespace
-
-std::string_view resultName( S32 code ) {
-   Description const * const found = find( code );
-   return found ? found->name : std::string_view();
-}
 
 std::string_view resultText( S32 code ) {
    if ( code >= 0 ) {

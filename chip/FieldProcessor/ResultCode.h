@@ -22,9 +22,6 @@ constexpr S32 codeOf( ResultCode code ) {
    return static_cast< S32 >( code );
 }
 
-// The code's name, such as "NOT_FOUND"; empty for a number that is no code of this chip.
-std::string_view resultName( S32 code );
-
 // The message for a code. All codes that are not negative read alike, and so do negative ones that
 // are not this chip's.
 std::string_view resultText( S32 code );

@@ -22,15 +22,6 @@ Shared & shared() {
 
 }  // namespace
 
-std::string actionText( Descriptor const & descriptor ) {
-   if ( auto const * const text = std::get_if< std::string >( &descriptor.action ) ) {
-      return *text;
-   }
-   return std::get< StandardAction >( descriptor.action ) == StandardAction::NoneRequired
-             ? "No action is required."
-             : "Contact your support representative.";
-}
-
 Handle::Handle( Descriptor descriptor ) : descriptor_( std::move( descriptor ) ) {
    shared().descriptors.push_back( &descriptor_ );
 }

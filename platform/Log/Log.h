@@ -48,9 +48,6 @@ struct Descriptor {
    Severity severity;
 };
 
-// The recommended action in words.
-std::string actionText( Descriptor const & descriptor );
-
 // One message that was logged.
 struct Message {
    Descriptor const & descriptor;

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <Decorators/CountingSdk.h>
 #include <Decorators/FailingSdk.h>
 #include <Decorators/RecordingSdk.h>
 #include <Kiv/Activity.h>
@@ -219,7 +218,7 @@ TEST_F( HardwareCallsDeathTest, AFailedGuardedCallIsRecordedAndTheStopAnnounced 
    class ToStandardError : public Chip::CallObserver {
     public:
       void callMade( HardwareCall const & call ) override {
-         std::fprintf( stderr, "%s\n", toText( call ).c_str() );
+         std::fprintf( stderr, "%s\n", textOf( call ).c_str() );
       }
    } printer;
    Chip::FailingSdk failing( leaf1.sdk, { .nth = 1, .code = -5 } );
@@ -260,34 +259,29 @@ TEST_F( HardwareCalls, AReadBackHasItsValuesWithAnyCodeThatIsNotNegative ) {
                  "unit 0 entry 3: bcm_field_qualify_PacketRes_get( data 4, mask 0xff ) = 7" } ) );
 }
 
-// --- Counting
+// --- Handing on
 
-TEST_F( HardwareCalls, CallsAreCountedByOperation ) {
-   Chip::CountingSdk counter( leaf1.sdk );
-   U32 const id = leaf1.ifp->getEntry( 0, "rule", {} );
-   counter.bcm_field_qualify_PacketRes( 0, id, 4, 0xff );
-   counter.bcm_field_qualify_PacketRes( 0, id, 10, 0xff );
-   counter.bcm_field_qualify_TunnelTerminated( 0, 99, 1, 1 );
-   EXPECT_EQ( counter.calls(), 3U );
-   EXPECT_EQ( counter.calls( "bcm_field_qualify_PacketRes" ), 2U );
-   EXPECT_EQ( counter.calls( "bcm_field_qualify_TunnelTerminated" ), 1U );
-   EXPECT_EQ( counter.calls( "bcm_field_action_add" ), 0U );
-   EXPECT_EQ( counter.callsByOperation().size(), 2U );
-}
+TEST_F( HardwareCalls, ADecoratorHandsOnWhatAGuardedCallAnnounces ) {
+   class Announced : public Chip::SdkDecorator {
+    public:
+      using SdkDecorator::SdkDecorator;
+      void beforeFieldCall() override { ++calls; }
+      void fieldCallFailed() override { ++failures; }
 
-TEST_F( HardwareCalls, EveryGuardedCallIsAnnounced ) {
-   Chip::CountingSdk counter( leaf1.sdk );
-   Shim::sdk_ = &counter;
+      U32 calls = 0;
+      U32 failures = 0;
+   } announced( leaf1.sdk );
+   Chip::RecordingSdk front( announced, record );
+   Shim::sdk_ = &front;
    U32 const unit = 0;
    U32 const entryId = leaf1.ifp->getEntry( unit, "rule", {} );
    SDK_FIELD_CALL( bcm_field_qualify_PacketRes( unit, entryId, 4, 0xff ) );
    SDK_FIELD_CALL( bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) );
-   counter.bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 );
-   EXPECT_EQ( counter.announced(), 2U );
-   EXPECT_EQ( counter.calls(), 3U );
-   EXPECT_EQ( counter.failuresTold(), 0U );
-   counter.fieldCallFailed();
-   EXPECT_EQ( counter.failuresTold(), 1U );
+   front.bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 );
+   EXPECT_EQ( announced.calls, 2U );
+   EXPECT_EQ( announced.failures, 0U );
+   front.fieldCallFailed();
+   EXPECT_EQ( announced.failures, 1U );
 }
 
 TEST_F( HardwareCalls, ADecoratorHandsOnWhatIsNoFieldCall ) {
@@ -301,20 +295,6 @@ TEST_F( HardwareCalls, ADecoratorHandsOnWhatIsNoFieldCall ) {
    recorder.pbmpClear( ports );
    EXPECT_TRUE( recorder.pbmpEqual( ports, pbmpOfPorts( {} ) ) );
    EXPECT_TRUE( record.calls.empty() );
-}
-
-// --- Text
-
-TEST( HardwareCallText, NeedsNeitherValuesNorCode ) {
-   HardwareCall const call{ "releaseEntry", {}, 0, 3, {}, std::nullopt };
-   EXPECT_EQ( toText( call ), "unit 0 entry 3: releaseEntry()" );
-}
-
-TEST( HardwareCallText, ShowsCodesOfOthersAsNumbers ) {
-   HardwareCall call{ "installEntry", {}, 0, 3, {}, -4711 };
-   EXPECT_EQ( toText( call ), "unit 0 entry 3: installEntry() = -4711" );
-   call.returnCode = 7;
-   EXPECT_EQ( toText( call ), "unit 0 entry 3: installEntry() = 7" );
 }
 
 }  // namespace HardwareCallTest

@@ -8,6 +8,8 @@
 #include <FieldProcessor/Gport.h>
 #include <SoftSdk/PortBitmap.h>
 
+#include "CallText.h"
+
 namespace ChipTest {
 
 constexpr U8 kIfp = Vornal::kIfpLocalBiasGroup;
@@ -70,7 +72,7 @@ class Record : public Chip::CallObserver {
    std::vector< std::string > texts() const {
       std::vector< std::string > lines;
       for ( Chip::HardwareCall const & call : calls ) {
-         lines.push_back( toText( call ) );
+         lines.push_back( textOf( call ) );
       }
       return lines;
    }

@@ -94,13 +94,4 @@ TEST( LogDescriptors, AreRegisteredAsLongAsTheirHandlesLive ) {
    EXPECT_EQ( Log::descriptors(), before );
 }
 
-TEST( LogDescriptors, ActionIsAStandardOneOrATextOfItsOwn ) {
-   Descriptor descriptor = full;
-   EXPECT_EQ( Log::actionText( descriptor ), "Contact your support representative." );
-   descriptor.action = StandardAction::NoneRequired;
-   EXPECT_EQ( Log::actionText( descriptor ), "No action is required." );
-   descriptor.action = "Free some entries.";
-   EXPECT_EQ( Log::actionText( descriptor ), "Free some entries." );
-}
-
 }  // namespace LogTest

@@ -145,7 +145,7 @@ TEST_P( AnotherSdk, GetsEveryRequestWithAnEmptyKey ) {
    std::set< std::string > names;
    for ( Chip::HardwareCall const & call : leaf.calls ) {
       if ( call.operation == "getEntry" ) {
-         EXPECT_EQ( call.values.size(), 2U ) << Chip::toText( call );
+         EXPECT_EQ( call.values.size(), 2U ) << ChipTest::textOf( call );
          EXPECT_EQ( call.values[ 0 ].name, "group" );
          EXPECT_EQ( call.values[ 1 ].name, "name" );
          names.insert( std::get< std::string >( call.values[ 1 ].value ) );

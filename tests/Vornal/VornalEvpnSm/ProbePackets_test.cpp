@@ -92,7 +92,7 @@ class ProbedSwitch : public LocalBiasSwitch, private Chip::Transmitter {
                        std::string const & intfId, std::string const & kind ) {
       if ( !reaches( address, destination, intfId ) ) {
          lost.insert( kind + " from " + address + " at " + intfId + " after " +
-                      Chip::toText( calls.back() ) );
+                      ChipTest::textOf( calls.back() ) );
       }
    }
 

@@ -151,7 +151,7 @@ class ClassIdLeaf : public LocalBiasSwitch {
       Lines lines;
       for ( Chip::HardwareCall call : calls ) {
          call.returnCode.reset();
-         lines.push_back( Chip::toText( call ) );
+         lines.push_back( ChipTest::textOf( call ) );
       }
       calls.clear();
       return lines;

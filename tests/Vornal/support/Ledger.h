@@ -26,7 +26,7 @@ class Ledger final : private Story::Observer {
       leaf.afterCall = [ this ] {
          Chip::HardwareCall call = leaf_.calls.back();
          call.returnCode.reset();
-         lines_.push_back( Chip::toText( call ) );
+         lines_.push_back( ChipTest::textOf( call ) );
       };
       Log::sinkIs( [ this ]( Log::Message const & message ) {
          lines_.push_back( "log " + message.line.substr( 0, message.line.find( ':' ) ) );

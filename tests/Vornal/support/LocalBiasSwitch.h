@@ -19,6 +19,7 @@
 #include <VornalEvpnSm/EgressMask/EvpnMultihomingLocalBiasWithEgressMaskSm.h>
 #include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
+#include "../../chip/CallText.h"
 #include "SwitchState.h"
 
 namespace Support {
@@ -79,7 +80,7 @@ class LocalBiasSwitch : private Chip::CallObserver, public SwitchState {
    // The calls that reached the hardware, as lines.
    Lines callLines() const {
       Lines lines;
-      std::transform( calls.begin(), calls.end(), std::back_inserter( lines ), Chip::toText );
+      std::transform( calls.begin(), calls.end(), std::back_inserter( lines ), ChipTest::textOf );
       return lines;
    }
    Chip::CallObserver & callObserver() { return *this; }

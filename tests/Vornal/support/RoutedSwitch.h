@@ -98,7 +98,7 @@ class RoutedSwitch : public LocalBiasSwitch {
    }
    Lines callTexts() const {
       Lines texts;
-      std::transform( calls.begin(), calls.end(), std::back_inserter( texts ), Chip::toText );
+      std::transform( calls.begin(), calls.end(), std::back_inserter( texts ), ChipTest::textOf );
       return texts;
    }
    // How many entries have been asked for.
