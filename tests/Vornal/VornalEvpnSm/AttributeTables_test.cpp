@@ -124,8 +124,7 @@ TEST( LocalBiasTable, IdentifiersArePositions ) {
 
 TEST( LocalBiasTable, OperationsAreCalledByNameAndNumberOfArguments ) {
    Support::LocalBiasSwitch leaf;
-   leaf.interfaceIs( "Ethernet1", 0, 5 );
-   leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+   leaf.shareEthernet1();
    auto const machine = leaf.machineNew( Support::Variant::EgressMask );
    auto const & type = machine->typeData();
    EXPECT_EQ( type.findOperation( "getSharedESPortInfo", 2 )->call( *machine, { "0", "10.0.0.2" } ),

@@ -6,11 +6,7 @@
 
 namespace {
 
-using Support::ClassIdLeaf;
-using Support::ip;
-using Support::kEgress;
-using Support::kIngress;
-using Support::Lines;
+using namespace Support;
 using VornalCommon::ClassId;
 
 // Two units, and a VTEP on a port channel with one member on each of them.

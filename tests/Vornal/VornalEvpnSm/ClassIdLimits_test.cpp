@@ -7,14 +7,7 @@
 
 namespace {
 
-using Support::ClassIdLeaf;
-using Support::ip;
-using Support::kEgress;
-using Support::kIngress;
-using Support::Lines;
-using Support::logFull;
-using Support::logRecovered;
-using Support::stoppedAt;
+using namespace Support;
 using VornalCommon::ClassId;
 
 // A switch of one or two units with Ethernet1 and Ethernet2 on ports 1 and 2 of unit 0.

@@ -8,11 +8,7 @@
 
 namespace ClassIdPendingTest {
 
-using Support::ClassIdLeaf;
-using Support::ip;
-using Support::kEgress;
-using Support::kIngress;
-using Support::Lines;
+using namespace Support;
 using VornalCommon::ClassId;
 
 class ClassIdPending : public testing::Test {

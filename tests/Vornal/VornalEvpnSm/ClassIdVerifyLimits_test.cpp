@@ -8,14 +8,7 @@
 
 namespace {
 
-using Support::ClassIdLeaf;
-using Support::failedAt;
-using Support::kEgress;
-using Support::kIngress;
-using Support::Lines;
-using Support::logFull;
-using Support::logRecovered;
-using Support::stoppedAt;
+using namespace Support;
 using VornalCommon::ClassId;
 
 class ClassIdVerifyLimitsDeath : public testing::Test {
@@ -33,7 +26,7 @@ class ClassIdVerifyLimitsDeath : public testing::Test {
    }
    // At an assertion that both variants share.
    static std::string sharedStop( std::string const & expression ) {
-      return Support::stopsAt( "EvpnMultihomingLocalBiasSm::verifyIfpEntries", expression );
+      return stopsAt( "EvpnMultihomingLocalBiasSm::verifyIfpEntries", expression );
    }
    static inline std::string const countDiffers =
       stopOf( "verifyEfpEntries", "portCount == expPortCount" );
@@ -110,8 +103,7 @@ TEST_F( ClassIdVerifyLimitsDeath, AfterAGrantCrossedTheWithdrawalOfItsVirtualPor
    leaf.segmentDel( "Ethernet1" );
    leaf.segmentDel( "Ethernet2" );
    EXPECT_DEATH( leaf.sm().handleVerify(),
-                 Support::stopsAt( "EvpnMultihomingLocalBiasSm::handleVerify",
-                                   "!tepIpToEntry( unit )" ) );
+                 stopsAt( "EvpnMultihomingLocalBiasSm::handleVerify", "!tepIpToEntry( unit )" ) );
 }
 
 // --- Two units

@@ -80,7 +80,7 @@ TEST_F( EgressDropRules, InstallationIsTraced ) {
 
 TEST_F( EgressDropRules, ThePortsInterfaceNamesTheRuleAndAnUnknownPortHasNone ) {
    add( { 9 } );
-   EXPECT_EQ( leaf.nameOf( 0, 1 ), "Drop packets at EFP from vtep IP 10.0.0.2 on " );
+   EXPECT_EQ( leaf.nameOf( 0, 1 ), Support::dropRuleName( "10.0.0.2", "" ) );
    EXPECT_TRUE( leaf.hasTraced( "4 efpTcamEntries allocated EFP entry ID 1 for " ) );
 }
 

@@ -7,6 +7,7 @@
 
 namespace EgressMaskTest {
 
+using Support::ingressRequest;
 using Support::intf;
 using Support::ip;
 using Support::Lines;
@@ -29,11 +30,11 @@ Lines operator+( Lines left, Lines const & right ) {
 }
 
 Lines const exemptionsInstalled{
-   "entry 1: getEntry( group 157, name \"Skip shared ES pruning for L2UC packets - No-op\" )",
+   "entry 1: " + ingressRequest( Support::l2RuleName() ),
    "entry 1: bcm_field_qualify_PacketRes( data 4, mask 0xff ) = 0",
    "entry 1: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 ) = 0",
    "entry 1: installEntry( group 157 ) = 0",
-   "entry 2: getEntry( group 157, name \"Skip shared ES pruning for L3UC packets - No-op\" )",
+   "entry 2: " + ingressRequest( Support::l3RuleName() ),
    "entry 2: bcm_field_qualify_PacketRes( data 10, mask 0xff ) = 0",
    "entry 2: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 ) = 0",
    "entry 2: installEntry( group 157 ) = 0",
@@ -44,8 +45,7 @@ Lines ruleInstalled( U32 id, std::string const & address, std::string const & vp
                      std::string const & ports ) {
    std::string const entry = "entry " + std::to_string( id ) + ": ";
    return {
-      entry + "getEntry( group 157, name \"Mark or drop packets at IFP from vtep IP " + address +
-         " on shared segments\" )",
+      entry + ingressRequest( Support::vtepRuleName( address ) ),
       entry + "bcm_field_qualify_SrcVxlanGport( gport 0x5600" + vpIndex + " ) = 0",
       entry + "setPriorityForEntry( group 157, priority 1 ) = 0",
       entry + "addEgressMaskAction( group 157, ports " + ports + " ) = 0",

@@ -8,15 +8,10 @@
 
 namespace {
 
-using Support::intf;
-using Support::ip;
-using Support::Lines;
-using Support::LocalBiasSwitch;
-using Support::Machine;
-using Support::Variant;
+using namespace Support;
 
-class Ending : public Support::EitherVariant {};
-INSTANTIATE_TEST_SUITE_P( Frame, Ending, Support::bothVariants, Support::nameOfVariant );
+class Ending : public EitherVariant {};
+INSTANTIATE_TEST_SUITE_P( Frame, Ending, bothVariants, nameOfVariant );
 
 TEST_P( Ending, ANestedReactorThatOutlivesItsMachineHasForgottenIt ) {
    shareEthernet1();
@@ -60,9 +55,11 @@ TEST( EndingWithClassIds, ItsReactorsAreOutOfServiceBeforeItLetsGoOfTheEgressGro
       story.push_back( reactor->hasNotificationActive() ? "released, listening" : "released" );
       story.push_back( reactor->isZombie() ? "out of service" : "in service" );
    };
-   leaf.egress = Quelm::make< Support::Observed< Chip::SoftTcamEntryManager > >(
-      Support::Listener{ .onRelease = noteRelease }, Vornal::kEfpLocalBiasGroup, leaf.board.units(),
-      &leaf.callObserver() );
+   leaf.egress =
+      Quelm::make< Observed< Chip::SoftTcamEntryManager > >( Listener{ .onRelease = noteRelease },
+                                                             Vornal::kEfpLocalBiasGroup,
+                                                             leaf.board.units(),
+                                                             &leaf.callObserver() );
    leaf.vtiStatusDir->vtiStatusIs( intf( "Vxlan1" ) );
    auto sm = leaf.machineNew( Variant::I2EClassId );
    reactor = sm->vtiStatus( intf( "Vxlan1" ) );
@@ -103,13 +100,13 @@ TEST_P( Ending, ItsClockForgetsItBeforeItsNestedReactorsGo ) {
    auto sm = leaf.machineNew( GetParam() );
    auto * const machine = sm.get();
    Lines story;
-   sm->oxaEvpnTepSegmentIs( Quelm::make< Support::Observed< Oxa::EvpnTepSegment > >(
-      Support::Listener{ .onRelease =
-                            [ & ] {
-                               story.push_back( machine->kivClock().evpnMultihomingLocalBiasSm()
-                                                   ? "remembers"
-                                                   : "has forgotten" );
-                            } },
+   sm->oxaEvpnTepSegmentIs( Quelm::make< Observed< Oxa::EvpnTepSegment > >(
+      Listener{ .onRelease =
+                   [ & ] {
+                      story.push_back( machine->kivClock().evpnMultihomingLocalBiasSm()
+                                          ? "remembers"
+                                          : "has forgotten" );
+                   } },
       ip( "10.0.0.2" ) ) );
    EXPECT_TRUE( story.empty() );
    sm = nullptr;

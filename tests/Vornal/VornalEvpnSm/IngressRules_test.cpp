@@ -20,6 +20,7 @@ using Support::ip;
 using Support::Lines;
 using Support::LocalBiasSwitch;
 using Support::Variant;
+using Support::vtepRuleName;
 
 std::string const full =
    "%VORNAL-3-MULTIHOMING_TCAM_RESOURCE_FULL: "
@@ -44,8 +45,7 @@ TEST_F( IngressRules, TheEntryIsQualifiedAndPrioritisedButNotInstalled ) {
    EXPECT_TRUE( sm->ifpTcamEntries( 0, ip( "10.0.0.2" ), true ) );
    EXPECT_EQ( leaf.callLines(),
               ( Lines{
-                 "unit 0 entry 1: getEntry( group 157, name \"Mark or drop packets at IFP from "
-                 "vtep IP 10.0.0.2 on shared segments\" )",
+                 "unit 0 entry 1: " + Support::ingressRequest( vtepRuleName( "10.0.0.2" ) ),
                  "unit 0 entry 1: bcm_field_qualify_SrcVxlanGport( gport 0x56000002 ) = 0",
                  "unit 0 entry 1: setPriorityForEntry( group 157, priority 1 ) = 0",
               } ) );
@@ -62,8 +62,7 @@ TEST_F( IngressRules, TheEntryOfAnIpv6VtepIsNamedAfterIt ) {
    leaf.vtepIs( "2001:db8::2", 0x1ffff );
    sm->ifpTcamEntries( 0, ip( "2001:db8::2" ), true );
    auto const rule = Chip::rulesOf( leaf.board.units() ).at( 0 );
-   EXPECT_EQ( rule.name,
-              "Mark or drop packets at IFP from vtep IP 2001:db8::2 on shared segments" );
+   EXPECT_EQ( rule.name, vtepRuleName( "2001:db8::2" ) );
    EXPECT_EQ( rule.content[ Chip::Qualifier::SrcVxlanGport ]->data, 0x5600ffffU );
 }
 
@@ -211,8 +210,7 @@ TEST_F( IngressRulesInRoomForOne, RecoveryIsNeitherLoggedNorRemembered ) {
 // The same on a chip that tags at ingress: what was not programmed can be taken away.
 TEST( IngressRulesOfClassId, AfterAFailedAllocationALaterRemoveIsANoOp ) {
    LocalBiasSwitch leaf( 1, 0 );
-   leaf.interfaceIs( "Ethernet1", 0, 5 );
-   leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+   leaf.shareEthernet1();
    leaf.vtepIs( "10.0.0.2", 0x10002 );
    auto const sm = leaf.machineNew( Variant::I2EClassId );
    leaf.classIdIs( "10.0.0.2", 5 );

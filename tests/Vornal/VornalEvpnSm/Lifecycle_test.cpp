@@ -10,15 +10,10 @@
 
 namespace {
 
-using Support::intf;
-using Support::ip;
-using Support::Lines;
-using Support::LocalBiasSwitch;
-using Support::Machine;
-using Support::Variant;
+using namespace Support;
 
-class Lifecycle : public Support::EitherVariant {};
-INSTANTIATE_TEST_SUITE_P( Frame, Lifecycle, Support::bothVariants, Support::nameOfVariant );
+class Lifecycle : public EitherVariant {};
+INSTANTIATE_TEST_SUITE_P( Frame, Lifecycle, bothVariants, nameOfVariant );
 
 TEST_P( Lifecycle, StartsWithTheSegmentStatusAndEndsInitialised ) {
    shareEthernet1();
@@ -110,7 +105,7 @@ TEST( ClassIdVariant, WithoutAnyInputItIsEmpty ) {
                                                                nullptr, nullptr, nullptr, nullptr );
    EXPECT_TRUE( sm->initialized() );
    EXPECT_FALSE( sm->unitUsesOrNeedsTcams( 0 ) );
-   sm->handleRemoteVport( Support::vtep( "10.0.0.2" ) );
+   sm->handleRemoteVport( vtep( "10.0.0.2" ) );
    sm->handleVerify();
 }
 

@@ -97,17 +97,12 @@ class OtherLeaf : public LocalBiasSwitch {
    Machine machine_;
 };
 
-std::string const perVtepName =
-   "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments";
-std::string const l2Name = "Skip shared ES pruning for L2UC packets - No-op";
-std::string const l3Name = "Skip shared ES pruning for L3UC packets - No-op";
-std::string const vniName = "Skip shared ES pruning for packets with vni 50001 - No-op";
-
 std::set< std::string > expectedNames( Variant variant ) {
-   std::set< std::string > names{ perVtepName, l2Name, l3Name, vniName };
+   std::set< std::string > names{ Support::vtepRuleName( "10.0.0.2" ), Support::l2RuleName(),
+                                  Support::l3RuleName(), Support::vniRuleName( 50001 ) };
    if ( variant == Variant::I2EClassId ) {
-      names.insert( "Drop packets at EFP from vtep IP 10.0.0.2 on Ethernet1" );
-      names.insert( "Drop packets at EFP from vtep IP 10.0.0.2 on Ethernet2" );
+      names.insert( Support::dropRuleName( "10.0.0.2", "Ethernet1" ) );
+      names.insert( Support::dropRuleName( "10.0.0.2", "Ethernet2" ) );
    }
    return names;
 }
@@ -128,7 +123,7 @@ TEST_P( AnotherSdk, IsAskedForTheResolutionOfKnownMulticast ) {
    leaf.programEveryRule( GetParam() );
    U32 found = 0;
    for ( Chip::Rule const & rule : Chip::rulesOf( leaf.board.units() ) ) {
-      if ( rule.name == vniName ) {
+      if ( rule.name == Support::vniRuleName( 50001 ) ) {
          auto const & match = rule.content[ Chip::Qualifier::PacketRes ];
          ASSERT_TRUE( match );
          EXPECT_EQ( match->data, kL3McKnown );

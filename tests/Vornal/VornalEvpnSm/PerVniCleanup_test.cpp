@@ -6,12 +6,7 @@
 
 namespace {
 
-using Support::intf;
-using Support::Lines;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::Variant;
-using Support::vrf;
+using namespace Support;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
 
@@ -31,7 +26,7 @@ TEST_F( PerVniCleanup, TheTunnelInterfaceThatGoesTakesEveryRuleAlong ) {
    leaf.vniIs( "blue", 50002 );
    leaf.forget();
    leaf.tunnelDel();
-   EXPECT_EQ( leaf.callTexts(), ( Lines{
+   EXPECT_EQ( leaf.callLines(), ( Lines{
                                    "unit 0 entry 1: releaseEntry( group 157 ) = 0",
                                    "unit 0 entry 2: releaseEntry( group 157 ) = 0",
                                 } ) );

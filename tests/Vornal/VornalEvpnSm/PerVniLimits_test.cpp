@@ -7,13 +7,7 @@
 
 namespace {
 
-using Support::intf;
-using Support::Lines;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::stopsAtTakenVni;
-using Support::Variant;
-using Support::vrf;
+using namespace Support;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
 

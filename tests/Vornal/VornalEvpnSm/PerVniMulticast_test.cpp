@@ -12,24 +12,10 @@
 
 namespace {
 
-using Support::failedCall;
-using Support::FieldCallFault;
-using Support::intf;
-using Support::Lines;
-using Support::literally;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::stopsAt;
-using Support::stopsAtTakenVni;
-using Support::Variant;
-using Support::vniIsTaken;
-using Support::vrf;
+using namespace Support;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
 
-std::string const signature =
-   "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
-   "U32, U32)";
 std::string const operation = "NestedSm_VtiStatus::handleVrfToVniMap";
 
 class PerVniMulticast : public testing::TestWithParam< Variant > {
@@ -46,19 +32,17 @@ class PerVniMulticast : public testing::TestWithParam< Variant > {
 
 using PerVniMulticastDeathTest = PerVniMulticast;
 
-INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticast, Support::bothVariants, Support::nameOfVariant );
-INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticastDeathTest, Support::bothVariants,
-                          Support::nameOfVariant );
+INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticast, bothVariants, nameOfVariant );
+INSTANTIATE_TEST_SUITE_P( Vnis, PerVniMulticastDeathTest, bothVariants, nameOfVariant );
 
 // --- One rule
 
 TEST_P( PerVniMulticast, ANewVniIsQualifiedPrioritisedAndInstalledInThisOrder ) {
    start();
    leaf.vniIs( "red", 50001 );
-   EXPECT_EQ( leaf.callTexts(),
+   EXPECT_EQ( leaf.callLines(),
               ( Lines{
-                 "unit 0 entry 1: getEntry( group 157, name \"Skip shared ES pruning for packets "
-                 "with vni 50001 - No-op\" )",
+                 "unit 0 entry 1: " + ingressRequest( vniRuleName( 50001 ) ),
                  "unit 0 entry 1: bcm_field_qualify_VxlanNetworkId( data 50001, mask 0xffffffff ) "
                  "= 0",
                  "unit 0 entry 1: bcm_field_qualify_PacketRes( data 12, mask 0xffffffff ) = 0",
@@ -95,8 +79,8 @@ TEST_P( PerVniMulticast, ANewVniIsTraced ) {
    start();
    leaf.vniIs( "red", 50001 );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + signature + " vrf red",
-                              "8 " + signature + " new vni 50001",
+                              "8 " + handleVrfToVniMapSignature + " vrf red",
+                              "8 " + handleVrfToVniMapSignature + " new vni 50001",
                               "4 handleVrfToVniMap allocated IFP entry ID 1",
                            } ) );
 }
@@ -109,13 +93,13 @@ TEST_P( PerVniMulticast, AnotherVniReleasesTheOldEntryAndInstallsANewOne ) {
    leaf.forget();
    leaf.vniIs( "red", 50002 );
    ASSERT_EQ( leaf.calls.size(), 6U );
-   EXPECT_EQ( leaf.callTexts()[ 0 ], "unit 0 entry 1: releaseEntry( group 157 ) = 0" );
-   EXPECT_EQ( leaf.callTexts()[ 5 ], "unit 0 entry 2: installEntry( group 157 ) = 0" );
+   EXPECT_EQ( leaf.callLines()[ 0 ], "unit 0 entry 1: releaseEntry( group 157 ) = 0" );
+   EXPECT_EQ( leaf.callLines()[ 5 ], "unit 0 entry 2: installEntry( group 157 ) = 0" );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + signature + " vrf red",
-                              "8 " + signature + " old vni 50001",
+                              "8 " + handleVrfToVniMapSignature + " vrf red",
+                              "8 " + handleVrfToVniMapSignature + " old vni 50001",
                               "4 handleVrfToVniMap freed vni entry ID 1",
-                              "8 " + signature + " new vni 50002",
+                              "8 " + handleVrfToVniMapSignature + " new vni 50002",
                               "4 handleVrfToVniMap allocated IFP entry ID 2",
                            } ) );
    EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 50002 } ) );
@@ -127,10 +111,10 @@ TEST_P( PerVniMulticast, AVrfThatLeavesTheMapOnlyReleases ) {
    leaf.vniIs( "red", 50001 );
    leaf.forget();
    leaf.vniDel( "red" );
-   EXPECT_EQ( leaf.callTexts(), ( Lines{ "unit 0 entry 1: releaseEntry( group 157 ) = 0" } ) );
+   EXPECT_EQ( leaf.callLines(), ( Lines{ "unit 0 entry 1: releaseEntry( group 157 ) = 0" } ) );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + signature + " vrf red",
-                              "8 " + signature + " old vni 50001",
+                              "8 " + handleVrfToVniMapSignature + " vrf red",
+                              "8 " + handleVrfToVniMapSignature + " old vni 50001",
                               "4 handleVrfToVniMap freed vni entry ID 1",
                            } ) );
    EXPECT_TRUE( leaf.vnisRecorded( sm ).empty() );
@@ -151,18 +135,18 @@ TEST_P( PerVniMulticast, VniZeroIsNoVni ) {
    EXPECT_TRUE( leaf.vnisOnChip().empty() );
    leaf.forget();
    leaf.vniIs( "blue", 0 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf blue" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf blue" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
 TEST_P( PerVniMulticast, TheVniThatMeansNoneIsTracedButNeitherInstalledNorReleased ) {
    start();
    leaf.vniIs( "red", Vxlan::VniExtOrNone::kNone );
-   EXPECT_EQ( leaf.traces,
-              ( Lines{ "8 " + signature + " vrf red", "8 " + signature + " new vni 16777216" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red",
+                                    "8 " + handleVrfToVniMapSignature + " new vni 16777216" } ) );
    leaf.forget();
    leaf.vniDel( "red" );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
    EXPECT_TRUE( leaf.vnisRecorded( sm ).empty() );
 }
@@ -172,8 +156,8 @@ TEST_P( PerVniMulticast, AnEntryRecordedForTheVniThatMeansNoneIsNotReleased ) {
    sm->vniToTcamEntryIdIs( Vxlan::VniExtOrNone::kNone, 1 );
    sm->vtiStatus( intf( "Vxlan1" ) )
       ->handleVrfToVniMap( vrf( "red" ), Vxlan::VniExtOrNone::kNone, 0 );
-   EXPECT_EQ( leaf.traces,
-              ( Lines{ "8 " + signature + " vrf red", "8 " + signature + " old vni 16777216" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red",
+                                    "8 " + handleVrfToVniMapSignature + " old vni 16777216" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
    EXPECT_TRUE( sm->vniToTcamEntryIdHas( Vxlan::VniExtOrNone::kNone ) );
 }
@@ -211,7 +195,7 @@ TEST_P( PerVniMulticast, WithoutAnEthernetSegmentNothingIsInstalled ) {
    leaf.segmentDel( "Ethernet1" );
    start();
    leaf.vniIs( "red", 50001 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
@@ -253,7 +237,7 @@ TEST_P( PerVniMulticast, BeforeInitialisationItOnlyTraces ) {
    start();
    sm->initializedIs( false );
    leaf.vniIs( "red", 50001 );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red",
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red",
                                     "2 handleVrfToVniMap, SM not initialized yet" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
 }
@@ -264,7 +248,7 @@ TEST_P( PerVniMulticast, APlatformThatNeedsNoRulesGetsNoneWithoutAWord ) {
    start();
    leaf.vniIs( "red", 50001 );
    platform->l3McastExemptFromSplitHorizonIs( false );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red" } ) );
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red" } ) );
    EXPECT_TRUE( leaf.calls.empty() );
 }
 
@@ -275,7 +259,7 @@ TEST_P( PerVniMulticast, BeforeInitialisationNobodyAsksWhatThePlatformNeeds ) {
    sm->initializedIs( false );
    leaf.vniIs( "red", 50001 );
    platform->l3McastExemptFromSplitHorizonIs( false );
-   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + signature + " vrf red",
+   EXPECT_EQ( leaf.traces, ( Lines{ "8 " + handleVrfToVniMapSignature + " vrf red",
                                     "2 handleVrfToVniMap, SM not initialized yet" } ) );
 }
 
@@ -336,7 +320,9 @@ TEST_P( PerVniMulticastDeathTest, AStopNamesTheOperationByTheSignatureThatItTrac
    leaf.vniIs( "red", 50001 );
    EXPECT_DEATH( leaf.vniIs( "blue", 50001 ),
                  "^PerVniMulticast\\.cpp:[0-9]+: " +
-                    literally( signature + ": Assertion '" + vniIsTaken + "' failed.\n" ) + "$" );
+                    literally( handleVrfToVniMapSignature + ": Assertion '" + vniIsTaken +
+                               "' failed.\n" ) +
+                    "$" );
 }
 
 TEST_P( PerVniMulticastDeathTest, AFailedVniQualifierIsReportedAtItsLine ) {

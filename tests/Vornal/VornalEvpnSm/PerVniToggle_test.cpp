@@ -136,8 +136,7 @@ TEST_F( PerVniToggleDeathTest, OffTheVtepsKeepTheDefaultPriority ) {
    toldAlone( [] {
       FeatureFile const file( false );
       RoutedSwitch leaf;
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+      leaf.shareEthernet1();
       leaf.vtepIs( "10.0.0.2", 0x10002 );
       auto const sm = leaf.machineNew( Variant::EgressMask );
       for ( auto const & rule : Chip::rulesOf( leaf.board.units() ) ) {

@@ -170,10 +170,7 @@ TEST_F( TwoUnits, AnUpdateOfAPortChannelWithoutPortsOnTheUnitIsNone ) {
 // A switch of one unit with Ethernet1 on port 5, shared with 10.0.0.2.
 class OneUnit : public testing::Test {
  protected:
-   OneUnit() {
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
-   }
+   OneUnit() { leaf.shareEthernet1(); }
 
    LocalBiasSwitch leaf;
 };

@@ -11,6 +11,7 @@
 namespace {
 
 using Support::ClassIdLeaf;
+using Support::ingressRequest;
 using Support::kEgress;
 using Support::kIngress;
 using Support::Ledger;
@@ -37,19 +38,15 @@ class MaskRecordOrder : public testing::Test {
    Ledger ledger{ leaf, sm };
 };
 
-std::string const request = "getEntry( group 157, name \"";
-std::string const l2Name = "Skip shared ES pruning for L2UC packets - No-op\" )";
-std::string const l3Name = "Skip shared ES pruning for L3UC packets - No-op\" )";
-std::string const vtepName =
-   "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments\" )";
+std::string const vtepRequest = ingressRequest( Support::vtepRuleName( "10.0.0.2" ) );
 
 Lines const exemptionsAndRecord{
-   "unit 0 entry 1: " + request + l2Name,
+   "unit 0 entry 1: " + ingressRequest( Support::l2RuleName() ),
    "unit 0 entry 1: bcm_field_qualify_PacketRes( data 4, mask 0xff )",
    "unit 0 entry 1: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 )",
    "unit 0 entry 1: installEntry( group 157 )",
    "sm: l2UcastRuleInstalled[0] = 1",
-   "unit 0 entry 2: " + request + l3Name,
+   "unit 0 entry 2: " + ingressRequest( Support::l3RuleName() ),
    "unit 0 entry 2: bcm_field_qualify_PacketRes( data 10, mask 0xff )",
    "unit 0 entry 2: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 )",
    "unit 0 entry 2: installEntry( group 157 )",
@@ -59,7 +56,7 @@ Lines const exemptionsAndRecord{
 
 Lines maskedEntry( std::string const & entry, std::string const & vpIndex ) {
    return {
-      "unit 0 entry " + entry + ": " + request + vtepName,
+      "unit 0 entry " + entry + ": " + vtepRequest,
       "unit 0 entry " + entry + ": bcm_field_qualify_SrcVxlanGport( gport 0x5600000" + vpIndex +
          " )",
       "unit 0: entryId[10.0.0.2] = " + entry,
@@ -164,7 +161,7 @@ TEST_F( MaskRecordOrder, ExhaustionIsLoggedAndThenRemembered ) {
    leaf.vtepIs( "10.0.0.2", 2 );
    EXPECT_EQ( ledger.lines(),
               ( exemptionsAndRecord + Lines{
-                                         "unit 0 entry 0: " + request + vtepName,
+                                         "unit 0 entry 0: " + vtepRequest,
                                          "log %VORNAL-3-MULTIHOMING_TCAM_RESOURCE_FULL",
                                          "sm: tcamExhaustion = true",
                                          "unit 0: vpIndex[10.0.0.2] = 2",
@@ -194,7 +191,7 @@ TEST_F( ClassIdRecordOrder, AGrantIsCountedBeforeItIsStampedAndAPortIsListedOnce
       ledger.lines(),
       ( Lines{
            "sm: i2eTepIpClassId[10.0.0.2] = 5",
-           "unit 0 entry 3: " + request + vtepName,
+           "unit 0 entry 3: " + vtepRequest,
            "unit 0 entry 3: bcm_field_qualify_SrcVxlanGport( gport 0x56000002 )",
            "unit 0: entryId[10.0.0.2] = 3",
            "unit 0 entry 3: setPriorityForEntry( group 157, priority 1 )",
@@ -270,8 +267,7 @@ TEST_F( VniRecordOrder, AnEntryIsWrittenDownOnceItIsInAndForgottenOnceItIsOut ) 
    leaf.vniIs( "red", 50001 );
    EXPECT_EQ( ledger.lines(),
               ( Lines{
-                 "unit 0 entry 1: " + request +
-                    "Skip shared ES pruning for packets with vni 50001 - No-op\" )",
+                 "unit 0 entry 1: " + ingressRequest( Support::vniRuleName( 50001 ) ),
                  "unit 0 entry 1: bcm_field_qualify_VxlanNetworkId( data 50001, mask 0xffffffff )",
                  "unit 0 entry 1: bcm_field_qualify_PacketRes( data 12, mask 0xffffffff )",
                  "unit 0 entry 1: setPriorityForEntry( group 157, priority 2 )",

@@ -7,18 +7,10 @@
 
 namespace {
 
-using Support::intf;
-using Support::Lines;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::Variant;
-using Support::vrf;
+using namespace Support;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
 
-std::string const mapSignature =
-   "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
-   "U32, U32)";
 std::string const timeSignature = "void Vornal::EvpnMultihomingLocalBiasSm::handleTime()";
 
 class Retry : public testing::TestWithParam< Variant > {
@@ -38,7 +30,7 @@ class Retry : public testing::TestWithParam< Variant > {
    Machine sm;
 };
 
-INSTANTIATE_TEST_SUITE_P( FullTcam, Retry, Support::bothVariants, Support::nameOfVariant );
+INSTANTIATE_TEST_SUITE_P( FullTcam, Retry, bothVariants, nameOfVariant );
 
 // --- Into the queue
 
@@ -47,13 +39,13 @@ TEST_P( Retry, AVniWithoutRoomIsTracedAndQueued ) {
    leaf.forget();
    leaf.vniIs( "red", 50001 );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + mapSignature + " vrf red",
-                              "8 " + mapSignature + " new vni 50001",
+                              "8 " + handleVrfToVniMapSignature + " vrf red",
+                              "8 " + handleVrfToVniMapSignature + " new vni 50001",
                               "5 handleTcamExhaustion",
                               "2 handleVrfToVniMap failed to allocate IFP entry ID",
                            } ) );
-   EXPECT_EQ( leaf.callTexts(), ( Lines{ "unit 0 entry 0: getEntry( group 157, name \"Skip shared "
-                                         "ES pruning for packets with vni 50001 - No-op\" )" } ) );
+   EXPECT_EQ( leaf.callLines(),
+              ( Lines{ "unit 0 entry 0: " + ingressRequest( vniRuleName( 50001 ) ) } ) );
    EXPECT_EQ( leaf.queued( sm ), ( VniOfVrf{ { "red", 50001 } } ) );
    EXPECT_TRUE( leaf.vnisRecorded( sm ).empty() );
 }
@@ -124,8 +116,8 @@ TEST_P( Retry, RoomThatComesBackProgramsTheQueueAtTheNextTurn ) {
    EXPECT_EQ( leaf.traces, ( Lines{
                               "8 " + timeSignature,
                               "5 handleTime vrfName: red newVni: 50001",
-                              "8 " + mapSignature + " vrf red",
-                              "8 " + mapSignature + " new vni 50001",
+                              "8 " + handleVrfToVniMapSignature + " vrf red",
+                              "8 " + handleVrfToVniMapSignature + " new vni 50001",
                               "4 handleVrfToVniMap allocated IFP entry ID 1",
                            } ) );
    EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 50001 } ) );

@@ -20,9 +20,6 @@ using Support::bareMachineNew;
 using Support::Lines;
 using Support::LocalBiasSwitch;
 
-std::string const l2Name = "Skip shared ES pruning for L2UC packets - No-op";
-std::string const l3Name = "Skip shared ES pruning for L3UC packets - No-op";
-
 class UnicastExemption : public testing::Test {
  protected:
    explicit UnicastExemption( U32 capacity = 64 ) : leaf( 1, capacity ) {}
@@ -36,11 +33,11 @@ TEST_F( UnicastExemption, L2ComesBeforeL3AndEachIsQualifiedBeforeItIsInstalled )
    sm->installRulesForUcastTraffic( 0 );
    EXPECT_EQ( leaf.callLines(),
               ( Lines{
-                 "unit 0 entry 1: getEntry( group 157, name \"" + l2Name + "\" )",
+                 "unit 0 entry 1: " + Support::ingressRequest( Support::l2RuleName() ),
                  "unit 0 entry 1: bcm_field_qualify_PacketRes( data 4, mask 0xff ) = 0",
                  "unit 0 entry 1: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 ) = 0",
                  "unit 0 entry 1: installEntry( group 157 ) = 0",
-                 "unit 0 entry 2: getEntry( group 157, name \"" + l3Name + "\" )",
+                 "unit 0 entry 2: " + Support::ingressRequest( Support::l3RuleName() ),
                  "unit 0 entry 2: bcm_field_qualify_PacketRes( data 10, mask 0xff ) = 0",
                  "unit 0 entry 2: bcm_field_qualify_TunnelTerminated( data 1, mask 0x1 ) = 0",
                  "unit 0 entry 2: installEntry( group 157 ) = 0",
@@ -135,7 +132,7 @@ TEST_F( UnicastExemptionInNoRoom, WithoutRoomForL2NeitherIsMade ) {
    leaf.forget();
    sm->installRulesForUcastTraffic( 0 );
    EXPECT_EQ( leaf.callLines(),
-              ( Lines{ "unit 0 entry 0: getEntry( group 157, name \"" + l2Name + "\" )" } ) );
+              ( Lines{ "unit 0 entry 0: " + Support::ingressRequest( Support::l2RuleName() ) } ) );
    EXPECT_FALSE( sm->l2UcastRuleInstalledHas( 0 ) );
    EXPECT_FALSE( sm->l3UcastRuleInstalledHas( 0 ) );
    EXPECT_EQ( leaf.traces.back(), "2 installRulesForUcastTraffic L2UC entry allocation failed" );
@@ -155,7 +152,7 @@ TEST_F( UnicastExemptionInRoomForOne, WithoutRoomForL3TheL2RuleStays ) {
    leaf.forget();
    sm->installRulesForUcastTraffic( 0 );
    EXPECT_EQ( leaf.callLines().back(),
-              "unit 0 entry 0: getEntry( group 157, name \"" + l3Name + "\" )" );
+              "unit 0 entry 0: " + Support::ingressRequest( Support::l3RuleName() ) );
    EXPECT_EQ( sm->l2UcastRuleInstalled( 0 ), 1U );
    EXPECT_FALSE( sm->l3UcastRuleInstalledHas( 0 ) );
    EXPECT_EQ( leaf.traces.back(), "2 installRulesForUcastTraffic L3UC entry allocation failed" );

@@ -7,14 +7,7 @@
 
 namespace {
 
-using Support::intf;
-using Support::ip;
-using Support::Lines;
-using Support::LocalBiasSwitch;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::stopsAt;
-using Support::Variant;
+using namespace Support;
 
 std::string const maskVerification = "EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries";
 std::string const maskDiffers =
@@ -28,8 +21,7 @@ class EgressMaskLimitsDeathTest : public testing::Test {
 
    // Ethernet1, on port 5 of unit 0, shared with 10.0.0.2, which has a virtual port.
    void shareEthernet1() {
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+      leaf.shareEthernet1();
       leaf.vtepIs( "10.0.0.2", 2 );
    }
    // Port-Channel1, with Ethernet1 as its member, shared instead.
@@ -86,11 +78,10 @@ TEST_F( EgressMaskLimitsDeathTest, AVtepWithoutVirtualPortThatSharesNoLivePort )
 }
 
 TEST_F( EgressMaskLimitsDeathTest, AVtepWithoutVirtualPortWhenOnlyAVtepThatSharesNothingHasOne ) {
-   leaf.interfaceIs( "Ethernet1", 0, 5 );
-   leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+   leaf.shareEthernet1();
    start();
    leaf.vtepIs( "10.0.0.9", 9 );
-   EXPECT_DEATH( sm->handleVerify(), Support::stopsAtEmptyReferenceTo( "TepIpToEntry" ) );
+   EXPECT_DEATH( sm->handleVerify(), stopsAtEmptyReferenceTo( "TepIpToEntry" ) );
 }
 
 // --- A port channel with a live port of its own
@@ -276,10 +267,7 @@ TEST_F( EgressMaskLimits, TheVtepThatFoundNoRoomIsNotRetried ) {
 
 class ClassIdLimitsDeathTest : public testing::Test {
  protected:
-   ClassIdLimitsDeathTest() {
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
-   }
+   ClassIdLimitsDeathTest() { leaf.shareEthernet1(); }
 
    RoutedSwitch leaf;
 };

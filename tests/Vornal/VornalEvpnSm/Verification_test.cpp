@@ -8,13 +8,7 @@
 
 namespace {
 
-using Support::intf;
-using Support::ip;
-using Support::Lines;
-using Support::LocalBiasSwitch;
-using Support::Machine;
-using Support::RoutedSwitch;
-using Support::Variant;
+using namespace Support;
 
 class Verification : public testing::TestWithParam< Variant > {
  protected:
@@ -50,9 +44,9 @@ class Verification : public testing::TestWithParam< Variant > {
 
 using EgressMaskVerification = Verification;
 
-INSTANTIATE_TEST_SUITE_P( Agreement, Verification, Support::bothVariants, Support::nameOfVariant );
+INSTANTIATE_TEST_SUITE_P( Agreement, Verification, bothVariants, nameOfVariant );
 INSTANTIATE_TEST_SUITE_P( Agreement, EgressMaskVerification, testing::Values( Variant::EgressMask ),
-                          Support::nameOfVariant );
+                          nameOfVariant );
 
 // --- When nothing is verified
 

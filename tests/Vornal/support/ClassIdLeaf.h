@@ -58,8 +58,7 @@ inline Lines operator+( Lines lines, Lines const & more ) {
 inline Lines ingressRule( U32 unit, U32 entry, std::string const & address,
                           std::string const & gport, U16 classId ) {
    std::string const at = "unit " + std::to_string( unit ) + " entry " + std::to_string( entry );
-   return { at + ": getEntry( group 157, name \"Mark or drop packets at IFP from vtep IP " +
-               address + " on shared segments\" )",
+   return { at + ": " + ingressRequest( vtepRuleName( address ) ),
             at + ": bcm_field_qualify_SrcVxlanGport( gport " + gport + " )",
             at + ": setPriorityForEntry( group 157, priority 1 )",
             at + ": bcm_field_action_add( action EgressClassSelect, param0 1, param1 0 )",
@@ -71,8 +70,7 @@ inline Lines ingressRule( U32 unit, U32 entry, std::string const & address,
 inline Lines egressRule( U32 unit, U32 entry, std::string const & address,
                          std::string const & interface, U16 logicalPort, U16 classId ) {
    std::string const at = "unit " + std::to_string( unit ) + " entry " + std::to_string( entry );
-   return { at + ": getEntry( group 45, name \"Drop packets at EFP from vtep IP " + address +
-               " on " + interface + "\" )",
+   return { at + ": " + egressRequest( dropRuleName( address, interface ) ),
             at + ": bcm_field_qualify_DstPort( modId " + std::to_string( 40 + unit ) +
                ", modIdMask 0xffffffff, port " + std::to_string( logicalPort ) +
                ", portMask 0xffffffff )",

@@ -20,6 +20,7 @@
 #include <VornalEvpnSm/I2EClassId/EvpnMultihomingLocalBiasWithI2EClassIdSm.h>
 
 #include "../../chip/CallText.h"
+#include "RuleNames.h"
 #include "SwitchState.h"
 
 namespace Support {
@@ -51,6 +52,12 @@ class LocalBiasSwitch : private Chip::CallObserver, public SwitchState {
    static U16 modIdOf( U16 unit ) { return static_cast< U16 >( 40 + unit ); }
    static VornalTypes::VornalPort port( U16 unit, U16 logicalPort ) {
       return { unit, logicalPort, modIdOf( unit ) };
+   }
+
+   // Ethernet1, on port 5, shared with 10.0.0.2, which has no virtual port yet.
+   void shareEthernet1() {
+      interfaceIs( "Ethernet1", 0, 5 );
+      segmentIs( "Ethernet1", { "10.0.0.2" } );
    }
 
    // --- The machine

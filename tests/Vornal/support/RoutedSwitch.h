@@ -96,11 +96,6 @@ class RoutedSwitch : public LocalBiasSwitch {
       }
       return list;
    }
-   Lines callTexts() const {
-      Lines texts;
-      std::transform( calls.begin(), calls.end(), std::back_inserter( texts ), ChipTest::textOf );
-      return texts;
-   }
    // How many entries have been asked for.
    std::ptrdiff_t requests() const {
       return std::count_if( calls.begin(), calls.end(), []( Chip::HardwareCall const & call ) {
@@ -124,6 +119,11 @@ class FieldCallFault {
    Shim::Sdk * next_;
    Chip::FailingSdk failing_;
 };
+
+// As the traces of an operation name it.
+inline std::string const handleVrfToVniMapSignature =
+   "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
+   "U32, U32)";
 
 inline std::string const vniIsTaken = "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )";
 // The stop over a VNI that has an entry already.

@@ -19,8 +19,7 @@ class EitherVariant : public testing::TestWithParam< Variant > {
  protected:
    // Ethernet1, on port 5, shared with 10.0.0.2, which has a virtual port.
    void shareEthernet1() {
-      leaf.interfaceIs( "Ethernet1", 0, 5 );
-      leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
+      leaf.shareEthernet1();
       leaf.vtepIs( "10.0.0.2", 0x10002 );
    }
 
