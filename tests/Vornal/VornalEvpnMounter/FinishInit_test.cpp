@@ -79,9 +79,11 @@ TEST_F( FinishInit, GivesTheClassIdVariantItsInputs ) {
 }
 
 TEST_F( FinishInit, StartsTheMachineOfEitherVariant ) {
-   for ( bool const isClassIdSupported : { false, true } ) {
-      leaf.i2eClassIdSupportedIs( isClassIdSupported );
+   for ( std::string const variant : { "EgressMask", "I2EClassId" } ) {
+      leaf.i2eClassIdSupportedIs( variant == "I2EClassId" );
       leaf.mounter->finishInit();
+      EXPECT_EQ( machine().typeData().name(),
+                 "Vornal::EvpnMultihomingLocalBiasWith" + variant + "Sm" );
       EXPECT_TRUE( machine().initialized() );
       EXPECT_TRUE( machine().hasNotificationActive() );
    }
