@@ -33,7 +33,7 @@ Pelk::IntfId intfOf( State const & state, VornalPort const & wanted ) {
    return {};
 }
 
-// With the class id that the VTEP is granted.
+// Adds the class id that the VTEP was granted, and keeps the rule.
 void put( State const & state, RuleFor const & what, WantedRule rule, WantedRules & rules ) {
    auto const granted = state.classIds.find( what.vtep );
    rule.isWithoutClassId = granted == state.classIds.end();
@@ -54,7 +54,7 @@ void classIdIs( RuleFor const & what, VornalCommon::ClassId classId, EntryConten
    }
 }
 
-// The ingress rule marks the frame, and one egress rule for each shared port drops what is marked.
+// The ingress rule marks the frame. One egress rule for each shared port drops marked frames.
 void addClassIdRules( State const & state, U16 unit, IpGenAddr const & vtep, WantedRules & rules ) {
    WantedRule rule = ingressRuleOf( state, unit, vtep );
    std::string const because = rule.because;

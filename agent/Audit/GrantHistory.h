@@ -1,9 +1,8 @@
-// Which class ids were granted before they were asked for.
+// Remembers which class ids were granted before their present request.
 //
-// A request that ends, and is made again, is a new one: the grant that still stands is on its way
-// back to the allocator, and another one will follow. No present state says so; this does, by
-// watching requests and grants.
-//
+// A plug-in can end a request and make it again. The grant that still stands belongs to the old
+// request: it returns to the allocator, and a new grant follows. The present state does not show
+// this, so this class watches requests and grants.
 // Threads: the activity's.
 #pragma once
 
@@ -19,7 +18,7 @@ class GrantHistory {
    using Requests = VornalCentral::I2EClassIdIndexConfig;
    using Grants = VornalCentral::I2EClassIdIndexStatus;
 
-   // Either may be missing; then no grant is old.
+   // Either may be empty; then no grant is old.
    GrantHistory( Quelm::Ptr< Requests const > const & requests,
                  Quelm::Ptr< Grants const > const & grants );
 

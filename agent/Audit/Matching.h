@@ -1,12 +1,12 @@
-// Which entry of the chip is the rule that the state calls for.
+// Finds the chip's entry for each expected rule.
 //
-// A chip that has drifted cannot be asked by what its entries match. An entry keeps the name under
-// which it was obtained, and the names of rules that are for different things differ, so the name
-// tells; of several entries of that name the one that the plug-in has recorded, else one that is
-// written as wanted, else one that is written, else the oldest. A rule that is not found by name is
-// the entry that is recorded for it, else one that is written as wanted. No entry is two rules.
+// In a chip that has drifted, the match of an entry proves nothing. But an entry keeps the name
+// under which the plug-in obtained it, and rules for different purposes have different names. So a
+// rule takes an entry of its name: the one that the plug-in has recorded, else one written as
+// expected, else one that is written, else the oldest. A rule that finds no entry by name takes the
+// entry that is recorded for it, else one written as expected. No entry serves two rules.
 //
-// Cost: the rules wanted times the entries of their group.
+// Cost: the expected rules times the entries of their group.
 #pragma once
 
 #include <map>
@@ -34,7 +34,7 @@ Chip::Group const * groupOf( Chip::Units const & units, U16 unit,
 
 struct Matched {
    std::map< RuleFor, Chip::Entry const * > rules;  // those found
-   std::vector< EntryAt > others;                   // entries that are none of the rules wanted
+   std::vector< EntryAt > others;                   // entries of no expected rule
 };
 
 Matched match( WantedRules const & wanted, Records const & records, Chip::Units const & units );

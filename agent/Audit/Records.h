@@ -1,8 +1,8 @@
-// What the plug-in has recorded of its rules: a copy at one moment, read by name through the
-// generic interface of its state machine.
+// The plug-in's records of its rules: a copy at one moment, read by name through the generic
+// interface of its state machine.
 //
-// Records are what the audit judges, never what it goes by. An attribute that the state machine
-// does not have (each variant has its own) reads as empty.
+// The audit checks the records and never relies on them. Each variant of the state machine has its
+// own attributes; a missing attribute reads as empty.
 #pragma once
 
 #include <map>
@@ -31,12 +31,12 @@ struct VtepOn {
 };
 
 struct Records {
-   bool isMachine = false;      // there is a state machine
+   bool isMachine = false;      // the state machine exists
    bool isInitialized = false;  // it programs rules
-   bool isExhausted = false;    // it has been refused an entry for a VTEP, and not recovered since
+   bool isExhausted = false;    // an entry for a VTEP was refused, and it has not recovered since
 
    std::map< RuleFor, RecordedEntry > entries;
-   std::set< U16 > units;  // that have a record of their VTEPs
+   std::set< U16 > units;  // units with a record of their VTEPs
    std::map< VtepOn, Brum::PerUnitBitmap > masks;
    std::map< VtepOn, U16 > vpIndices;
    std::map< VtepOn, VornalTypes::VornalPortList > egressPorts;
@@ -47,11 +47,11 @@ struct Records {
    bool hasQueued( U32 vni ) const;
 };
 
-// The state machine that a mounter among these entities holds, or an empty reference.
+// The state machine of a mounter among these entities, or an empty reference.
 Quelm::Ptr< Kiv::Entity > machineIn( StateDatabase::Directory::Entities const & entities );
 
-// The records of the plug-in whose mounter is among these entities. A per-VNI entry, which is
-// recorded without its unit, counts as one of `lastUnit`.
+// The records of the plug-in whose mounter is among these entities. The plug-in records per-VNI
+// entries without their unit; they count as entries of `lastUnit`.
 Records recordsOf( StateDatabase::Directory::Entities const & entities, U16 lastUnit );
 
 }  // namespace Audit

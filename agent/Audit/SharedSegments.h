@@ -1,7 +1,6 @@
-// Which segments this switch shares with a VTEP, and by which ports.
+// Which segments this switch shares with a VTEP, and through which ports.
 //
-// A port channel stands for its members; a port that is not valid, and one of another unit, counts
-// for nothing.
+// A port channel stands for its members. Invalid ports and ports of other units do not count.
 #pragma once
 
 #include <set>
@@ -11,7 +10,7 @@
 
 namespace Audit {
 
-// The VTEPs that need rules: those that share a segment and have a virtual port.
+// The VTEPs that need rules: they share a segment and have a virtual port.
 std::set< Pelk::IpGenAddr > activeVteps( State const & state );
 
 // The valid ports of the segments shared with the VTEP on the unit.

@@ -1,9 +1,9 @@
-// What becomes of the VNIs of tunnel interfaces that go.
+// Follows the VNIs of withdrawn tunnel interfaces.
 //
-// Per-VNI rules follow the mappings of every tunnel interface, but only Vxlan1 takes rules with it
-// when it is withdrawn, and then it takes all of them. So a rule can be left of an interface that
-// has gone, and be missing for one that is still there. No present state says so; this does, by
-// watching the interfaces go. One that is replaced in place has not gone.
+// The plug-in adds per-VNI rules for the mappings of every tunnel interface, but removes them only
+// when Vxlan1 is withdrawn, and then it removes all of them. So a rule can outlive its interface,
+// or be missing for an interface that still exists. The present state does not show this, so this
+// class watches interfaces go. Replacing an interface in place does not withdraw it.
 //
 // Threads: the activity's.
 #pragma once
@@ -19,9 +19,9 @@ class TunnelHistory {
  public:
    explicit TunnelHistory( Quelm::Ptr< Vxlan::VtiStatusDir const > dir );
 
-   // VNIs of interfaces other than Vxlan1 when they went, since Vxlan1 went last.
+   // VNIs of other interfaces that were withdrawn since Vxlan1 was last withdrawn.
    std::set< U32 > const & leftVnis() const { return left_; }
-   // VNIs that other interfaces had when Vxlan1 went.
+   // VNIs that other interfaces had when Vxlan1 was withdrawn.
    std::set< U32 > const & freedVnis() const { return freed_; }
 
  private:

@@ -22,7 +22,7 @@ constexpr U32 kUnicastMask = 0xff;
 constexpr U32 kVtepPriority = 1;  // below the per-VNI rules, which stand below the default
 constexpr U32 kVniPriority = 2;
 
-// --- What rules are made of
+// --- The parts of rules
 
 EntryContent unicastExemption( U32 packetRes ) {
    EntryContent content;

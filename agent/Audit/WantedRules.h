@@ -1,17 +1,16 @@
-// The rules that published state calls for, worked out from that state alone.
+// Works out the expected rules from the published state alone.
 //
-// Local bias (RFC 8365, section 8.3.1): what arrives through a tunnel from a VTEP that is attached
-// to an Ethernet segment of this switch, and is not known unicast, must not leave by the ports of
-// that segment. For each unit of the switch:
+// Local bias (RFC 8365, section 8.3.1): a VTEP is attached to an Ethernet segment of this switch
+// and sends a frame through a tunnel. Unless the frame is known unicast, it must not leave through
+// the ports of that segment. For each unit of the switch:
 //
-// - a VTEP that shares a segment and has a virtual port needs an ingress rule that matches its
-//   source gport; the variant says what it does, and which egress rules go with it
-//   (Audit/Variant.h);
-// - while any VTEP needs rules, known unicast is exempted, bridged and routed, above them;
-// - while there are segments and the override toggle is on, known L3 multicast of every VNI of a
-//   tunnel interface is exempted, between those two.
+// - A VTEP that shares a segment and has a virtual port needs an ingress rule that matches its
+//   source gport. The variant decides the rule's action and the egress rules (Audit/Variant.h).
+// - While any VTEP needs rules, known unicast, bridged and routed, is exempted above them.
+// - While there are segments and the override toggle is on, known L3 multicast of every VNI of a
+//   tunnel interface is exempted, with a priority between those two.
 //
-// A unit without a port on the shared segments has its rules all the same (Audit/SharedSegments.h).
+// A unit without a port on the shared segments has its rules too (Audit/SharedSegments.h).
 //
 // Cost: proportional to the rules, times the interfaces of their segments.
 #pragma once
@@ -29,7 +28,7 @@ namespace Audit {
 
 enum class Purpose : U8 { l2Unicast, l3Unicast, vtep, vni, egressDrop };
 
-// What one rule is for; no two rules of a switch are for the same.
+// The purpose of one rule; each rule of a switch has its own.
 struct RuleFor {
    U16 unit = 0;
    Purpose purpose = Purpose::vtep;
@@ -48,20 +47,20 @@ struct RuleFor {
 struct WantedRule {
    std::string name;
    Chip::EntryContent content;
-   std::string because;  // the state behind it, in words
-   // The allocator has granted no class id: what the rule sets or matches is open.
+   std::string because;  // the reason in the state, in words
+   // The allocator has granted no class id, so the rule's id is open.
    bool isWithoutClassId = false;
 };
 
 using WantedRules = std::map< RuleFor, WantedRule >;
 
-// None before the plug-in is ready.
+// Empty before the plug-in is ready.
 WantedRules wantedRules( State const & state );
 
-// What the ingress rules of a VTEP have in common in all variants; the variant adds what is done.
+// The part of a VTEP's ingress rule that all variants share; the variant adds the action.
 WantedRule ingressRuleOf( State const & state, U16 unit, Pelk::IpGenAddr const & vtep );
 
-// Puts the class id into what marks or matches it.
+// Puts the class id into the action or qualifier that carries it.
 void classIdIs( RuleFor const & what, VornalCommon::ClassId classId, Chip::EntryContent & content );
 
 }  // namespace Audit
