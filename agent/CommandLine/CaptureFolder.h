@@ -1,4 +1,4 @@
-// The folder that a run writes its captures into.
+// The folder into which a run writes its captures.
 #pragma once
 
 #include <filesystem>
@@ -8,9 +8,9 @@
 
 namespace CommandLine {
 
-// The folder, made if it is not there, and without the captures of an earlier run: all that it
-// holds under such names is of one run. Other files in it stay. Quelm::Error, and nothing is
-// removed, when it cannot be made, when it takes no files, or when the scenario plays one of the
+// Returns the folder. Creates it if necessary, and removes the captures of earlier runs, so that
+// all captures in it belong to one run. Other files stay. Throws Quelm::Error, and removes nothing,
+// when the folder cannot be created, when it takes no files, or when the scenario plays one of the
 // captures in it.
 std::optional< std::filesystem::path > captureFolder(
    std::optional< std::filesystem::path > const & asked, Scenario::Model const & scenario );

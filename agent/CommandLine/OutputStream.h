@@ -1,13 +1,12 @@
-// An output of the program as a stream that loses nothing without a word.
+// An output of the program as a stream that reports every loss.
 //
 //    OutputStream out( STDOUT_FILENO, "standard output" );
 //    out << text;
 //    out.flush();
 //
-// An insertion or a flush throws OutputError as soon as the output does not take what it is given:
-// a full disk, a closed descriptor, a reader that has gone. What was inserted and not flushed when
-// the stream ends is not written: whoever wants all of it flushes. A terminal gets every line at
-// once.
+// An insertion or a flush throws OutputError as soon as the output fails: a full disk, a closed
+// descriptor, a reader that has gone. The destructor drops text that was inserted and not flushed,
+// so flush at the end. A terminal gets every line at once.
 #pragma once
 
 #include <ostream>
@@ -18,7 +17,7 @@
 
 namespace CommandLine {
 
-// An output is not complete; what() names it, and says why.
+// An output is not complete; what() names it and gives the reason.
 class OutputError : public std::runtime_error {
  public:
    using std::runtime_error::runtime_error;
@@ -26,7 +25,7 @@ class OutputError : public std::runtime_error {
 
 class OutputStream final : public std::ostream {
  public:
-   // The descriptor stays its owner's.
+   // The caller keeps the descriptor.
    OutputStream( int fd, std::string name );
 
  private:

@@ -1,4 +1,4 @@
-// Where the plug-in's shared object is.
+// Finds the plug-in's shared object.
 #pragma once
 
 #include <filesystem>
@@ -6,8 +6,8 @@
 
 namespace CommandLine {
 
-// The file that was asked for, or the plug-in that comes with the program: beside it, or where an
-// installed tree has it. InputError when there is no such file.
+// The requested file, or the plug-in that comes with the program: beside it, or at its place in an
+// installed tree. InputError when there is no such file.
 std::filesystem::path pluginFile( std::optional< std::filesystem::path > const & asked );
 
 }  // namespace CommandLine

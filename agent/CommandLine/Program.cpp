@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kBadInput = static_cast< int >( Story::ExitCode::BadInput );
 
-// Of a program with an output that is not complete: one that was interrupted ends as such.
+// The exit code after an incomplete output; an interrupted program ends as interrupted.
 int exitCodeOfFailure() {
    int const signal = Process::Interruption::last();
    return signal == 0 ? kBadInput : static_cast< int >( Story::exitCodeOf( signal ) );
@@ -37,8 +37,8 @@ int answer( int argc, char const * const * argv, std::ostream & out ) {
 
 int program( int argc, char const * const * argv ) {
    Process::standardDescriptorsAreTaken();
-   // A file that grows beyond the limit of a process is an error of that file, and a reader that
-   // has gone is one of standard output: neither is an end without a word.
+   // With these signals ignored, a file that grows beyond the limit of a process is an error of
+   // that file, and a reader that has gone is an error of standard output. Both are reported.
    signal( SIGXFSZ, SIG_IGN );
    signal( SIGPIPE, SIG_IGN );
    Process::EndWatch const watch;
@@ -46,7 +46,7 @@ int program( int argc, char const * const * argv ) {
    try {
       int const exitCode = answer( argc, argv, out );
       out.flush();
-      // Nowhere is left to say that standard error is not complete.
+      // Standard error is incomplete, and no output is left to report it.
       return std::cerr ? exitCode : exitCodeOfFailure();
    } catch ( std::bad_alloc const & ) {
       std::cerr

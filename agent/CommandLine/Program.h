@@ -3,7 +3,7 @@
 
 namespace CommandLine {
 
-// Does what the command line asks for; the program's exit code.
+// Carries out the command line; returns the program's exit code.
 int program( int argc, char const * const * argv );
 
 }  // namespace CommandLine

@@ -1,5 +1,5 @@
-// One line on a terminal that shows that a long step goes on, and how far it is; gone again before
-// anything else is printed there.
+// One line on a terminal that shows the progress of a long step. It disappears before anything else
+// is printed there.
 #pragma once
 
 #include <chrono>
@@ -15,11 +15,12 @@ class Progress final : public Story::Observer {
    using Clock = std::chrono::steady_clock;
    using Now = std::function< Clock::time_point() >;
 
-   // How long a step runs unseen, and how often the line is drawn again.
+   // How long a step runs before the line appears, and how often the line is drawn again.
    static constexpr std::chrono::milliseconds kPatience{ 500 };
    static constexpr std::chrono::milliseconds kInterval{ 100 };
 
-   // To be told of events before those who print on the same terminal. The stream must outlive it.
+   // Must be told events before observers that print on the same terminal. The stream must outlive
+   // it.
    explicit Progress( std::ostream & terminal, Now now = &Clock::now )
          : terminal_( terminal ), now_( std::move( now ) ) {}
 
@@ -35,10 +36,10 @@ class Progress final : public Story::Observer {
    Now now_;
    U32 steps_ = 0;  // of the scenario
    U32 step_ = 0;
-   U64 calls_ = 0;   // to the hardware, in this step
-   U64 frames_ = 0;  // that have come in, of those that are to
+   U64 calls_ = 0;   // hardware calls in this step
+   U64 frames_ = 0;  // frames of this step so far
    U64 framesInAll_ = 0;
-   Clock::time_point next_;  // when the line is drawn
+   Clock::time_point next_;  // when to draw the line
    bool isDrawn_ = false;
 };
 

@@ -21,7 +21,7 @@ namespace CommandLine {
 
 namespace {
 
-// What the process of the agent prints goes to standard error, where the document does not stand.
+// Prints the output of the agent's process on standard error, apart from the document.
 class OutputEcho final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override {

@@ -1,4 +1,4 @@
-// Runs a scenario in a process of its own, for whoever observes it.
+// Runs a scenario in a process of its own, for its observers.
 #pragma once
 
 #include <chrono>
@@ -16,15 +16,15 @@ struct ScenarioRun {
    Scenario::Model const & scenario;
    Host::AgentConfig config;
    std::optional< std::filesystem::path > ring;  // the trace ring's file
-   std::chrono::milliseconds turnLimit;          // how long a turn may take; 0: as long as it likes
+   std::chrono::milliseconds turnLimit;          // 0: no limit
 };
 
-// The observers are told everything, in the order given, and the outcome last; what was wrong with
-// the input is printed on standard error.
+// The observers are told every event, in the order given; the outcome is told last. Wrong input is
+// printed on standard error.
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome );
 
-// Says on standard error in which step the run was interrupted, if it was.
+// Prints on standard error in which step the run was interrupted, if it was.
 void tellInterruption( Story::Outcome const & outcome );
 
 }  // namespace CommandLine

@@ -1,4 +1,4 @@
-// What the program says about a command line that it does not understand.
+// Messages about a wrong command line.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ class Error;
 
 namespace CommandLine {
 
-// The command, what is wrong with its words, and what would be right; ends with a line end.
+// The command, the mistake in its words, and the remedy; ends with a line end.
 std::string usageText( CLI::App const & app, CLI::Error const & error );
 
 // What is wrong with the name of a file or a folder; empty when it can be one. A CLI11 check.

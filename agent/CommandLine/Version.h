@@ -1,4 +1,4 @@
-// Which version of the program this is.
+// The version of the program.
 #pragma once
 
 #include <string_view>
