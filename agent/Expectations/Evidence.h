@@ -1,4 +1,4 @@
-// What expectations are compared with.
+// The objects that expectations are compared with.
 #pragma once
 
 #include <Audit/Audit.h>
@@ -9,7 +9,7 @@
 
 namespace Expectations {
 
-// Everything must outlive its use.
+// All members must outlive their use.
 struct Evidence {
    StateDatabase::Finder const & finder;
    Chip::Units & units;

@@ -1,16 +1,15 @@
-// The shape of an expectation.
+// The base of all expectations.
 //
-// An expectation is a class with its fields, its words, its description and its comparison in one
-// pair of files, and a row of Expectations/Table.cpp. It is default-built, and has besides what
-// Expected asks for
+// An expectation is one class with its fields, words, description and comparison in one pair of
+// files, and a row of Expectations/Table.cpp. It is default-built, and besides the functions of
+// Expected it has
 //
-//    void read( Reading & reading, Value const & value );   // what stands under its word
+//    void read( Reading & reading, Value const & value );   // reads the value under its word
 //    static std::vector< WordList > vocabulary();           // the words of its mappings, if any
-//    static std::string shape();                            // of what stands under its word,
-//                                                           // unless that is a mapping or a
-//                                                           // choice which its word names
+//    static std::string shape();                            // of this value, unless its word
+//                                                           // names a mapping or a choice
 //
-// A word that stands for several kinds has functions for both instead.
+// A word that stands for several kinds has functions for both instead of these.
 #pragma once
 
 #include <memory>
@@ -31,7 +30,8 @@ using Scenario::WordList;
 
 struct Evidence;
 
-// What was found: whether it is as expected, and what there is, in words ("it is not ready").
+// The result of a comparison: whether it is as expected, and the actual state in words ("it is not
+// ready").
 struct Finding {
    bool isAsExpected = false;
    std::string found;
@@ -47,11 +47,11 @@ class Expected {
    // In one line for people: "plug-in ready".
    virtual std::string description() const = 0;
 
-   // Whether it needs a switch that is told how to forward.
+   // Whether it needs a switch that forwards.
    virtual bool isAboutFrames() const { return false; }
 
-   // An entity that is not there is a finding; an attribute that its type does not have throws
-   // Quelm::AccessError, and a key that is not of its type Quelm::TextError.
+   // A missing entity is a finding. An unknown attribute throws Quelm::AccessError, and a key of
+   // another type Quelm::TextError.
    virtual Finding check( Evidence const & evidence ) const = 0;
 };
 
@@ -59,7 +59,7 @@ struct Expectation {
    std::shared_ptr< Expected const > what;
    int line = 0;
 
-   // What is expected, if it is of that kind.
+   // The expectation, if it is of that kind.
    template< typename Kind > Kind const * as() const {
       return dynamic_cast< Kind const * >( what.get() );
    }

@@ -13,10 +13,10 @@
 
 namespace Expectations {
 
-// A place that a frame can leave for: an interface, or a remote VTEP.
+// A frame can leave for an interface or for a remote VTEP.
 using FrameTarget = std::variant< Pelk::IntfId, Pelk::IpGenAddr >;
 
-// What becomes of frames that the last step of frames has injected.
+// Expects how the switch treats the frames that the last step of frames has injected.
 class FramesLike final : public Expected {
  public:
    static std::vector< WordList > vocabulary();
@@ -26,10 +26,10 @@ class FramesLike final : public Expected {
    bool isAboutFrames() const override { return true; }
    Finding check( Evidence const & evidence ) const override;
 
-   // Which frames are meant: all of them that are as this says.
+   // The frames meant: all that match these members.
    std::optional< Pelk::IpGenAddr > from;  // the source VTEP
    std::set< Chip::FrameKind > kinds;      // empty: any
-   // What holds for each of them, of which there is one at least.
+   // The expected treatment of each of them. There must be one frame at least.
    std::vector< FrameTarget > reach;
    std::vector< FrameTarget > neverReach;
    std::map< Pelk::IntfId, Chip::Verdict > verdicts;

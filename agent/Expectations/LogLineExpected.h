@@ -7,7 +7,7 @@
 
 namespace Expectations {
 
-// Lines logged since the scenario began that contain `text`: `times` of them, or if that is empty
+// Lines logged since the scenario began that contain `text`: `times` of them, or without a number
 // at least one.
 class LogLineExpected final : public Expected {
  public:

@@ -1,5 +1,5 @@
-// What expectations ask about the past: the lines that were logged and traced, and the groups that
-// the plug-in asked for, since the run began; and the frames that were injected last.
+// The past of a run, for expectations: the lines that were logged and traced and the groups that
+// the plug-in asked for since the run began, and the frames that were injected last.
 #pragma once
 
 #include <string>

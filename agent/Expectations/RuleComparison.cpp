@@ -14,7 +14,8 @@ namespace {
 
 using Words = std::vector< std::string >;
 
-// The numbers that an expectation names: of a port its module and itself, of a port mask the ports.
+// The numbers that an expectation names: of a port its module and the port, of a port mask the
+// ports.
 std::vector< U32 > numbersOf( Chip::Qualifier qualifier, Chip::Match const & match ) {
    return rowOf( qualifier ).hasModule ? std::vector{ match.modId, match.data }
                                        : std::vector{ match.data };
@@ -54,7 +55,7 @@ void addPriority( Chip::EntryContent const & content, RulesLike const & like,
    }
 }
 
-// What the rule has that is not as expected.
+// The rule's parts that differ from the expectation.
 Words differencesOf( Chip::Rule const & rule, RulesLike const & like ) {
    Words differences;
    if ( rule.name.find( like.name ) == std::string::npos ) {
@@ -74,7 +75,7 @@ Words differencesOf( Chip::Rule const & rule, RulesLike const & like ) {
    return differences;
 }
 
-// The rules that an expectation asks about.
+// The rules in the expectation's group and units.
 Chip::Rules rulesAsked( RulesLike const & like, Evidence const & evidence ) {
    Chip::Rules rules;
    auto const group = assignmentOf( like.group );

@@ -1,5 +1,5 @@
-// Whether the chips have the rules that a scenario expects, and which comes nearest when they have
-// not.
+// Compares the chips' rules with the rules that a scenario expects. If they differ, it names the
+// nearest rule.
 #pragma once
 
 #include <Expectations/Evidence.h>

@@ -8,15 +8,15 @@
 
 namespace Expectations {
 
-// A qualifier or an action that a rule has, by its short name (Chip::nameOf), with its data, or
-// with the ports of a port mask; without numbers any will do.
+// A qualifier or an action of a rule, by its short name (Chip::nameOf), with its data or the ports
+// of a port mask; without numbers any will do.
 struct RuleFieldWanted {
    std::string name;
    std::optional< std::vector< U32 > > numbers;
 };
 
-// Rules that the plug-in holds in the group, on one unit or on all of them, which are as the rest
-// says: `count` of them, or if that is empty at least one.
+// The plug-in's rules in the group, on one unit or on all of them, that match the other members:
+// `count` of them, or without a count at least one.
 class RulesLike final : public Expected {
  public:
    struct DefaultPriority {};
@@ -28,12 +28,12 @@ class RulesLike final : public Expected {
 
    Scenario::TcamGroup group = Scenario::TcamGroup::ingress;
    std::optional< U16 > unit;
-   std::string name;  // contained in the rule's
+   std::string name;  // contained in the rule's name
    std::optional< bool > isWritten;
    std::optional< std::variant< DefaultPriority, U32 > > priority;
    std::vector< RuleFieldWanted > qualifiers;
    std::vector< RuleFieldWanted > actions;
-   bool doesNothing = false;  // has no action
+   bool doesNothing = false;  // it has no action
    std::optional< U32 > count;
 };
 

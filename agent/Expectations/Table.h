@@ -1,4 +1,4 @@
-// All expectations that there are.
+// The table of all expectations.
 #pragma once
 
 #include <memory>
@@ -12,16 +12,16 @@ namespace Expectations {
 
 struct Row {
    std::string_view name;
-   std::string shape;  // of what stands under it
-   // Nothing when it cannot be read, which the reading is told.
+   std::string shape;  // of the value under it
+   // Nothing when it cannot be read; the reading gets the problem.
    std::shared_ptr< Expected const > ( *read )( Reading &, Value const & );
    std::vector< WordList > ( *vocabulary )();
 };
 
-// In the order in which people are told of them.
+// In the order in which messages and help list them.
 std::vector< Row > const & table();
 
-// A mapping of expectations, or a list of such mappings; in the order written.
+// Reads a mapping of expectations, or a list of such mappings, in the order written.
 void readExpectations( Reading & reading, Value const & value,
                        std::vector< Expectation > & expectations );
 

@@ -7,7 +7,7 @@
 
 namespace Expectations {
 
-// Lines traced since the scenario began that contain `text`: `times` of them, or if that is empty
+// Lines traced since the scenario began that contain `text`: `times` of them, or without a number
 // at least one.
 class TraceLineExpected final : public Expected {
  public:
@@ -17,7 +17,7 @@ class TraceLineExpected final : public Expected {
    Finding check( Evidence const & evidence ) const override;
 
    std::string handle;
-   std::optional< int > level;  // nothing: any
+   std::optional< int > level;  // nothing: any level
    std::string text;
    std::optional< U32 > times;
 };
