@@ -20,8 +20,8 @@ namespace fs = std::filesystem;
 constexpr std::uintmax_t kLongest = 16U << 20U;  // bytes; a file of all toggles has a few thousand
 constexpr int kNumberTooLarge = 406;             // the library's number for it
 
-// Reads over everything, and takes note of where that ends. An exception of the library does not
-// always know.
+// Reads all of the text and notes where reading stops. The library's exceptions do not always know
+// the place.
 class EarlyEnd final : public nlohmann::json_sax< nlohmann::json > {
  public:
    std::size_t position() const { return position_; }
@@ -48,7 +48,7 @@ class EarlyEnd final : public nlohmann::json_sax< nlohmann::json > {
    std::size_t position_ = 1;
 };
 
-// The line of the character at `position`, both from 1.
+// The line of the character at `position`; both count from 1.
 std::size_t lineAt( std::string const & text, std::size_t position ) {
    auto const end =
       text.begin() + static_cast< std::ptrdiff_t >(
@@ -56,7 +56,7 @@ std::size_t lineAt( std::string const & text, std::size_t position ) {
    return static_cast< std::size_t >( std::count( text.begin(), end, '\n' ) ) + 1;
 }
 
-// The line where reading the text as JSON comes to an early end.
+// The line at which the text stops being JSON.
 std::size_t lineOfDamage( std::string const & text ) {
    EarlyEnd end;
    nlohmann::json::sax_parse( text, &end );

@@ -2,14 +2,13 @@
 //
 //    VornalL3.json      { "SbdEvpnTcamOverrideRule": false }
 //
-// A file is an object whose members are all booleans. It is read when a toggle of it is first asked
-// for, and kept: what support staff change later counts from the next start.
+// A file is one object whose members are all booleans. The reader reads a file when somebody first
+// asks for one of its toggles, and keeps it: a later change of the file counts from the next start.
 //
-// A file that is not there gives every toggle its default, as does a toggle that is not in the
-// file. A file that is there and is not such an object, a pipe, a device or a directory also, is
-// damaged: it is reported once, as one line
-// that names file, line and remedy, and then reads as if it were not there. Nothing is taken from a
-// damaged file, since nobody can tell which half of it was meant.
+// A toggle has its default when its file does not exist or does not name it. Anything else that
+// stands in the file's place (other JSON, a pipe, a device, a directory) is damaged. The reader
+// reports a damaged file once, in one line that names file, line and remedy, and takes nothing from
+// it, since nobody can tell which half of it is right.
 //
 // Threads: the activity's.
 #pragma once
@@ -30,19 +29,19 @@ class Reader final : public FeatureToggle::Facility {
    // Takes the line about a damaged file.
    using Report = std::function< void( std::string const & ) >;
 
-   // The files are looked for in `directory`, which need not exist. Without a `report`, lines go to
+   // Looks for the files in `directory`, which need not exist. Without a `report`, lines go to
    // standard error.
    explicit Reader( std::filesystem::path directory, Report report = {} );
 
    bool isEnabled( std::string const & name, std::string const & file, bool defaultValue ) override;
 
-   // A toggle that a file names, and nobody has asked for.
+   // A toggle that a file names and nobody has asked for.
    struct NotAskedFor {
       std::filesystem::path file;
       std::string name;
-      std::vector< std::string > asked;  // what was asked for of that file
+      std::vector< std::string > asked;  // the toggles of that file that were asked for
    };
-   // Those of all files that have been read.
+   // The toggles of all files that have been read.
    std::vector< NotAskedFor > notAskedFor() const;
 
  private:
