@@ -1,23 +1,23 @@
-// The off-switch agent: carries a scenario out on a switch that it makes up around the plug-in.
+// The off-switch agent: carries out a scenario on a made-up switch around the plug-in.
 //
-// 1. The state that the scenario publishes is put into the database, change by change, before
-//    anything is loaded.
-// 2. Start-up: the plug-in is loaded, its mounters are created and told to start, their mounts
-//    performed. Which sub-agents are ready is up to the scenario's steps.
-// 3. The scenario's steps, one after the other. A step is over when the activity is idle: nothing
-//    is queued, and no wake-up of the clock is armed. Waiting takes no time (Kiv/Clock.h).
-// 4. What is asked for is shown, and verified.
-// 5. Teardown: mounters are destroyed and the plug-in is unloaded. Rules that it leaves in the chip
-//    stay.
+// 1. The agent puts the state that the scenario publishes into the database, change by change.
+// 2. Start-up: the agent loads the plug-in, creates its mounters, starts them and performs their
+//    mounts. The scenario's steps decide which sub-agents are ready.
+// 3. The agent runs the scenario's steps one after the other. A step is over when the activity is
+//    idle: no turn is queued, and no wake-up of the clock is armed. Waiting takes no time
+//    (Kiv/Clock.h).
+// 4. The agent shows what the caller asked for, and verifies the rules.
+// 5. Teardown: the agent destroys the mounters and unloads the plug-in. Its rules stay in the chip.
 //
-// Everything that happens is told to the one observer, in the order in which it happens.
+// The observer is told everything in the order in which it happens.
 //
-// Failures. What the agent was given wrong (no such plug-in, a step that names an attribute that
-// does not exist) is told as BadInput and ends the run, after an orderly teardown. What the plug-in
-// does wrong stops the process, as it would on a switch; hence the agent belongs into a process of
-// its own (Process/Child.h). Plug-ins that do not stop can be run without one.
+// Failures. Wrong input (a plug-in that does not exist, a step that names an unknown attribute) is
+// told as BadInput and ends the run, after an orderly teardown. An error of the plug-in stops the
+// process, as on a switch; so the agent belongs in a process of its own (Process/Child.h). Plug-ins
+// that do not stop can run without one.
 //
-// One agent per process at a time (Host/ProcessWide.h). Threads: the calling one is the activity's.
+// One agent per process at a time (Host/ProcessWide.h). Threads: the caller's thread becomes the
+// activity's.
 #pragma once
 
 #include <filesystem>
@@ -36,21 +36,21 @@
 namespace Host {
 
 struct AgentConfig {
-   // What is to be shown after the last step.
+   // Shown after the last step.
    struct Nothing {};
-   struct Paths {};  // at which entities are
+   struct Paths {};  // the paths of all entities
    using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath, Questions::Row const * >;
 
-   std::string scenario;                        // its file, as it was given
+   std::string scenario;                        // its file, as the caller gave it
    std::filesystem::path plugin;                // the shared object
-   std::vector< Scenario::TraceLevels > trace;  // in force after those of the scenario
+   std::vector< Scenario::TraceLevels > trace;  // set after the levels of the scenario
    Show show;
-   // The last step of the scenario that is carried out; nothing: the scenario's last.
+   // The last step of the scenario to carry out; nothing: all of them.
    std::optional< U32 > lastStep;
-   // Where captures of what leaves each port go; nothing: nowhere.
+   // The folder for captures of the frames that leave each port; nothing: no captures.
    std::optional< std::filesystem::path > captures;
-   // When the rules are audited beside what the scenario's steps say; at the end the plug-in's own
-   // pass runs as well.
+   // When to audit the rules in addition to the scenario's steps. At the end the plug-in's own pass
+   // runs too.
    enum class Verify { never, atEnd, afterEachStep };
    Verify verify = Verify::never;
 };
@@ -61,7 +61,7 @@ class Agent {
    Agent( Scenario::Model const & scenario, AgentConfig config, std::span< std::byte > ring,
           Story::Observer & observer );
 
-   // Does everything, once.
+   // Does the whole run; may be called once.
    void run();
 
  private:

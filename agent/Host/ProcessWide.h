@@ -1,5 +1,5 @@
-// What a process has one of, and the agent provides: the shim, the sinks of trace and log, the
-// trace ring, the feature toggles. In place as long as this object lives.
+// Puts in place the objects that a process has once: the shim, the sinks of trace and log, the
+// trace ring, the feature toggles. They stay in place for the lifetime of this object.
 #pragma once
 
 #include <FeatureToggle/FeatureToggle.h>
@@ -13,7 +13,7 @@ namespace Host {
 
 class ProcessWide {
  public:
-   // All of them must outlive this object. Lines that are traced and logged go to the observer.
+   // All of them must outlive this object. The observer gets the lines that are traced and logged.
    ProcessWide( Shim::Sdk & sdk, Trace::Ring & ring, FeatureToggle::Facility & toggles,
                 Story::Observer & observer ) {
       Shim::sdk_ = &sdk;

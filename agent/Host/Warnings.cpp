@@ -20,10 +20,10 @@ std::string hint( std::string_view name, std::vector< std::string > const & know
    return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
 }
 
-// Holds names against the trace handles of all modules that are loaded.
+// Compares names with the trace handles of all loaded modules.
 class Handles {
  public:
-   // Notes a pattern or a name that no handle has.
+   // Notes a pattern or a name that matches no handle.
    void check( std::string const & place, std::string_view pattern ) {
       if ( isAnyMatched( pattern ) ) {
          return;

@@ -1,5 +1,5 @@
-// What a user of a scenario would want to know of, though the run goes on with it: names of trace
-// handles and of feature toggles that lead nowhere.
+// Warnings about a scenario, while the run goes on: names of trace handles and of feature toggles
+// that lead nowhere.
 #pragma once
 
 #include <string>
@@ -10,14 +10,14 @@
 
 namespace Host {
 
-// Trace handles that the scenario names, in its levels and in its expectations, and those of
-// `asked`, the levels of the command line, which no loaded module has. One text for each, with the
-// place in front. A pattern has to match one handle at least.
+// Trace handles that no loaded module has. The names come from the scenario's levels and
+// expectations, and from `asked`, the levels of the command line. A pattern must match one handle
+// at least. One text for each, beginning with its place.
 std::vector< std::string > unknownTraceHandles(
    Scenario::Model const & scenario, std::vector< Scenario::TraceLevels > const & asked );
 
-// Feature toggles that a file names, and nobody has asked for. One text for each, with the file in
-// front.
+// Feature toggles that a file names and nobody has asked for. One text for each, beginning with the
+// file.
 std::vector< std::string > togglesNotAskedFor( FeatureFiles::Reader const & reader );
 
 }  // namespace Host
