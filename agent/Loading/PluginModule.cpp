@@ -10,7 +10,7 @@ namespace Loading {
 PluginModule::PluginModule( std::filesystem::path const & file ) {
    checkIsPlugin( file );
    std::size_t const before = Plugin::registeredMounters().size();
-   // A name without a '/' would be looked for among the system's libraries.
+   // dlopen() looks for a name without a '/' among the system's libraries.
    handle_ = dlopen( std::filesystem::absolute( file ).c_str(), RTLD_NOW | RTLD_LOCAL );
    if ( !handle_ ) {
       throw Story::InputError( "the plug-in cannot be loaded: " + std::string( dlerror() ) );

@@ -9,12 +9,12 @@
 
 namespace Loading {
 
-// Opening runs the module initialisation of the shared object; closing takes its mounters and
-// entity types away again, so that no object of the plug-in may be left by then. All symbols are
-// resolved when it is opened, and none is visible to others.
+// Opening runs the module initialisation of the shared object and resolves all symbols; others see
+// none of them. Closing removes its mounters and entity types, so no object of the plug-in may
+// exist by then.
 //
 // Failures: Story::InputError when the file cannot be opened as a shared object, or registers no
-// mounter. Of a file that cannot be a plug-in (Loading/SharedObject.h) nothing is run.
+// mounter. No code runs of a file that cannot be a plug-in (Loading/SharedObject.h).
 class PluginModule {
  public:
    explicit PluginModule( std::filesystem::path const & file );
@@ -22,7 +22,7 @@ class PluginModule {
    PluginModule & operator=( PluginModule const & ) = delete;
    ~PluginModule();
 
-   // What it offers, in the order of registration.
+   // Its mounters, in the order of registration.
    std::vector< Plugin::MounterRegistration const * > const & mounters() const { return mounters_; }
 
  private:

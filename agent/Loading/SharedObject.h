@@ -1,13 +1,13 @@
-// Whether a file can be a plug-in at all, told without running anything of it.
+// Checks whether a file can be a plug-in, without running any of it.
 #pragma once
 
 #include <filesystem>
 
 namespace Loading {
 
-// InputError, which names the file and what to do, when it is no regular file, cannot be read, is
-// no ELF shared object of this machine, is cut short, or does not need the platform's library, so
-// that it can register no mounter. What is all right here can still be refused by dlopen().
+// Throws InputError, which names the file and the remedy, when the file is not regular, cannot be
+// read, is no ELF shared object of this machine, is cut short, or does not need the platform's
+// library and so can register no mounter. dlopen() can still refuse a file that passes.
 void checkIsPlugin( std::filesystem::path const & file );
 
 }  // namespace Loading
