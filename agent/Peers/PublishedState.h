@@ -1,9 +1,9 @@
-// What other agents publish: the entities of the state database and of the agent's shared state,
-// and the changes that a scenario makes to them.
+// The state that other agents publish: the entities of the state database and of the agent's shared
+// state, and the changes that a scenario makes to them.
 //
-// Each kind of change is made the way the agent that owns the state makes it: ports through the
-// operations that keep the live and the cached map in step, a segment or a tunnel interface
-// entering before its parts.
+// Each change follows the way of the agent that owns the state: ports go through the operations
+// that keep the live and the cached map in sync; a segment or a tunnel interface enters before its
+// parts.
 //
 // | path                                              | entity                                |
 // |---------------------------------------------------|---------------------------------------|
@@ -18,7 +18,7 @@
 // | shared/vornalCommon                               | Vornal::VornalCommonSmData            |
 // | shared/vornalAttributes                           | VornalCentral::VornalAttributes       |
 //
-// Threads: the activity's; every change is to be made in a turn of its own.
+// Threads: the activity's; every change must be made in a turn of its own.
 #pragma once
 
 #include <optional>
@@ -36,18 +36,17 @@ namespace Peers {
 
 class PublishedState {
  public:
-   // Puts the entities of that switch into the directories: the published ones, and the shared
-   // ones. The activity must outlive it, turns included.
+   // Puts the entities of the switch into the two directories. The activity must outlive this
+   // object and its turns.
    PublishedState( Scenario::Switch const & device, Kiv::ActivityManager & activity,
                    StateDatabase::Directory & database, StateDatabase::Directory & shared );
 
    void publish( Scenario::Published const & what );
    void withdraw( Scenario::Published const & what );
-   // In one change, the whole entity.
+   // Replaces the whole entity in one change.
    void replace( Scenario::Replaced const & what );
 
-   // The agent that grants class ids; to be started when everything before the plug-in is
-   // published.
+   // The agent that grants class ids; start it when everything before the plug-in is published.
    ClassIdAllocator & allocator() { return *allocator_; }
 
    Quelm::Ptr< Vornal::VornalCommonSmData > const & common() const { return common_; }
