@@ -1,8 +1,7 @@
-// Whether somebody wants this process to end: SIGINT (Ctrl-C), SIGTERM or SIGHUP (a terminal that
-// is gone) has come.
+// Notes a request to end this process: SIGINT (Ctrl-C), SIGTERM or SIGHUP (the terminal has gone).
 //
-// For the scope of an object the first of these signals is taken note of, and the second one ends
-// the process at once, as it does without an object. A signal that was ignored before, as in a
+// While an object exists, it notes the first of these signals; the second one ends the process at
+// once. Without an object, the first one ends it. A signal that was ignored before, as in a
 // background job, stays ignored. One object in a process at a time.
 #pragma once
 
@@ -21,9 +20,9 @@ class Interruption {
    Interruption & operator=( Interruption const & ) = delete;
    ~Interruption();
 
-   // The signal that has come; 0 when none has.
+   // The signal that has come; 0: none.
    int signal() const { return last(); }
-   // The same for the latest object, also when that is gone.
+   // The same for the latest object, even after its end.
    static int last();
 
  private:

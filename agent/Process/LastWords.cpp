@@ -6,13 +6,13 @@ namespace Process {
 
 namespace {
 
-// A line as it is kept: its beginning, where it is longer than that.
+// The line, or the beginning of a line that is too long.
 std::string shortened( std::string const & line ) {
    if ( line.size() <= LastWords::kLongestLine ) {
       return line;
    }
    std::size_t end = LastWords::kLongestLine;
-   // Not in the middle of a UTF-8 character.
+   // Do not cut a UTF-8 character.
    for ( int n = 0; n < 3 && ( static_cast< unsigned char >( line[ end ] ) & 0xc0U ) == 0x80;
          ++n ) {
       --end;

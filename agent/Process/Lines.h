@@ -1,4 +1,4 @@
-// The lines that come out of a pipe.
+// Splits the text from a pipe into lines.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace Process {
 
-// Keeps at most one line in memory, and of that no more than `longest` bytes: a longer one is
-// handed on in pieces of that length. Takes time in proportion to what comes.
+// Keeps at most one line in memory. A line longer than `longest` bytes is handed on in pieces of
+// that length. Takes time in proportion to the text.
 class Lines {
  public:
    Lines( Descriptor pipe, std::size_t longest )
@@ -16,7 +16,7 @@ class Lines {
 
    Descriptor const & pipe() const { return pipe_; }
 
-   // Reads what is there and hands every complete line to `take`, without its line end.
+   // Reads the available text and hands every complete line to `take`, without its line end.
    template< typename Take > void read( Take const & take ) {
       std::size_t begin = 0;
       std::size_t const searched = text_.size();
@@ -36,13 +36,13 @@ class Lines {
       }
    }
 
-   // What came after the last line end.
+   // The text after the last line end.
    std::string const & rest() const { return text_; }
 
  private:
    Descriptor pipe_;
    std::size_t longest_;
-   std::string text_;  // begins a line that has no end yet
+   std::string text_;  // the beginning of an unfinished line
 };
 
 }  // namespace Process

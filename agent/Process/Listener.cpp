@@ -22,9 +22,9 @@ namespace {
 using Duration = TurnTimer::Duration;
 
 constexpr std::size_t kMostTraceLines = 20;
-// Longer than any event; what is not an event cannot fill the memory.
+// Longer than any event. Text that is no event cannot fill the memory.
 constexpr std::size_t kLongestEvent = std::size_t{ 1 } << 28U;
-// What two pipes can hold is read by then.
+// Enough reads to empty two full pipes.
 constexpr int kMostReadsOfRest = 64;
 
 Duration now( clockid_t clock ) {
@@ -60,7 +60,7 @@ void Listener::listen( Child & child ) {
    std::optional< int > status;
    while ( !status && !isToEnd() ) {
       hear( TurnTimer::kInterval );
-      // A process that the child has left behind can keep the pipes open, and print.
+      // Processes that the child has left behind can keep the pipes open, and print.
       status = child.status();
    }
    if ( !status ) {
@@ -79,10 +79,10 @@ bool Listener::isToEnd() {
    return isOverTime_ || interruption_.signal() != 0;
 }
 
-// Hears what there is, and waits for it if that is nothing; false when nothing came.
+// Reads the pipes, and waits if they are empty; false when nothing came.
 bool Listener::hear( std::chrono::milliseconds patience ) {
-   // A closed pipe's descriptor is -1, which poll() leaves out. With both closed, the child is
-   // about to end.
+   // A closed pipe's descriptor is -1, which poll() skips. With both closed, the child is about to
+   // end.
    std::array< pollfd, 2 > ready{ pollfd{ events_.pipe().fd(), POLLIN, 0 },
                                   pollfd{ output_.pipe().fd(), POLLIN, 0 } };
    int const longest = isAnyOpen() ? static_cast< int >( patience.count() ) : 1;
@@ -107,7 +107,7 @@ void Listener::hearRest() {
    while ( isAnyOpen() && reads < kMostReadsOfRest && hear( std::chrono::milliseconds( 0 ) ) ) {
       ++reads;
    }
-   // Of an event that was not told to its end nothing can be told.
+   // An unfinished event is lost; an unfinished line of output is not.
    if ( !output_.rest().empty() ) {
       takeOutput( output_.rest() );
    }
@@ -140,9 +140,10 @@ void Listener::tellStop( int status ) {
                       isOverTime_ } );
 }
 
-// --- What comes
+// --- Lines of the child
 
-// What is no event comes from the plug-in: it has printed into a descriptor that is not its own.
+// A line that is no event comes from the plug-in, which has written to a descriptor that it does
+// not own.
 void Listener::takeEvent( std::string const & line ) {
    std::optional< Story::Event > event;
    try {

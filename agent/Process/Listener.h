@@ -1,4 +1,4 @@
-// The parent's side of a child process: hears what it tells, and says how it ended.
+// The parent's side of a child process: passes on its events, and tells how it ended.
 #pragma once
 
 #include <optional>
@@ -16,15 +16,15 @@ namespace Process {
 class Listener {
  public:
    struct Context {
-      Descriptor events;  // a line for each event
-      Descriptor output;  // what the child prints
+      Descriptor events;  // one line for each event
+      Descriptor output;  // the child's printed output
       std::span< std::byte const > ring;
       Story::Observer & observer;
       Interruption const & interruption;
       TurnTimer timer;
    };
 
-   // The child as the listener sees it.
+   // The listener's view of the child.
    class Child {
     public:
       Child() = default;
@@ -32,14 +32,14 @@ class Listener {
       Child & operator=( Child const & ) = delete;
       virtual ~Child() = default;
 
-      // Its status, as waitpid() has it, once it has ended.
+      // Its status in the form of waitpid(), once it has ended.
       virtual std::optional< int > status() = 0;
       virtual void kill() = 0;
    };
 
    explicit Listener( Context context );
 
-   // Returns when the child has ended and everything has been told, the end included.
+   // Returns when the child has ended and the observer has been told everything, including the end.
    void listen( Child & child );
 
  private:
@@ -59,7 +59,7 @@ class Listener {
    Interruption const & interruption_;
    TurnTimer timer_;
    LastWords lastWords_;
-   bool hasEnded_ = false;    // the child has told so
+   bool hasEnded_ = false;    // the child has told its end
    bool isOverTime_ = false;  // a turn has taken too long
 };
 

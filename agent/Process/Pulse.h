@@ -1,4 +1,4 @@
-// Tells one process that another gets on with its work: a count in memory that both see.
+// Shows one process that another makes progress: a count in memory that both see.
 //
 //    Pulse pulse;              before the fork
 //    pulse.beat();             in the child, whenever it has got on

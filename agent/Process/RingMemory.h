@@ -1,9 +1,9 @@
-// The memory of a trace ring: shared with child processes, so that what a child traced last can be
-// read after it has stopped, and on request a file, so that it can be read at any later time.
+// The memory of a trace ring. Child processes share it, so that a child's last traces can be read
+// after it has stopped. It can also be a file, which can be read at any later time.
 //
-// A file is taken only when it is new, empty, or the ring of a run that is over; anything else
-// stays as it is. As long as the memory is there it holds the file's lock (flock), which says that
-// the run goes on. A file is never made shorter.
+// It takes only a file that is new or empty, or that holds the ring of a finished run. It leaves
+// all other files unchanged. While the memory exists it holds the file's lock (flock), which marks
+// the run as going on. It never makes a file shorter.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ class RingMemory {
  public:
    static constexpr std::size_t kLines = 4096;
 
-   // In `file`, as a ring without lines, or in memory alone. Throws std::system_error when the file
+   // A ring without lines, in `file` or in memory alone. Throws std::system_error when the file
    // cannot be written, and Quelm::Error when it may not be taken; both name it.
    explicit RingMemory( std::optional< std::filesystem::path > const & file = std::nullopt );
    RingMemory( RingMemory const & ) = delete;
@@ -36,10 +36,10 @@ class RingMemory {
    std::span< std::byte > bytes_;
 };
 
-// Whether all of the memory can be read: not when somebody has cut its file short.
+// All of the memory can be read; false when somebody has cut its file short.
 bool isWhole( std::span< std::byte const > ring );
 
-// The last `most` lines of a ring, oldest first; none when the memory holds no ring, or is not
+// The last `most` lines of a ring, oldest first. None when the memory holds no ring, or is not
 // whole.
 std::vector< Story::Traced > lastLines( std::span< std::byte const > ring, std::size_t most );
 

@@ -7,8 +7,8 @@
 
 namespace Process {
 
-// A file is opened the wrong way round, input to be written and output to be read. It gets the
-// lowest descriptor that is free, and those below are taken by then.
+// Opens a file the wrong way round: input for writing, output for reading. open() takes the lowest
+// free descriptor, and the lower ones are taken by then.
 void standardDescriptorsAreTaken() {
    for ( int const fd : { STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO } ) {
       if ( fcntl( fd, F_GETFD ) < 0 && errno == EBADF ) {

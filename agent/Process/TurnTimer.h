@@ -1,9 +1,8 @@
-// How long the turn that a process is in has taken.
+// Measures how long a process has spent on its present turn.
 //
-// What counts is the time for which its parent has nothing to do but wait for it, and the time for
-// which the parent works on what it tells. What does not count is the time for which the parent
-// itself is held up, by a slow reader of its output or by being suspended: the process then waits
-// for its parent.
+// It counts the time in which the parent only waits for the process, and the time in which the
+// parent works on the process's events. It does not count the time in which a slow reader or a
+// suspension holds up the parent, because the process then waits for its parent.
 #pragma once
 
 #include <algorithm>
@@ -17,17 +16,17 @@ class TurnTimer {
  public:
    using Duration = std::chrono::nanoseconds;
 
-   // The parent looks at least this often; a longer wait was not its own.
+   // The parent looks at least this often. When it waits longer, it was held up itself.
    static constexpr std::chrono::milliseconds kInterval{ 100 };
 
-   // No limit when it is 0. The pulse beats once for every turn.
+   // A limit of 0 means no limit. The pulse beats once for every turn.
    TurnTimer( Pulse const & pulse, Duration limit ) : pulse_( pulse ), limit_( limit ) {}
 
    Duration limit() const { return limit_; }
 
-   // The parent has waited for so long.
+   // The parent has waited for this long.
    void waited( Duration time ) { spend( std::min< Duration >( time, kInterval ) ); }
-   // The parent has been busy for so long.
+   // The parent has been busy for this long.
    void worked( Duration time ) { spend( time ); }
 
    bool isOver() const { return limit_.count() != 0 && spent_ >= limit_; }
