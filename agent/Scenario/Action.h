@@ -1,7 +1,8 @@
-// What a step does, as the language sees it.
+// A step's action, as the language sees it.
 //
-// Fields, words and deeds of each kind stand together in the folder Steps/. The language asks an
-// action what it says of itself and what it does to the published state; the agent has it queued.
+// The folder Steps/ holds the fields, the words and the work of each kind together. The language
+// asks an action for its description and for its effect on the published state; the agent lets it
+// queue its turns.
 #pragma once
 
 #include <string>
@@ -18,17 +19,17 @@ class Action {
  public:
    virtual ~Action() = default;
 
-   // In one line for people, the same line in every form of the output: "ready subagents::l2Ready".
+   // One line for people, the same in every form of the output: "ready subagents::l2Ready".
    virtual std::string description() const = 0;
 
-   // Whether it needs a switch that is told how to forward.
+   // It needs a switch with a forwarding configuration.
    virtual bool isAboutFrames() const { return false; }
 
-   // Tells the course what changes of the published state.
+   // Tells the course how the step changes the published state.
    virtual void follow( Course & ) const {}
 
    // Queues turns of the activity, and does nothing else. The action and the context must outlive
-   // them. `line` is where the step stands.
+   // these turns. `line` is the step's line in the scenario.
    virtual void queue( Steps::Context const & context, int line ) const = 0;
 };
 

@@ -1,4 +1,4 @@
-// One attribute of one entity, as steps and expectations name it.
+// One attribute of one entity, in the words of steps and expectations.
 #pragma once
 
 #include <string>
@@ -11,8 +11,8 @@
 
 namespace Scenario {
 
-// `key` is empty where there is none. Texts are in the text forms of Quelm/Text.h, as the generic
-// interface (Kiv/Attribute.h) takes and gives them.
+// `key` is empty for an attribute without keys. The texts have the text forms of Quelm/Text.h,
+// which the generic interface (Kiv/Attribute.h) takes and gives.
 struct AttributeAt {
    StateDatabase::EntityPath entity;
    std::string attribute;
@@ -33,8 +33,7 @@ void readPlace( Reading & reading, Value const & value, T & target ) {
    readText< AttributeAt, member >( reading, value, target.at );
 }
 
-// The words of a mapping whose subject is one attribute of one entity, its `at`, followed by
-// `others`.
+// The words of a mapping about one attribute of one entity: those of its `at`, then `others`.
 template< typename T >
 Table< T > attributeTable( Place const & place, std::vector< Word< T > > const & others ) {
    Table< T > table{

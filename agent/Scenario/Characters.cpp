@@ -8,7 +8,7 @@ namespace Scenario {
 
 namespace {
 
-// A longer message is shown by its beginning and its end.
+// The longest message shown whole; a longer one shows its beginning and its end.
 constexpr std::size_t kLongestMessage = 1500;
 constexpr std::size_t kShownOfEnd = 300;
 
@@ -20,7 +20,7 @@ bool isContinuation( std::string_view text, std::size_t at ) {
    return at < text.size() && ( byteAt( text, at ) & 0xc0U ) == 0x80U;
 }
 
-// The number of bytes that a character with this first byte has; 0 when none begins with it.
+// The number of bytes of a character with this first byte; 0 when no character begins with it.
 std::size_t lengthBy( U8 first ) {
    return first < 0x80   ? 1
           : first < 0xc2 ? 0
@@ -30,7 +30,8 @@ std::size_t lengthBy( U8 first ) {
                          : 0;
 }
 
-// Longer than needed, half of a surrogate pair, or beyond the last character (RFC 3629).
+// The encoding is longer than needed, half of a surrogate pair, or beyond the last character (RFC
+// 3629).
 bool isForbidden( U8 first, U8 second ) {
    return ( first == 0xe0 && second < 0xa0 ) || ( first == 0xed && second >= 0xa0 ) ||
           ( first == 0xf0 && second < 0x90 ) || ( first == 0xf4 && second >= 0x90 );

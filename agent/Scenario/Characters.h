@@ -1,4 +1,4 @@
-// The characters of texts: what a scenario may hold, and how much of it a message shows.
+// The characters that a scenario may hold, and the length at which a message cuts texts.
 #pragma once
 
 #include <string>
@@ -6,14 +6,14 @@
 
 namespace Scenario {
 
-// The number of bytes of the UTF-8 character that `text` begins with; 0 when it begins with none.
+// The number of bytes of the UTF-8 character at the beginning of `text`; 0 when there is none.
 std::size_t characterAt( std::string_view text );
 
-// Whether that character, which is one, is a control character other than tab, line feed and
-// carriage return; those of one byte and those of two.
+// The character is a control character of one or two bytes, other than tab, line feed and carriage
+// return.
 bool isControl( std::string_view character );
 
-// `text` for a message: only its beginning and end when it is long.
+// `text` for a message: a long text shows only its beginning and its end.
 std::string shortened( std::string_view text );
 
 // At most the first `count` bytes of `text`, without half a character at the end.

@@ -1,4 +1,4 @@
-// What is published or withdrawn, in one line for people; the same line in every form of the
+// Describes published and withdrawn state in one line for people, the same in every form of the
 // output.
 //
 //    Ethernet1 on unit0/port1/mod1
@@ -15,9 +15,9 @@ namespace Scenario {
 // "egress-mask": the word of the language.
 std::string_view nameOf( Variant variant );
 
-// "Ethernet1 on unit0/port1/mod1"; with `isWithdrawn` what goes, without the values it had.
+// "Ethernet1 on unit0/port1/mod1"; with `isWithdrawn` without the values.
 std::string description( Published const & published, bool isWithdrawn );
-// Every change, with " " in front of the first and ", " in front of the others.
+// All changes, with " " before the first and ", " before the others.
 std::string description( std::vector< Change > const & changes, bool isWithdrawn );
 
 }  // namespace Scenario

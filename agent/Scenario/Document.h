@@ -1,4 +1,4 @@
-// The YAML document that a text is.
+// Reads a text as a YAML document.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace Scenario {
 
-// The one document that `text` is. ReadError, which names `file`, when it is not YAML, more than
-// one document, or nothing that a scenario can be (Scenario/Survey.h).
+// The one document of `text`. Throws ReadError, which names `file`, when the text is not YAML,
+// holds more than one document, or cannot be a scenario (Scenario/Survey.h).
 Value documentIn( std::string const & text, std::string const & file );
 
 }  // namespace Scenario

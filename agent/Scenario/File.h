@@ -1,8 +1,9 @@
-// The text of a scenario's file.
+// Reads the text of a scenario's file.
 //
-// A file, a pipe or standard input, read to its end. A directory, what is not there, what may not
-// be read and what is empty are told apart, each with its remedy and without a line, since none is
-// to blame. What no scenario can be is not taken in whole: a text ends at kLongest bytes.
+// The file can be a file, a pipe or standard input, and is read to its end. A directory, a missing
+// file, one without the right to read it and an empty one each have a message with a remedy. These
+// messages have no line, since no line is to blame. Reading stops at kLongest bytes, because no
+// scenario is longer.
 #pragma once
 
 #include <chrono>
@@ -13,20 +14,20 @@
 
 namespace Scenario {
 
-// A text that is longer is no scenario.
+// No scenario is longer.
 inline constexpr std::size_t kLongest = std::size_t{ 16 } * 1024 * 1024;
 
-// How long a named pipe may be without anybody who writes.
+// The time to wait for a writer of a named pipe.
 inline constexpr std::chrono::milliseconds kPatience{ 3000 };
 
-// What stands in `file`. ReadError when it cannot be read, or nothing stands there.
+// The text of `file`. ReadError when it cannot be read, or is empty.
 std::string textIn( std::filesystem::path const & file,
                     std::chrono::milliseconds patience = kPatience );
 
-// What comes through a descriptor, up to its end; `file` names it in problems. Not closed.
+// The text from a descriptor, up to its end; `file` names it in problems. Does not close it.
 std::string textOf( int descriptor, std::filesystem::path const & file );
 
-// Why `file` could not be opened or read, by the number of the system's error.
+// Why `file` could not be opened or read; `error` is the system's error number.
 Problem whyUnreadable( std::filesystem::path const & file, int error );
 
 }  // namespace Scenario

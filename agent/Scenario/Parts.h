@@ -1,4 +1,4 @@
-// The parts of a scenario, each read by a function of the same shape; one source file per subject.
+// The parts of a scenario. A function of the same shape reads each; one source file per subject.
 //
 // | source         | reads                                                     |
 // |----------------|-----------------------------------------------------------|
@@ -9,7 +9,7 @@
 // |                | plug-in is loaded and in steps                            |
 // | Forwarding.cpp | `forwarding`                                              |
 //
-// Steps/ and Expectations/ hold what reads `steps`, a source for each kind.
+// Steps/ and Expectations/ hold the readers of `steps`, one source for each kind.
 #pragma once
 
 #include <optional>
@@ -28,13 +28,13 @@ Choices< Variant > const & variants();
 void readEvpn( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readPublish( Reading & reading, Value const & value, std::vector< Change > & changes );
 void readWithdraw( Reading & reading, Value const & value, std::vector< Change > & changes );
-// Segments and tunnel interfaces, each followed by what it holds.
+// Segments and tunnel interfaces, each followed by its contents.
 void readReplaced( Reading & reading, Value const & value, std::vector< Change > & changes );
 
-// The address of a remote VTEP: one that a packet can be sent to.
+// The address of a remote VTEP; a packet can be sent to it.
 std::optional< Pelk::IpGenAddr > vtepIn( Reading & reading, std::string const & text, int line );
 
-// An interface or a port channel, of which there must be a definition somewhere.
+// An interface or a port channel, which the scenario must define somewhere.
 std::optional< Pelk::IntfId > intfIn( Reading & reading, std::string const & text, int line );
 std::optional< Pelk::IntfId > intfOf( Reading & reading, Value const & value );
 

@@ -20,7 +20,7 @@ std::size_t lineEnd( std::string_view text, std::size_t at ) {
    return std::min( text.find( '\n', at ), text.size() );
 }
 
-// Where the first word of a line stands, after the dashes of lists.
+// The column of the first word of a line, after the dashes of lists.
 std::size_t depthOf( std::string_view line ) {
    std::size_t at = 0;
    while ( at < line.size() &&
@@ -62,7 +62,7 @@ std::optional< std::size_t > lineOutsideOf( std::string_view text, std::size_t o
                                             std::size_t close ) {
    std::size_t const begin = text.rfind( '\n', open ) + 1;
    std::size_t const depth = depthOf( text.substr( begin, lineEnd( text, begin ) - begin ) );
-   // A text that begins its line goes on right below its quote.
+   // A text that begins its line may go on right below its quote.
    std::size_t const least = depth == open - begin ? depth : depth + 1;
    for ( std::size_t at = lineEnd( text, open ) + 1; at <= close; at = lineEnd( text, at ) + 1 ) {
       std::string_view const line = text.substr( at, std::min( lineEnd( text, at ), close ) - at );

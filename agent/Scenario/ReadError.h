@@ -1,4 +1,4 @@
-// Why a scenario was refused.
+// The reasons for refusing a scenario.
 #pragma once
 
 #include <stdexcept>
@@ -9,21 +9,21 @@ namespace Scenario {
 
 struct Problem {
    std::string file;
-   int line = 1;         // 0: it is about the file as a whole
-   std::string message;  // what is wrong, and what would be right
+   int line = 1;         // 0: the problem concerns the file as a whole
+   std::string message;  // the mistake and the remedy
 
-   // "FILE:LINE: MESSAGE", fit to be shown: in one line, and without control characters. About the
-   // file as a whole "FILE: MESSAGE".
+   // "FILE:LINE: MESSAGE", or "FILE: MESSAGE" about the file as a whole; one line without control
+   // characters.
    std::string text() const;
 };
 
-// All that is wrong with a scenario. what() has one line per problem, up to kMostShown, and then
-// the number of the others.
+// All problems of a scenario. what() has one line per problem, up to kMostShown, and then the
+// number of the others.
 class ReadError : public std::runtime_error {
  public:
    static constexpr std::size_t kMostShown = 20;
 
-   // One problem at least; in the order in which they are to be shown.
+   // One problem at least, in the order of the output.
    explicit ReadError( std::vector< Problem > problems );
 
    std::vector< Problem > const & problems() const { return problems_; }

@@ -16,7 +16,7 @@ bool matches( std::string_view pattern, std::string_view name ) {
 
 }  // namespace
 
-// Blanks and comments alone stand between the dash and what comes next.
+// Only blanks and comments stand between the dash and the next node.
 int Reading::lineOfDash( YAML::Mark const & next ) const {
    std::istringstream in( text_ );
    int dash = 1;
@@ -43,7 +43,7 @@ std::optional< U16 > Reading::module( U16 unit, int line ) {
    if ( auto const found = modules_.find( unit ); found != modules_.end() ) {
       return found->second;
    }
-   // Without any unit the problem is told there, once.
+   // A switch without units is reported there, once.
    if ( !modules_.empty() ) {
       std::string known;
       for ( auto const & [ number, _ ] : modules_ ) {

@@ -1,19 +1,18 @@
-// The model of a scenario: a switch, what other agents publish before the plug-in is loaded, and
-// the steps of a story.
+// The model of a scenario: a switch, the state that other agents publish before the plug-in is
+// loaded, and the steps of a story.
 //
-// All but the actions of steps are plain values; docs/scenarios.md describes the language that they
-// are read from, and Scenario/Reader.h reads it. A model that the reader hands out is whole: every
-// interface that it names is defined, every unit is one of the switch's, every path is well formed.
-// Whether an entity or an attribute exists shows when a step is carried out; `line` is there to say
-// where the step stands.
+// Everything but the actions of steps is a plain value. docs/scenarios.md describes the language,
+// and Scenario/Reader.h reads it. The reader makes sure that every interface of a model is defined,
+// every unit is one of the switch's, and every path is well formed. Only carrying out a step shows
+// whether an entity or an attribute exists; `line` is the step's place for such errors.
 //
-// Changes. Whatever agents publish or withdraw is a list of changes, each of which is one change of
-// one attribute of one entity, and so one turn of the activity. They are in the order in which they
-// are to happen: in steps as written; before the plug-in is loaded interfaces first, then port
-// channels, segments, VTEPs and tunnel interfaces. What must enter before its parts does: a segment
-// before its VTEPs, a tunnel interface before its mappings.
+// Changes. The state that agents publish or withdraw is a list of changes. Each changes one
+// attribute of one entity and is one turn of the activity. The list has the order in which the
+// changes happen: in steps as written; before the plug-in is loaded interfaces first, then port
+// channels, segments, VTEPs and tunnel interfaces. A segment enters before its VTEPs, and a tunnel
+// interface before its mappings.
 //
-// What a step does is an Action, which knows the rest; Steps/Table.cpp lists all kinds.
+// The Action of a step holds the rest; Steps/Table.cpp lists all kinds.
 #pragma once
 
 #include <filesystem>
@@ -36,7 +35,7 @@
 
 namespace Scenario {
 
-// --- the switch
+// --- The switch
 
 using Audit::Variant;
 
@@ -45,7 +44,7 @@ struct SwitchUnit {
    U16 module = 0;
 };
 
-// The entries that a group has on each unit; nothing: the switch has no such group.
+// The number of entries of a group on each unit; nothing: the switch has no such group.
 struct Tcam {
    static constexpr U32 kUsualEntries = 256;
    static constexpr U32 kMostEntries = 65536;
@@ -56,11 +55,11 @@ struct Tcam {
 
 // The ids that the central allocator hands out, both ends included.
 struct ClassIds {
-   static constexpr U16 kHighest = 0xfffe;  // 0xffff stands for no class id
+   static constexpr U16 kHighest = 0xfffe;  // 0xffff means no class id
 
    U16 first = 1;
    U16 last = 4095;
-   U32 delay = 0;  // turns between a request and its grant, beside the grant's own
+   U32 delay = 0;  // turns between a request and its grant, in addition to the grant's own
 };
 
 struct Switch {
@@ -70,11 +69,11 @@ struct Switch {
    std::vector< SwitchUnit > units;  // ascending; at least one
    Tcam tcam;
    ClassIds classIds;
-   // The platform does without per-VNI rules for known L3 multicast.
+   // The platform needs no per-VNI rules for known L3 multicast.
    bool isL3MulticastExempt = false;
 };
 
-// --- what agents publish; a withdrawal leaves the values (port, virtual port, VNI) default-built
+// --- Published state; a withdrawal leaves the values (port, virtual port, VNI) default-built
 
 // An interface has a chip port.
 struct InterfacePort {
@@ -87,7 +86,7 @@ struct PortChannelMember {
    Pelk::IntfId member;
 };
 
-// There is an Ethernet segment on the interface. Withdrawn with all its VTEPs.
+// There is an Ethernet segment on the interface. Its withdrawal takes all its VTEPs with it.
 struct Segment {
    Pelk::IntfId intf;
 };
@@ -104,24 +103,24 @@ struct VtepVirtualPort {
    U32 virtualPort = 0;
 };
 
-// There is a tunnel interface. Withdrawn with all its mappings.
+// There is a tunnel interface. Its withdrawal takes all its mappings with it.
 struct TunnelInterface {
    Pelk::IntfId intf;
 };
 
-// The VRF is routed over the tunnel interface in that VNI.
+// The VRF is routed over the tunnel interface with that VNI.
 struct VrfVni {
    Pelk::IntfId intf;
    L3::VrfName vrf;
    Vxlan::VniExtOrNone vni;
 };
 
-// A class id is wanted for the remote VTEP: what an earlier run of the agent has left behind.
+// An earlier run of the agent has left behind a request of a class id for the remote VTEP.
 struct ClassIdRequest {
    Pelk::IpGenAddr vtep;
 };
 
-// The class id that the remote VTEP is granted.
+// The remote VTEP is granted the class id.
 struct ClassIdGrant {
    Pelk::IpGenAddr vtep;
    VornalCommon::ClassId id;
@@ -136,8 +135,8 @@ struct Change {
    int line = 0;
 };
 
-// A new entity takes the place of the one of its key, in one change, with all that it holds; where
-// there is none, it enters filled.
+// A new entity replaces the one with its key and all its contents in one change. If there is none,
+// it enters filled.
 struct SegmentReplaced {
    Pelk::IntfId intf;
    std::vector< Pelk::IpGenAddr > vteps;
@@ -155,37 +154,37 @@ struct Replacement {
    int line = 0;
 };
 
-// --- steps
+// --- Steps
 
 struct Step {
-   // Copies of a model share what its steps do; nobody changes it.
+   // Copies of a model share the actions, which nobody changes.
    std::shared_ptr< Action const > action;
    int line = 0;
 
-   // What the step does, if it is of that kind.
+   // The action, if it is of that kind.
    template< typename Kind > Kind const * as() const {
       return dynamic_cast< Kind const * >( action.get() );
    }
 };
 
-// --- the whole
+// --- The whole scenario
 
-// Text trace levels of the handles that `handles` matches, as Trace::levelsIs takes both.
+// Text trace levels of the handles that `handles` matches, in the form that Trace::levelsIs takes.
 struct TraceLevels {
    std::string handles;
    std::string levels;
-   int line = 0;  // 0: it is not of the scenario
+   int line = 0;  // 0: it does not come from the scenario
 };
 
 struct Model {
-   std::string file;  // what `line` counts in, as it was given to the reader
+   std::string file;  // the file that `line` counts in, as the reader got it
    std::string name;
    std::string description;
    Switch device;
    std::optional< Forwarding > forwarding;  // nothing: it forwards no frames
    std::vector< Change > published;         // before the plug-in is loaded
    std::filesystem::path featureFiles;      // the directory of the feature files
-   std::vector< TraceLevels > trace;        // in force from before the plug-in is loaded
+   std::vector< TraceLevels > trace;        // set before the plug-in is loaded
    std::vector< Step > steps;
 };
 

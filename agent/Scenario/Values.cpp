@@ -9,10 +9,10 @@ namespace Scenario {
 
 namespace {
 
-// How much of a text is shown in a problem.
+// The longest text that a problem shows whole.
 constexpr std::size_t kShown = 40;
 
-// The tag that YAML gives to what stands in quotes.
+// YAML's tag for a value in quotes.
 constexpr std::string_view kQuoted = "!";
 
 void wrongKind( Reading & reading, Value const & value, std::string const & expected ) {
@@ -24,7 +24,7 @@ std::string withoutQuotes( Value const & value ) {
    return value.node.Tag() == kQuoted ? ", without quotes" : "";
 }
 
-// Of an element of a list.
+// The line of an element of a list.
 int lineOf( Reading const & reading, Value const & list, YAML::Node const & element ) {
    if ( !element.IsNull() ) {
       return element.Mark().line + 1;
@@ -33,7 +33,7 @@ int lineOf( Reading const & reading, Value const & list, YAML::Node const & elem
    return hasDashes ? reading.lineOfDash( element.Mark() ) : list.line;
 }
 
-// The words of YAML 1.2; "yes" and "on" are texts there.
+// The words of YAML 1.2. There, "yes" and "on" are texts.
 bool isYesOrNo( std::string_view text ) {
    constexpr std::array< std::string_view, 6 > words{ "true",  "True",  "TRUE",
                                                       "false", "False", "FALSE" };

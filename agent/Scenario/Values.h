@@ -1,7 +1,6 @@
-// The values of scenarios: members of mappings, elements of lists, texts, numbers, choices.
+// Reads the values of scenarios: members of mappings, elements of lists, texts, numbers, choices.
 //
-// What is not as it should be is reported under the value's name: "level is 'x'; a whole number
-// from 0 to 9 is expected".
+// A problem with a value names it: "level is 'x'; a whole number from 0 to 9 is expected".
 #pragma once
 
 #include <algorithm>
@@ -22,43 +21,44 @@
 
 namespace Scenario {
 
-// `text` in single quotes, cut short where it is long; a path is never cut.
+// `text` in single quotes, cut short if it is long; a path is never cut.
 std::string inQuotes( std::string_view text );
 std::string pathInQuotes( std::string_view path );
 
 // The members of a mapping under their keys, in the order written; of a repeated key the first.
-// What is not a mapping is a problem.
+// Anything but a mapping is a problem.
 std::vector< Value > mappingOf( Reading & reading, Value const & value );
-// The elements of a list. What is not a list is a problem.
+// The elements of a list. Anything but a list is a problem.
 std::vector< Value > listOf( Reading & reading, Value const & value );
 
-// A text that is not empty; a number or a boolean counts as one. `expected` says what it is to be.
+// A text that is not empty; a number or a boolean counts as one. `expected` describes it in
+// problems.
 std::optional< std::string > stringOf( Reading & reading, Value const & value,
                                        std::string const & expected = "text" );
 
-// A whole number in decimal, or in hexadecimal after 0x. `alternative` says what may stand there
-// instead, which is the caller's to look for: ", or none".
+// A whole number in decimal, or in hexadecimal after 0x. `alternative` names another value that the
+// caller accepts, for the problem's text: ", or none".
 std::optional< U32 > numberOf( Reading & reading, Value const & value, U32 lowest, U32 highest,
                                std::string const & alternative = "" );
-// The number that a text, or a value without quotes, is; nothing when it is none.
+// The number in a text, or in a value without quotes; nothing for any other text.
 std::optional< U32 > numberIn( std::string_view text );
 std::optional< U32 > numberIn( Value const & value );
 
-// `text` in the text form of T, whose own words say what is wrong with it.
+// `text` in the text form of T; the error of T says what is wrong with it.
 template< typename T >
 std::optional< T > parsed( Reading & reading, std::string const & text, int line ) {
    try {
       return Quelm::fromText< T >( text );
    } catch ( Quelm::TextError const & error ) {
       std::string_view const reason = error.what();
-      // A reason that begins so names no text.
+      // A reason that begins with this word does not name the text.
       reading.problem( line, ( reason.starts_with( "expected" ) ? inQuotes( text ) + ": " : "" ) +
                                 std::string( reason ) );
       return std::nullopt;
    }
 }
 
-// What a value in the text form of T is, in words.
+// A value in the text form of T, described in words.
 template< typename T > inline constexpr std::string_view kExample = "text";
 template<>
 inline constexpr std::string_view kExample< Pelk::IpGenAddr > = "an IP address, as in 10.0.0.2,";
@@ -72,10 +72,10 @@ template< typename T > std::optional< T > valueOf( Reading & reading, Value cons
    return text ? parsed< T >( reading, *text, value.line ) : std::nullopt;
 }
 
-// Where each of several things stands that must differ from each other: its line by its value.
+// The line of each thing by its value, for things that must differ from each other.
 template< typename T > using Seen = std::map< T, int >;
 
-// Whether `thing` is new in `seen`; otherwise that is a problem.
+// `thing` is new in `seen`; otherwise that is a problem.
 template< typename T >
 bool isFirst( Reading & reading, Seen< T > & seen, T const & thing, int line ) {
    auto const [ before, isNew ] = seen.try_emplace( thing, line );
@@ -86,13 +86,13 @@ bool isFirst( Reading & reading, Seen< T > & seen, T const & thing, int line ) {
    return isNew;
 }
 
-// A key of type T, and what stands under it.
+// A key of type T, and the value under it.
 template< typename T > struct Keyed {
    T key;
    Value value;
 };
 
-// The members of a mapping, each key once; `read` makes a T of a key's text and its line, or
+// The members of a mapping, each key once; `read` turns a key's text and its line into a T, or into
 // nothing.
 template< typename Read > auto keyedOf( Reading & reading, Value const & value, Read read ) {
    using T = typename std::invoke_result_t< Read, Reading &, std::string const &, int >::value_type;
@@ -107,7 +107,7 @@ template< typename Read > auto keyedOf( Reading & reading, Value const & value, 
    return result;
 }
 
-// A thing of type T, and the line in which it stands.
+// A thing of type T, and its line.
 template< typename T > struct Placed {
    T thing;
    int line;
@@ -128,7 +128,7 @@ template< typename Read > auto distinctOf( Reading & reading, Value const & valu
    return result;
 }
 
-// One row of the texts that a value is chosen from.
+// A value and the text that stands for it in a scenario.
 template< typename T > struct Choice {
    std::string_view name;
    T value;
@@ -148,7 +148,7 @@ template< typename T > struct Choices {
       return result;
    }
 
-   // The name of a value that is among them.
+   // The name of a value among the choices.
    std::string_view nameOf( T value ) const {
       return std::find_if( all.begin(), all.end(),
                            [ value ]( Choice< T > const & one ) { return one.value == value; } )
@@ -156,7 +156,7 @@ template< typename T > struct Choices {
    }
 };
 
-// The value whose name is given.
+// The value with this name.
 template< typename T >
 std::optional< T > choiceOf( Reading & reading, Value const & value,
                              Choices< T > const & choices ) {

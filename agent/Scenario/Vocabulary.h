@@ -1,5 +1,5 @@
-// The words of the language, less those of its steps (Steps/Reader.h has all of them), for those
-// who must agree with the reader: the JSON Schema and its test.
+// The words of the language without its steps (Steps/Reader.h has all of them), for the JSON Schema
+// and its test, which must agree with the reader.
 #pragma once
 
 #include <vector>
@@ -9,7 +9,7 @@
 namespace Scenario {
 
 // The words of every mapping with a fixed set of words ("switch", "publish"), and the texts of
-// every value that is one of a few ("variant"), by place.
+// every choice ("variant"), by place.
 std::vector< WordList > vocabulary();
 
 }  // namespace Scenario
