@@ -1,6 +1,6 @@
-// StateDatabase::Directory: entities by the path they are at.
+// StateDatabase::Directory: entities by path.
 //
-// A path is made of names with '/' between them and none in front: "evpn/status". The directory
+// A path consists of names with '/' between them and none in front: "evpn/status". The directory
 // keeps its entities alive, and hands them out in the order of their paths.
 //
 // Failures: Quelm::AccessError, which leaves the directory as it was.
@@ -18,10 +18,9 @@ class Directory {
  public:
    using Entities = std::map< std::string, Quelm::Ptr< Kiv::Entity >, std::less<> >;
 
-   // Puts an entity at a path where there is none.
+   // Puts an entity at a free path.
    void entityIs( std::string const & path, Quelm::Ptr< Kiv::Entity > const & entity );
-   // Creates an entity of that type at a path where there is none. The entity's name is the last
-   // one of the path.
+   // Creates an entity of that type at a free path. The last name of the path becomes its name.
    Quelm::Ptr< Kiv::Entity > entityNew( std::string const & path, std::string const & type );
    void entityDel( std::string_view path );
 
@@ -33,7 +32,7 @@ class Directory {
    Entities entities_;
 };
 
-// Whether the entity is of the named type, or of one derived from it.
+// The entity's type is the named one, or derived from it.
 bool isOfType( Kiv::Entity const & entity, std::string_view type );
 
 }  // namespace StateDatabase

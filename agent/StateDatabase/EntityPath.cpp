@@ -8,8 +8,8 @@ bool isSegmentCharacter( char c ) {
    return c != '/' && Quelm::isNameCharacter( c );
 }
 
-// A key without the brackets around it. A bracket within double quotes, in which a backslash takes
-// away the meaning of what follows, does not end it.
+// Reads a key without the brackets around it. A bracket within double quotes does not end it; a
+// backslash there escapes the next character.
 std::string readKey( Quelm::TextReader & in ) {
    std::string key;
    bool isQuoted = false;

@@ -1,17 +1,17 @@
-// EntityPath: where an entity of a running switch is found.
+// EntityPath: the place of an entity of a running switch.
 //
 //    /evpn/status                                            a mounted entity
 //    /evpn/status/segmentStatus[Port-Channel2]               a member of one of its collections
-//    /shared/vornalCommon/sliceDependencyPoints              what a reference refers to
+//    /shared/vornalCommon/sliceDependencyPoints              the entity that a reference names
 //    /plugins/Vornal::VornalEvpnMounter                      a plug-in's mounter
 //
-// A path begins with the place where an entity is mounted, or with /shared or /plugins and a name;
-// after that every segment names an attribute that leads to another entity, with the key in
-// brackets where the attribute has keys. The text alone does not tell where the one ends and the
-// other begins: whoever resolves the path takes the longest beginning that is mounted.
+// A path begins with the place where an entity is mounted, or with /shared or /plugins and a name.
+// Each further segment names an attribute that leads to another entity, with the key in brackets if
+// the attribute has keys. The text alone does not show where the first part ends: the finder takes
+// the longest beginning that is mounted.
 //
-// Names consist of letters, digits and any of "_-.:@#". A key is written in the text form of its
-// type (Quelm/Text.h), so it may hold '/'; a ']' in it stands within double quotes.
+// Names consist of letters, digits and any of "_-.:@#". A key has the text form of its type
+// (Quelm/Text.h), so it may hold '/'; a ']' in it stands within double quotes.
 //
 // Failures: only reading fails, with Quelm::TextError. Reading and writing are each other's
 // inverse.
@@ -30,14 +30,14 @@ class EntityPath : public Quelm::Value {
  public:
    struct Segment {
       std::string name;
-      std::optional< std::string > key;  // the key's text, as it stands in the brackets
+      std::optional< std::string > key;  // the text in the brackets
 
       friend bool operator==( Segment const &, Segment const & ) = default;
    };
 
-   // The path that leads nowhere, which no text stands for.
+   // An empty path, which has no text.
    EntityPath() = default;
-   // One segment at least.
+   // Takes one segment at least.
    explicit EntityPath( std::vector< Segment > segments ) : segments_( std::move( segments ) ) {}
 
    static EntityPath fromString( std::string_view text );

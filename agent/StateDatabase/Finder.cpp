@@ -25,7 +25,7 @@ std::string keysOf( Kiv::Attribute const & attribute, Kiv::Entity const & entity
    return text.empty() ? "it is empty" : "it has " + text + more;
 }
 
-// The attribute leads to no entity.
+// Says that the attribute leads to no entity.
 std::string nowhere( Kiv::Attribute const & attribute, Kiv::Entity const & entity,
                      Segment const & segment ) {
    return segment.key ? "'" + segment.name + "' has no key '" + *segment.key + "'; " +
@@ -41,7 +41,7 @@ std::string beginning( EntityPath const & path, std::size_t count ) {
       .stringValue();
 }
 
-// From the entity that the first `taken` segments lead to.
+// Follows the segment at `taken` from the entity that the segments before it lead to.
 Quelm::Ptr< Kiv::Entity > step( Kiv::Entity const & from, EntityPath const & path,
                                 std::size_t taken ) {
    using Kind = Kiv::Attribute::Kind;
@@ -81,7 +81,7 @@ Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string cons
                              name + "'" + ( known.empty() ? "" : "; it has " + known ) );
 }
 
-// "did you mean '/evpn/status'? Paths", where the path begins almost like that; else "paths".
+// "did you mean '/evpn/status'? Paths" for a path that begins almost like that; else "paths".
 std::string Finder::hintOf( EntityPath const & path ) const {
    Directory::Entities const all = roots();
    std::vector< std::string > known;

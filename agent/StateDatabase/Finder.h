@@ -1,9 +1,9 @@
-// From the path of an entity, or of an attribute, to the thing itself, by the generic interface.
+// Finds the entity or the attribute at a path through the generic interface.
 //
-// A path begins with the place of an entity in one of the directories, the longest that fits, and
-// goes on with attributes that lead to further entities (StateDatabase/EntityPath.h).
+// A path begins with the longest place in one of the directories that fits, and goes on with
+// attributes that lead to further entities (StateDatabase/EntityPath.h).
 //
-// Failures: Quelm::AccessError, which names the path, and says how far it leads and what is there.
+// Failures: Quelm::AccessError names the path, tells how far it leads and lists the choices there.
 #pragma once
 
 #include <string>
@@ -29,7 +29,7 @@ class Finder {
  private:
    struct Root {
       Quelm::Ptr< Kiv::Entity > entity;
-      std::size_t segments = 0;  // how many of the path's it takes
+      std::size_t segments = 0;  // the number of the path's segments that it takes
    };
 
    std::string hintOf( EntityPath const & path ) const;
@@ -38,7 +38,7 @@ class Finder {
    std::vector< Directory const * > directories_;
 };
 
-// The attribute of that name; AccessError naming those that there are.
+// The attribute of that name. The AccessError for an unknown name lists the attributes.
 Kiv::Attribute const & attributeOf( Kiv::Entity const & entity, std::string const & name );
 
 }  // namespace StateDatabase

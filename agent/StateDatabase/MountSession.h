@@ -1,20 +1,18 @@
-// The state database as one mounter sees it: the agent's side of Corrum/Mount.h.
+// A mounter's view of the state database: the agent's side of Corrum/Mount.h.
 //
-// What holds:
 // - A mount group is performed in an activity turn of its own, after the turn that closed it. A
-// group
-//   that was closed with an empty name then tells the mounter; one closed with a name tells nobody.
-// - A path that nobody publishes counts as mounted: it is empty, and stays so. What fails a mount
-// is an
-//   entity of another type at the path, and flags that begin with neither 'r' nor 'w'. The group's
-//   status is complete when no mount failed, failed when all did, partial otherwise.
-// - Mounting gives no rights: an entity can be looked up at any path, mounted or not, by its actual
-//   type, as the agent's own code publishes some that no plug-in mounts.
+//   group that was closed with an empty name then tells the mounter; one closed with a name tells
+//   nobody.
+// - A path without an entity counts as mounted: it is empty, and stays empty. A mount fails for an
+//   entity of another type at the path, and for flags that begin with neither 'r' nor 'w'. The
+//   group's status is complete when no mount failed, failed when all failed, partial otherwise.
+// - Mounting gives no rights. An entity can be looked up at any path, mounted or not, by its actual
+//   type; the agent's own code publishes some that no plug-in mounts.
 //
-// A closed group is finished: to mount more, or to close it again, throws Quelm::AccessError.
+// A closed group is finished: mounting more, or closing it again, throws Quelm::AccessError.
 //
-// Every mount, its outcome and every look-up are told to the observer. The directory, the activity
-// and the observer must outlive the session and its groups. Threads: the activity's.
+// The observer is told every mount, its outcome and every look-up. The directory, the activity and
+// the observer must outlive the session and its groups. Threads: the activity's.
 #pragma once
 
 #include <functional>
@@ -27,7 +25,7 @@
 
 namespace StateDatabase {
 
-// What a session works with.
+// The objects that a session works with.
 struct SessionContext {
    std::string mounter;  // its name
    Directory const & directory;

@@ -1,5 +1,5 @@
-// The entities that the agent shares with its plug-ins by name: "vornalCommon" and "tcamManager".
-// They are those below "shared/" in a directory. It tells the observer which one was asked for.
+// The entities that the agent shares with its plug-ins by name: "vornalCommon" and "tcamManager". A
+// directory holds them below "shared/". The observer is told which one was asked for.
 #pragma once
 
 #include <StateDatabase/Directory.h>

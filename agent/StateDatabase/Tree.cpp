@@ -8,7 +8,7 @@ namespace {
 
 using Kind = Kiv::Attribute::Kind;
 
-// One walk over an entity and what it refers to.
+// One walk over an entity and the entities that it refers to.
 class Walk {
  public:
    explicit Walk( Directory::Entities const & published ) {
@@ -30,7 +30,7 @@ class Walk {
    }
 
  private:
-   // The tree of an entity that is referred to.
+   // The tree of an entity at the end of a reference.
    Story::EntityTree target( std::string const & path, Kiv::Entity const & entity ) {
       auto const shown = shownAt_.find( &entity );
       if ( shown == shownAt_.end() ) {

@@ -1,9 +1,9 @@
-// An entity, and what belongs to it, as a tree of texts.
+// Turns an entity and its parts into a tree of texts.
 //
-// Attributes come in the order of the introspection table, members in that of their keys;
-// operations are left out. What an attribute refers to is shown in place, except an entity that has
-// a path of its own, and one that the same tree shows already: of these it says where. So a tree
-// ends, also where entities refer to each other.
+// Attributes come in the order of the introspection table, members in the order of their keys;
+// operations are left out. A referred entity is shown in place. If it has a path of its own, or
+// stands in the same tree already, the tree shows only its path. So a tree ends even where entities
+// refer to each other.
 #pragma once
 
 #include <StateDatabase/Directory.h>
@@ -11,8 +11,8 @@
 
 namespace StateDatabase {
 
-// The tree of `entity`, which is at `path`; `published` are the entities that have paths of their
-// own.
+// The tree of `entity`, whose path is `path`; `published` lists the entities that have paths of
+// their own.
 Story::EntityTree treeOf( std::string const & path, Kiv::Entity const & entity,
                           Directory::Entities const & published );
 
