@@ -10,11 +10,11 @@ namespace Steps {
 
 struct Context;
 
-// A key that is left out is the empty one, where the keys have one. Quelm::AccessError when a key
-// is missing, or there are none.
+// A key that is left out is the empty key, if the attribute's keys have one. Throws
+// Quelm::AccessError when a key is missing, or the attribute has no keys.
 void checkKey( Kiv::Entity & entity, Kiv::Attribute const & attribute, std::string const & key );
 
-// Nobody leaves out a key on purpose without wanting to be told.
+// Warns about an empty key, which may have been left out by mistake.
 void tellEmptyKey( Context const & context, Scenario::AttributeAt const & at, int line );
 
 }  // namespace Steps

@@ -9,7 +9,7 @@
 
 namespace Steps {
 
-// The frames of a capture are injected, one after the other.
+// Injects the frames of a capture, one after the other.
 class Capture final : public Step {
  public:
    static std::vector< WordList > vocabulary();

@@ -7,7 +7,7 @@
 
 namespace Steps {
 
-// The allocator of class ids grants nothing while it is paused.
+// Pauses the allocator of class ids, which then grants nothing, or lets it serve again.
 class ClassIdAllocatorStep final : public Step {
  public:
    static std::vector< WordList > vocabulary();

@@ -1,11 +1,11 @@
-// What steps work on, and how they become turns.
+// The objects that steps work on, and the functions that turn steps into turns.
 //
 // A step becomes turns of the activity: one for every change that another agent writes, in the
-// order written, never merged, and one for every expectation. Whoever runs the activity until it is
-// idle has carried the step out.
+// order written, never merged, and one for every expectation. The step is carried out when the
+// activity is idle again.
 //
-// Failures: a turn that names something that is not there, or that the generic interface refuses,
-// throws InputError with the place in the scenario; the turns behind it stay queued.
+// Failures: a turn throws InputError with its place in the scenario when it names something that
+// does not exist, or something that the generic interface refuses. The turns behind it stay queued.
 #pragma once
 
 #include <functional>
@@ -21,7 +21,7 @@
 
 namespace Steps {
 
-// Everything in it must outlive its use, turns included.
+// All members must outlive their use, turns included.
 struct Context {
    std::string const & file;  // of the scenario
    Kiv::ActivityManager & activity;
@@ -34,7 +34,7 @@ struct Context {
    Story::Observer & observer;
 
    std::string placeOf( int line ) const;
-   // Does work whose refusals become InputErrors at that line; and queues a turn of such work.
+   // Does work whose errors become InputErrors at that line; and queues a turn of such work.
    void at( int line, std::function< void() > const & work ) const;
    void turnNew( int line, std::function< void() > turn ) const;
 };

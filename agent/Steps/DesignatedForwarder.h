@@ -8,7 +8,7 @@
 
 namespace Steps {
 
-// Interfaces forward, or do not forward, what came through a tunnel for several receivers.
+// Sets whether interfaces forward frames that came through a tunnel for several receivers.
 class DesignatedForwarder final : public Step {
  public:
    static std::string shape();

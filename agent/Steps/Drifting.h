@@ -1,4 +1,4 @@
-// What the step `drift` does to a chip.
+// The step `drift` at work on a chip.
 #pragma once
 
 #include <FieldProcessor/Unit.h>
@@ -7,8 +7,8 @@
 
 namespace Steps {
 
-// Quelm::AccessError when there is no such rule, more than one of that name, or the chip refuses
-// the change. The reporter tells the rules that have changed.
+// Throws Quelm::AccessError when no rule or more than one has that name, or when the chip refuses
+// the change. The reporter reports the changed rules.
 void drift( DriftStep const & what, Chip::Units & units, Reporters::ChipReporter & reporter );
 
 }  // namespace Steps

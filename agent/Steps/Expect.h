@@ -8,7 +8,7 @@
 
 namespace Steps {
 
-// What holds now.
+// Checks expectations now.
 class Expect final : public Step {
  public:
    static std::string shape();

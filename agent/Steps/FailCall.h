@@ -8,8 +8,8 @@
 
 namespace Steps {
 
-// Of the calls of a chip's operation from now on (Chip::kFallibleOperations), number `number` is
-// not made, and has this result code.
+// Lets a call of a chip's operation (Chip::kFallibleOperations) fail: the one with number `number`
+// from now on is not made, and has this result code.
 class FailCall final : public Step {
  public:
    static std::vector< WordList > vocabulary();

@@ -9,7 +9,7 @@
 
 namespace Steps {
 
-// Other users of the group hold `count` entries of it from now on, on one unit or on each of them.
+// Lets other users of the group hold `count` of its entries from now on, on one unit or on each.
 class ForeignEntries final : public Step {
  public:
    static std::vector< WordList > vocabulary();

@@ -10,7 +10,7 @@
 
 namespace Steps {
 
-// A frame of hosts, written as fields, is injected; through a tunnel if it says so.
+// Injects a frame of hosts that is written as fields; through a tunnel if the fields say so.
 class Frame final : public Step {
  public:
    static std::vector< WordList > vocabulary();
@@ -19,7 +19,7 @@ class Frame final : public Step {
    bool isAboutFrames() const override { return true; }
    void queue( Context const & context, int line ) const override;
 
-   std::optional< Pelk::IntfId > on;  // left out for a tunnel: the first underlay interface
+   std::optional< Pelk::IntfId > on;  // left out: the tunnel's first underlay interface
    Chip::FrameFields fields;
 };
 

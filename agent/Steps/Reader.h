@@ -1,4 +1,4 @@
-// Reads scenarios with all steps that there are.
+// Reads scenarios with all kinds of steps.
 #pragma once
 
 #include <filesystem>
@@ -10,12 +10,12 @@
 
 namespace Steps {
 
-// As Scenario::read() and Scenario::readText() have it.
+// See Scenario::read() and Scenario::readText().
 Scenario::Model readScenario( std::filesystem::path const & file );
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file );
 
 // The words of every mapping with a fixed set of words ("switch", "publish"), and the texts of
-// every value that is one of a few ("variant"), by place.
+// every choice ("variant"), by place.
 std::vector< Scenario::WordList > vocabulary();
 
 }  // namespace Steps

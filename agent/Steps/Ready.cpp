@@ -18,8 +18,7 @@ std::string digitsIn( std::string_view text ) {
    return digits;
 }
 
-// Whether the text was probably meant to be that one. Points that differ in a number are different
-// ones.
+// The text probably stands for the other one. Points that differ in a number are different points.
 bool isAlmost( std::string_view text, std::string_view meant ) {
    constexpr std::size_t kMostDifferent = 3;
    auto const [ shorter, longer ] = std::minmax( { text.size(), meant.size() } );

@@ -16,7 +16,7 @@ using Scenario::Replacement;
 using Scenario::SegmentReplaced;
 using Scenario::TunnelInterfaceReplaced;
 
-// Segments and tunnel interfaces begin an entity, what follows is in it.
+// Groups the changes by entity: a segment or a tunnel interface begins one, its parts follow.
 class Entities {
  public:
    explicit Entities( std::vector< Replacement > & all ) : all_( all ) {}

@@ -8,7 +8,7 @@
 
 namespace Steps {
 
-// New entities take the place of others, each in one change.
+// New entities replace others, each in one change.
 class Replace final : public TurnPart {
  public:
    void read( Reading & reading, Value const & value );

@@ -19,7 +19,7 @@ class Set final : public TurnPart {
    void change( Context const & context ) const override;
 
    Scenario::AttributeAt at;
-   std::string value;  // empty where only a key is inserted
+   std::string value;  // empty when only a key is inserted
 };
 
 }  // namespace Steps

@@ -1,19 +1,18 @@
-// The shape of a step.
+// The base of all steps.
 //
 // A step is one class in one pair of files, and a row of Steps/Table.cpp. It is default-built, and
-// has besides what Scenario/Action.h asks for
+// besides the functions of Scenario/Action.h it has
 //
-//    void read( Reading & reading, Value const & value );   // what stands under its word
+//    void read( Reading & reading, Value const & value );   // reads the value under its word
 //    static std::vector< WordList > vocabulary();           // the words of its mappings, if any
-//    static std::string shape();                            // of what stands under its word,
-//                                                           // unless that is a mapping or a
-//                                                           // choice which its word names
+//    static std::string shape();                            // of this value, unless its word
+//                                                           // names a mapping or a choice
 //
-// What it does to the published state it tells in follow() too, so that Scenario/Course.h can go on
-// with it. A step that changes something within one turn is a TurnPart; `turn` can hold it.
+// follow() tells Scenario/Course.h how the step changes the published state. A step that changes
+// something within one turn is a TurnPart; `turn` can hold it.
 //
-// Failures: a problem with the scenario is told to the reading. What shows only on the switch, such
-// as an attribute that is not there, is a Quelm::Error of the turn (Steps/Context.h).
+// Failures: the reading gets every problem with the scenario. A mistake that shows only on the
+// switch, such as a missing attribute, is a Quelm::Error of the turn (Steps/Context.h).
 #pragma once
 
 #include <string>
@@ -41,7 +40,7 @@ class Step : public Scenario::Action {
 
 class TurnPart : public Step {
  public:
-   // In a turn of its own.
+   // Queues a turn of its own.
    void queue( Context const & context, int line ) const override;
 
    // To be called within a turn.

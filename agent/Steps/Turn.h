@@ -8,7 +8,7 @@
 
 namespace Steps {
 
-// Several changes that are made in one turn, one after the other.
+// Makes several changes in one turn, one after the other.
 class Turn final : public Step {
  public:
    struct PlacedPart {

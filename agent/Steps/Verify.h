@@ -7,7 +7,7 @@
 
 namespace Steps {
 
-// The rules are audited, the plug-in's own pass runs, or both.
+// Audits the rules, runs the plug-in's own pass, or both.
 class Verify final : public Step {
  public:
    enum class How { audit, plugIn, both };
@@ -23,7 +23,8 @@ class Verify final : public Step {
    How how = How::both;
 };
 
-// An audit, and the plug-in's own pass after it: what that stops cannot be audited any more.
+// Queues an audit, and the plug-in's own pass after it, since nothing can be audited after the pass
+// has stopped the process.
 void queueVerification( Context const & context, Verify::How how, int line = 0 );
 
 }  // namespace Steps

@@ -8,7 +8,7 @@
 
 namespace Steps {
 
-// Other agents withdraw what they have published.
+// Other agents withdraw published state.
 class Withdraw final : public TurnPart {
  public:
    void read( Reading & reading, Value const & value );
