@@ -14,10 +14,10 @@ class Document;
 // An audit was made.
 struct Audited {
    static constexpr char const * kName = "audited";
-   U32 rules = 0;    // called for
+   U32 rules = 0;    // expected
    U32 entries = 0;  // in the chip
    std::vector< Difference > differences;
-   std::vector< std::string > unprotected{};  // VTEPs that a rule is missing for
+   std::vector< std::string > unprotected{};  // VTEPs that lack a rule
 
    static void fields( auto & event, auto && field ) {
       field( "rules", event.rules );

@@ -13,7 +13,7 @@ namespace Story {
 
 class Document;
 
-// Something reached the chip.
+// A call reached the chip.
 struct CallMade {
    static constexpr char const * kName = "callMade";
    Chip::HardwareCall call;
@@ -22,7 +22,7 @@ struct CallMade {
    void addTo( Document & document ) const;
 };
 
-// A rule is now like this.
+// A rule was added or changed; this is its present form.
 struct RuleIs {
    static constexpr char const * kName = "ruleIs";
    Chip::Rule rule;
@@ -30,7 +30,7 @@ struct RuleIs {
    static void fields( auto & event, auto && field ) { field( "rule", event.rule ); }
 };
 
-// A rule is not there any more.
+// A rule was removed.
 struct RuleGone {
    static constexpr char const * kName = "ruleGone";
    Chip::RuleKey key;
@@ -38,7 +38,7 @@ struct RuleGone {
    static void fields( auto & event, auto && field ) { field( "key", event.key ); }
 };
 
-// A step dumps the rules as they are in the chips.
+// A step dumps the present rules of the chips.
 struct RulesDumped {
    static constexpr char const * kName = "rulesDumped";
    Chip::Rules rules;
@@ -53,7 +53,7 @@ struct ForeignEntriesAre {
    U32 unit = 0;
    Vornal::TcamGroupAssignment group = 0;
    U32 asked = 0;
-   U32 held = 0;  // less than asked when there is no room for more
+   U32 held = 0;  // less than requested if the group has no more room
 
    static void fields( auto & event, auto && field ) {
       field( "unit", event.unit );
@@ -65,7 +65,7 @@ struct ForeignEntriesAre {
    void addTo( Document & document ) const;
 };
 
-// Frames come in, so many of them; each is told by itself.
+// This many frames come in; an event of its own tells each.
 struct FramesBegin {
    static constexpr char const * kName = "framesBegin";
    std::string arrival;  // the interface
@@ -80,7 +80,7 @@ struct FramesBegin {
 // A frame has gone through the switch.
 struct FrameForwarded {
    static constexpr char const * kName = "frameForwarded";
-   U64 number = 0;  // from 1, in the run
+   U64 number = 0;  // counts from 1 in the run
    Chip::FrameStory frame;
 
    static void fields( auto & event, auto && field ) {

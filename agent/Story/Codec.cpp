@@ -35,7 +35,7 @@ template< Story::HasFields T > struct adl_serializer< T > {
    }
 };
 
-// A value of the platform has a text.
+// A value of the platform is stored as its text.
 template< std::derived_from< Quelm::Value > T > struct adl_serializer< T > {
    static void to_json( json & out, T const & value ) { out = Quelm::textOf( value ); }
    static void from_json( json const & in, T & value ) {
@@ -43,7 +43,7 @@ template< std::derived_from< Quelm::Value > T > struct adl_serializer< T > {
    }
 };
 
-// Ports are the words of their bitmap.
+// Ports are stored as the words of their bitmap.
 template<> struct adl_serializer< Brum::PerUnitBitmap > {
    static void to_json( json & out, Brum::PerUnitBitmap const & ports ) {
       out = Chip::pbmpOf( ports ).words;
@@ -109,7 +109,7 @@ template<> struct adl_serializer< Story::Cell > {
    }
 };
 
-// A kind of difference goes by its name.
+// A kind of difference is stored as its name.
 template<> struct adl_serializer< Story::DifferenceKind > {
    static void to_json( json & out, Story::DifferenceKind kind ) { out = Story::nameOf( kind ); }
    static void from_json( json const & in, Story::DifferenceKind & kind ) {
@@ -124,10 +124,10 @@ namespace Story {
 namespace {
 
 constexpr char const * kNameField = "event";
-// More than any event has; each level of what is read costs stack.
+// Deeper than any event. Each level costs stack when it is read.
 constexpr int kDeepest = 1000;
 
-// No field of an event is a number with a fraction; the library would cut it off.
+// No field of an event has a fraction; the library would cut it off.
 void checkNumbers( nlohmann::json const & in, int depth = 0 ) {
    if ( in.is_number_float() ) {
       throw std::runtime_error( in.dump() + " stands where a whole number belongs" );
@@ -171,7 +171,7 @@ Event decoded( std::string const & line ) {
    } catch ( nlohmann::json::exception const & error ) {
       throw std::runtime_error( error.what() );
    } catch ( std::logic_error const & error ) {
-      throw std::runtime_error( error.what() );  // a name that is none of an enumeration's
+      throw std::runtime_error( error.what() );  // an unknown name of an enumeration's value
    }
 }
 

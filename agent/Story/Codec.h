@@ -1,4 +1,4 @@
-// Events as text, one line each: how they travel from the process of the agent to the one that
+// Events as text, one line each. In this form they travel from the agent's process to the one that
 // tells the story.
 //
 // A line is a JSON object: the event's name under "event", and its fields. Reading is the inverse
@@ -14,8 +14,8 @@ namespace Story {
 // The event's line, without line end.
 std::string encoded( Event const & event );
 
-// The event that `line` is. Throws std::runtime_error for anything else, a number with a fraction
-// where a whole one belongs included.
+// Reads the event of a line. Throws std::runtime_error for any other text, and for a number with a
+// fraction in place of a whole one.
 Event decoded( std::string const & line );
 
 }  // namespace Story

@@ -1,4 +1,4 @@
-// The JSON document of a run as it grows. Events add themselves to it; JsonWriter.h has its form.
+// The growing JSON document of a run. Events add themselves to it; JsonWriter.h describes its form.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -20,11 +20,11 @@ class Document {
 
    void stepNew( StepBegins const & step );
    bool hasStep() const { return !json_[ "steps" ].empty(); }
-   // The last one, which is under way.
+   // The step under way is the last one.
    Json & step() { return json_[ "steps" ].back(); }
-   // The object, with the number of the step in front.
+   // The object with the number of the step in front.
    Json withStep( Json const & object );
-   // Whether one more goes into that list of the step; takes note of it when it does not.
+   // The list of the step has room for one more; counts the omission if it has none.
    bool hasRoom( char const * list );
 
    void count( char const * counter, std::size_t by = 1 );

@@ -1,4 +1,4 @@
-// An entity, and what belongs to it, as text: read through the generic interface.
+// An entity and its parts as text, read through the generic interface.
 #pragma once
 
 #include <string>
@@ -12,10 +12,9 @@ struct EntityAttribute;
 
 struct EntityTree {
    std::string type;
-   std::string identity;  // its key or its name; empty when it has neither
-   // The path at which the entity is shown instead: because it is published there, or because the
-   // same tree has shown it there already. Empty when it is shown here; else there are no
-   // attributes.
+   std::string identity;  // its key or its name; empty without either
+   // The entity's other path, which shows it instead: it is published there, or stands there in the
+   // same tree. Then there are no attributes here. Empty when the entity is shown here.
    std::string shownAt;
    std::vector< EntityAttribute > attributes;
 
@@ -27,11 +26,11 @@ struct EntityTree {
    }
 };
 
-// One value of an attribute, one member of a collection, or one entity referred to.
+// One value of an attribute, one member of a collection, or one entity that a reference leads to.
 struct EntityItem {
    std::string key;                   // empty without keys
    std::string text;                  // empty for a member of a set, and for an entity
-   std::vector< EntityTree > entity;  // none, or one
+   std::vector< EntityTree > entity;  // at most one
 
    static void fields( auto & item, auto && field ) {
       field( "key", item.key );

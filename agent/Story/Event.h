@@ -1,9 +1,8 @@
-// What can happen in a run, as typed events.
+// The events of a run, as types.
 //
-// Everything that happens passes once, in order, as one of these events to a Story::Observer: what
-// the plug-in asks the agent for, what other agents publish, what reaches the chip, what is traced
-// and logged, and where the run stands. Whoever wants to show, count, record or check a run is an
-// observer of this one stream and needs nothing else.
+// Every event passes once, in order, to a Story::Observer: requests of the plug-in, state that
+// other agents publish, calls that reach the chip, traces and log lines, and the progress of the
+// run. An observer that shows, counts, records or checks a run needs nothing else.
 //
 // The order of a run:
 //
@@ -16,14 +15,14 @@
 //    RunEnds; Stopped when the process did not get there; BadInput when it could not go on;
 //    Interrupted when somebody wanted it to end
 //
-// Events are plain values without references to what they tell of: they outlive it, and travel from
-// the process of the agent to the one that tells the story (Story/Codec.h).
+// Events are plain values without references to their subjects. They outlive their subjects, and
+// travel from the agent's process to the one that tells the story (Story/Codec.h).
 //
-// An event is written in one place, a pair of files such as RunEvents.h and RunEvents.cpp. It has
+// An event stands in one pair of files, such as RunEvents.h and RunEvents.cpp. It has
 //
 //    kName       its name on the way between the processes
 //    fields()    its fields (Story/Fields.h), for that way and for documents
-//    words()     a line for people; without it people see nothing, or what HumanWriter makes of it
+//    words()     a line for people; without it HumanWriter writes its own, or none
 //    addTo()     its place in the JSON document (Story/Document.h), if it has one
 //
 // and stands in the list at the end of its header.
@@ -52,7 +51,7 @@ struct Joined< std::variant< A... >, std::variant< B... >, Others... >
 using Event =
    Joined< RunEvents, PluginEvents, StateEvents, ChipEvents, AuditEvents, ProcessEvents >::List;
 
-// Calls the one of several functions that takes the event at hand.
+// Calls the function that takes the event.
 template< typename... F > struct Overloaded : F... { using F::operator()...; };
 template< typename... F > Overloaded( F... ) -> Overloaded< F... >;
 

@@ -6,13 +6,12 @@
 //       static void fields( auto & event, auto && field ) { field( "number", event.number ); }
 //    };
 //
-// A structure of another ring has its list here, as a specialisation of Fields
-// (Story/ChipFields.h).
+// The list of a structure from another ring is a specialisation of Fields (Story/ChipFields.h).
 #pragma once
 
 namespace Story {
 
-// A third argument to `field`: in documents an empty text, or the number 0, is null.
+// As a third argument to `field`: in documents an empty text, or the number 0, becomes null.
 struct OrNull {};
 inline constexpr OrNull kOrNull;
 

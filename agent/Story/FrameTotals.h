@@ -1,4 +1,4 @@
-// What became of all frames of a run, in numbers.
+// The outcomes of all frames of a run, in numbers.
 #pragma once
 
 #include <map>
@@ -10,8 +10,8 @@ namespace Story {
 
 struct FrameTotals {
    U64 frames = 0;
-   std::map< std::string, U64 > drops;   // whole frames, by reason
-   std::map< std::string, U64 > copies;  // by verdict; those that stay where they came from not
+   std::map< std::string, U64 > drops;   // frames dropped as a whole, by reason
+   std::map< std::string, U64 > copies;  // by verdict, without those that stay at their source
 
    void add( Chip::FrameStory const & frame );
 

@@ -19,7 +19,7 @@ void HumanWriter::shown( std::string const & text ) {
    out_ << "   " << text << '\n';
 }
 
-// --- Where the run stands
+// --- The progress of the run
 
 void HumanWriter::tell( RunBegins const & event ) {
    out_ << style_.bold( event.title ) << " (" << Text::printable( event.scenario ) << ")\n";
@@ -201,7 +201,7 @@ void HumanWriter::tell( Audited const & event ) {
    }
 }
 
-// --- What the plug-in does
+// --- The plug-in's requests, traces and log lines
 
 void HumanWriter::tell( MountAsked const & event ) {
    if ( event.isToWrite() ) {

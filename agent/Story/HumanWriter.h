@@ -1,10 +1,9 @@
-// Tells a run to people, while it goes on: a line per step, indented below it what happened, and a
-// verdict at the end.
+// Tells people a run while it goes on: a line per step, its events indented below, and a verdict at
+// the end.
 //
-// What is shown below a step: what the plug-in asked the agent for, what it traced and logged, what
-// it wrote to the state database, the rules that the step added, changed and removed, what became
-// of the frames that came in, and which expectations held. What other agents publish is what the
-// step's own line says.
+// Below a step stand the plug-in's requests, traces, log lines and changes of the state database,
+// the rules that the step added, changed and removed, the outcomes of its frames, and its
+// expectations. The step's own line tells the changes of other agents.
 #pragma once
 
 #include <ostream>
@@ -45,7 +44,7 @@ class HumanWriter final : public Observer {
    void tell( EntityDumped const & event );
    void tell( RulesDumped const & event );
    void tell( Audited const & event );
-   // Every other event has a line, or none.
+   // All other events have one line, or none.
    template< typename Other > void tell( Other const & event ) {
       if constexpr ( requires { event.words(); } ) {
          detail( event.words() );
@@ -53,7 +52,7 @@ class HumanWriter final : public Observer {
    }
 
    void detail( std::string const & text ) { shown( Text::printable( text ) ); }
-   void shown( std::string const & text );  // which is printable already, colours and all
+   void shown( std::string const & text );  // takes printable text, with its colours
    void knownLimits();
    void ruleChanges();
    void ruleLine( std::string const & what, Chip::Rule const & rule );
@@ -70,7 +69,7 @@ class HumanWriter final : public Observer {
    FrameTotals totals_;
    std::size_t changesBefore_ = 0;     // before the first step
    std::size_t held_ = 0;              // expectations of this step
-   bool isAnyFailed_ = false;          // of this step
+   bool isAnyFailed_ = false;          // in this step
    std::set< std::string > writable_;  // paths that the plug-in mounts to write
 };
 

@@ -1,4 +1,4 @@
-// Something that the agent was given is wrong; what() says what, where, and what would be right.
+// The agent was given wrong input; what() tells the mistake, the place and the remedy.
 #pragma once
 
 #include <stdexcept>

@@ -30,7 +30,7 @@ Json jsonOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
    return Json::object();
 }
 
-// The qualifiers or actions that the content has, by name.
+// The content's qualifiers or actions, by name.
 Json jsonOf( Chip::EntryContent const & content, auto const & parts ) {
    Json json = Json::object();
    for ( auto const part : parts ) {
@@ -203,8 +203,8 @@ Json jsonOf( std::vector< KnownLimit > const & limits ) {
    return json;
 }
 
-// A dump escapes the control characters below the blank. The others, DEL and U+0080 to U+009F, can
-// stand in its texts alone.
+// Escapes DEL and U+0080 to U+009F, which can stand only in the texts of a document. A dump escapes
+// the control characters below the blank itself.
 std::string documentText( Json const & document ) {
    constexpr char kDel = 0x7f;
    constexpr char kC1Lead = '\xc2';

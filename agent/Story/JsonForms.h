@@ -1,4 +1,4 @@
-// How the parts of a story look in JSON documents. The names are described in docs/program.md.
+// The forms of a story's parts in JSON documents. docs/program.md describes the names.
 #pragma once
 
 #include <Story/ChipFields.h>
@@ -8,7 +8,7 @@
 
 namespace Story {
 
-// --- Forms of their own
+// --- Special forms
 
 Json jsonOf( Chip::Rule const & rule );
 Json jsonOf( Chip::HardwareCall const & call );
@@ -23,7 +23,7 @@ inline Json jsonOf( DifferenceKind kind ) {
    return nameOf( kind );
 }
 
-// --- All others
+// --- All other forms
 
 template< typename T > Json jsonOf( T const & value );
 
@@ -40,7 +40,7 @@ template< typename T > Json jsonOf( std::vector< T > const & values ) {
    return json;
 }
 
-// A structure has its fields by name; anything else stands as it is.
+// A structure becomes an object of its fields; other values stay unchanged.
 template< typename T > Json jsonOf( T const & value ) {
    if constexpr ( HasFields< T > ) {
       Json json = Json::object();
@@ -59,13 +59,13 @@ template< typename T > Json jsonOf( T const & value ) {
    }
 }
 
-// Empty texts are null.
+// An empty text becomes null.
 Json textOrNull( std::string const & text );
 
 // --- Documents
 
-// A whole document as text, with its line end. It is UTF-8 whatever the texts in it are, and holds
-// no control character but line ends.
+// A whole document as text, with its line end. It is UTF-8 whatever its texts contain, and has no
+// control character but line ends.
 std::string documentText( Json const & document );
 
 }  // namespace Story

@@ -38,7 +38,7 @@ void JsonWriter::take( FrameForwarded const & event ) {
    totals_.add( event.frame );
 }
 
-// The step that is under way is the last one.
+// The step under way is the last one.
 void JsonWriter::endsEarly() {
    if ( document_.hasStep() ) {
       ruleChanges();

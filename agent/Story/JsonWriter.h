@@ -1,4 +1,4 @@
-// Tells a run to programs: one JSON document, written when the run is over.
+// Tells programs a run: one JSON document, written when the run is over.
 //
 //    scenario      its name; `file` is where it was read from
 //    variant       "egress-mask", "class-id"; null before the plug-in has chosen
@@ -6,9 +6,9 @@
 //    assertion     file, line, function, expression; null unless one stopped the process
 //    step          the step in which the run ended before its end; null when it did not
 //    stop          reason, and its last lines (`output`, `traces`); null when it did not
-//    error         what was wrong with the input, when the run failed; else null
-//    warnings      what is probably not meant, with the step in which it showed
-//    plugin        what it asked the agent for: file, mounters, mounts, lookups, sharedEntities,
+//    error         the mistake in the input, when the run failed; else null
+//    warnings      probable mistakes, with the step in which they showed
+//    plugin        its requests to the agent: file, mounters, mounts, lookups, sharedEntities,
 //                  tcamGroups, and whether it is ready
 //    steps         from 0, which is start-up; the last one is teardown
 //    rules         in the chips at the end, by unit, group and id
@@ -16,8 +16,9 @@
 //    log           with the step of each line
 //    counters
 //
-// docs/program.md describes every name. Names are stable: new ones may be added, none goes and none
-// changes its meaning. Numbers are numbers, an absent value is null, an empty list is there.
+// docs/program.md describes every name. Names are stable: new ones may be added, none disappears
+// and none changes its meaning. Numbers are numbers, an absent value is null, an empty list is
+// present.
 #pragma once
 
 #include <ostream>
@@ -31,15 +32,15 @@ namespace Story {
 
 class JsonWriter final : public Observer {
  public:
-   // Of what one step can have without end (changes, calls, traces, log lines), the document has so
-   // many of each and says how many were left out: a turn that goes on without end fills no memory.
+   // A step can have changes, calls, traces and log lines without end. The document holds this many
+   // of each and counts the rest, so an endless turn cannot fill the memory.
    static constexpr std::size_t kMostEntries = 100'000;
 
    explicit JsonWriter( std::size_t mostEntries = kMostEntries );
 
    void onEvent( Event const & event ) override;
 
-   // Writes the document as it is now.
+   // Writes the present document.
    void write( std::ostream & out ) const;
 
  private:
@@ -50,7 +51,7 @@ class JsonWriter final : public Observer {
    void take( RuleIs const & event ) { rules_.onEvent( event ); }
    void take( RuleGone const & event ) { rules_.onEvent( event ); }
    void take( FrameForwarded const & event );
-   // Every other event has its place in the document, or none.
+   // All other events have their place in the document, or none.
    template< typename Other > void take( Other const & event ) {
       if constexpr ( requires { event.addTo( document_ ); } ) {
          event.addTo( document_ );

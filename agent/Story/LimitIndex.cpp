@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view kRow = "| `";
 constexpr std::string_view kSection = "### ";
 constexpr std::string_view kRemedy = "- *Remedy:* ";
-constexpr std::string_view kDeeper = "  ";  // before further lines of a point
+constexpr std::string_view kDeeper = "  ";  // before the further lines of a point
 
 std::vector< std::string_view > linesOf( std::string_view text ) {
    std::vector< std::string_view > lines;
@@ -48,9 +48,9 @@ std::string withoutLinks( std::string text ) {
    return text;
 }
 
-// Lines of the table "By the expression" have six cells, and those of no other.
+// Only lines of the table "By the expression" have six cells.
 bool isRow( std::vector< std::string > const & cells ) {
-   constexpr std::size_t kCells = 8;  // with what is before the first and behind the last bar
+   constexpr std::size_t kCells = 8;  // with the text before the first and after the last bar
    return cells.size() == kCells;
 }
 
@@ -63,7 +63,7 @@ LimitIndex::Row rowOf( std::vector< std::string > const & cells ) {
    return row;
 }
 
-// An assertion tells its place; of an exception only the text is left, in the last line printed.
+// An assertion names its place. An exception leaves only its text, in the last printed line.
 bool isExpressionOf( LimitIndex::Row const & row, Stopped const & stopped ) {
    if ( stopped.assertion ) {
       Assertion const & assertion = *stopped.assertion;

@@ -1,9 +1,8 @@
-// The known limits of the plug-in, found by the stop that they end in.
+// The known limits of the plug-in, found by the stop in which they end.
 //
-// docs/limits.md is the one place in which they are described. Its text is compiled into the
-// program, which so has it wherever it is installed: the table "By the expression" says which
-// expression, on which variant, after which event leads to which section, and the sections have the
-// remedies.
+// Only docs/limits.md describes them. Its text is compiled into the program, so an installed
+// program has it too. The table "By the expression" maps an expression, a variant and an event to a
+// section, and the sections name the remedies.
 #pragma once
 
 #include <set>
@@ -20,9 +19,9 @@ struct KnownLimit {
    std::string remedy;
 };
 
-// What led to a stop.
+// The circumstances of a stop.
 struct StopCause {
-   std::string variant;               // empty while the plug-in has chosen none
+   std::string variant;               // empty before the plug-in has chosen one
    std::set< std::string > events{};  // by their names in the table, "virtual port"
 };
 
@@ -32,7 +31,7 @@ class LimitIndex {
    struct Row {
       std::string expression;
       std::string file;      // empty for an exception, which no assertion reports
-      std::string function;  // as file
+      std::string function;  // like `file`
       std::string variant;   // or "both"
       std::set< std::string > events;
       std::string title;  // of the section
@@ -43,7 +42,7 @@ class LimitIndex {
 
    std::vector< Row > const & rows() const { return rows_; }
 
-   // The limits that the stop may be, each once; none: it is not known.
+   // The limits that the stop may be, each once; empty for an unknown stop.
    std::vector< KnownLimit > limitsAt( Stopped const & stopped, StopCause const & cause ) const;
 
  private:
@@ -53,7 +52,7 @@ class LimitIndex {
    std::vector< KnownLimit > sections_;
 };
 
-// docs/limits.md as it was when the program was built, and its index.
+// The text of docs/limits.md when the program was built, and its index.
 std::string limitsDocument();
 LimitIndex const & limitIndex();
 

@@ -1,4 +1,4 @@
-// The one seam through which everything passes that happens in a run.
+// The one interface through which every event of a run passes.
 #pragma once
 
 #include <vector>
@@ -7,7 +7,7 @@
 
 namespace Story {
 
-// Sees every event once, in order. An observer changes nothing of what it is told about.
+// Is told every event once, in order, and changes nothing.
 class Observer {
  public:
    Observer() = default;
@@ -18,7 +18,7 @@ class Observer {
    virtual void onEvent( Event const & event ) = 0;
 };
 
-// Hands every event on to several observers, in the order given. They must outlive it.
+// Passes every event on to several observers, in the order given. They must outlive it.
 class Observers final : public Observer {
  public:
    explicit Observers( std::vector< Observer * > observers )

@@ -1,4 +1,4 @@
-// How a run ended, and what a program says about it by its exit code.
+// How a run ended, and the exit code that says so.
 #pragma once
 
 #include <optional>
@@ -10,19 +10,19 @@
 
 namespace Story {
 
-// What the program's exit code says.
+// The meaning of the program's exit code.
 enum class ExitCode : int {
    Held = 0,
    ExpectationFailed = 1,
    BadInput = 2,
    Stopped = 3,
-   // 128 and the signal, as shells have it.
+   // 128 plus the signal's number, as in shells.
    HungUp = 129,       // SIGHUP
    Interrupted = 130,  // SIGINT
    Terminated = 143    // SIGTERM
 };
 
-// Of a run that this signal has ended.
+// The exit code of a run that this signal has ended.
 ExitCode exitCodeOf( int signal );
 
 class Outcome final : public Observer {
@@ -37,13 +37,13 @@ class Outcome final : public Observer {
    U32 expectations() const { return expectations_; }
    U32 failedExpectations() const { return failedExpectations_; }
 
-   // The step under way, or the last one that was.
+   // The step under way, or the last one.
    std::optional< StepBegins > const & step() const { return step_; }
    std::optional< Stopped > const & stopped() const { return stopped_; }
    std::optional< Interrupted > const & interrupted() const { return interrupted_; }
-   // What was wrong with the input; empty when nothing was.
+   // The mistake in the input; empty when there was none.
    std::string const & badInput() const { return badInput_; }
-   // The known limits that the stop may be; none when it is not known, or there was none.
+   // The known limits that the stop may be; empty for an unknown stop, or without a stop.
    std::vector< KnownLimit > const & limits() const { return limits_; }
 
  private:

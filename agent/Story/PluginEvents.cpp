@@ -41,7 +41,7 @@ void MountsDone::addTo( Document & document ) const {
    document.plugin()[ "mountProblems" ] = problems;
 }
 
-// --- Asking
+// --- Requests
 
 std::string EntityLookedUp::words() const {
    return type.empty() ? fmt::format( "looks up {}: nobody publishes it", path )
@@ -89,7 +89,7 @@ void DependencyPointReady::addTo( Document & document ) const {
    }
 }
 
-// --- Telling
+// --- Traces and log lines
 
 std::string Traced::words() const {
    return fmt::format( "trace {} {}: {}", handle, level, text );

@@ -1,4 +1,4 @@
-// Events of the plug-in: what it asks the agent for, what it traces and logs.
+// Events of the plug-in: its requests to the agent, its traces and its log lines.
 #pragma once
 
 #include <string>
@@ -60,7 +60,7 @@ struct MountsDone {
 struct EntityLookedUp {
    static constexpr char const * kName = "entityLookedUp";
    std::string path;
-   std::string type;  // empty when there is none
+   std::string type;  // empty without an entity
 
    static void fields( auto & event, auto && field ) {
       field( "path", event.path );
@@ -73,7 +73,7 @@ struct EntityLookedUp {
 struct SharedEntityAsked {
    static constexpr char const * kName = "sharedEntityAsked";
    std::string name;
-   std::string type;  // empty when there is none
+   std::string type;  // empty without an entity
 
    static void fields( auto & event, auto && field ) {
       field( "name", event.name );
@@ -150,15 +150,15 @@ struct Logged {
    void addTo( Document & document ) const;
 };
 
-// The plug-in's own pass over its rules. A pass that begins, and that no later event tells of, has
-// stopped the process.
+// The plug-in's own pass over its rules. A pass that begins, and has no later event, has stopped
+// the process.
 struct PluginPass {
    static constexpr char const * kName = "pluginPass";
    enum class State {
       Begins,
       Held,
       Absent,  // there is no state machine yet
-      Skipped  // it has compared nothing
+      Skipped  // it compared nothing
    };
    State state = State::Begins;
    std::string reason{};  // why it was skipped

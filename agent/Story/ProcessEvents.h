@@ -33,15 +33,14 @@ struct Assertion {
    }
 };
 
-// The process did not get to the end.
+// The process did not reach the end of the run.
 struct Stopped {
    static constexpr char const * kName = "stopped";
    std::string reason;  // "signal 6 (Aborted)", "exit code 1"
    std::optional< Assertion > assertion;
    std::vector< std::string > output;  // its last lines
    std::vector< Traced > trace;        // the last lines of the trace ring
-   // A turn did not come to its end in time, and the process was ended; `reason` is "turn limit of
-   // 60 s".
+   // A turn took too long, and the process was killed; `reason` is "turn limit of 60 s".
    bool isOverTime = false;
 
    static void fields( auto & event, auto && field ) {
@@ -55,7 +54,7 @@ struct Stopped {
    void addTo( Document & document ) const;
 };
 
-// Somebody wanted the program to end before the run was over.
+// A signal asked the program to end before the run was over.
 struct Interrupted {
    static constexpr char const * kName = "interrupted";
    int signal = 0;

@@ -1,4 +1,4 @@
-// The rules as the events tell them, and what has become of them since a moment that was marked.
+// The rules as the events tell them, and their changes since the last mark.
 #pragma once
 
 #include <map>
@@ -15,15 +15,15 @@ class RuleTable {
 
    std::map< Chip::RuleKey, Chip::Rule > const & rules() const { return rules_; }
 
-   // What has changed since the last mark, or from the beginning; marks this moment. A rule that
-   // came and went in between has not changed.
+   // The changes since the last mark, or since the beginning; sets a new mark. A rule that came and
+   // went in between has not changed.
    Chip::RuleChanges changes();
 
  private:
    void remember( Chip::RuleKey const & key );
 
    std::map< Chip::RuleKey, Chip::Rule > rules_;
-   // At the mark, of those touched since.
+   // The rules at the mark, of those changed since.
    std::map< Chip::RuleKey, std::optional< Chip::Rule > > before_;
 };
 

@@ -1,4 +1,4 @@
-// Events of where the run stands.
+// Events of the progress of a run.
 #pragma once
 
 #include <string>
@@ -13,10 +13,10 @@ class Document;
 
 struct RunBegins {
    static constexpr char const * kName = "runBegins";
-   std::string scenario;  // the file, as it was given
+   std::string scenario;  // the file, as the user gave it
    std::string title;
    std::string description;
-   U32 steps = 0;  // of the scenario
+   U32 steps = 0;  // the scenario's steps
 
    static void fields( auto & event, auto && field ) {
       field( "scenario", event.scenario );
@@ -34,7 +34,7 @@ struct StepBegins {
    StepKind kind = StepKind::Scenario;
    U32 number = 0;
    std::string text;
-   std::string place;  // "FILE:LINE"; empty for what the scenario does not write
+   std::string place;  // "FILE:LINE"; empty for steps that the scenario does not write
 
    static void fields( auto & event, auto && field ) {
       field( "kind", event.kind );
@@ -60,19 +60,19 @@ struct RunEnds {
    static void fields( auto & event, auto && field ) { field( "time", event.time ); }
 };
 
-// The input turned out to be wrong; nothing is done after it.
+// The input was wrong; nothing happens after this event.
 struct BadInput {
    static constexpr char const * kName = "badInput";
-   std::string text;  // with its place in front
+   std::string text;  // begins with its place
 
    static void fields( auto & event, auto && field ) { field( "text", event.text ); }
    void addTo( Document & document ) const;
 };
 
-// A scenario that probably does not mean what it says; the run goes on.
+// The scenario is probably mistaken; the run goes on.
 struct Warning {
    static constexpr char const * kName = "warning";
-   std::string text;  // with its place in front
+   std::string text;  // begins with its place
 
    static void fields( auto & event, auto && field ) { field( "text", event.text ); }
    std::string words() const;
@@ -84,7 +84,7 @@ struct ExpectationChecked {
    std::string text;
    std::string place;  // "FILE:LINE"
    bool held = false;
-   std::string found;  // instead, when it did not hold
+   std::string found;  // the actual state, if the expectation failed
 
    static void fields( auto & event, auto && field ) {
       field( "text", event.text );

@@ -13,14 +13,14 @@ namespace Story {
 
 class Document;
 
-// One change of the published state, before those who watch it act on it.
+// One change of the published state; told before its watchers act on it.
 struct PublishedChange {
    static constexpr char const * kName = "publishedChange";
    std::string path;  // of the entity, "/evpn/status/segmentStatus[Port-Channel2]"
    std::string attribute;
    std::string key;                    // empty for an attribute without keys
-   std::optional< std::string > from;  // nothing: it was not there
-   std::optional< std::string > to;    // nothing: it is gone
+   std::optional< std::string > from;  // nothing: the value is new
+   std::optional< std::string > to;    // nothing: the value was removed
 
    static void fields( auto & event, auto && field ) {
       field( "path", event.path );
@@ -46,7 +46,7 @@ struct EntityDumped {
    void addTo( Document & document ) const;
 };
 
-// An entity that was asked to be shown.
+// An entity for the command `show`.
 struct EntityShown {
    static constexpr char const * kName = "entityShown";
    std::string path;

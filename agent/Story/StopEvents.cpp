@@ -51,7 +51,7 @@ void StopEvents::onEvent( Event const & event ) {
                event );
 }
 
-// A scenario can also ask for a pass by calling the operation.
+// A scenario can also request a pass by calling the operation.
 void StopEvents::begin( StepBegins const & step ) {
    cause_.events.clear();
    if ( step.text.find( "handleVerify()" ) != std::string::npos ) {

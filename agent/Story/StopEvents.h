@@ -1,4 +1,4 @@
-// Follows what a stop may come from: the variant, and what has happened in the step under way.
+// Collects possible causes of a stop: the variant, and the events of the step under way.
 #pragma once
 
 #include <Story/LimitIndex.h>

@@ -1,5 +1,5 @@
-// Colours and emphasis on a terminal; plain text everywhere else. The text itself is made printable
-// (Text/Printable.h), and must not be so a second time with its colours.
+// Colours and emphasis on a terminal; plain text everywhere else. Make a text printable
+// (Text/Printable.h) before it gets its colours, not after.
 #pragma once
 
 #include <string>

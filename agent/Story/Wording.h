@@ -8,7 +8,7 @@
 
 namespace Story {
 
-// "step 3", "start-up", "verification", "teardown"; "the beginning" when there is none yet.
+// "step 3", "start-up", "verification", "teardown"; "the beginning" before the first step.
 std::string nameOf( StepBegins const & step );
 std::string nameOf( std::optional< StepBegins > const & step );
 
