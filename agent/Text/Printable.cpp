@@ -18,14 +18,14 @@ constexpr bool isContinuation( char c ) {
    return ( byteOf( c ) & 0xc0U ) == 0x80;
 }
 
-// A character at the beginning of a text: how many bytes it takes, and its code point.
+// The character at the beginning of a text: its length in bytes, and its code point.
 struct Character {
    std::size_t size = 0;  // 0: the first byte begins no character
    U32 code = 0;
 };
 
-// The bytes of a character and the lowest code point that needs so many, by its first byte
-// (RFC 3629, section 3).
+// The length of a character and the lowest code point of that length, by its first byte (RFC 3629,
+// section 3).
 Character longCharacter( std::string_view text ) {
    struct Form {
       U8 mask;
@@ -66,7 +66,7 @@ bool isControl( U32 code ) {
    return code < 0x20 || ( code >= 0x7f && code <= 0x9f );
 }
 
-// What turns the order of the characters around it, or ends a line (Unicode, UAX 9 and UAX 14).
+// The character changes the order of its neighbours, or ends a line (Unicode, UAX 9 and UAX 14).
 bool isReordering( U32 code ) {
    constexpr U32 kArabicMark = 0x61c;
    return code == kArabicMark || code == 0x200e || code == 0x200f ||

@@ -7,7 +7,7 @@ namespace Text {
 
 namespace {
 
-// The number of characters to insert, remove or replace that makes `b` of `a`.
+// The number of characters to insert, remove or replace to turn `a` into `b`.
 std::size_t distance( std::string_view a, std::string_view b ) {
    std::vector< std::size_t > row( b.size() + 1 );
    std::iota( row.begin(), row.end(), std::size_t{ 0 } );
@@ -27,12 +27,12 @@ std::size_t distance( std::string_view a, std::string_view b ) {
 
 std::string_view nearest( std::string_view text, std::vector< std::string_view > const & known ) {
    std::string_view best;
-   // A third of the characters may be wrong, and one in the shortest of words.
+   // A third of the characters may be wrong, or one in the shortest words.
    std::size_t least = std::max< std::size_t >( text.size() / 3, 1 ) + 1;
    for ( std::string_view const word : known ) {
       std::size_t const longer = std::max( text.size(), word.size() );
       std::size_t const shorter = std::min( text.size(), word.size() );
-      // Lengths alone tell most words apart, and a long text is not compared at all.
+      // Most words differ in length alone, and a long text is not compared at all.
       std::size_t const steps = longer - shorter < least ? distance( text, word ) : least;
       if ( steps < least ) {
          least = steps;

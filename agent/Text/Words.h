@@ -1,4 +1,4 @@
-// Words in messages: lists of them, and the one that a person has probably meant.
+// Words in messages: lists of them, and guesses at the word that a person meant.
 #pragma once
 
 #include <string>
@@ -7,10 +7,10 @@
 
 namespace Text {
 
-// The one of `known` that `text` was most probably meant to be, or an empty text.
+// The word of `known` that `text` most probably stands for, or an empty text.
 std::string_view nearest( std::string_view text, std::vector< std::string_view > const & known );
 
-// "a, b or c", with `last` as the word before the last.
+// "a, b or c", with `last` before the last word.
 std::string listed( std::vector< std::string_view > const & words,
                     std::string const & last = "or" );
 
