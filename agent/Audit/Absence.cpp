@@ -1,4 +1,4 @@
-// Why a rule is not there: whether that is a fault, or what is waited for.
+// Tells why a rule is missing: a fault, or something that the switch waits for.
 
 #include <Audit/Comparison.h>
 #include <Audit/SharedSegments.h>
@@ -9,8 +9,8 @@ namespace Audit {
 
 namespace {
 
-// Whether a group that is full, or was, is the reason.
-bool isOfRoom( DifferenceKind kind ) {
+// The group is full, or was full.
+bool isForLackOfRoom( DifferenceKind kind ) {
    return kind == DifferenceKind::noRoom || kind == DifferenceKind::notRetried;
 }
 
@@ -43,24 +43,24 @@ Absence whyAbsentInGroup( Sides const & sides, RuleFor const & what ) {
    return {};
 }
 
-// The egress rules of a VTEP follow its ingress rule on the unit.
+// The plug-in programs a VTEP's egress rules after its ingress rule on the unit.
 Absence whyNoEgressRule( Sides const & sides, RuleFor const & what ) {
    RuleFor const ingress{ what.unit, Purpose::vtep, what.vtep };
    Absence absence = isThere( sides, ingress ) ? Absence{} : whyAbsent( sides, ingress );
-   if ( !isOfRoom( absence.kind ) ) {
+   if ( !isForLackOfRoom( absence.kind ) ) {
       return whyAbsentInGroup( sides, what );
    }
    absence.reason = "the VTEP has no ingress rule either: " + absence.reason;
    return absence;
 }
 
-// A unit that has no rule for any VTEP for want of room has no exemptions either.
+// A unit without room for any VTEP's rule has no exemptions either.
 Absence whyNoUnicastRule( Sides const & sides, RuleFor const & what ) {
    Absence absence;
    for ( Pelk::IpGenAddr const & vtep : activeVteps( sides.state ) ) {
       RuleFor const ingress{ what.unit, Purpose::vtep, vtep };
       absence = isThere( sides, ingress ) ? Absence{} : whyAbsent( sides, ingress );
-      if ( !isOfRoom( absence.kind ) ) {
+      if ( !isForLackOfRoom( absence.kind ) ) {
          return whyAbsentInGroup( sides, what );
       }
    }
@@ -87,7 +87,7 @@ Absence whyAbsent( Sides const & sides, RuleFor const & what ) {
    }
 }
 
-std::string whyNot( State const & state, RuleFor const & what ) {
+std::string whyUnexpected( State const & state, RuleFor const & what ) {
    if ( !state.isPluginReady ) {
       return "the plug-in is not ready";
    }

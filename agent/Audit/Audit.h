@@ -1,25 +1,24 @@
-// The audit: whether the rules are as they should be, seen from outside of the plug-in.
+// The audit checks from outside of the plug-in whether the chip has the expected rules.
 //
-// Three things are compared, and none of them is taken on trust:
+// It compares three things and trusts none of them:
 //
-//    published state ── WantedRules ──► the rules that the state calls for
+//    published state ── WantedRules ──► the expected rules
 //    the plug-in's state machine ─────► its records                  (Records.h)
 //    the chip ────────────────────────► the written entries          (Matching.h)
 //
-// Wherever two of them do not agree there is a Story::Difference, with the state behind it in
-// words. The audit repairs nothing, stops nothing, makes no hardware call and changes nothing of
-// what it reads.
+// Wherever two of them disagree, the audit reports a Story::Difference with the reason in the
+// state. The audit only reads: it repairs nothing, stops nothing and makes no hardware call.
 //
-// Not every rule that is missing is a fault. A group without room, a queue that waits for it, a
-// class id that has not been granted, a class id that the allocator took back while rules carry it,
-// and what tunnel interfaces leave behind are listed as well, as kinds that are known
-// (Difference.h): a switch with nothing but these is in step.
+// A missing rule can have a known cause: a group without room, a queue that waits for room, a class
+// id that the allocator has not granted or has taken back, rules of a withdrawn tunnel interface.
+// The audit lists such differences under kinds that are known (Difference.h). A switch with known
+// differences only is in sync.
 //
-// The plug-in's own pass, its operation handleVerify, is another matter: it compares less, and
-// stops the process at the first thing that it finds.
+// The plug-in has a pass of its own, the operation handleVerify. It compares less, and stops the
+// process at the first difference.
 //
-// Cost: as Matching.h. Threads: the activity's, while nothing is under way: between two turns the
-// three may differ without fault.
+// Cost: as Matching.h. Threads: the activity's, between two turns while the activity is idle.
+// During a turn the three may differ without fault.
 #pragma once
 
 #include <map>
@@ -39,16 +38,16 @@
 namespace Audit {
 
 struct Report {
-   U32 rules = 0;    // called for by the state
+   U32 rules = 0;    // expected by the state
    U32 entries = 0;  // in the chip
-   // By unit, group and entry; those of no single unit come first.
+   // Sorted by unit, group and entry; differences without a unit come first.
    std::vector< Story::Difference > differences;
-   // The VTEPs that a rule is missing for, known or not: some of their frames arrive twice.
+   // VTEPs that lack a rule, for a known cause or not: some of their frames arrive twice.
    std::set< Pelk::IpGenAddr > unprotected;
 
-   // How many of them are not known.
+   // The number of differences that are not known.
    U32 faults() const;
-   bool isInStep() const { return faults() == 0; }
+   bool isInSync() const { return faults() == 0; }
 };
 
 // An entry of the chip that the state calls for.
@@ -59,8 +58,8 @@ struct ExpectedEntry {
 
 class Auditor {
  public:
-   // The published entities are there already, and are watched from now on. Finder and units must
-   // outlive the auditor.
+   // Watches the published entities, which must exist already. Finder and units must outlive the
+   // auditor.
    Auditor( StateDatabase::Finder const & finder, Chip::Units const & units );
 
    // The published state, with what the past adds to it.

@@ -7,8 +7,8 @@ namespace Audit {
 
 namespace {
 
-// A class id that is not granted any more stays in the rules that carry it, and the plug-in's
-// record is all that tells which it was.
+// Rules keep a class id after its grant has ended. Only the plug-in's record still tells which id
+// it was.
 void fillInRecordedClassIds( Records const & records, WantedRules & wanted ) {
    for ( auto & [ what, rule ] : wanted ) {
       auto const * const recorded = findIn( records.classIds, what.vtep );
@@ -32,7 +32,7 @@ std::set< Pelk::IpGenAddr > vtepsWithoutARule( WantedRules const & wanted,
 
 }  // namespace
 
-Difference about( RuleFor const & what, DifferenceKind kind, std::string rule ) {
+Difference differenceFor( RuleFor const & what, DifferenceKind kind, std::string rule ) {
    Difference difference;
    difference.kind = kind;
    difference.unit = what.unit;

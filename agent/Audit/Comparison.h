@@ -1,4 +1,4 @@
-// Holds state, records and chip against each other.
+// Compares state, records and chip with each other.
 #pragma once
 
 #include <Audit/Audit.h>
@@ -8,7 +8,7 @@ namespace Audit {
 
 Report compare( State const & state, Records const & records, Chip::Units const & units );
 
-// What the comparisons share.
+// The input of all comparisons.
 struct Sides {
    State const & state;
    Records const & records;
@@ -26,20 +26,20 @@ void compareRules( Sides const & sides, Differences & found );
 // --- The records against state and chip
 void compareRecords( Sides const & sides, Differences & found );
 
-// Why the chip does not have a rule that the state calls for, and that is in no record.
+// Why the chip lacks an expected rule that no record names.
 struct Absence {
    DifferenceKind kind = DifferenceKind::missingRule;
-   std::string reason;  // empty: there is none
+   std::string reason;  // empty: none is known
 };
 Absence whyAbsent( Sides const & sides, RuleFor const & what );
 
-// Why the state does not call for a rule that is for this.
-std::string whyNot( State const & state, RuleFor const & what );
+// Why the state does not expect a rule for this purpose.
+std::string whyUnexpected( State const & state, RuleFor const & what );
 
-// A difference about a rule, with the rest to be filled in.
-Difference about( RuleFor const & what, DifferenceKind kind, std::string rule );
+// Begins a difference about a rule; the caller fills in the rest.
+Difference differenceFor( RuleFor const & what, DifferenceKind kind, std::string rule );
 
-// What is asked for in the table, or nullptr.
+// The value of the key, or nullptr.
 template< typename Table >
 auto const * findIn( Table const & table, typename Table::key_type const & key ) {
    auto const found = table.find( key );

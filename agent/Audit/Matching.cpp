@@ -4,18 +4,19 @@ namespace Audit {
 
 namespace {
 
-// The entries that no rule has been found to be yet.
+// The entries that no rule has taken yet.
 class Search {
  public:
    Search( Records const & records, Chip::Units const & units )
          : records_( records ), free_( entriesOf( units ) ) {}
 
-   // The best of the entries for which `is` holds; it is taken.
-   template< typename Is >
-   Chip::Entry const * take( RuleFor const & what, WantedRule const & rule, Is const & is ) {
+   // Takes the best of the entries for which `matches` holds.
+   template< typename Matches >
+   Chip::Entry const * take( RuleFor const & what, WantedRule const & rule,
+                             Matches const & matches ) {
       auto best = free_.end();
       for ( auto at = free_.begin(); at != free_.end(); ++at ) {
-         if ( at->unit == what.unit && at->group == what.group() && is( *at->entry ) &&
+         if ( at->unit == what.unit && at->group == what.group() && matches( *at->entry ) &&
               ( best == free_.end() ||
                 rank( what, rule, *at->entry ) > rank( what, rule, *best->entry ) ) ) {
             best = at;
@@ -52,14 +53,15 @@ class Search {
    std::vector< EntryAt > free_;
 };
 
-// Finds those of the rules not found yet for which `is` finds an entry.
-template< typename Is >
-void find( WantedRules const & wanted, Search & search, Matched & matched, Is const & is ) {
+// Finds an entry for each rule that has none yet, among those for which `matches` holds.
+template< typename Matches >
+void find( WantedRules const & wanted, Search & search, Matched & matched,
+           Matches const & matches ) {
    for ( auto const & [ what, rule ] : wanted ) {
       if ( !matched.rules.contains( what ) ) {
          auto const * const entry =
             search.take( what, rule, [ &, &what = what, &rule = rule ]( Chip::Entry const & one ) {
-               return is( what, rule, one );
+               return matches( what, rule, one );
             } );
          if ( entry ) {
             matched.rules[ what ] = entry;

@@ -1,4 +1,4 @@
-// The plug-in's records against the state and the chip.
+// Compares the plug-in's records with the state and the chip.
 
 #include <algorithm>
 
@@ -54,15 +54,16 @@ class RecordCheck {
       for ( auto const & [ what, record ] : records_.entries ) {
          auto const * const rule = findIn( rules_, what );
          if ( rule && ( *rule )->id() != record.id ) {
-            Difference difference = about( what, DifferenceKind::recordDiffers, ( *rule )->name() );
+            Difference difference =
+               differenceFor( what, DifferenceKind::recordDiffers, ( *rule )->name() );
             difference.entry = ( *rule )->id();
-            difference.shouldBe = entryText( ( *rule )->id() );
+            difference.expected = entryText( ( *rule )->id() );
             addRecord( std::move( difference ), what, record );
          } else if ( !rule && !isEntry( what, record.id ) ) {
             auto const * const wanted = findIn( wanted_, what );
-            Difference difference = about( what, DifferenceKind::recordWithoutRule,
-                                           wanted ? wanted->name : std::string() );
-            difference.shouldBe =
+            Difference difference = differenceFor( what, DifferenceKind::recordWithoutRule,
+                                                   wanted ? wanted->name : std::string() );
+            difference.expected =
                wanted ? "the entry of the rule, which the chip does not have" : kAbsent;
             addRecord( std::move( difference ), what, record );
          }
@@ -72,19 +73,19 @@ class RecordCheck {
    void addRecord( Difference difference, RuleFor const & what, RecordedEntry const & record ) {
       auto const * const wanted = findIn( wanted_, what );
       difference.field = record.place;
-      difference.is = entryText( record.id );
-      difference.because = wanted ? wanted->because : whyNot( state_, what );
+      difference.actual = entryText( record.id );
+      difference.because = wanted ? wanted->because : whyUnexpected( state_, what );
       found_.push_back( std::move( difference ) );
    }
 
-   // Whether the chip has that entry, as a rule that nothing calls for.
+   // The chip has this entry, and no expected rule has taken it.
    bool isEntry( RuleFor const & what, U32 id ) const {
       return std::any_of( others_.begin(), others_.end(), [ & ]( EntryAt const & at ) {
          return at.unit == what.unit && at.group == what.group() && at.entry->id() == id;
       } );
    }
 
-   // Per-VNI rules are recorded without their unit, so that the last one's record is all there is.
+   // The plug-in records per-VNI rules without their unit, so only the last unit's record survives.
    bool isRecordable( RuleFor const & what ) const {
       return what.purpose != Purpose::vni || what.unit == state_.modules.rbegin()->first;
    }
@@ -92,24 +93,25 @@ class RecordCheck {
    void checkRulesWithoutRecord() {
       for ( auto const & [ what, entry ] : rules_ ) {
          if ( !records_.entries.contains( what ) && isRecordable( what ) ) {
-            Difference difference = about( what, DifferenceKind::ruleWithoutRecord, entry->name() );
+            Difference difference =
+               differenceFor( what, DifferenceKind::ruleWithoutRecord, entry->name() );
             difference.entry = entry->id();
-            difference.is = "no record";
-            difference.shouldBe = fmt::format( "a record of {}", entryText( entry->id() ) );
+            difference.actual = "no record";
+            difference.expected = fmt::format( "a record of {}", entryText( entry->id() ) );
             difference.because = wanted_.at( what ).because;
             found_.push_back( std::move( difference ) );
          }
       }
    }
 
-   // --- What is recorded beside them, per unit and VTEP
+   // --- Other records, per unit and VTEP
 
    void checkUnits() {
       bool const isNeeded = state_.isPluginReady && !activeVteps( state_ ).empty();
       for ( U16 const unit : records_.units ) {
          if ( !isNeeded ) {
             add( unit, fmt::format( "tepIpToEntry[{}]", unit ), "present", kAbsent,
-                 whyNot( state_, { unit, Purpose::l2Unicast } ) );
+                 whyUnexpected( state_, { unit, Purpose::l2Unicast } ) );
          }
       }
    }
@@ -118,12 +120,12 @@ class RecordCheck {
 
    std::string because( VtepOn const & on ) const {
       auto const * const wanted = findIn( wanted_, ingress( on ) );
-      return wanted ? wanted->because : whyNot( state_, ingress( on ) );
+      return wanted ? wanted->because : whyUnexpected( state_, ingress( on ) );
    }
 
-   void addOn( VtepOn const & on, char const * name, std::string is, std::string shouldBe ) {
+   void addOn( VtepOn const & on, char const * name, std::string actual, std::string expected ) {
       add( on.unit, fmt::format( "tepIpToEntry[{}]/{}[{}]", on.unit, name, on.vtep.stringValue() ),
-           std::move( is ), std::move( shouldBe ), because( on ) );
+           std::move( actual ), std::move( expected ), because( on ) );
    }
 
    void checkMasks() {
@@ -149,10 +151,10 @@ class RecordCheck {
       return Chip::portsText( ports );
    }
 
-   // Whether every VTEP that has a rule, or a record of that name, has what the record should say.
-   template< typename T, typename ShouldBe >
+   // Checks the value recorded for every VTEP that has a rule, or such a record.
+   template< typename T, typename ExpectedOn >
    void checkEach( std::map< VtepOn, T > const & table, char const * name,
-                   ShouldBe const & shouldBe ) {
+                   ExpectedOn const & expectedOn ) {
       std::set< VtepOn > places;
       for ( auto const & [ on, value ] : table ) {
          places.insert( on );
@@ -164,14 +166,14 @@ class RecordCheck {
       }
       for ( VtepOn const & on : places ) {
          auto const * const recorded = findIn( table, on );
-         std::string const is = recorded ? textOf( *recorded ) : kAbsent;
-         if ( std::string const expected = shouldBe( on ); is != expected ) {
-            addOn( on, name, is, expected );
+         std::string const actual = recorded ? textOf( *recorded ) : kAbsent;
+         if ( std::string const expected = expectedOn( on ); actual != expected ) {
+            addOn( on, name, actual, expected );
          }
       }
    }
 
-   // The list of ports names those that have an entry on record.
+   // The list of ports must name the ports that have an entry on record.
    void checkEgressPorts() {
       for ( auto const & [ on, ports ] : records_.egressPorts ) {
          VornalTypes::VornalPortList recorded;
@@ -201,23 +203,23 @@ class RecordCheck {
       return units;
    }
 
-   void addVtep( IpGenAddr const & vtep, char const * name, std::string is, std::string shouldBe,
-                 DifferenceKind kind = DifferenceKind::recordDiffers ) {
+   void addVtep( IpGenAddr const & vtep, char const * name, std::string actual,
+                 std::string expected, DifferenceKind kind = DifferenceKind::recordDiffers ) {
       VtepOn const anywhere{ state_.modules.empty() ? U16{ 0 } : state_.modules.begin()->first,
                              vtep };
-      add( {}, fmt::format( "{}[{}]", name, vtep.stringValue() ), std::move( is ),
-           std::move( shouldBe ), because( anywhere ), kind );
+      add( {}, fmt::format( "{}[{}]", name, vtep.stringValue() ), std::move( actual ),
+           std::move( expected ), because( anywhere ), kind );
    }
 
    void checkClassIds() {
       auto const active = state_.isPluginReady ? activeVteps( state_ ) : std::set< IpGenAddr >();
       for ( auto const & [ vtep, classId ] : records_.classIds ) {
          auto const * const granted = findIn( state_.classIds, vtep );
-         std::string const is = Quelm::textOf( classId );
+         std::string const actual = Quelm::textOf( classId );
          if ( !active.contains( vtep ) ) {
-            addVtep( vtep, "i2eTepIpClassId", is, kAbsent );
+            addVtep( vtep, "i2eTepIpClassId", actual, kAbsent );
          } else if ( granted && *granted != classId ) {
-            addVtep( vtep, "i2eTepIpClassId", is, Quelm::textOf( *granted ) );
+            addVtep( vtep, "i2eTepIpClassId", actual, Quelm::textOf( *granted ) );
          }
       }
       for ( auto const & [ vtep, granted ] : state_.classIds ) {
@@ -231,16 +233,16 @@ class RecordCheck {
    void checkClassIdUsers() {
       for ( auto const & [ vtep, classId ] : records_.classIds ) {
          auto const * const recorded = findIn( records_.classIdUsers, vtep );
-         U32 const is = recorded ? *recorded : 0;
-         U32 const shouldBe = static_cast< U32 >( unitsOf( vtep ).size() );
-         if ( is != shouldBe ) {
-            addVtep( vtep, "i2eTepIpClassIdRefCount", std::to_string( is ),
-                     std::to_string( shouldBe ) );
+         U32 const actual = recorded ? *recorded : 0;
+         U32 const expected = static_cast< U32 >( unitsOf( vtep ).size() );
+         if ( actual != expected ) {
+            addVtep( vtep, "i2eTepIpClassIdRefCount", std::to_string( actual ),
+                     std::to_string( expected ) );
          }
       }
    }
 
-   // Requests are the plug-in's own: it drops those of an earlier run when it starts.
+   // The plug-in owns its requests: it drops those of an earlier run when it starts.
    void checkClassIdRequests() {
       if ( !state_.isPluginReady || !rowOf( state_.variant ).usesClassIds ) {
          return;
@@ -256,7 +258,7 @@ class RecordCheck {
 
    // --- The queue of per-VNI rules
 
-   // The VNI of the VRF on any tunnel interface; 0 where it has none, nothing for an unknown VRF.
+   // The VRF's VNI on any tunnel interface; 0 where it has none, nothing for an unknown VRF.
    std::optional< U32 > vniOf( L3::VrfName const & vrf ) const {
       for ( auto const & [ tunnel, vnis ] : state_.vnis ) {
          if ( U32 const * const vni = findIn( vnis, vrf ) ) {
@@ -286,15 +288,15 @@ class RecordCheck {
       }
    }
 
-   // A record that belongs to no single rule.
-   void add( std::optional< U32 > unit, std::string place, std::string is, std::string shouldBe,
+   // Adds a difference about a record that belongs to no single rule.
+   void add( std::optional< U32 > unit, std::string place, std::string actual, std::string expected,
              std::string why, DifferenceKind kind = DifferenceKind::recordDiffers ) {
       Difference difference;
       difference.kind = kind;
       difference.unit = unit;
       difference.field = std::move( place );
-      difference.is = std::move( is );
-      difference.shouldBe = std::move( shouldBe );
+      difference.actual = std::move( actual );
+      difference.expected = std::move( expected );
       difference.because = std::move( why );
       found_.push_back( std::move( difference ) );
    }

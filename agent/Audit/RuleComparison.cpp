@@ -1,4 +1,4 @@
-// The chip's entries against the rules that the state calls for.
+// Compares the chip's entries with the expected rules.
 
 #include <Audit/Comparison.h>
 #include <Snapshot/RuleText.h>
@@ -9,7 +9,7 @@ namespace {
 
 using Chip::EntryContent;
 
-// One rule that the chip has, against how it should be.
+// Compares a rule in the chip with the expected one.
 class RuleCheck {
  public:
    RuleCheck( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
@@ -39,27 +39,26 @@ class RuleCheck {
    using Match = std::optional< Chip::Match >;
    using Parameters = std::optional< Chip::ActionParameters >;
 
-   void checkQualifier( Chip::Qualifier qualifier, Match const & is, Match const & shouldBe ) {
-      if ( is == shouldBe ) {
+   void checkQualifier( Chip::Qualifier qualifier, Match const & actual, Match const & expected ) {
+      if ( actual == expected ) {
          return;
       }
       bool const isOnlyMask =
-         is && shouldBe && is->data == shouldBe->data && is->modId == shouldBe->modId;
+         actual && expected && actual->data == expected->data && actual->modId == expected->modId;
       add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier,
-           nameOf( qualifier ), valueText( qualifier, is ), valueText( qualifier, shouldBe ) );
+           nameOf( qualifier ), valueText( qualifier, actual ), valueText( qualifier, expected ) );
    }
 
-   void checkAction( Chip::Action action, Parameters const & is, Parameters const & shouldBe ) {
-      if ( is == shouldBe ) {
+   void checkAction( Chip::Action action, Parameters const & actual, Parameters const & expected ) {
+      if ( actual == expected ) {
          return;
       }
-      bool const isPorts = is && shouldBe && is->ports != shouldBe->ports;
+      bool const isPorts = actual && expected && actual->ports != expected->ports;
       add( isPorts ? DifferenceKind::wrongMask : DifferenceKind::wrongAction, nameOf( action ),
-           valueText( action, is ), valueText( action, shouldBe ) );
+           valueText( action, actual ), valueText( action, expected ) );
    }
 
-   // What the next reinstall would change for the worse. Where the hardware is wrong already, that
-   // is what counts.
+   // Reports what the next reinstall would make worse. A fault in the hardware is reported instead.
    void checkStaged() {
       for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
          checkStagedPart( qualifier );
@@ -89,12 +88,13 @@ class RuleCheck {
 
    static constexpr char const * kStaged = ", staged for the next reinstall";
 
-   void add( DifferenceKind kind, std::string_view field, std::string is, std::string shouldBe ) {
-      Difference difference = about( what_, kind, entry_.name() );
+   void add( DifferenceKind kind, std::string_view field, std::string actual,
+             std::string expected ) {
+      Difference difference = differenceFor( what_, kind, entry_.name() );
       difference.entry = entry_.id();
       difference.field = field;
-      difference.is = std::move( is );
-      difference.shouldBe = std::move( shouldBe );
+      difference.actual = std::move( actual );
+      difference.expected = std::move( expected );
       difference.because = rule_.because;
       found_.push_back( std::move( difference ) );
    }
@@ -111,9 +111,9 @@ class RuleCheck {
 void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & rule,
                 Differences & found ) {
    Absence const absence = whyAbsent( sides, what );
-   Difference difference = about( what, absence.kind, rule.name );
-   difference.is = "no such rule";
-   difference.shouldBe = Chip::contentText( rule.content );
+   Difference difference = differenceFor( what, absence.kind, rule.name );
+   difference.actual = "no such rule";
+   difference.expected = Chip::contentText( rule.content );
    difference.because =
       absence.reason.empty() ? rule.because : rule.because + "; " + absence.reason;
    found.push_back( std::move( difference ) );
@@ -121,18 +121,19 @@ void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & ru
 
 void addWithdrawnClassId( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
                           Differences & found ) {
-   Difference difference = about( what, DifferenceKind::classIdWithdrawn, entry.name() );
+   Difference difference = differenceFor( what, DifferenceKind::classIdWithdrawn, entry.name() );
    difference.entry = entry.id();
    difference.field = nameOf( Chip::Action::NewClassId );
-   difference.is = valueText( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
-   difference.shouldBe = "a class id that is granted";
+   difference.actual =
+      valueText( Chip::Action::NewClassId, rule.content[ Chip::Action::NewClassId ] );
+   difference.expected = "a class id that is granted";
    difference.because = rule.because + "; its class id is not granted any more";
    found.push_back( std::move( difference ) );
 }
 
-// --- Entries that nothing calls for
+// --- Unexpected entries
 
-// What a record says that the entry is for; nullptr when there is none.
+// The purpose that a record gives for the entry; nullptr without a record.
 RuleFor const * recordedFor( Records const & records, EntryAt const & at ) {
    for ( auto const & [ what, record ] : records.entries ) {
       if ( record.id == at.entry->id() && what.unit == at.unit && what.group() == at.group ) {
@@ -152,13 +153,14 @@ void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found
    difference.group = at.group;
    difference.entry = at.entry->id();
    difference.rule = at.entry->name();
-   difference.is =
+   difference.actual =
       Chip::contentText( at.entry->written() ? *at.entry->written() : at.entry->staged() );
    if ( !at.entry->written() ) {
-      difference.is += "; staged, not in the hardware";
+      difference.actual += "; staged, not in the hardware";
    }
-   difference.shouldBe = "no such rule";
-   difference.because = what ? whyNot( sides.state, *what ) : "nothing published calls for it";
+   difference.expected = "no such rule";
+   difference.because =
+      what ? whyUnexpected( sides.state, *what ) : "nothing published calls for it";
    found.push_back( std::move( difference ) );
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kMostPending = 65536;
 
-// " (/mnt/report.txt)", the file that the descriptor leads to; empty for a pipe and the like.
+// " (/mnt/report.txt)", the file of the descriptor; empty for a pipe and the like.
 std::string fileBehind( int fd ) {
    std::error_code error;
    auto const file =
@@ -25,7 +25,7 @@ std::string fileBehind( int fd ) {
    return file.starts_with( '/' ) ? " (" + file + ")" : "";
 }
 
-// Waits for the reader of a descriptor that does not wait by itself.
+// Waits for the reader of a non-blocking descriptor.
 void awaitRoom( int fd ) {
    pollfd room{ fd, POLLOUT, 0 };
    poll( &room, 1, -1 );
@@ -36,7 +36,7 @@ void awaitRoom( int fd ) {
 OutputStream::OutputStream( int fd, std::string name )
       : std::ostream( nullptr ), buffer_( fd, std::move( name ) ) {
    rdbuf( &buffer_ );
-   // The buffer's exceptions pass through the stream instead of becoming a state of it.
+   // Let the buffer's exceptions pass through the stream instead of becoming its state.
    exceptions( std::ios::badbit );
 }
 
@@ -57,7 +57,7 @@ std::streamsize OutputStream::Buffer::xsputn( char const * text, std::streamsize
 }
 
 int OutputStream::Buffer::sync() {
-   // What could not be written is not tried again.
+   // Text that failed once is not written again.
    writeAll( std::exchange( pending_, {} ) );
    return 0;
 }
@@ -74,7 +74,7 @@ void OutputStream::Buffer::writeAll( std::string_view text ) {
    while ( !text.empty() ) {
       ssize_t const written = ::write( fd_, text.data(), text.size() );
       if ( written >= 0 ) {
-         Process::EndWatch::hasWritten();
+         Process::EndWatch::noteOutput();
          text.remove_prefix( static_cast< std::size_t >( written ) );
       } else if ( errno == EAGAIN ) {
          awaitRoom( fd_ );
@@ -85,7 +85,7 @@ void OutputStream::Buffer::writeAll( std::string_view text ) {
 }
 
 void OutputStream::Buffer::fail( int reason ) const {
-   // What is not open has no file.
+   // A descriptor that is not open has no file.
    std::string const file = reason == EBADF ? "" : fileBehind( fd_ );
    throw OutputError( "cannot write " + name_ + file + ": " +
                       std::generic_category().message( reason ) +

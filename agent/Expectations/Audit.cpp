@@ -77,23 +77,23 @@ std::string auditShape() {
                         "What an audit of the rules finds now." );
 }
 
-// A verdict, or a mapping.
+// Reads a verdict, or a mapping.
 std::shared_ptr< Expected const > readAudit( Reading & reading, Value const & value ) {
    if ( value.node.IsScalar() ) {
-      return std::make_shared< InStep >( choiceOf( reading, value, verdicts() ).value_or( true ) );
+      return std::make_shared< InSync >( choiceOf( reading, value, verdicts() ).value_or( true ) );
    }
    auto const differences = std::make_shared< DifferencesLike >();
    readMapping( reading, value, differencesTable(), *differences );
    return differences;
 }
 
-std::string InStep::description() const {
-   return isInStep ? "an audit finds the rules in step" : "an audit finds differences";
+std::string InSync::description() const {
+   return isInSync ? "an audit finds the rules in step" : "an audit finds differences";
 }
 
-Finding InStep::check( Evidence const & evidence ) const {
+Finding InSync::check( Evidence const & evidence ) const {
    Audit::Report const report = evidence.auditor.report();
-   return { report.isInStep() == isInStep, foundText( report ) };
+   return { report.isInSync() == isInSync, foundText( report ) };
 }
 
 std::string DifferencesLike::description() const {

@@ -8,19 +8,19 @@
 
 namespace Expectations {
 
-// An audit made now finds the rules in step, or not.
-class InStep final : public Expected {
+// An audit made now finds the rules in sync, or not in sync.
+class InSync final : public Expected {
  public:
-   explicit InStep( bool is ) : isInStep( is ) {}
+   explicit InSync( bool inSync ) : isInSync( inSync ) {}
 
    std::string description() const override;
    Finding check( Evidence const & evidence ) const override;
 
-   bool isInStep;
+   bool isInSync;
 };
 
-// An audit made now finds differences of that kind, or if that is empty of any kind that is not
-// known: `count` of them, or if that is empty at least one.
+// An audit made now finds differences of this kind, or with an empty kind any that are not known:
+// `count` of them, or without a count at least one.
 class DifferencesLike final : public Expected {
  public:
    std::string description() const override;

@@ -10,10 +10,10 @@
 
 namespace Expectations {
 
-// " once", " 3 times"; empty when any number will do.
+// " once", " 3 times"; empty without a number.
 std::string timesText( std::optional< U32 > const & times );
 
-// A line that is there so many times; if no number is expected, once at least.
+// A line was found so many times; without an expected number, one is enough.
 Finding timesFound( std::ptrdiff_t found, std::optional< U32 > const & expected );
 
 }  // namespace Expectations

@@ -23,11 +23,11 @@ using Scenario::Table;
 
 constexpr U32 kHighestNumber = ~U32{ 0 };
 
-// --- qualifiers and actions
+// --- Qualifiers and actions
 
 using Fields = std::vector< RuleFieldWanted >;
 
-// A number, a list of them, or nothing where any will do.
+// A number, a list of numbers, or nothing where any will do.
 std::optional< std::vector< U32 > > numbersOf( Reading & reading, Value const & value,
                                                U32 highest ) {
    if ( value.node.IsNull() ) {
@@ -54,7 +54,7 @@ std::optional< std::vector< U32 > > portsOf( Reading & reading, Value const & va
    return ports;
 }
 
-// Two numbers for a port, none for what has no data, and one for the rest.
+// A port has two numbers, a field without data none, and all others one.
 std::size_t countOfNumbers( Chip::Qualifier qualifier ) {
    return rowOf( qualifier ).hasModule ? 2 : 1;
 }
@@ -130,7 +130,7 @@ template< typename Names > WordList namesOf( Scenario::Place const & place, Name
    return list;
 }
 
-// --- the rest
+// --- The other words
 
 void readPriority( Reading & reading, Value const & value, RulesLike & rules ) {
    if ( value.node.IsScalar() && value.node.Scalar() == "default" ) {

@@ -41,7 +41,7 @@ void readMembers( Reading & reading, Value const & value,
    if ( !isFilled( reading, value, words() ) ) {
       return;
    }
-   for ( auto const & [ word, about ] : entriesOf( reading, value, words() ) ) {
+   for ( auto const & [ word, about ] : wordValuesOf( reading, value, words() ) ) {
       if ( auto what = table()[ word ].read( reading, about ) ) {
          expectations.push_back( { std::move( what ), about.line } );
       }

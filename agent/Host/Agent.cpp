@@ -12,7 +12,7 @@ namespace Host {
 
 namespace {
 
-void levelsAre( std::vector< Scenario::TraceLevels > const & settings ) {
+void applyTraceLevels( std::vector< Scenario::TraceLevels > const & settings ) {
    for ( Scenario::TraceLevels const & setting : settings ) {
       Trace::levelsIs( setting.handles, setting.levels );
    }
@@ -61,7 +61,7 @@ void Agent::runAll() {
       Story::RunEnds{ static_cast< U64 >( environment_.activity().clock()->now().count() ) } );
 }
 
-// Everything from here to idleness belongs to the step.
+// Runs the step's work, and the activity until it is idle.
 template< typename Work >
 void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
    Story::StepBegins numbered = begins;
@@ -93,7 +93,7 @@ void Agent::carryOutSteps() {
    }
 }
 
-// An audit after the step belongs to it: it sees the switch when nothing is left to do.
+// An audit after the step runs when nothing is left to do, and belongs to the step.
 void Agent::carryOut( Scenario::Step const & step ) {
    step.action->queue( environment_.forSteps(), step.line );
    environment_.activity().run();
@@ -113,8 +113,8 @@ void Agent::verify() {
 void Agent::traceLevels() {
    Trace::levelsIs( std::string( Scenario::kMounterTrace ),
                     "0," + std::to_string( Scenario::kMounterLevel ) );
-   levelsAre( scenario_.trace );
-   levelsAre( config_.trace );
+   applyTraceLevels( scenario_.trace );
+   applyTraceLevels( config_.trace );
 }
 
 void Agent::warn( std::vector< std::string > const & texts ) {
@@ -129,7 +129,7 @@ void Agent::tearDown() {
    warn( togglesNotAskedFor( environment_.toggles() ) );
 }
 
-// --- What is asked to be shown
+// --- Showing entities
 
 void Agent::show( AgentConfig::Paths ) {
    for ( auto const & [ path, entity ] : environment_.finder().roots() ) {
@@ -144,7 +144,7 @@ void Agent::show( StateDatabase::EntityPath const & path ) {
       environment_.observer().onEvent( Story::EntityShown{
          path.stringValue(),
          StateDatabase::treeOf( path.stringValue(), *finder.entity( path ), finder.roots() ) } );
-   } catch ( Quelm::Error const & error ) {  // there is none, or a key is not of its type's form
+   } catch ( Quelm::Error const & error ) {  // no such entity, or the key has the wrong form
       throw Story::InputError( error.what() );
    }
 }

@@ -34,8 +34,8 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         ring_( ring ),
         toggles_( scenario.featureFiles ),
         processWide_( sdk_, ring_, toggles_, observer_ ),
-        published_( scenario.device, activity_, database_, own_ ),
-        finder_( { &database_, &own_ } ),
+        published_( scenario.device, activity_, database_, agentEntities_ ),
+        finder_( { &database_, &agentEntities_ } ),
         traffic_( { scenario, published_, board_.units(), activity_, observer_ } ),
         auditor_( finder_, board_.units() ),
         evidence_{ finder_, board_.units(), record_, *pluginPoint(), auditor_ },
@@ -48,14 +48,16 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
                                  "subagents::" + change.key< std::string >(), false } );
                            }
                         } ) {
-   reporter_.unitsAre( board_.units() );
-   own_.entityIs( std::string( StateDatabase::SharedEntities::kFolder ) + "tcamManager",
-                  Quelm::make< Reporters::TcamGroupManager >( "tcamManager", *board_.groupManager(),
-                                                              observer_ ) );
+   reporter_.unitsIs( board_.units() );
+   agentEntities_.entityIs( std::string( StateDatabase::SharedEntities::kFolder ) + "tcamManager",
+                            Quelm::make< Reporters::TcamGroupManager >( "tcamManager",
+                                                                        *board_.groupManager(),
+                                                                        observer_ ) );
    watch();
 }
 
-// Subscribes before any plug-in does, so that a change is told before it is acted on.
+// Subscribes before any plug-in, so that the observer hears of a change before a plug-in acts on
+// it.
 void Environment::watch() {
    subAgentWatch_.hasNotificationActiveIs( true );
    for ( auto const & [ path, entity ] : finder_.roots() ) {

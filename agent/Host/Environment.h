@@ -1,8 +1,8 @@
-// What a plug-in finds on a switch: the activity, the chip, the state database, what the agent
-// shares with plug-ins, and what a process has one of. All of it is there before a plug-in is
-// loaded, and until after it has been unloaded.
+// A plug-in's surroundings on a switch: the activity, the chip, the state database, the entities
+// that the agent shares with plug-ins, and the objects that a process has once. All of it exists
+// before a plug-in is loaded and until it has been unloaded.
 //
-// Entities are found at their path in the database, and below "shared/" and "plugins/"
+// Entities stand at their path in the database, and below "shared/" and "plugins/"
 // (Peers/PublishedState.h has the list).
 #pragma once
 
@@ -31,8 +31,8 @@ namespace Host {
 
 class Environment {
  public:
-   // A switch as the scenario describes it, on which nothing has been published yet. Scenario, ring
-   // memory and observer must outlive it.
+   // A switch as the scenario describes it; nothing is published on it yet. Scenario, ring memory
+   // and observer must outlive it.
    Environment( Scenario::Model const & scenario, std::span< std::byte > ring,
                 Story::Observer & observer );
 
@@ -43,7 +43,7 @@ class Environment {
    Steps::Context const & forSteps() const { return forSteps_; }
    FeatureFiles::Reader const & toggles() const { return toggles_; }
    Loading::Surroundings forPlugins() {
-      return { database_, own_, activity_, pluginPoint(), observer_ };
+      return { database_, agentEntities_, activity_, pluginPoint(), observer_ };
    }
    StateDatabase::Finder const & finder() const { return finder_; }
    Questions::Context forQuestions() const {
@@ -69,7 +69,7 @@ class Environment {
    FeatureFiles::Reader toggles_;
    ProcessWide processWide_;
    StateDatabase::Directory database_;
-   StateDatabase::Directory own_;
+   StateDatabase::Directory agentEntities_;
    Peers::PublishedState published_;
    StateDatabase::Finder finder_;
    Traffic::Injector traffic_;

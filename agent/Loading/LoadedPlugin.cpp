@@ -36,7 +36,7 @@ LoadedPlugin::LoadedPlugin( std::filesystem::path const & file, std::string cons
 
 LoadedPlugin::~LoadedPlugin() {
    while ( !mounters_.empty() ) {
-      around_.own.entityDel( kFolder + mounters_.back()->name() );
+      around_.agentEntities.entityDel( kFolder + mounters_.back()->name() );
       mounters_.pop_back();
    }
 }
@@ -45,7 +45,7 @@ void LoadedPlugin::mounterNew( Plugin::MounterRegistration const & registration,
                                std::string const & sliceId ) {
    auto const mounter = registration.mounterNew();
    mounter->sliceIdIs( sliceId );
-   // The session is the mounter's own, so it refers back to it without counting.
+   // The mounter owns the session, so the session refers back to it without counting.
    mounter->entityManagerIs( Quelm::make< StateDatabase::MountSession >(
       StateDatabase::SessionContext{ mounter->name(), around_.database, around_.activity,
                                      around_.observer,
@@ -54,9 +54,9 @@ void LoadedPlugin::mounterNew( Plugin::MounterRegistration const & registration,
                                      } } ) );
    if ( auto const base = Quelm::dynamicCast< VornalLib::MounterBase >( mounter ) ) {
       base->sharedEntitiesIs(
-         Quelm::make< StateDatabase::SharedEntities >( around_.own, around_.observer ) );
+         Quelm::make< StateDatabase::SharedEntities >( around_.agentEntities, around_.observer ) );
    }
-   around_.own.entityIs( kFolder + mounter->name(), mounter );
+   around_.agentEntities.entityIs( kFolder + mounter->name(), mounter );
    mounters_.push_back( mounter );
 }
 

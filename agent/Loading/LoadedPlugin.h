@@ -13,17 +13,17 @@
 
 namespace Loading {
 
-// What a plug-in finds around it. Everything must outlive the plug-in.
+// The objects that a plug-in works with. All must outlive it.
 struct Surroundings {
-   StateDatabase::Directory & database;  // what other agents publish
-   StateDatabase::Directory & own;       // what the agent shares with plug-ins, and has of them
+   StateDatabase::Directory & database;       // other agents publish here
+   StateDatabase::Directory & agentEntities;  // shared entities, and the mounters of plug-ins
    Kiv::ActivityManager & activity;
-   Quelm::Ptr< Vornal::DependencyPoint > pluginPoint;  // which the plug-in marks
+   Quelm::Ptr< Vornal::DependencyPoint > pluginPoint;  // marked by the plug-in
    Story::Observer & observer;
 };
 
-// Its mounters are found below "plugins/", by their names. Its end destroys them, in the reverse
-// order of their creation, and unloads the shared object.
+// The directory holds the mounters below "plugins/", by their names. The destructor destroys them
+// in the reverse order of their creation and unloads the shared object.
 //
 // Failures: InputError as PluginModule.
 class LoadedPlugin {
@@ -34,10 +34,11 @@ class LoadedPlugin {
    LoadedPlugin & operator=( LoadedPlugin const & ) = delete;
    ~LoadedPlugin();
 
-   // Tells every mounter to start, in a turn of its own.
+   // Queues a turn for each mounter, in which the mounter starts.
    void start();
 
-   // Tells the observer which variant of its state machine the plug-in has built, once it has.
+   // Tells the observer which variant of its state machine the plug-in has built, once it has built
+   // one.
    void tellVariant();
 
  private:

@@ -22,9 +22,9 @@ namespace fs = std::filesystem;
 
 using Header = ElfW( Ehdr );
 using Segment = ElfW( Phdr );
-using Entry = ElfW( Dyn );
+using DynamicEntry = ElfW( Dyn );
 
-// A file in the executable and linkable format, which need not be sound.
+// A file in the executable and linkable format. It may be damaged.
 class ElfFile {
  public:
    explicit ElfFile( fs::path const & file )
@@ -35,31 +35,31 @@ class ElfFile {
    bool isReadable() const { return in_.is_open(); }
    std::uintmax_t size() const { return size_; }
 
-   // As programs of this machine are, this one included.
+   // It is built for the machine of this program.
    bool isSharedObject() const {
-      Header const own = ElfFile( "/proc/self/exe" ).header_.value_or( Header{} );
-      return header_ && std::memcmp( header_->e_ident, own.e_ident, EI_VERSION + 1 ) == 0 &&
-             header_->e_machine == own.e_machine && header_->e_type == ET_DYN;
+      Header const thisProgram = ElfFile( "/proc/self/exe" ).header_.value_or( Header{} );
+      return header_ && std::memcmp( header_->e_ident, thisProgram.e_ident, EI_VERSION + 1 ) == 0 &&
+             header_->e_machine == thisProgram.e_machine && header_->e_type == ET_DYN;
    }
 
-   // How long the file has to be for all that it speaks of.
-   std::uintmax_t sizeTold() {
-      std::uintmax_t told =
+   // The size that the file needs to hold all its parts.
+   std::uintmax_t neededSize() {
+      std::uintmax_t needed =
          header_->e_shoff + std::uintmax_t{ header_->e_shnum } * header_->e_shentsize;
       for ( Segment const & segment : segments() ) {
-         told = std::max< std::uintmax_t >( told, segment.p_offset + segment.p_filesz );
+         needed = std::max< std::uintmax_t >( needed, segment.p_offset + segment.p_filesz );
       }
-      return std::max( told, endOfSegments() );
+      return std::max( needed, endOfSegments() );
    }
 
-   // Whether it asks the loader for that library itself.
-   bool isNeeding( std::string const & library ) {
-      std::vector< Entry > const entries = dynamicEntries();
-      auto const texts = std::find_if( entries.begin(), entries.end(), []( Entry const & entry ) {
-         return entry.d_tag == DT_STRTAB;
-      } );
+   // Its own list of libraries names the library.
+   bool needs( std::string const & library ) {
+      std::vector< DynamicEntry > const entries = dynamicEntries();
+      auto const texts =
+         std::find_if( entries.begin(), entries.end(),
+                       []( DynamicEntry const & entry ) { return entry.d_tag == DT_STRTAB; } );
       return texts != entries.end() &&
-             std::any_of( entries.begin(), entries.end(), [ & ]( Entry const & entry ) {
+             std::any_of( entries.begin(), entries.end(), [ & ]( DynamicEntry const & entry ) {
                 return entry.d_tag == DT_NEEDED &&
                        hasText( offsetOf( texts->d_un.d_ptr + entry.d_un.d_val ), library );
              } );
@@ -95,15 +95,16 @@ class ElfFile {
    std::vector< Segment > segments() {
       return readAll< Segment >( header_->e_phoff, header_->e_phnum );
    }
-   std::vector< Entry > dynamicEntries() {
+   std::vector< DynamicEntry > dynamicEntries() {
       for ( Segment const & segment : segments() ) {
          if ( segment.p_type == PT_DYNAMIC ) {
-            return readAll< Entry >( segment.p_offset, segment.p_filesz / sizeof( Entry ) );
+            return readAll< DynamicEntry >( segment.p_offset,
+                                            segment.p_filesz / sizeof( DynamicEntry ) );
          }
       }
       return {};
    }
-   // Where in the file the byte stands that is loaded at that address.
+   // The place in the file of the byte that is loaded at that address.
    std::uintmax_t offsetOf( std::uintmax_t address ) {
       for ( Segment const & segment : segments() ) {
          if ( segment.p_type == PT_LOAD && address >= segment.p_vaddr &&
@@ -119,7 +120,7 @@ class ElfFile {
    std::optional< Header > header_;
 };
 
-// The library that every plug-in gets its mounters' registration from.
+// The library that registers the mounters of every plug-in.
 std::string platformLibrary() {
    Dl_info info{};
    dladdr( reinterpret_cast< void * >( &Plugin::registeredMounters ), &info );
@@ -146,11 +147,11 @@ void checkIsPlugin( fs::path const & file ) {
               "is no shared object of this machine; --plugin takes the one that a plug-in has been "
               "built into" );
    }
-   if ( std::uintmax_t const told = elf.sizeTold(); told > elf.size() ) {
+   if ( std::uintmax_t const needed = elf.neededSize(); needed > elf.size() ) {
       refuse( file, "is cut short: it has " + std::to_string( elf.size() ) + " bytes of " +
-                       std::to_string( told ) + "; build it or copy it again" );
+                       std::to_string( needed ) + "; build it or copy it again" );
    }
-   if ( std::string const library = platformLibrary(); !elf.isNeeding( library ) ) {
+   if ( std::string const library = platformLibrary(); !elf.needs( library ) ) {
       refuse( file, "registers no mounter, so it is no plug-in: it is not linked with " + library +
                        "; a plug-in has a Plugin::MounterRegistration for each of its mounters" );
    }

@@ -50,7 +50,7 @@ void ClassIdAllocator::queue( Event const & event ) {
    turnAfter( range_.delay );
 }
 
-// Acts on the next event that many turns later than the next turn.
+// Acts on the next event, this many turns after the next turn.
 void ClassIdAllocator::turnAfter( U32 turns ) {
    activity_.turnNew( [ this, turns ] { turns == 0 ? actOnNext() : turnAfter( turns - 1 ); } );
 }
@@ -91,7 +91,7 @@ void ClassIdAllocator::waitNoMore( IpGenAddr const & vtep ) {
    }
 }
 
-void ClassIdAllocator::isPausedIs( bool paused ) {
+void ClassIdAllocator::pausedIs( bool paused ) {
    isPaused_ = paused;
    if ( !isPaused_ ) {
       for ( ; heldBack_ > 0; --heldBack_ ) {
@@ -133,7 +133,7 @@ bool ClassIdAllocator::isGranted( IpGenAddr const & vtep ) const {
    return status_->remoteESPeerVtepHas( vtep );
 }
 
-// A grant has come, changed or gone, whoever has written it.
+// A grant was written, changed or deleted, by the allocator or by hand.
 void ClassIdAllocator::noteGrant( Kiv::Change const & change ) {
    if ( auto const * const id = change.newValue< ClassId >() ) {
       waitNoMore( change.key< IpGenAddr >() );

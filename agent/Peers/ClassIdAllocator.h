@@ -1,23 +1,23 @@
-// The central agent that hands out class ids: grants what plug-ins ask for, takes back what they
-// give back.
+// The central agent that hands out class ids: it grants the requests of plug-ins, and takes an id
+// back when its request ends.
 //
-// Requests are entries of I2EClassIdIndexConfig, grants are entries of I2EClassIdIndexStatus, both
-// by remote VTEP. The allocator acts on requests as events, `delay` turns after they were written,
-// in their order:
-// - a request is granted the lowest free id of the range;
-// - while no id is free it stays silent, and serves the longest waiting first once one is;
-// - a request that is deleted before it was granted is cancelled;
-// - a granted one that is deleted loses its grant and gives its id back, also when it was asked for
-//   again meanwhile; it is then granted anew.
-// Each grant, and each grant that goes, is a turn of its own. When it starts it finds what is there
-// already: a grant without a request is withdrawn, a request without a grant is served.
+// Requests are entries of I2EClassIdIndexConfig, grants are entries of I2EClassIdIndexStatus; the
+// key of both is the remote VTEP. The allocator acts on requests as events, in their order, `delay`
+// turns after they were written:
+// - It grants a request the lowest free id of the range.
+// - While no id is free it stays silent. Once an id is free, the longest waiting request gets it.
+// - A deletion cancels a request that was not granted yet.
+// - The deletion of a granted request ends the grant and frees the id. This holds even if the
+//   request was made again in the meantime; it then gets a new grant.
+// Each grant, and each end of a grant, is a turn of its own. When the allocator starts, it
+// withdraws grants without a request and serves requests without a grant.
 //
-// A grant can be given, changed or withdrawn by hand, through this class or past it. The id that is
-// given counts as taken, and one that comes free serves who has waited longest; a VTEP whose grant
-// was withdrawn by hand gets another one when it is asked for again.
+// A grant can be given, changed or withdrawn by hand, through this class or directly in the entity.
+// An id given by hand counts as taken; a freed id goes to the longest waiting request. After a
+// withdrawal by hand, the VTEP gets another grant at its next request.
 //
-// While it is paused it acts on nothing: requests, and their ends, are kept until it serves again,
-// and then acted on in their order, each in a turn of its own.
+// A paused allocator acts on nothing and keeps requests and their ends. Once it serves again, it
+// acts on them in their order, each in a turn of its own.
 //
 // Cost: an event is logarithmic in the number of requests, and of ids in use.
 //
@@ -40,17 +40,17 @@ class ClassIdAllocator {
    using Config = VornalCentral::I2EClassIdIndexConfig;
    using Status = VornalCentral::I2EClassIdIndexStatus;
 
-   // Does nothing before it starts. The activity must outlive it, turns included.
+   // Does nothing before start(). The activity must outlive it and its turns.
    ClassIdAllocator( Scenario::ClassIds const & range, Kiv::ActivityManager & activity,
                      Quelm::Ptr< Config > config, Quelm::Ptr< Status > status );
 
    // To be called in a turn, once.
    void start();
 
-   // Paused, it grants nothing and takes nothing back.
-   void isPausedIs( bool paused );
+   // While paused, it grants nothing and takes nothing back.
+   void pausedIs( bool paused );
 
-   // Grants by hand, within a turn. Before it starts, what it is to find there.
+   // Grants by hand, within a turn. Before start(), the allocator finds the grant when it starts.
    void grantIs( Pelk::IpGenAddr const & vtep, VornalCommon::ClassId id );
    void grantDel( Pelk::IpGenAddr const & vtep );
    bool isGranted( Pelk::IpGenAddr const & vtep ) const;
@@ -70,7 +70,7 @@ class ClassIdAllocator {
    void wait( Pelk::IpGenAddr const & vtep );
    void waitNoMore( Pelk::IpGenAddr const & vtep );
    bool canServe() const;
-   // Grants what can be granted, behind the turns that are queued by now.
+   // Grants the waiting requests, after the turns that are queued by now.
    void serve();
    void serveNext();
    void take( VornalCommon::ClassId id );
@@ -84,14 +84,14 @@ class ClassIdAllocator {
    Kiv::Watch< Status > grants_;
    std::deque< Event > events_;                      // not acted on yet
    std::map< Pelk::IpGenAddr, U32 > cancellations_;  // deleted requests among the events
-   // For a free id: by the order of their coming, and the other way round.
+   // VTEPs that wait for a free id, by their place in the queue; and the place of each VTEP.
    std::map< U64, Pelk::IpGenAddr > waiting_;
    std::map< Pelk::IpGenAddr, U64 > place_;
    U64 lastPlace_ = 0;
    std::set< U16 > free_;        // ids of the range
-   std::map< U16, U32 > users_;  // of ids that are granted; by hand, one can be given twice
+   std::map< U16, U32 > users_;  // granted ids; by hand, an id can be granted twice
    bool isPaused_ = false;
-   U32 heldBack_ = 0;  // events whose turn has come while it was paused
+   U32 heldBack_ = 0;  // events that fell due while it was paused
 };
 
 }  // namespace Peers

@@ -15,9 +15,9 @@ Quelm::Ptr< T > publishNew( StateDatabase::Directory & directory, std::string co
    return Quelm::dynamicCast< T >( directory.entityNew( path, T::kivTypeName() ) );
 }
 
-// Other agents withdraw what they have published; what is not there is a slip of the pen.
-void checkThere( bool is, std::string const & absent ) {
-   if ( !is ) {
+// Other agents withdraw only what they have published; anything else is a mistake in the scenario.
+void checkThere( bool isThere, std::string const & absent ) {
+   if ( !isThere ) {
       throw Quelm::Error( absent + " at this point, so nothing can be withdrawn" );
    }
 }

@@ -29,7 +29,7 @@ namespace Process {
 
 namespace {
 
-// The two pipes by which a child tells its parent.
+// The two pipes from the child to its parent.
 struct Pipes {
    Pipe events = pipeNew();
    Pipe output = pipeNew();
@@ -39,18 +39,18 @@ struct Pipes {
 
 std::terminate_handler libraryHandler = nullptr;
 
-// Hands every event on through the pipe, as soon as it happens.
+// Sends every event through the pipe as soon as it happens.
 class PipeObserver final : public Story::Observer {
  public:
    PipeObserver( Descriptor const & pipe, Pulse & pulse ) : pipe_( pipe ), pulse_( pulse ) {}
 
    void onEvent( Story::Event const & event ) override {
-      // A capture is one turn, and gets on from frame to frame.
+      // A capture is one turn; the pulse beats for each of its frames.
       if ( std::holds_alternative< Story::FrameForwarded >( event ) ) {
          pulse_.beat();
       }
       if ( !pipe_.write( Story::encoded( event ) + '\n' ) ) {
-         _exit( EXIT_FAILURE );  // nobody listens any more
+         _exit( EXIT_FAILURE );  // nobody reads the pipe any more
       }
    }
 
@@ -59,7 +59,7 @@ class PipeObserver final : public Story::Observer {
    Pulse & pulse_;
 };
 
-// Says in words that memory ran out, before the library's own handler ends the process.
+// Reports that memory ran out, before the library's own handler ends the process.
 void onUncaught() {
    try {
       if ( auto const exception = std::current_exception() ) {
@@ -76,7 +76,7 @@ void onUncaught() {
    libraryHandler();
 }
 
-// Its input is empty, and what it prints goes to its parent.
+// The child's input is empty; its output goes to the parent.
 void redirect( Descriptor const & output ) {
    Descriptor const nothing( open( "/dev/null", O_RDONLY | O_CLOEXEC ) );
    dup2( nothing.fd(), STDIN_FILENO );
@@ -84,7 +84,7 @@ void redirect( Descriptor const & output ) {
    dup2( output.fd(), STDERR_FILENO );
 }
 
-// Whether a run goes on is up to the parent.
+// The parent decides whether a run goes on.
 void handleSignals() {
    signal( SIGINT, SIG_IGN );
    signal( SIGHUP, SIG_IGN );
@@ -93,7 +93,7 @@ void handleSignals() {
    signal( SIGPIPE, SIG_IGN );
 }
 
-// An exception that leaves it ends the process where it was thrown.
+// An exception that leaves `work` ends the process where it was thrown.
 [[noreturn]] void beChild( Work const & work, Pipes & pipes, Pulse & pulse,
                            pid_t parent ) noexcept {
    handleSignals();
@@ -114,16 +114,17 @@ void handleSignals() {
 
 // --- In the parent
 
-// The child leads a process group, which ends with it: what a plug-in has started is in it.
+// The child leads a process group, which ends with it. The group holds the processes that a plug-in
+// has started.
 class ChildProcess final : public Listener::Child {
  public:
    explicit ChildProcess( pid_t pid ) : pid_( pid ) {
-      setpgid( pid, pid );  // the child does so as well, and either may be first
+      setpgid( pid, pid );  // the child does this too; either can be first
       EndWatch::groupIs( pid );
    }
    ChildProcess( ChildProcess const & ) = delete;
    ChildProcess & operator=( ChildProcess const & ) = delete;
-   // Killed, if it is still there, when its owner gives up.
+   // Kills the child if it still runs.
    ~ChildProcess() override {
       if ( !status_ ) {
          kill();
@@ -148,7 +149,7 @@ class ChildProcess final : public Listener::Child {
               errno == EINTR ) {
       }
       if ( ended.si_pid == pid_ ) {
-         // Before the number can be another process's.
+         // Kill the group before the number can belong to another process.
          kill();
          int status = 0;
          waitpid( pid_, &status, 0 );
@@ -167,13 +168,13 @@ void runInChild( Work const & work, std::span< std::byte const > ring, Story::Ob
    Pulse pulse;
    Pipes pipes;
    Interruption const interruption;
-   // What is still buffered would be written twice, by either process.
+   // Both processes would write the buffered text.
    std::cout.flush();
    std::fflush( nullptr );
    pid_t const parent = getpid();
    pid_t const pid = fork();
    if ( pid < 0 ) {
-      failed( "cannot start a process for the agent" );
+      throwSystemError( "cannot start a process for the agent" );
    }
    if ( pid == 0 ) {
       beChild( work, pipes, pulse, parent );

@@ -42,12 +42,12 @@ bool Descriptor::readInto( std::string & text ) const {
 Pipe pipeNew() {
    std::array< int, 2 > ends{};
    if ( pipe2( ends.data(), O_CLOEXEC ) != 0 ) {
-      failed( "cannot make a pipe" );
+      throwSystemError( "cannot make a pipe" );
    }
    return { Descriptor( ends[ 0 ] ), Descriptor( ends[ 1 ] ) };
 }
 
-void failed( std::string const & what ) {
+void throwSystemError( std::string const & what ) {
    throw std::system_error( errno, std::generic_category(), what );
 }
 

@@ -1,4 +1,4 @@
-// A file descriptor, closed by its owner's end, and what is done with one.
+// An owned file descriptor, and operations on it.
 #pragma once
 
 #include <string>
@@ -23,9 +23,9 @@ class Descriptor {
    bool isOpen() const { return fd_ >= 0; }
    void close();
 
-   // Writes all of `text`; false when nobody can read it any more.
+   // Writes all of `text`; false when the reader has gone.
    bool write( std::string_view text ) const;
-   // Appends what can be read now, and waits if that is nothing; false at the end.
+   // Waits until something can be read, and appends it; false at the end.
    bool readInto( std::string & text ) const;
 
  private:
@@ -41,6 +41,6 @@ struct Pipe {
 Pipe pipeNew();
 
 // Throws std::system_error for `errno`, with `what` in front.
-[[noreturn]] void failed( std::string const & what );
+[[noreturn]] void throwSystemError( std::string const & what );
 
 }  // namespace Process

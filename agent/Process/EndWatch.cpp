@@ -9,7 +9,7 @@ namespace {
 
 using Flag = volatile sig_atomic_t;
 
-constexpr int kSignalBase = 128;         // of exit codes, as shells have it
+constexpr int kSignalBase = 128;         // of exit codes, as in shells
 constexpr long kLeastWork = 10'000'000;  // in nanoseconds; the watch itself takes less
 
 Flag isWatched = 0;
@@ -28,7 +28,7 @@ bool isMuchMore( timespec const & now, timespec const & before ) {
    return now.tv_sec != before.tv_sec || now.tv_nsec - before.tv_nsec >= kLeastWork;
 }
 
-// Only what a signal handler may do.
+// Uses only calls that a signal handler may make.
 void look( int ) {
    timespec const now = worked();
    if ( isAlive == 0 && !isMuchMore( now, workedBefore ) ) {
@@ -59,7 +59,7 @@ EndWatch::~EndWatch() {
    sigaction( SIGALRM, &before_, nullptr );
 }
 
-void EndWatch::signalCame( int signal ) {
+void EndWatch::noteSignal( int signal ) {
    if ( isWatched != 0 ) {
       watchedSignal = signal;
       isAlive = 0;
@@ -68,7 +68,7 @@ void EndWatch::signalCame( int signal ) {
    }
 }
 
-void EndWatch::hasWritten() {
+void EndWatch::noteOutput() {
    isAlive = 1;
 }
 

@@ -1,12 +1,12 @@
-// Makes sure that an interrupted program ends, also when nobody reads what it has to print.
+// Ends an interrupted program even when nobody reads its output.
 //
 //    Process::EndWatch const watch;
 //
-// In the scope of an object, a process that has taken note of a signal (Process/Interruption.h)
-// ends with exit code 128 and the signal's number as soon as it has neither worked nor written for
-// kPatience seconds. Its child and what the child has started end with it; an output that it was
-// writing is not complete. A process that works, or that has a slow reader, has all the time it
-// needs. Uses SIGALRM and alarm(). One object in a process at a time.
+// While an object exists, a process that has noted a signal (Process/Interruption.h) ends with exit
+// code 128 plus the signal's number as soon as it has neither worked nor written for kPatience
+// seconds. Its child and the child's processes end with it; the output being written stays
+// incomplete. A process that works, or has a slow reader, gets all the time it needs. Uses SIGALRM
+// and alarm(). One object in a process at a time.
 #pragma once
 
 #include <signal.h>
@@ -23,13 +23,13 @@ class EndWatch {
    EndWatch & operator=( EndWatch const & ) = delete;
    ~EndWatch();
 
-   // These do nothing without an object.
+   // Without an object, these functions do nothing.
 
    // A signal asks this process to end. Can be called in a signal handler.
-   static void signalCame( int signal );
+   static void noteSignal( int signal );
    // The reader of an output has taken something.
-   static void hasWritten();
-   // The process group that is to end with this process; 0: none.
+   static void noteOutput();
+   // Sets the process group that ends with this process; 0: none.
    static void groupIs( pid_t group );
 
  private:

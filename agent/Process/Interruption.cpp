@@ -10,7 +10,7 @@ volatile sig_atomic_t lastSignal = 0;
 
 void takeNote( int signal ) {
    lastSignal = signal;
-   EndWatch::signalCame( signal );
+   EndWatch::noteSignal( signal );
 }
 
 }  // namespace

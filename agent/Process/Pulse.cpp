@@ -12,7 +12,7 @@ Pulse::Pulse() {
    void * const memory =
       mmap( nullptr, sizeof( U64 ), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0 );
    if ( memory == MAP_FAILED ) {
-      failed( "cannot share memory with the process of the agent" );
+      throwSystemError( "cannot share memory with the process of the agent" );
    }
    count_ = static_cast< U64 * >( memory );
 }

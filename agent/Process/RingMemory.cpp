@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t kSize = Trace::Ring::sizeFor( RingMemory::kLines );
 
 [[noreturn]] void cannotWrite( fs::path const & file ) {
-   failed( "cannot write the trace ring " + file.string() );
+   throwSystemError( "cannot write the trace ring " + file.string() );
 }
 
 [[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
@@ -32,12 +32,12 @@ std::span< std::byte > mapped( Descriptor const & file, std::size_t size ) {
    int const flags = MAP_SHARED | ( file.isOpen() ? 0 : MAP_ANONYMOUS );
    void * const memory = mmap( nullptr, size, PROT_READ | PROT_WRITE, flags, file.fd(), 0 );
    if ( memory == MAP_FAILED ) {
-      failed( "there is not enough memory for the trace ring" );
+      throwSystemError( "there is not enough memory for the trace ring" );
    }
    return { static_cast< std::byte * >( memory ), size };
 }
 
-// Opens the file, making it if need be. A pipe or a device is not waited for.
+// Opens the file, and creates it if necessary. Does not wait for a pipe or a device.
 Descriptor openedWith( int flags, fs::path const & file ) {
    return Descriptor(
       open( file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | flags, 0644 ) );
@@ -45,10 +45,10 @@ Descriptor openedWith( int flags, fs::path const & file ) {
 
 struct OpenFile {
    Descriptor file;
-   bool isNew;  // it was not there before
+   bool isNew;  // this call has created it
 };
 
-// An open file that nobody else has as a ring.
+// Opens the file, and locks it: nobody else may use it as a ring.
 OpenFile opened( fs::path const & file ) {
    Descriptor opened = openedWith( O_EXCL, file );
    bool const isNew = opened.isOpen();
@@ -76,8 +76,8 @@ std::size_t sizeOf( Descriptor const & file ) {
    return fstat( file.fd(), &status ) == 0 ? static_cast< std::size_t >( status.st_size ) : 0;
 }
 
-// All of the file is backed by disk: a full disk shows here and not in the middle of a run, and
-// leaves things as they were: no file, or an empty one.
+// Makes the disk back all of the file. So a full disk shows here and not during the run, and leaves
+// the file absent or empty as before.
 void extend( OpenFile const & opened, fs::path const & file ) {
    int const error = posix_fallocate( opened.file.fd(), 0, static_cast< off_t >( kSize ) );
    if ( error != 0 ) {
@@ -96,7 +96,7 @@ bool isRing( std::span< std::byte const > bytes ) {
    }
 }
 
-// Memory that a process can be sure to be able to read.
+// Copies the memory into memory that this process can certainly read.
 std::vector< std::byte > copyOf( std::span< std::byte const > bytes ) {
    Descriptor const copy( memfd_create( "ring", MFD_CLOEXEC ) );
    ssize_t const written = write( copy.fd(), bytes.data(), bytes.size() );
@@ -131,7 +131,7 @@ RingMemory::~RingMemory() {
    munmap( bytes_.data(), bytes_.size() );
 }
 
-// The kernel says that memory is not there any more; reading it would stop this process.
+// The kernel reports that memory has gone; reading it would stop this process.
 bool isWhole( std::span< std::byte const > ring ) {
    return copyOf( ring ).size() == ring.size();
 }
@@ -145,7 +145,7 @@ std::vector< Story::Traced > lastLines( std::span< std::byte const > ring, std::
          result.push_back( { lines[ n ].handle, lines[ n ].level, lines[ n ].text } );
       }
    } catch ( Quelm::TextError const & ) {
-      // No ring has been made in the memory: nothing was traced.
+      // The memory holds no ring: nothing was traced.
    }
    return result;
 }

@@ -1,10 +1,10 @@
-// Tells the observer what reaches the chip, and what became of the rule that it was about.
+// Tells the observer each call that reaches the chip, and the state of its rule after the call.
 //
-// After every call that can change an entry, the rule follows as it stands then, so that a story
-// that ends in the middle of a rule knows the rule as far as it got.
+// It tells the rule after every call that can change an entry. So a story that ends in the middle
+// of a rule shows the rule as far as it got.
 //
-// Threads: the calls come from the activity's thread, with or without the activity lock; no entity
-// and no reference is touched.
+// Threads: the calls come from the activity's thread, with or without the activity lock; the
+// reporter touches no entity and no reference.
 #pragma once
 
 #include <map>
@@ -20,18 +20,18 @@ class ChipReporter final : public Chip::CallObserver {
  public:
    explicit ChipReporter( Story::Observer & observer ) : observer_( observer ) {}
 
-   // The units that the calls are about. They must outlive their use.
-   void unitsAre( Chip::Units & units ) { units_ = &units; }
+   // The units of the calls. They must outlive their use.
+   void unitsIs( Chip::Units & units ) { units_ = &units; }
 
    void callMade( Chip::HardwareCall const & call ) override;
 
-   // Tells the rule as it stands now, unless it has been told so.
-   void tellRule( U32 unit, U32 id );
+   // Tells the rule as it stands now, unless its last report was the same.
+   void reportRule( U32 unit, U32 id );
 
  private:
    Story::Observer & observer_;
    Chip::Units * units_ = nullptr;
-   std::map< std::pair< U32, U32 >, Chip::Rule > told_;  // by unit and id, as told last
+   std::map< std::pair< U32, U32 >, Chip::Rule > reported_;  // by unit and id, as last reported
 };
 
 }  // namespace Reporters

@@ -32,10 +32,10 @@ void Agreement::check( Reading & reading ) const {
    checkDesignated( reading );
 }
 
-// A switch without an address forwards nothing, and is none of those VTEPs.
+// A switch without an address forwards nothing and is no such VTEP.
 void Agreement::checkOthers( Reading & reading, Vteps const & vteps ) const {
    for ( auto const & [ vtep, line ] : vteps ) {
-      if ( auto const self = own_.find( vtep ); self != own_.end() ) {
+      if ( auto const self = ownVteps_.find( vtep ); self != ownVteps_.end() ) {
          reading.problem( line, vtep.stringValue() + " is this switch itself" +
                                    inLine( self->second ) + "; give the address of another VTEP" );
       }
@@ -47,10 +47,10 @@ void Agreement::checkVteps( Reading & reading ) const {
    checkOthers( reading, sharing_ );
    for ( auto const & [ vtep, line ] : remote_ ) {
       auto const family = vtep.family();
-      bool const isReachable = std::any_of( own_.begin(), own_.end(), [ & ]( auto const & one ) {
-         return one.first.family() == family;
-      } );
-      if ( !own_.empty() && !isReachable ) {
+      bool const isReachable =
+         std::any_of( ownVteps_.begin(), ownVteps_.end(),
+                      [ & ]( auto const & one ) { return one.first.family() == family; } );
+      if ( !ownVteps_.empty() && !isReachable ) {
          reading.problem( line, "no VTEP address of the switch is an " + familyOf( vtep ) +
                                    " address as " + vtep.stringValue() +
                                    " is; add one to 'vtep-addresses'" );
@@ -75,8 +75,8 @@ void Agreement::checkUnderlay( Reading & reading ) const {
    }
 }
 
-// A member that leaves its port channel in a step has VLANs of its own from then on, unless it has
-// carried VXLAN until then.
+// A member that leaves its port channel in a step has VLANs of its own from then on, unless it
+// carried VXLAN before.
 void Agreement::checkAccess( Reading & reading ) const {
    for ( auto const & [ intf, line ] : access_ ) {
       auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
@@ -104,7 +104,7 @@ void Agreement::checkDesignated( Reading & reading ) const {
       }
       bool const hasVlans = std::any_of( access_.begin(), access_.end(), isAbout( intf ) );
       bool const isUnderlay = underlay_.contains( intf );
-      if ( !own_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {
+      if ( !ownVteps_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {
          reading.problem( line, intf.stringValue() + " carries no VLANs" +
                                    ( isUnderlay ? " as an underlay interface" : "" ) +
                                    ", so it designates nothing; give it some under 'access' or "

@@ -1,8 +1,8 @@
-// What parts of a scenario say that has to agree with other parts, and in which lines they say it.
+// Checks that the parts of a scenario agree with each other, and names their lines.
 //
-// The parts are read one by one and in no fixed order; what they say is noted here, and held
-// together when all of them are read. What comes true only in the course of the steps is a matter
-// of Scenario/Course.h.
+// The reader reads the parts one by one and in no fixed order. It notes their statements here, and
+// check() compares them when all parts are read. Scenario/Course.h checks the statements that
+// depend on the order of the steps.
 #pragma once
 
 #include <map>
@@ -17,14 +17,14 @@ class Reading;
 
 class Agreement {
  public:
-   // An address of the switch itself.
-   void ownVtepIs( Pelk::IpGenAddr const & vtep, int line ) { own_.try_emplace( vtep, line ); }
-   // A VTEP that frames go to or come from.
+   // The switch has this address.
+   void ownVtepIs( Pelk::IpGenAddr const & vtep, int line ) { ownVteps_.try_emplace( vtep, line ); }
+   // Frames go to this VTEP or come from it.
    void remoteVtepIs( Pelk::IpGenAddr const & vtep, int line ) {
       remote_.push_back( { vtep, line } );
    }
 
-   // A VTEP that shares a segment with the switch.
+   // The VTEP shares a segment with the switch.
    void sharingVtepIs( Pelk::IpGenAddr const & vtep, int line ) {
       sharing_.push_back( { vtep, line } );
    }
@@ -33,19 +33,19 @@ class Agreement {
    void underlayIs( Pelk::IntfId const & intf, int line ) { underlay_.try_emplace( intf, line ); }
    // The interface or port channel carries VLANs.
    void accessIs( Pelk::IntfId const & intf, int line ) { access_.push_back( { intf, line } ); }
-   // Something is said about the interface as a designated forwarder.
+   // The scenario says whether the interface is a designated forwarder.
    void designatedIs( Pelk::IntfId const & intf, int line ) {
       designated_.push_back( { intf, line } );
    }
 
-   // The interface is in a port channel before the plug-in is loaded, or gets into one later.
+   // The interface is in the port channel before the plug-in is loaded, or joins it later.
    void memberIs( Pelk::IntfId const & member, Pelk::IntfId const & portChannel, int line ) {
       members_.push_back( { member, line, portChannel } );
    }
    // The interface leaves its port channel in a step.
    void memberGoes( Pelk::IntfId const & member ) { leaving_.insert_or_assign( member, 0 ); }
 
-   // Tells what does not agree.
+   // Reports each disagreement.
    void check( Reading & reading ) const;
 
  private:
@@ -67,7 +67,7 @@ class Agreement {
    void checkAccess( Reading & reading ) const;
    void checkDesignated( Reading & reading ) const;
 
-   std::map< Pelk::IpGenAddr, int > own_;
+   std::map< Pelk::IpGenAddr, int > ownVteps_;
    Vteps remote_;
    Vteps sharing_;
    std::map< Pelk::IntfId, int > underlay_;

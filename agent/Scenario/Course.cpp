@@ -6,7 +6,7 @@ namespace Scenario {
 
 using Pelk::IpGenAddr;
 
-// --- What a step does
+// --- The effect of a step
 
 void Course::publish( std::vector< Change > const & changes ) {
    if ( !isKnown_ ) {
@@ -46,7 +46,7 @@ void Course::stepEnds() {
    }
 }
 
-// --- What comes
+// --- State that enters
 
 void Course::enters( SegmentVtep const & what ) {
    segments_[ what.intf ].insert( what.vtep );
@@ -78,7 +78,7 @@ void Course::takesThePlace( TunnelInterfaceReplaced const & what ) {
    }
 }
 
-// --- What goes
+// --- State that leaves
 
 void Course::mustBeThere( bool isThere, std::string const & absent ) {
    if ( !isThere ) {
@@ -142,16 +142,16 @@ void Course::checkIndices() {
       auto const index = static_cast< U16 >( port.number );
       auto const [ other, isNew ] = vtepOf.try_emplace( index, vtep );
       if ( !isNew && port.line >= virtualPorts_.at( other->second ).line ) {
-         tellShared( port.line, vtep, other->second, index );
+         reportShared( port.line, vtep, other->second, index );
       } else if ( !isNew ) {
-         tellShared( virtualPorts_.at( other->second ).line, other->second, vtep, index );
+         reportShared( virtualPorts_.at( other->second ).line, other->second, vtep, index );
       }
    }
 }
 
-// Once for each line.
-void Course::tellShared( int line, IpGenAddr const & vtep, IpGenAddr const & other, U16 index ) {
-   if ( told_.insert( line ).second ) {
+// Reports once for each line.
+void Course::reportShared( int line, IpGenAddr const & vtep, IpGenAddr const & other, U16 index ) {
+   if ( reportedLines_.insert( line ).second ) {
       reading_.problem( line, vtep.stringValue() + " has the VP index of " + other.stringValue() +
                                  ", " + std::to_string( index ) +
                                  " (the low 16 bits of the virtual port); give each VTEP its "
@@ -159,7 +159,7 @@ void Course::tellShared( int line, IpGenAddr const & vtep, IpGenAddr const & oth
    }
 }
 
-// --- The whole
+// --- The whole scenario
 
 namespace {
 

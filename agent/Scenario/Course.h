@@ -1,10 +1,9 @@
-// The course of a scenario: what is published and withdrawn, followed from the start through the
-// steps.
+// The course of a scenario: follows the published state from the start through the steps.
 //
-// What only the order of things makes wrong is found here, before anything is loaded: what is
-// withdrawn must be there, and no two VTEPs may have one VP index when a step is over. Steps that
-// reach published entities through the generic interface can change anything; from there on nothing
-// is said of these two. Steps about frames need a switch that is told how to forward.
+// It finds mistakes that lie in the order of things, before anything is loaded: a step can only
+// withdraw published state, and no two VTEPs may have one VP index at the end of a step. A step
+// that changes published entities through the generic interface can change anything; after it these
+// two are not checked any more. Steps about frames need a switch with a forwarding configuration.
 #pragma once
 
 #include <map>
@@ -26,8 +25,8 @@ class Course {
    void withdraw( std::vector< Change > const & changes );
    void replace( std::vector< Replacement > const & replacements );
 
-   // The entity at that path changes in a way that nobody can follow. If others publish it, nothing
-   // more is known of the state.
+   // The entity at that path changes in an unknown way. If other agents publish it, the state is
+   // unknown from then on.
    void mayChange( StateDatabase::EntityPath const & path );
    bool isKnown() const { return isKnown_; }
 
@@ -52,7 +51,7 @@ class Course {
    void enters( ClassIdRequest const & what ) { asking_.insert( what.vtep ); }
    void enters( ClassIdGrant const & what ) { grants_.insert( what.vtep ); }
 
-   // The plug-in asks for a class id, and the allocator grants one in its own time.
+   // The plug-in asks for a class id; the allocator grants one at an unknown time.
    void sharesASegment( Pelk::IpGenAddr const & vtep );
 
    void takesThePlace( SegmentReplaced const & what );
@@ -70,8 +69,8 @@ class Course {
 
    void mustBeThere( bool isThere, std::string const & absent );
    void checkIndices();
-   void tellShared( int line, Pelk::IpGenAddr const & vtep, Pelk::IpGenAddr const & other,
-                    U16 index );
+   void reportShared( int line, Pelk::IpGenAddr const & vtep, Pelk::IpGenAddr const & other,
+                      U16 index );
 
    Reading & reading_;
    bool hasClassIds_;
@@ -85,7 +84,7 @@ class Course {
    std::map< Pelk::IntfId, std::set< L3::VrfName > > tunnels_;
    std::set< Pelk::IpGenAddr > grants_;  // published, not the allocator's own
    std::set< Pelk::IpGenAddr > asking_;  // may be granted a class id at any time
-   std::set< int > told_;
+   std::set< int > reportedLines_;
 };
 
 void followCourse( Reading & reading, Model const & model );

@@ -18,59 +18,59 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What a file's mapping is read into.
-struct Document {
+// The model of a scenario while its file is read.
+struct Draft {
    Model model;
-   std::vector< StepOf > steps;
+   std::vector< StepForVariant > steps;
    StepsReader readSteps;
    fs::path directory;  // of the file
 };
 
-// --- the words of a scenario
+// --- The words of a scenario
 
-void readName( Reading & reading, Value const & value, Document & document ) {
-   document.model.name = stringOf( reading, value ).value_or( "" );
+void readName( Reading & reading, Value const & value, Draft & draft ) {
+   draft.model.name = stringOf( reading, value ).value_or( "" );
 }
 
-void readDescription( Reading & reading, Value const & value, Document & document ) {
-   document.model.description = stringOf( reading, value ).value_or( "" );
+void readDescription( Reading & reading, Value const & value, Draft & draft ) {
+   draft.model.description = stringOf( reading, value ).value_or( "" );
 }
 
-void readSwitchWord( Reading & reading, Value const & value, Document & document ) {
-   readSwitch( reading, value, document.model );
+void readSwitchWord( Reading & reading, Value const & value, Draft & draft ) {
+   readSwitch( reading, value, draft.model );
 }
 
-void readForwardingWord( Reading & reading, Value const & value, Document & document ) {
-   readForwarding( reading, value, document.model.forwarding );
+void readForwardingWord( Reading & reading, Value const & value, Draft & draft ) {
+   readForwarding( reading, value, draft.model.forwarding );
 }
 
-void readEvpnWord( Reading & reading, Value const & value, Document & document ) {
-   readEvpn( reading, value, document.model.published );
+void readEvpnWord( Reading & reading, Value const & value, Draft & draft ) {
+   readEvpn( reading, value, draft.model.published );
 }
 
-void readFeatures( Reading & reading, Value const & value, Document & document ) {
+void readFeatures( Reading & reading, Value const & value, Draft & draft ) {
    auto const directory = stringOf( reading, value );
    if ( !directory ) {
       return;
    }
-   document.model.featureFiles = document.directory / *directory;
+   draft.model.featureFiles = draft.directory / *directory;
    std::error_code error;
-   if ( !fs::is_directory( document.model.featureFiles, error ) ) {
+   if ( !fs::is_directory( draft.model.featureFiles, error ) ) {
       reading.problem( value.line, "features is " + pathInQuotes( *directory ) +
                                       ", which is no directory; give the directory of the feature "
                                       "files, as a path from the scenario's directory" );
    }
 }
 
-void readTrace( Reading & reading, Value const & value, Document & document ) {
+void readTrace( Reading & reading, Value const & value, Draft & draft ) {
    for ( Value const & handles : mappingOf( reading, value ) ) {
       auto const text = stringOf( reading, handles );
       if ( !text ) {
          continue;
       }
       try {
-         reading.traceIs( handles.name, Trace::levelsFromText( *text ) );
-         document.model.trace.push_back( { handles.name, *text, handles.line } );
+         reading.addTraceLevels( handles.name, Trace::levelsFromText( *text ) );
+         draft.model.trace.push_back( { handles.name, *text, handles.line } );
       } catch ( Quelm::TextError const & ) {
          reading.problem( handles.line, handles.name + " is " + inQuotes( *text ) +
                                            "; trace levels are expected, as in 0-5,9" );
@@ -78,12 +78,12 @@ void readTrace( Reading & reading, Value const & value, Document & document ) {
    }
 }
 
-void readStepsWord( Reading & reading, Value const & value, Document & document ) {
-   document.readSteps( reading, value, document.steps );
+void readStepsWord( Reading & reading, Value const & value, Draft & draft ) {
+   draft.readSteps( reading, value, draft.steps );
 }
 
-Table< Document > const & scenarioTable() {
-   static Table< Document > const table{
+Table< Draft > const & scenarioTable() {
+   static Table< Draft > const table{
       { "scenario", "A whole scenario." },
       { { { "scenario", "scenario: start-up",
             Shape::of( "text", "The scenario's name, usually that of its folder." ) },
@@ -114,7 +114,7 @@ Table< Document > const & scenarioTable() {
    return table;
 }
 
-// --- a scenario that is based on another
+// --- A scenario that is based on another
 
 struct Twin {
    std::string name;
@@ -154,27 +154,27 @@ Table< Twin > const & twinTable() {
    return table;
 }
 
-// --- both
+// --- Both
 
 bool isTwin( Value const & document ) {
    return document.node.IsMap() && document.node[ "based-on" ];
 }
 
-// A whole scenario; with `variant` on that variant.
+// A whole scenario; with `variant`, the scenario for that variant.
 Model modelOf( std::string const & text, Value const & value, fs::path const & file,
                StepsReader readSteps, std::optional< Variant > variant ) {
    Reading reading( file.string(), text );
-   Document document;
-   document.readSteps = readSteps;
-   document.directory = file.parent_path();
-   document.model.file = file.string();
-   document.model.featureFiles = document.directory;
-   readMapping( reading, value, scenarioTable(), document );
+   Draft draft;
+   draft.readSteps = readSteps;
+   draft.directory = file.parent_path();
+   draft.model.file = file.string();
+   draft.model.featureFiles = draft.directory;
+   readMapping( reading, value, scenarioTable(), draft );
    reading.check();
 
-   Model model = std::move( document.model );
+   Model model = std::move( draft.model );
    model.device.variant = variant.value_or( model.device.variant );
-   for ( StepOf & step : document.steps ) {
+   for ( StepForVariant & step : draft.steps ) {
       if ( !step.onlyOn || step.onlyOn == model.device.variant ) {
          model.steps.push_back( std::move( step.step ) );
       }

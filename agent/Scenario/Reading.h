@@ -1,11 +1,12 @@
-// One reading of a scenario: the problems found so far, and what its parts have to agree on.
+// One reading of a scenario: the problems found so far, and the statements of the parts that must
+// agree.
 //
-// The functions that read the parts (Scenario/Parts.h) take a Reading. What they cannot read they
-// report to it and leave out, and go on; so one reading finds everything that is wrong. In the end
-// check() throws if there was a problem, and nothing that was read is used.
+// The functions that read the parts (Scenario/Parts.h) take a Reading. They report each value that
+// they cannot read, leave it out and go on, so one reading finds every mistake. In the end check()
+// throws if there was a problem, and the result of the reading is dropped.
 //
-// Lines. A problem with a value is told at the line of the key it stands under, or at its own in a
-// list: that is where a person looks, and where an alias is used rather than anchored.
+// Lines. A problem with a value names the line of its key, or its own line in a list. A person
+// looks there, and an alias counts where it is used rather than anchored.
 #pragma once
 
 #include <filesystem>
@@ -30,9 +31,9 @@ using Text::knownOnes;
 using Text::listed;
 using Text::nearest;
 
-// A node of the text, and what problems with it need: the line, and what people know it by, which
-// is the word or the name that it stands under. The node is const because assigning to a YAML::Node
-// changes the text's node, not the variable.
+// A node of the text with its line and its name for problems: the word or the name that it stands
+// under. The node is const because assigning to a YAML::Node changes the text's node, not the
+// variable.
 struct Value {
    YAML::Node const node;
    int line;
@@ -43,37 +44,40 @@ class Reading {
  public:
    static constexpr std::size_t kMostProblems = 1000;
 
-   // Of that text, which a file or a pipe holds.
+   // `text` comes from a file or a pipe.
    Reading( std::string file, std::string text )
          : file_( std::move( file ) ), text_( std::move( text ) ) {}
 
-   // Where the files are that the scenario names.
+   // The directory of the files that the scenario names.
    std::filesystem::path directory() const { return std::filesystem::path( file_ ).parent_path(); }
 
-   // The line of an element of a list with nothing in it but its dash; the parser knows only where
-   // what comes next begins.
+   // The line of an empty list element, which is only a dash. The parser knows only the beginning
+   // of the next node.
    int lineOfDash( YAML::Mark const & next ) const;
 
-   // Beyond kMostProblems nothing more is read: ReadError with those found until then.
+   // Adds a problem. Throws ReadError with all problems so far when there are kMostProblems.
    void problem( int line, std::string message );
 
-   // The interface exists on the switch, with a chip port or without, now or later.
+   // The interface exists on the switch at some time, with a chip port or without.
    void define( Pelk::IntfId const & intf ) { defined_.insert( intf ); }
-   // The interface is referred to; a problem in the end unless it is defined somewhere.
+   // The scenario refers to the interface; check() reports a problem unless the scenario defines
+   // it.
    void use( Pelk::IntfId const & intf, int line ) { uses_.push_back( { intf, line } ); }
 
-   // The units of the switch.
-   void unitIs( SwitchUnit const & unit ) { modules_[ unit.number ] = unit.module; }
-   // The unit's module id; a problem and nothing if the switch has no such unit.
+   // The switch has this unit.
+   void addUnit( SwitchUnit const & unit ) { modules_[ unit.number ] = unit.module; }
+   // The unit's module id; reports a problem and returns nothing if the switch has no such unit.
    std::optional< U16 > module( U16 unit, int line );
 
    Agreement & agreement() { return agreement_; }
 
-   // The text trace levels that are on, of handles that `names` matches.
-   void traceIs( std::string const & names, U32 levels ) { trace_.emplace_back( names, levels ); }
+   // The text trace levels that are on for the handles that `names` matches.
+   void addTraceLevels( std::string const & names, U32 levels ) {
+      trace_.emplace_back( names, levels );
+   }
    bool isTraced( std::string_view handle, int level ) const;
 
-   // ReadError with all problems, in the order of their lines, if there are any.
+   // Throws ReadError with all problems, in the order of their lines, if there are any.
    void check();
 
  private:
@@ -94,7 +98,7 @@ class Reading {
    std::vector< std::pair< std::string, U32 > > trace_;
 };
 
-// What a node is, in words: "a mapping", "a list", "text", "empty".
+// The kind of a node in words: "a mapping", "a list", "text", "empty".
 std::string_view kindOf( YAML::Node const & node );
 
 }  // namespace Scenario

@@ -59,7 +59,7 @@ void readUnits( Reading & reading, Value const & value, Model & model ) {
       UnitWords words;
       readMapping( reading, { about.node, about.line, "unit " + about.name }, unitTable(), words );
       SwitchUnit const unit{ number, static_cast< U16 >( words.module.value_or( 0 ) ) };
-      reading.unitIs( unit );
+      reading.addUnit( unit );
       model.device.units.push_back( unit );
       if ( words.module && !unitOfModule.try_emplace( *words.module, number ).second ) {
          reading.problem( about.line, "module " + std::to_string( unit.module ) + " is unit " +
@@ -74,7 +74,7 @@ void readUnits( Reading & reading, Value const & value, Model & model ) {
               []( SwitchUnit const & a, SwitchUnit const & b ) { return a.number < b.number; } );
 }
 
-// A group's entries per unit, or `none` where the switch has no such group.
+// A group's entries per unit, or `none` if the switch has no such group.
 template< std::optional< U32 > Tcam::*group >
 void readGroup( Reading & reading, Value const & value, Tcam & tcam ) {
    bool const isNone = value.node.IsScalar() && value.node.Scalar() == "none";
@@ -116,7 +116,7 @@ void readClassIdDelay( Reading & reading, Value const & value, ClassIds & classI
    classIds.delay = numberOf( reading, value, 0, kLongestDelay ).value_or( 0 );
 }
 
-// As far as one of the two is left out.
+// JSON Schema can check this only if one of the two is left out.
 constexpr std::string_view kFirstIsNotAboveLast = R"({
    "dependencies": {
       "first": {

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kUnknown = static_cast< std::size_t >( -1 );
 
-// What people call it.
+// Its name for people.
 std::string nameOf( WordList const & list ) {
    return list.place.name == "derived-scenario" ? "a scenario that is based on another"
                                                 : std::string( list.place.name );
@@ -31,11 +31,12 @@ std::size_t indexOf( Reading & reading, Value const & member, WordList const & l
    return kUnknown;
 }
 
-void checkRequired( Reading & reading, Value const & value, std::vector< Entry > const & entries,
-                    WordList const & list ) {
+void checkRequired( Reading & reading, Value const & value,
+                    std::vector< WordValue > const & entries, WordList const & list ) {
    for ( std::size_t n = 0; n < list.words.size(); ++n ) {
-      bool const isThere = std::any_of( entries.begin(), entries.end(),
-                                        [ n ]( Entry const & entry ) { return entry.word == n; } );
+      bool const isThere =
+         std::any_of( entries.begin(), entries.end(),
+                      [ n ]( WordValue const & entry ) { return entry.word == n; } );
       WordName const & word = list.words[ n ];
       if ( word.isRequired() && !isThere ) {
          reading.problem( value.line, "'" + std::string( word.name ) + "' is missing in " +
@@ -64,8 +65,9 @@ bool isFilled( Reading & reading, Value const & value, WordList const & list ) {
    return !isEmpty;
 }
 
-std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList const & list ) {
-   std::vector< Entry > entries;
+std::vector< WordValue > wordValuesOf( Reading & reading, Value const & value,
+                                       WordList const & list ) {
+   std::vector< WordValue > entries;
    if ( !value.node.IsMap() ) {
       reading.problem( value.line, value.name + " is " + std::string( kindOf( value.node ) ) +
                                       "; a mapping is expected, of " +
@@ -82,13 +84,13 @@ std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList
    return entries;
 }
 
-std::vector< Entry > entriesInOrderOf( Reading & reading, Value const & value,
-                                       WordList const & list ) {
-   std::vector< Entry > const entries = entriesOf( reading, value, list );
-   std::vector< Entry > sorted;
+std::vector< WordValue > wordValuesInOrderOf( Reading & reading, Value const & value,
+                                              WordList const & list ) {
+   std::vector< WordValue > const entries = wordValuesOf( reading, value, list );
+   std::vector< WordValue > sorted;
    for ( std::size_t word = 0; word < list.words.size(); ++word ) {
       std::copy_if( entries.begin(), entries.end(), std::back_inserter( sorted ),
-                    [ word ]( Entry const & entry ) { return entry.word == word; } );
+                    [ word ]( WordValue const & entry ) { return entry.word == word; } );
    }
    return sorted;
 }

@@ -1,8 +1,8 @@
 // The words of a mapping, as a table.
 //
 // Every mapping of the language with a fixed set of words has one table: a row per word with the
-// shape of its value and the function that reads it. The table is all there is; what is known, what
-// is required, what the JSON Schema says follows from it.
+// shape of its value and the function that reads it. The known words, the required words and the
+// JSON Schema all follow from the table.
 //
 //    Table< Tcam > const table{ { "tcam", "The size of the groups." },
 //                               { { { "ingress", "", Shape::of( "entries" ) }, readIngress },
@@ -22,20 +22,21 @@ namespace Scenario {
 
 struct WordName {
    std::string_view name;
-   std::string_view example;  // of a word that must be there; empty: it may be left out
-   std::string shape = {};    // of its value (Scenario/Shape.h); empty for a text to choose
+   std::string_view example;  // of a required word; empty: the word is optional
+   std::string shape = {};    // of its value (Scenario/Shape.h); empty for a text of a choice
 
    bool isRequired() const { return !example.empty(); }
 };
 
-// What a mapping or a choice is known by, and what the JSON Schema says of it beside its words.
+// The name of a mapping or a choice, and the parts of its JSON Schema that do not come from its
+// words.
 struct Place {
    std::string_view name;         // "tcam", as people know it
    std::string_view description;  // for people
    std::string_view more = "{}";  // further keywords of JSON Schema, as an object
 };
 
-// A mapping's words, or the texts that a value is chosen from.
+// The words of a mapping, or the texts of a choice.
 struct WordList {
    Place place;
    std::vector< WordName > words;
@@ -72,39 +73,40 @@ std::vector< Word< Target > > joined( std::vector< std::vector< Word< Target > >
    return words;
 }
 
-// One word of a mapping that was read: its index in the table, and its value.
-struct Entry {
+// One word that a mapping holds: its index in the table, and its value.
+struct WordValue {
    std::size_t word;
    Value value;
 };
 
 // The known words of the mapping `value`, each once, in the order written.
-std::vector< Entry > entriesOf( Reading & reading, Value const & value, WordList const & list );
+std::vector< WordValue > wordValuesOf( Reading & reading, Value const & value,
+                                       WordList const & list );
 
-// Whether the mapping or list `value` holds anything; otherwise that is a problem.
+// The mapping or list `value` holds something; otherwise that is a problem.
 bool isFilled( Reading & reading, Value const & value, WordList const & list );
 
 // The same in the order of the list.
-std::vector< Entry > entriesInOrderOf( Reading & reading, Value const & value,
-                                       WordList const & list );
+std::vector< WordValue > wordValuesInOrderOf( Reading & reading, Value const & value,
+                                              WordList const & list );
 
-// Reads the words in the order of the table, so that a function finds what the rows before its own
-// have read.
+// Reads the words in the order of the table, so a function finds the results of the rows before its
+// own.
 template< typename Target >
 void readMapping( Reading & reading, Value const & value, Table< Target > const & table,
                   Target & target ) {
-   for ( Entry const & entry : entriesInOrderOf( reading, value, table.list() ) ) {
+   for ( WordValue const & entry : wordValuesInOrderOf( reading, value, table.list() ) ) {
       table.words[ entry.word ].read( reading, entry.value, target );
    }
 }
 
-// Reads the words in the order in which they are written, of which there must be one at least.
+// Reads the words in the order written. There must be one at least.
 template< typename Target >
 void readAsWritten( Reading & reading, Value const & value, Table< Target > const & table,
                     Target & target ) {
    WordList const list = table.list();
    if ( isFilled( reading, value, list ) ) {
-      for ( Entry const & entry : entriesOf( reading, value, list ) ) {
+      for ( WordValue const & entry : wordValuesOf( reading, value, list ) ) {
          table.words[ entry.word ].read( reading, entry.value, target );
       }
    }

@@ -17,7 +17,7 @@ ChangeWatch::ChangeWatch( std::string path, Quelm::Ptr< Kiv::Entity const > cons
    watchedIs( entity );
    hasNotificationActiveIs( true );
    for ( Kiv::AttributeId id = 1; id <= entity->typeData().attributes().size(); ++id ) {
-      membersAre( id );
+      watchMembers( id );
    }
 }
 
@@ -28,20 +28,20 @@ void ChangeWatch::onAttribute( Kiv::Change const & change ) {
                                               textOf( attribute, change.rawOldValue() ),
                                               textOf( attribute, change.rawNewValue() ) } );
    if ( attribute.kind() == Kiv::Attribute::Kind::Members ) {
-      memberIs( change.attribute(), key );
+      watchMember( change.attribute(), key );
    }
 }
 
-void ChangeWatch::membersAre( Kiv::AttributeId id ) {
+void ChangeWatch::watchMembers( Kiv::AttributeId id ) {
    Kiv::Attribute const & attribute = watched()->typeData().attribute( id );
    if ( attribute.kind() == Kiv::Attribute::Kind::Members ) {
       for ( std::string const & key : attribute.keys( *watched() ) ) {
-         memberIs( id, key );
+         watchMember( id, key );
       }
    }
 }
 
-void ChangeWatch::memberIs( Kiv::AttributeId id, std::string const & key ) {
+void ChangeWatch::watchMember( Kiv::AttributeId id, std::string const & key ) {
    Kiv::Attribute const & attribute = watched()->typeData().attribute( id );
    Member const member( id, key );
    members_.erase( member );

@@ -34,7 +34,7 @@ std::string ClassIdAllocatorStep::description() const {
 
 void ClassIdAllocatorStep::queue( Context const & context, int line ) const {
    context.turnNew( line,
-                    [ this, &context ] { context.published.allocator().isPausedIs( isPaused ); } );
+                    [ this, &context ] { context.published.allocator().pausedIs( isPaused ); } );
 }
 
 }  // namespace Steps

@@ -30,15 +30,16 @@ void DesignatedForwarder::read( Reading & reading, Value const & value ) {
 
 std::string DesignatedForwarder::description() const {
    std::string text;
-   for ( auto const & [ intf, is ] : isDesignated ) {
+   for ( auto const & [ intf, isForwarder ] : isDesignated ) {
       text += fmt::format( "{}{} is {}designated", text.empty() ? "" : ", ", Quelm::textOf( intf ),
-                           is ? "" : "not " );
+                           isForwarder ? "" : "not " );
    }
    return text;
 }
 
 void DesignatedForwarder::queue( Context const & context, int line ) const {
-   context.turnNew( line, [ this, &context ] { context.traffic.designatedAre( isDesignated ); } );
+   context.turnNew( line,
+                    [ this, &context ] { context.traffic.designateForwarders( isDesignated ); } );
 }
 
 }  // namespace Steps

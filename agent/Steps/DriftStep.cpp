@@ -23,7 +23,7 @@ using Scenario::Word;
 constexpr U32 kHighestNumber = ~U32{ 0 };
 constexpr U32 kHighestPort = Brum::PerUnitBitmap::kBits - 1;
 
-// The words of one drift, as far as they are there.
+// The words of one drift that the scenario has given.
 struct DriftWords {
    Scenario::TcamGroup group = Scenario::TcamGroup::ingress;
    U16 unit = 0;
@@ -31,7 +31,7 @@ struct DriftWords {
    std::vector< DriftStep::Change > changes;
 };
 
-// --- Which rule
+// --- The rule
 
 void readEntryId( Reading & reading, Value const & value, DriftWords & words ) {
    words.rules.emplace_back( numberOf( reading, value, 1, kHighestNumber ).value_or( 1 ) );
@@ -41,9 +41,9 @@ void readRuleName( Reading & reading, Value const & value, DriftWords & words ) 
    words.rules.emplace_back( stringOf( reading, value ).value_or( "" ) );
 }
 
-// --- What changes
+// --- The change
 
-// The one of `all` whose name is `name`; a problem and nothing for any other.
+// The element of `all` with this name; reports a problem for any other name.
 template< typename Part, typename All >
 std::optional< Part > partNamed( Reading & reading, std::string const & name, int line,
                                  All const & all ) {
@@ -81,7 +81,7 @@ std::vector< Chip::Action > numberedActions() {
    return actions;
 }
 
-// Those that carry a number.
+// The parts that carry a number.
 Parts numberedParts() {
    Parts parts = qualifiers();
    std::vector< Chip::Action > const actions = numberedActions();
@@ -114,13 +114,13 @@ void readMask( Reading & reading, Value const & value, DriftWords & words ) {
    for ( Value const & member : mappingOf( reading, value ) ) {
       auto const part = partNamed< RulePart >( reading, member.name, member.line, qualifiers() );
       U32 const mask = numberOf( reading, member, 0, kHighestNumber ).value_or( 0 );
-      words.changes.emplace_back( QualifierMaskIs{
+      words.changes.emplace_back( QualifierMaskChanges{
          part ? std::get< Chip::Qualifier >( *part ) : Chip::Qualifier::SrcVxlanGport, mask } );
    }
 }
 
 void readEgressMask( Reading & reading, Value const & value, DriftWords & words ) {
-   EgressMaskIs change;
+   EgressMaskChanges change;
    for ( Value const & element : listOf( reading, value ) ) {
       change.ports.bitSet( numberOf( reading, element, 0, kHighestPort ).value_or( 0 ) );
    }
@@ -128,7 +128,7 @@ void readEgressMask( Reading & reading, Value const & value, DriftWords & words 
 }
 
 void readPriority( Reading & reading, Value const & value, DriftWords & words ) {
-   PriorityIs change;
+   PriorityChanges change;
    if ( !value.node.IsScalar() || value.node.Scalar() != "default" ) {
       change.priority = numberOf( reading, value, 0, kHighestNumber, ", or default" );
    }
@@ -147,7 +147,7 @@ void readFate( Reading & reading, Value const & value, DriftWords & words ) {
    words.changes.emplace_back( choiceOf( reading, value, fates() ).value_or( EntryFate::erased ) );
 }
 
-// A number is an entry's id, anything else is from a rule's name.
+// A number is an entry's id, any other text is a part of a rule's name.
 void readSwap( Reading & reading, Value const & value, DriftWords & words ) {
    GportsSwap change;
    if ( auto const id = Scenario::numberIn( value ) ) {
@@ -158,7 +158,7 @@ void readSwap( Reading & reading, Value const & value, DriftWords & words ) {
    words.changes.emplace_back( std::move( change ) );
 }
 
-// Which words of a drift stand together.
+// The words of a drift that stand together.
 constexpr std::string_view kWordsTogether = R"({
    "allOf": [
       { "oneOf": [ { "required": [ "entry" ] }, { "required": [ "rule" ] } ] },
@@ -240,15 +240,15 @@ std::string describe( PartFlips const & change ) {
    return "flips a bit of " + describe( change.part );
 }
 
-std::string describe( QualifierMaskIs const & change ) {
+std::string describe( QualifierMaskChanges const & change ) {
    return fmt::format( "gets mask {:#x} of {}", change.mask, nameOf( change.qualifier ) );
 }
 
-std::string describe( EgressMaskIs const & change ) {
+std::string describe( EgressMaskChanges const & change ) {
    return "masks ports " + Quelm::textOf( change.ports );
 }
 
-std::string describe( PriorityIs const & change ) {
+std::string describe( PriorityChanges const & change ) {
    return change.priority ? fmt::format( "gets priority {}", *change.priority )
                           : "gets the default priority";
 }

@@ -17,21 +17,21 @@ using RuleNamed = std::variant< U32, std::string >;
 
 using RulePart = std::variant< Chip::Qualifier, Chip::Action >;
 
-// The lowest bit of a qualifier's data, or of an action's number, tips over.
+// Flips the lowest bit of a qualifier's data, or of an action's number.
 struct PartFlips {
    RulePart part;
 };
 
-struct QualifierMaskIs {
+struct QualifierMaskChanges {
    Chip::Qualifier qualifier = Chip::Qualifier::SrcVxlanGport;
    U32 mask = 0;
 };
 
-struct EgressMaskIs {
+struct EgressMaskChanges {
    Brum::PerUnitBitmap ports;
 };
 
-struct PriorityIs {
+struct PriorityChanges {
    std::optional< U32 > priority;  // nothing: the group's default
 };
 
@@ -39,11 +39,11 @@ struct PartGoes {
    RulePart part;
 };
 
-// What becomes of the whole entry.
+// A change of the whole entry.
 enum class EntryFate {
-   erased,     // out of the hardware; it stays in the group, as staged
-   destroyed,  // out of the group as well
-   copied,     // there is one more that is written as it is
+   erased,     // removed from the hardware; it stays in the group, as staged
+   destroyed,  // removed from the group as well
+   copied,     // a copy is written
 };
 
 // The rule exchanges its gport with another of the group on the unit.
@@ -51,11 +51,11 @@ struct GportsSwap {
    RuleNamed with;
 };
 
-// The hardware drifts: a rule changes in the chip behind the plug-in's back.
+// The hardware drifts: a rule changes in the chip without the plug-in's knowledge.
 class DriftStep final : public Step {
  public:
-   using Change = std::variant< PartFlips, QualifierMaskIs, EgressMaskIs, PriorityIs, PartGoes,
-                                EntryFate, GportsSwap >;
+   using Change = std::variant< PartFlips, QualifierMaskChanges, EgressMaskChanges, PriorityChanges,
+                                PartGoes, EntryFate, GportsSwap >;
 
    static std::vector< WordList > vocabulary();
    void read( Reading & reading, Value const & value );

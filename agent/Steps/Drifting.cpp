@@ -56,7 +56,7 @@ U32 idOf( Chip::Group const & group, RuleNamed const & rule ) {
    return id ? *id : idOfNamed( group, std::get< std::string >( rule ) );
 }
 
-// Of an entry that is there.
+// For an entry that exists.
 std::string reasonOf( Chip::ResultCode code ) {
    switch ( code ) {
    case Chip::ResultCode::NotFound:
@@ -76,7 +76,7 @@ struct Changing {
    Chip::Drift drift;
    Chip::Group & group;
    U32 id;
-   U32 other;  // another rule that changes as well; 0: none
+   U32 other;  // another rule that changes too; 0: none
 
    using Result = Chip::ResultCode;
 
@@ -86,13 +86,13 @@ struct Changing {
                             [ & ]( Chip::Action part ) { return drift.numberFlips( id, part ); } },
                          change.part );
    }
-   Result operator()( QualifierMaskIs const & change ) {
+   Result operator()( QualifierMaskChanges const & change ) {
       return drift.maskIs( id, change.qualifier, change.mask );
    }
-   Result operator()( EgressMaskIs const & change ) {
+   Result operator()( EgressMaskChanges const & change ) {
       return drift.egressMaskIs( id, change.ports );
    }
-   Result operator()( PriorityIs const & change ) {
+   Result operator()( PriorityChanges const & change ) {
       return drift.priorityIs( id, change.priority );
    }
    Result operator()( PartGoes const & change ) {
@@ -128,9 +128,9 @@ void drift( DriftStep const & what, Chip::Units & units, Reporters::ChipReporter
       throw Quelm::AccessError( fmt::format( "entry {} of group {} on unit {} cannot drift so: {}",
                                              id, assignment, what.unit, reasonOf( code ) ) );
    }
-   reporter.tellRule( what.unit, id );
+   reporter.reportRule( what.unit, id );
    if ( changing.other != 0 ) {
-      reporter.tellRule( what.unit, changing.other );
+      reporter.reportRule( what.unit, changing.other );
    }
 }
 

@@ -34,7 +34,7 @@ WordList stepWords() {
    return list;
 }
 
-// One word says what the step does; 'only-on' may stand beside it.
+// One word names the action; 'only-on' may stand beside it.
 void checkWords( Reading & reading, Value const & step ) {
    if ( !step.node.IsMap() ) {
       return;
@@ -46,10 +46,11 @@ void checkWords( Reading & reading, Value const & step ) {
    }
 }
 
-void readSteps( Reading & reading, Value const & value, std::vector< Scenario::StepOf > & steps ) {
+void readSteps( Reading & reading, Value const & value,
+                std::vector< Scenario::StepForVariant > & steps ) {
    for ( Value const & element : listOf( reading, value ) ) {
-      Scenario::StepOf step{ { nullptr, element.line }, {} };
-      for ( auto const & [ word, about ] : entriesInOrderOf( reading, element, stepWords() ) ) {
+      Scenario::StepForVariant step{ { nullptr, element.line }, {} };
+      for ( auto const & [ word, about ] : wordValuesInOrderOf( reading, element, stepWords() ) ) {
          if ( word < table().size() ) {
             step.step.action = table()[ word ].read( reading, about );
          } else {

@@ -50,7 +50,7 @@ void Turn::read( Reading & reading, Value const & value ) {
       reading.problem( value.line, "turn is empty; give one change at least" );
    }
    for ( Value const & element : elements ) {
-      for ( auto const & [ word, about ] : entriesInOrderOf( reading, element, turnWords() ) ) {
+      for ( auto const & [ word, about ] : wordValuesInOrderOf( reading, element, turnWords() ) ) {
          parts.push_back( { rows()[ word ].readTurnPart( reading, about ), element.line } );
       }
       if ( element.node.IsMap() && element.node.size() != 1 ) {

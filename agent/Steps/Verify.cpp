@@ -22,23 +22,23 @@ Scenario::Choices< Verify::How > const & verifications() {
    return choices;
 }
 
-// Whether the attribute is there and has this value.
-bool is( Kiv::Entity const & machine, char const * name, bool value ) {
+// The machine has the attribute, with this value.
+bool hasValue( Kiv::Entity const & machine, char const * name, bool value ) {
    auto const * const attribute = machine.typeData().find( name );
    return attribute && attribute->text( machine, {} ) == Quelm::textOf( value );
 }
 
-// Why the pass would compare nothing; empty when it would.
+// Why the pass would compare nothing; empty when it would compare the rules.
 std::string whySkipped( Kiv::Entity const & machine ) {
-   if ( is( machine, "initialized", false ) ) {
+   if ( hasValue( machine, "initialized", false ) ) {
       return "the state machine is not initialized";
    }
-   return is( machine, "tcamExhaustion", true )
+   return hasValue( machine, "tcamExhaustion", true )
              ? "a TCAM group counts as full, and nothing is compared while one does"
              : "";
 }
 
-// Audits the rules and tells what was found.
+// Audits the rules and tells the result.
 void tellAudit( Audit::Auditor const & auditor, Story::Observer & observer ) {
    Audit::Report const report = auditor.report();
    Story::Audited audited{ report.rules, report.entries, report.differences };
@@ -49,8 +49,7 @@ void tellAudit( Audit::Auditor const & auditor, Story::Observer & observer ) {
 }
 
 // Runs the pass of the plug-in's state machine, handleVerify, which stops the process at the first
-// thing that it does not agree with; tells that it begins, and that it held or has compared
-// nothing.
+// difference. Tells its beginning, and whether it has passed or has compared nothing.
 void runPluginPass( StateDatabase::Finder const & finder, Story::Observer & observer ) {
    using State = Story::PluginPass::State;
    auto const machine = Audit::machineIn( finder.roots() );

@@ -12,7 +12,7 @@ namespace Story {
 
 namespace {
 
-// "unit 0, ingress group 157, entry 3, "Mark or drop ...", EgressMask", as far as there are such.
+// "unit 0, ingress group 157, entry 3, "Mark or drop ...", EgressMask", without the absent parts.
 std::string placeOf( Story::Difference const & difference ) {
    std::vector< std::string > parts;
    if ( difference.unit ) {
@@ -45,8 +45,8 @@ std::string verdictOf( Audited const & audited, Style const & style ) {
       return style.bad( fmt::format( "audit: {}", counted( faults, "difference" ) ) ) +
              fmt::format( ", {} known; {}", known, counts );
    }
-   std::string const inStep = "audit: in step";
-   return ( unprotected.empty() ? style.good( inStep ) : style.bold( inStep ) ) +
+   std::string const inSync = "audit: in step";
+   return ( unprotected.empty() ? style.good( inSync ) : style.bold( inSync ) ) +
           ( known == 0 ? "" : fmt::format( ", {} known", known ) ) + "; " + counts;
 }
 
@@ -73,7 +73,7 @@ std::vector< std::string > linesOf( Audited const & audited, Style const & style
                                     Story::isKnown( difference.kind ) ? kind : style.bad( kind ),
                                     Text::printable( placeOf( difference ) ) ) );
       lines.push_back( Text::printable(
-         fmt::format( "      is {}; should be {}", difference.is, difference.shouldBe ) ) );
+         fmt::format( "      is {}; should be {}", difference.actual, difference.expected ) ) );
       lines.push_back( Text::printable( "      " + difference.because ) );
    }
    return lines;

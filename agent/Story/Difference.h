@@ -1,4 +1,4 @@
-// One thing in which published state, records and chip do not agree.
+// A difference between published state, records and chip.
 #pragma once
 
 #include <optional>
@@ -13,30 +13,30 @@
 namespace Story {
 
 enum class DifferenceKind : U8 {
-   missingRule,        // the state calls for it, the chip does not have it
-   unexpectedRule,     // the chip has it, and nothing calls for it
-   stagedOnly,         // it is staged, and not in the hardware
-   wrongQualifier,     // it compares with another value, or lacks a field, or has one too many
-   wrongMask,          // it compares under another mask, or masks other ports
-   wrongAction,        // it does something else
-   wrongPriority,      // it stands elsewhere among the rules
-   stagedDiffers,      // it is right in the hardware, and something else is staged for it
-   notRetried,         // it was refused while the group was full, and is not asked for again
-   ruleWithoutRecord,  // the chip has it, the plug-in does not know
-   recordWithoutRule,  // the plug-in has a record of it, the chip does not have it
-   recordDiffers,      // a record says something else than the state does
-   unneededRequest,    // a class id is asked for, for a VTEP that needs no rules
+   missingRule,        // expected, and not in the chip
+   unexpectedRule,     // in the chip, and not expected
+   stagedOnly,         // staged, and not in the hardware
+   wrongQualifier,     // another value, a field missing, or one too many
+   wrongMask,          // another mask, or other ports
+   wrongAction,        // another action
+   wrongPriority,      // another place among the rules
+   stagedDiffers,      // right in the hardware, and staged with other content
+   notRetried,         // refused while the group was full, and not requested again
+   ruleWithoutRecord,  // in the chip, and unknown to the plug-in
+   recordWithoutRule,  // in the plug-in's records, and not in the chip
+   recordDiffers,      // a record contradicts the state
+   unneededRequest,    // a request of a class id for a VTEP that needs no rules
    noRoom,             // the group has no room for the rule
-   queued,             // there was no room for the rule, and the plug-in will ask again
-   waitingForClassId,  // the allocator has not granted the class id that the rule needs
-   classIdWithdrawn,   // the rules live on with the class id that they had
-   leftBehind,         // only the end of Vxlan1 takes per-VNI rules, and their queue, with it
+   queued,             // there was no room for the rule; the plug-in will try again
+   waitingForClassId,  // the allocator has not granted the rule's class id
+   classIdWithdrawn,   // the class id was withdrawn; the rules keep it
+   leftBehind,         // only the end of Vxlan1 removes per-VNI rules and their queue
 };
 
 struct DifferenceRow {
    DifferenceKind kind;
    std::string_view name;  // "missing-rule"
-   // Not as the state alone says, and all right.
+   // The difference has a known cause and is no fault.
    bool isKnown;
 };
 
@@ -50,17 +50,17 @@ bool isKnown( DifferenceKind kind );
 
 struct Difference {
    DifferenceKind kind = DifferenceKind::missingRule;
-   std::optional< U32 > unit;  // nothing: it concerns all of them
-   // Nothing: it is about a record that belongs to no group.
+   std::optional< U32 > unit;  // nothing: all units
+   // Nothing for a record that belongs to no group.
    std::optional< Vornal::TcamGroupAssignment > group;
-   U32 entry = 0;     // 0: there is none
-   std::string rule;  // its name; empty where it is about no single rule
-   // The qualifier or action, or the place of the record below the state machine; empty where it is
-   // about the rule as a whole.
+   U32 entry = 0;     // 0: no entry
+   std::string rule;  // its name; empty for no single rule
+   // The qualifier or action, or the place of the record below the state machine; empty for the
+   // rule as a whole.
    std::string field;
-   std::string is;
-   std::string shouldBe;
-   std::string because;  // the state behind it, in words
+   std::string actual;
+   std::string expected;
+   std::string because;  // the reason in the state, in words
 
    static void fields( auto & difference, auto && field ) {
       field( "kind", difference.kind );
@@ -69,8 +69,8 @@ struct Difference {
       field( "entry", difference.entry, kOrNull );
       field( "rule", difference.rule, kOrNull );
       field( "field", difference.field, kOrNull );
-      field( "is", difference.is );
-      field( "shouldBe", difference.shouldBe );
+      field( "is", difference.actual );
+      field( "shouldBe", difference.expected );
       field( "because", difference.because );
    }
 

@@ -12,8 +12,8 @@ namespace {
 
 using Pelk::IntfId;
 
-// Interfaces with a live port on one of the chips.
-void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const & said,
+// Adds the interfaces with a live port on one of the chips.
+void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const & forwarding,
                     Vornal::VornalCommonSmData const & common ) {
    for ( auto live = common.vornalIntfToPortIter(); live; ++live ) {
       VornalTypes::VornalPort const port = live.value();
@@ -23,15 +23,16 @@ void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const 
       Chip::InterfaceConfig interface {
          .intfId = live.key(), .unit = port.unit(), .logicalPort = port.logicalPort()
       };
-      interface.isUnderlay = said.underlay.contains( live.key() );
-      if ( auto const vlans = said.vlans.find( live.key() ); vlans != said.vlans.end() ) {
+      interface.isUnderlay = forwarding.underlay.contains( live.key() );
+      if ( auto const vlans = forwarding.vlans.find( live.key() );
+           vlans != forwarding.vlans.end() ) {
          interface.vlans = vlans->second;
       }
       config.interfaces.push_back( interface );
    }
 }
 
-// What was given as a capture can be any file.
+// Any file can be given as a capture.
 Chip::CaptureReader opened( std::filesystem::path const & file ) {
    try {
       return Chip::CaptureReader( file );
@@ -55,7 +56,7 @@ bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId 
                        [ & ]( auto const & interface ) { return interface.intfId == intfId; } );
 }
 
-// With those of its members that have a port.
+// Adds the port channel with those members that have a port.
 void addPortChannel( Chip::ForwardingConfig & config, Chip::PortChannelConfig portChannel,
                      Lag::Config const & lags ) {
    for ( auto member = lags.phyIntfIter(); member; ++member ) {
@@ -66,15 +67,15 @@ void addPortChannel( Chip::ForwardingConfig & config, Chip::PortChannelConfig po
    config.portChannels.push_back( std::move( portChannel ) );
 }
 
-// Port channels that carry VLANs, or VXLAN.
-void addPortChannels( Chip::ForwardingConfig & config, Scenario::Forwarding const & said,
+// Adds the port channels that carry VLANs or VXLAN.
+void addPortChannels( Chip::ForwardingConfig & config, Scenario::Forwarding const & forwarding,
                       Lag::Config const & lags ) {
-   for ( auto const & [ intfId, vlans ] : said.vlans ) {
-      if ( isPortChannel( intfId ) && !said.underlay.contains( intfId ) ) {
+   for ( auto const & [ intfId, vlans ] : forwarding.vlans ) {
+      if ( isPortChannel( intfId ) && !forwarding.underlay.contains( intfId ) ) {
          addPortChannel( config, { .intfId = intfId, .vlans = vlans }, lags );
       }
    }
-   for ( IntfId const & intfId : said.underlay ) {
+   for ( IntfId const & intfId : forwarding.underlay ) {
       if ( isPortChannel( intfId ) ) {
          addPortChannel( config, { .intfId = intfId, .isUnderlay = true }, lags );
       }
@@ -123,10 +124,10 @@ void Injector::prepare() {
    pipeline_.forwardingIs( forwardingNow() );
 }
 
-void Injector::designatedAre( std::map< IntfId, bool > const & isDesignated ) {
-   for ( auto const & [ intf, is ] : isDesignated ) {
+void Injector::designateForwarders( std::map< IntfId, bool > const & isDesignated ) {
+   for ( auto const & [ intf, isForwarder ] : isDesignated ) {
       if ( forwarding_ ) {
-         forwarding_->config.designatedForwarder[ intf ].allVlans = is;
+         forwarding_->config.designatedForwarder[ intf ].allVlans = isForwarder;
       }
    }
    prepare();
@@ -151,10 +152,10 @@ VornalTypes::VornalPort Injector::portOf( IntfId const & intfId ) const {
 void Injector::inject( Chip::FrameFields fields, std::optional< IntfId > const & on ) {
    prepare();
    if ( fields.outer ) {
-      auto const & own = fields.outer->sourceVtep.family() == Pelk::IpGenAddr::Family::ipv4
-                            ? forwarding_->config.vtepIpv4
-                            : forwarding_->config.vtepIpv6;
-      fields.outer->destinationVtep = own.value_or( Pelk::IpGenAddr() );
+      auto const & ownVtep = fields.outer->sourceVtep.family() == Pelk::IpGenAddr::Family::ipv4
+                                ? forwarding_->config.vtepIpv4
+                                : forwarding_->config.vtepIpv6;
+      fields.outer->destinationVtep = ownVtep.value_or( Pelk::IpGenAddr() );
    }
    IntfId const arrival = on ? *on : *forwarding_->underlay.begin();
    VornalTypes::VornalPort const port = portOf( arrival );

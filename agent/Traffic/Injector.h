@@ -1,20 +1,20 @@
-// The traffic of a scenario: frames that are injected into the switch, and what becomes of them.
+// The traffic of a scenario: injects frames into the switch and reports what becomes of them.
 //
-// How the switch forwards is made anew from what is published before every injection: interfaces
-// with a live port, port channels with their members, a tunnel and a place in every flood list for
-// each remote VTEP that has a virtual port. The rest is the scenario's own configuration. So the
-// chip forwards by the same state as the plug-in programs it by.
+// Before every injection, the injector builds the forwarding configuration from the published
+// state: interfaces with a live port, port channels with their members, and for each remote VTEP
+// with a virtual port a tunnel and a place in every flood list. The scenario's own configuration
+// gives the rest. So the chip forwards by the same state from which the plug-in programs it.
 //
-// Every frame is told to the observer with its verdict at every port. What leaves can be written
-// into captures, one for each port; a frame that has been told is in them, whatever becomes of this
-// process.
+// The observer is told every frame with its verdict at every port. The frames that leave can be
+// written into captures, one for each port. The captures hold every frame that has been told, even
+// if this process stops.
 //
-// A scenario with frames says how the switch forwards, with an underlay interface at least; its
-// reader sees to that.
+// The scenario's reader makes sure that a scenario with frames has a forwarding configuration with
+// at least one underlay interface.
 //
 // Failures: Quelm::Error for an interface without a port, and for a capture that cannot be read;
-// nothing of that step is injected then, but the frames before a capture's damage. Quelm::Error as
-// well for a capture that does not take what leaves.
+// then nothing of that step is injected, except the frames before the damage of a capture.
+// Quelm::Error also when a capture cannot be written.
 //
 // Threads: the activity's.
 #pragma once
@@ -35,7 +35,7 @@ namespace Traffic {
 
 class Injector {
  public:
-   // What it works on; everything must outlive it.
+   // All members must outlive the injector.
    struct Context {
       Scenario::Model const & scenario;
       Peers::PublishedState const & published;
@@ -46,16 +46,16 @@ class Injector {
 
    explicit Injector( Context const & context );
 
-   // Captures of what leaves go into that folder, which is there.
+   // Writes captures of the leaving frames into that folder, which must exist.
    void captureInto( std::filesystem::path const & folder ) { captures_.emplace( folder ); }
 
-   // A frame of these fields comes in on the interface; if none is given, on the first that carries
-   // VXLAN. A frame through a tunnel is sent to the switch's own VTEP.
+   // Injects a frame of these fields on the interface, or by default on the first that carries
+   // VXLAN. A frame through a tunnel goes to the switch's own VTEP.
    void inject( Chip::FrameFields fields, std::optional< Pelk::IntfId > const & on );
-   // The frames of a capture come in, one after the other.
+   // Injects the frames of a capture, one after the other.
    void injectCapture( std::filesystem::path const & file, Pelk::IntfId const & on );
-   // Whether each of these interfaces is the designated forwarder.
-   void designatedAre( std::map< Pelk::IntfId, bool > const & isDesignated );
+   // Sets for each of these interfaces whether it is the designated forwarder.
+   void designateForwarders( std::map< Pelk::IntfId, bool > const & isDesignated );
 
  private:
    class Nowhere final : public Chip::Transmitter {

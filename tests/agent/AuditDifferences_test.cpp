@@ -50,8 +50,8 @@ TEST_F( AuditDifferences, AGportThatTipsOver ) {
    expectFound( found, Kind::wrongQualifier, 3, "SrcVxlanGport" );
    EXPECT_EQ( found.group, 157U );
    EXPECT_EQ( found.rule, "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments" );
-   EXPECT_EQ( found.is, "0x56000003" );
-   EXPECT_EQ( found.shouldBe, "0x56000002" );
+   EXPECT_EQ( found.actual, "0x56000003" );
+   EXPECT_EQ( found.expected, "0x56000002" );
    EXPECT_EQ( found.because,
               "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3 and Ethernet4; virtual "
               "port 2" );
@@ -60,7 +60,7 @@ TEST_F( AuditDifferences, AGportThatTipsOver ) {
 TEST_F( AuditDifferences, AVirtualPortCountsByItsLow16Bits ) {
    auto const found = only( Leaf(), drift( "entry: 4, flip: SrcVxlanGport" ) );
 
-   EXPECT_EQ( found.shouldBe, "0x56000004" );
+   EXPECT_EQ( found.expected, "0x56000004" );
    EXPECT_EQ( found.because,
               "VTEP 10.0.0.4 shares segment Ethernet1 through Ethernet1, and segment "
               "Port-Channel2 through Ethernet3 and Ethernet4; virtual port 65540" );
@@ -70,16 +70,16 @@ TEST_F( AuditDifferences, AnEgressMaskThatCoversOtherPorts ) {
    auto const found = only( Leaf(), drift( "entry: 3, egress-mask: [ 3 ]" ) );
 
    expectFound( found, Kind::wrongMask, 3, "EgressMask" );
-   EXPECT_EQ( found.is, "ports 3" );
-   EXPECT_EQ( found.shouldBe, "ports 3, 4" );
+   EXPECT_EQ( found.actual, "ports 3" );
+   EXPECT_EQ( found.expected, "ports 3, 4" );
 }
 
 TEST_F( AuditDifferences, AMaskOfAQualifier ) {
    auto const found = only( Leaf(), drift( "entry: 1, mask: { PacketRes: 0xf }" ) );
 
    expectFound( found, Kind::wrongMask, 1, "PacketRes" );
-   EXPECT_EQ( found.is, "4 mask 0xf" );
-   EXPECT_EQ( found.shouldBe, "4 mask 0xff" );
+   EXPECT_EQ( found.actual, "4 mask 0xf" );
+   EXPECT_EQ( found.expected, "4 mask 0xff" );
    EXPECT_EQ( found.because, "segments are shared with VTEP 10.0.0.2, 10.0.0.4" );
 }
 
@@ -87,7 +87,7 @@ TEST_F( AuditDifferences, AQualifierThatIsGone ) {
    auto const found = only( Leaf(), drift( "entry: 2, remove: TunnelTerminated" ) );
 
    expectFound( found, Kind::wrongQualifier, 2, "TunnelTerminated" );
-   EXPECT_EQ( found.is, "absent" );
+   EXPECT_EQ( found.actual, "absent" );
 }
 
 TEST_F( AuditDifferences, ActionsThatAreGoneOrChanged ) {
@@ -107,8 +107,8 @@ TEST_F( AuditDifferences, ActionsThatAreGoneOrChanged ) {
 TEST_F( AuditDifferences, FieldsOfAnEgressRule ) {
    auto const found = only( classIdLeaf(), drift( "entry: 6, flip: DstPort", "egress" ) );
    expectFound( found, Kind::wrongQualifier, 6, "DstPort" );
-   EXPECT_EQ( found.is, "module 1 port 5" );
-   EXPECT_EQ( found.shouldBe, "module 1 port 4" );
+   EXPECT_EQ( found.actual, "module 1 port 5" );
+   EXPECT_EQ( found.expected, "module 1 port 4" );
    EXPECT_TRUE( found.because.ends_with( "; virtual port 2; class id 1" ) ) << found.because;
 
    story.clear();
@@ -123,8 +123,8 @@ TEST_F( AuditDifferences, APriority ) {
    auto const found = only( Leaf(), drift( "entry: 5, priority: default" ) );
 
    expectFound( found, Kind::wrongPriority, 5, "priority" );
-   EXPECT_EQ( found.is, "the group's default priority" );
-   EXPECT_EQ( found.shouldBe, "priority 2" );
+   EXPECT_EQ( found.actual, "the group's default priority" );
+   EXPECT_EQ( found.expected, "priority 2" );
    EXPECT_EQ( found.because, "VRF red has VNI 50001 on Vxlan1, and there are Ethernet segments" );
 }
 
@@ -133,15 +133,15 @@ TEST_F( AuditDifferences, TwoGportsThatAreSwapped ) {
       auditAfter( Leaf(), drift( "rule: vtep IP 10.0.0.2, swap-gport-with: vtep IP 10.0.0.4" ) );
 
    EXPECT_EQ( kinds( audited ), "wrong-qualifier wrong-qualifier" ) << words( audited );
-   EXPECT_EQ( audited.differences[ 0 ].is, "0x56000004" );
-   EXPECT_EQ( audited.differences[ 1 ].is, "0x56000002" );
+   EXPECT_EQ( audited.differences[ 0 ].actual, "0x56000004" );
+   EXPECT_EQ( audited.differences[ 1 ].actual, "0x56000002" );
 }
 
 TEST_F( AuditDifferences, AnEntryThatIsNotInTheHardwareAnyMore ) {
    auto const found = only( Leaf(), drift( "entry: 3, entry-is: erased" ) );
 
    expectFound( found, Kind::stagedOnly, 3, "" );
-   EXPECT_EQ( found.shouldBe,
+   EXPECT_EQ( found.expected,
               "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1" );
 }
 
@@ -151,7 +151,7 @@ TEST_F( AuditDifferences, AnEntryThatIsDestroyed ) {
    EXPECT_EQ( kinds( audited ), "record-differs missing-rule record-without-rule" )
       << words( audited );
    EXPECT_EQ( audited.differences[ 0 ].field, "tepIpToEntry[0]/esPbmp[10.0.0.2]" );
-   EXPECT_EQ( audited.differences[ 1 ].is, "no such rule" );
+   EXPECT_EQ( audited.differences[ 1 ].actual, "no such rule" );
    EXPECT_EQ( audited.differences[ 2 ].field, "tepIpToEntry[0]/entryId[10.0.0.2]" );
 }
 
@@ -159,7 +159,7 @@ TEST_F( AuditDifferences, AnEntryThatIsThereTwice ) {
    auto const found = only( Leaf(), drift( "entry: 3, entry-is: copied" ) );
 
    expectFound( found, Kind::unexpectedRule, 6, "" );
-   EXPECT_EQ( found.shouldBe, "no such rule" );
+   EXPECT_EQ( found.expected, "no such rule" );
    EXPECT_EQ( found.because, "nothing published calls for it" );
 }
 
@@ -179,8 +179,8 @@ TEST_F( AuditDifferences, ARecordOfAnotherEntry ) {
       only( Leaf(), set( kUnitRecord, "attribute: entryId, key: 10.0.0.2, value: 4" ) );
 
    expectFound( found, Kind::recordDiffers, 3, "tepIpToEntry[0]/entryId[10.0.0.2]" );
-   EXPECT_EQ( found.is, "entry 4" );
-   EXPECT_EQ( found.shouldBe, "entry 3" );
+   EXPECT_EQ( found.actual, "entry 4" );
+   EXPECT_EQ( found.expected, "entry 3" );
 }
 
 TEST_F( AuditDifferences, ARecordOfARuleForAVtepThatNeedsNone ) {
@@ -195,14 +195,14 @@ TEST_F( AuditDifferences, RecordsOfWhatARuleMatchesAndMasks ) {
    auto const mask =
       only( Leaf(), set( kUnitRecord, "attribute: esPbmp, key: 10.0.0.2, value: \"{3}\"" ) );
    EXPECT_EQ( mask.field, "tepIpToEntry[0]/esPbmp[10.0.0.2]" );
-   EXPECT_EQ( mask.is, "ports 3" );
-   EXPECT_EQ( mask.shouldBe, "ports 3, 4" );
+   EXPECT_EQ( mask.actual, "ports 3" );
+   EXPECT_EQ( mask.expected, "ports 3, 4" );
 
    story.clear();
    auto const vpIndex =
       only( Leaf(), set( kUnitRecord, "attribute: vpIndex, key: 10.0.0.4, value: 3" ) );
    EXPECT_EQ( vpIndex.field, "tepIpToEntry[0]/vpIndex[10.0.0.4]" );
-   EXPECT_EQ( vpIndex.shouldBe, "4" );
+   EXPECT_EQ( vpIndex.expected, "4" );
 }
 
 TEST_F( AuditDifferences, RecordsOfTheExemptions ) {
@@ -230,7 +230,7 @@ TEST_F( AuditDifferences, RecordsOfEgressRules ) {
    auto const ports =
       only( classIdLeaf(), set( list, "attribute: esPortList, value: \"{unit0/port3/mod1}\"" ) );
    EXPECT_EQ( ports.field, "tepIpToEntry[0]/esPortAndEFPEntryIdList[10.0.0.2]" );
-   EXPECT_EQ( ports.shouldBe, "{unit0/port3/mod1,unit0/port4/mod1}" );
+   EXPECT_EQ( ports.expected, "{unit0/port3/mod1,unit0/port4/mod1}" );
 }
 
 TEST_F( AuditDifferences, RecordsOfClassIds ) {
@@ -238,19 +238,19 @@ TEST_F( AuditDifferences, RecordsOfClassIds ) {
       only( classIdLeaf(), set( kMachine, "attribute: i2eTepIpClassId, key: 10.0.0.2, value: 8" ) );
    EXPECT_EQ( classId.field, "i2eTepIpClassId[10.0.0.2]" );
    EXPECT_EQ( classId.unit, std::nullopt );
-   EXPECT_EQ( classId.shouldBe, "1" );
+   EXPECT_EQ( classId.expected, "1" );
 
    story.clear();
    auto const users =
       only( classIdLeaf(),
             set( kMachine, "attribute: i2eTepIpClassIdRefCount, key: 10.0.0.2, value: 2" ) );
    EXPECT_EQ( users.field, "i2eTepIpClassIdRefCount[10.0.0.2]" );
-   EXPECT_EQ( users.shouldBe, "1" );
+   EXPECT_EQ( users.expected, "1" );
 
    story.clear();
    auto const stray =
       only( classIdLeaf(), set( kMachine, "attribute: i2eTepIpClassId, key: 10.0.0.9, value: 8" ) );
-   EXPECT_EQ( stray.shouldBe, "absent" );
+   EXPECT_EQ( stray.expected, "absent" );
 }
 
 std::string const kRequests = "entity: /hardware/vornal/i2eclassid/config/slice/1";
@@ -265,8 +265,8 @@ TEST_F( AuditDifferences, ARequestThatIsLeftOver ) {
    EXPECT_FALSE( isKnown( found.kind ) );
    EXPECT_EQ( found.unit, std::nullopt );
    EXPECT_EQ( found.field, "i2eClassIdIndexConfig/remoteESPeerVtep[10.0.0.3]" );
-   EXPECT_EQ( found.is, "present" );
-   EXPECT_EQ( found.shouldBe, "absent" );
+   EXPECT_EQ( found.actual, "present" );
+   EXPECT_EQ( found.expected, "absent" );
    EXPECT_EQ( found.because, "VTEP 10.0.0.3 shares no segment" );
 }
 

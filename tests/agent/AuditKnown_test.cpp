@@ -61,8 +61,8 @@ TEST_F( AuditKnown, RulesKeepAClassIdThatIsWithdrawn ) {
       auditAfter( classIdLeaf(), "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
 
    EXPECT_EQ( kinds( audited ), "class-id-withdrawn" ) << words( audited );
-   EXPECT_EQ( audited.differences[ 0 ].is, "1" );
-   EXPECT_EQ( audited.differences[ 0 ].shouldBe, "a class id that is granted" );
+   EXPECT_EQ( audited.differences[ 0 ].actual, "1" );
+   EXPECT_EQ( audited.differences[ 0 ].expected, "a class id that is granted" );
 }
 
 TEST_F( AuditKnown, AClassIdThatChangesUnderTheRulesIsADifference ) {
@@ -72,8 +72,8 @@ TEST_F( AuditKnown, AClassIdThatChangesUnderTheRulesIsADifference ) {
    EXPECT_EQ( kinds( audited ), "wrong-qualifier wrong-qualifier wrong-action" )
       << words( audited );
    EXPECT_EQ( audited.differences[ 2 ].field, "NewClassId" );
-   EXPECT_EQ( audited.differences[ 2 ].is, "1" );
-   EXPECT_EQ( audited.differences[ 2 ].shouldBe, "77" );
+   EXPECT_EQ( audited.differences[ 2 ].actual, "1" );
+   EXPECT_EQ( audited.differences[ 2 ].expected, "77" );
 }
 
 TEST_F( AuditKnown, AFullIngressGroupHasNoRoomForAVtepAndWhatFollowsIt ) {
@@ -169,7 +169,7 @@ TEST_F( AuditKnown, Vxlan1TakesTheVniRulesOfAllWithIt ) {
    auto const audited = auditAfter( leaf, "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );
 
    EXPECT_EQ( kinds( audited ), "left-behind" ) << words( audited );
-   EXPECT_EQ( audited.differences[ 0 ].is, "no such rule" );
+   EXPECT_EQ( audited.differences[ 0 ].actual, "no such rule" );
 }
 
 }  // namespace

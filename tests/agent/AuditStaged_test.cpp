@@ -35,8 +35,8 @@ TEST_F( AuditStaged, AQualifierThatIsStagedWithAnotherValueIsFound ) {
    EXPECT_FALSE( isKnown( found.kind ) );
    EXPECT_EQ( found.entry, 3U );
    EXPECT_EQ( found.field, "SrcVxlanGport" );
-   EXPECT_EQ( found.is, "0x56000007, staged for the next reinstall" );
-   EXPECT_EQ( found.shouldBe, "0x56000002" );
+   EXPECT_EQ( found.actual, "0x56000007, staged for the next reinstall" );
+   EXPECT_EQ( found.expected, "0x56000002" );
    EXPECT_NE( found.because, "" );
 }
 
@@ -46,15 +46,15 @@ TEST_F( AuditStaged, AnActionThatIsStagedBesideThoseInTheHardwareIsFound ) {
    Difference const found = only();
    EXPECT_EQ( nameOf( found.kind ), "staged-differs" );
    EXPECT_EQ( found.field, "NewClassId" );
-   EXPECT_EQ( found.is, "9, staged for the next reinstall" );
-   EXPECT_EQ( found.shouldBe, "absent" );
+   EXPECT_EQ( found.actual, "9, staged for the next reinstall" );
+   EXPECT_EQ( found.expected, "absent" );
 }
 
 TEST_F( AuditStaged, APartThatIsWrongInTheHardwareIsFoundOnce ) {
    auto const drift = std::make_shared< Steps::DriftStep >();
    drift->group = Scenario::TcamGroup::ingress;
    drift->rule = U32{ 5 };
-   drift->change = Steps::PriorityIs{ 9 };
+   drift->change = Steps::PriorityChanges{ 9 };
    leaf1.take( drift );
 
    EXPECT_EQ( nameOf( only().kind ), "wrong-priority" ) << "what is staged is right";

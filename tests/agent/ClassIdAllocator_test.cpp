@@ -138,10 +138,10 @@ TEST_F( Allocator, FindsRequestsAndWithdrawsGrantsThatNobodyAsksForWhenItStarts 
 
 TEST_F( Allocator, GrantsNothingWhileItIsPaused ) {
    start( {} );
-   inTurn( [ & ] { allocator->isPausedIs( true ); } );
+   inTurn( [ & ] { allocator->pausedIs( true ); } );
    inTurn( [ & ] { ask( 2 ); } );
    EXPECT_EQ( story, Story() );
-   inTurn( [ & ] { allocator->isPausedIs( false ); } );
+   inTurn( [ & ] { allocator->pausedIs( false ); } );
    EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1" } ) );
 }
 
@@ -243,11 +243,11 @@ class Paused : public Allocator {
    Paused() {
       start( { 1, 2, 0 } );
       inTurn( [ this ] { ask( 2 ); } );
-      inTurn( [ this ] { allocator->isPausedIs( true ); } );
+      inTurn( [ this ] { allocator->pausedIs( true ); } );
       story.clear();
    }
    void resume() {
-      inTurn( [ this ] { allocator->isPausedIs( false ); } );
+      inTurn( [ this ] { allocator->pausedIs( false ); } );
    }
 };
 
@@ -282,8 +282,8 @@ TEST_F( Paused, ServesNobodyWhenAnIdComesFreeByHand ) {
 TEST_F( Paused, HoldsBackAgainWhatItHasNotActedOnWhenItPausesAgain ) {
    inTurn( [ & ] { giveBack( 2 ); } );
    inTurn( [ & ] {
-      allocator->isPausedIs( false );
-      allocator->isPausedIs( true );
+      allocator->pausedIs( false );
+      allocator->pausedIs( true );
    } );
    EXPECT_EQ( story, Story() );
    resume();

@@ -52,7 +52,7 @@ DriftStep::Change changeOf( Chip::Qualifier qualifier, Chip::Match const & match
    }
    U32 const mask = *rc::gen::suchThat( rc::gen::arbitrary< U32 >(),
                                         [ & ]( U32 one ) { return one != match.mask; } );
-   return Steps::QualifierMaskIs{ qualifier, mask };
+   return Steps::QualifierMaskChanges{ qualifier, mask };
 }
 
 DriftStep::Change changeOf( Chip::Action action, Chip::ActionParameters const & parameters ) {
@@ -63,7 +63,7 @@ DriftStep::Change changeOf( Chip::Action action, Chip::ActionParameters const & 
    if ( used == Chip::ParametersUsed::Number ) {
       return Steps::PartFlips{ action };
    }
-   Steps::EgressMaskIs mask{ parameters.ports };
+   Steps::EgressMaskChanges mask{ parameters.ports };
    U32 const tipped = *rc::gen::inRange< U32 >( 0, Brum::PerUnitBitmap::kBits );
    mask.ports.bit( tipped ) ? mask.ports.bitClear( tipped ) : mask.ports.bitSet( tipped );
    return mask;
@@ -80,7 +80,8 @@ DriftStep::Change changeOfPriority( Chip::Rule const & rule ) {
    auto const other = *rc::gen::suchThat( rc::gen::inRange< U32 >( 0, 5 ), [ & ]( U32 one ) {
       return one != rule.content.priority;
    } );
-   return rule.content.priority && other == 4 ? Steps::PriorityIs{} : Steps::PriorityIs{ other };
+   return rule.content.priority && other == 4 ? Steps::PriorityChanges{}
+                                              : Steps::PriorityChanges{ other };
 }
 
 // A rule that matches another gport.

@@ -149,7 +149,8 @@ TEST_F( HumanWriter, SaysInWhichStepThePlugInStoppedAndWhatItsLastWordsWere ) {
 }
 
 TEST_F( HumanWriter, ShowsAHalfBuiltRuleWhenThePlugInStopsInTheMiddleOfIt ) {
-   std::string const text = told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
+   std::string const text =
+      told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
 
    EXPECT_NE( text.find( "rule added: unit 0, ingress group 157, entry 7" ), std::string::npos );
    EXPECT_NE( text.find( "staged only, not written to the chip" ), std::string::npos );
@@ -165,8 +166,8 @@ TEST( HumanWriterStyle, LetsNoControlCharacterOfOthersThrough ) {
    changed.content.priority.reset();
    Story::EntityTree const tree{ evil, evil, evil, {} };
    Story::Difference difference;
-   difference.rule = difference.field = difference.is = evil;
-   difference.shouldBe = difference.because = evil;
+   difference.rule = difference.field = difference.actual = evil;
+   difference.expected = difference.because = evil;
    Story::Stopped stop = stopped();
    stop.assertion = Story::Assertion{ evil, 1, evil, evil };
    stop.output = { evil };
