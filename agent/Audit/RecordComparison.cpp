@@ -281,7 +281,7 @@ class RecordCheck {
          if ( !isWaiting ) {
             add( {}, fmt::format( "unprogrammedTcamRulesList[{}]", vrf.stringValue() ),
                  fmt::format( "VNI {}", vni ), kAbsent,
-                 mapped ? "there is a rule, or none is called for"
+                 mapped ? "there is a rule, or none is expected"
                         : "no tunnel interface has the VRF any more",
                  mapped ? DifferenceKind::recordDiffers : DifferenceKind::leftBehind );
          }

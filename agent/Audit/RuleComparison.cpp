@@ -159,8 +159,7 @@ void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found
       difference.actual += "; staged, not in the hardware";
    }
    difference.expected = "no such rule";
-   difference.because =
-      what ? whyUnexpected( sides.state, *what ) : "nothing published calls for it";
+   difference.because = what ? whyUnexpected( sides.state, *what ) : "no published state needs it";
    found.push_back( std::move( difference ) );
 }
 

@@ -28,19 +28,18 @@ void make( fs::path const & folder ) {
    std::error_code error;
    fs::create_directories( folder, error );
    if ( error ) {
-      refuse( folder.string() + " is no folder and cannot be made (" + error.message() +
-              "); name one that can be written to" );
+      refuse( folder.string() + " is no folder and cannot be created (" + error.message() +
+              "); name a folder that takes files" );
    }
 }
 
-// Finds out by a file, which is gone again afterwards: permissions do not say everything.
+// Creates a file and removes it again, since permissions alone do not show whether this works.
 void checkTakesFiles( fs::path const & folder ) {
    std::string probe = folder / ".vornal-XXXXXX";
    int const fd = mkstemp( probe.data() );
    if ( fd < 0 ) {
-      refuse( "no file can be made in " + folder.string() + " (" +
-              std::generic_category().message( errno ) +
-              "); name a folder that can be written to" );
+      refuse( "no file can be created in " + folder.string() + " (" +
+              std::generic_category().message( errno ) + "); name a folder that takes files" );
    }
    close( fd );
    unlink( probe.c_str() );
@@ -56,12 +55,12 @@ std::vector< fs::path > capturesIn( fs::path const & folder ) {
    }
    if ( error ) {
       refuse( folder.string() + " cannot be read (" + error.message() +
-              "); name a folder that can be" );
+              "); name a folder that can be read" );
    }
    return captures;
 }
 
-// A capture that is played would be gone before, or written while it is read.
+// A capture that the scenario plays must not be removed, or written while it is read.
 void checkNotPlayed( fs::path const & capture, Scenario::Model const & scenario ) {
    for ( Scenario::Step const & step : scenario.steps ) {
       auto const * const played = step.as< Steps::Capture >();
@@ -73,8 +72,8 @@ void checkNotPlayed( fs::path const & capture, Scenario::Model const & scenario 
    }
 }
 
-// What earlier runs wrote begins with the number of a capture, or is empty where the disk was full.
-// Anything else of such a name is somebody's: a scenario, a trace ring, a folder.
+// A capture of an earlier run begins with the magic number of captures, or is empty if the disk was
+// full. Any other file with such a name belongs to the user: a scenario, a trace ring, a folder.
 void checkIsCapture( fs::path const & file ) {
    constexpr U32 microseconds = 0xa1b2c3d4;
    constexpr U32 nanoseconds = 0xa1b23c4d;

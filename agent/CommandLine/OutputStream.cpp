@@ -88,8 +88,7 @@ void OutputStream::Buffer::fail( int reason ) const {
    // A descriptor that is not open has no file.
    std::string const file = reason == EBADF ? "" : fileBehind( fd_ );
    throw OutputError( "cannot write " + name_ + file + ": " +
-                      std::generic_category().message( reason ) +
-                      "; what it holds is not complete" );
+                      std::generic_category().message( reason ) + "; its content is not complete" );
 }
 
 }  // namespace CommandLine

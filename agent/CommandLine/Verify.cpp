@@ -26,8 +26,8 @@ struct AuditAfter {
    Story::Audited audit;
 };
 
-// What the command has asked for beside the scenario's steps: the last audit of each step, and the
-// plug-in's own pass at the end.
+// The results of the command's own verification: the last audit of each step, and the plug-in's
+// pass at the end.
 class Verified final : public Story::Observer {
  public:
    using Pass = Story::PluginPass::State;
@@ -46,13 +46,13 @@ class Verified final : public Story::Observer {
    std::string const & title() const { return title_; }
    std::string const & variant() const { return variant_; }
    std::vector< AuditAfter > const & audits() const { return audits_; }
-   // Nothing: the process did not get there.
+   // Nothing: the process did not get that far.
    std::optional< Pass > const & pass() const { return pass_; }
-   // Empty when it was not.
+   // Empty if it was not skipped.
    std::string const & whySkipped() const { return whySkipped_; }
    bool isPassStopped() const { return pass_ == Pass::Begins; }
 
-   // The audits that count: those that the command has asked for.
+   // The audits that the command has requested.
    std::vector< AuditAfter > asked( bool isAfterEachStep ) const {
       std::vector< AuditAfter > result;
       for ( AuditAfter const & one : audits_ ) {
@@ -98,7 +98,7 @@ std::size_t faultsIn( std::vector< AuditAfter > const & audits ) {
    return faults;
 }
 
-// A pass that was interrupted says nothing.
+// An interrupted pass has no result.
 std::string passName( Verified const & verified, Story::Outcome const & outcome ) {
    if ( !verified.pass() || ( verified.isPassStopped() && outcome.interrupted() ) ) {
       return "not-run";
@@ -145,7 +145,7 @@ std::string passText( Verified const & verified, Story::Outcome const & outcome 
              : "the plug-in's own pass stopped the process: " + outcome.stopped()->reason;
 }
 
-// A switch that is in step for want of room, or of a class id, says so.
+// A switch in sync can still leave VTEPs unprotected, for lack of room or of a class id.
 std::string verdictText( std::vector< AuditAfter > const & audits, Story::ExitCode code,
                          Story::Style const & style ) {
    if ( code != Story::ExitCode::Held ) {
@@ -153,8 +153,8 @@ std::string verdictText( std::vector< AuditAfter > const & audits, Story::ExitCo
    }
    std::string const unprotected =
       audits.empty() ? "" : Story::unprotectedText( audits.back().audit );
-   return unprotected.empty() ? style.good( "IN STEP" )
-                              : style.bold( "IN STEP, but with " + unprotected );
+   return unprotected.empty() ? style.good( "IN SYNC" )
+                              : style.bold( "IN SYNC, but with " + unprotected );
 }
 
 void print( Verified const & verified, std::vector< AuditAfter > const & audits,

@@ -21,8 +21,10 @@ using Scenario::Choices;
 constexpr U32 kHighestCount = ~U32{ 0 };
 
 Choices< bool > const & verdicts() {
-   static Choices< bool > const choices{ { "audit", "Whether the rules are as they should be." },
-                                         { { "in-step", true }, { "differences", false } } };
+   static Choices< bool > const choices{
+      { "audit", "Whether the rules are in sync with the published state." },
+      { { "in-step", true }, { "differences", false } }
+   };
    return choices;
 }
 
@@ -74,7 +76,7 @@ std::vector< WordList > auditVocabulary() {
 
 std::string auditShape() {
    return Shape::anyOf( { Shape::of( "audit" ), Shape::of( "audit-differences" ) },
-                        "What an audit of the rules finds now." );
+                        "The result of an audit of the rules at this point." );
 }
 
 // Reads a verdict, or a mapping.
@@ -88,7 +90,7 @@ std::shared_ptr< Expected const > readAudit( Reading & reading, Value const & va
 }
 
 std::string InSync::description() const {
-   return isInSync ? "an audit finds the rules in step" : "an audit finds differences";
+   return isInSync ? "an audit finds the rules in sync" : "an audit finds differences";
 }
 
 Finding InSync::check( Evidence const & evidence ) const {

@@ -37,14 +37,14 @@ template< typename T > Choices< T > choicesOf( Scenario::Place const & place, st
 Choices< Chip::FrameKind > const & frameKinds() {
    static auto const choices =
       choicesOf< Chip::FrameKind >( { "frame-kind",
-                                      "What the forwarding decision makes of a frame." },
+                                      "The kind of a frame, from the forwarding decision." },
                                     Chip::kFrameKinds.size() );
    return choices;
 }
 
 Choices< Chip::Verdict > const & frameVerdicts() {
    static auto const choices =
-      choicesOf< Chip::Verdict >( { "verdict", "What became of a frame at one place." },
+      choicesOf< Chip::Verdict >( { "verdict", "The outcome of a frame at one place." },
                                   Chip::kVerdicts );
    return choices;
 }
@@ -60,7 +60,7 @@ void readLikeFrom( Reading & reading, Value const & value, FramesLike & frames )
    frames.from = Scenario::valueOf< Pelk::IpGenAddr >( reading, value );
 }
 
-// One kind, or a list of them.
+// Reads one kind, or a list of them.
 void readLikeKind( Reading & reading, Value const & value, FramesLike & frames ) {
    std::vector< Value > const all =
       value.node.IsSequence() ? listOf( reading, value ) : std::vector{ value };
@@ -105,8 +105,8 @@ void readDropped( Reading & reading, Value const & value, FramesLike & frames ) 
 Table< FramesLike > const & framesTable() {
    static Table< FramesLike > const table{
       { "frames-like",
-        "What has become of the frames that the last step of frames has injected: of all those "
-        "that 'from', 'kind' and 'dropped' select, and of one at least.",
+        "The outcomes of the frames that the last step of frames has injected: of all frames that "
+        "'from', 'kind' and 'dropped' select, and of one at least.",
         R"({"minProperties": 1})" },
       { { { "from", "", Shape::of( "address", "The VTEP that they came from." ) }, readLikeFrom },
         { { "kind", "",
@@ -125,14 +125,14 @@ Table< FramesLike > const & framesTable() {
           readTargets< &FramesLike::neverReach > },
         { { "verdicts", "",
             Shape::mappingOf( Shape::of( "segment-interface" ), Shape::of( "verdict" ),
-                              "What became of each of them at an interface." ) },
+                              "The outcome of each of them at an interface." ) },
           readVerdicts },
         { { "dropped", "",
             Shape::of( "drop-reason",
                        "They were dropped as a whole, for this reason; frames that were not "
-                       "dropped are not meant." ) },
+                       "dropped do not count." ) },
           readDropped },
-        { { "count", "", Shape::of( "count", "How many they are." ) },
+        { { "count", "", Shape::of( "count", "Their number." ) },
           Scenario::readNumber< FramesLike, &FramesLike::count, 0, ~U32{ 0 } > } }
    };
    return table;
@@ -149,7 +149,7 @@ std::string describe( std::vector< FrameTarget > const & targets ) {
    return text;
 }
 
-// --- What became of frames
+// --- Outcomes of frames
 
 bool isMeant( Chip::FrameStory const & frame, FramesLike const & like ) {
    bool const isFrom = !like.from || ( frame.tunnel && frame.tunnel->source == *like.from );
@@ -167,7 +167,7 @@ bool isAt( Chip::Copy const & copy, FrameTarget const & target ) {
                       target );
 }
 
-// Nothing: the frame was not to leave there.
+// The verdict on the frame at the target; nothing if the frame was not to leave there.
 std::optional< Chip::Verdict > verdictAt( Chip::FrameStory const & frame,
                                           FrameTarget const & target ) {
    auto const copy =
@@ -176,7 +176,7 @@ std::optional< Chip::Verdict > verdictAt( Chip::FrameStory const & frame,
    return copy == frame.copies.end() ? std::nullopt : std::optional( copy->verdict );
 }
 
-// The port channel that the interface is a member of; empty when there is none.
+// The port channel of the interface; empty without one.
 std::string portChannelOf( FrameTarget const & target, Evidence const & evidence ) {
    auto const * const intf = std::get_if< Pelk::IntfId >( &target );
    if ( !intf ) {
@@ -192,7 +192,7 @@ std::string portChannelOf( FrameTarget const & target, Evidence const & evidence
    }
 }
 
-// Frames leave by a port channel, whichever of its members they take.
+// Frames leave by a port channel, and any of its members can carry them.
 std::string memberMistake( FramesLike const & like, Evidence const & evidence ) {
    std::vector< FrameTarget > targets = like.reach;
    targets.insert( targets.end(), like.neverReach.begin(), like.neverReach.end() );
@@ -203,14 +203,15 @@ std::string memberMistake( FramesLike const & like, Evidence const & evidence ) 
       if ( std::string const portChannel = portChannelOf( target, evidence );
            !portChannel.empty() ) {
          std::string const intf = std::get< Pelk::IntfId >( target ).stringValue();
-         return fmt::format( "{} is a member of {}, by which frames leave as one; name {}", intf,
-                             portChannel, portChannel );
+         return fmt::format(
+            "{} is a member of {}, and frames leave by all of its members; name {}", intf,
+            portChannel, portChannel );
       }
    }
    return "";
 }
 
-// What is wrong with the frame; empty when nothing is.
+// The mistake in the frame's treatment; empty when there is none.
 std::string mistakeOf( Story::FrameForwarded const & event, FramesLike const & like ) {
    Chip::FrameStory const & frame = event.frame;
    auto const mistake = [ & ]( FrameTarget const & target ) {

@@ -22,7 +22,7 @@ Scenario::Table< Line > const & logTable() {
    static Scenario::Table< Line > const table{
       { "log", "A line that has been logged since the scenario began." },
       { { { "text", "text: MULTIHOMING_TCAM_RESOURCE_FULL",
-            Shape::of( "text", "What the line contains." ) },
+            Shape::of( "text", "A part of the line." ) },
           readLineText },
         { { "times", "",
             Shape::of( "count", "The number of such lines; one or more if left out." ) },
@@ -42,7 +42,7 @@ std::string LogLineExpected::shape() {
                         "A text that a log line contains, or such a text and how often." );
 }
 
-// A text alone, or a mapping.
+// Reads a text alone, or a mapping.
 void LogLineExpected::read( Reading & reading, Value const & value ) {
    if ( value.node.IsScalar() ) {
       readLineText( reading, value, *this );

@@ -198,13 +198,13 @@ constexpr std::string_view kActions = R"({
 
 Table< RulesLike > const & rulesTable() {
    static Table< RulesLike > const table{
-      { "rules", "Rules that the plug-in holds in a group and that are as the other words say." },
+      { "rules", "Rules that the plug-in holds in a group and that match the other words." },
       { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
           Scenario::readGroup< RulesLike > },
         { { "unit", "",
             Shape::of( "unit-number", "The unit to look at; all of them if left out." ) },
           Scenario::readUnit< RulesLike > },
-        { { "name", "", Shape::of( "text", "What the rule's name contains." ) },
+        { { "name", "", Shape::of( "text", "A part of the rule's name." ) },
           Scenario::readText< RulesLike, &RulesLike::name > },
         { { "state", "", Shape::of( "written" ) }, readState },
         { { "priority", "",
@@ -251,8 +251,8 @@ std::string describePriority( RulesLike const & what ) {
 
 std::vector< WordList > RulesLike::vocabulary() {
    return { rulesTable().list(), writtenOrStaged().list(),
-            namesOf( { "qualifier", "What a rule compares." }, Chip::kQualifiers ),
-            namesOf( { "action", "What a rule does." }, Chip::kActions ) };
+            namesOf( { "qualifier", "A qualifier of a rule." }, Chip::kQualifiers ),
+            namesOf( { "action", "An action of a rule." }, Chip::kActions ) };
 }
 
 void RulesLike::read( Reading & reading, Value const & value ) {

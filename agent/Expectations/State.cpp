@@ -13,7 +13,7 @@ namespace {
 
 namespace Shape = Scenario::Shape;
 
-// The words of one expectation, as far as they are there.
+// The words of one expectation that the scenario has given.
 struct StateWords {
    Scenario::AttributeAt at;
    std::vector< std::shared_ptr< Expected const > > asked;
@@ -45,20 +45,21 @@ constexpr std::string_view kOneQuestion = R"({
 
 Scenario::Table< StateWords > const & stateTable() {
    static Scenario::Table< StateWords > const table = Scenario::attributeTable< StateWords >(
-      { "state", "One attribute of one entity: what it equals, or which key it has or lacks.",
+      { "state", "One attribute of one entity: its value, or a key that it has or lacks.",
         kOneQuestion },
       { { { "equals", "",
             Shape::of( "text",
-                       "The value in its text form; of a reference, the type and identity of what "
-                       "it refers to, or 'none'." ) },
+                       "The value in its text form; of a reference, the type and identity of its "
+                       "entity, or 'none'." ) },
           readEquals },
-        { { "has", "", Shape::of( "text", "A key that is there." ) }, readPresence< true > },
-        { { "lacks", "", Shape::of( "text", "A key that is not there." ) },
+        { { "has", "", Shape::of( "text", "A key that the attribute has." ) },
+          readPresence< true > },
+        { { "lacks", "", Shape::of( "text", "A key that the attribute lacks." ) },
           readPresence< false > } } );
    return table;
 }
 
-// Looks at the attribute of an entity that is there.
+// Calls `look` with the attribute of an entity that exists.
 template< typename Look >
 Finding lookAt( Scenario::AttributeAt const & at, Evidence const & evidence, Look const & look ) {
    Quelm::Ptr< Kiv::Entity > entity;

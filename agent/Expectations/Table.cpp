@@ -29,7 +29,7 @@ template< typename Kind > Row expectation( std::string_view name ) {
 }
 
 WordList words() {
-   WordList list{ { "expect", "What must be so now.", R"({"minProperties": 1})" }, {} };
+   WordList list{ { "expect", "The expectations at this point.", R"({"minProperties": 1})" }, {} };
    for ( Row const & row : table() ) {
       list.words.push_back( { row.name, "", row.shape } );
    }

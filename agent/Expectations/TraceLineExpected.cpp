@@ -37,7 +37,7 @@ Scenario::Table< Line > const & traceTable() {
         { { "level", "",
             Shape::number( 0, kHighestLevel, "The level; any that is on if left out." ) },
           readLevel },
-        { { "text", "text: is ready", Shape::of( "text", "What the line contains." ) },
+        { { "text", "text: is ready", Shape::of( "text", "A part of the line." ) },
           Scenario::readText< Line, &Line::text > },
         { { "times", "",
             Shape::of( "count", "The number of such lines; one or more if left out." ) },

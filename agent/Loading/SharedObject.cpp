@@ -144,8 +144,7 @@ void checkIsPlugin( fs::path const & file ) {
    }
    if ( !elf.isSharedObject() ) {
       refuse( file,
-              "is no shared object of this machine; --plugin takes the one that a plug-in has been "
-              "built into" );
+              "is no shared object of this machine; --plugin takes the plug-in's shared object" );
    }
    if ( std::uintmax_t const needed = elf.neededSize(); needed > elf.size() ) {
       refuse( file, "is cut short: it has " + std::to_string( elf.size() ) + " bytes of " +

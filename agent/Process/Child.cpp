@@ -67,7 +67,7 @@ void onUncaught() {
       }
    } catch ( std::bad_alloc const & ) {
       constexpr std::string_view kSentence =
-         "there is not enough memory for what the process of the plug-in asks for; allow more "
+         "there is not enough memory for the process of the plug-in; allow more "
          "(ulimit -v), or play a smaller scenario\n";
       std::ignore = write( STDERR_FILENO, kSentence.data(), kSentence.size() );
    } catch ( ... ) {

@@ -51,9 +51,9 @@ void Agreement::checkVteps( Reading & reading ) const {
          std::any_of( ownVteps_.begin(), ownVteps_.end(),
                       [ & ]( auto const & one ) { return one.first.family() == family; } );
       if ( !ownVteps_.empty() && !isReachable ) {
-         reading.problem( line, "no VTEP address of the switch is an " + familyOf( vtep ) +
-                                   " address as " + vtep.stringValue() +
-                                   " is; add one to 'vtep-addresses'" );
+         reading.problem( line, "the switch has no " + familyOf( vtep ) +
+                                   " VTEP address to reach " + vtep.stringValue() +
+                                   "; add one to 'vtep-addresses'" );
       }
    }
 }

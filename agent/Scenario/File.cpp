@@ -49,8 +49,8 @@ bool isMore( int descriptor, int milliseconds ) {
    return poll( &waiting, 1, milliseconds ) != 0;
 }
 
-// Reads up to the end. A named pipe is at its end also as long as nobody has opened it for writing;
-// `patience` is for that, and nothing for what is no named pipe.
+// Reads up to the end. A named pipe also reads as ended before anybody has opened it for writing;
+// `patience` is the time to wait for a writer. Other files have no patience.
 class Input {
  public:
    Input( int descriptor, fs::path const & file,
@@ -62,8 +62,8 @@ class Input {
       while ( takeInto( text ) ) {
          if ( text.size() > kLongest ) {
             refuse( file_,
-                    "this is longer than 16 MiB, which no scenario is; name a scenario's file, as "
-                    "in scenarios/start-up/scenario.yaml" );
+                    "this is longer than the 16 MiB that a scenario may have; name a scenario's "
+                    "file, as in scenarios/start-up/scenario.yaml" );
          }
       }
       if ( text.empty() ) {
@@ -75,7 +75,7 @@ class Input {
    }
 
  private:
-   // Whether there may be more.
+   // Appends the next bytes; false at the end.
    bool takeInto( std::string & text ) {
       ssize_t const count = read( descriptor_, chunk_.data(), chunk_.size() );
       if ( count > 0 ) {
@@ -87,7 +87,7 @@ class Input {
          return std::exchange( patience_, std::nullopt ).has_value() && hasWriter();
       }
       if ( errno == EAGAIN ) {
-         patience_.reset();  // somebody has opened it, and has nothing to say yet
+         patience_.reset();  // a writer has opened the pipe and has written nothing yet
          return isMore( descriptor_, -1 );
       }
       if ( errno != EINTR ) {
@@ -134,7 +134,7 @@ Problem whyUnreadable( fs::path const & file, int error ) {
    case EACCES:
    case EPERM:
       return { file.string(), 0,
-               "the file may not be read by you; ask for the right to read it, or copy it" };
+               "you may not read the file; ask for the right to read it, or copy it" };
    case ELOOP:
       return { file.string(), 0, "symbolic links lead in a circle here; name the file itself" };
    default:

@@ -28,7 +28,8 @@ std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int l
    return std::nullopt;
 }
 
-// A VLAN that could be read has a VNI; where a VLAN or a VNI could not be, that is told already.
+// Checks that the VLAN has a VNI, unless a VLAN or a VNI could not be read, which is reported
+// already.
 void checkMapped( Reading & reading, Vlan vlan, int line, Forwarding const & forwarding ) {
    auto const & vnis = forwarding.config.vlanToVni;
    if ( vlan != 0 && !vnis.contains( vlan ) ) {
@@ -50,7 +51,7 @@ std::optional< Chip::MacAddress > stationOf( Reading & reading, Value const & va
    return mac;
 }
 
-// --- what the switch is called
+// --- The switch's addresses
 
 void readVtepAddresses( Reading & reading, Value const & value, Forwarding & forwarding ) {
    if ( value.node.IsSequence() && value.node.size() == 0 ) {
@@ -74,7 +75,7 @@ void readRouterMac( Reading & reading, Value const & value, Forwarding & forward
       stationOf( reading, value ).value_or( forwarding.config.routerMac );
 }
 
-// --- interfaces and VLANs
+// --- Interfaces and VLANs
 
 void readUnderlay( Reading & reading, Value const & value, Forwarding & forwarding ) {
    if ( value.node.IsSequence() && value.node.size() == 0 ) {
@@ -136,7 +137,7 @@ void readNotDesignated( Reading & reading, Value const & value, Forwarding & for
    }
 }
 
-// --- routes
+// --- Routes
 
 void readRouteVlan( Reading & reading, Value const & value, Chip::HostRoute & route ) {
    route.vlan = vlanOf( reading, value ).value_or( 0 );
@@ -148,7 +149,7 @@ void readRouteMac( Reading & reading, Value const & value, Chip::HostRoute & rou
 
 Table< Chip::HostRoute > const & hostTable() {
    static Table< Chip::HostRoute > const table{
-      { "host", "Where a host is." },
+      { "host", "The place of a host." },
       { { { "vlan", "vlan: 10", Shape::of( "vlan-number" ) }, readRouteVlan },
         { { "mac", "mac: 00:00:5e:00:53:01", Shape::of( "station-mac" ) }, readRouteMac } }
    };
@@ -227,7 +228,7 @@ ForwardingWords routingWords() {
    return {
       { { "router-mac", "",
           Shape::of( "station-mac",
-                     "The MAC address to which hosts send what is to be routed; "
+                     "The MAC address to which hosts send packets for routing; "
                      "02:00:00:00:00:01 if left out." ) },
         readRouterMac },
       { { "hosts", "",
@@ -242,7 +243,7 @@ ForwardingWords routingWords() {
 
 Table< Forwarding > const & forwardingTable() {
    static Table< Forwarding > const table{
-      { "forwarding", "How the switch forwards frames, beside what is published." },
+      { "forwarding", "How the switch forwards frames, in addition to the published state." },
       joined< Forwarding >( { tunnelWords(), interfaceWords(), routingWords() } )
    };
    return table;

@@ -86,10 +86,10 @@ Table< Draft > const & scenarioTable() {
    static Table< Draft > const table{
       { "scenario", "A whole scenario." },
       { { { "scenario", "scenario: start-up",
-            Shape::of( "text", "The scenario's name, usually that of its folder." ) },
+            Shape::of( "text", "The scenario's name, usually the name of its folder." ) },
           readName },
         { { "description", "",
-            Shape::of( "text", "What the scenario shows, in a sentence or two." ) },
+            Shape::of( "text", "The purpose of the scenario, in a sentence or two." ) },
           readDescription },
         { { "switch", "switch: { name: leaf1, ... }", Shape::of( "switch" ) }, readSwitchWord },
         { { "forwarding", "", Shape::of( "forwarding" ) }, readForwardingWord },
@@ -107,8 +107,8 @@ Table< Draft > const & scenarioTable() {
           readTrace },
         { { "steps", "",
             Shape::listOf( Shape::of( "step" ),
-                           "What happens after the plug-in has been loaded and has mounted its "
-                           "state, in order." ) },
+                           "The steps after the plug-in has been loaded and has mounted its state, "
+                           "in order." ) },
           readStepsWord } }
    };
    return table;
@@ -136,13 +136,13 @@ void readVariant( Reading & reading, Value const & value, Twin & twin ) {
 Table< Twin > const & twinTable() {
    static Table< Twin > const table{
       { "derived-scenario",
-        "A scenario that is another one under its own name, and possibly on the other variant." },
+        "A scenario that repeats another one under its own name, possibly on the other variant." },
       { { { "scenario", "scenario: start-up-class-id",
-            Shape::of( "text", "The scenario's name, usually that of its folder." ) },
+            Shape::of( "text", "The scenario's name, usually the name of its folder." ) },
           readText< Twin, &Twin::name > },
         { { "description", "",
             Shape::of( "text",
-                       "What the scenario shows; that of the other scenario if left out." ) },
+                       "The purpose of the scenario; by default that of the other scenario." ) },
           readText< Twin, &Twin::description > },
         { { "based-on", "based-on: ../start-up/scenario.yaml",
             Shape::of( "text",

@@ -48,7 +48,7 @@ void checkCharacters( std::string const & text, std::string const & file ) {
    }
 }
 
-// The parser keeps a whole line in mind.
+// The parser holds a whole line in memory.
 void checkLines( std::string const & text, std::string const & file ) {
    for ( std::size_t at = 0; at < text.size(); ) {
       std::size_t const end = std::min( text.find( '\n', at ), text.size() );
@@ -61,7 +61,7 @@ void checkLines( std::string const & text, std::string const & file ) {
 
 // --- Structure
 
-// Follows the first document, and takes note of where the others begin.
+// Follows the first document, and notes where the others begin.
 class Surveyor final : public YAML::EventHandler {
  public:
    Surveyor( std::string const & text, std::string const & file ) : text_( text ), file_( file ) {}
@@ -86,8 +86,8 @@ class Surveyor final : public YAML::EventHandler {
       auto const size = sizes_.find( anchor );
       if ( size == sizes_.end() ) {
          refuse( file_, mark.line + 1,
-                 "this alias stands within what it repeats, so there is no end to it; write out "
-                 "what is meant" );
+                 "this alias stands within the value that it repeats, so it has no end; write the "
+                 "value out" );
       }
       count( mark, size->second );
    }
@@ -105,7 +105,7 @@ class Surveyor final : public YAML::EventHandler {
  private:
    struct Open {
       YAML::anchor_t anchor;
-      std::size_t before;  // values before it
+      std::size_t before;  // number of values before it
       bool hasBrackets;
    };
 
@@ -129,7 +129,7 @@ class Surveyor final : public YAML::EventHandler {
       if ( open_.size() > kDeepest ) {
          refuse( file_, mark.line + 1,
                  "more than " + std::to_string( kDeepest ) +
-                    " lists and mappings stand in each other here; a scenario needs ten at most, "
+                    " nested lists and mappings stand here; a scenario needs ten at most, "
                     "check the brackets" );
       }
    }
@@ -166,7 +166,7 @@ class Surveyor final : public YAML::EventHandler {
    std::size_t values_ = 0;
    std::size_t brackets_ = 0;
    std::vector< Open > open_;
-   std::map< YAML::anchor_t, std::size_t > sizes_;  // what an alias repeats
+   std::map< YAML::anchor_t, std::size_t > sizes_;  // the number of values that an alias repeats
 };
 
 }  // namespace
@@ -176,17 +176,17 @@ void survey( std::string const & text, std::string const & file ) {
    checkLines( text, file );
    Surveyor surveyor( text, file );
    try {
-      // Without a last line feed the parser itself finds an open quote, and tells its end.
+      // Without a last line feed the parser itself finds an open quote and names its end.
       std::istringstream in( text + '\n' );
       YAML::Parser parser( in );
-      // A stray character counts as a document of its own that never ends: two are looked for, not
+      // A stray character counts as an endless document of its own, so look for two documents, not
       // all.
       if ( parser.HandleNextDocument( surveyor ) && parser.HandleNextDocument( surveyor ) ) {
          refuse( file, surveyor.documentLine(),
                  "a second document begins here; a file holds one scenario" );
       }
    } catch ( YAML::Exception const & error ) {
-      // What is missing at the end is missed in the last line.
+      // Something missing at the end is reported in the last line.
       int const last = lineAt( text, text.find_last_not_of( " \n" ) + 1 );
       refuse( file, error.mark.is_null() ? 1 : std::min( error.mark.line + 1, last ),
               "this is not YAML (" + error.msg +

@@ -37,7 +37,7 @@ Table< UnitWords > const & unitTable() {
       { "unit", "One forwarding chip." },
       { { { "module", "module: 1",
             Shape::number( 0, kHighestNumber,
-                           "The chip's address on the fabric, its own on each unit." ) },
+                           "The chip's address on the fabric; each unit has its own." ) },
           readNumber< UnitWords, &UnitWords::module, 0, kHighestNumber > } }
    };
    return table;
@@ -140,9 +140,9 @@ Table< ClassIds > const & classIdsTable() {
             Shape::number( 0, ClassIds::kHighest, "The highest id; 4095 if left out." ) },
           readClassIdEnd< &ClassIds::last > },
         { { "delay", "",
-            Shape::number(
-               0, kLongestDelay,
-               "How many turns of the activity longer than one a grant takes; 0 if left out." ) },
+            Shape::number( 0, kLongestDelay,
+                           "The turns of the activity that a grant takes in addition to its own; 0 "
+                           "if left out." ) },
           readClassIdDelay } }
    };
    return table;
@@ -185,8 +185,8 @@ Table< Model > const & switchTable() {
         { { "class-ids", "", Shape::of( "class-ids" ) }, readClassIds },
         { { "l3-multicast-exempt", "",
             Shape::of( "yes-or-no",
-                       "Whether the platform does without per-VNI rules for known L3 multicast. "
-                       "false if left out." ) },
+                       "Whether the platform needs no per-VNI rules for known L3 multicast. false "
+                       "if left out." ) },
           readL3MulticastExempt },
         { { "interfaces", "", Shape::of( "interfaces" ) }, readSwitchInterfaces },
         { { "port-channels", "", Shape::of( "port-channels" ) }, readSwitchPortChannels } }
@@ -199,7 +199,9 @@ Table< Model > const & switchTable() {
 Choices< Variant > const & variants() {
    static Choices< Variant > const choices = [] {
       Choices< Variant > all{
-         { "variant", "What the chip can do, and so which state machine the plug-in builds." }, {}
+         { "variant",
+           "The chip's capabilities, which decide which state machine the plug-in builds." },
+         {}
       };
       for ( Audit::VariantRow const & row : Audit::variantRows() ) {
          all.all.push_back( { row.word, row.variant } );

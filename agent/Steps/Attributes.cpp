@@ -20,7 +20,7 @@ void checkKey( Kiv::Entity & entity, Kiv::Attribute const & attribute, std::stri
       static_cast< void >( isEmptyKey( attribute, key ) && attribute.has( entity, key ) );
    } catch ( Quelm::TextError const & ) {
       throw Quelm::AccessError( "attribute '" + attribute.name() +
-                                "' has keys; give the one that is meant by 'key'" );
+                                "' has keys; give one with 'key'" );
    }
    if ( !attribute.isKeyed() && !key.empty() ) {
       throw Quelm::AccessError( "attribute '" + attribute.name() +
@@ -32,7 +32,7 @@ void tellEmptyKey( Context const & context, Scenario::AttributeAt const & at, in
    auto const entity = context.evidence.finder.entity( at.entity );
    if ( isEmptyKey( StateDatabase::attributeOf( *entity, at.attribute ), at.key ) ) {
       std::cerr << context.placeOf( line ) + ": 'key' is left out, so the entry of '" +
-                      at.attribute + "' under the empty key is meant\n";
+                      at.attribute + "' under the empty key is used\n";
    }
 }
 

@@ -12,7 +12,7 @@ namespace Shape = Scenario::Shape;
 
 Scenario::Choices< bool > const & states() {
    static Scenario::Choices< bool > const choices{
-      { "class-id-allocator", "Whether the allocator of class ids grants what is asked for." },
+      { "class-id-allocator", "Whether the allocator of class ids serves requests." },
       { { "paused", true }, { "serving", false } }
    };
    return choices;

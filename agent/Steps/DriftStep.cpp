@@ -136,7 +136,7 @@ void readPriority( Reading & reading, Value const & value, DriftWords & words ) 
 }
 
 Choices< EntryFate > const & fates() {
-   static Choices< EntryFate > const choices{ { "entry-is", "What becomes of the whole entry." },
+   static Choices< EntryFate > const choices{ { "entry-is", "What happens to the whole entry." },
                                               { { "erased", EntryFate::erased },
                                                 { "destroyed", EntryFate::destroyed },
                                                 { "copied", EntryFate::copied } } };
@@ -182,18 +182,18 @@ std::vector< Word< DriftWords > > wordsOfTheRule() {
             { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
             { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
             { { "rule", "",
-                Shape::of( "text", "What the rule's name, and no other's there, contains." ) },
+                Shape::of( "text", "A part of the rule's name that no other rule of the group has." ) },
               readRuleName } };
 }
 
 std::vector< Word< DriftWords > > wordsOfTheChange() {
    return { { { "flip", "",
                 Shape::anyOf( { Shape::of( "qualifier" ), shapeOfNumberedActions() },
-                              "The qualifier or action whose lowest bit tips over." ) },
+                              "The qualifier or action whose lowest bit flips." ) },
               readFlip },
             { { "mask", "",
                 Shape::mappingOf( Shape::of( "qualifier" ), Shape::of( "count" ),
-                                  "A qualifier by name, with the mask that it gets.",
+                                  "A qualifier by name, with its new mask.",
                                   R"({"minProperties": 1, "maxProperties": 1})" ) },
               readMask },
             { { "egress-mask", "",
@@ -217,7 +217,7 @@ std::vector< Word< DriftWords > > wordsOfTheChange() {
 
 Table< DriftWords > const & driftTable() {
    static Table< DriftWords > const table{
-      { "drift", "Something changes in the chip behind the plug-in's back: one rule, one thing.",
+      { "drift", "One part of one rule changes in the chip without the plug-in's knowledge.",
         kWordsTogether },
       Scenario::joined< DriftWords >( { wordsOfTheRule(), wordsOfTheChange() } )
    };
@@ -286,7 +286,7 @@ void DriftStep::read( Reading & reading, Value const & value ) {
       reading.problem( value.line, "drift needs one of the words 'entry' and 'rule'" );
    }
    if ( words.changes.size() != 1 ) {
-      reading.problem( value.line, "drift changes one thing, this one " +
+      reading.problem( value.line, "drift changes one thing, but this one changes " +
                                       std::to_string( words.changes.size() ) +
                                       "; give one of the words 'flip', 'mask' (of one qualifier), "
                                       "'egress-mask', 'priority', 'remove', 'entry-is' and "

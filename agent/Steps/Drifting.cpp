@@ -60,11 +60,10 @@ U32 idOf( Chip::Group const & group, RuleNamed const & rule ) {
 std::string reasonOf( Chip::ResultCode code ) {
    switch ( code ) {
    case Chip::ResultCode::NotFound:
-      return "the rule lacks what is to change; 'dump: rules' shows what it has";
-   case Chip::ResultCode::NotInstalled:
-      return "it is staged only, and drift changes what is written to the chip";
+      return "the rule lacks the part to change; 'dump: rules' shows its parts";
+   case Chip::ResultCode::NotInstalled: return "it is staged only, and drift changes written rules";
    case Chip::ResultCode::Unsupported:
-      return "no rule of this group has that; 'dump: rules' shows what they have";
+      return "no rule of this group has that part; 'dump: rules' shows their parts";
    case Chip::ResultCode::UnknownEntry:
       return "it is staged only, or the group has no room for a copy";
    default: return std::string( Chip::resultText( Chip::codeOf( code ) ) );
@@ -125,8 +124,9 @@ void drift( DriftStep const & what, Chip::Units & units, Reporters::ChipReporter
    Changing changing{ Chip::Drift( *group ), *group, id, 0 };
    Chip::ResultCode const code = std::visit( changing, what.change );
    if ( code != Chip::ResultCode::None ) {
-      throw Quelm::AccessError( fmt::format( "entry {} of group {} on unit {} cannot drift so: {}",
-                                             id, assignment, what.unit, reasonOf( code ) ) );
+      throw Quelm::AccessError(
+         fmt::format( "entry {} of group {} on unit {} cannot drift like this: {}", id, assignment,
+                      what.unit, reasonOf( code ) ) );
    }
    reporter.reportRule( what.unit, id );
    if ( changing.other != 0 ) {

@@ -21,10 +21,10 @@ void check( Context const & context, Expectations::Expectation const & expectati
 
 std::string Expect::shape() {
    namespace Shape = Scenario::Shape;
-   return Shape::anyOf( { Shape::of( "expect" ),
-                          Shape::listOf( Shape::of( "expect" ), "", R"({"minItems": 1})" ) },
-                        "What must be so now: a mapping of expectations, or a list of such "
-                        "mappings." );
+   return Shape::anyOf(
+      { Shape::of( "expect" ), Shape::listOf( Shape::of( "expect" ), "", R"({"minItems": 1})" ) },
+      "The expectations at this point: a mapping of expectations, or a list of such "
+      "mappings." );
 }
 
 void Expect::read( Reading & reading, Value const & value ) {

@@ -23,7 +23,7 @@ constexpr U32 kHighestNumber = ~U32{ 0 };
 Choices< std::string_view > const & operations() {
    static Choices< std::string_view > const choices = [] {
       Choices< std::string_view > all{
-         { "chip-operation", "An operation of the chip that gives a result code, or could." }, {}
+         { "chip-operation", "An operation of the chip that can give a result code." }, {}
       };
       for ( std::string_view const name : Chip::kFallibleOperations ) {
          all.all.push_back( { name, name } );
@@ -41,7 +41,7 @@ void readNumber( Reading & reading, Value const & value, FailCall & fail ) {
    fail.number = numberOf( reading, value, 1, kHighestNumber ).value_or( 1 );
 }
 
-// A whole number that can be negative, without quotes.
+// A whole number without quotes; it can be negative.
 std::optional< S32 > codeIn( YAML::Node const & node ) {
    constexpr char const * kQuoted = "!";
    std::string const & text = node.Scalar();
@@ -70,13 +70,13 @@ constexpr std::string_view kCode = R"({
 
 Table< FailCall > const & failCallTable() {
    static Table< FailCall > const table{
-      { "fail-call",
-        "A call of the chip, of those from now on, is not made and gives a result code." },
+      { "fail-call", "A later call of the chip is not made and gives a result code." },
       { { { "operation", "operation: installEntry", Shape::of( "chip-operation" ) },
           readOperation },
         { { "number", "",
-            Shape::number( 1, kHighestNumber,
-                           "Which call of the operation; the next one if left out." ) },
+            Shape::number(
+               1, kHighestNumber,
+               "The number of the call, counted from now on; the next one if left out." ) },
           readNumber },
         { { "code", "code: -1", Shape::json( kCode, "The result code: negative for a failure." ) },
           readCode } }

@@ -77,7 +77,7 @@ Choices< Chip::FrameContent > const & contents() {
    using Chip::FrameContent;
    static Choices< FrameContent > const choices{
       { "frame-content",
-        "What the frame carries: nothing known ('bare', if left out), an ARP request or a "
+        "The content of the frame: an unknown payload ('bare', if left out), an ARP request or a "
         "neighbour solicitation for destination-ip, or a UDP datagram." },
       { { "bare", FrameContent::Bare },
         { "arp", FrameContent::Arp },
@@ -92,7 +92,7 @@ void readContent( Reading & reading, Value const & value, Frame & frame ) {
       choiceOf( reading, value, contents() ).value_or( Chip::FrameContent::Bare );
 }
 
-// Which words of a frame stand together.
+// The words of a frame that stand together.
 constexpr std::string_view kWordsTogether = R"({
    "anyOf": [ { "required": [ "on" ] }, { "required": [ "from" ] } ],
    "dependencies": {
@@ -148,9 +148,10 @@ Table< Frame > const & frameTable() {
           readOn },
         { { "from", "", Shape::of( "vtep-address", "The remote VTEP that sends it, in VXLAN." ) },
           readFrom },
-        { { "vni", "", Shape::number( 0, kHighestVni, "The VNI, of a frame from a VTEP." ) },
+        { { "vni", "", Shape::number( 0, kHighestVni, "The VNI of a frame from a VTEP." ) },
           readVni },
-        { { "vlan", "", Shape::of( "vlan-number", "Of an 802.1Q tag; untagged if left out." ) },
+        { { "vlan", "",
+            Shape::of( "vlan-number", "The VLAN of an 802.1Q tag; untagged if left out." ) },
           readVlan },
         { { "source", "source: 00:00:5e:00:53:02", Shape::of( "mac", "The source MAC address." ) },
           readMac< &Fields::source > },
@@ -181,7 +182,7 @@ std::string nameOf( Chip::FrameContent content ) {
    return std::string( contents().nameOf( content ) );
 }
 
-// Those that could be read; what could not is told already.
+// Checks the addresses that could be read; the others are reported already.
 void checkFamilies( Reading & reading, Value const & value, Chip::FrameFields const & fields ) {
    using Family = Pelk::IpGenAddr::Family;
    if ( !fields.sourceIp || !fields.destinationIp ) {
@@ -213,7 +214,7 @@ void checkAddresses( Reading & reading, Value const & value, Chip::FrameFields c
    checkFamilies( reading, value, fields );
 }
 
-// Words that only a udp frame has a place for; none is told of where 'content' could not be read.
+// Reports words that only a udp frame can have, unless 'content' could not be read.
 void checkUdpWords( Reading & reading, Value const & value, Chip::FrameFields const & fields ) {
    constexpr std::array< std::string_view, 3 > words{ "ttl", "source-port", "destination-port" };
    YAML::Node const content = value.node[ "content" ];
@@ -226,7 +227,7 @@ void checkUdpWords( Reading & reading, Value const & value, Chip::FrameFields co
       std::string const word = entry.first.IsScalar() ? entry.first.Scalar() : "";
       if ( std::find( words.begin(), words.end(), word ) != words.end() ) {
          reading.problem( entry.first.Mark().line + 1,
-                          word + " is of udp frames; give 'content: udp', or leave it out" );
+                          word + " belongs to udp frames; give 'content: udp', or leave it out" );
       }
    }
 }

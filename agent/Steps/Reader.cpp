@@ -41,8 +41,8 @@ void checkWords( Reading & reading, Value const & step ) {
    }
    std::size_t const words = step.node.size() - ( step.node[ std::string( kOnlyOn ) ] ? 1 : 0 );
    if ( words != 1 ) {
-      reading.problem( step.line, "a step does one thing, this one " + std::to_string( words ) +
-                                     "; write a step for each" );
+      reading.problem( step.line, "a step does one thing, but this one does " +
+                                     std::to_string( words ) + "; write a step for each" );
    }
 }
 

@@ -18,7 +18,7 @@ Scenario::Table< Set > const & setTable() {
       { { { "value", "",
             Shape::of( "text",
                        "The value in its text form; of a reference, the path of an entity. Left "
-                       "out where only a key is inserted." ) },
+                       "out to insert only a key." ) },
           Scenario::readText< Set, &Set::value > } } );
    return table;
 }
@@ -29,7 +29,7 @@ void write( Kiv::Attribute const & attribute, Kiv::Entity & entity, Set const & 
    } catch ( Quelm::TextError const & error ) {
       throw Quelm::AccessError( "attribute '" + attribute.name() + "' is not set: " + error.what() +
                                 ( what.value.empty() && !attribute.valueType().empty()
-                                     ? "; give what it is to be by 'value'"
+                                     ? "; give its value with 'value'"
                                      : "" ) );
    }
 }
@@ -67,7 +67,7 @@ void Set::change( Context const & context ) const {
    if ( attribute.kind() == Kiv::Attribute::Kind::Reference ) {
       if ( value.empty() ) {
          throw Quelm::AccessError( "attribute '" + attribute.name() +
-                                   "' refers to an entity; give its path by 'value'" );
+                                   "' refers to an entity; give its path with 'value'" );
       }
       attribute.entityIs( *entity,
                           finder.entity( StateDatabase::EntityPath::fromString( value ) ) );

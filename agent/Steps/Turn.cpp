@@ -54,9 +54,10 @@ void Turn::read( Reading & reading, Value const & value ) {
          parts.push_back( { rows()[ word ].readTurnPart( reading, about ), element.line } );
       }
       if ( element.node.IsMap() && element.node.size() != 1 ) {
-         reading.problem( element.line, "an element of turn changes one thing, this one " +
-                                           std::to_string( element.node.size() ) +
-                                           "; write an element for each" );
+         reading.problem( element.line,
+                          "an element of turn changes one thing, but this one changes " +
+                             std::to_string( element.node.size() ) +
+                             "; write an element for each" );
       }
    }
 }

@@ -16,7 +16,7 @@ namespace Shape = Scenario::Shape;
 Scenario::Choices< Verify::How > const & verifications() {
    using How = Verify::How;
    static Scenario::Choices< How > const choices{
-      { "verify", "Who verifies the rules now." },
+      { "verify", "The verification of the rules at this point." },
       { { "audit", How::audit }, { "plug-in", How::plugIn }, { "both", How::both } }
    };
    return choices;
@@ -34,7 +34,7 @@ std::string whySkipped( Kiv::Entity const & machine ) {
       return "the state machine is not initialized";
    }
    return hasValue( machine, "tcamExhaustion", true )
-             ? "a TCAM group counts as full, and nothing is compared while one does"
+             ? "a TCAM group counts as full, so the pass compares nothing"
              : "";
 }
 

@@ -38,14 +38,14 @@ std::string verdictOf( Audited const & audited, Style const & style ) {
    std::size_t const known = audited.differences.size() - faults;
    std::string const unprotected = unprotectedText( audited );
    std::string const counts =
-      fmt::format( "{} called for, {} in the chip{}{}", counted( audited.rules, "rule" ),
+      fmt::format( "{}, {} in the chip{}{}", counted( audited.rules, "expected rule" ),
                    audited.entries, unprotected.empty() ? "" : "; ",
                    Text::printable( unprotected ) );
    if ( faults != 0 ) {
       return style.bad( fmt::format( "audit: {}", counted( faults, "difference" ) ) ) +
              fmt::format( ", {} known; {}", known, counts );
    }
-   std::string const inSync = "audit: in step";
+   std::string const inSync = "audit: in sync";
    return ( unprotected.empty() ? style.good( inSync ) : style.bold( inSync ) ) +
           ( known == 0 ? "" : fmt::format( ", {} known", known ) ) + "; " + counts;
 }

@@ -19,7 +19,7 @@ std::string outcomeOf( Chip::Copy const & copy ) {
              : verdict;
 }
 
-// "Ethernet1 sent", or with the number of each where frames fared differently.
+// "Ethernet1 sent"; with a number for each outcome when frames differ.
 std::string textOf( std::string const & place, std::map< std::string, U64 > const & outcomes,
                     U64 frames ) {
    std::string text = place;
@@ -54,8 +54,8 @@ std::vector< std::string > FrameTable::lines() const {
       from = std::max( from, key.from.size() );
       kind = std::max( kind, key.kind.size() );
    }
-   std::vector< std::string > lines{ fmt::format( "{:<{}}  {:<{}}  {:>6}  what became of them",
-                                                  "from", from, "kind", kind, "frames" ) };
+   std::vector< std::string > lines{ fmt::format( "{:<{}}  {:<{}}  {:>6}  outcomes", "from", from,
+                                                  "kind", kind, "frames" ) };
    for ( auto const & [ key, row ] : rows_ ) {
       std::string outcomes;
       for ( auto const & [ place, counts ] : row.outcomes ) {

@@ -1,7 +1,6 @@
-// The frames of one step, counted: by where they came from and what they were, and by what became
-// of them at each place.
+// Counts the frames of one step by source and kind, and by their outcomes at each place.
 //
-//    from       kind              frames  what became of them
+//    from       kind              frames  outcomes
 //    10.0.0.2   broadcast              6  Ethernet1 sent; Port-Channel2 masked by unit 0 entry 3
 //    Ethernet1  known-unicast          2  10.0.0.3 sent
 //    10.0.0.9   -                      1  dropped: unknown-vtep
@@ -21,13 +20,13 @@ class FrameTable {
    void clear() { rows_.clear(); }
    bool isEmpty() const { return rows_.empty(); }
 
-   // The table as lines, with its heading.
+   // The lines of the table, with its heading.
    std::vector< std::string > lines() const;
 
  private:
    struct Row {
       U64 frames = 0;
-      // By place: how often each thing became of a frame there.
+      // The number of frames by place and outcome.
       std::map< std::string, std::map< std::string, U64 > > outcomes;
    };
    struct Key {

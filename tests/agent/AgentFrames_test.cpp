@@ -190,9 +190,10 @@ TEST_F( Frames, AreNeverExpectedAtAMemberOfAPortChannel ) {
    EXPECT_TRUE( told[ 0 ].held );
    for ( std::size_t n = 1; n < told.size(); ++n ) {
       EXPECT_FALSE( told[ n ].held );
-      EXPECT_EQ( told[ n ].found,
-                 "Ethernet2 is a member of Port-Channel2, by which frames leave as one; name "
-                 "Port-Channel2" );
+      EXPECT_EQ(
+         told[ n ].found,
+         "Ethernet2 is a member of Port-Channel2, and frames leave by all of its members; name "
+         "Port-Channel2" );
    }
 }
 
@@ -312,8 +313,8 @@ TEST_F( FramesOfProgram, NeedAFolderThatTakesFilesBeforeTheRunBegins ) {
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
    EXPECT_EQ( ran.err,
-              "--pcap-out: no file can be made in /proc (No such file or directory); name a folder "
-              "that can be written to\n" );
+              "--pcap-out: no file can be created in /proc (No such file or directory); name a "
+              "folder that takes files\n" );
 }
 
 TEST_F( FramesOfProgram, AreInTheDocumentWithNamesThatScriptsHoldOnTo ) {
@@ -346,7 +347,7 @@ TEST_F( FramesOfProgram, AreInTheDocumentWithNamesThatScriptsHoldOnTo ) {
 TEST_F( FramesOfProgram, AreShownToPeopleAsATableWithTotals ) {
    auto const ran = Support::vornal( { "run", scenario( kFromPeer ).string() } );
 
-   EXPECT_NE( ran.out.find( "   from      kind       frames  what became of them\n"
+   EXPECT_NE( ran.out.find( "   from      kind       frames  outcomes\n"
                             "   10.0.0.2  broadcast       1  Ethernet1 sent; Ethernet3 sent; "
                             "Port-Channel2 no-port\n" ),
               std::string::npos )
@@ -367,7 +368,7 @@ TEST_F( FramesOfProgram, ThatCannotBeReadEndTheRunBeforeAnyOfThemComesIn ) {
                             "frames\n" ),
               std::string::npos )
       << ran.err;
-   EXPECT_EQ( ran.out.find( "what became of them" ), std::string::npos );
+   EXPECT_EQ( ran.out.find( "frames  outcomes" ), std::string::npos );
 }
 
 TEST_F( FramesOfProgram, OfACaptureThatIsNotThereAreRefusedBeforeAnythingIsLoaded ) {

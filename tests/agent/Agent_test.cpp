@@ -245,9 +245,9 @@ TEST_F( Agent, RefusesValuesKeysAndArgumentsThatAreNotOfTheirType ) {
            Case{
               "set: { entity: /shared/vornalCommon, attribute: vornalModId, key: 0 }",
               "attribute 'vornalModId' is not set: expected a number of type U16 at character 1, "
-              "found the end of the text; give what it is to be by 'value'" },
+              "found the end of the text; give its value with 'value'" },
            Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus }",
-                 "attribute 'evpnStatus' refers to an entity; give its path by 'value'" },
+                 "attribute 'evpnStatus' refers to an entity; give its path with 'value'" },
            Case{ "set: { entity: /plugins/Sample::Mounter, attribute: evpnStatus, value: "
                  "/lag/config }",
                  "not a Lag::Config" } } ) {
@@ -398,9 +398,10 @@ TEST_F( Agent, SaysWhyAPlugInCannotBeLoaded ) {
    config.plugin = directory.file( "text.so", "this is no shared object" );
    run( "   - note: nothing\n", "{ ingress: 8 }", config );
 
-   EXPECT_EQ( badInput(), config.plugin.string() +
-                             " is no shared object of this machine; --plugin takes the one that a "
-                             "plug-in has been built into" );
+   EXPECT_EQ(
+      badInput(),
+      config.plugin.string() +
+         " is no shared object of this machine; --plugin takes the plug-in's shared object" );
 }
 
 TEST_F( Agent, SaysThatASharedObjectWithoutAMounterIsNoPlugIn ) {

@@ -160,7 +160,7 @@ TEST_F( AuditDifferences, AnEntryThatIsThereTwice ) {
 
    expectFound( found, Kind::unexpectedRule, 6, "" );
    EXPECT_EQ( found.expected, "no such rule" );
-   EXPECT_EQ( found.because, "nothing published calls for it" );
+   EXPECT_EQ( found.because, "no published state needs it" );
 }
 
 TEST_F( AuditDifferences, ARuleThatThePlugInDoesNotKnow ) {

@@ -142,7 +142,7 @@ TEST_F( ChildEnds, WithASentenceWhenMemoryRunsOut ) {
 
    EXPECT_EQ( stopped().reason, "signal 6 (Aborted)" );
    EXPECT_EQ( stopped().output.at( 0 ),
-              "there is not enough memory for what the process of the plug-in asks for; allow more "
+              "there is not enough memory for the process of the plug-in; allow more "
               "(ulimit -v), or play a smaller scenario" );
 }
 

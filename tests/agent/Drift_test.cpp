@@ -133,16 +133,16 @@ TEST_F( DriftStep, NamesOneRule ) {
 }
 
 TEST_F( DriftStep, SaysWhyARuleCannotChangeSo ) {
-   std::string const entry = "entry 1 of group 157 on unit 0 cannot drift so: ";
+   std::string const entry = "entry 1 of group 157 on unit 0 cannot drift like this: ";
    struct Case {
       char const * words;
       std::string refusal;
    };
    for ( Case const & one :
          { Case{ "group: ingress, entry: 1, flip: VxlanNetworkId",
-                 entry + "the rule lacks what is to change; 'dump: rules' shows what it has" },
+                 entry + "the rule lacks the part to change; 'dump: rules' shows its parts" },
            Case{ "group: ingress, entry: 1, remove: Drop",
-                 entry + "no rule of this group has that; 'dump: rules' shows what they have" },
+                 entry + "no rule of this group has that part; 'dump: rules' shows their parts" },
            Case{ "group: ingress, entry: 77, priority: 1",
                  "group 157 has no entry 77; its entries are 1, 2, 3, 4" },
            Case{ "group: egress, entry: 1, remove: Drop",
@@ -166,7 +166,8 @@ TEST( DriftWords, NameOneRuleAndOneChange ) {
    EXPECT_EQ( problemWith( "entry: 1, flip: PacketRes" ), "" );
    EXPECT_EQ( problemWith( "flip: PacketRes" ),
               "leaf.yaml:10: drift needs one of the words 'entry' and 'rule'" );
-   EXPECT_NE( problemWith( "entry: 1" ).find( "drift changes one thing, this one 0; give one of" ),
+   EXPECT_NE( problemWith( "entry: 1" )
+                 .find( "drift changes one thing, but this one changes 0; give one of" ),
               std::string::npos );
    EXPECT_NE( problemWith( "entry: 1, remove: PacketRes, priority: 1" ).find( "this one 2" ),
               std::string::npos );

@@ -59,7 +59,7 @@ TEST_F( Outputs, AFullDiskIsToldByEveryCommandAndEndsItWith2 ) {
 
       EXPECT_EQ( ran.exitCode, 2 ) << words;
       EXPECT_EQ( ran.err,
-                 "cannot write standard output (/dev/full): No space left on device; what it holds "
+                 "cannot write standard output (/dev/full): No space left on device; its content "
                  "is not complete\n" )
          << words;
    }

@@ -128,9 +128,8 @@ TEST_F( ProgramStreams, StandardInputDoesNotMatter ) {
 // --- Standard output
 
 TEST_F( ProgramStreams, StandardOutputThatIsClosedIsTold ) {
-   expectRefusal( kClosed,
-                  "cannot write standard output: Bad file descriptor; what it holds is not "
-                  "complete\n" );
+   expectRefusal(
+      kClosed, "cannot write standard output: Bad file descriptor; its content is not complete\n" );
 }
 
 TEST_F( ProgramStreams, StandardOutputThatIsClosedDoesNotGetIntoTheTraceRing ) {
@@ -141,17 +140,16 @@ TEST_F( ProgramStreams, StandardOutputThatIsClosedDoesNotGetIntoTheTraceRing ) {
 }
 
 TEST_F( ProgramStreams, StandardOutputThatIsFullIsTold ) {
-   expectRefusal(
-      full,
-      "cannot write standard output (/dev/full): No space left on device; what it holds "
-      "is not complete\n" );
+   expectRefusal( full,
+                  "cannot write standard output (/dev/full): No space left on device; its content "
+                  "is not complete\n" );
 }
 
 TEST_F( ProgramStreams, StandardOutputThatNobodyReadsAnyMoreIsTold ) {
    TestPipe unread;
    unread.closeEnd( 0 );
    expectRefusal( unread.in(),
-                  "cannot write standard output: Broken pipe; what it holds is not complete\n" );
+                  "cannot write standard output: Broken pipe; its content is not complete\n" );
 }
 
 TEST_F( ProgramStreams, StandardOutputWhoseReaderLeavesAfterTheFirstLineIsTold ) {
@@ -167,7 +165,7 @@ TEST_F( ProgramStreams, StandardOutputWhoseReaderLeavesAfterTheFirstLineIsTold )
 
    EXPECT_EQ( running.wait(), 2 );
    EXPECT_EQ( err.read(),
-              "cannot write standard output: Broken pipe; what it holds is not complete\n" );
+              "cannot write standard output: Broken pipe; its content is not complete\n" );
 }
 
 TEST_F( ProgramStreams, ASlowReaderOfStandardOutputGetsEverything ) {

@@ -73,11 +73,10 @@ TEST( ProgramUsage, SaysWhatATurnLimitIs ) {
    for ( std::string const limit : { "x", "-1", "nan", "1e9", "5s", "86400.1" } ) {
       auto const ran = Support::vornal( { "run", "leaf.yaml", "--turn-limit=" + limit } );
       EXPECT_EQ( ran.exitCode, 2 ) << limit;
-      EXPECT_EQ( ran.err,
-                 "vornal run: --turn-limit: '" + limit +
-                    "' is not how long a turn may take; give seconds from 0 to 86400, such as 2.5, "
-                    "or 0 for as long as it likes\n'vornal run --help' lists the words that it "
-                    "takes\n" );
+      EXPECT_EQ( ran.err, "vornal run: --turn-limit: '" + limit +
+                             "' is no time limit of a turn; give seconds from 0 to 86400, such as "
+                             "2.5, or 0 for no limit\n'vornal run --help' lists the words that it "
+                             "takes\n" );
    }
 }
 
@@ -185,17 +184,15 @@ TEST_F( ProgramInput, SaysWhatHappensWithoutAKeyWhereThereAreKeys ) {
    };
    std::string const empty = ran( "set: { entity: /lag/config, attribute: phyIntf }" );
    EXPECT_EQ( empty.substr( 0, 2 ), "0\n" ) << empty;
-   EXPECT_NE( empty.find(
-                 "keys.yaml:20: 'key' is left out, so the entry of 'phyIntf' under the empty "
-                 "key is meant" ),
-              std::string::npos )
+   EXPECT_NE(
+      empty.find(
+         "keys.yaml:20: 'key' is left out, so the entry of 'phyIntf' under the empty key is used" ),
+      std::string::npos )
       << empty;
    std::string const refused =
       ran( "set: { entity: '/evpn/status/segmentStatus[Ethernet1]', attribute: remoteTep }" );
    EXPECT_EQ( refused.substr( 0, 2 ), "2\n" ) << refused;
-   EXPECT_NE( refused.find(
-                 "keys.yaml:20: attribute 'remoteTep' has keys; give the one that is meant "
-                 "by 'key'" ),
+   EXPECT_NE( refused.find( "keys.yaml:20: attribute 'remoteTep' has keys; give one with 'key'" ),
               std::string::npos )
       << refused;
 }

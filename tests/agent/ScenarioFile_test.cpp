@@ -75,8 +75,7 @@ TEST_F( ScenarioFile, ThatLinksLeadToInACircleSaysSo ) {
 
 TEST_F( ScenarioFile, ThatMayNotBeReadSaysSo ) {
    EXPECT_EQ( Scenario::whyUnreadable( "leaf.yaml", EACCES ).text(),
-              "leaf.yaml: the file may not be read by you; ask for the right to read it, or copy "
-              "it" );
+              "leaf.yaml: you may not read the file; ask for the right to read it, or copy it" );
    EXPECT_EQ( Scenario::whyUnreadable( "leaf.yaml", EIO ).text(),
               "leaf.yaml: the file cannot be read (Input/output error)" + kExample );
 }

@@ -104,9 +104,9 @@ TEST( ScenarioSteps, AreMappings ) {
 
 TEST( ScenarioSteps, DoOneThingEach ) {
    EXPECT_EQ( stepProblems( "{ note: a, ready: subagents::l2Ready }" ),
-              "leaf.yaml:10: a step does one thing, this one 2; write a step for each" );
+              "leaf.yaml:10: a step does one thing, but this one does 2; write a step for each" );
    EXPECT_EQ( stepProblems( "only-on: class-id" ),
-              "leaf.yaml:10: a step does one thing, this one 0; write a step for each" );
+              "leaf.yaml:10: a step does one thing, but this one does 0; write a step for each" );
 }
 
 TEST( ScenarioSteps, RefuseAnUnknownWord ) {

@@ -70,8 +70,8 @@ TEST( ScenarioSurvey, TakesATextInQuotesThatGoesOnDeeper ) {
 
 TEST( ScenarioSurvey, RefusesWhatIsNestedTooDeeplyWithItsLine ) {
    std::string const tooDeep =
-      "leaf.yaml:9: more than 50 lists and mappings stand in each other here; a scenario needs ten "
-      "at most, check the brackets";
+      "leaf.yaml:9: more than 50 nested lists and mappings stand here; a scenario needs ten at "
+      "most, check the brackets";
    EXPECT_EQ( leafProblems( "steps: " + std::string( 49, '[' ) + std::string( 49, ']' ) ),
               "leaf.yaml:9: an element of steps is a list; a mapping is expected, of note, ready, "
               "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
@@ -106,8 +106,8 @@ TEST( ScenarioSurvey, CountsWhatAliasesRepeat ) {
 
 TEST( ScenarioSurvey, RefusesAnAliasOfWhatItStandsIn ) {
    EXPECT_EQ( leafProblems( "steps: &all\n  - note: a\n  - *all\n" ),
-              "leaf.yaml:11: this alias stands within what it repeats, so there is no end to it; "
-              "write out what is meant" );
+              "leaf.yaml:11: this alias stands within the value that it repeats, so it has no end; "
+              "write the value out" );
 }
 
 TEST( ScenarioSurvey, RefusesALineWithoutBounds ) {

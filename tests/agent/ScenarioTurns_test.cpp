@@ -85,12 +85,12 @@ TEST( ScenarioTurns, RefuseWhatChangesNothing ) {
 }
 
 TEST( ScenarioTurns, RefuseTwoWordsInOneElement ) {
-   EXPECT_EQ(
-      stepProblems( "turn:\n"
-                    "        - { ready: subagents::l2Ready,"
-                    " withdraw: { vteps: [ 10.0.0.2 ] } }" ),
-      "leaf.yaml:11: an element of turn changes one thing, this one 2; write an element for "
-      "each" );
+   EXPECT_EQ( stepProblems( "turn:\n"
+                            "        - { ready: subagents::l2Ready,"
+                            " withdraw: { vteps: [ 10.0.0.2 ] } }" ),
+              "leaf.yaml:11: an element of turn changes one thing, but this one changes 2; write "
+              "an element for "
+              "each" );
 }
 
 TEST( ScenarioTurns, RefuseWhatTheirWordsRefuse ) {

@@ -49,9 +49,9 @@ TEST_F( Verify, ExitsWith0InStep ) {
    EXPECT_EQ( ran.out,
               "leaf (egress-mask)\n"
               "at the end\n"
-              "   audit: in step; 5 rules called for, 5 in the chip\n"
+              "   audit: in sync; 5 expected rules, 5 in the chip\n"
               "   the plug-in's own pass: held\n"
-              "IN STEP\n" );
+              "IN SYNC\n" );
 }
 
 TEST_F( Verify, ExitsWith1OnDifferencesThatThePassDoesNotSee ) {
@@ -59,7 +59,7 @@ TEST_F( Verify, ExitsWith1OnDifferencesThatThePassDoesNotSee ) {
 
    EXPECT_EQ( ran.exitCode, 1 ) << ran.out << ran.err;
    EXPECT_TRUE( contains( ran.out,
-                          "   audit: 1 difference, 0 known; 5 rules called for, 5 in the chip\n"
+                          "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
                           "      wrong-priority: unit 0, ingress group 157, entry 5, \"Skip shared "
                           "ES pruning for packets with vni 50001 - No-op\", priority\n"
                           "         is priority 9; should be priority 2\n"
@@ -185,8 +185,8 @@ TEST_F( Verify, APassThatComparesNothingIsSkippedAndHasNotHeld ) {
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
    EXPECT_TRUE( contains( ran.out,
-                          "   the plug-in's own pass: skipped; a TCAM group counts as full, and "
-                          "nothing is compared while one does\n" ) )
+                          "   the plug-in's own pass: skipped; a TCAM group counts as full, so the "
+                          "pass compares nothing\n" ) )
       << ran.out;
 
    Support::Ran const json = Support::vornal( { "verify", "--json", scenario() } );
@@ -201,10 +201,10 @@ TEST_F( Verify, ASwitchWithAVtepWithoutItsRuleIsNotInStepWithoutAWord ) {
 
    EXPECT_EQ( ran.exitCode, 0 );
    EXPECT_TRUE( contains( ran.out,
-                          "audit: in step, 1 known; 4 rules called for, 3 in the chip; 1 "
+                          "audit: in sync, 1 known; 4 expected rules, 3 in the chip; 1 "
                           "VTEP unprotected: 10.0.0.4\n" ) )
       << ran.out;
-   EXPECT_TRUE( ran.out.ends_with( "IN STEP, but with 1 VTEP unprotected: 10.0.0.4\n" ) )
+   EXPECT_TRUE( ran.out.ends_with( "IN SYNC, but with 1 VTEP unprotected: 10.0.0.4\n" ) )
       << ran.out;
 
    Json const json = Json::parse( Support::vornal( { "verify", "--json", scenario() } ).out );
@@ -256,7 +256,7 @@ TEST_F( Verify, TheStepShowsInTheStoryAndInTheDocument ) {
    EXPECT_EQ( told.exitCode, 0 );
    EXPECT_TRUE( contains( told.out,
                           "step 3: verify by the audit and the plug-in's own pass\n"
-                          "   audit: 1 difference, 0 known; 5 rules called for, 5 in the chip\n"
+                          "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
                           "      wrong-priority: " ) )
       << told.out;
    EXPECT_TRUE( contains( told.out, "   the plug-in's own pass held\n" ) ) << told.out;
