@@ -1,4 +1,4 @@
-// The local-bias state machine: keeps the chips' rules in step with the state database.
+// The local-bias state machine: keeps the chips' rules in sync with the state database.
 //
 // A remote VTEP that is attached to one of this switch's Ethernet segments delivers broadcast,
 // unknown unicast and multicast frames to that segment itself (local bias, RFC 8365,

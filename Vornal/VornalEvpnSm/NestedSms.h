@@ -1,7 +1,7 @@
-// The state machine's nested reactors: one for each VTEP that shares a segment, for each tunnel
-// interface and for each port channel, and the one on the clock.
+// The state machine's nested reactors: one for each VTEP that shares a segment, one for each tunnel
+// interface, one for each port channel, and one for the clock.
 //
-// Each watches a single entity and knows its machine by a back reference. The handlers stand in the
+// Each watches a single entity and has a back reference to its machine. The handlers stand in the
 // files of their subjects (SegmentTracking, PerVniMulticast, PortResolution).
 #pragma once
 

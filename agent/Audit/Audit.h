@@ -22,7 +22,6 @@
 #pragma once
 
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -42,8 +41,9 @@ struct Report {
    U32 entries = 0;  // in the chip
    // Sorted by unit, group and entry; differences without a unit come first.
    std::vector< Story::Difference > differences;
-   // VTEPs that lack a rule, for a known cause or not: some of their frames arrive twice.
-   std::set< Pelk::IpGenAddr > unprotected;
+   // VTEPs that lack a rule, for a known cause or not: some of their frames arrive twice. Each with
+   // the reason in words.
+   std::map< Pelk::IpGenAddr, std::string > unprotected;
 
    // The number of differences that are not known.
    U32 faults() const;

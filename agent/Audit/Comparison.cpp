@@ -18,13 +18,15 @@ void fillInRecordedClassIds( Records const & records, WantedRules & wanted ) {
    }
 }
 
-std::set< Pelk::IpGenAddr > vtepsWithoutARule( WantedRules const & wanted,
-                                               Matched const & matched ) {
-   std::set< Pelk::IpGenAddr > vteps;
-   for ( auto const & [ what, rule ] : wanted ) {
+// With the reason that holds for the first missing rule.
+std::map< Pelk::IpGenAddr, std::string > vtepsWithoutARule( Sides const & sides ) {
+   std::map< Pelk::IpGenAddr, std::string > vteps;
+   for ( auto const & [ what, rule ] : sides.wanted ) {
       bool const isOfVtep = what.purpose == Purpose::vtep || what.purpose == Purpose::egressDrop;
-      if ( isOfVtep && !matched.rules.contains( what ) ) {
-         vteps.insert( what.vtep );
+      if ( isOfVtep && !sides.matched.rules.contains( what ) ) {
+         Absence const absence = whyAbsent( sides, what );
+         vteps.try_emplace( what.vtep, absence.reason.empty() ? std::string( nameOf( absence.kind ) )
+                                                              : absence.reason );
       }
    }
    return vteps;
@@ -49,7 +51,7 @@ Report compare( State const & state, Records const & records, Chip::Units const 
    Report report;
    report.rules = static_cast< U32 >( wanted.size() );
    report.entries = static_cast< U32 >( matched.rules.size() + matched.others.size() );
-   report.unprotected = vtepsWithoutARule( wanted, matched );
+   report.unprotected = vtepsWithoutARule( sides );
    compareRules( sides, report.differences );
    compareRecords( sides, report.differences );
    std::stable_sort( report.differences.begin(), report.differences.end(),

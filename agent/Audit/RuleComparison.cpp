@@ -10,9 +10,9 @@ namespace {
 using Chip::EntryContent;
 
 // Compares a rule in the chip with the expected one.
-class RuleCheck {
+class EntryComparison {
  public:
-   RuleCheck( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
+   EntryComparison( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
               Differences & found )
          : what_( what ), rule_( rule ), entry_( entry ), found_( found ) {}
 
@@ -172,7 +172,7 @@ void compareRules( Sides const & sides, Differences & found ) {
          addAbsent( sides, what, rule, found );
          continue;
       }
-      RuleCheck( what, rule, **entry, found ).check();
+      EntryComparison( what, rule, **entry, found ).check();
       if ( rule.isWithoutClassId && what.purpose == Purpose::vtep ) {
          addWithdrawnClassId( what, rule, **entry, found );
       }

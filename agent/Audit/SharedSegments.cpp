@@ -18,7 +18,7 @@ struct PortOf {
 };
 
 // The physical interfaces of a segment interface that have a port on the unit.
-std::vector< PortOf > portsOf( State const & state, U16 unit, IntfId const & intf ) {
+std::vector< PortOf > validPortsOf( State const & state, U16 unit, IntfId const & intf ) {
    std::set< IntfId > physical{ intf };
    if ( isPortChannel( intf ) ) {
       auto const lag = state.lags.find( intf );
@@ -47,7 +47,7 @@ std::vector< IntfId > segmentsOf( State const & state, IpGenAddr const & vtep ) 
 // "segment Port-Channel2 through Ethernet3 and Ethernet4"
 std::string segmentText( State const & state, U16 unit, IntfId const & segment ) {
    std::vector< std::string > names;
-   for ( PortOf const & port : portsOf( state, unit, segment ) ) {
+   for ( PortOf const & port : validPortsOf( state, unit, segment ) ) {
       names.push_back( port.intf.stringValue() );
    }
    return names.empty() ? fmt::format( "segment {}, which has no port on unit {}",
@@ -73,7 +73,7 @@ std::set< IpGenAddr > activeVteps( State const & state ) {
 std::set< VornalPort > sharedPorts( State const & state, U16 unit, IpGenAddr const & vtep ) {
    std::set< VornalPort > ports;
    for ( IntfId const & segment : segmentsOf( state, vtep ) ) {
-      for ( PortOf const & port : portsOf( state, unit, segment ) ) {
+      for ( PortOf const & port : validPortsOf( state, unit, segment ) ) {
          ports.insert( port.port );
       }
    }

@@ -63,7 +63,7 @@ void read( Vxlan::VtiStatusDir const & dir, State & state ) {
 }
 
 void read( VornalCentral::VxlanCapabilities const & capabilities, State & state ) {
-   state.variant = variantWith( capabilities.i2eClassIdSupported() );
+   state.variant = variantWith( capabilities );
 }
 
 void read( VornalCentral::VornalAttributes const & attributes, State & state ) {

@@ -1,22 +1,26 @@
 // The variants of local bias, one row each: everything that differs between them for the agent.
 //
 // The chip's capabilities decide which state machine the plug-in builds. The variant decides the
-// rules of a VTEP; all other rules are common to the variants. A further variant is a row here and
-// a source file with its rules.
+// rules of a VTEP; all other rules are common to the variants. A further variant is a row in
+// Variant.cpp and a source file with its rules.
 #pragma once
 
 #include <span>
 #include <string_view>
 
 #include <Audit/WantedRules.h>
+#include <VornalCentral/Capabilities.h>
 
 namespace Audit {
 
 struct VariantRow {
    Variant variant;
    std::string_view word;  // in scenarios and reports: "egress-mask"
-   // The chip marks frames with class ids, which the central allocator grants. The plug-in reads
-   // this from the chip's capabilities.
+   // The capability by which the plug-in chooses the variant: its value, and the operation that
+   // publishes it. Null for the variant of a chip without any.
+   bool ( VornalCentral::VxlanCapabilities::*capability )() const;
+   void ( VornalCentral::VxlanCapabilities::*capabilityIs )( bool const & );
+   // The plug-in asks the central allocator for a class id for each VTEP.
    bool usesClassIds;
    std::string_view stateMachine;  // the type that the plug-in builds
    // Adds the rules that the VTEP needs on the unit.
@@ -28,8 +32,10 @@ struct VariantRow {
 std::span< VariantRow const > variantRows();
 
 VariantRow const & rowOf( Variant variant );
-// The variant for a chip with or without class ids.
-Variant variantWith( bool classIds );
+// The variant of a chip with these capabilities, by default egress-mask; and the capabilities of
+// a variant's chip.
+Variant variantWith( VornalCentral::VxlanCapabilities const & capabilities );
+void publishCapabilities( Variant variant, VornalCentral::VxlanCapabilities & capabilities );
 // The word for the variant with this type of state machine; without such a variant, the type
 // itself.
 std::string_view wordForStateMachine( std::string_view type );

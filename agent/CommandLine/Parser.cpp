@@ -83,7 +83,7 @@ std::variant< std::unique_ptr< Command >, Done > parse( int argc, char const * c
                                                         std::ostream & out ) {
    CLI::App app(
       "An off-switch agent: loads a forwarding plug-in, plays the other agents of a "
-      "switch, and tells what the plug-in does.",
+      "switch, and shows what the plug-in does.",
       "vornal" );
    describe( app );
    if ( argc > 1 && !isKnown( argv[ 1 ] ) ) {

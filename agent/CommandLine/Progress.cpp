@@ -19,8 +19,7 @@ void Progress::onEvent( Story::Event const & event ) {
                                      ++frames_;
                                      advance( frameBar() );
                                   },
-                                  []( Story::RuleIs const & ) {},
-                                  []( Story::RuleGone const & ) {},
+                                  []( Story::RuleIs const & ) {}, []( Story::RuleGone const & ) {},
                                   [ & ]( auto const & ) { clear(); } },
                event );
 }

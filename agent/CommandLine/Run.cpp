@@ -79,7 +79,7 @@ std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & fi
 void Run::declare( CLI::App & app ) {
    scenario_.declare( app );
    app.add_option( "--trace", traceTexts_,
-                   "Show what a trace handle traces at these levels ('VornalEvpn*/0-5,9'); can be "
+                   "Show the traces of a handle at these levels ('VornalEvpn*/0-5,9'); can be "
                    "given several times" )
       ->type_name( "HANDLE/LEVELS" )
       ->take_all()
@@ -88,7 +88,7 @@ void Run::declare( CLI::App & app ) {
       ->type_name( "FILE" )
       ->check( problemOfName );
    app.add_option( "--pcap-out", captures_,
-                   "Write what leaves each port into this folder, as captures" )
+                   "Write the frames that leave each port into this folder, as captures" )
       ->type_name( "DIR" )
       ->check( problemOfName );
 }

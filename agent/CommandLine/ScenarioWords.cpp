@@ -25,8 +25,8 @@ std::chrono::milliseconds turnLimitOf( std::string const & text ) {
    if ( !isWhole || !( seconds >= 0 && seconds <= kLongestTurnLimit ) ) {
       throw CLI::ValidationError( "--turn-limit",
                                   "'" + text +
-                                     "' is not how long a turn may take; give seconds from 0 to "
-                                     "86400, such as 2.5, or 0 for as long as it likes" );
+                                     "' is no time limit of a turn; give seconds from 0 to 86400, "
+                                     "such as 2.5, or 0 for no limit" );
    }
    return std::chrono::ceil< std::chrono::milliseconds >(
       std::chrono::duration< double >( seconds ) );
@@ -39,15 +39,15 @@ void ScenarioWords::declare( CLI::App & app ) {
    app.add_option( "SCENARIO", file_, "The scenario's file, a pipe, or '-' for standard input" )
       ->required()
       ->check( problemOfName );
-   app.add_option( "--plugin", plugin_,
-                   "The plug-in's shared object; VornalEvpn.so as it comes with the program if "
-                   "none is given" )
+   app.add_option(
+         "--plugin", plugin_,
+         "The plug-in's shared object; by default the VornalEvpn.so that comes with the program" )
       ->type_name( "FILE" )
       ->check( problemOfName );
    app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
    app.add_option( "--turn-limit", turnLimitText_,
-                   "How long a turn of the plug-in may take before it counts as hanging, from 0 to "
-                   "86400, such as 2.5; 0 for as long as it likes" )
+                   "The time limit of a turn of the plug-in in seconds, from 0 to 86400, such as "
+                   "2.5; 0 means no limit" )
       ->type_name( "SECONDS" )
       ->capture_default_str();
 }

@@ -188,16 +188,14 @@ Story::ExitCode Show::perform( std::ostream & out ) {
    what.config.show = subject();
    what.config.lastStep = after_;
    runScenario( what, { &writer, &shown }, outcome );
-   if ( outcome.stopped() ) {
+   auto const code = outcome.exitCode();
+   if ( code == Story::ExitCode::Stopped ) {
       std::cerr << story.str();
-      return Story::ExitCode::Stopped;
    }
-   if ( !outcome.badInput().empty() ) {
-      return Story::ExitCode::BadInput;
-   }
-   if ( outcome.interrupted() ) {
+   // The expectations of the scenario do not count.
+   if ( code != Story::ExitCode::Held && code != Story::ExitCode::ExpectationFailed ) {
       tellInterruption( outcome );
-      return outcome.exitCode();
+      return code;
    }
    if ( question_ ) {
       print( shown.table(), out );

@@ -14,7 +14,7 @@ constexpr std::string_view kOfARun =
    "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
    "the process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAnAudit =
-   "Exit codes: 0 in step, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
+   "Exit codes: 0 in sync, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
    "process, in its own pass or before, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
@@ -26,7 +26,7 @@ template< typename Kind > std::unique_ptr< Command > create() {
 
 std::vector< Row > const & table() {
    static std::vector< Row > const rows{
-      { "run", "Run a scenario and tell what happens",
+      { "run", "Run a scenario and show what happens",
         "vornal run scenarios/start-up/scenario.yaml\n"
         "vornal run --json --trace 'VornalEvpn*/0-5' scenario.yaml",
         create< Run >, kOfARun },
@@ -34,7 +34,7 @@ std::vector< Row > const & table() {
         "vornal show scenarios/start-up/scenario.yaml entities\n"
         "vornal show scenarios/start-up/scenario.yaml entities /evpn/status",
         create< Show >, kOfARun },
-      { "verify", "Run a scenario, and hold the rules against the state that they serve",
+      { "verify", "Run a scenario and compare the rules with the published state",
         "vornal verify scenarios/start-up/scenario.yaml\n"
         "vornal verify --after-each-step scenario.yaml",
         create< Verify >, kOfAnAudit },

@@ -117,11 +117,27 @@ std::string endName( Story::ExitCode code, Story::Outcome const & outcome ) {
       return "interrupted";
    }
    switch ( code ) {
-   case Story::ExitCode::Held: return "in-step";
+   case Story::ExitCode::Held: return "in-sync";
    case Story::ExitCode::Stopped: return "stopped";
    case Story::ExitCode::BadInput: return "failed";
    default: return "differences";
    }
+}
+
+// The run got as far as to a verdict on the rules.
+bool hasVerdict( Story::ExitCode code ) {
+   return code == Story::ExitCode::Held || code == Story::ExitCode::ExpectationFailed ||
+          code == Story::ExitCode::Stopped;
+}
+
+// The expectations of the scenario do not count.
+Story::ExitCode exitCodeOf( Story::Outcome const & outcome,
+                            std::vector< AuditAfter > const & audits ) {
+   auto const code = outcome.exitCode();
+   if ( code != Story::ExitCode::Held && code != Story::ExitCode::ExpectationFailed ) {
+      return code;
+   }
+   return faultsIn( audits ) == 0 ? Story::ExitCode::Held : Story::ExitCode::ExpectationFailed;
 }
 
 // --- For people
@@ -229,33 +245,17 @@ Story::ExitCode Verify::perform( std::ostream & out ) {
    Verified verified;
    Story::Outcome outcome;
    runScenario( what, { &writer, &verified }, outcome );
-   if ( outcome.interrupted() ) {
-      if ( scenario_.isJson() ) {
-         printJson( scenario_.file().string(), verified, verified.asked( isAfterEachStep_ ),
-                    outcome, outcome.exitCode(), out );
-      }
-      tellInterruption( outcome );
-      return outcome.exitCode();
-   }
-   if ( !outcome.badInput().empty() ) {
-      if ( scenario_.isJson() ) {
-         printJson( scenario_.file().string(), verified, {}, outcome, Story::ExitCode::BadInput,
-                    out );
-      }
-      return Story::ExitCode::BadInput;
-   }
    auto const audits = verified.asked( isAfterEachStep_ );
-   auto const code = outcome.stopped()         ? Story::ExitCode::Stopped
-                     : faultsIn( audits ) != 0 ? Story::ExitCode::ExpectationFailed
-                                               : Story::ExitCode::Held;
-   if ( outcome.stopped() && !verified.isPassStopped() ) {
+   auto const code = exitCodeOf( outcome, audits );
+   if ( code == Story::ExitCode::Stopped && !verified.isPassStopped() ) {
       std::cerr << story.str();
    }
    if ( scenario_.isJson() ) {
       printJson( scenario_.file().string(), verified, audits, outcome, code, out );
-   } else {
+   } else if ( hasVerdict( code ) ) {
       print( verified, audits, outcome, code, out );
    }
+   tellInterruption( outcome );
    return code;
 }
 

@@ -7,7 +7,7 @@
 #include <fmt/ranges.h>
 
 #include <Brum/PerUnitBitmap.h>
-#include <Expectations/RuleComparison.h>
+#include <Expectations/CheckRules.h>
 #include <FieldProcessor/Fields.h>
 #include <Scenario/Shape.h>
 #include <Story/Wording.h>

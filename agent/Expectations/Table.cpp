@@ -1,6 +1,6 @@
 #include <Expectations/Table.h>
 
-#include <Expectations/Audit.h>
+#include <Expectations/AuditExpected.h>
 #include <Expectations/Frames.h>
 #include <Expectations/LogLineExpected.h>
 #include <Expectations/PluginReady.h>

@@ -34,9 +34,9 @@ PublishedState::PublishedState( Scenario::Switch const & device, Kiv::ActivityMa
    lagConfig_ = publishNew< Lag::Config >( database, "lag/config" );
    database.entityNew( "bridging/hwcapabilities", "Bridging::HwCapabilities" );
 
-   publishNew< VornalCentral::VxlanCapabilities >(
-      database, "hardware/vornal/centralStatus/vxlanCapabilities" )
-      ->i2eClassIdSupportedIs( Audit::rowOf( device.variant ).usesClassIds );
+   Audit::publishCapabilities( device.variant,
+                               *publishNew< VornalCentral::VxlanCapabilities >(
+                                  database, "hardware/vornal/centralStatus/vxlanCapabilities" ) );
    std::string const classIds = "hardware/vornal/i2eclassid/";
    classIdConfig_ =
       publishNew< VornalCentral::I2EClassIdIndexConfig >( database, classIds + "config/slice/" +

@@ -64,16 +64,8 @@ std::string protectionOf( State const & state, Audit::Report const & report,
    if ( !state.isPluginReady ) {
       return "none: the plug-in is not ready";
    }
-   if ( !report.unprotected.contains( vtep ) ) {
-      return "protected";
-   }
-   for ( Story::Difference const & difference : report.differences ) {
-      if ( difference.because.find( "VTEP " + vtep.stringValue() ) != std::string::npos ) {
-         return fmt::format( "none: {}{}", nameOf( difference.kind ),
-                             difference.is.empty() ? "" : "; " + difference.is );
-      }
-   }
-   return "none";
+   auto const unprotected = report.unprotected.find( vtep );
+   return unprotected == report.unprotected.end() ? "protected" : "none: " + unprotected->second;
 }
 
 // How many rules each VTEP has.

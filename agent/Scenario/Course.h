@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 
+#include <Audit/Variant.h>
 #include <Scenario/Reading.h>
 #include <Scenario/Scenario.h>
 #include <StateDatabase/EntityPath.h>
@@ -19,7 +20,7 @@ namespace Scenario {
 class Course {
  public:
    Course( Reading & reading, Variant variant )
-         : reading_( reading ), hasClassIds_( variant == Variant::classId ) {}
+         : reading_( reading ), hasClassIds_( Audit::rowOf( variant ).usesClassIds ) {}
 
    void publish( std::vector< Change > const & changes );
    void withdraw( std::vector< Change > const & changes );

@@ -11,28 +11,26 @@ Json choiceOf( WordList const & list ) {
    for ( WordName const & word : list.words ) {
       texts.push_back( word.name );
    }
-   return { { "enum", texts } };
+   return { { "description", list.place.description }, { "enum", texts } };
 }
 
 Json mappingOf( WordList const & list ) {
-   Json mapping = Json::parse( list.place.more );
-   mapping[ "type" ] = "object";
-   mapping[ "additionalProperties" ] = false;
+   Json mapping{ { "type", "object" }, { "description", list.place.description } };
    for ( WordName const & word : list.words ) {
       mapping[ "properties" ][ std::string( word.name ) ] = Json::parse( word.shape );
       if ( word.isRequired() ) {
          mapping[ "required" ].push_back( word.name );
       }
    }
+   mapping.update( Json::parse( list.place.more ) );
+   mapping[ "additionalProperties" ] = false;
    return mapping;
 }
 
 }  // namespace
 
 Json definitionOf( WordList const & list ) {
-   Json definition = list.isChoice ? choiceOf( list ) : mappingOf( list );
-   definition[ "description" ] = list.place.description;
-   return definition;
+   return list.isChoice ? choiceOf( list ) : mappingOf( list );
 }
 
 }  // namespace Scenario

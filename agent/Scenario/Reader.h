@@ -9,7 +9,8 @@
 // does not stop at the first problem. It goes on with the well-formed rest, and throws ReadError
 // with all problems in file order. It never returns a part of a model.
 //
-// The caller gives the function that reads the steps; Steps/Reader.h has it.
+// The caller gives the function that reads the steps. A program calls Steps::readScenario()
+// (Steps/Reader.h), which gives it.
 //
 // Cost: linear in the text. Threads: any; a call shares nothing with others.
 #pragma once

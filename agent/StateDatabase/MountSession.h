@@ -1,8 +1,8 @@
 // A mounter's view of the state database: the agent's side of Corrum/Mount.h.
 //
 // - A mount group is performed in an activity turn of its own, after the turn that closed it. A
-//   group that was closed with an empty name then tells the mounter; one closed with a name tells
-//   nobody.
+//   group that was closed with an empty name then tells the mounter; one that was closed with a
+//   name tells nobody.
 // - A path without an entity counts as mounted: it is empty, and stays empty. A mount fails for an
 //   entity of another type at the path, and for flags that begin with neither 'r' nor 'w'. The
 //   group's status is complete when no mount failed, failed when all failed, partial otherwise.

@@ -75,7 +75,7 @@ void Call::follow( Scenario::Course & course ) const {
    course.mayChange( entity );
 }
 
-void Call::change( Context const & context ) const {
+void Call::change( Context const & context, int /*line*/ ) const {
    auto const called = context.evidence.finder.entity( entity );
    Kiv::Type const & type = called->typeData();
    auto const * const found = type.findOperation( operation, arguments.size() );

@@ -15,7 +15,7 @@ class Call final : public TurnPart {
    void read( Reading & reading, Value const & value );
    std::string description() const override;
    void follow( Scenario::Course & course ) const override;
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    StateDatabase::EntityPath entity;
    std::string operation;

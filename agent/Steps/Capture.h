@@ -9,7 +9,7 @@
 
 namespace Steps {
 
-// Injects the frames of a capture, one after the other.
+// The step `frames`: injects the frames of a capture, one after the other.
 class Capture final : public Step {
  public:
    static std::vector< WordList > vocabulary();

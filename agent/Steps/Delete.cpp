@@ -44,19 +44,13 @@ void Delete::follow( Scenario::Course & course ) const {
    course.mayChange( at.entity );
 }
 
-void Delete::queue( Context const & context, int line ) const {
-   context.turnNew( line, [ this, &context, line ] {
-      change( context );
-      tellEmptyKey( context, at, line );
-   } );
-}
-
-void Delete::change( Context const & context ) const {
+void Delete::change( Context const & context, int line ) const {
    auto const entity = context.evidence.finder.entity( at.entity );
    auto const & attribute = StateDatabase::attributeOf( *entity, at.attribute );
    checkKey( *entity, attribute, at.key );
    checkDeletable( *entity, attribute, at.key );
    attribute.del( *entity, at.key );
+   tellEmptyKey( context, at, line );
 }
 
 }  // namespace Steps

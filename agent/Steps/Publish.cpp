@@ -23,7 +23,7 @@ void Publish::queue( Context const & context, int ) const {
    queuePublished( context, changes );
 }
 
-void Publish::change( Context const & context ) const {
+void Publish::change( Context const & context, int /*line*/ ) const {
    for ( Scenario::Change const & one : changes ) {
       context.at( one.line, [ & ] { context.published.publish( one.what ); } );
    }

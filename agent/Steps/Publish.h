@@ -15,7 +15,7 @@ class Publish final : public TurnPart {
    std::string description() const override;
    void follow( Scenario::Course & course ) const override;
    void queue( Context const & context, int line ) const override;
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    std::vector< Scenario::Change > changes;
 };

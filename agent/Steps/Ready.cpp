@@ -52,7 +52,7 @@ void Ready::read( Reading & reading, Value const & value ) {
    }
 }
 
-void Ready::change( Context const & context ) const {
+void Ready::change( Context const & context, int /*line*/ ) const {
    auto const & points = context.published.common()->sliceDependencyPoints();
    points->subAgentDependencyPoints()->readyIs( point );
 }

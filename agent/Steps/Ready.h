@@ -12,7 +12,7 @@ class Ready final : public TurnPart {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override { return "ready subagents::" + point; }
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    std::string point;  // its name without the group, "l2Ready"
 };

@@ -87,7 +87,7 @@ void Replace::queue( Context const & context, int ) const {
    }
 }
 
-void Replace::change( Context const & context ) const {
+void Replace::change( Context const & context, int /*line*/ ) const {
    for ( Replacement const & one : replacements ) {
       context.at( one.line, [ & ] { context.published.replace( one.what ); } );
    }

@@ -16,7 +16,7 @@ class Replace final : public TurnPart {
    void follow( Scenario::Course & course ) const override;
    // One turn for each entity.
    void queue( Context const & context, int line ) const override;
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    std::vector< Scenario::Replacement > replacements;
 };

@@ -2,10 +2,15 @@
 // tables, and the forms of values.
 #pragma once
 
+#include <string>
+
 #include <nlohmann/json.hpp>
 
 namespace Steps {
 
 nlohmann::ordered_json schema();
+
+// The same as text. An object or a list that fits into a line of 100 columns stands in one.
+std::string schemaText();
 
 }  // namespace Steps

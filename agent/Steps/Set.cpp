@@ -52,14 +52,7 @@ void Set::follow( Scenario::Course & course ) const {
    course.mayChange( at.entity );
 }
 
-void Set::queue( Context const & context, int line ) const {
-   context.turnNew( line, [ this, &context, line ] {
-      change( context );
-      tellEmptyKey( context, at, line );
-   } );
-}
-
-void Set::change( Context const & context ) const {
+void Set::change( Context const & context, int line ) const {
    auto const & finder = context.evidence.finder;
    auto const entity = finder.entity( at.entity );
    auto const & attribute = StateDatabase::attributeOf( *entity, at.attribute );
@@ -74,6 +67,7 @@ void Set::change( Context const & context ) const {
    } else {
       write( attribute, *entity, *this );
    }
+   tellEmptyKey( context, at, line );
 }
 
 }  // namespace Steps

@@ -15,8 +15,7 @@ class Set final : public TurnPart {
    void read( Reading & reading, Value const & words );
    std::string description() const override;
    void follow( Scenario::Course & course ) const override;
-   void queue( Context const & context, int line ) const override;
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    Scenario::AttributeAt at;
    std::string value;  // empty when only a key is inserted

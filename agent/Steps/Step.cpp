@@ -14,7 +14,7 @@ std::string Step::shape() {
 }
 
 void TurnPart::queue( Context const & context, int line ) const {
-   context.turnNew( line, [ this, &context ] { change( context ); } );
+   context.turnNew( line, [ this, &context, line ] { change( context, line ); } );
 }
 
 }  // namespace Steps

@@ -79,7 +79,7 @@ void Turn::follow( Scenario::Course & course ) const {
 void Turn::queue( Context const & context, int line ) const {
    context.turnNew( line, [ this, &context ] {
       for ( PlacedPart const & one : parts ) {
-         context.at( one.line, [ & ] { one.part->change( context ); } );
+         context.at( one.line, [ & ] { one.part->change( context, one.line ); } );
       }
    } );
 }

@@ -42,7 +42,7 @@ std::string whySkipped( Kiv::Entity const & machine ) {
 void tellAudit( Audit::Auditor const & auditor, Story::Observer & observer ) {
    Audit::Report const report = auditor.report();
    Story::Audited audited{ report.rules, report.entries, report.differences };
-   for ( Pelk::IpGenAddr const & vtep : report.unprotected ) {
+   for ( auto const & [ vtep, reason ] : report.unprotected ) {
       audited.unprotected.push_back( vtep.stringValue() );
    }
    observer.onEvent( audited );

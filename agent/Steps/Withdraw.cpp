@@ -25,7 +25,7 @@ void Withdraw::queue( Context const & context, int ) const {
    }
 }
 
-void Withdraw::change( Context const & context ) const {
+void Withdraw::change( Context const & context, int /*line*/ ) const {
    for ( Scenario::Change const & one : changes ) {
       context.at( one.line, [ & ] { context.published.withdraw( one.what ); } );
    }

@@ -16,7 +16,7 @@ class Withdraw final : public TurnPart {
    void follow( Scenario::Course & course ) const override;
    // One turn for each change.
    void queue( Context const & context, int line ) const override;
-   void change( Context const & context ) const override;
+   void change( Context const & context, int line ) const override;
 
    std::vector< Scenario::Change > changes;
 };

@@ -164,7 +164,7 @@ Json jsonOf( FrameForwarded const & event ) {
 }
 
 Json jsonOf( Audited const & audited ) {
-   Json json{ { "inStep", true },
+   Json json{ { "inSync", true },
               { "rules", audited.rules },
               { "entries", audited.entries },
               { "differences", Json::array() },
@@ -173,7 +173,7 @@ Json jsonOf( Audited const & audited ) {
       bool const isKnown = Story::isKnown( difference.kind );
       json[ isKnown ? "known" : "differences" ].push_back( jsonOf( difference ) );
    }
-   json[ "inStep" ] = json[ "differences" ].empty();
+   json[ "inSync" ] = json[ "differences" ].empty();
    json[ "unprotected" ] = audited.unprotected;
    return json;
 }

@@ -1,7 +1,7 @@
 // The base of objects that derive published entities from others.
 //
-// A derivation derives while its notifications are active and it is in service. When it begins to,
-// it brings what it derives into step; when it ends, it leaves that as it is.
+// A derivation derives while its notifications are active and it is in service. When it begins, it
+// brings the derived entities in sync. When it ends, it leaves them as they are.
 //
 // A derivation's destructor switches its notifications off. Threads: the activity's.
 #pragma once

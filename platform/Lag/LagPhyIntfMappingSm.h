@@ -7,7 +7,7 @@
 // - its last member leaves, and the port channel goes after that;
 // - an interface that moves between port channels leaves the old one before it joins the new one.
 //
-// While its notifications are active the mapping is in step; switching them on brings it into step
+// While its notifications are active the mapping is in sync; switching them on brings it into sync
 // first. Switching them off, and destroying this object, leaves the mapping as it is: an agent that
 // restarts must not see every port channel fall apart. Out of service it derives as little as when
 // it is switched off. Without a configuration or a mapping nothing is derived.

@@ -10,8 +10,8 @@
 //   out of the directory after that;
 // - an entity in the directory is never replaced by another.
 //
-// While its notifications are active the directory is in step; switching them on brings it into
-// step first. Switching them off, and destroying this object, leaves the directory as it is. Out of
+// While its notifications are active the directory is in sync. Switching them on first brings it in
+// sync. Switching them off, and destroying this object, leaves the directory as it is. Out of
 // service it derives as little as when it is switched off. Without a status or a directory nothing
 // is derived.
 //

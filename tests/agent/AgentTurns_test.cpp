@@ -82,7 +82,7 @@ TEST_F( Turns, TakeEveryWordThatChangesWhatIsPublished ) {
       "        - rules: { group: ingress, name: 10.0.0.4, count: 0 }\n"
       "        - state: { entity: /shared/vornalCommon, attribute: vornalIntfToPort,\n"
       "                   lacks: Ethernet3 }\n"
-      "        - audit: in-step\n" );
+      "        - audit: in-sync\n" );
 
    EXPECT_EQ( failedExpectations(), 0U );
 }
@@ -105,9 +105,9 @@ TEST_F( Turns, ReplaceASegmentWithAllThatItHoldsInOneChange ) {
          "   - expect:\n"
          "        - rules: { group: ingress, name: 10.0.0.2, count: 0 }\n"
          "        - rules: { group: ingress, name: 10.0.0.3, actions: { EgressMask: [ 3, 4 ] } }\n"
-         "        - audit: in-step\n"
+         "        - audit: in-sync\n"
          "   - publish: { segments: { Port-Channel2: [ 10.0.0.2 ] } }\n"
-         "   - expect: { audit: in-step }\n" );
+         "   - expect: { audit: in-sync }\n" );
 
    EXPECT_EQ( failedExpectations(), 0U );
    EXPECT_EQ( changesIn( 2 ), ( Texts{ "/evpn/status segmentStatus[Port-Channel2]: "

@@ -79,7 +79,7 @@ TEST( ScenarioTurns, RefuseWhatChangesNothing ) {
    EXPECT_EQ( stepProblems( "turn: [ { frames: { capture: a, on: Ethernet1 } } ]" ),
               "leaf.yaml:10: unknown word 'frames' in turn; known are ready, publish, withdraw, "
               "replace, set, delete and call" );
-   EXPECT_EQ( stepProblems( "turn: [ { expect: { audit: in-step } } ]" ),
+   EXPECT_EQ( stepProblems( "turn: [ { expect: { audit: in-sync } } ]" ),
               "leaf.yaml:10: unknown word 'expect' in turn; known are ready, publish, withdraw, "
               "replace, set, delete and call" );
 }

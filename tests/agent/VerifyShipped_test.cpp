@@ -37,7 +37,7 @@ std::map< std::string, std::string > const kLimits{
 
 // What both said of one state.
 struct Verdicts {
-   std::string audit;          // the faults found; empty: in step
+   std::string audit;          // the faults found; empty: in sync
    bool isNotRetried = false;  // and all of them are rules that found no room
    std::string pass;           // the assertion that it stopped at; empty: it held
 

@@ -42,7 +42,7 @@ std::string const tipped =
 // The plug-in's own pass does not look at per-VNI rules.
 std::string const unseen = "   - drift: { group: ingress, unit: 0, entry: 5, priority: 9 }\n";
 
-TEST_F( Verify, ExitsWith0InStep ) {
+TEST_F( Verify, ExitsWith0InSync ) {
    auto const ran = command( Leaf(), "" );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
@@ -118,7 +118,7 @@ TEST_F( Verify, HasADocument ) {
    EXPECT_EQ( json[ "step" ], 3 );
    Json const audit = json[ "audits" ].at( 0 );
    EXPECT_EQ( audit[ "step" ], 3 );
-   EXPECT_EQ( audit[ "inStep" ], false );
+   EXPECT_EQ( audit[ "inSync" ], false );
    EXPECT_EQ( audit[ "rules" ], 5 );
    EXPECT_EQ( audit[ "known" ], Json::array() );
    Json const difference = audit[ "differences" ].at( 0 );
@@ -134,7 +134,7 @@ TEST_F( Verify, HasADocument ) {
 TEST_F( Verify, TellsTheDocumentOfAHealthySwitch ) {
    Json const json = document( classIdLeaf(), "" );
 
-   EXPECT_EQ( json[ "end" ], "in-step" );
+   EXPECT_EQ( json[ "end" ], "in-sync" );
    EXPECT_EQ( json[ "pluginPass" ], "held" );
    EXPECT_EQ( json[ "assertion" ], nullptr );
    EXPECT_EQ( json[ "step" ], nullptr );
@@ -156,8 +156,8 @@ TEST_F( Verify, AuditsAfterEachStepWhenAskedTo ) {
    Json const json = document( Leaf(), healed, { "--after-each-step" } );
    EXPECT_EQ( json[ "end" ], "differences" );
    EXPECT_EQ( json[ "audits" ].size(), 4U );
-   EXPECT_EQ( json[ "audits" ][ 1 ][ "inStep" ], false );
-   EXPECT_EQ( json[ "audits" ][ 2 ][ "inStep" ], true );
+   EXPECT_EQ( json[ "audits" ][ 1 ][ "inSync" ], false );
+   EXPECT_EQ( json[ "audits" ][ 2 ][ "inSync" ], true );
 }
 
 TEST_F( Verify, DoesNotCountTheAuditsThatTheScenarioAsksForItself ) {
@@ -208,7 +208,7 @@ TEST_F( Verify, ASwitchWithAVtepWithoutItsRuleIsNotInStepWithoutAWord ) {
       << ran.out;
 
    Json const json = Json::parse( Support::vornal( { "verify", "--json", scenario() } ).out );
-   EXPECT_EQ( json[ "end" ], "in-step" );
+   EXPECT_EQ( json[ "end" ], "in-sync" );
    EXPECT_EQ( json[ "audits" ][ 0 ][ "unprotected" ], Json::array( { "10.0.0.4" } ) );
 }
 
@@ -273,13 +273,13 @@ TEST_F( Verify, TheStepTellsTheAuditBeforeThePassStopsTheProcess ) {
 
    EXPECT_EQ( ran.exitCode, 3 );
    Json const step = Json::parse( ran.out )[ "steps" ][ 3 ];
-   EXPECT_EQ( step[ "audits" ][ 0 ][ "inStep" ], false );
+   EXPECT_EQ( step[ "audits" ][ 0 ][ "inSync" ], false );
    EXPECT_EQ( step[ "pluginPass" ], "stopped" );
 }
 
 TEST_F( Verify, AuditsCanBeExpected ) {
    auto const ran = command( Leaf(),
-                             "   - expect: { audit: in-step }\n" + unseen +
+                             "   - expect: { audit: in-sync }\n" + unseen +
                                 "   - expect:\n"
                                 "        - audit: differences\n"
                                 "        - audit: { kind: wrong-priority, count: 1 }\n"

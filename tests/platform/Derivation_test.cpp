@@ -1,4 +1,4 @@
-// What every derivation does, whatever it derives: it keeps its directory in step while it is both
+// What every derivation does, whatever it derives: it keeps its directory in sync while it is both
 // switched on and in service, and leaves it as it is otherwise.
 #include <gtest/gtest.h>
 
@@ -203,11 +203,11 @@ template< typename World > void runsThroughAnySteps() {
    }
 }
 
-RC_GTEST_PROP( DerivationModel, PortChannelsAreInStepWhileOnAndInService, () ) {
+RC_GTEST_PROP( DerivationModel, PortChannelsAreInSyncWhileOnAndInService, () ) {
    runsThroughAnySteps< PortChannels >();
 }
 
-RC_GTEST_PROP( DerivationModel, SharedSegmentsAreInStepWhileOnAndInService, () ) {
+RC_GTEST_PROP( DerivationModel, SharedSegmentsAreInSyncWhileOnAndInService, () ) {
    runsThroughAnySteps< SharedSegments >();
 }
 

@@ -1,4 +1,4 @@
-// A directory that a derivation keeps in step with published entities, and every change of it.
+// A directory that a derivation keeps in sync with published entities, and every change of it.
 //
 // Both derivations have such a world: their port channels, their shared segments. Beside the words
 // of its own subject a world says what the tests of all derivations need (Derivation_test.cpp).

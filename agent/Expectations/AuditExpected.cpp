@@ -1,4 +1,4 @@
-#include <Expectations/Audit.h>
+#include <Expectations/AuditExpected.h>
 
 #include <algorithm>
 #include <map>
@@ -23,7 +23,7 @@ constexpr U32 kHighestCount = ~U32{ 0 };
 Choices< bool > const & verdicts() {
    static Choices< bool > const choices{
       { "audit", "Whether the rules are in sync with the published state." },
-      { { "in-step", true }, { "differences", false } }
+      { { "in-sync", true }, { "differences", false } }
    };
    return choices;
 }

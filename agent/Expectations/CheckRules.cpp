@@ -1,4 +1,4 @@
-#include <Expectations/RuleComparison.h>
+#include <Expectations/CheckRules.h>
 
 #include <algorithm>
 

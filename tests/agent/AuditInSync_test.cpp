@@ -3,9 +3,9 @@
 
 namespace {
 
-class AuditInStep : public AuditRun {
+class AuditInSync : public AuditRun {
  protected:
-   void expectInStep( Leaf const & leaf, std::string const & steps, U32 rules ) {
+   void expectInSync( Leaf const & leaf, std::string const & steps, U32 rules ) {
       auto const audited = auditAfter( leaf, steps );
       EXPECT_EQ( kinds( audited ), "" ) << words( audited );
       EXPECT_EQ( audited.rules, rules );
@@ -13,30 +13,30 @@ class AuditInStep : public AuditRun {
    }
 };
 
-TEST_F( AuditInStep, TwoVtepsAPortChannelASinglePortAndAVni ) {
-   expectInStep( Leaf(), "", 5 );
+TEST_F( AuditInSync, TwoVtepsAPortChannelASinglePortAndAVni ) {
+   expectInSync( Leaf(), "", 5 );
 }
 
-TEST_F( AuditInStep, TheSameWithClassIds ) {
-   expectInStep( classIdLeaf(), "", 10 );
+TEST_F( AuditInSync, TheSameWithClassIds ) {
+   expectInSync( classIdLeaf(), "", 10 );
 }
 
-TEST_F( AuditInStep, TwoUnits ) {
-   expectInStep( twoUnitLeaf( "egress-mask" ), "", 8 );
+TEST_F( AuditInSync, TwoUnits ) {
+   expectInSync( twoUnitLeaf( "egress-mask" ), "", 8 );
 }
 
-TEST_F( AuditInStep, TwoUnitsWithClassIds ) {
-   expectInStep( twoUnitLeaf( "class-id" ), "", 13 );
+TEST_F( AuditInSync, TwoUnitsWithClassIds ) {
+   expectInSync( twoUnitLeaf( "class-id" ), "", 13 );
 }
 
-TEST_F( AuditInStep, AddressesOfBothFamilies ) {
+TEST_F( AuditInSync, AddressesOfBothFamilies ) {
    Leaf leaf = classIdLeaf();
    leaf.segments = "{ Ethernet2: [ 2001:db8::2, 10.0.0.2 ] }";
    leaf.vteps = "{ 10.0.0.2: { virtual-port: 2 }, 2001:db8::2: { virtual-port: 7 } }";
-   expectInStep( leaf, "", 7 );
+   expectInSync( leaf, "", 7 );
 }
 
-TEST_F( AuditInStep, NothingBeforeThePlugInIsReady ) {
+TEST_F( AuditInSync, NothingBeforeThePlugInIsReady ) {
    play( Leaf(), "   - verify: audit\n" );
 
    auto const audited = story.all< Story::Audited >().at( 0 );
@@ -44,59 +44,59 @@ TEST_F( AuditInStep, NothingBeforeThePlugInIsReady ) {
    EXPECT_EQ( audited.rules, 0U );
 }
 
-TEST_F( AuditInStep, ASegmentWithoutVtepsNeedsTheVniRuleAlone ) {
+TEST_F( AuditInSync, ASegmentWithoutVtepsNeedsTheVniRuleAlone ) {
    Leaf leaf;
    leaf.segments = "{ Ethernet1: [] }";
-   expectInStep( leaf, "", 1 );
+   expectInSync( leaf, "", 1 );
 }
 
-TEST_F( AuditInStep, NothingIsLeftWhenAllSegmentsGo ) {
+TEST_F( AuditInSync, NothingIsLeftWhenAllSegmentsGo ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
-      expectInStep( leaf, "   - withdraw: { segments: [ Port-Channel2, Ethernet1 ] }\n", 0 );
+      expectInSync( leaf, "   - withdraw: { segments: [ Port-Channel2, Ethernet1 ] }\n", 0 );
    }
 }
 
-TEST_F( AuditInStep, AVtepWithoutAVirtualPortNeedsNoRules ) {
+TEST_F( AuditInSync, AVtepWithoutAVirtualPortNeedsNoRules ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
-      expectInStep( leaf, "   - withdraw: { vteps: [ 10.0.0.2, 10.0.0.4 ] }\n", 1 );
+      expectInSync( leaf, "   - withdraw: { vteps: [ 10.0.0.2, 10.0.0.4 ] }\n", 1 );
    }
 }
 
-TEST_F( AuditInStep, FollowsANewVirtualPort ) {
-   expectInStep( classIdLeaf(), "   - publish: { vteps: { 10.0.0.2: { virtual-port: 9 } } }\n",
+TEST_F( AuditInSync, FollowsANewVirtualPort ) {
+   expectInSync( classIdLeaf(), "   - publish: { vteps: { 10.0.0.2: { virtual-port: 9 } } }\n",
                  10 );
 }
 
-TEST_F( AuditInStep, FollowsMembersOfPortChannels ) {
+TEST_F( AuditInSync, FollowsMembersOfPortChannels ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
-      expectInStep( leaf,
+      expectInSync( leaf,
                     "   - publish: { port-channels: { Port-Channel2: [ Ethernet2 ] } }\n"
                     "   - withdraw: { port-channels: { Port-Channel2: [ Ethernet3 ] } }\n",
                     leaf.variant == "class-id" ? 10 : 5 );
    }
 }
 
-TEST_F( AuditInStep, FollowsPortsThatChangeAndGo ) {
+TEST_F( AuditInSync, FollowsPortsThatChangeAndGo ) {
    for ( Leaf const & leaf : { Leaf(), classIdLeaf() } ) {
       story.clear();
-      expectInStep( leaf,
+      expectInSync( leaf,
                     "   - publish: { interfaces: { Ethernet1: { unit: 0, port: 11 } } }\n"
                     "   - withdraw: { interfaces: [ Ethernet4 ] }\n",
                     leaf.variant == "class-id" ? 8 : 5 );
    }
 }
 
-TEST_F( AuditInStep, FollowsTheVniOfAVrf ) {
-   expectInStep( Leaf(),
+TEST_F( AuditInSync, FollowsTheVniOfAVrf ) {
+   expectInSync( Leaf(),
                  "   - publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50002, green: 7 } "
                  "} } }\n",
                  6 );
 }
 
-TEST_F( AuditInStep, WithoutTheOverrideRuleAllPrioritiesAreTheDefault ) {
+TEST_F( AuditInSync, WithoutTheOverrideRuleAllPrioritiesAreTheDefault ) {
    Support::Directory const directory;
    directory.file( "VornalL3.json", "{ \"SbdEvpnTcamOverrideRule\": false }" );
    std::string const text = "features: " + directory.path().string() + "\n" +
@@ -111,7 +111,7 @@ TEST_F( AuditInStep, WithoutTheOverrideRuleAllPrioritiesAreTheDefault ) {
    EXPECT_EQ( audited.rules, 4U );
 }
 
-TEST_F( AuditInStep, APlatformThatExemptsMulticastItselfNeedsNoVniRules ) {
+TEST_F( AuditInSync, APlatformThatExemptsMulticastItselfNeedsNoVniRules ) {
    std::string const flag =
       "   - set: { entity: /shared/vornalAttributes, attribute: l3McastExemptFromSplitHorizon, "
       "value: true }\n";
@@ -122,7 +122,7 @@ TEST_F( AuditInStep, APlatformThatExemptsMulticastItselfNeedsNoVniRules ) {
    EXPECT_EQ( audited.rules, 4U );
 }
 
-TEST_F( AuditInStep, OfAPortChannelOfTwoUnitsEachUnitsMembersCount ) {
+TEST_F( AuditInSync, OfAPortChannelOfTwoUnitsEachUnitsMembersCount ) {
    auto const audited = auditAfter( twoUnitLeaf( "egress-mask" ),
                                     "   - expect:\n"
                                     "        - rules: { group: ingress, unit: 0, name: 10.0.0.2,\n"

@@ -1,0 +1,60 @@
+// Tables as people read them.
+#include <gtest/gtest.h>
+
+#include <Story/Table.h>
+
+namespace {
+
+using Story::Cell;
+using Story::Table;
+using Texts = std::vector< std::string >;
+
+Table vteps() {
+   return { "vteps",
+            { "vtep", "virtualPort", "segment" },
+            { { "10.0.0.2", U64{ 2 }, Texts{ "Port-Channel2", "Ethernet5" } },
+              { "10.0.0.4", Cell(), Texts{} } } };
+}
+
+TEST( TableText, PutsEachColumnUnderItsHeading ) {
+   EXPECT_EQ( tableText( vteps(), 80 ), "VTEP      VIRTUAL PORT  SEGMENT\n"
+                                        "10.0.0.2  2             Port-Channel2, Ethernet5\n"
+                                        "10.0.0.4  -             -\n" );
+}
+
+TEST( TableText, BreaksTheWidestColumnAtBlanksUntilTheTableFits ) {
+   EXPECT_EQ( tableText( vteps(), 39 ), "VTEP      VIRTUAL PORT  SEGMENT\n"
+                                        "10.0.0.2  2             Port-Channel2,\n"
+                                        "                        Ethernet5\n"
+                                        "10.0.0.4  -             -\n" );
+}
+
+TEST( TableText, BreaksAWordThatIsWiderThanItsColumn ) {
+   Table const table{ "names", { "name" }, { { "abcdefghijkl" } } };
+   EXPECT_EQ( tableText( table, 8 ), "NAME\nabcdefgh\nijkl\n" );
+}
+
+TEST( TableText, MakesNoColumnNarrowerThanAWordNeeds ) {
+   Table const table{ "names", { "name", "text" }, { { "12345678", "a bc def ghij" } } };
+   EXPECT_EQ( tableText( table, 3 ), "NAME      TEXT\n"
+                                     "12345678  a bc def\n"
+                                     "          ghij\n" );
+}
+
+TEST( TableText, SaysThatThereIsNone ) {
+   EXPECT_EQ( tableText( { "vteps", { "vtep" }, {} }, 80 ), "no vteps\n" );
+}
+
+TEST( TableText, WritesOutWhatATerminalWouldObey ) {
+   Table const table{ "log", { "line" }, { { "\x1b[2J" } } };
+   EXPECT_EQ( tableText( table, 80 ), "LINE\n\\x1b[2J\n" );
+}
+
+TEST( TableText, FindsATextInAListAndANumberByItsDigits ) {
+   EXPECT_TRUE( Cell( Texts{ "Ethernet1", "Ethernet5" } ).has( "Ethernet5" ) );
+   EXPECT_FALSE( Cell( Texts{ "Ethernet1", "Ethernet5" } ).has( "Ethernet" ) );
+   EXPECT_TRUE( Cell( U64{ 10 } ).has( "10" ) );
+   EXPECT_FALSE( Cell( "10.0.0.20" ).has( "10.0.0.2" ) );
+}
+
+}  // namespace
