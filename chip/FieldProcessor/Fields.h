@@ -229,6 +229,8 @@ struct IngressFields {
    U32 packetRes = 0;
    bool tunnelTerminated = false;
    U32 vxlanNetworkId = 0;  // of the tunnel; 0 without one
+
+   friend bool operator==( IngressFields const &, IngressFields const & ) = default;
 };
 
 // One copy of a frame as the egress field processor sees it.
@@ -237,6 +239,8 @@ struct EgressFields {
    U32 dstPort = 0;                                  // logical port
    bcm_field_IpType_t ipType = bcmFieldIpTypeNonIp;  // the frame's own: never "any"
    U32 ingressClass = 0;                             // set by the ingress rule; 0 for none
+
+   friend bool operator==( EgressFields const &, EgressFields const & ) = default;
 };
 
 inline constexpr std::size_t kKeyFields = [] {

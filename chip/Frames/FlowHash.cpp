@@ -11,14 +11,13 @@ U64 mixed( U64 hash, U64 word ) {
    return hash ^ hash >> 32;
 }
 
+}  // namespace
+
 bool hasPorts( IpHeader const & ip, Bytes payload ) {
    bool const isTransport = ip.protocol == IpProtocol::kTcp || ip.protocol == IpProtocol::kUdp ||
                             ip.protocol == IpProtocol::kSctp;
-   // Only the first of several fragments has ports, and all must take the same way.
    return isTransport && !ip.isFragment && payload.size() >= 4;
 }
-
-}  // namespace
 
 U32 flowHashOf( EthernetHeader const & ethernet, IpHeader const * ip, Bytes ipPayload ) {
    U64 hash = mixed( ethernet.source.value(), ethernet.destination.value() );
@@ -27,6 +26,7 @@ U32 flowHashOf( EthernetHeader const & ethernet, IpHeader const * ip, Bytes ipPa
       hash = mixed( hash, std::hash< Pelk::IpGenAddr >()( ip->source ) );
       hash = mixed( hash, std::hash< Pelk::IpGenAddr >()( ip->destination ) );
       hash = mixed( hash, ip->protocol );
+      // All fragments must take the same way.
       if ( hasPorts( *ip, ipPayload ) ) {
          hash = mixed( hash, U64{ u16At( ipPayload, 0 ) } << 16 | u16At( ipPayload, 2 ) );
       }

@@ -100,6 +100,10 @@ inline constexpr std::size_t kVxlanSize = 8;
 inline constexpr U16 kVxlanPort = 4789;
 inline constexpr U8 kVxlanFlags = 0x08;  // the I flag: the VNI is valid
 
+// Whether the payload of that packet begins with two ports. Only the first of several fragments
+// does, so none of them counts.
+bool hasPorts( IpHeader const & ip, Bytes payload );
+
 // --- Flows
 
 // The same number for all frames of one flow: of addresses, and of ports where there are any.

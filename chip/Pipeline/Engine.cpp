@@ -13,6 +13,12 @@ void clear( FrameStory & story ) {
    story = { .ingress = std::move( story.ingress ), .copies = std::move( story.copies ) };
 }
 
+// For frames that are not meant to leave.
+class Nowhere final : public Transmitter {
+ public:
+   void transmit( VornalTypes::VornalPort /*port*/, Bytes /*frame*/ ) override {}
+};
+
 template< typename Counters, typename Name > void countOne( Counters & counters, Name name ) {
    ++counters[ static_cast< std::size_t >( name ) ];
 }
@@ -20,10 +26,10 @@ template< typename Counters, typename Name > void countOne( Counters & counters,
 }  // namespace
 
 Pipeline::Engine::Engine( Units const & units )
-      : units_( units ), tables_( std::make_unique< Tables >( units, ForwardingConfig{} ) ) {}
+      : units_( units ), tables_( std::make_shared< Tables >( units, ForwardingConfig{} ) ) {}
 
 void Pipeline::Engine::forwardingIs( ForwardingConfig const & config ) {
-   auto after = std::make_unique< Tables >( units_, config );
+   auto after = std::make_shared< Tables >( units_, config );
    macs_ = macs_.movedTo( *tables_, *after );
    tables_ = std::move( after );
 }
@@ -39,6 +45,21 @@ FrameStory const & Pipeline::Engine::forward( VornalTypes::VornalPort arrival, B
    }
    count();
    return story_;
+}
+
+Rehearsal Pipeline::Engine::rehearse( VornalTypes::VornalPort arrival, Bytes frame ) const {
+   auto const copy = std::make_unique< Engine >( *this );
+   Nowhere nowhere;
+   Rehearsal result{ .story = copy->forward( arrival, frame, nowhere ), .tables = tables_ };
+   result.number = copy->counters_.frames;
+   result.learning = copy->frame_.learning;
+   if ( result.learning ) {
+      InnerStory const & inner = *result.story.inner;
+      result.source = macs_.entry( inner.vlan, inner.source, *tables_ );
+   }
+   result.destination = copy->destinationLookup();
+   result.ingress = copy->ingressFields();
+   return result;
 }
 
 Pipeline::Engine::Failure Pipeline::Engine::prepare( VornalTypes::VornalPort arrival,
@@ -124,7 +145,8 @@ void Pipeline::Engine::readHeaders( Bytes bytes, EthernetHeader const & ethernet
 void Pipeline::Engine::learn() {
    Place const place =
       isFromTunnel() ? Place{ true, frame_.tunnel } : Place{ false, frame_.interface };
-   macs_.learn( story_.inner->vlan, frame_.ethernet.source, place, *tables_ );
+   frame_.learning = macs_.learn( story_.inner->vlan, frame_.ethernet.source, place, *tables_,
+                                  counters_.frames + 1 );
 }
 
 Pipeline::Engine::Failure Pipeline::Engine::decide() {
@@ -177,14 +199,31 @@ Pipeline::Engine::Failure Pipeline::Engine::findDestination( MacAddress address,
    return isBridgedBack ? DropReason::SameInterface : Failure();
 }
 
+// What findDestination() has looked for, if the frame got there.
+std::optional< DestinationLookup > Pipeline::Engine::destinationLookup() const {
+   bool const isRouted = story_.kind == FrameKind::RoutedUnicast;
+   bool const isBridged =
+      story_.kind == FrameKind::KnownUnicast || story_.kind == FrameKind::UnknownUnicast;
+   if ( !isBridged && !( isRouted && frame_.route.domain != kNone ) ) {
+      return std::nullopt;
+   }
+   Vlan const vlan = tables_->domains[ frame_.domain ].vlan;
+   MacAddress const address = isRouted ? frame_.route.mac : frame_.ethernet.destination;
+   return DestinationLookup{ vlan, address, macs_.entry( vlan, address, *tables_ ) };
+}
+
 void Pipeline::Engine::startRuleCheck() {
+   rules_.start( *tables_, ingressFields(), ipTypeOf( frame_.ethernet.etherType ), story_.ingress );
+}
+
+IngressFields Pipeline::Engine::ingressFields() const {
    IngressFields fields{ .packetRes = packetResolutionOf( frame_.kind ) };
    if ( isFromTunnel() ) {
       fields.srcVxlanGport = tables_->tunnels[ frame_.tunnel ].gport;
       fields.tunnelTerminated = true;
       fields.vxlanNetworkId = *story_.tunnel->vni;
    }
-   rules_.start( *tables_, fields, ipTypeOf( frame_.ethernet.etherType ), story_.ingress );
+   return fields;
 }
 
 void Pipeline::Engine::replicate() {

@@ -1,10 +1,12 @@
 // The pipeline's work on one frame, step by step as Pipeline.h lists them. One engine serves one
-// frame after the other and keeps its buffers in between.
+// frame after the other and keeps its buffers in between. A copy of it forwards as the original
+// would: it has the same tables, and learned addresses and counters of its own.
 #pragma once
 
 #include <Pipeline/Departure.h>
 #include <Pipeline/MacTable.h>
 #include <Pipeline/Pipeline.h>
+#include <Pipeline/Rehearsal.h>
 #include <Pipeline/Routing.h>
 #include <Pipeline/RuleCheck.h>
 
@@ -18,9 +20,12 @@ class Pipeline::Engine {
    FrameStory const & forward( VornalTypes::VornalPort arrival, Bytes frame,
                                Transmitter & transmitter );
 
+   Rehearsal rehearse( VornalTypes::VornalPort arrival, Bytes frame ) const;
+
    ForwardingConfig const & forwarding() const { return tables_->config; }
    PipelineCounters const & counters() const { return counters_; }
-   MacTable const & macs() const { return macs_; }
+   std::size_t learned() const { return macs_.size(); }
+   std::vector< LearnedMac > macs() const { return macs_.entries( *tables_ ); }
 
  private:
    using Failure = std::optional< DropReason >;
@@ -35,6 +40,7 @@ class Pipeline::Engine {
       Index domain = kNone;  // in which it is forwarded
       InnerIp ip{};
       U32 flowHash = 0;
+      std::optional< Learning > learning{};
       FrameKind kind = FrameKind::Broadcast;
       Place destination{};  // of unicast
       Route route{};        // of routed unicast
@@ -51,6 +57,7 @@ class Pipeline::Engine {
    Failure decideRouted();
    Failure findDestination( MacAddress address, FrameKind ifKnown );
    void startRuleCheck();
+   IngressFields ingressFields() const;
    void replicate();
 
    // --- Copies
@@ -68,11 +75,12 @@ class Pipeline::Engine {
       return list[ fall >> 32 ];
    }
 
+   std::optional< DestinationLookup > destinationLookup() const;
    bool isFromTunnel() const { return frame_.tunnel != kNone; }
    void count();
 
    Units const & units_;
-   std::unique_ptr< Tables const > tables_;
+   std::shared_ptr< Tables const > tables_;
    MacTable macs_;
    PipelineCounters counters_;
 

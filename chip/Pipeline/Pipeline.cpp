@@ -26,7 +26,15 @@ PipelineCounters const & Pipeline::counters() const {
 }
 
 std::size_t Pipeline::learned() const {
-   return engine_->macs().size();
+   return engine_->learned();
+}
+
+std::vector< LearnedMac > Pipeline::macs() const {
+   return engine_->macs();
+}
+
+Rehearsal Pipeline::rehearse( VornalTypes::VornalPort arrival, Bytes frame ) const {
+   return engine_->rehearse( arrival, frame );
 }
 
 }  // namespace Chip

@@ -52,9 +52,12 @@
 
 #include <FieldProcessor/Unit.h>
 #include <Pipeline/Forwarding.h>
+#include <Pipeline/LearnedMac.h>
 #include <Pipeline/Story.h>
 
 namespace Chip {
+
+struct Rehearsal;
 
 // Takes the frames that leave the switch. The bytes are valid during the call. The call gives no
 // frame to the same pipeline and changes no rules; a frame that comes back is kept until this one
@@ -111,6 +114,13 @@ class Pipeline {
 
    // How many MAC addresses have been learned.
    std::size_t learned() const;
+   // All of them, by VLAN and address.
+   std::vector< LearnedMac > macs() const;
+
+   // What forward() would do with that frame. Nothing changes: no address is learned, nothing is
+   // counted or transmitted, and the story of the last frame stays valid. It costs a copy of the
+   // MAC table. Explanation/Explanation.h says in full why the frame goes where it does.
+   Rehearsal rehearse( VornalTypes::VornalPort arrival, std::span< U8 const > frame ) const;
 
  private:
    class Engine;

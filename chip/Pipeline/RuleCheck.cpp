@@ -2,6 +2,14 @@
 
 namespace Chip {
 
+EgressFields egressFieldsOf( UnitTables const & unit, VornalTypes::VornalPort port,
+                             bcm_field_IpType_t ipType, U16 classId ) {
+   return { .dstModId = unit.modId,
+            .dstPort = port.logicalPort(),
+            .ipType = ipType,
+            .ingressClass = classId };
+}
+
 void RuleCheck::start( Tables const & tables, IngressFields const & fields,
                        bcm_field_IpType_t ipType, std::vector< IngressStory > & story ) {
    tables_ = &tables;
@@ -53,11 +61,7 @@ Verdict RuleCheck::judge( VornalTypes::VornalPort port, std::optional< RuleKey >
 std::optional< RuleKey > RuleCheck::dropRule( UnitTables const & unit, VornalTypes::VornalPort port,
                                               U16 classId ) const {
    Entry const * const winner =
-      unit.egress ? unit.egress->lookup( EgressFields{ .dstModId = unit.modId,
-                                                       .dstPort = port.logicalPort(),
-                                                       .ipType = ipType_,
-                                                       .ingressClass = classId } )
-                  : nullptr;
+      unit.egress ? unit.egress->lookup( egressFieldsOf( unit, port, ipType_, classId ) ) : nullptr;
    if ( !winner || !( *winner->written() )[ Action::Drop ] ) {
       return std::nullopt;
    }

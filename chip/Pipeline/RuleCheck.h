@@ -10,6 +10,10 @@
 
 namespace Chip {
 
+// A copy to that port as the egress rules of its unit see it.
+EgressFields egressFieldsOf( UnitTables const & unit, VornalTypes::VornalPort port,
+                             bcm_field_IpType_t ipType, U16 classId );
+
 class RuleCheck {
  public:
    // The next frame. The tables and the story stay valid until the one after it.
