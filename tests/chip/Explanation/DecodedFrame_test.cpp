@@ -110,6 +110,24 @@ TEST( DecodedFrame, OfABadIpHeaderShowsItsFieldsAndNothingBehind ) {
    EXPECT_EQ( inner.ports, std::nullopt );
 }
 
+TEST( DecodedFrame, WhoseIpOptionsAreCutOffHasNothingBehindThem ) {
+   std::vector< U8 > bytes = bytesOf( fromHost1() );
+   bytes.resize( 14 + 40 );
+   bytes[ 14 ] = 0x4f;  // 60 bytes of header
+   HeaderFields const inner = *decode( bytes, false ).inner;
+   EXPECT_EQ( inner.ip->fault, IpFault::Truncated );
+   EXPECT_EQ( inner.ip->destination, ip( "192.0.2.255" ) );
+   EXPECT_FALSE( inner.ip->isChecksumRight );
+   EXPECT_EQ( inner.ports, std::nullopt );
+}
+
+TEST( DecodedFrame, HasNoPortsInThePaddingBehindThePacket ) {
+   std::vector< U8 > bytes = bytesOf( fromHost1() );
+   bytes[ 14 + 3 ] = 20 + 3;
+   EXPECT_EQ( decode( bytes, false ).inner->ip->fault, IpFault::None );
+   EXPECT_EQ( decode( bytes, false ).inner->ports, std::nullopt );
+}
+
 TEST( DecodedFrame, OfAFragmentHasNoPorts ) {
    std::vector< U8 > bytes = bytesOf( fromHost1() );
    bytes[ 14 + 6 ] = 0x20;
