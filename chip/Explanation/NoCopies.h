@@ -23,8 +23,6 @@ enum class NoCopyReason : U8 {
    OtherUnderlay,   // the flow took another of the interfaces that lead to the VTEPs
    NotOnTheWay,     // no tunnel to a VTEP of the flood list leads over it
 };
-inline constexpr std::size_t kNoCopyReasons =
-   static_cast< std::size_t >( NoCopyReason::NotOnTheWay ) + 1;
 
 struct NoCopy {
    Pelk::IntfId intfId{};

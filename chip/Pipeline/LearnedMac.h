@@ -19,7 +19,6 @@ enum class Learning : U8 {
    NotLearnable,   // a group address, or all zeros
    TableFull,
 };
-inline constexpr std::size_t kLearnings = static_cast< std::size_t >( Learning::TableFull ) + 1;
 
 // An interface, or a VTEP behind a tunnel.
 struct MacPlace {

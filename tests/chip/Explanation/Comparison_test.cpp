@@ -1,4 +1,6 @@
 // A frame beside every rule of a group: the winner and its reason, and by what the others miss.
+#include <gtest/gtest.h>
+
 #include <Explanation/Comparison.h>
 
 #include "../TwoUnitSwitch.h"

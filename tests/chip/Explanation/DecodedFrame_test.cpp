@@ -42,6 +42,15 @@ TEST( DecodedFrame, FromATunnelHasOuterAndInnerHeaders ) {
    EXPECT_EQ( decoded.inner, broadcastOfHost2() );
 }
 
+TEST( DecodedFrame, OfOtherUdpFromUnderlayHasOuterHeadersOnly ) {
+   std::vector< U8 > bytes = bytesOf( fromLeaf2() );
+   bytes[ 14 + 20 + 3 ] = 0xb6;
+   DecodedFrame const decoded = decode( bytes, true );
+   EXPECT_EQ( decoded.outer->ports, ( PortFields{ 49152, 4790 } ) );
+   EXPECT_EQ( decoded.vxlan, std::nullopt );
+   EXPECT_EQ( decoded.inner, std::nullopt );
+}
+
 TEST( DecodedFrame, FromAccessHasItsOwnHeadersOnly ) {
    FrameFields frame = fromLeaf2();
    frame.outer.reset();
@@ -114,6 +123,7 @@ TEST( DecodedFrame, WhoseIpOptionsAreCutOffHasNothingBehindThem ) {
    std::vector< U8 > bytes = bytesOf( fromHost1() );
    bytes.resize( 14 + 40 );
    bytes[ 14 ] = 0x4f;  // 60 bytes of header
+   bytes[ 14 + 3 ] = 255;
    HeaderFields const inner = *decode( bytes, false ).inner;
    EXPECT_EQ( inner.ip->fault, IpFault::Truncated );
    EXPECT_EQ( inner.ip->destination, ip( "192.0.2.255" ) );

@@ -28,16 +28,20 @@ constexpr std::size_t kRules = 10;
 
 // --- Random rules, in a world small enough for many to match
 
+// Below the end, each number as often as the others: rapidcheck's first cases have small ones only.
+template< typename Number > Number anyIn( Number begin, Number end ) {
+   return *rc::gen::resize( rc::kNominalSize, rc::gen::inRange< Number >( begin, end ) );
+}
 template< typename Value > Value anyOf( std::vector< Value > const & values ) {
-   return *rc::gen::elementOf( values );
+   return values[ anyIn< std::size_t >( 0, values.size() ) ];
 }
 bool isOneOf( int several ) {
-   return *rc::gen::inRange( 0, several ) == 0;
+   return anyIn( 0, several ) == 0;
 }
 
 void finish( Quelm::Ptr< Chip::SoftTcamEntryManager > const & manager, U32 unit, U32 id ) {
    if ( !isOneOf( 3 ) ) {
-      manager->setPriorityForEntry( unit, id, *rc::gen::inRange( 0U, 3U ) );
+      manager->setPriorityForEntry( unit, id, anyIn( 0U, 3U ) );
    }
    if ( !isOneOf( 6 ) ) {
       manager->installEntry( unit, id );
@@ -51,7 +55,7 @@ void addIngressRule( ChipTest::TwoUnitSwitch & chips, U32 unit ) {
                                                  Chip::vxlanGportOf( anyOf< U16 >( { 2, 3 } ) ) );
    }
    if ( isOneOf( 2 ) ) {
-      chips.sdk.bcm_field_qualify_PacketRes( unit, id, *rc::gen::inRange( 0U, 8U ),
+      chips.sdk.bcm_field_qualify_PacketRes( unit, id, anyIn( 0U, 8U ),
                                              anyOf< U32 >( { 0, 1, 3, 0xff } ) );
    }
    if ( isOneOf( 3 ) ) {
@@ -63,9 +67,7 @@ void addIngressRule( ChipTest::TwoUnitSwitch & chips, U32 unit ) {
                                                   anyOf< U32 >( { 0, 0xf, kExact } ) );
    }
    if ( isOneOf( 2 ) ) {
-      chips.ifp->addEgressMaskAction( unit, id,
-                                      ChipTest::pbmpOfPorts(
-                                         { *rc::gen::inRange( 1U, 6U ), 49 } ) );
+      chips.ifp->addEgressMaskAction( unit, id, ChipTest::pbmpOfPorts( { anyIn( 1U, 6U ), 49 } ) );
    } else {
       chips.sdk.bcm_field_action_add( unit, id, bcmFieldActionEgressClassSelect,
                                       BCM_FIELD_EGRESS_CLASS_SELECT_NEW, 0 );
@@ -79,8 +81,7 @@ void addEgressRule( ChipTest::TwoUnitSwitch & chips, U32 unit ) {
    U32 const id = chips.efp->getEntry( unit, "rule", {} );
    if ( !isOneOf( 3 ) ) {
       chips.sdk.bcm_field_qualify_DstPort( unit, id, anyOf< U32 >( { 0, 4 } ),
-                                           anyOf< U32 >( { 0, kExact } ),
-                                           *rc::gen::inRange( 1U, 6U ),
+                                           anyOf< U32 >( { 0, kExact } ), anyIn( 1U, 6U ),
                                            anyOf< U32 >( { 0, 1, kExact } ) );
    }
    if ( isOneOf( 2 ) ) {
@@ -90,8 +91,7 @@ void addEgressRule( ChipTest::TwoUnitSwitch & chips, U32 unit ) {
                                                bcmFieldIpTypeIpv4Any, bcmFieldIpTypeIpv6 } ) );
    }
    if ( isOneOf( 2 ) ) {
-      chips.sdk.bcm_field_qualify_IngressClassField( unit, id, *rc::gen::inRange( 0U, 3U ),
-                                                     kExact );
+      chips.sdk.bcm_field_qualify_IngressClassField( unit, id, anyIn( 0U, 3U ), kExact );
    }
    if ( isOneOf( 2 ) ) {
       chips.sdk.bcm_field_action_add( unit, id, bcmFieldActionDrop, 0, 0 );
@@ -129,7 +129,7 @@ FrameFields anyFields( bool isFromTunnel ) {
       { FrameContent::Bare, FrameContent::Arp, FrameContent::Udp, FrameContent::Udp } );
    frame.destinationIp = anyOf< IpGenAddr >(
       { ip( "192.0.2.1" ), ip( "192.0.2.2" ), ip( "192.0.2.9" ), ip( "239.1.1.1" ) } );
-   frame.sourcePort = *rc::gen::arbitrary< U16 >();
+   frame.sourcePort = anyIn< U16 >( 0, 0xffff );
    frame.timeToLive = anyOf< U8 >( { 1, 64 } );
    if ( !isFromTunnel ) {
       frame.vlan = anyOf< std::optional< U16 > >( { std::nullopt, 10, 10, 20, 11 } );
@@ -149,11 +149,11 @@ Arriving anyFrame() {
                                                             VornalPort( 0, 9 ) } ),
                       bytesOf( anyFields( isFromTunnel ) ) };
    if ( isOneOf( 10 ) ) {
-      arriving.bytes.resize( *rc::gen::inRange< std::size_t >( 0, arriving.bytes.size() ) );
+      arriving.bytes.resize( anyIn< std::size_t >( 0, arriving.bytes.size() ) );
    }
    if ( isOneOf( 10 ) && !arriving.bytes.empty() ) {
-      std::size_t const at = *rc::gen::inRange< std::size_t >( 0, arriving.bytes.size() );
-      arriving.bytes[ at ] = *rc::gen::arbitrary< U8 >();
+      std::size_t const at = anyIn< std::size_t >( 0, arriving.bytes.size() );
+      arriving.bytes[ at ] = anyIn< U8 >( 0, 0xff );
    }
    return arriving;
 }
