@@ -5,7 +5,8 @@
 // nothing recorded. It is not retried: the next attempt comes with the VTEP's next change.
 //
 // The full message is logged on the first failure. Recovery is noticed, and logged, by the class-id
-// variant alone; in the other one the full message appears once in the machine's life.
+// variant alone (I2EClassId/ClassIdAllocation.cpp); in the other one the full message appears once
+// in the machine's life.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>

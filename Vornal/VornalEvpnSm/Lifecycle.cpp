@@ -1,4 +1,5 @@
-// How the state machine starts, switches its notifications, and ends.
+// How the state machine starts, switches its notifications, and ends; and the order in which a
+// change of a collection reaches the machine's handler and the reactor on the member.
 
 #include <Kiv/OrEmpty.h>
 #include <Kiv/Rows.h>
@@ -92,6 +93,7 @@ void EvpnMultihomingLocalBiasSm::handleInitialized() {
    }
 }
 
+// The rules first: the new reactor hears later changes only.
 void EvpnMultihomingLocalBiasSm::handleTepSegmentChange( Pelk::IpGenAddr const & tepIp ) {
    if ( !isZombie() ) {
       handleTepSegment( tepIp );

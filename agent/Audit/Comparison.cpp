@@ -25,8 +25,9 @@ std::map< Pelk::IpGenAddr, std::string > vtepsWithoutARule( Sides const & sides 
       bool const isOfVtep = what.purpose == Purpose::vtep || what.purpose == Purpose::egressDrop;
       if ( isOfVtep && !sides.matched.rules.contains( what ) ) {
          Absence const absence = whyAbsent( sides, what );
-         vteps.try_emplace( what.vtep, absence.reason.empty() ? std::string( nameOf( absence.kind ) )
-                                                              : absence.reason );
+         vteps.try_emplace( what.vtep, absence.reason.empty()
+                                          ? std::string( nameOf( absence.kind ) )
+                                          : absence.reason );
       }
    }
    return vteps;

@@ -84,6 +84,13 @@ void Run::declare( CLI::App & app ) {
       ->type_name( "HANDLE/LEVELS" )
       ->take_all()
       ->expected( 1 );
+   app.add_option( "--until", until_, "End with this step, 0 for start-up" )->type_name( "STEP" );
+   app.add_option( "--then", then_,
+                   "Carry out one more step, in the words of a scenario ('withdraw: { vteps: [ "
+                   "10.0.0.2 ] }'); can be given several times" )
+      ->type_name( "STEP" )
+      ->take_all()
+      ->expected( 1 );
    app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -100,8 +107,23 @@ void Run::readWords() {
    }
 }
 
+Scenario::Model Run::read() const {
+   std::vector< Scenario::AddedStep > added;
+   for ( std::string const & step : then_ ) {
+      added.push_back( { "--then", step } );
+   }
+   Scenario::Model scenario = Steps::readScenario( scenario_.file(), added );
+   if ( until_ ) {
+      checkStep( "--until", until_, scenario );
+      auto const first = scenario.steps.begin();
+      scenario.steps.erase( first + static_cast< std::ptrdiff_t >( *until_ ),
+                            first + static_cast< std::ptrdiff_t >( scenario.ownSteps ) );
+   }
+   return scenario;
+}
+
 Story::ExitCode Run::perform( std::ostream & out ) {
-   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   Scenario::Model const scenario = read();
    ScenarioRun what{ scenario, scenario_.config(), ifNamed( ring_ ), scenario_.turnLimit() };
    what.config.trace = trace_;
    what.config.captures = captureFolder( ifNamed( captures_ ), scenario );

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,9 +18,14 @@ class Run final : public Command {
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
+   // The scenario up to the step of --until, and the steps of --then.
+   Scenario::Model read() const;
+
    ScenarioWords scenario_;
    std::vector< std::string > traceTexts_;
    std::vector< Scenario::TraceLevels > trace_;
+   std::optional< U32 > until_;
+   std::vector< std::string > then_;
    std::filesystem::path ring_;      // the trace ring's file; empty: none
    std::filesystem::path captures_;  // the folder for the frames that leave each port; empty: none
 };

@@ -1,9 +1,12 @@
 #include <CommandLine/RunScenario.h>
 
 #include <iostream>
+#include <sstream>
 
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
+#include <Story/HumanWriter.h>
+#include <Story/InputError.h>
 #include <Story/Wording.h>
 #include <Text/Printable.h>
 
@@ -21,6 +24,27 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
       ring.bytes(), all, what.turnLimit );
    if ( !outcome.badInput().empty() ) {
       std::cerr << Text::printableLines( outcome.badInput() ) << '\n';
+   }
+}
+
+Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer ) {
+   std::ostringstream story;
+   Story::HumanWriter writer( story, Story::Style( false ) );
+   Story::Outcome outcome;
+   runScenario( what, { &writer, &observer }, outcome );
+   auto const code = outcome.exitCode();
+   if ( code == Story::ExitCode::Stopped ) {
+      std::cerr << story.str();
+   }
+   tellInterruption( outcome );
+   return code == Story::ExitCode::ExpectationFailed ? Story::ExitCode::Held : code;
+}
+
+void checkStep( std::string const & option, std::optional< U32 > const & step,
+                Scenario::Model const & scenario ) {
+   if ( step && *step > scenario.ownSteps ) {
+      throw Story::InputError( option + " " + std::to_string( *step ) + ": " + scenario.file +
+                               " ends with step " + std::to_string( scenario.ownSteps ) );
    }
 }
 

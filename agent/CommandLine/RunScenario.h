@@ -24,6 +24,14 @@ struct ScenarioRun {
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome );
 
+// Runs it for an answer that an observer waits for, and tells the story only when the plug-in
+// stops, on standard error. The result is Held when the answer is there: expectations do not count.
+Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer );
+
+// Throws Story::InputError, which names the option, unless the scenario has that step, if any.
+void checkStep( std::string const & option, std::optional< U32 > const & step,
+                Scenario::Model const & scenario );
+
 // Prints on standard error in which step the run was interrupted, if it was.
 void tellInterruption( Story::Outcome const & outcome );
 

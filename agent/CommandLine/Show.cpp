@@ -1,8 +1,6 @@
 #include <CommandLine/Show.h>
 
 #include <algorithm>
-#include <iostream>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
@@ -10,8 +8,6 @@
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Story/EntityText.h>
-#include <Story/HumanWriter.h>
-#include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Text/Words.h>
 
@@ -86,11 +82,11 @@ std::string problemOfWhat( std::string const & text ) {
 }
 
 std::string purposeOfWhat() {
-   std::string text = "What to show:";
+   std::string text = "What to show: " + Text::listed( subjects() );
    for ( Questions::Row const & row : Questions::table() ) {
-      text += "\n'" + std::string( row.name ) + "', " + std::string( row.purpose ) + ';';
+      text += "\n" + std::string( row.name ) + ": " + std::string( row.purpose );
    }
-   return text + "\n'entities', those of the state database, the agent and the plug-in";
+   return text + "\nentities: those of the state database, the agent and the plug-in";
 }
 
 }  // namespace
@@ -176,25 +172,13 @@ void Show::print( std::vector< Story::EntityShown > const & entities, std::ostre
 
 Story::ExitCode Show::perform( std::ostream & out ) {
    Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
-   if ( after_ && *after_ > scenario.steps.size() ) {
-      throw Story::InputError( "--after " + std::to_string( *after_ ) + ": " + scenario.file +
-                               " ends with step " + std::to_string( scenario.steps.size() ) );
-   }
-   std::ostringstream story;
-   Story::HumanWriter writer( story, Story::Style( false ) );
-   Shown shown;
-   Story::Outcome outcome;
+   checkStep( "--after", after_, scenario );
    ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
    what.config.show = subject();
    what.config.lastStep = after_;
-   runScenario( what, { &writer, &shown }, outcome );
-   auto const code = outcome.exitCode();
-   if ( code == Story::ExitCode::Stopped ) {
-      std::cerr << story.str();
-   }
-   // The expectations of the scenario do not count.
-   if ( code != Story::ExitCode::Held && code != Story::ExitCode::ExpectationFailed ) {
-      tellInterruption( outcome );
+   Shown shown;
+   auto const code = runForAnswer( what, shown );
+   if ( code != Story::ExitCode::Held ) {
       return code;
    }
    if ( question_ ) {
@@ -202,7 +186,7 @@ Story::ExitCode Show::perform( std::ostream & out ) {
    } else {
       print( shown.entities(), out );
    }
-   return Story::ExitCode::Held;
+   return code;
 }
 
 }  // namespace CommandLine

@@ -1,5 +1,6 @@
 #include <CommandLine/Table.h>
 
+#include <CommandLine/Explain.h>
 #include <CommandLine/Ring.h>
 #include <CommandLine/Run.h>
 #include <CommandLine/Schema.h>
@@ -13,6 +14,9 @@ namespace {
 constexpr std::string_view kOfARun =
    "Exit codes: 0 all held, 1 an expectation failed, 2 bad input or usage, 3 the plug-in stopped "
    "the process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfATable =
+   "Exit codes: 0 shown, 2 bad input or usage, 3 the plug-in stopped the process, 129 SIGHUP, 130 "
+   "SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAnAudit =
    "Exit codes: 0 in sync, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
    "process, in its own pass or before, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
@@ -31,9 +35,13 @@ std::vector< Row > const & table() {
         "vornal run --json --trace 'VornalEvpn*/0-5' scenario.yaml",
         create< Run >, kOfARun },
       { "show", "Run a scenario and show the state that it leads to",
-        "vornal show scenarios/start-up/scenario.yaml entities\n"
+        "vornal show scenarios/two-leaves/scenario.yaml rules --vtep 10.0.0.2\n"
         "vornal show scenarios/start-up/scenario.yaml entities /evpn/status",
-        create< Show >, kOfARun },
+        create< Show >, kOfATable },
+      { "explain", "Run a scenario and say why a frame leaves by a port or does not",
+        "vornal explain scenarios/two-leaves/scenario.yaml 2\n"
+        "vornal explain scenario.yaml '{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02 }'",
+        create< Explain >, kOfATable },
       { "verify", "Run a scenario and compare the rules with the published state",
         "vornal verify scenarios/start-up/scenario.yaml\n"
         "vornal verify --after-each-step scenario.yaml",

@@ -9,10 +9,11 @@ namespace CommandLine {
 
 namespace {
 
-// "the scenario's file, a pipe, or '-' for standard input"
+// "the scenario's file, a pipe, or '-' for standard input": the first line of the description.
 std::string purposeOf( CLI::App const & command, std::string const & option ) {
    CLI::Option const * const found = command.get_option_no_throw( option );
    std::string text = found ? found->get_description() : "";
+   text = text.substr( 0, text.find( '\n' ) );
    if ( !text.empty() ) {
       text.front() = static_cast< char >( std::tolower( text.front() ) );
    }

@@ -28,6 +28,9 @@ Agent::Agent( Scenario::Model const & scenario, AgentConfig config, std::span< s
    if ( config_.captures ) {
       environment_.traffic().captureInto( *config_.captures );
    }
+   if ( auto const * const asked = std::get_if< Traffic::FrameAsked >( &config_.show ) ) {
+      frameQuestion_.emplace( *asked, config_.lastStep.has_value(), environment_ );
+   }
 }
 
 void Agent::run() {
@@ -88,7 +91,7 @@ void Agent::carryOutSteps() {
          return;
       }
       inStep( { Story::StepKind::Scenario, 0, step.action->description(),
-                scenario_.file + ":" + std::to_string( step.line ) },
+                scenario_.sources.placeOf( step.line ) },
               [ & ] { carryOut( step ); } );
    }
 }

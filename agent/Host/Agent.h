@@ -27,6 +27,7 @@
 #include <vector>
 
 #include <Host/Environment.h>
+#include <Host/FrameQuestion.h>
 #include <Loading/LoadedPlugin.h>
 #include <Questions/Table.h>
 #include <Scenario/Scenario.h>
@@ -36,19 +37,20 @@
 namespace Host {
 
 struct AgentConfig {
-   // Shown after the last step.
+   // Shown after the last step; a frame that the scenario sends, when it is sent.
    struct Nothing {};
    struct Paths {};  // the paths of all entities
-   using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath, Questions::Row const * >;
+   using Show = std::variant< Nothing, Paths, StateDatabase::EntityPath, Questions::Row const *,
+                              Traffic::FrameAsked >;
 
    std::string scenario;                        // its file, as the caller gave it
    std::filesystem::path plugin;                // the shared object
    std::vector< Scenario::TraceLevels > trace;  // set after the levels of the scenario
-   Show show;
+   Show show{};
    // The last step of the scenario to carry out; nothing: all of them.
-   std::optional< U32 > lastStep;
+   std::optional< U32 > lastStep{};
    // The folder for captures of the frames that leave each port; nothing: no captures.
-   std::optional< std::filesystem::path > captures;
+   std::optional< std::filesystem::path > captures{};
    // When to audit the rules in addition to the scenario's steps. At the end the plug-in's own pass
    // runs too.
    enum class Verify { never, atEnd, afterEachStep };
@@ -77,12 +79,14 @@ class Agent {
    void show( AgentConfig::Paths );
    void show( StateDatabase::EntityPath const & path );
    void show( Questions::Row const * question );
+   void show( Traffic::FrameAsked const & ) { frameQuestion_->stepsAreOver(); }
    void tearDown();
 
    Scenario::Model const & scenario_;
    AgentConfig config_;
    Environment environment_;
    std::optional< Loading::LoadedPlugin > plugin_;
+   std::optional< FrameQuestion > frameQuestion_;
    U32 step_ = 0;
 };
 

@@ -39,8 +39,8 @@ Environment::Environment( Scenario::Model const & scenario, std::span< std::byte
         traffic_( { scenario, published_, board_.units(), activity_, observer_ } ),
         auditor_( finder_, board_.units() ),
         evidence_{ finder_, board_.units(), record_, *pluginPoint(), auditor_ },
-        forSteps_{ scenario.file, activity_, published_, traffic_, board_,
-                   faults_,       reporter_, evidence_,  observer_ },
+        forSteps_{ scenario.sources, activity_, published_, traffic_, board_,
+                   faults_,          reporter_, evidence_,  observer_ },
         subAgentWatch_( published_.common()->sliceDependencyPoints()->subAgentDependencyPoints(),
                         [ this ]( Kiv::Change const & change ) {
                            if ( change.newValue< bool >() ) {

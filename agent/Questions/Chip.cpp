@@ -1,4 +1,4 @@
-// Questions about the chip and the past: TCAM use, frames kept back, the log.
+// Questions about the chip and the past: TCAM use, MAC addresses, frames kept back, the log.
 #include <Questions/Table.h>
 #include <Snapshot/RuleText.h>
 
@@ -15,6 +15,17 @@ Rows tcam( Context const & context ) {
                            U64{ group.used() }, U64{ group.foreign() }, U64{ group.room() },
                            U64{ past.most }, U64{ past.refused } } );
       }
+   }
+   return rows;
+}
+
+Rows macs( Context const & context ) {
+   Rows rows;
+   for ( Chip::LearnedMac const & mac : context.traffic.macs() ) {
+      auto const & vtep = mac.place.remoteVtep;
+      rows.push_back( { U64{ mac.vlan }, mac.address.stringValue(),
+                        vtep ? Story::Cell() : Story::Cell( mac.place.intfId.stringValue() ),
+                        vtep ? Story::Cell( vtep->stringValue() ) : Story::Cell(), mac.frame } );
    }
    return rows;
 }

@@ -41,6 +41,7 @@ Rows rules( Context const & context ) {
       auto const inStep = [ & ]( U32 Chronicle::Steps::*which ) {
          return step == steps.end() ? Cell() : Cell( U64{ step->second.*which } );
       };
+      // In the order of the columns (Questions/Table.cpp).
       rows.push_back(
          { U64{ rule.key.unit }, Chip::groupText( rule.key.group ), U64{ rule.key.id }, cells.vtep,
            cells.interface, Chip::qualifiersText( rule.content, names ),

@@ -34,6 +34,7 @@ Rows vteps( Context const & context );
 Rows ports( Context const & context );
 Rows tcam( Context const & context );
 Rows classIds( Context const & context );
+Rows macs( Context const & context );
 Rows counters( Context const & context );
 Rows log( Context const & context );
 

@@ -1,5 +1,7 @@
 #include <Scenario/Reader.h>
 
+#include <span>
+
 #include <Quelm/Error.h>
 #include <Scenario/Course.h>
 #include <Scenario/Document.h>
@@ -122,6 +124,7 @@ struct Twin {
    std::string base;
    int baseLine = 1;
    std::optional< Variant > variant;
+   bool hasSteps = false;
 };
 
 void readBase( Reading & reading, Value const & value, Twin & twin ) {
@@ -131,6 +134,11 @@ void readBase( Reading & reading, Value const & value, Twin & twin ) {
 
 void readVariant( Reading & reading, Value const & value, Twin & twin ) {
    twin.variant = choiceOf( reading, value, variants() );
+}
+
+// The steps are read behind those of the other scenario, by what that has published.
+void readTwinSteps( Reading & reading, Value const & value, Twin & twin ) {
+   twin.hasSteps = !listOf( reading, value ).empty();
 }
 
 Table< Twin > const & twinTable() {
@@ -149,7 +157,10 @@ Table< Twin > const & twinTable() {
                        "The file of the other scenario, relative to this one. It must be a whole "
                        "scenario." ) },
           readBase },
-        { { "variant", "", Shape::of( "variant" ) }, readVariant } }
+        { { "variant", "", Shape::of( "variant" ) }, readVariant },
+        { { "steps", "",
+            Shape::listOf( Shape::of( "step" ), "Steps after those of the other scenario." ) },
+          readTwinSteps } }
    };
    return table;
 }
@@ -160,42 +171,87 @@ bool isTwin( Value const & document ) {
    return document.node.IsMap() && document.node[ "based-on" ];
 }
 
-// A whole scenario; with `variant`, the scenario for that variant.
-Model modelOf( std::string const & text, Value const & value, fs::path const & file,
-               StepsReader readSteps, std::optional< Variant > variant ) {
-   Reading reading( file.string(), text );
+// A scenario's text and what is in it.
+struct Source {
+   std::string const & text;
+   Value document;
+   fs::path file;
+};
+
+// How a scenario is read.
+struct Request {
+   StepsReader readSteps;
+   std::vector< AddedStep > added;
+   // --- From a scenario that is based on it
+   std::optional< Variant > variant{};      // in place of the scenario's own
+   std::optional< AddedStep > twinSteps{};  // the text of that scenario, which has steps
+};
+
+void readTwinStepsOf( Reading & reading, AddedStep const & twin, Draft & draft ) {
+   YAML::Node const document = reading.add( twin.name, twin.text );
+   draft.readSteps( reading, { document[ "steps" ], 1, "steps" }, draft.steps );
+}
+
+void readAdded( Reading & reading, AddedStep const & step, Draft & draft ) {
+   YAML::Node list( YAML::NodeType::Sequence );
+   list.push_back( reading.add( step.name, step.text ) );
+   draft.readSteps( reading, { list, 1, step.name }, draft.steps );
+}
+
+// The steps for the model's variant.
+std::vector< Step > stepsFor( Variant variant, std::span< StepForVariant const > steps ) {
+   std::vector< Step > result;
+   for ( StepForVariant const & step : steps ) {
+      if ( !step.onlyOn || step.onlyOn == variant ) {
+         result.push_back( step.step );
+      }
+   }
+   return result;
+}
+
+Model modelOf( Source const & source, Request const & request ) {
+   Reading reading( source.file.string(), source.text );
    Draft draft;
-   draft.readSteps = readSteps;
-   draft.directory = file.parent_path();
-   draft.model.file = file.string();
+   draft.readSteps = request.readSteps;
+   draft.directory = source.file.parent_path();
+   draft.model.file = source.file.string();
    draft.model.featureFiles = draft.directory;
-   readMapping( reading, value, scenarioTable(), draft );
+   readMapping( reading, source.document, scenarioTable(), draft );
+   if ( request.twinSteps ) {
+      readTwinStepsOf( reading, *request.twinSteps, draft );
+   }
+   std::size_t const own = draft.steps.size();
+   for ( AddedStep const & step : request.added ) {
+      readAdded( reading, step, draft );
+   }
    reading.check();
 
    Model model = std::move( draft.model );
-   model.device.variant = variant.value_or( model.device.variant );
-   for ( StepForVariant & step : draft.steps ) {
-      if ( !step.onlyOn || step.onlyOn == model.device.variant ) {
-         model.steps.push_back( std::move( step.step ) );
-      }
-   }
+   model.sources = reading.sources();
+   Variant const variant = request.variant.value_or( model.device.variant );
+   model.device.variant = variant;
+   model.steps = stepsFor( variant, draft.steps );
+   model.ownSteps = stepsFor( variant, std::span( draft.steps ).first( own ) ).size();
    followCourse( reading, model );
    reading.check();
    return model;
 }
 
-Model modelOfTwin( std::string const & text, Value const & value, fs::path const & file,
-                   StepsReader readSteps ) {
-   Reading reading( file.string(), text );
+Twin twinIn( Reading & reading, Source const & source ) {
    Twin twin;
-   readMapping( reading, value, twinTable(), twin );
+   readMapping( reading, source.document, twinTable(), twin );
    reading.check();
+   return twin;
+}
 
+Model modelOfTwin( Source const & source, Request request ) {
+   Reading reading( source.file.string(), source.text );
+   Twin const twin = twinIn( reading, source );
    auto const refuse = [ & ]( std::string const & why ) {
       reading.problem( twin.baseLine, "based-on is " + pathInQuotes( twin.base ) + why );
       reading.check();
    };
-   fs::path const base = ( file.parent_path() / twin.base ).lexically_normal();
+   fs::path const base = ( source.file.parent_path() / twin.base ).lexically_normal();
    std::error_code error;
    if ( !fs::is_regular_file( base, error ) ) {
       refuse( ", which is no file; the file of a scenario is expected, relative to this one" );
@@ -205,7 +261,11 @@ Model modelOfTwin( std::string const & text, Value const & value, fs::path const
    if ( isTwin( document ) ) {
       refuse( ", which is based on another itself; name the scenario that it is based on" );
    }
-   Model model = modelOf( baseText, document, base, readSteps, twin.variant );
+   if ( twin.hasSteps ) {
+      request.twinSteps = { source.file.string(), source.text };
+   }
+   request.variant = twin.variant;
+   Model model = modelOf( { baseText, document, base }, request );
    model.name = twin.name;
    model.description = twin.description.empty() ? model.description : twin.description;
    return model;
@@ -213,16 +273,17 @@ Model modelOfTwin( std::string const & text, Value const & value, fs::path const
 
 }  // namespace
 
-Model read( fs::path const & file, StepsReader readSteps ) {
+Model read( fs::path const & file, StepsReader readSteps, std::vector< AddedStep > const & added ) {
    std::string const input = "standard input";
-   return file == "-" ? readText( textOf( STDIN_FILENO, input ), input, readSteps )
-                      : readText( textIn( file ), file, readSteps );
+   return file == "-" ? readText( textOf( STDIN_FILENO, input ), input, readSteps, added )
+                      : readText( textIn( file ), file, readSteps, added );
 }
 
-Model readText( std::string const & text, fs::path const & file, StepsReader readSteps ) {
-   Value const document = documentIn( text, file.string() );
-   return isTwin( document ) ? modelOfTwin( text, document, file, readSteps )
-                             : modelOf( text, document, file, readSteps, std::nullopt );
+Model readText( std::string const & text, fs::path const & file, StepsReader readSteps,
+                std::vector< AddedStep > const & added ) {
+   Source const source{ text, documentIn( text, file.string() ), file };
+   Request const request{ readSteps, added };
+   return isTwin( source.document ) ? modelOfTwin( source, request ) : modelOf( source, request );
 }
 
 std::vector< WordList > vocabulary() {

@@ -37,13 +37,20 @@ struct StepForVariant {
 using StepsReader = void ( * )( Reading & reading, Value const & value,
                                 std::vector< StepForVariant > & steps );
 
-// The scenario in `file`. For "-" it is read from standard input and refers to files in the current
-// directory. ReadError when it cannot be read or is not a scenario.
-Model read( std::filesystem::path const & file, StepsReader readSteps );
+// A step from elsewhere than the scenario's file.
+struct AddedStep {
+   std::string name;  // that it goes by in problems, in place of a file: "--then"
+   std::string text;  // one element of the list of steps
+};
+
+// The scenario in `file`, with more steps at its end. For "-" it is read from standard input and
+// refers to files in the current directory. ReadError when it cannot be read or is not a scenario.
+Model read( std::filesystem::path const & file, StepsReader readSteps,
+            std::vector< AddedStep > const & added = {} );
 
 // The scenario in `text`; `file` names it in problems, and the files that it refers to stand beside
 // that file.
-Model readText( std::string const & text, std::filesystem::path const & file,
-                StepsReader readSteps );
+Model readText( std::string const & text, std::filesystem::path const & file, StepsReader readSteps,
+                std::vector< AddedStep > const & added = {} );
 
 }  // namespace Scenario

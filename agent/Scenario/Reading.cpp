@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include <Scenario/Document.h>
 #include <Scenario/ShownTraces.h>
 
 namespace Scenario {
@@ -15,6 +16,14 @@ bool matches( std::string_view pattern, std::string_view name ) {
 }
 
 }  // namespace
+
+YAML::Node Reading::add( std::string const & name, std::string const & text ) {
+   documentIn( text, name );  // throws if it is none
+   int const before = sources_.add( name, text );
+   directory_ = std::filesystem::path( name ).parent_path();
+   text_ += '\n' + text;
+   return YAML::Load( std::string( static_cast< std::size_t >( before ), '\n' ) + text );
+}
 
 // Only blanks and comments stand between the dash and the next node.
 int Reading::lineOfDash( YAML::Mark const & next ) const {
@@ -33,7 +42,7 @@ int Reading::lineOfDash( YAML::Mark const & next ) const {
 }
 
 void Reading::problem( int line, std::string message ) {
-   problems_.push_back( { file_, line, std::move( message ) } );
+   problems_.push_back( { "", line, std::move( message ) } );
    if ( problems_.size() == kMostProblems ) {
       refuse();
    }
@@ -80,6 +89,11 @@ void Reading::check() {
 void Reading::refuse() {
    std::stable_sort( problems_.begin(), problems_.end(),
                      []( Problem const & a, Problem const & b ) { return a.line < b.line; } );
+   for ( Problem & problem : problems_ ) {
+      auto const [ name, line ] = sources_.at( problem.line );
+      problem.file = name;
+      problem.line = line;
+   }
    throw ReadError( std::move( problems_ ) );
 }
 

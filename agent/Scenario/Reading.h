@@ -23,6 +23,7 @@
 #include <Scenario/Agreement.h>
 #include <Scenario/ReadError.h>
 #include <Scenario/Scenario.h>
+#include <Scenario/Sources.h>
 #include <Text/Words.h>
 
 namespace Scenario {
@@ -46,10 +47,17 @@ class Reading {
 
    // `text` comes from a file or a pipe.
    Reading( std::string file, std::string text )
-         : file_( std::move( file ) ), text_( std::move( text ) ) {}
+         : directory_( std::filesystem::path( file ).parent_path() ), text_( std::move( text ) ) {
+      sources_.add( std::move( file ), text_ );
+   }
 
-   // The directory of the files that the scenario names.
-   std::filesystem::path directory() const { return std::filesystem::path( file_ ).parent_path(); }
+   // Begins to read one more text; its lines count behind those of the texts before. ReadError, which names
+   // `name`, when it cannot be read.
+   YAML::Node add( std::string const & name, std::string const & text );
+   Sources const & sources() const { return sources_; }
+
+   // The directory of the files that the text being read names.
+   std::filesystem::path const & directory() const { return directory_; }
 
    // The line of an empty list element, which is only a dash. The parser knows only the beginning
    // of the next node.
@@ -88,8 +96,9 @@ class Reading {
 
    [[noreturn]] void refuse();
 
-   std::string file_;
-   std::string text_;
+   std::filesystem::path directory_;
+   std::string text_;  // of all sources
+   Sources sources_;
    Agreement agreement_;
    std::vector< Problem > problems_;
    std::set< Pelk::IntfId > defined_;

@@ -29,6 +29,7 @@
 #include <Quelm/Integers.h>
 #include <Scenario/Action.h>
 #include <Scenario/Forwarding.h>
+#include <Scenario/Sources.h>
 #include <VornalCommon/ClassId.h>
 #include <VornalTypes/VornalPort.h>
 #include <Vxlan/VniExtOrNone.h>
@@ -177,7 +178,8 @@ struct TraceLevels {
 };
 
 struct Model {
-   std::string file;  // the file that `line` counts in, as the reader got it
+   std::string file;  // as the reader got it
+   Sources sources;   // that `line` counts in
    std::string name;
    std::string description;
    Switch device;
@@ -186,6 +188,7 @@ struct Model {
    std::filesystem::path featureFiles;      // the directory of the feature files
    std::vector< TraceLevels > trace;        // set before the plug-in is loaded
    std::vector< Step > steps;
+   std::size_t ownSteps = 0;  // the first of `steps`; the others were added to the scenario
 };
 
 }  // namespace Scenario

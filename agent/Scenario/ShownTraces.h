@@ -1,5 +1,5 @@
-// The text traces that are always on: level 0 of every handle, and the start-up functions of the
-// plug-in's mounter, which deserve a line each.
+// The text traces that are on unless the scenario or --trace says otherwise: level 0 of every
+// handle, and the start-up functions of the plug-in's mounter, which deserve a line each.
 #pragma once
 
 #include <string_view>

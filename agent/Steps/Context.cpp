@@ -6,7 +6,7 @@
 namespace Steps {
 
 std::string Context::placeOf( int line ) const {
-   return file + ":" + std::to_string( line );
+   return sources.placeOf( line );
 }
 
 void Context::at( int line, std::function< void() > const & work ) const {

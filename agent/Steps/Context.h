@@ -23,7 +23,7 @@ namespace Steps {
 
 // All members must outlive their use, turns included.
 struct Context {
-   std::string const & file;  // of the scenario
+   Scenario::Sources const & sources;  // of the scenario
    Kiv::ActivityManager & activity;
    Peers::PublishedState & published;
    Traffic::Injector & traffic;

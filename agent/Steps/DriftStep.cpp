@@ -177,13 +177,15 @@ constexpr std::string_view kWordsTogether = R"({
 })";
 
 std::vector< Word< DriftWords > > wordsOfTheRule() {
-   return { { { "group", "group: ingress", Shape::of( "tcam-group" ) },
-              Scenario::readGroup< DriftWords > },
-            { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
-            { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
-            { { "rule", "",
-                Shape::of( "text", "A part of the rule's name that no other rule of the group has." ) },
-              readRuleName } };
+   return {
+      { { "group", "group: ingress", Shape::of( "tcam-group" ) },
+        Scenario::readGroup< DriftWords > },
+      { { "unit", "unit: 0", Shape::of( "unit-number" ) }, Scenario::readUnit< DriftWords > },
+      { { "entry", "", Shape::number( 1, kHighestNumber, "The entry's id." ) }, readEntryId },
+      { { "rule", "",
+          Shape::of( "text", "A part of the rule's name that no other rule of the group has." ) },
+        readRuleName }
+   };
 }
 
 std::vector< Word< DriftWords > > wordsOfTheChange() {

@@ -23,7 +23,7 @@ std::string oneOfTheRows() {
 }
 
 // A word for each row of the table, and one more that can stand beside any of them.
-WordList stepWords() {
+WordList madeStepWords() {
    static std::string const oneOf = oneOfTheRows();
    WordList list{ { "step", "One step does one thing.", oneOf }, {} };
    for ( Row const & row : table() ) {
@@ -31,6 +31,11 @@ WordList stepWords() {
    }
    list.words.push_back(
       { kOnlyOn, "", Scenario::Shape::of( "variant", "Takes the step on this variant only." ) } );
+   return list;
+}
+
+WordList const & stepWords() {
+   static WordList const list = madeStepWords();
    return list;
 }
 
@@ -64,8 +69,9 @@ void readSteps( Reading & reading, Value const & value,
 
 }  // namespace
 
-Scenario::Model readScenario( std::filesystem::path const & file ) {
-   return Scenario::read( file, readSteps );
+Scenario::Model readScenario( std::filesystem::path const & file,
+                              std::vector< Scenario::AddedStep > const & added ) {
+   return Scenario::read( file, readSteps, added );
 }
 
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file ) {

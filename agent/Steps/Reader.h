@@ -11,7 +11,8 @@
 namespace Steps {
 
 // See Scenario::read() and Scenario::readText().
-Scenario::Model readScenario( std::filesystem::path const & file );
+Scenario::Model readScenario( std::filesystem::path const & file,
+                              std::vector< Scenario::AddedStep > const & added = {} );
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file );
 
 // The words of every mapping with a fixed set of words ("switch", "publish"), and the texts of

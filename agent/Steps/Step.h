@@ -43,8 +43,8 @@ class TurnPart : public Step {
    // Queues a turn of its own.
    void queue( Context const & context, int line ) const override;
 
-   // To be called within a turn. `line` is the line of the step in the scenario, or of its element in
-   // a turn.
+   // To be called within a turn. `line` is the line of the step in the scenario, or of its element
+   // in a turn.
    virtual void change( Context const & context, int line ) const = 0;
 };
 

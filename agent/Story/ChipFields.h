@@ -1,4 +1,5 @@
-// The fields of calls, rules and frames.
+// The fields of calls, rules and frames, for the way between the processes. In documents they have
+// a form of their own (JsonForms.h).
 #pragma once
 
 #include <Calls/HardwareCall.h>

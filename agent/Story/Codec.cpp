@@ -46,10 +46,13 @@ template< std::derived_from< Quelm::Value > T > struct adl_serializer< T > {
 // Ports are stored as the words of their bitmap.
 template<> struct adl_serializer< Brum::PerUnitBitmap > {
    static void to_json( json & out, Brum::PerUnitBitmap const & ports ) {
-      out = Chip::pbmpOf( ports ).words;
+      out = Chip::portsOf( ports );
    }
    static void from_json( json const & in, Brum::PerUnitBitmap & ports ) {
-      ports = Chip::bitmapOf( { in.get< decltype( _shr_pbmp::words ) >() } );
+      ports = {};
+      for ( json const & port : in ) {
+         ports.bitSet( port.get< U32 >() );
+      }
    }
 };
 

@@ -21,7 +21,8 @@
 // An event stands in one pair of files, such as RunEvents.h and RunEvents.cpp. It has
 //
 //    kName       its name on the way between the processes
-//    fields()    its fields (Story/Fields.h), for that way and for documents
+//    fields()    its fields (Story/Fields.h), for that way and for documents; rules, calls, frames,
+//                trees and audits have a form of their own in documents (Story/JsonForms.h)
 //    words()     a line for people; without it HumanWriter writes its own, or none
 //    addTo()     its place in the JSON document (Story/Document.h), if it has one
 //

@@ -184,6 +184,15 @@ Json jsonOf( Cell const & cell ) {
                       cell.value );
 }
 
+Json jsonOf( Node const & node ) {
+   Json json{ { "kind", node.kind }, { "text", node.text } };
+   for ( NamedCell const & value : node.values ) {
+      json[ value.name ] = jsonOf( value.cell );
+   }
+   json[ "children" ] = jsonOf( node.children );
+   return json;
+}
+
 Json jsonOf( Table const & table ) {
    Json rows = Json::array();
    for ( auto const & row : table.rows ) {

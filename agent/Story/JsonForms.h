@@ -16,6 +16,8 @@ Json jsonOf( EntityTree const & tree );
 Json jsonOf( FrameForwarded const & event );
 Json jsonOf( Audited const & audited );
 Json jsonOf( Cell const & cell );
+// { "kind", "text", the values by name, "children" }
+Json jsonOf( Node const & node );
 // { "rules": [ { "unit": 0, ... } ] }
 Json jsonOf( Table const & table );
 Json jsonOf( std::vector< KnownLimit > const & limits );

@@ -7,6 +7,7 @@
 
 #include <Story/EntityTree.h>
 #include <Story/Fields.h>
+#include <Story/Node.h>
 #include <Story/Table.h>
 
 namespace Story {
@@ -66,6 +67,15 @@ struct TableShown {
    static void fields( auto & event, auto && field ) { field( "table", event.table ); }
 };
 
-using StateEvents = std::variant< PublishedChange, EntityDumped, EntityShown, TableShown >;
+// The explanation of a frame.
+struct FrameExplained {
+   static constexpr char const * kName = "frameExplained";
+   Node frame;
+
+   static void fields( auto & event, auto && field ) { field( "frame", event.frame ); }
+};
+
+using StateEvents =
+   std::variant< PublishedChange, EntityDumped, EntityShown, TableShown, FrameExplained >;
 
 }  // namespace Story

@@ -12,8 +12,10 @@ namespace Story {
 
 namespace {
 
-constexpr std::size_t kGap = 2;        // between columns
-constexpr std::size_t kNarrowest = 8;  // a column is not made narrower than this
+constexpr std::string_view kSentence = "because";  // the column that holds a sentence
+constexpr std::size_t kIndent = 6;                 // of a sentence
+constexpr std::size_t kGap = 2;                    // between columns
+constexpr std::size_t kNarrowest = 8;              // a column is not made narrower than this
 
 using Lines = std::vector< std::string >;
 
@@ -84,6 +86,18 @@ std::string rowText( Lines const & row, std::vector< std::size_t > const & width
    return text;
 }
 
+// The sentence in lines of its own, indented.
+std::string sentenceText( Cell const & cell, std::size_t width ) {
+   std::string const indent( kIndent, ' ' );
+   std::string text;
+   for ( std::string const & line :
+         wrapped( std::string( kSentence ) + ": " + Text::printable( cell.words() ),
+                  std::max( width, kNarrowest + kIndent ) - kIndent ) ) {
+      text += indent + line + '\n';
+   }
+   return text;
+}
+
 }  // namespace
 
 bool Cell::has( std::string const & text ) const {
@@ -110,20 +124,23 @@ std::string tableText( Table const & table, std::size_t width ) {
    if ( table.rows.empty() ) {
       return "no " + table.name + '\n';
    }
+   bool const hasSentence = table.columns.back() == kSentence;
+   std::size_t const columns = table.columns.size() - ( hasSentence ? 1 : 0 );
    std::vector< Lines > texts( 1 );
-   for ( std::string const & column : table.columns ) {
-      texts.front().push_back( headingOf( column ) );
+   for ( std::size_t n = 0; n < columns; ++n ) {
+      texts.front().push_back( headingOf( table.columns[ n ] ) );
    }
    for ( auto const & row : table.rows ) {
       Lines & line = texts.emplace_back();
-      for ( Cell const & cell : row ) {
-         line.push_back( Text::printable( cell.words() ) );
+      for ( std::size_t n = 0; n < columns; ++n ) {
+         line.push_back( Text::printable( row[ n ].words() ) );
       }
    }
    auto const widths = widthsOf( texts, width );
-   std::string text;
-   for ( Lines const & row : texts ) {
-      text += rowText( row, widths );
+   std::string text = rowText( texts.front(), widths );
+   for ( std::size_t n = 0; n < table.rows.size(); ++n ) {
+      text += rowText( texts[ n + 1 ], widths );
+      text += hasSentence ? sentenceText( table.rows[ n ].back(), width ) : "";
    }
    return text;
 }

@@ -1,7 +1,8 @@
 // A table: the answer to a question about the switch.
 //
 // One form serves the pipe between the processes, the JSON document and the text for people. A
-// column's name is its name in JSON, "virtualPort"; people see the heading "VIRTUAL PORT".
+// column's name is its name in JSON, "virtualPort"; people see the heading "VIRTUAL PORT". A column
+// of the name "because" holds a sentence: for people it is a line of its own below the row.
 #pragma once
 
 #include <initializer_list>

@@ -149,15 +149,24 @@ VornalTypes::VornalPort Injector::portOf( IntfId const & intfId ) const {
    throw Quelm::Error( intfId.stringValue() + " has no port; no frame can come in on it" );
 }
 
-void Injector::inject( Chip::FrameFields fields, std::optional< IntfId > const & on ) {
-   prepare();
+IntfId Injector::arrivalOf( std::optional< IntfId > const & on ) const {
+   return on ? *on : *forwarding_->underlay.begin();
+}
+
+// Of a frame to the switch's own VTEP, if it comes through a tunnel.
+std::vector< U8 > Injector::bytesOf( Chip::FrameFields fields ) const {
    if ( fields.outer ) {
       auto const & ownVtep = fields.outer->sourceVtep.family() == Pelk::IpGenAddr::Family::ipv4
                                 ? forwarding_->config.vtepIpv4
                                 : forwarding_->config.vtepIpv6;
       fields.outer->destinationVtep = ownVtep.value_or( Pelk::IpGenAddr() );
    }
-   IntfId const arrival = on ? *on : *forwarding_->underlay.begin();
+   return Chip::bytesOf( fields );
+}
+
+void Injector::inject( Chip::FrameFields const & fields, std::optional< IntfId > const & on ) {
+   prepare();
+   IntfId const arrival = arrivalOf( on );
    VornalTypes::VornalPort const port = portOf( arrival );
    std::vector< U8 > const bytes = bytesOf( fields );
    context_.observer.onEvent( Story::FramesBegin{ arrival.stringValue(), 1 } );
@@ -181,12 +190,50 @@ void Injector::injectCapture( std::filesystem::path const & file, IntfId const &
 }
 
 void Injector::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
+   if ( frames_ + 1 == watched_ ) {
+      look_( { arrival, { frame.begin(), frame.end() } } );
+   }
    Chip::FrameStory const & story = captures_ ? pipeline_.forward( arrival, frame, *captures_ )
                                               : pipeline_.forward( arrival, frame, nowhere_ );
    if ( captures_ ) {
       captures_->flush();
    }
    context_.observer.onEvent( Story::FrameForwarded{ ++frames_, story } );
+}
+
+// --- Questions
+
+void Injector::watch( U64 number, std::function< void( ArrivingFrame const & ) > look ) {
+   watched_ = number;
+   look_ = std::move( look );
+}
+
+ArrivingFrame Injector::frameOf( CapturedFrame const & captured ) const {
+   Chip::CaptureReader reader = opened( captured.file );
+   for ( U64 number = 1; auto const one = reader.next(); ++number ) {
+      if ( number == captured.number ) {
+         return { portOf( arrivalOf( captured.on ) ), { one->bytes.begin(), one->bytes.end() } };
+      }
+   }
+   throw Quelm::Error( fmt::format( "{} has {} frames, and no frame {}", captured.file.string(),
+                                    framesIn( captured.file ), captured.number ) );
+}
+
+ArrivingFrame Injector::arriving( FrameAsked const & asked ) {
+   if ( !forwarding_ ) {
+      throw Quelm::Error( "the scenario has no 'forwarding', so no frame can come in" );
+   }
+   prepare();
+   if ( auto const * const captured = std::get_if< CapturedFrame >( &asked ) ) {
+      return frameOf( *captured );
+   }
+   auto const & written = std::get< WrittenFrame >( asked );
+   return { portOf( arrivalOf( written.on ) ), bytesOf( written.fields ) };
+}
+
+Chip::Explanation Injector::explain( ArrivingFrame const & frame, std::size_t nearMisses ) {
+   prepare();
+   return Chip::explain( pipeline_, frame.port, frame.bytes, { .nearMisses = nearMisses } );
 }
 
 }  // namespace Traffic

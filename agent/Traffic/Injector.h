@@ -16,20 +16,25 @@
 // then nothing of that step is injected, except the frames before the damage of a capture.
 // Quelm::Error also when a capture cannot be written.
 //
+// A frame can be explained instead: it goes nowhere, and nothing changes.
+//
 // Threads: the activity's.
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 
 #include <Board/Board.h>
 #include <Capture/PortCaptures.h>
+#include <Explanation/Explanation.h>
 #include <Frames/FrameFields.h>
 #include <Kiv/Activity.h>
 #include <Peers/PublishedState.h>
 #include <Pipeline/Pipeline.h>
 #include <Story/Observer.h>
+#include <Traffic/FrameAsked.h>
 
 namespace Traffic {
 
@@ -51,11 +56,26 @@ class Injector {
 
    // Injects a frame of these fields on the interface, or by default on the first that carries
    // VXLAN. A frame through a tunnel goes to the switch's own VTEP.
-   void inject( Chip::FrameFields fields, std::optional< Pelk::IntfId > const & on );
+   void inject( Chip::FrameFields const & fields, std::optional< Pelk::IntfId > const & on );
    // Injects the frames of a capture, one after the other.
    void injectCapture( std::filesystem::path const & file, Pelk::IntfId const & on );
    // Sets for each of these interfaces whether it is the designated forwarder.
    void designateForwarders( std::map< Pelk::IntfId, bool > const & isDesignated );
+
+   // --- Questions
+
+   // The number of frames that have come in.
+   U64 frames() const { return frames_; }
+   // The MAC addresses that have been learned, by VLAN and address.
+   std::vector< Chip::LearnedMac > macs() const { return pipeline_.macs(); }
+
+   // Calls `look` with that frame of the run, counted from 1, just before the switch gets it.
+   void watch( U64 number, std::function< void( ArrivingFrame const & ) > look );
+   // The frame, of a capture or written, where it would come in now.
+   ArrivingFrame arriving( FrameAsked const & asked );
+   // What would become of the frame now, and why. Tells at most that many rules that miss it, for
+   // each lookup.
+   Chip::Explanation explain( ArrivingFrame const & frame, std::size_t nearMisses );
 
  private:
    class Nowhere final : public Chip::Transmitter {
@@ -66,6 +86,9 @@ class Injector {
    void prepare();
    Chip::ForwardingConfig forwardingNow() const;
    VornalTypes::VornalPort portOf( Pelk::IntfId const & intfId ) const;
+   Pelk::IntfId arrivalOf( std::optional< Pelk::IntfId > const & on ) const;
+   std::vector< U8 > bytesOf( Chip::FrameFields fields ) const;
+   ArrivingFrame frameOf( CapturedFrame const & captured ) const;
    void forward( VornalTypes::VornalPort arrival, Chip::Bytes frame );
 
    Context context_;
@@ -74,6 +97,8 @@ class Injector {
    std::optional< Chip::PortCaptures > captures_;
    Nowhere nowhere_;
    U64 frames_ = 0;
+   U64 watched_ = 0;  // 0: no frame
+   std::function< void( ArrivingFrame const & ) > look_;
 };
 
 }  // namespace Traffic

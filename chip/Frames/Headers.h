@@ -15,6 +15,7 @@ namespace Chip {
 
 namespace EtherType {
 inline constexpr U16 kIpv4 = 0x0800;
+inline constexpr U16 kArp = 0x0806;
 inline constexpr U16 kVlanTag = 0x8100;
 inline constexpr U16 kIpv6 = 0x86dd;
 }  // namespace EtherType

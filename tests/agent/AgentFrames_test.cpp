@@ -303,7 +303,7 @@ TEST_F( FramesOfProgram, CannotLeaveIntoAFile ) {
       { "run", scenario( kFromPeer ).string(), "--pcap-out", ( file / "out" ).string() } );
 
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_NE( ran.err.find( "name one that can be written to" ), std::string::npos ) << ran.err;
+   EXPECT_NE( ran.err.find( "name a folder that takes files" ), std::string::npos ) << ran.err;
 }
 
 TEST_F( FramesOfProgram, NeedAFolderThatTakesFilesBeforeTheRunBegins ) {

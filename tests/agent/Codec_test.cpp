@@ -106,6 +106,12 @@ std::vector< Event > oneOfEach() {
                             { "10.0.0.4" } },
             Story::PluginPass{ Story::PluginPass::State::Skipped, "it is full" },
             Story::EntityShown{ "/evpn/status", someTree() },
+            Story::TableShown{ { "rules",
+                                 { "unit", "vtep" },
+                                 { { U64{ 1 }, Story::Cell() },
+                                   { "text", std::vector< std::string >{ "a", "b" } } } } },
+            Story::FrameExplained{
+               { "frame", "text", { { "number", U64{ 7 } } }, { { "verdict", "sent" } } } },
             Story::OutputLine{ "text" },
             Story::Stopped{ "signal 6",
                             Story::Assertion{ "f.cpp", 12, "void f()", "a == b" },

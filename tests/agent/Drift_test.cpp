@@ -169,8 +169,9 @@ TEST( DriftWords, NameOneRuleAndOneChange ) {
    EXPECT_NE( problemWith( "entry: 1" )
                  .find( "drift changes one thing, but this one changes 0; give one of" ),
               std::string::npos );
-   EXPECT_NE( problemWith( "entry: 1, remove: PacketRes, priority: 1" ).find( "this one 2" ),
-              std::string::npos );
+   EXPECT_NE(
+      problemWith( "entry: 1, remove: PacketRes, priority: 1" ).find( "this one changes 2" ),
+      std::string::npos );
 }
 
 TEST( DriftWords, KnowQualifiersAndActions ) {

@@ -149,8 +149,7 @@ TEST_F( HumanWriter, SaysInWhichStepThePlugInStoppedAndWhatItsLastWordsWere ) {
 }
 
 TEST_F( HumanWriter, ShowsAHalfBuiltRuleWhenThePlugInStopsInTheMiddleOfIt ) {
-   std::string const text =
-      told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
+   std::string const text = told( { step( 2 ), Story::RuleIs{ rule( 7, false ) }, stopped() } );
 
    EXPECT_NE( text.find( "rule added: unit 0, ingress group 157, entry 7" ), std::string::npos );
    EXPECT_NE( text.find( "staged only, not written to the chip" ), std::string::npos );

@@ -19,8 +19,9 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
    EXPECT_EQ( ran.err, "no command 'rum'; did you mean 'run'?\n" );
    EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
               "no command 'vrify'; did you mean 'verify'?\n" );
-   EXPECT_EQ( Support::vornal( { "inspect" } ).err,
-              "no command 'inspect'; the commands are run, show, verify, ring and schema\n" );
+   EXPECT_EQ(
+      Support::vornal( { "inspect" } ).err,
+      "no command 'inspect'; the commands are run, show, explain, verify, ring and schema\n" );
 }
 
 TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
@@ -50,13 +51,15 @@ TEST( ProgramUsage, KeepsItsMessagesShortWhateverIsTyped ) {
 TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
    std::string const help = "\n'vornal run --help' lists the words that it takes\n";
    std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
-   EXPECT_EQ( Support::vornal( {} ).err,
-              "vornal: a command is missing; the commands are run, show, verify, ring and schema\n"
-              "'vornal --help' lists the words that it takes\n" );
+   EXPECT_EQ(
+      Support::vornal( {} ).err,
+      "vornal: a command is missing; the commands are run, show, explain, verify, ring and schema\n"
+      "'vornal --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run" } ).err,
               "vornal run: SCENARIO is missing: " + scenario + help );
    EXPECT_EQ( Support::vornal( { "show", "leaf.yaml" } ).err,
-              "vornal show: WHAT is missing: what to show: 'entities'\n"
+              "vornal show: WHAT is missing: what to show: rules, segments, vteps, ports, tcam, "
+              "class-ids, macs, counters, log or entities\n"
               "'vornal show --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--ring" } ).err,
               "vornal run: --ring needs a value: write the binary trace ring into this file" +

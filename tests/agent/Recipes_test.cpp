@@ -72,8 +72,7 @@ TEST( Recipes, AnEventTouchesTwoFiles ) {
 
 TEST( Recipes, AStepTouchesAPairOfFilesAndTheTable ) {
    expectAPairAndARowForEach( { "Call", "ClassIdAllocatorStep", "DesignatedForwarder", "Dump",
-                                "FailCall", "ForeignEntries", "Frame", "Note", "Replace", "Set",
-                                "Turn" },
+                                "FailCall", "ForeignEntries", "Note", "Replace", "Set", "Turn" },
                               "Steps" );
 }
 

@@ -87,7 +87,7 @@ TEST_F( ScenarioFile, ThatHasALongNameSaysSo ) {
 
 TEST_F( ScenarioFile, WithoutEndIsNotTakenInWhole ) {
    EXPECT_EQ( problems( "/dev/zero" ),
-              "/dev/zero: this is longer than 16 MiB, which no scenario is" + kExample );
+              "/dev/zero: this is longer than the 16 MiB that a scenario may have" + kExample );
 }
 
 TEST_F( ScenarioFile, CanBeANamedPipe ) {

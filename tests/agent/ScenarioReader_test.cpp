@@ -8,6 +8,7 @@
 
 #include <ScenarioTexts.h>
 #include <Steps/Note.h>
+#include <Support.h>
 
 namespace {
 
@@ -146,13 +147,57 @@ TEST( ScenarioReader, TellsWhatIsWrongWithTheBaseInTheBasesOwnLines ) {
                  "wrong-word.yaml:4: unknown word 'varient' in switch; did you mean 'variant'?" );
 }
 
-TEST( ScenarioReader, RefusesStepsInATwin ) {
-   EXPECT_EQ( problems( "scenario: twin\n"
-                        "based-on: whole.yaml\n"
-                        "steps: []\n" ),
-              "leaf.yaml:3: unknown word 'steps' in a scenario that is based on another; known are "
-              "scenario, description, "
-              "based-on and variant" );
+// --- Steps from elsewhere than the scenario's file
+
+class AddedSteps : public testing::Test {
+ protected:
+   AddedSteps() { directory.file( "whole.yaml", ScenarioTexts::kLeaf + "steps:\n   - note: a\n" ); }
+
+   std::string twin( std::string const & steps ) const {
+      return directory.file( "twin.yaml",
+                             "scenario: twin\nbased-on: whole.yaml\nsteps:\n" + steps );
+   }
+
+   Support::Directory directory;
+};
+
+TEST_F( AddedSteps, OfATwinFollowThoseOfTheOtherScenario ) {
+   std::string const file = twin( "   - note: b\n   - note: c\n" );
+   auto const model = Steps::readScenario( file );
+
+   ASSERT_EQ( model.steps.size(), 3U );
+   EXPECT_EQ( model.steps[ 0 ].action->description(), "a" );
+   EXPECT_EQ( model.steps[ 2 ].action->description(), "c" );
+   EXPECT_EQ( model.sources.placeOf( model.steps[ 2 ].line ), file + ":5" );
+}
+
+TEST_F( AddedSteps, OfATwinHaveTheirMistakesInTheTwinsLines ) {
+   std::string const file = twin( "   - note: b\n   - pubish: {}\n" );
+   EXPECT_EQ( fileProblems( file ),
+              file + ":5: unknown word 'pubish' in step; did you mean 'publish'?" );
+}
+
+TEST_F( AddedSteps, OfATwinNameFilesBesideTheTwin ) {
+   std::string const file = twin( "   - frames: { capture: x.pcap, on: Ethernet1 }\n" );
+   directory.file( "x.pcap", "" );
+   EXPECT_EQ( fileProblems( file ).find( "which is no file" ), std::string::npos );
+}
+
+TEST_F( AddedSteps, OfTheCommandLineComeLastUnderTheirOwnName ) {
+   std::string const file = twin( "   - note: b\n" );
+   auto const model =
+      Steps::readScenario( file, { { "--then", "note: c" }, { "--then", "note: d" } } );
+
+   ASSERT_EQ( model.steps.size(), 4U );
+   EXPECT_EQ( model.steps[ 3 ].action->description(), "d" );
+   EXPECT_EQ( model.sources.placeOf( model.steps[ 3 ].line ), "--then:1" );
+   EXPECT_EQ( model.sources.placeOf( model.steps[ 1 ].line ), file + ":4" );
+}
+
+TEST_F( AddedSteps, AreCheckedByWhatTheScenarioPublishes ) {
+   std::string const file = directory.path() / "whole.yaml";
+   EXPECT_THROW( Steps::readScenario( file, { { "--then", "withdraw: { vteps: [ 10.9.9.9 ] }" } } ),
+                 Scenario::ReadError );
 }
 
 // --- files

@@ -17,16 +17,18 @@ Table vteps() {
 }
 
 TEST( TableText, PutsEachColumnUnderItsHeading ) {
-   EXPECT_EQ( tableText( vteps(), 80 ), "VTEP      VIRTUAL PORT  SEGMENT\n"
-                                        "10.0.0.2  2             Port-Channel2, Ethernet5\n"
-                                        "10.0.0.4  -             -\n" );
+   EXPECT_EQ( tableText( vteps(), 80 ),
+              "VTEP      VIRTUAL PORT  SEGMENT\n"
+              "10.0.0.2  2             Port-Channel2, Ethernet5\n"
+              "10.0.0.4  -             -\n" );
 }
 
 TEST( TableText, BreaksTheWidestColumnAtBlanksUntilTheTableFits ) {
-   EXPECT_EQ( tableText( vteps(), 39 ), "VTEP      VIRTUAL PORT  SEGMENT\n"
-                                        "10.0.0.2  2             Port-Channel2,\n"
-                                        "                        Ethernet5\n"
-                                        "10.0.0.4  -             -\n" );
+   EXPECT_EQ( tableText( vteps(), 39 ),
+              "VTEP      VIRTUAL PORT  SEGMENT\n"
+              "10.0.0.2  2             Port-Channel2,\n"
+              "                        Ethernet5\n"
+              "10.0.0.4  -             -\n" );
 }
 
 TEST( TableText, BreaksAWordThatIsWiderThanItsColumn ) {
@@ -36,13 +38,22 @@ TEST( TableText, BreaksAWordThatIsWiderThanItsColumn ) {
 
 TEST( TableText, MakesNoColumnNarrowerThanAWordNeeds ) {
    Table const table{ "names", { "name", "text" }, { { "12345678", "a bc def ghij" } } };
-   EXPECT_EQ( tableText( table, 3 ), "NAME      TEXT\n"
-                                     "12345678  a bc def\n"
-                                     "          ghij\n" );
+   EXPECT_EQ( tableText( table, 3 ),
+              "NAME      TEXT\n"
+              "12345678  a bc def\n"
+              "          ghij\n" );
+}
+
+TEST( TableText, GivesTheReasonsLinesOfTheirOwnBelowTheRow ) {
+   Table const table{ "rules",
+                      { "entry", "because" },
+                      { { U64{ 3 }, "VTEP 10.0.0.2 shares it" } } };
+   EXPECT_EQ( tableText( table, 80 ), "ENTRY\n3\n      because: VTEP 10.0.0.2 shares it\n" );
+   EXPECT_EQ( tableText( table, 30 ), "ENTRY\n3\n      because: VTEP 10.0.0.2\n      shares it\n" );
 }
 
 TEST( TableText, SaysThatThereIsNone ) {
-   EXPECT_EQ( tableText( { "vteps", { "vtep" }, {} }, 80 ), "no vteps\n" );
+   EXPECT_EQ( Story::tableText( { "vteps", { "vtep" }, {} }, 80 ), "no vteps\n" );
 }
 
 TEST( TableText, WritesOutWhatATerminalWouldObey ) {

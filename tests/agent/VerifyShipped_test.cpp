@@ -114,7 +114,7 @@ class VerifyShipped : public testing::TestWithParam< std::string > {
       bool isAsked = false;
       for ( Story::Event const & event : story ) {
          if ( auto const * const step = std::get_if< Story::StepBegins >( &event ) ) {
-            isAsked = step->place == scenario.file + ":" + std::to_string( kAskedLine );
+            isAsked = step->place == scenario.sources.placeOf( kAskedLine );
          } else if ( auto const * const audited = std::get_if< Story::Audited >( &event );
                      audited && isAsked ) {
             result.push_back( { faultsIn( *audited ), isNotRetried( *audited ), "" } );

@@ -1,5 +1,5 @@
-// Class ids: asked for, granted, stamped on ingress entries, counted, given back; and whether a
-// unit needs its TCAM for those that are pending.
+// Class ids: asked for, granted, stamped on ingress entries, counted, given back; whether a unit
+// needs its TCAM for those that are pending; and the log messages of a full and a recovered TCAM.
 
 #include <Kiv/OrEmpty.h>
 #include <Kiv/Rows.h>

@@ -1,0 +1,56 @@
+#include <Host/FrameQuestion.h>
+
+#include <Quelm/Error.h>
+#include <Questions/Explanation.h>
+#include <Story/InputError.h>
+#include <Story/Wording.h>
+
+namespace Host {
+
+using Traffic::ArrivingFrame;
+using Traffic::SentFrame;
+
+FrameQuestion::FrameQuestion( Traffic::FrameAsked asked, bool isAfterTheSteps,
+                              Environment & environment )
+      : asked_( std::move( asked ) ), environment_( environment ) {
+   auto const * const sent = std::get_if< SentFrame >( &asked_ );
+   if ( !sent ) {
+      return;
+   }
+   environment_.traffic().watch( sent->number, [ this, isAfterTheSteps ]( ArrivingFrame frame ) {
+      if ( isAfterTheSteps ) {
+         sent_ = std::move( frame );
+      } else {
+         answer( frame );
+      }
+   } );
+}
+
+void FrameQuestion::stepsAreOver() {
+   if ( isAnswered_ ) {
+      return;
+   }
+   try {
+      if ( auto const * const sent = std::get_if< SentFrame >( &asked_ ) ) {
+         if ( !sent_ ) {
+            throw Quelm::Error( "frame " + std::to_string( sent->number ) +
+                                " is not sent: the scenario has sent " +
+                                Story::counted( environment_.traffic().frames(), "frame" ) );
+         }
+         answer( *sent_ );
+      } else {
+         answer( environment_.traffic().arriving( asked_ ) );
+      }
+   } catch ( Quelm::Error const & error ) {
+      throw Story::InputError( error.what() );
+   }
+}
+
+void FrameQuestion::answer( ArrivingFrame const & frame ) {
+   isAnswered_ = true;
+   environment_.observer().onEvent( Story::FrameExplained{ Questions::explanationOf(
+      environment_.forQuestions(),
+      environment_.traffic().explain( frame, Questions::kNearMisses ) ) } );
+}
+
+}  // namespace Host
