@@ -86,8 +86,8 @@ void VornalEvpnMounter::doMountsComplete( Corrum::MountStatus,
    evpnDependencyWaiterIs( this, vcsd() );
 }
 
-// The directory's machine hears of a segment before the local-bias machine does, because it is built
-// first. So a VTEP is in the directory when handleSegmentStatus() runs.
+// The directory's machine hears of a segment before the local-bias machine does, because it is
+// built first. So a VTEP is in the directory when handleSegmentStatus() runs.
 void VornalEvpnMounter::finishInit() {
    TRACE( mounterTrace, 8, __PRETTY_FUNCTION__ );
    auto const groups =

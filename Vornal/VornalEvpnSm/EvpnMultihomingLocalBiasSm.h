@@ -22,9 +22,9 @@
 //
 // Failures. A broken invariant, a failed SDK call and a failed install stop the process: after them
 // nobody knows the state of the chip. (The result of installing a per-VNI rule alone is ignored.) A
-// full TCAM is no failure: it is traced. The first entry without room is logged; with class ids,
-// once per episode. Only the rules for VNIs are retried when room is reported. A state that cannot
-// be acted on yet is traced at level 2 and waited out.
+// full TCAM is no failure: it is traced. The first VTEP's entry without room is logged; with class
+// ids, once per episode. Only the rules for VNIs are retried when room is reported. A state that
+// cannot be acted on yet is traced at level 2 and waited out.
 //
 // Threads: the activity's. The activity lock is given up during each field call; handlers may
 // otherwise rely on a state database that stands still.

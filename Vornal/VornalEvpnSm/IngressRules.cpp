@@ -4,9 +4,8 @@
 // calling variant adds its action and installs it. An entry that could not be obtained leaves
 // nothing recorded. It is not retried: the next attempt comes with the VTEP's next change.
 //
-// The full message is logged on the first failure. Recovery is noticed, and logged, by the class-id
-// variant alone (I2EClassId/ClassIdAllocation.cpp); in the other one the full message appears once
-// in the machine's life.
+// The full message is logged on the first failure. Only the class-id variant notices and logs
+// recovery (I2EClassId/ClassIdAllocation.cpp); the other one logs full once in the machine's life.
 
 #include <Kiv/OrEmpty.h>
 #include <Shim/FieldCall.h>

@@ -11,8 +11,8 @@
 //
 // A missing rule can have a known cause: a group without room, a queue that waits for room, a class
 // id that the allocator has not granted or has taken back, rules of a withdrawn tunnel interface.
-// The audit lists such differences under kinds that are known (Difference.h). A switch with known
-// differences only is in sync.
+// The audit lists such differences under kinds that are known (Story/Difference.h). A switch with
+// known differences only is in sync.
 //
 // The plug-in has a pass of its own, the operation handleVerify. It compares less, and stops the
 // process at the first difference.

@@ -13,7 +13,7 @@ using Chip::EntryContent;
 class EntryComparison {
  public:
    EntryComparison( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
-              Differences & found )
+                    Differences & found )
          : what_( what ), rule_( rule ), entry_( entry ), found_( found ) {}
 
    void check() {

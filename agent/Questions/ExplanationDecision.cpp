@@ -32,8 +32,7 @@ void addTunnel( Chip::TunnelStory const & tunnel, Node & frame ) {
    std::string text = fmt::format( "tunnel: from VTEP {} to {}", tunnel.source.stringValue(),
                                    tunnel.destination.stringValue() );
    text += tunnel.vni ? fmt::format( ", VNI {}", *tunnel.vni ) : "";
-   text += tunnel.sourceGport ? fmt::format( ", source gport {:#x}", *tunnel.sourceGport )
-                              : ", which has no virtual port";
+   text += tunnel.sourceGport ? fmt::format( ", source gport {:#x}", *tunnel.sourceGport ) : "";
    frame.add(
       { "tunnel",
         text,

@@ -1,7 +1,7 @@
 // All questions about the switch that are answered by a table.
 //
-// A question is one function in a source of its own, and a row here: its name, its columns, and how
-// the rows come about. `vornal show` takes the name; a filter of `show` names a column.
+// A question is one function and a row here: its name, its columns, and how the rows come about.
+// `vornal show` takes the name; a filter of `show` names a column.
 #pragma once
 
 #include <string_view>
@@ -28,12 +28,16 @@ Row const * find( std::string_view name );
 Story::Table answer( Row const & row, Context const & context );
 
 // --- The rows of each, sorted
+
+// Rules.cpp
 Rows rules( Context const & context );
+// Published.cpp
 Rows segments( Context const & context );
 Rows vteps( Context const & context );
 Rows ports( Context const & context );
-Rows tcam( Context const & context );
 Rows classIds( Context const & context );
+// Chip.cpp
+Rows tcam( Context const & context );
 Rows macs( Context const & context );
 Rows counters( Context const & context );
 Rows log( Context const & context );

@@ -74,58 +74,56 @@ Json whole( std::string const & pattern, std::string_view description ) {
 
 // --- Texts and numbers
 
-Json plainForms() {
-   return Json::parse( R"({
-      "text": {
-         "description": "A text. It needs quotes where YAML would read something else.",
-         "type": [ "string", "number", "boolean" ],
-         "minLength": 1
-      },
-      "slice": {
-         "description": "The part of the switch that the agent drives; it is part of mount paths. 1 if left out.",
-         "type": [ "string", "number", "boolean" ],
-         "pattern": "^[^/ ]+$"
-      },
-      "yes-or-no": { "type": "boolean" },
-      "count": { "type": "integer", "minimum": 0, "maximum": 4294967295 },
-      "entries": {
-         "anyOf": [ { "type": "integer", "minimum": 0, "maximum": 65536 }, { "const": "none" } ]
-      },
-      "unit-number": { "type": "integer", "minimum": 0, "maximum": 65535 },
-      "unit-key": {
-         "description": "The number of a unit, 0 to 65535.",
-         "pattern": "^(0x0*[0-9a-fA-F]{1,4}|(6553[0-5]|655[0-2][0-9]|65[0-4][0-9]{2}|6[0-4][0-9]{3}|[1-5][0-9]{4}|[1-9][0-9]{0,3}|0))$"
-      },
-      "logical-port": { "type": "integer", "minimum": 0, "maximum": 351 },
-      "vlan-number": { "type": "integer", "minimum": 1, "maximum": 4094 },
-      "vlan-key": {
-         "description": "A VLAN, 1 to 4094.",
-         "pattern": "^(0x0*([1-9a-eA-E][0-9a-fA-F]{0,2}|[fF]|[fF][0-9a-fA-F]|[fF][0-9a-eA-E][0-9a-fA-F]|[fF]{2}[0-9a-eA-E])|409[0-4]|40[0-8][0-9]|[1-3][0-9]{3}|[1-9][0-9]{0,2})$"
-      },
-      "field-number": {
-         "description": "The one number that a qualifier or an action has; nothing where any will do.",
-         "anyOf": [
-            { "$ref": "#/definitions/count" },
-            {
-               "type": "array",
-               "items": { "$ref": "#/definitions/count" },
-               "minItems": 1,
-               "maxItems": 1
-            },
-            { "type": "null" }
-         ]
-      },
-      "path": {
-         "description": "The path of an entity: /evpn/status/segmentStatus[Port-Channel2].",
-         "type": "string",
-         "pattern": "^(/[A-Za-z0-9_.:@#-]+(\\[(\"(\\\\[^]|[^\"\\\\])*\"|[^\\]\"])+\\])?)+$"
-      },
-      "of-udp": {
-         "description": "The frame has a UDP datagram.",
-         "allOf": [ { "required": [ "content" ] }, { "properties": { "content": { "const": "udp" } } } ]
-      }
-   })" );
-}
+constexpr std::string_view kPlainForms = R"({
+   "text": {
+      "description": "A text. It needs quotes where YAML would read something else.",
+      "type": [ "string", "number", "boolean" ],
+      "minLength": 1
+   },
+   "slice": {
+      "description": "The part of the switch that the agent drives; it is part of mount paths. 1 if left out.",
+      "type": [ "string", "number", "boolean" ],
+      "pattern": "^[^/ ]+$"
+   },
+   "yes-or-no": { "type": "boolean" },
+   "count": { "type": "integer", "minimum": 0, "maximum": 4294967295 },
+   "entries": {
+      "anyOf": [ { "type": "integer", "minimum": 0, "maximum": 65536 }, { "const": "none" } ]
+   },
+   "unit-number": { "type": "integer", "minimum": 0, "maximum": 65535 },
+   "unit-key": {
+      "description": "The number of a unit, 0 to 65535.",
+      "pattern": "^(0x0*[0-9a-fA-F]{1,4}|(6553[0-5]|655[0-2][0-9]|65[0-4][0-9]{2}|6[0-4][0-9]{3}|[1-5][0-9]{4}|[1-9][0-9]{0,3}|0))$"
+   },
+   "logical-port": { "type": "integer", "minimum": 0, "maximum": 351 },
+   "vlan-number": { "type": "integer", "minimum": 1, "maximum": 4094 },
+   "vlan-key": {
+      "description": "A VLAN, 1 to 4094.",
+      "pattern": "^(0x0*([1-9a-eA-E][0-9a-fA-F]{0,2}|[fF]|[fF][0-9a-fA-F]|[fF][0-9a-eA-E][0-9a-fA-F]|[fF]{2}[0-9a-eA-E])|409[0-4]|40[0-8][0-9]|[1-3][0-9]{3}|[1-9][0-9]{0,2})$"
+   },
+   "field-number": {
+      "description": "The one number that a qualifier or an action has; nothing where any will do.",
+      "anyOf": [
+         { "$ref": "#/definitions/count" },
+         {
+            "type": "array",
+            "items": { "$ref": "#/definitions/count" },
+            "minItems": 1,
+            "maxItems": 1
+         },
+         { "type": "null" }
+      ]
+   },
+   "path": {
+      "description": "The path of an entity: /evpn/status/segmentStatus[Port-Channel2].",
+      "type": "string",
+      "pattern": "^(/[A-Za-z0-9_.:@#-]+(\\[(\"(\\\\[^]|[^\"\\\\])*\"|[^\\]\"])+\\])?)+$"
+   },
+   "of-udp": {
+      "description": "The frame has a UDP datagram.",
+      "allOf": [ { "required": [ "content" ] }, { "properties": { "content": { "const": "udp" } } } ]
+   }
+})";
 
 Json levels() {
    return { { "description", "Trace levels, as 0-5,9." },
@@ -201,60 +199,58 @@ Json addressForms() {
 
 // --- Collections of published state
 
-Json collectionForms() {
-   return Json::parse( R"({
-      "interfaces": {
-         "type": "object",
-         "description": "Ethernet interfaces, and the chip port of each. An empty mapping, {}, defines an interface that has no port on the agent's chips, or none yet.",
-         "propertyNames": { "$ref": "#/definitions/ethernet" },
-         "additionalProperties": {
-            "anyOf": [
-               { "$ref": "#/definitions/interface" },
-               { "type": "object", "maxProperties": 0 }
-            ]
-         }
-      },
-      "port-channels": {
-         "type": "object",
-         "description": "Port channels (LAGs) and their members.",
-         "propertyNames": { "$ref": "#/definitions/port-channel" },
-         "additionalProperties": { "$ref": "#/definitions/ethernets" }
-      },
-      "segments": {
-         "type": "object",
-         "description": "Ethernet segments by the interface that they are on, with the remote VTEPs attached to each.",
-         "propertyNames": { "$ref": "#/definitions/segment-interface" },
-         "additionalProperties": { "$ref": "#/definitions/vtep-addresses" }
-      },
-      "vteps": {
-         "type": "object",
-         "description": "Remote VTEPs by address.",
-         "propertyNames": { "$ref": "#/definitions/vtep-address" },
-         "additionalProperties": { "$ref": "#/definitions/vtep" }
-      },
-      "tunnel-interfaces": {
-         "type": "object",
-         "description": "VXLAN tunnel interfaces.",
-         "propertyNames": { "$ref": "#/definitions/vxlan" },
-         "additionalProperties": { "$ref": "#/definitions/tunnel-interface" }
-      },
-      "class-id-grants": {
-         "type": "object",
-         "description": "Class ids that the allocator grants, by remote VTEP; 65535 is no class id.",
-         "propertyNames": { "$ref": "#/definitions/vtep-address" },
-         "additionalProperties": { "type": "integer", "minimum": 0, "maximum": 65535 }
+constexpr std::string_view kCollectionForms = R"({
+   "interfaces": {
+      "type": "object",
+      "description": "Ethernet interfaces, and the chip port of each. An empty mapping, {}, defines an interface that has no port on the agent's chips, or none yet.",
+      "propertyNames": { "$ref": "#/definitions/ethernet" },
+      "additionalProperties": {
+         "anyOf": [
+            { "$ref": "#/definitions/interface" },
+            { "type": "object", "maxProperties": 0 }
+         ]
       }
-   })" );
-}
+   },
+   "port-channels": {
+      "type": "object",
+      "description": "Port channels (LAGs) and their members.",
+      "propertyNames": { "$ref": "#/definitions/port-channel" },
+      "additionalProperties": { "$ref": "#/definitions/ethernets" }
+   },
+   "segments": {
+      "type": "object",
+      "description": "Ethernet segments by the interface that they are on, with the remote VTEPs attached to each.",
+      "propertyNames": { "$ref": "#/definitions/segment-interface" },
+      "additionalProperties": { "$ref": "#/definitions/vtep-addresses" }
+   },
+   "vteps": {
+      "type": "object",
+      "description": "Remote VTEPs by address.",
+      "propertyNames": { "$ref": "#/definitions/vtep-address" },
+      "additionalProperties": { "$ref": "#/definitions/vtep" }
+   },
+   "tunnel-interfaces": {
+      "type": "object",
+      "description": "VXLAN tunnel interfaces.",
+      "propertyNames": { "$ref": "#/definitions/vxlan" },
+      "additionalProperties": { "$ref": "#/definitions/tunnel-interface" }
+   },
+   "class-id-grants": {
+      "type": "object",
+      "description": "Class ids that the allocator grants, by remote VTEP; 65535 is no class id.",
+      "propertyNames": { "$ref": "#/definitions/vtep-address" },
+      "additionalProperties": { "type": "integer", "minimum": 0, "maximum": 65535 }
+   }
+})";
 
 }  // namespace
 
 Json forms() {
-   Json all = plainForms();
+   Json all = Json::parse( kPlainForms );
    all[ "levels" ] = levels();
    all.update( interfaceForms() );
    all.update( addressForms() );
-   all.update( collectionForms() );
+   all.update( Json::parse( kCollectionForms ) );
    return all;
 }
 

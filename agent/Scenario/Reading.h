@@ -51,8 +51,8 @@ class Reading {
       sources_.add( std::move( file ), text_ );
    }
 
-   // Begins to read one more text; its lines count behind those of the texts before. ReadError, which names
-   // `name`, when it cannot be read.
+   // Begins to read one more text; its lines count behind those of the texts before. ReadError,
+   // which names `name`, when it cannot be read.
    YAML::Node add( std::string const & name, std::string const & text );
    Sources const & sources() const { return sources_; }
 

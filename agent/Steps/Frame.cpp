@@ -134,8 +134,9 @@ constexpr std::string_view kWordsTogether = R"({
    ]
 })";
 
+using Fields = Chip::FrameFields;
+
 Table< Frame > const & frameTable() {
-   using Fields = Chip::FrameFields;
    static Table< Frame > const table{
       { "frame",
         "A frame comes in: from a host on an access interface, or through a tunnel from a remote "

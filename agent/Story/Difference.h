@@ -26,11 +26,11 @@ enum class DifferenceKind : U8 {
    recordWithoutRule,  // in the plug-in's records, and not in the chip
    recordDiffers,      // a record contradicts the state
    unneededRequest,    // a request of a class id for a VTEP that needs no rules
-   noRoom,             // the group has no room for the rule
+   noRoom,             // the group is full, or the unit has none
    queued,             // there was no room for the rule; the plug-in will try again
    waitingForClassId,  // the allocator has not granted the rule's class id
    classIdWithdrawn,   // the class id was withdrawn; the rules keep it
-   leftBehind,         // only the end of Vxlan1 removes per-VNI rules and their queue
+   leftBehind,         // rules of a VNI that stayed when its tunnel interface went, or went with it
 };
 
 struct DifferenceRow {

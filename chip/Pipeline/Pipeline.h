@@ -9,11 +9,11 @@
 //    learning        the source address is where the frame came from, unless it is known on a
 //                    segment that the source VTEP shares; group addresses are not learned
 //    decision        FrameKind, and with it the packet resolution; routed frames get their new
-//                    addresses
+//                    addresses; unicast from a tunnel to a host behind a tunnel is dropped
 //    ingress rules   of the arrival's unit
 //    replication     to the bridge domain's interfaces but the arrival's, one member for each port
 //                    channel, and for frames from access interfaces to the VNI's flood list; known
-//                    unicast goes to one place. A frame from a tunnel enters no other one
+//                    unicast goes to one place. What is flooded from a tunnel enters no other
 //    egress mask     of the winning ingress rule, by logical port
 //    egress rules    of the port's unit: module id and logical port, IP type of the frame itself,
 //                    class id that the ingress rule has set

@@ -8,7 +8,7 @@
 
 namespace Chip {
 
-// Why a whole frame was dropped, in the order in which the pipeline asks.
+// Why a whole frame was dropped, by the part of the pipeline that asks.
 enum class DropReason : U8 {
    // --- Arrival
    UnknownPort,       // no interface of this switch

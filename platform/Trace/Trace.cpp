@@ -26,6 +26,7 @@ struct Setting {
 // built on first use and never destroyed.
 struct Shared {
    std::vector< Handle * > handles;
+   // The defaults: level 0 in the text, levels 0 to 5 in the ring.
    std::vector< Setting > textSettings{ { "*", 0x001 } };
    std::vector< Setting > ringSettings{ { "*", 0x03f } };
    Sink sink;

@@ -1,5 +1,5 @@
-// Class ids: asked for, granted, stamped on ingress entries, counted, given back; whether a unit
-// needs its TCAM for those that are pending; and the log messages of a full and a recovered TCAM.
+// Class ids: requests, use on ingress entries, counting and return (another agent grants them);
+// whether a unit needs its TCAM for pending ones; the log messages of a full and a recovered TCAM.
 
 #include <Kiv/OrEmpty.h>
 #include <Kiv/Rows.h>
