@@ -1,10 +1,13 @@
 #include <CommandLine/Run.h>
 
+#include <array>
 #include <iostream>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/CaptureFolder.h>
+#include <CommandLine/Comparison.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -31,23 +34,72 @@ class OutputEcho final : public Story::Observer {
    }
 };
 
+// Tells one step's part of the story.
+class OneStep final : public Story::Observer {
+ public:
+   OneStep( U32 step, std::ostream & out, bool isColoured )
+         : step_( step ), out_( out ), writer_( part_, Story::Style( isColoured ) ) {}
+
+   // The writer hears everything, because the rules of a step are those that differ from the step
+   // before.
+   void onEvent( Story::Event const & event ) override {
+      auto const * const begins = std::get_if< Story::StepBegins >( &event );
+      if ( begins && begins->number == step_ ) {
+         part_.str( "" );
+      }
+      writer_.onEvent( event );
+      auto const * const ends = std::get_if< Story::StepEnds >( &event );
+      if ( ends && ends->number == step_ ) {
+         tell();
+      }
+      isEarly_ = isEarly_ || std::holds_alternative< Story::Stopped >( event ) ||
+                 std::holds_alternative< Story::Interrupted >( event );
+   }
+
+   // After the run: a run that ended in an earlier step, or in this one, has not been told.
+   void tellEarlyEnd() {
+      if ( isEarly_ && !isTold_ ) {
+         tell();
+      }
+   }
+
+ private:
+   void tell() {
+      out_ << part_.str() << std::flush;
+      isTold_ = true;
+   }
+
+   U32 step_;
+   std::ostream & out_;
+   std::ostringstream part_;
+   Story::HumanWriter writer_;
+   bool isEarly_ = false;
+   bool isTold_ = false;
+};
+
 Story::ExitCode runForPeople( ScenarioRun const & what, std::vector< Story::Observer * > observers,
-                              std::ostream & out ) {
-   Story::HumanWriter writer( out, Story::Style( isColoured( STDOUT_FILENO ) ) );
-   observers.push_back( &writer );
+                              std::optional< U32 > step, std::ostream & out ) {
+   bool const colours = isColoured( STDOUT_FILENO );
+   Story::HumanWriter writer( out, Story::Style( colours ) );
+   OneStep one( step.value_or( 0 ), out, colours );
+   observers.push_back( step ? static_cast< Story::Observer * >( &one ) : &writer );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
+   if ( step ) {
+      one.tellEarlyEnd();
+   }
    return outcome.exitCode();
 }
 
 Story::ExitCode runForPrograms( ScenarioRun const & what,
-                                std::vector< Story::Observer * > observers, std::ostream & out ) {
+                                std::vector< Story::Observer * > observers,
+                                std::optional< U32 > step, std::ostream & out ) {
    Story::JsonWriter writer;
    OutputEcho echo;
    observers.insert( observers.end(), { &writer, &echo } );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
-   writer.write( out );
+   step ? writer.writeStep( *step, out ) : writer.write( out );
    tellInterruption( outcome );
    return outcome.exitCode();
 }
@@ -91,6 +143,16 @@ void Run::declare( CLI::App & app ) {
       ->type_name( "STEP" )
       ->take_all()
       ->expected( 1 );
+   app.add_option( "--step", step_, "End with this step, and tell its part of the story alone" )
+      ->type_name( "STEP" )
+      ->excludes( "--until" );
+   app.add_option( "--what-if", whatIf_,
+                   "Show what one more step would change, instead of the story; can be given "
+                   "several times" )
+      ->type_name( "STEP" )
+      ->take_all()
+      ->expected( 1 )
+      ->excludes( "--step" );
    app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -107,10 +169,13 @@ void Run::readWords() {
    }
 }
 
-Scenario::Model Run::read() const {
+Scenario::Model Run::read( std::vector< std::string > const & whatIf ) const {
    std::vector< Scenario::AddedStep > added;
    for ( std::string const & step : then_ ) {
       added.push_back( { "--then", step } );
+   }
+   for ( std::string const & step : whatIf ) {
+      added.push_back( { "--what-if", step } );
    }
    Scenario::Model scenario = Steps::readScenario( scenario_.file(), added );
    if ( until_ ) {
@@ -122,18 +187,38 @@ Scenario::Model Run::read() const {
    return scenario;
 }
 
+Story::ExitCode Run::compare( std::ostream & out ) const {
+   std::array< Story::Table, 2 > states;
+   std::array const scenarios{ read(), read( whatIf_ ) };
+   for ( std::size_t n = 0; n < states.size(); ++n ) {
+      ScenarioRun const what{ scenarios[ n ], scenario_.config(), {}, scenario_.turnLimit() };
+      if ( auto const code = stateAfter( what, states[ n ] ); code != Story::ExitCode::Held ) {
+         return code;
+      }
+   }
+   print( differencesBetween( states[ 0 ], states[ 1 ] ), scenario_.isJson(), out );
+   return Story::ExitCode::Held;
+}
+
 Story::ExitCode Run::perform( std::ostream & out ) {
+   if ( !whatIf_.empty() ) {
+      return compare( out );
+   }
    Scenario::Model const scenario = read();
    ScenarioRun what{ scenario, scenario_.config(), ifNamed( ring_ ), scenario_.turnLimit() };
    what.config.trace = trace_;
    what.config.captures = captureFolder( ifNamed( captures_ ), scenario );
+   if ( step_ ) {
+      checkStep( "--step", step_, scenario );
+      what.config.lastStep = step_;
+   }
    Progress progress( std::cerr );
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
    }
-   return scenario_.isJson() ? runForPrograms( what, std::move( observers ), out )
-                             : runForPeople( what, std::move( observers ), out );
+   return scenario_.isJson() ? runForPrograms( what, std::move( observers ), step_, out )
+                             : runForPeople( what, std::move( observers ), step_, out );
 }
 
 }  // namespace CommandLine

@@ -18,14 +18,18 @@ class Run final : public Command {
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
-   // The scenario up to the step of --until, and the steps of --then.
-   Scenario::Model read() const;
+   // The scenario up to the step of --until, and the steps of --then and of --what-if.
+   Scenario::Model read( std::vector< std::string > const & whatIf = {} ) const;
+   // The differences that the steps of --what-if make.
+   Story::ExitCode compare( std::ostream & out ) const;
 
    ScenarioWords scenario_;
    std::vector< std::string > traceTexts_;
    std::vector< Scenario::TraceLevels > trace_;
    std::optional< U32 > until_;
    std::vector< std::string > then_;
+   std::vector< std::string > whatIf_;
+   std::optional< U32 > step_;       // the one to tell; nothing: all of them
    std::filesystem::path ring_;      // the trace ring's file; empty: none
    std::filesystem::path captures_;  // the folder for the frames that leave each port; empty: none
 };

@@ -1,5 +1,6 @@
 #include <CommandLine/Table.h>
 
+#include <CommandLine/Diff.h>
 #include <CommandLine/Explain.h>
 #include <CommandLine/Ring.h>
 #include <CommandLine/Run.h>
@@ -20,6 +21,9 @@ constexpr std::string_view kOfATable =
 constexpr std::string_view kOfAnAudit =
    "Exit codes: 0 in sync, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
    "process, in its own pass or before, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfADiff =
+   "Exit codes: 0 no differences, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
+   "process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -42,6 +46,10 @@ std::vector< Row > const & table() {
         "vornal explain scenarios/two-leaves/scenario.yaml 2\n"
         "vornal explain scenario.yaml '{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02 }'",
         create< Explain >, kOfATable },
+      { "diff", "Compare the switches of two scenarios, or of two steps of one",
+        "vornal diff scenarios/two-leaves/scenario.yaml --after 9 --against 8\n"
+        "vornal diff scenarios/two-leaves/scenario.yaml scenarios/four-vteps/scenario.yaml",
+        create< Diff >, kOfADiff },
       { "verify", "Run a scenario and compare the rules with the published state",
         "vornal verify scenarios/start-up/scenario.yaml\n"
         "vornal verify --after-each-step scenario.yaml",

@@ -47,7 +47,7 @@ class Environment {
    }
    StateDatabase::Finder const & finder() const { return finder_; }
    Questions::Context forQuestions() const {
-      return { board_.units(), auditor_, traffic_, chronicle_ };
+      return { board_.units(), auditor_, traffic_, chronicle_, finder_ };
    }
 
  private:

@@ -4,6 +4,7 @@
 #include <Audit/Audit.h>
 #include <FieldProcessor/Unit.h>
 #include <Questions/Chronicle.h>
+#include <StateDatabase/Finder.h>
 #include <Traffic/Injector.h>
 
 namespace Questions {
@@ -14,6 +15,7 @@ struct Context {
    Audit::Auditor const & auditor;
    Traffic::Injector const & traffic;
    Chronicle const & chronicle;
+   StateDatabase::Finder const & finder;
 };
 
 }  // namespace Questions

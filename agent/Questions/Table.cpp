@@ -39,7 +39,11 @@ std::vector< Row > const & table() {
         "the frames that rules kept back",
         { "vtep", "interface", "unit", "group", "entry", "frames" },
         counters },
-      { "log", "the lines of the log, by step", { "step", "name", "line" }, log }
+      { "log", "the lines of the log, by step", { "step", "name", "line" }, log },
+      { "state",
+        "all that is published, all rules and records: what two switches can differ in",
+        { "kind", "item", "value" },
+        state }
    };
    return rows_;
 }

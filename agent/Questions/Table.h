@@ -41,5 +41,7 @@ Rows tcam( Context const & context );
 Rows macs( Context const & context );
 Rows counters( Context const & context );
 Rows log( Context const & context );
+// State.cpp
+Rows state( Context const & context );
 
 }  // namespace Questions

@@ -22,6 +22,14 @@ void JsonWriter::write( std::ostream & out ) const {
    out << documentText( document ) << std::flush;
 }
 
+void JsonWriter::writeStep( U32 number, std::ostream & out ) const {
+   Json found;
+   for ( Json const & step : document_.json()[ "steps" ] ) {
+      found = step[ "number" ] == number ? step : found;
+   }
+   out << documentText( found ) << std::flush;
+}
+
 void JsonWriter::take( BadInput const & event ) {
    endsEarly();
    event.addTo( document_ );

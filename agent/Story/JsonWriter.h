@@ -42,6 +42,9 @@ class JsonWriter final : public Observer {
 
    // Writes the present document.
    void write( std::ostream & out ) const;
+   // Writes the object of that step alone, as it stands in the document; null when it has not
+   // begun.
+   void writeStep( U32 number, std::ostream & out ) const;
 
  private:
    void take( StepEnds const & ) { ruleChanges(); }

@@ -21,7 +21,7 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
               "no command 'vrify'; did you mean 'verify'?\n" );
    EXPECT_EQ(
       Support::vornal( { "inspect" } ).err,
-      "no command 'inspect'; the commands are run, show, explain, verify, ring and schema\n" );
+      "no command 'inspect'; the commands are run, show, explain, diff, verify, ring and schema\n" );
 }
 
 TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
@@ -53,13 +53,13 @@ TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
    std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
    EXPECT_EQ(
       Support::vornal( {} ).err,
-      "vornal: a command is missing; the commands are run, show, explain, verify, ring and schema\n"
+      "vornal: a command is missing; the commands are run, show, explain, diff, verify, ring and schema\n"
       "'vornal --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run" } ).err,
               "vornal run: SCENARIO is missing: " + scenario + help );
    EXPECT_EQ( Support::vornal( { "show", "leaf.yaml" } ).err,
               "vornal show: WHAT is missing: what to show: rules, segments, vteps, ports, tcam, "
-              "class-ids, macs, counters, log or entities\n"
+              "class-ids, macs, counters, log, state or entities\n"
               "'vornal show --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--ring" } ).err,
               "vornal run: --ring needs a value: write the binary trace ring into this file" +

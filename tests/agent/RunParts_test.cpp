@@ -71,4 +71,27 @@ TEST_F( RunParts, NamesThePlaceOfAMistakeInAnAddedStep ) {
    EXPECT_EQ( run( { "--until", "4" } ).err, "--until 4: " + scenario() + " ends with step 3\n" );
 }
 
+TEST_F( RunParts, TellsOneStepAlone ) {
+   EXPECT_EQ( run( { "--step", "2" } ).out, "\nstep 2: two\n" );
+
+   auto const json = run( { "--step", "2", "--json" } );
+   EXPECT_EQ( json.exitCode, 0 ) << json.err;
+   EXPECT_EQ( Json::parse( json.out )[ "text" ], "two" );
+   EXPECT_EQ( Json::parse( json.out )[ "number" ], 2 );
+}
+
+TEST_F( RunParts, TellsOfAStepTheRulesThatItChangedItself ) {
+   std::string const all = run( { "--step", "4", "--then",
+                                  "publish: { vteps: { 10.0.0.3: { "
+                                  "virtual-port: 3 } } }" } )
+                              .out;
+   EXPECT_TRUE( all.starts_with( "\nstep 4: " ) ) << all;
+   EXPECT_EQ( Support::timesIn( all, "step " ), 1U ) << all;
+}
+
+TEST_F( RunParts, TakesOneOfUntilAndStep ) {
+   EXPECT_EQ( run( { "--until", "1", "--step", "1" } ).exitCode, 2 );
+   EXPECT_EQ( run( { "--step", "4" } ).exitCode, 2 );
+}
+
 }  // namespace
