@@ -209,7 +209,7 @@ Story::ExitCode Run::perform( std::ostream & out ) {
    what.config.trace = trace_;
    what.config.captures = captureFolder( ifNamed( captures_ ), scenario );
    if ( step_ ) {
-      checkStep( "--step", step_, scenario );
+      checkStep( "--step", step_, scenario, scenario.steps.size() );
       what.config.lastStep = step_;
    }
    Progress progress( std::cerr );

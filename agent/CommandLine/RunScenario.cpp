@@ -41,10 +41,11 @@ Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observ
 }
 
 void checkStep( std::string const & option, std::optional< U32 > const & step,
-                Scenario::Model const & scenario ) {
-   if ( step && *step > scenario.ownSteps ) {
+                Scenario::Model const & scenario, std::optional< std::size_t > last ) {
+   std::size_t const end = last.value_or( scenario.ownSteps );
+   if ( step && *step > end ) {
       throw Story::InputError( option + " " + std::to_string( *step ) + ": " + scenario.file +
-                               " ends with step " + std::to_string( scenario.ownSteps ) );
+                               " ends with step " + std::to_string( end ) );
    }
 }
 

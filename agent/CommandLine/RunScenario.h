@@ -28,9 +28,10 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
 // stops, on standard error. The result is Held when the answer is there: expectations do not count.
 Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer );
 
-// Throws Story::InputError, which names the option, unless the scenario has that step, if any.
+// Throws Story::InputError, which names the option, for a step behind the last one, which is that
+// of the scenario's own unless given.
 void checkStep( std::string const & option, std::optional< U32 > const & step,
-                Scenario::Model const & scenario );
+                Scenario::Model const & scenario, std::optional< std::size_t > last = {} );
 
 // Prints on standard error in which step the run was interrupted, if it was.
 void tellInterruption( Story::Outcome const & outcome );
