@@ -140,7 +140,7 @@ TEST( Explain, AgreesWithTheStoryOfTheRun ) {
    auto const run = Support::vornal( { "run", "--json", scenario( "two-leaves" ) } );
    Json const frames = Json::parse( run.out )[ "frames" ];
    for ( std::size_t const number : { 1U, 100U, 357U } ) {
-      Json const story = frames[ number - 1 ];
+      Json const & story = frames[ number - 1 ];
       Json const why =
          Json::parse( explained( "two-leaves", { std::to_string( number ), "--json" } ) );
       Json verdicts = Json::array();
