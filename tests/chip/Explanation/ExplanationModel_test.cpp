@@ -152,7 +152,7 @@ Arriving anyFrame() {
       arriving.bytes.resize( anyIn< std::size_t >( 0, arriving.bytes.size() ) );
    }
    if ( isOneOf( 10 ) && !arriving.bytes.empty() ) {
-      std::size_t const at = anyIn< std::size_t >( 0, arriving.bytes.size() );
+      auto const at = anyIn< std::size_t >( 0, arriving.bytes.size() );
       arriving.bytes[ at ] = anyIn< U8 >( 0, 0xff );
    }
    return arriving;
