@@ -19,9 +19,9 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
    EXPECT_EQ( ran.err, "no command 'rum'; did you mean 'run'?\n" );
    EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
               "no command 'vrify'; did you mean 'verify'?\n" );
-   EXPECT_EQ(
-      Support::vornal( { "inspect" } ).err,
-      "no command 'inspect'; the commands are run, show, explain, diff, verify, ring and schema\n" );
+   EXPECT_EQ( Support::vornal( { "inspect" } ).err,
+              "no command 'inspect'; the commands are run, show, explain, diff, verify, ring and "
+              "schema\n" );
 }
 
 TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
@@ -51,10 +51,10 @@ TEST( ProgramUsage, KeepsItsMessagesShortWhateverIsTyped ) {
 TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
    std::string const help = "\n'vornal run --help' lists the words that it takes\n";
    std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
-   EXPECT_EQ(
-      Support::vornal( {} ).err,
-      "vornal: a command is missing; the commands are run, show, explain, diff, verify, ring and schema\n"
-      "'vornal --help' lists the words that it takes\n" );
+   EXPECT_EQ( Support::vornal( {} ).err,
+              "vornal: a command is missing; the commands are run, show, explain, diff, verify, "
+              "ring and schema\n"
+              "'vornal --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run" } ).err,
               "vornal run: SCENARIO is missing: " + scenario + help );
    EXPECT_EQ( Support::vornal( { "show", "leaf.yaml" } ).err,
