@@ -21,7 +21,7 @@ void read( Vornal::VornalCommonSmData const & common, State & state ) {
    for ( auto intf = common.vornalIntfToPortIter(); intf; ++intf ) {
       state.ports[ intf.key() ] = intf.value();
    }
-   if ( auto const points = common.sliceDependencyPoints() ) {
+   if ( auto const & points = common.sliceDependencyPoints() ) {
       state.isPluginReady = points->evpnDependencyPoint()->isReady();
    }
 }
