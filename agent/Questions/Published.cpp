@@ -87,6 +87,16 @@ Cell classIdOf( State const & state, IpGenAddr const & vtep ) {
    return granted == state.classIds.end() ? Cell() : Cell( U64{ granted->second.value() } );
 }
 
+// The port channel that the interface is a member of; empty without one.
+IntfId portChannelOf( State const & state, IntfId const & member ) {
+   for ( auto const & [ lag, members ] : state.lags ) {
+      if ( members.contains( member ) ) {
+         return lag;
+      }
+   }
+   return {};
+}
+
 }  // namespace
 
 Rows segments( Context const & context ) {
@@ -128,10 +138,7 @@ Rows ports( Context const & context ) {
    State const state = context.auditor.state();
    Rows rows;
    for ( auto const & [ intf, port ] : state.ports ) {
-      IntfId portChannel;
-      for ( auto const & [ lag, members ] : state.lags ) {
-         portChannel = members.contains( intf ) ? lag : portChannel;
-      }
+      IntfId const portChannel = portChannelOf( state, intf );
       IntfId const & owner = portChannel.isEmpty() ? intf : portChannel;
       auto const segment = state.segments.find( owner );
       bool const isOnSegment = segment != state.segments.end();
