@@ -17,6 +17,7 @@ namespace {
 
 constexpr char const * kEvpnStatusPath = "evpn/status";
 constexpr char const * kVpIndexStatusPath = "hardware/vornal/vp/status/vornalL3";
+// The agent's central part mounts the capabilities; the plug-in looks them up alone.
 constexpr char const * kVxlanCapabilitiesPath = "hardware/vornal/centralStatus/vxlanCapabilities";
 constexpr char const * kI2EClassIdConfigPath = "hardware/vornal/i2eclassid/config/slice/%s";
 constexpr char const * kI2EClassIdStatusPath = "hardware/vornal/i2eclassid/status/slice/%s";

@@ -2,14 +2,14 @@
 //
 // Per VNI that a VRF is mapped to on the tunnel interface, and per unit, one action-less entry
 // matches that VNI's known L3 multicast, at a priority above the VTEPs' entries. Entries follow the
-// map while this switch has Ethernet segments and the toggle "SbdEvpnTcamOverrideRule" is on.
+// map while this switch has Ethernet segments and the toggle "SbdEvpnTcamOverrideRule" is on. A
+// platform that exempts known L3 multicast itself needs none.
 //
 // A VRF without an entry for want of room is queued. When the entry manager reports room on any
 // unit, handleTcamExhaustion() arms the clock, and handleTime() tries the queued VRFs again.
 //
-// The record of installed entries is keyed by VNI alone. It therefore serves switches with one
-// unit: on the second unit, releasing finds nothing left to release, and installing fails its
-// assertion.
+// The record of installed entries is keyed by VNI alone, so it serves one unit. On a second unit,
+// releasing finds nothing left to release, and installing fails its assertion.
 //
 // The line numbers are those by which support tools know the calls.
 
