@@ -12,7 +12,7 @@ namespace Support {
 inline std::string rowOf( Kiv::Attribute const & attribute ) {
    std::string const result = attribute.valueType().empty() ? "" : " -> " + attribute.valueType();
    if ( attribute.kind() == Kiv::Attribute::Kind::Operation ) {
-      std::string const types = attribute.keyType();
+      std::string const & types = attribute.keyType();
       return attribute.name() + ( types.empty() ? "()" : "( " + types + " )" ) + result;
    }
    std::string const key = attribute.keyType().empty() ? "" : " " + attribute.keyType();
