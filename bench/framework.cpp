@@ -260,18 +260,20 @@ void bareFieldCall( State & state ) {
    }
 }
 
-// clang-format off
-#define BESIDE_STD_MAP( act )                                                                      \
-   BENCHMARK( act< Entity > )->Arg( 10 )->Arg( 1000 )->Arg( 100000 )->UseManualTime();             \
-   BENCHMARK( act< StdMap > )->Arg( 10 )->Arg( 1000 )->Arg( 100000 )->UseManualTime()
-// clang-format on
+void sizes( benchmark::internal::Benchmark * benchmark ) {
+   benchmark->Arg( 10 )->Arg( 1000 )->Arg( 100000 )->UseManualTime();
+}
 
 BENCHMARK( setWithOneSubscriber );
 BENCHMARK( assignAndCall );
-BESIDE_STD_MAP( insert );
-BESIDE_STD_MAP( lookUp );
-BESIDE_STD_MAP( walk );
-BESIDE_STD_MAP( remove );
+BENCHMARK( insert< Entity > )->Apply( sizes );
+BENCHMARK( insert< StdMap > )->Apply( sizes );
+BENCHMARK( lookUp< Entity > )->Apply( sizes );
+BENCHMARK( lookUp< StdMap > )->Apply( sizes );
+BENCHMARK( walk< Entity > )->Apply( sizes );
+BENCHMARK( walk< StdMap > )->Apply( sizes );
+BENCHMARK( remove< Entity > )->Apply( sizes );
+BENCHMARK( remove< StdMap > )->Apply( sizes );
 BENCHMARK( disabledTrace );
 BENCHMARK( guardedFieldCall );
 BENCHMARK( bareFieldCall );

@@ -31,7 +31,7 @@ template< typename Owner, typename T > class FieldRow final : public Attribute {
       return Quelm::textOf( Quelm::fromText< Owner >( value ).*storage_ );
    }
    std::string valueWith( std::string_view value, std::string_view text ) const override {
-      Owner changed = Quelm::fromText< Owner >( value );
+      auto changed = Quelm::fromText< Owner >( value );
       changed.*storage_ = Quelm::fromText< T >( text );
       return Quelm::textOf( changed );
    }

@@ -109,10 +109,12 @@ TEST_F( TraceText, TextAloneDoesNotHeedTheLevelsOfTheRing ) {
 TEST_F( TraceText, MacroIsOneStatement ) {
    Handle const handle( "TestSm" );
    bool const isShared = false;
+   // NOLINTBEGIN(readability-braces-around-statements): braces would hide a second statement
    if ( isShared )
       TRACE( handle, 0, "shared" );
    else
       TRACE( handle, 0, "not shared" );
+   // NOLINTEND(readability-braces-around-statements)
    EXPECT_EQ( lines, Lines{ "TestSm 0 not shared" } );
 }
 

@@ -75,8 +75,8 @@ class Storm {
 
    // Every mapped VNI is programmed or queued under its VRF, and nothing else is.
    void nothingIsLost() const {
-      Vnis accounted = leaf.vnisRecorded( sm );
-      for ( auto const & [ name, vni ] : leaf.queued( sm ) ) {
+      Vnis accounted = RoutedSwitch::vnisRecorded( sm );
+      for ( auto const & [ name, vni ] : RoutedSwitch::queued( sm ) ) {
          RC_ASSERT( accounted.insert( vni ).second );
          RC_ASSERT( mapped.at( name ) == vni );
       }
@@ -85,17 +85,17 @@ class Storm {
          wanted.insert( vni );
       }
       RC_ASSERT( accounted == wanted );
-      RC_ASSERT( leaf.vnisOnChip() == leaf.vnisRecorded( sm ) );
-      RC_ASSERT( leaf.ingress()->used( 0 ) == leaf.vnisRecorded( sm ).size() );
+      RC_ASSERT( leaf.vnisOnChip() == RoutedSwitch::vnisRecorded( sm ) );
+      RC_ASSERT( leaf.ingress()->used( 0 ) == RoutedSwitch::vnisRecorded( sm ).size() );
    }
 
    // What fits is programmed.
    void nothingWaitsForNothing() {
       leaf.wakeUps();
-      RC_ASSERT( leaf.queued( sm ).empty() || leaf.room() == 0 );
+      RC_ASSERT( RoutedSwitch::queued( sm ).empty() || leaf.room() == 0 );
    }
 
-   std::size_t waiting() const { return leaf.queued( sm ).size(); }
+   std::size_t waiting() const { return RoutedSwitch::queued( sm ).size(); }
 
  private:
    // A VNI belongs to one VRF at a time.
