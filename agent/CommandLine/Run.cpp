@@ -13,7 +13,9 @@
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Quelm/Error.h>
+#include <Steps/ExpectedStop.h>
 #include <Story/HumanWriter.h>
+#include <Story/InputError.h>
 #include <Story/JsonWriter.h>
 #include <Text/Printable.h>
 #include <Trace/Trace.h>
@@ -183,6 +185,11 @@ Scenario::Model Run::read( std::vector< std::string > const & whatIf ) const {
       auto const first = scenario.steps.begin();
       scenario.steps.erase( first + static_cast< std::ptrdiff_t >( *until_ ),
                             first + static_cast< std::ptrdiff_t >( scenario.ownSteps ) );
+   }
+   if ( auto const step = Steps::firstNotReached( scenario ) ) {
+      throw Story::InputError( scenario.sources.placeOf( scenario.steps[ *step ].line ) +
+                               ": a step before is expected to stop the process, so this one is "
+                               "never carried out; end the story earlier with --until" );
    }
    return scenario;
 }

@@ -7,21 +7,27 @@
 #include <Process/RingMemory.h>
 #include <Story/HumanWriter.h>
 #include <Story/InputError.h>
+#include <Story/StopCheck.h>
 #include <Story/Wording.h>
 #include <Text/Printable.h>
 
 namespace CommandLine {
 
+void runScenario( ScenarioRun const & what, Story::Observer & observer ) {
+   Process::RingMemory const ring( what.ring );
+   Story::StopCheck checked( observer );
+   Process::runInChild(
+      [ & ]( Story::Observer & child ) {
+         Host::Agent( what.scenario, what.config, ring.bytes(), child ).run();
+      },
+      ring.bytes(), checked, what.turnLimit );
+}
+
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome ) {
-   Process::RingMemory const ring( what.ring );
    observers.push_back( &outcome );
    Story::Observers all( std::move( observers ) );
-   Process::runInChild(
-      [ & ]( Story::Observer & observer ) {
-         Host::Agent( what.scenario, what.config, ring.bytes(), observer ).run();
-      },
-      ring.bytes(), all, what.turnLimit );
+   runScenario( what, all );
    if ( !outcome.badInput().empty() ) {
       std::cerr << Text::printableLines( outcome.badInput() ) << '\n';
    }
@@ -32,12 +38,13 @@ Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observ
    Story::HumanWriter writer( story, Story::Style( false ) );
    Story::Outcome outcome;
    runScenario( what, { &writer, &observer }, outcome );
-   auto const code = outcome.exitCode();
+   auto const code = outcome.exitCodeOfAnswer();
    if ( code == Story::ExitCode::Stopped ) {
-      std::cerr << story.str();
+      std::cerr << story.str()
+                << "The process has stopped, so there is no answer; ask after an earlier step.\n";
    }
    tellInterruption( outcome );
-   return code == Story::ExitCode::ExpectationFailed ? Story::ExitCode::Held : code;
+   return code;
 }
 
 void checkStep( std::string const & option, std::optional< U32 > const & step,

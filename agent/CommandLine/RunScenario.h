@@ -19,6 +19,9 @@ struct ScenarioRun {
    std::chrono::milliseconds turnLimit;          // 0: no limit
 };
 
+// The observer is told every event.
+void runScenario( ScenarioRun const & what, Story::Observer & observer );
+
 // The observers are told every event, in the order given; the outcome is told last. Wrong input is
 // printed on standard error.
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,

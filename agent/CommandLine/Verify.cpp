@@ -133,8 +133,8 @@ bool hasVerdict( Story::ExitCode code ) {
 // The expectations of the scenario do not count.
 Story::ExitCode exitCodeOf( Story::Outcome const & outcome,
                             std::vector< AuditAfter > const & audits ) {
-   auto const code = outcome.exitCode();
-   if ( code != Story::ExitCode::Held && code != Story::ExitCode::ExpectationFailed ) {
+   auto const code = outcome.exitCodeOfAnswer();
+   if ( code != Story::ExitCode::Held ) {
       return code;
    }
    return faultsIn( audits ) == 0 ? Story::ExitCode::Held : Story::ExitCode::ExpectationFailed;

@@ -9,7 +9,7 @@
 namespace Expectations {
 
 // An audit made now finds the rules in sync, or not in sync.
-class InSync final : public Expected {
+class InSync final : public ExpectedNow {
  public:
    explicit InSync( bool inSync ) : isInSync( inSync ) {}
 
@@ -21,7 +21,7 @@ class InSync final : public Expected {
 
 // An audit made now finds differences of this kind, or with an empty kind any that are not known:
 // `count` of them, or without a count at least one.
-class DifferencesLike final : public Expected {
+class DifferencesLike final : public ExpectedNow {
  public:
    std::string description() const override;
    Finding check( Evidence const & evidence ) const override;

@@ -22,6 +22,10 @@ struct Value;
 struct WordList;
 }  // namespace Scenario
 
+namespace Story {
+class Observer;
+}  // namespace Story
+
 namespace Expectations {
 
 using Scenario::Reading;
@@ -49,6 +53,18 @@ class Expected {
 
    // Whether it needs a switch that forwards.
    virtual bool isAboutFrames() const { return false; }
+
+   // Tells the observer the result, or what a later event must show. `place` is its own, as
+   // "FILE:LINE".
+   virtual void tell( Evidence const & evidence, std::string const & place,
+                      Story::Observer & observer ) const = 0;
+};
+
+// It holds now, or it does not.
+class ExpectedNow : public Expected {
+ public:
+   void tell( Evidence const & evidence, std::string const & place,
+              Story::Observer & observer ) const final;
 
    // A missing entity is a finding. An unknown attribute throws Quelm::AccessError, and a key of
    // another type Quelm::TextError.

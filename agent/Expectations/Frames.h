@@ -17,7 +17,7 @@ namespace Expectations {
 using FrameTarget = std::variant< Pelk::IntfId, Pelk::IpGenAddr >;
 
 // Expects how the switch treats the frames that the last step of frames has injected.
-class FramesLike final : public Expected {
+class FramesLike final : public ExpectedNow {
  public:
    static std::vector< WordList > vocabulary();
    static std::string shape();

@@ -9,7 +9,7 @@ namespace Expectations {
 
 // Lines logged since the scenario began that contain `text`: `times` of them, or without a number
 // at least one.
-class LogLineExpected final : public Expected {
+class LogLineExpected final : public ExpectedNow {
  public:
    static std::vector< WordList > vocabulary();
    static std::string shape();

@@ -5,7 +5,7 @@
 namespace Expectations {
 
 // The plug-in has marked its own dependency point, or has not.
-class PluginReady final : public Expected {
+class PluginReady final : public ExpectedNow {
  public:
    static std::vector< WordList > vocabulary();
    void read( Reading & reading, Value const & value );

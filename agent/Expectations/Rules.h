@@ -17,7 +17,7 @@ struct RuleFieldWanted {
 
 // The plug-in's rules in the group, on one unit or on all of them, that match the other members:
 // `count` of them, or without a count at least one.
-class RulesLike final : public Expected {
+class RulesLike final : public ExpectedNow {
  public:
    struct DefaultPriority {};
 

@@ -10,7 +10,7 @@
 namespace Expectations {
 
 // An attribute of an entity has a value.
-class AttributeEquals final : public Expected {
+class AttributeEquals final : public ExpectedNow {
  public:
    AttributeEquals( Scenario::AttributeAt place, std::string text )
          : at( std::move( place ) ), value( std::move( text ) ) {}
@@ -23,7 +23,7 @@ class AttributeEquals final : public Expected {
 };
 
 // The attribute has, or lacks, its key.
-class AttributeHas final : public Expected {
+class AttributeHas final : public ExpectedNow {
  public:
    AttributeHas( Scenario::AttributeAt place, bool isThere )
          : at( std::move( place ) ), isPresent( isThere ) {}

@@ -6,10 +6,12 @@
 #include <Expectations/PluginReady.h>
 #include <Expectations/Rules.h>
 #include <Expectations/State.h>
+#include <Expectations/Stop.h>
 #include <Expectations/TcamGroupsAskedFor.h>
 #include <Expectations/TraceLineExpected.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Values.h>
+#include <Story/Observer.h>
 
 namespace Expectations {
 
@@ -59,7 +61,8 @@ std::vector< Row > const & table() {
                                          expectation< FramesLike >( "frames" ),
                                          { "audit", auditShape(), readAudit, auditVocabulary },
                                          expectation< LogLineExpected >( "log" ),
-                                         expectation< TraceLineExpected >( "trace" ) };
+                                         expectation< TraceLineExpected >( "trace" ),
+                                         expectation< Stop >( "stop" ) };
    return rows;
 }
 
@@ -72,6 +75,13 @@ void readExpectations( Reading & reading, Value const & value,
          readMembers( reading, mapping, expectations );
       }
    }
+}
+
+void ExpectedNow::tell( Evidence const & evidence, std::string const & place,
+                        Story::Observer & observer ) const {
+   Finding const finding = check( evidence );
+   observer.onEvent( Story::ExpectationChecked{ description(), place, finding.isAsExpected,
+                                                finding.isAsExpected ? "" : finding.found } );
 }
 
 std::vector< WordList > Expected::vocabulary() {

@@ -6,7 +6,7 @@
 namespace Expectations {
 
 // The groups whose entry managers the plug-in has asked for so far, in order.
-class TcamGroupsAskedFor final : public Expected {
+class TcamGroupsAskedFor final : public ExpectedNow {
  public:
    static std::string shape();
    void read( Reading & reading, Value const & value );

@@ -9,7 +9,7 @@ namespace Expectations {
 
 // Lines traced since the scenario began that contain `text`: `times` of them, or without a number
 // at least one.
-class TraceLineExpected final : public Expected {
+class TraceLineExpected final : public ExpectedNow {
  public:
    static std::vector< WordList > vocabulary();
    void read( Reading & reading, Value const & value );

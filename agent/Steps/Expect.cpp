@@ -10,11 +10,9 @@ namespace Steps {
 
 namespace {
 
-void check( Context const & context, Expectations::Expectation const & expectation ) {
-   Expectations::Finding const finding = expectation.what->check( context.evidence );
-   context.observer.onEvent( Story::ExpectationChecked{
-      expectation.what->description(), context.placeOf( expectation.line ), finding.isAsExpected,
-      finding.isAsExpected ? std::string() : finding.found } );
+void tell( Context const & context, Expectations::Expectation const & expectation ) {
+   expectation.what->tell( context.evidence, context.placeOf( expectation.line ),
+                           context.observer );
 }
 
 }  // namespace
@@ -48,7 +46,7 @@ bool Expect::isAboutFrames() const {
 
 void Expect::queue( Context const & context, int ) const {
    for ( Expectations::Expectation const & one : expectations ) {
-      context.turnNew( one.line, [ &context, &one ] { check( context, one ); } );
+      context.turnNew( one.line, [ &context, &one ] { tell( context, one ); } );
    }
 }
 

@@ -6,6 +6,7 @@
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Vocabulary.h>
+#include <Steps/ExpectedStop.h>
 #include <Steps/Table.h>
 
 namespace Steps {
@@ -71,11 +72,15 @@ void readSteps( Reading & reading, Value const & value,
 
 Scenario::Model readScenario( std::filesystem::path const & file,
                               std::vector< Scenario::AddedStep > const & added ) {
-   return Scenario::read( file, readSteps, added );
+   Scenario::Model scenario = Scenario::read( file, readSteps, added );
+   checkExpectedStop( scenario );
+   return scenario;
 }
 
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file ) {
-   return Scenario::readText( text, file, readSteps );
+   Scenario::Model scenario = Scenario::readText( text, file, readSteps );
+   checkExpectedStop( scenario );
+   return scenario;
 }
 
 std::vector< WordList > vocabulary() {

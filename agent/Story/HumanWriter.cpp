@@ -38,6 +38,10 @@ void HumanWriter::tell( StepBegins const & event ) {
 }
 
 void HumanWriter::tell( StepEnds const & ) {
+   endOfStep();
+}
+
+void HumanWriter::endOfStep() {
    ruleChanges();
    frameTable();
    if ( held_ != 0 ) {
@@ -52,12 +56,11 @@ void HumanWriter::tell( RunEnds const & ) {
 }
 
 void HumanWriter::tell( Stopped const & event ) {
-   ruleChanges();
-   frameTable();
-   out_ << '\n'
-        << style_.bad(
-              fmt::format( "STOPPED in {}: {}.", nameOf( outcome_.step() ), event.words() ) )
-        << '\n';
+   bool const isAsExpected = event.isAsExpected.value_or( false );
+   std::string const heading = fmt::format( "STOPPED in {}{}: {}.", nameOf( outcome_.step() ),
+                                            isAsExpected ? ", as expected" : "", event.words() );
+   endOfStep();
+   out_ << '\n' << ( isAsExpected ? style_.good( heading ) : style_.bad( heading ) ) << '\n';
    if ( event.assertion ) {
       shown( "assertion  " + style_.bold( event.assertion->expression ) );
       detail( fmt::format( "at         {}:{}", event.assertion->file, event.assertion->line ) );
@@ -75,6 +78,9 @@ void HumanWriter::tell( Stopped const & event ) {
       for ( std::string const & line : event.output ) {
          detail( line );
       }
+   }
+   if ( event.isAsExpected ) {
+      verdict();
    }
    out_ << std::flush;
 }

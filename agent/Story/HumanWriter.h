@@ -53,6 +53,7 @@ class HumanWriter final : public Observer {
 
    void detail( std::string const & text ) { shown( Text::printable( text ) ); }
    void shown( std::string const & text );  // takes printable text, with its colours
+   void endOfStep();
    void knownLimits();
    void ruleChanges();
    void ruleLine( std::string const & what, Chip::Rule const & rule );

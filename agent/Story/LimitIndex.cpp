@@ -68,10 +68,9 @@ bool isExpressionOf( LimitIndex::Row const & row, Stopped const & stopped ) {
    if ( stopped.assertion ) {
       Assertion const & assertion = *stopped.assertion;
       return row.expression == assertion.expression && row.file == assertion.file &&
-             assertion.function.find( "::" + row.function + "(" ) != std::string::npos;
+             assertion.isIn( row.function );
    }
-   return row.file.empty() && !stopped.output.empty() &&
-          stopped.output.back().ends_with( ": " + row.expression );
+   return row.file.empty() && stopped.isByException( row.expression );
 }
 
 bool isCause( LimitIndex::Row const & row, StopCause const & cause ) {

@@ -29,15 +29,22 @@ ExitCode exitCodeOf( int signal ) {
    }
 }
 
-ExitCode Outcome::exitCode() const {
+ExitCode Outcome::exitCodeOfAnswer() const {
    if ( interrupted_ ) {
       return exitCodeOf( interrupted_->signal );
    }
    if ( stopped_ ) {
       return ExitCode::Stopped;
    }
-   if ( !badInput_.empty() ) {
-      return ExitCode::BadInput;
+   return badInput_.empty() ? ExitCode::Held : ExitCode::BadInput;
+}
+
+// Where a stop was expected, the expectation judges it.
+ExitCode Outcome::exitCode() const {
+   ExitCode const code = exitCodeOfAnswer();
+   bool const isJudged = code == ExitCode::Stopped && stopped_->isAsExpected;
+   if ( code != ExitCode::Held && !isJudged ) {
+      return code;
    }
    return failedExpectations_ == 0 ? ExitCode::Held : ExitCode::ExpectationFailed;
 }

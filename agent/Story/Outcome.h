@@ -30,6 +30,9 @@ class Outcome final : public Observer {
    void onEvent( Event const & event ) override;
 
    ExitCode exitCode() const;
+   // The exit code of a command that answers a question about the switch at the end of the run:
+   // expectations do not count, and there is no answer after any stop.
+   ExitCode exitCodeOfAnswer() const;
    // "completed", "expectation-failed", "failed", "stopped", "interrupted", as in the JSON
    // document.
    std::string_view endName() const;

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -25,6 +26,10 @@ struct Assertion {
    std::string function;
    std::string expression;
 
+   // The function has this name, without its parameters: its qualified name or the end of it, as
+   // "Sm::add" and "add" are of "void Vornal::Sm::add(U32)".
+   bool isIn( std::string_view name ) const;
+
    static void fields( auto & assertion, auto && field ) {
       field( "file", assertion.file );
       field( "line", assertion.line );
@@ -42,6 +47,11 @@ struct Stopped {
    std::vector< Traced > trace;        // the last lines of the trace ring
    // A turn took too long, and the process was killed; `reason` is "turn limit of 60 s".
    bool isOverTime = false;
+   // Whether it is the stop that the scenario expects of this step; nothing: it expects none.
+   std::optional< bool > isAsExpected{};
+
+   // An exception with this text ended the process: no assertion did, and it was printed last.
+   bool isByException( std::string_view text ) const;
 
    static void fields( auto & event, auto && field ) {
       field( "reason", event.reason );
@@ -49,6 +59,7 @@ struct Stopped {
       field( "output", event.output );
       field( "traces", event.trace );
       field( "isOverTime", event.isOverTime );
+      field( "isAsExpected", event.isAsExpected );
    }
    std::string words() const;
    void addTo( Document & document ) const;

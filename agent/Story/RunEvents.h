@@ -96,7 +96,23 @@ struct ExpectationChecked {
    void addTo( Document & document ) const;
 };
 
-using RunEvents =
-   std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning, ExpectationChecked >;
+// The next step stops the process. The process that tells the story checks it (Story/StopCheck.h).
+struct StopExpected {
+   static constexpr char const * kName = "stopExpected";
+   std::string text;
+   std::string place;       // "FILE:LINE"
+   std::string expression;  // of the assertion, or the text of the exception
+   std::string function;    // with the assertion; empty: an exception stops it
+
+   static void fields( auto & event, auto && field ) {
+      field( "text", event.text );
+      field( "place", event.place );
+      field( "expression", event.expression );
+      field( "function", event.function );
+   }
+};
+
+using RunEvents = std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning,
+                                ExpectationChecked, StopExpected >;
 
 }  // namespace Story

@@ -94,6 +94,7 @@ std::vector< Event > oneOfEach() {
             Story::Traced{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
             Story::Logged{ "NAME", "%VORNAL-3-NAME: text" },
             Story::ExpectationChecked{ "text", "s.yaml:8", true, "found" },
+            Story::StopExpected{ "text", "s.yaml:9", "a == b", "add" },
             Story::FramesBegin{ "Ethernet49", 9 },
             Story::FrameForwarded{ 7, someFrame() },
             Story::ForeignEntriesAre{ 1, 157, 5, 3 },
@@ -117,7 +118,8 @@ std::vector< Event > oneOfEach() {
                             Story::Assertion{ "f.cpp", 12, "void f()", "a == b" },
                             { "last" },
                             { { "h", 2, "t" } },
-                            true },
+                            true,
+                            false },
             Story::Interrupted{ 15, "signal 15 (Terminated)" } };
 }
 

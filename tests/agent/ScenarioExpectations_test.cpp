@@ -131,16 +131,16 @@ TEST( ScenarioExpectations, AreMappings ) {
    EXPECT_EQ(
       expectProblems( "ready" ),
       "leaf.yaml:10: expect is text; a mapping is expected, of plug-in, tcam-groups, state, "
-      "rules, frames, audit, log and trace" );
+      "rules, frames, audit, log, trace and stop" );
    EXPECT_EQ( expectProblems( "[ ready ]" ),
               "leaf.yaml:10: an element of expect is text; a mapping is expected, of plug-in, "
-              "tcam-groups, state, rules, frames, audit, log and trace" );
+              "tcam-groups, state, rules, frames, audit, log, trace and stop" );
 }
 
 TEST( ScenarioExpectations, RefuseToExpectNothing ) {
    std::string const empty =
       " is empty; give one at least of plug-in, tcam-groups, state, rules, frames, audit, "
-      "log and trace";
+      "log, trace and stop";
    EXPECT_EQ( expectProblems( "{}" ), "leaf.yaml:10: expect" + empty );
    EXPECT_EQ( expectProblems( "[]" ), "leaf.yaml:10: expect" + empty );
    EXPECT_EQ( expectProblems( "[ {} ]" ), "leaf.yaml:10: an element of expect" + empty );

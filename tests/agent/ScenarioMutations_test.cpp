@@ -90,7 +90,9 @@ std::vector< Unsayable > const & unsayable() {
           " is in a port channel (line ", " carries no VLANs", "this step needs 'forwarding'" } },
       { "one number is at least another", { "class-ids end at " } },
       { "steps follow each other",
-        { " at this point, so nothing can be withdrawn", " has the VP index of " } },
+        { " at this point, so nothing can be withdrawn", " has the VP index of ",
+          "stop is about the next step", "so this step is never carried out",
+          "a process stops once" } },
       { "files are there",
         { ", which is no file; ", ", which is no directory; ", " is based on another itself" } },
       { "a point is nearly another", { "did you mean 'subagents::l2Ready'?" } }
