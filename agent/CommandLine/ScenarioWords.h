@@ -3,9 +3,8 @@
 
 #include <chrono>
 #include <filesystem>
-#include <optional>
-#include <string>
 
+#include <CommandLine/RunWords.h>
 #include <Host/Agent.h>
 
 namespace CLI {
@@ -18,21 +17,19 @@ class ScenarioWords {
  public:
    void declare( CLI::App & app );
    // Throws CLI::ValidationError.
-   void readWords();
+   void readWords() { run_.readWords(); }
 
    std::filesystem::path const & file() const { return file_; }
    bool isJson() const { return isJson_; }
    // How long a turn may take; 0: as long as it likes.
-   std::chrono::milliseconds turnLimit() const { return turnLimit_; }
+   std::chrono::milliseconds turnLimit() const { return run_.turnLimit(); }
    // Finds the plug-in; throws Story::InputError where there is none.
    Host::AgentConfig config() const;
 
  private:
    std::filesystem::path file_;
-   std::string plugin_;  // empty: the one that comes with the program
+   RunWords run_;
    bool isJson_ = false;
-   std::string turnLimitText_;
-   std::chrono::milliseconds turnLimit_{};
 };
 
 }  // namespace CommandLine

@@ -6,6 +6,7 @@
 #include <CommandLine/Run.h>
 #include <CommandLine/Schema.h>
 #include <CommandLine/Show.h>
+#include <CommandLine/Test.h>
 #include <CommandLine/Verify.h>
 
 namespace CommandLine {
@@ -24,6 +25,9 @@ constexpr std::string_view kOfAnAudit =
 constexpr std::string_view kOfADiff =
    "Exit codes: 0 no differences, 1 differences, 2 bad input or usage, 3 the plug-in stopped the "
    "process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfATest =
+   "Exit codes: 0 all passed, 1 a scenario failed, 2 no scenario found or bad usage, 129 SIGHUP, "
+   "130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -54,6 +58,10 @@ std::vector< Row > const & table() {
         "vornal verify scenarios/start-up/scenario.yaml\n"
         "vornal verify --after-each-step scenario.yaml",
         create< Verify >, kOfAnAudit },
+      { "test", "Run all scenarios of folders side by side and tell which failed",
+        "vornal test scenarios\n"
+        "vornal test --jobs 4 --junit results.xml scenarios/limits scenario.yaml",
+        create< Test >, kOfATest },
       { "ring", "Print the lines of a binary trace ring",
         "vornal run --ring run.ring scenario.yaml\n"
         "vornal ring run.ring",

@@ -73,6 +73,12 @@ bool isReordering( U32 code ) {
           ( code >= 0x2028 && code <= 0x202e ) || ( code >= 0x2066 && code <= 0x2069 );
 }
 
+// Unicode keeps the last two code points of each plane free; XML cannot hold them.
+bool isNoCharacter( U32 code ) {
+   constexpr U32 kLastTwo = 0xfffe;
+   return ( code & kLastTwo ) == kLastTwo;
+}
+
 std::string escaped( U32 control ) {
    switch ( control ) {
    case '\n': return "\\n";
@@ -101,7 +107,8 @@ std::string printable( std::string_view text ) {
       std::size_t const size = std::max< std::size_t >( character.size, 1 );
       if ( character.size == 0 ) {
          result += fmt::format( "\\x{:02x}", byteOf( text[ 0 ] ) );
-      } else if ( isControl( character.code ) || isReordering( character.code ) ) {
+      } else if ( isControl( character.code ) || isReordering( character.code ) ||
+                  isNoCharacter( character.code ) ) {
          result += escaped( character.code );
       } else {
          result += text.substr( 0, size );

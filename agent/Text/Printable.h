@@ -9,7 +9,8 @@ namespace Text {
 
 // Writes out all characters that must not be printed: control characters (C0, DEL and C1) as \n,
 // \t, \x1b or \u009b, characters that end a line or turn the direction of the text as \u2028 or
-// \u202e, bytes that are not UTF-8 as \xff. Leaves printable characters alone, so a second
+// \u202e, code points that are no characters as \uffff, bytes that are not UTF-8 as \xff. Leaves
+// printable characters alone, so a second
 // application changes nothing.
 std::string printable( std::string_view text );
 

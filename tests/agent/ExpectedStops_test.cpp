@@ -154,7 +154,7 @@ TEST_F( ExpectedStop, LeavesNoSwitchToAsk ) {
    for ( Words const & question : { Words{ "rules" }, Words{ "entities" } } ) {
       auto const told = ran( stops, question, "show" );
       EXPECT_EQ( told.exitCode, 3 );
-      EXPECT_TRUE( contains( told.err, "no answer; ask after an earlier step\n" ) ) << told.err;
+      EXPECT_TRUE( contains( told.err, "no answer; ask after an earlier step.\n" ) ) << told.err;
       EXPECT_EQ( told.out, "" );
    }
    EXPECT_EQ( ran( stops, { "rules", "--after", "3" }, "show" ).exitCode, 0 );

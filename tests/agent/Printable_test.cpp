@@ -32,6 +32,11 @@ TEST( Printable, WritesLineSeparatorsAndChangesOfDirectionOut ) {
       << "their neighbours";
 }
 
+TEST( Printable, WritesCodePointsThatAreNoCharactersOut ) {
+   EXPECT_EQ( printable( "\xef\xbf\xbd\xef\xbf\xbe\xef\xbf\xbf" ), "\xef\xbf\xbd\\ufffe\\uffff" );
+   EXPECT_EQ( printable( "\xf4\x8f\xbf\xbf" ), "\\u10ffff" );
+}
+
 TEST( Printable, WritesBytesThatAreNoUtf8Out ) {
    EXPECT_EQ( printable( "M\xfcnchen" ), "M\\xfcnchen" );
    EXPECT_EQ( printable( "\x9b" ), "\\x9b" ) << "a control of one byte, for terminals of old";

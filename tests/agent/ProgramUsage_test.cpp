@@ -20,8 +20,8 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
    EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
               "no command 'vrify'; did you mean 'verify'?\n" );
    EXPECT_EQ( Support::vornal( { "inspect" } ).err,
-              "no command 'inspect'; the commands are run, show, explain, diff, verify, ring and "
-              "schema\n" );
+              "no command 'inspect'; the commands are run, show, explain, diff, verify, test, ring "
+              "and schema\n" );
 }
 
 TEST( ProgramUsage, WritesOutWhatATerminalWouldObeyInEveryMessage ) {
@@ -53,7 +53,7 @@ TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
    std::string const scenario = "the scenario's file, a pipe, or '-' for standard input";
    EXPECT_EQ( Support::vornal( {} ).err,
               "vornal: a command is missing; the commands are run, show, explain, diff, verify, "
-              "ring and schema\n"
+              "test, ring and schema\n"
               "'vornal --help' lists the words that it takes\n" );
    EXPECT_EQ( Support::vornal( { "run" } ).err,
               "vornal run: SCENARIO is missing: " + scenario + help );

@@ -1,0 +1,154 @@
+#include <CommandLine/Test.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <thread>
+#include <tuple>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/ProgressLine.h>
+#include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
+#include <CommandLine/Usage.h>
+#include <Story/InputError.h>
+#include <Testing/Collection.h>
+#include <Testing/JUnit.h>
+#include <Testing/Judge.h>
+#include <Testing/Report.h>
+
+#include <unistd.h>
+
+namespace CommandLine {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kMostJobs = 1024;
+
+std::size_t cores() {
+   return std::max( std::thread::hardware_concurrency(), 1U );
+}
+
+// A file that cannot be written is refused before anything runs.
+class JUnitFile {
+ public:
+   explicit JUnitFile( std::filesystem::path name ) : name_( std::move( name ) ) {
+      if ( !name_.empty() ) {
+         file_.open( name_ );
+         check( "give a file that can" );
+      }
+   }
+
+   void write( std::vector< Testing::Result > const & results, double seconds ) {
+      if ( !name_.empty() ) {
+         Testing::writeJUnit( results, seconds, file_ );
+         file_.flush();
+         check( "make room and test again" );
+      }
+   }
+
+ private:
+   void check( std::string const & remedy ) const {
+      if ( !file_ ) {
+         throw Story::InputError( "--junit " + name_.string() + " cannot be written; " + remedy );
+      }
+   }
+
+   std::filesystem::path name_;  // empty: no file
+   std::ofstream file_;
+};
+
+std::string progressText( std::vector< Testing::Result > const & results ) {
+   auto const over =
+      static_cast< std::size_t >( std::count_if( results.begin(), results.end(),
+                                                 []( auto const & one ) { return one.isOver; } ) );
+   return fmt::format( "{} {} of {} scenarios, {} failed",
+                       ProgressLine::bar( over, results.size() ), over, results.size(),
+                       Testing::failedIn( results ) );
+}
+
+Story::ExitCode exitCodeOf( Testing::Tested const & tested ) {
+   if ( tested.signal != 0 ) {
+      return Story::exitCodeOf( tested.signal );
+   }
+   return Testing::failedIn( tested.results ) == 0 ? Story::ExitCode::Held
+                                                   : Story::ExitCode::ExpectationFailed;
+}
+
+}  // namespace
+
+void Test::declare( CLI::App & app ) {
+   app.add_option( "PATH", paths_, "Scenarios, and folders with scenarios" )
+      ->required()
+      ->check( problemOfName );
+   app.add_option( "--jobs", jobs_,
+                   "How many scenarios run at a time; by default as many as there are cores" )
+      ->type_name( "NUMBER" )
+      ->check( CLI::Range( std::size_t{ 1 }, kMostJobs ) );
+   app.add_option( "--junit", junit_, "Write the results into this file, in the form of JUnit" )
+      ->type_name( "FILE" )
+      ->check( problemOfName );
+   app.add_flag( "--verbose", isVerbose_, "Print a line for each scenario, and the slowest ones" );
+   words_.declarePlugin( app );
+   words_.declareTurnLimit( app );
+}
+
+Testing::Result Test::run( std::filesystem::path const & file ) const {
+   Testing::Judge judge;
+   try {
+      Scenario::Model const scenario = Steps::readScenario( file );
+      ScenarioRun what{ scenario, {}, {}, words_.turnLimit() };
+      what.config.scenario = file.string();
+      what.config.plugin = words_.plugin();
+      runScenario( what, judge );
+      return judge.result();
+   } catch ( std::exception const & error ) {
+      Testing::Result result = judge.result();
+      result.isOver = true;
+      result.failures.push_back( Testing::mistake( error.what() ) );
+      return result;
+   }
+}
+
+Testing::Tested Test::testAll( std::vector< std::filesystem::path > const & files,
+                               Testing::Report & report ) const {
+   ProgressLine line( std::cerr );
+   bool const isWatched = isTerminal( STDERR_FILENO );
+   auto const work = [ this ]( std::filesystem::path const & file ) { return run( file ); };
+   auto const progress = [ & ]( std::vector< Testing::Result > const & results ) {
+      if ( report.hasMore( results ) ) {
+         line.clear();
+         report.tellOver( results );
+      }
+      if ( isWatched ) {
+         line.advance( progressText( results ) );
+      }
+   };
+   Testing::Tested tested = Testing::testAll( files, jobs_ == 0 ? cores() : jobs_, work, progress );
+   line.clear();
+   return tested;
+}
+
+Story::ExitCode Test::perform( std::ostream & out ) {
+   auto const begin = Clock::now();
+   auto const files = Testing::scenariosAmong( paths_ );
+   if ( files.empty() ) {
+      throw Story::InputError(
+         "there is no scenario; give a folder with scenarios, which are "
+         "files *.yaml with the word 'scenario'" );
+   }
+   std::ignore = words_.plugin();  // a missing one is no failure of every scenario
+   JUnitFile junit( junit_ );
+   Testing::Report report( out, Story::Style( isColoured( STDOUT_FILENO ) ), isVerbose_ );
+   Testing::Tested const tested = testAll( files, report );
+   double const seconds = std::chrono::duration< double >( Clock::now() - begin ).count();
+   report.tellEnd( tested, seconds );
+   junit.write( tested.results, seconds );
+   return exitCodeOf( tested );
+}
+
+}  // namespace CommandLine

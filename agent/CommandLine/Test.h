@@ -1,0 +1,34 @@
+// `vornal test`: runs all scenarios below folders, side by side, and tells which failed.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <CommandLine/Command.h>
+#include <CommandLine/RunWords.h>
+#include <Testing/Report.h>
+
+namespace CommandLine {
+
+class Test final : public Command {
+ public:
+   void declare( CLI::App & app ) override;
+   void readWords() override { words_.readWords(); }
+   Story::ExitCode perform( std::ostream & out ) override;
+
+ private:
+   // In a worker.
+   Testing::Result run( std::filesystem::path const & file ) const;
+   Testing::Tested testAll( std::vector< std::filesystem::path > const & files,
+                            Testing::Report & report ) const;
+
+   std::vector< std::filesystem::path > paths_;
+   RunWords words_;
+   std::size_t jobs_ = 0;         // 0: as many as there are cores
+   std::filesystem::path junit_;  // empty: no such file
+   bool isVerbose_ = false;
+};
+
+}  // namespace CommandLine
