@@ -9,11 +9,6 @@ namespace Audit {
 
 namespace {
 
-// The group is full, or was full.
-bool isForLackOfRoom( DifferenceKind kind ) {
-   return kind == DifferenceKind::noRoom || kind == DifferenceKind::notRetried;
-}
-
 bool isThere( Sides const & sides, RuleFor const & what ) {
    return sides.matched.rules.contains( what );
 }
@@ -68,6 +63,10 @@ Absence whyNoUnicastRule( Sides const & sides, RuleFor const & what ) {
 }
 
 }  // namespace
+
+bool isForLackOfRoom( DifferenceKind kind ) {
+   return kind == DifferenceKind::noRoom || kind == DifferenceKind::notRetried;
+}
 
 Absence whyAbsent( Sides const & sides, RuleFor const & what ) {
    if ( sides.records.entries.contains( what ) ) {

@@ -44,6 +44,8 @@ struct Report {
    // VTEPs that lack a rule, for a known cause or not: some of their frames arrive twice. Each with
    // the reason in words.
    std::map< Pelk::IpGenAddr, std::string > unprotected;
+   // Expected rules that are missing because their group had no room for them.
+   std::vector< RuleFor > withoutRoom;
 
    // The number of differences that are not known.
    U32 faults() const;

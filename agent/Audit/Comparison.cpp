@@ -33,6 +33,19 @@ std::map< Pelk::IpGenAddr, std::string > vtepsWithoutARule( Sides const & sides 
    return vteps;
 }
 
+std::vector< RuleFor > rulesWithoutRoom( Sides const & sides ) {
+   std::vector< RuleFor > result;
+   for ( auto const & [ what, rule ] : sides.wanted ) {
+      if ( !sides.matched.rules.contains( what ) ) {
+         DifferenceKind const kind = whyAbsent( sides, what ).kind;
+         if ( isForLackOfRoom( kind ) || kind == DifferenceKind::queued ) {
+            result.push_back( what );
+         }
+      }
+   }
+   return result;
+}
+
 }  // namespace
 
 Difference differenceFor( RuleFor const & what, DifferenceKind kind, std::string rule ) {
@@ -53,6 +66,7 @@ Report compare( State const & state, Records const & records, Chip::Units const 
    report.rules = static_cast< U32 >( wanted.size() );
    report.entries = static_cast< U32 >( matched.rules.size() + matched.others.size() );
    report.unprotected = vtepsWithoutARule( sides );
+   report.withoutRoom = rulesWithoutRoom( sides );
    compareRules( sides, report.differences );
    compareRecords( sides, report.differences );
    std::stable_sort( report.differences.begin(), report.differences.end(),

@@ -32,6 +32,8 @@ struct Absence {
    std::string reason;  // empty: none is known
 };
 Absence whyAbsent( Sides const & sides, RuleFor const & what );
+// The group is full, or was full.
+bool isForLackOfRoom( DifferenceKind kind );
 
 // Why the state does not expect a rule for this purpose.
 std::string whyUnexpected( State const & state, RuleFor const & what );

@@ -4,16 +4,31 @@
 // name of its own. So a comparison is one of names and values.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include <CommandLine/RunScenario.h>
 #include <Story/Node.h>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace CommandLine {
 
 // Runs the scenario and puts its state at the end into `state`; see runForAnswer().
 Story::ExitCode stateAfter( ScenarioRun what, Story::Table & state );
 
-// The differences, by kind; a node without children when there are none.
-Story::Node differencesBetween( Story::Table const & before, Story::Table const & after );
+// The parts of a state that a comparison can be limited to: "published", "rules", "records".
+using Parts = std::vector< std::string >;
+// The option --only, which names such parts.
+CLI::Option * declareOnly( CLI::App & app, Parts & only );
+
+// The differences in those parts, or in all where none is named, by kind; a node without children
+// when there are none.
+Story::Node differencesBetween( Story::Table const & before, Story::Table const & after,
+                                Parts const & only );
 
 // Prints the differences. ExpectationFailed when there are any.
 Story::ExitCode print( Story::Node const & differences, bool asJson, std::ostream & out );

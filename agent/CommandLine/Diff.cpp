@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <CommandLine/Comparison.h>
 #include <CommandLine/Usage.h>
 
 namespace CommandLine {
@@ -19,6 +18,7 @@ void Diff::declare( CLI::App & app ) {
       ->type_name( "STEP" );
    app.add_option( "--against", against_, "Take the second switch after this step, likewise" )
       ->type_name( "STEP" );
+   declareOnly( app, only_ );
 }
 
 void Diff::readWords() {
@@ -46,7 +46,7 @@ Story::ExitCode Diff::perform( std::ostream & out ) {
       code = read( { other_.empty() ? scenario_.file() : other_, "--against", against_ }, after );
    }
    return code == Story::ExitCode::Held
-             ? print( differencesBetween( before, after ), scenario_.isJson(), out )
+             ? print( differencesBetween( before, after, only_ ), scenario_.isJson(), out )
              : code;
 }
 

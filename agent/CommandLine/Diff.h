@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/Comparison.h>
 #include <CommandLine/ScenarioWords.h>
 #include <Story/Table.h>
 
@@ -29,6 +30,7 @@ class Diff final : public Command {
    std::filesystem::path other_;
    std::optional< U32 > after_;
    std::optional< U32 > against_;
+   Parts only_;
 };
 
 }  // namespace CommandLine

@@ -6,11 +6,16 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <Questions/ExplanationPart.h>
 #include <Steps/Capture.h>
 #include <Steps/Frame.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
+#include <Text/Wrapping.h>
+
+#include <unistd.h>
 
 namespace CommandLine {
 
@@ -96,6 +101,11 @@ void Explain::declare( CLI::App & app ) {
                    "that plays the capture, or else the first underlay interface" )
       ->type_name( "INTERFACE" )
       ->check( problemOfName );
+   app.add_option(
+         "--interface", interface_,
+         "Explain this interface or port channel alone: why the frame leaves by it or does "
+         "not" )
+      ->check( problemOfName );
 }
 
 void Explain::readWords() {
@@ -150,8 +160,11 @@ Story::ExitCode Explain::perform( std::ostream & out ) {
    Explained explained;
    auto const code = runForAnswer( what, explained );
    if ( code == Story::ExitCode::Held ) {
-      out << ( scenario_.isJson() ? Story::documentText( jsonOf( explained.frame() ) )
-                                  : Story::treeText( explained.frame() ) );
+      Story::Node const frame = interface_.empty()
+                                   ? explained.frame()
+                                   : Questions::partAbout( explained.frame(), interface_ );
+      out << ( scenario_.isJson() ? Story::documentText( jsonOf( frame ) )
+                                  : Text::narrowed( treeText( frame ), widthOf( STDOUT_FILENO ) ) );
    }
    return code;
 }

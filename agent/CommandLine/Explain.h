@@ -30,6 +30,7 @@ class Explain final : public Command {
    std::string on_;  // the interface of a capture's frame; empty: that of the scenario's step
    std::optional< Traffic::FrameAsked > asked_;  // nothing: it is written
    std::optional< U32 > after_;
+   std::string interface_;  // to explain alone; empty: all of them
 };
 
 }  // namespace CommandLine

@@ -7,7 +7,6 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/CaptureFolder.h>
-#include <CommandLine/Comparison.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -148,13 +147,15 @@ void Run::declare( CLI::App & app ) {
    app.add_option( "--step", step_, "End with this step, and tell its part of the story alone" )
       ->type_name( "STEP" )
       ->excludes( "--until" );
-   app.add_option( "--what-if", whatIf_,
-                   "Show what one more step would change, instead of the story; can be given "
-                   "several times" )
-      ->type_name( "STEP" )
-      ->take_all()
-      ->expected( 1 )
-      ->excludes( "--step" );
+   auto * const whatIf =
+      app.add_option( "--what-if", whatIf_,
+                      "Show what one more step would change, instead of the story; can be given "
+                      "several times" )
+         ->type_name( "STEP" )
+         ->take_all()
+         ->expected( 1 )
+         ->excludes( "--step" );
+   declareOnly( app, only_ )->needs( whatIf );
    app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -203,7 +204,7 @@ Story::ExitCode Run::compare( std::ostream & out ) const {
          return code;
       }
    }
-   print( differencesBetween( states[ 0 ], states[ 1 ] ), scenario_.isJson(), out );
+   print( differencesBetween( states[ 0 ], states[ 1 ], only_ ), scenario_.isJson(), out );
    return Story::ExitCode::Held;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/Comparison.h>
 #include <CommandLine/ScenarioWords.h>
 
 namespace CommandLine {
@@ -29,6 +30,7 @@ class Run final : public Command {
    std::optional< U32 > until_;
    std::vector< std::string > then_;
    std::vector< std::string > whatIf_;
+   Parts only_;                      // that --what-if compares
    std::optional< U32 > step_;       // the one to tell; nothing: all of them
    std::filesystem::path ring_;      // the trace ring's file; empty: none
    std::filesystem::path captures_;  // the folder for the frames that leave each port; empty: none

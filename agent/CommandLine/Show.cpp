@@ -102,7 +102,9 @@ void Show::declare( CLI::App & app ) {
                    "Show the switch after this step, 0 for start-up; after the last one if none is "
                    "given" )
       ->type_name( "STEP" );
-   filters_ = { { "vtep", "" }, { "unit", "" }, { "segment", "" }, { "interface", "" } };
+   filters_ = {
+      { "vtep", "" }, { "unit", "" }, { "segment", "" }, { "interface", "" }, { "entry", "" }
+   };
    for ( Filter & filter : filters_ ) {
       app.add_option( "--" + filter.column, filter.text,
                       "Show only the rows of this " + filter.column )

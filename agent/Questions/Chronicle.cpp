@@ -13,7 +13,7 @@ void noteMost( Chronicle::Room & room ) {
 }  // namespace
 
 void Chronicle::onEvent( Story::Event const & event ) {
-   std::visit( Story::Overloaded{ [ & ]( Story::StepBegins const & step ) { step_ = step.number; },
+   std::visit( Story::Overloaded{ [ & ]( Story::StepBegins const & step ) { note( step ); },
                                   [ & ]( Story::RuleIs const & rule ) { note( rule ); },
                                   [ & ]( Story::RuleGone const & rule ) { note( rule ); },
                                   [ & ]( Story::CallMade const & call ) { note( call ); },
@@ -24,6 +24,18 @@ void Chronicle::onEvent( Story::Event const & event ) {
                                   },
                                   []( auto const & ) {} },
                event );
+}
+
+std::optional< U32 > Chronicle::stepOf( U64 frame ) const {
+   auto const next = firstFrames_.upper_bound( frame );
+   return frame > frames_ || next == firstFrames_.begin()
+             ? std::nullopt
+             : std::optional( std::prev( next )->second );
+}
+
+void Chronicle::note( Story::StepBegins const & event ) {
+   step_ = event.number;
+   steps_[ step_ ] = event.text;
 }
 
 void Chronicle::note( Story::RuleIs const & event ) {
@@ -65,11 +77,16 @@ void Chronicle::note( Story::ForeignEntriesAre const & event ) {
 }
 
 void Chronicle::note( Story::FrameForwarded const & event ) {
+   frames_ = event.number;
+   bool const isFirst = firstFrames_.empty() || std::prev( firstFrames_.end() )->second != step_;
+   if ( isFirst ) {
+      firstFrames_[ event.number ] = step_;
+   }
    Chip::FrameStory const & frame = event.frame;
    for ( Chip::Copy const & copy : frame.copies ) {
       if ( copy.rule ) {
          ++keptBack_[ { frame.tunnel ? frame.tunnel->source.stringValue() : "",
-                        copy.intfId.stringValue(), *copy.rule } ];
+                        copy.intfId.stringValue(), copy.port.logicalPort(), *copy.rule } ];
       }
    }
 }

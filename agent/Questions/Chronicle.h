@@ -1,12 +1,14 @@
 // What questions ask about the past of the switch: when a rule was programmed and last changed, how
-// full a group has been and whom it refused, which frames the rules kept back, and the log by step.
+// full a group has been and whom it refused, which frames the rules kept back, in which step a
+// frame came in, and the log by step.
 //
 // An observer of the run, in the process of the agent, from before the plug-in is loaded.
-// Memory: proportional to the rules, the lines of the log, and the (VTEP, port, rule) that kept
-// frames back.
+// Memory: proportional to the steps, the rules, the lines of the log, and the (VTEP, port, rule)
+// that kept frames back.
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -32,6 +34,7 @@ class Chronicle final : public Story::Observer {
    struct KeptBack {
       std::string vtep;  // that the frame came from; empty for a host's
       std::string interface;
+      U32 port = 0;  // of the rule's unit
       Chip::RuleKey rule;
 
       friend auto operator<=>( KeptBack const &, KeptBack const & ) = default;
@@ -51,8 +54,13 @@ class Chronicle final : public Story::Observer {
    // The number of frames.
    std::map< KeptBack, U64 > const & keptBack() const { return keptBack_; }
    std::vector< LogLine > const & log() const { return log_; }
+   // What the step does, in words.
+   std::string const & textOf( U32 step ) const { return steps_.at( step ); }
+   // The step in which that frame of the run came in; nothing for a frame that has not.
+   std::optional< U32 > stepOf( U64 frame ) const;
 
  private:
+   void note( Story::StepBegins const & event );
    void note( Story::RuleIs const & event );
    void note( Story::RuleGone const & event );
    void note( Story::CallMade const & event );
@@ -60,6 +68,9 @@ class Chronicle final : public Story::Observer {
    void note( Story::FrameForwarded const & event );
 
    U32 step_ = 0;
+   std::map< U32, std::string > steps_;
+   std::map< U64, U32 > firstFrames_;  // the steps by the first frame of each
+   U64 frames_ = 0;
    std::map< Chip::RuleKey, Steps > rules_;
    std::map< std::pair< U32, Vornal::TcamGroupAssignment >, Room > rooms_;
    std::map< KeptBack, U64 > keptBack_;

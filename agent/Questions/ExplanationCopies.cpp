@@ -1,5 +1,8 @@
 #include <Questions/ExplanationParts.h>
 
+#include <algorithm>
+#include <set>
+
 #include <fmt/format.h>
 
 namespace Questions {
@@ -25,8 +28,16 @@ std::string verdictText( Verdict verdict ) {
    return "kept back: the interface is not the designated forwarder";
 }
 
-std::string copyText( Chip::Copy const & copy ) {
+// The interface at the copy's port, which may be a member of the copy's port channel.
+std::string memberOf( Chip::Copy const & copy, Grounds const & grounds ) {
+   return copy.port.isValid() ? grounds.interfaceAt( copy.port ) : "";
+}
+
+std::string copyText( Chip::Copy const & copy, Grounds const & grounds ) {
    std::string text = copy.intfId.stringValue();
+   std::string const member = memberOf( copy, grounds );
+   bool const isMember = !member.empty() && !text.empty() && member != text;
+   text += isMember ? " by " + member : "";
    if ( copy.remoteVtep ) {
       text += ( text.empty() ? "VTEP " : " to VTEP " ) + copy.remoteVtep->stringValue();
    }
@@ -36,30 +47,41 @@ std::string copyText( Chip::Copy const & copy ) {
    return text + ": " + verdictText( copy.verdict );
 }
 
-// Why local bias lets the copy of a frame from that VTEP pass.
-std::string whyUnfiltered( Grounds const & grounds, Chip::FrameKind kind, IntfId const & intf,
-                           IpGenAddr const & vtep ) {
-   auto const segment = grounds.state().segments.find( intf );
-   if ( segment == grounds.state().segments.end() ) {
-      return intf.stringValue() + " is on no Ethernet segment";
+// Whether a rule exempts the frame from those that keep it back at that copy's unit.
+bool isExempt( Chip::Explanation const & why, Chip::Copy const & copy, Grounds const & grounds ) {
+   return std::any_of( why.ingress.begin(), why.ingress.end(), [ & ]( auto const & met ) {
+      return met.story.unit == copy.port.unit() && grounds.isExempt( met.comparison );
+   } );
+}
+
+// Why local bias lets a copy pass that is sent; nothing where nobody would expect it to be kept
+// back.
+std::optional< std::string > whyUnfiltered( Chip::Explanation const & why, Chip::Copy const & copy,
+                                            Grounds const & grounds ) {
+   if ( copy.verdict != Verdict::Sent || copy.remoteVtep ) {
+      return std::nullopt;
    }
-   if ( !segment->second.contains( vtep ) ) {
-      return fmt::format( "the segment of {} is not shared with VTEP {}", intf.stringValue(),
+   std::string const intf = copy.intfId.stringValue();
+   auto const segment = grounds.state().segments.find( copy.intfId );
+   bool const isOnSegment = segment != grounds.state().segments.end();
+   if ( !why.story.tunnel ) {
+      bool const isShared = isOnSegment && !segment->second.empty();
+      return isShared ? std::optional( "local bias keeps back only frames from VTEPs" )
+                      : std::nullopt;
+   }
+   IpGenAddr const vtep = why.story.tunnel->source;
+   if ( !isOnSegment ) {
+      return intf + " is on no Ethernet segment";
+   }
+   if ( !isSharedWith( grounds, copy.intfId, vtep ) ) {
+      return fmt::format( "the segment of {} is not shared with VTEP {}", intf,
                           vtep.stringValue() );
    }
-   if ( !isForSeveral( kind ) ) {
-      return "local bias keeps back frames for several receivers only";
+   if ( !isForSeveral( *why.story.kind ) ) {
+      return "local bias keeps back only frames for several receivers";
    }
-   if ( !grounds.state().isPluginReady ) {
-      return "the plug-in is not ready, so there are no rules yet";
-   }
-   auto const lack = grounds.unprotected().find( vtep );
-   if ( lack != grounds.unprotected().end() ) {
-      return fmt::format( "VTEP {} lacks a rule: {}", vtep.stringValue(), lack->second );
-   }
-   return kind == Chip::FrameKind::RoutedMulticast ? "known L3 multicast is exempt from local bias"
-                                                   : "no rule of the chip keeps it back; 'vornal "
-                                                     "verify' compares the rules with the state";
+   return isExempt( why, copy, grounds ) ? "the winning ingress rule exempts it from local bias"
+                                         : whyItPasses( grounds, vtep );
 }
 
 void addMask( Chip::MaskExplanation const & mask, Node & node ) {
@@ -75,8 +97,9 @@ void addCopy( Chip::Explanation const & why, Chip::CopyExplanation const & copy,
    Chip::Copy const & story = copy.story;
    Node & node = copies.add(
       { "copy",
-        copyText( story ),
+        copyText( story, grounds ),
         { { "interface", story.intfId.stringValue() },
+          { "member", memberOf( story, grounds ) },
           { "vtep", story.remoteVtep ? Cell( story.remoteVtep->stringValue() ) : Cell() },
           { "verdict", std::string( nameOf( story.verdict ) ) } } } );
    if ( copy.mask ) {
@@ -93,10 +116,8 @@ void addCopy( Chip::Explanation const & why, Chip::CopyExplanation const & copy,
                                      : "the interface is not the designated forwarder",
                   { { "isDesignated", U64{ *copy.isDesignated ? 1U : 0U } } } } );
    }
-   if ( why.story.tunnel && story.verdict == Verdict::Sent && !story.remoteVtep ) {
-      std::string const reason =
-         whyUnfiltered( grounds, *why.story.kind, story.intfId, why.story.tunnel->source );
-      node.add( { "unfiltered", "not filtered: " + reason, { { "reason", reason } } } );
+   if ( auto const reason = whyUnfiltered( why, story, grounds ) ) {
+      node.add( { "unfiltered", "not filtered: " + *reason, { { "reason", *reason } } } );
    }
 }
 
@@ -119,23 +140,89 @@ std::string noCopyText( Chip::NoCopy const & none ) {
    return "no tunnel to a VTEP of the flood list leads over it";
 }
 
-void addNoCopies( std::vector< Chip::NoCopy > const & noCopies, Node & frame ) {
-   if ( noCopies.empty() ) {
-      return;
+void addNoCopy( std::string const & interface, std::string const & portChannel,
+                std::string const & reason, Node & noCopies ) {
+   noCopies.add( { "no-copy",
+                   interface + ( portChannel.empty() ? "" : " of " + portChannel ) + ": " + reason,
+                   { { "interface", interface },
+                     { "portChannel", portChannel.empty() ? Cell() : Cell( portChannel ) },
+                     { "reason", reason } } } );
+}
+
+// The interfaces of the switch: those that are published, and those that are to carry traffic.
+std::set< IntfId > interfacesOf( Grounds const & grounds ) {
+   std::set< IntfId > all = grounds.configured();
+   for ( auto const & [ intf, port ] : grounds.state().ports ) {
+      all.insert( intf );
    }
-   Node & node = frame.add( { "no-copies", "no copies" } );
-   for ( Chip::NoCopy const & none : noCopies ) {
-      std::string const name = none.intfId.stringValue();
-      std::string const of =
-         none.portChannel == IntfId() ? "" : " of " + none.portChannel.stringValue();
-      std::string const reason = noCopyText( none );
-      node.add( { "no-copy",
-                  name + of + ": " + reason,
-                  { { "interface", name }, { "reason", reason } } } );
+   for ( auto const & [ portChannel, members ] : grounds.state().lags ) {
+      all.insert( portChannel );
+      all.insert( members.begin(), members.end() );
+   }
+   for ( auto const & [ intf, vteps ] : grounds.state().segments ) {
+      all.insert( intf );
+   }
+   return all;
+}
+
+// The chip knows only the interfaces that have a port, and the port channels that carry anything.
+void addUnknownToChip( Chip::Explanation const & why, Grounds const & grounds, Node & noCopies ) {
+   std::set< IntfId > rest = interfacesOf( grounds );
+   for ( Chip::Copy const & copy : why.story.copies ) {
+      rest.erase( copy.intfId );
+      std::erase_if( rest, [ & ]( IntfId const & intf ) {
+         auto const port = grounds.state().ports.find( intf );
+         return port != grounds.state().ports.end() && port->second == copy.port;
+      } );
+   }
+   for ( Chip::NoCopy const & none : why.noCopies ) {
+      rest.erase( none.intfId );
+   }
+   for ( IntfId const & intf : rest ) {
+      addNoCopy( intf.stringValue(), "",
+                 isPortChannel( intf ) ? "it carries no VLAN"
+                                       : "it has no port on a chip of this switch",
+                 noCopies );
+   }
+}
+
+void addNoCopies( Chip::Explanation const & why, Grounds const & grounds, Node & frame ) {
+   Node node{ "no-copies", "interfaces without a copy" };
+   for ( Chip::NoCopy const & none : why.noCopies ) {
+      addNoCopy( none.intfId.stringValue(), none.portChannel.stringValue(), noCopyText( none ),
+                 node );
+   }
+   addUnknownToChip( why, grounds, node );
+   if ( !node.children.empty() ) {
+      frame.add( std::move( node ) );
    }
 }
 
 }  // namespace
+
+bool isSharedWith( Grounds const & grounds, IntfId const & intf, IpGenAddr const & vtep ) {
+   auto const segment = grounds.state().segments.find( intf );
+   return segment != grounds.state().segments.end() && segment->second.contains( vtep );
+}
+
+bool arrivesTwice( Chip::Explanation const & why, Chip::Copy const & copy,
+                   Grounds const & grounds ) {
+   return copy.verdict == Verdict::Sent && !copy.remoteVtep && why.story.tunnel &&
+          isForSeveral( *why.story.kind ) &&
+          isSharedWith( grounds, copy.intfId, why.story.tunnel->source ) &&
+          !isExempt( why, copy, grounds );
+}
+
+std::string whyItPasses( Grounds const & grounds, IpGenAddr const & vtep ) {
+   if ( !grounds.state().isPluginReady ) {
+      return "the plug-in is not ready, so there are no rules yet";
+   }
+   auto const lack = grounds.unprotected().find( vtep );
+   return lack == grounds.unprotected().end()
+             ? "no rule of the chip keeps it back; 'vornal verify' compares the rules with the "
+               "state"
+             : fmt::format( "VTEP {} lacks a rule: {}", vtep.stringValue(), lack->second );
+}
 
 void addCopies( Chip::Explanation const & why, Grounds const & grounds, Node & frame ) {
    if ( !why.copies.empty() ) {
@@ -146,7 +233,7 @@ void addCopies( Chip::Explanation const & why, Grounds const & grounds, Node & f
    }
    // A frame that was dropped has a reason of its own.
    if ( !why.story.dropReason ) {
-      addNoCopies( why.noCopies, frame );
+      addNoCopies( why, grounds, frame );
    }
 }
 

@@ -23,9 +23,17 @@ std::string learningText( Chip::Learning learning ) {
    return "the MAC table is full; nothing is learned";
 }
 
-std::string entryText( std::optional< Chip::LearnedMac > const & entry ) {
-   return entry ? fmt::format( "{}, learned by frame {}", placeText( entry->place ), entry->frame )
+std::string entryText( std::optional< Chip::LearnedMac > const & entry, Grounds const & grounds ) {
+   return entry ? placeText( entry->place ) + ", " + grounds.learnedText( entry->frame )
                 : "not in the MAC table";
+}
+
+// The values of an entry of the MAC table.
+std::vector< Story::NamedCell > entryValues( std::optional< Chip::LearnedMac > const & entry,
+                                             Grounds const & grounds ) {
+   return { { "place", entry ? Cell( placeText( entry->place ) ) : Cell() },
+            { "frame", entry ? Cell( entry->frame ) : Cell() },
+            { "step", entry ? grounds.stepOf( entry->frame ) : Cell() } };
 }
 
 void addTunnel( Chip::TunnelStory const & tunnel, Node & frame ) {
@@ -53,7 +61,7 @@ void addDomain( std::optional< Chip::DomainFields > const & domain, Node & decis
                    { { "vlan", U64{ domain->vlan } }, { "vni", U64{ domain->vni } } } } );
 }
 
-void addSource( Chip::SourceExplanation const & source, Node & decision ) {
+void addSource( Chip::SourceExplanation const & source, Grounds const & grounds, Node & decision ) {
    Node & node = decision.add(
       { "source",
         fmt::format( "source {} in VLAN {}, seen at {}: {}", source.address.stringValue(),
@@ -61,7 +69,8 @@ void addSource( Chip::SourceExplanation const & source, Node & decision ) {
         { { "address", source.address.stringValue() },
           { "vlan", U64{ source.vlan } },
           { "seenAt", placeText( source.seen ) } } } );
-   node.add( { "mac-entry", "before this frame: " + entryText( source.known ), {} } );
+   node.add( { "mac-entry", "before this frame: " + entryText( source.known, grounds ),
+               entryValues( source.known, grounds ) } );
 }
 
 void addRoutes( Chip::Explanation const & why, Node & decision ) {
@@ -95,13 +104,13 @@ std::string placeText( Chip::MacPlace const & place ) {
    return place.remoteVtep ? "VTEP " + place.remoteVtep->stringValue() : place.intfId.stringValue();
 }
 
-void addDecision( Chip::Explanation const & why, Node & frame ) {
+void addDecision( Chip::Explanation const & why, Grounds const & grounds, Node & frame ) {
    if ( why.story.tunnel ) {
       addTunnel( *why.story.tunnel, frame );
    }
    auto const & reason = why.story.dropReason;
    std::string const kind = why.story.kind ? std::string( nameOf( *why.story.kind ) ) : "";
-   std::string const drop = reason ? "dropped: " + std::string( nameOf( *reason ) ) : "";
+   std::string const drop = reason ? "dropped as " + dropText( *reason ) : "";
    Node & decision = frame.add(
       { "decision",
         "decision: " + kind + ( kind.empty() || !reason ? "" : ", " ) + drop,
@@ -109,16 +118,18 @@ void addDecision( Chip::Explanation const & why, Node & frame ) {
           { "dropReason", reason ? Cell( std::string( nameOf( *reason ) ) ) : Cell() } } } );
    addDomain( why.domain ? why.domain : why.arrivalDomain, decision );
    if ( why.source ) {
-      addSource( *why.source, decision );
+      addSource( *why.source, grounds, decision );
    }
    addRoutes( why, decision );
    if ( why.destination ) {
-      decision.add(
+      Node & node = decision.add(
          { "destination",
            fmt::format( "destination {} in VLAN {}: {}", why.destination->address.stringValue(),
-                        why.destination->vlan, entryText( why.destination->found ) ),
+                        why.destination->vlan, entryText( why.destination->found, grounds ) ),
            { { "address", why.destination->address.stringValue() },
              { "vlan", U64{ why.destination->vlan } } } } );
+      auto const entry = entryValues( why.destination->found, grounds );
+      node.values.insert( node.values.end(), entry.begin(), entry.end() );
    }
 }
 

@@ -67,11 +67,11 @@ Node ipNode( std::string const & which, Chip::HeaderFields const & header ) {
 
 Node arpNode( Chip::ArpFields const & arp ) {
    constexpr U16 kRequest = 1;
+   bool const isRequest = arp.operation == kRequest;
    return { "arp",
-            fmt::format( "ARP {}: {} ({}) asks for {}",
-                         arp.operation == kRequest ? "request" : "reply",
+            fmt::format( "ARP {}: {} ({}) {} {}", isRequest ? "request" : "reply",
                          arp.senderIp.stringValue(), arp.senderMac.stringValue(),
-                         arp.targetIp.stringValue() ),
+                         isRequest ? "asks for" : "answers", arp.targetIp.stringValue() ),
             { { "operation", U64{ arp.operation } },
               { "sender", arp.senderIp.stringValue() },
               { "target", arp.targetIp.stringValue() } } };

@@ -1,12 +1,14 @@
 #include <Story/Table.h>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <Text/Printable.h>
+#include <Text/Wrapping.h>
 
 namespace Story {
 
@@ -31,18 +33,8 @@ std::string headingOf( std::string const & name ) {
    return heading;
 }
 
-// The text in lines of at most `width` characters, broken at blanks where there are any.
-Lines wrapped( std::string const & text, std::size_t width ) {
-   Lines lines;
-   std::string rest = text;
-   while ( rest.size() > width ) {
-      std::size_t const blank = rest.rfind( ' ', width );
-      std::size_t const end = blank == std::string::npos || blank == 0 ? width : blank;
-      lines.push_back( rest.substr( 0, end ) );
-      rest.erase( 0, rest[ end ] == ' ' ? end + 1 : end );
-   }
-   lines.push_back( rest );
-   return lines;
+std::size_t widthOf( std::vector< std::size_t > const & widths ) {
+   return std::accumulate( widths.begin(), widths.end(), kGap * ( widths.size() - 1 ) );
 }
 
 // The widths of the columns: as wide as their texts, and the widest ones narrower until all fit.
@@ -53,10 +45,7 @@ std::vector< std::size_t > widthsOf( std::vector< Lines > const & texts, std::si
          widths[ n ] = std::max( widths[ n ], row[ n ].size() );
       }
    }
-   auto const total = [ & ] {
-      return std::accumulate( widths.begin(), widths.end(), kGap * ( widths.size() - 1 ) );
-   };
-   while ( total() > width ) {
+   while ( widthOf( widths ) > width ) {
       auto const widest = std::max_element( widths.begin(), widths.end() );
       if ( *widest <= kNarrowest ) {
          break;
@@ -70,7 +59,7 @@ std::string rowText( Lines const & row, std::vector< std::size_t > const & width
    std::vector< Lines > cells;
    std::size_t height = 1;
    for ( std::size_t n = 0; n < row.size(); ++n ) {
-      cells.push_back( wrapped( row[ n ], widths[ n ] ) );
+      cells.push_back( Text::wrapped( row[ n ], widths[ n ] ) );
       height = std::max( height, cells.back().size() );
    }
    std::string text;
@@ -86,14 +75,53 @@ std::string rowText( Lines const & row, std::vector< std::size_t > const & width
    return text;
 }
 
-// The sentence in lines of its own, indented.
-std::string sentenceText( Cell const & cell, std::size_t width ) {
+// The cell in lines of its own, indented, behind its column's name.
+std::string sentenceText( std::string const & column, Cell const & cell, std::size_t width ) {
    std::string const indent( kIndent, ' ' );
    std::string text;
    for ( std::string const & line :
-         wrapped( std::string( kSentence ) + ": " + Text::printable( cell.words() ),
-                  std::max( width, kNarrowest + kIndent ) - kIndent ) ) {
+         Text::wrapped( column + ": " + Text::printable( cell.words() ),
+                        std::max( width, kNarrowest + kIndent ) - kIndent ) ) {
       text += indent + line + '\n';
+   }
+   return text;
+}
+
+// The heading and the rows, as far as the first `columns` of them.
+std::vector< Lines > textsOf( Table const & table, std::size_t columns ) {
+   std::vector< Lines > texts( 1 );
+   for ( std::size_t n = 0; n < columns; ++n ) {
+      texts.front().push_back( headingOf( table.columns[ n ] ) );
+   }
+   for ( auto const & row : table.rows ) {
+      Lines & line = texts.emplace_back();
+      for ( std::size_t n = 0; n < columns; ++n ) {
+         line.push_back( Text::printable( row[ n ].words() ) );
+      }
+   }
+   return texts;
+}
+
+// Whether a column gets less than half of the width that its texts have.
+bool isSqueezed( Table const & table, std::size_t columns, std::size_t width ) {
+   auto const texts = textsOf( table, columns );
+   auto const wished = widthsOf( texts, std::numeric_limits< std::size_t >::max() );
+   auto const given = widthsOf( texts, width );
+   return !std::equal( given.begin(), given.end(), wished.begin(),
+                       []( std::size_t has, std::size_t wants ) { return 2 * has >= wants; } );
+}
+
+// The one row of a squeezed table: a line for each column.
+std::string recordText( Table const & table, std::size_t columns, std::size_t width ) {
+   Table record{ table.name, { "", "" }, {} };
+   for ( std::size_t n = 0; n < columns; ++n ) {
+      record.rows.push_back( { headingOf( table.columns[ n ] ), table.rows.front()[ n ] } );
+   }
+   std::vector< Lines > texts = textsOf( record, record.columns.size() );
+   auto const widths = widthsOf( texts, width );
+   std::string text;
+   for ( std::size_t n = 1; n < texts.size(); ++n ) {
+      text += rowText( texts[ n ], widths );
    }
    return text;
 }
@@ -124,23 +152,21 @@ std::string tableText( Table const & table, std::size_t width ) {
    if ( table.rows.empty() ) {
       return "no " + table.name + '\n';
    }
-   bool const hasSentence = table.columns.back() == kSentence;
-   std::size_t const columns = table.columns.size() - ( hasSentence ? 1 : 0 );
-   std::vector< Lines > texts( 1 );
-   for ( std::size_t n = 0; n < columns; ++n ) {
-      texts.front().push_back( headingOf( table.columns[ n ] ) );
-   }
-   for ( auto const & row : table.rows ) {
-      Lines & line = texts.emplace_back();
-      for ( std::size_t n = 0; n < columns; ++n ) {
-         line.push_back( Text::printable( row[ n ].words() ) );
-      }
-   }
+   std::size_t columns = table.columns.size();
+   bool const isSentence = table.columns.back() == kSentence;
+   bool const isSqueezedByLast = columns > 1 && isSqueezed( table, columns, width ) &&
+                                 !isSqueezed( table, columns - 1, width );
+   bool const hasSentence = isSentence || isSqueezedByLast;
+   columns -= hasSentence ? 1 : 0;
+   bool const isRecord = table.rows.size() == 1 && isSqueezed( table, columns, width );
+   auto const texts = textsOf( table, columns );
    auto const widths = widthsOf( texts, width );
-   std::string text = rowText( texts.front(), widths );
+   std::string text = isRecord ? "" : rowText( texts.front(), widths );
    for ( std::size_t n = 0; n < table.rows.size(); ++n ) {
-      text += rowText( texts[ n + 1 ], widths );
-      text += hasSentence ? sentenceText( table.rows[ n ].back(), width ) : "";
+      Cell const & last = table.rows[ n ].back();
+      text += isRecord ? recordText( table, columns, width ) : rowText( texts[ n + 1 ], widths );
+      text += hasSentence && last.words() != "-" ? sentenceText( table.columns.back(), last, width )
+                                                 : "";
    }
    return text;
 }

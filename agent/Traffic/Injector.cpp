@@ -203,6 +203,17 @@ void Injector::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
 
 // --- Questions
 
+std::set< IntfId > Injector::configured() const {
+   std::set< IntfId > interfaces;
+   if ( forwarding_ ) {
+      interfaces = forwarding_->underlay;
+      for ( auto const & [ interface, vlans ] : forwarding_->vlans ) {
+         interfaces.insert( interface );
+      }
+   }
+   return interfaces;
+}
+
 void Injector::watch( U64 number, std::function< void( ArrivingFrame const & ) > look ) {
    watched_ = number;
    look_ = std::move( look );

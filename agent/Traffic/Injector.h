@@ -25,6 +25,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 
 #include <Board/Board.h>
 #include <Capture/PortCaptures.h>
@@ -68,6 +69,8 @@ class Injector {
    U64 frames() const { return frames_; }
    // The MAC addresses that have been learned, by VLAN and address.
    std::vector< Chip::LearnedMac > macs() const { return pipeline_.macs(); }
+   // The interfaces that are to carry VLANs or VXLAN, with a port or without one.
+   std::set< Pelk::IntfId > configured() const;
 
    // Calls `look` with that frame of the run, counted from 1, just before the switch gets it.
    void watch( U64 number, std::function< void( ArrivingFrame const & ) > look );

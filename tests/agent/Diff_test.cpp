@@ -87,6 +87,30 @@ TEST( Diff, NeedsTwoSwitches ) {
    EXPECT_EQ( ran.err, "--against 99: " + scenario( "two-leaves" ) + " ends with step 22\n" );
 }
 
+TEST( Diff, ShowsTheNamedPartsAlone ) {
+   auto const ran = diff(
+      { scenario( "two-leaves" ), "--after", "8", "--against", "9", "--only", "rules", "--json" } );
+   EXPECT_EQ( ran.exitCode, 1 ) << ran.err;
+   Json const parts = Json::parse( ran.out )[ "children" ];
+   ASSERT_EQ( parts.size(), 1U ) << parts;
+   EXPECT_EQ( parts[ 0 ][ "kind" ], "rule" );
+   EXPECT_EQ( diff( { scenario( "two-leaves" ), "--after", "7", "--against", "8", "--only",
+                      "published", "--only", "rules" } )
+                 .out,
+              "no differences\n" );
+   EXPECT_TRUE(
+      contains( diff( { scenario( "two-leaves" ), "--after", "1", "--only", "rule" } ).err,
+                "--only: 'rule' is no part of a state; give published, rules or records" ) );
+}
+
+TEST( Diff, TellsTheCommonBeginningOfItemsOnce ) {
+   auto const ran = diff( { scenario( "two-leaves" ), "--after", "8", "--against", "9" } );
+   EXPECT_TRUE(
+      contains( ran.out, "   records of the plug-in, below /plugins/Vornal::VornalEvpnMounter/" ) )
+      << ran.out;
+   EXPECT_FALSE( contains( ran.out, "+ /plugins/" ) ) << ran.out;
+}
+
 // --- What if
 
 TEST( WhatIf, ShowsWhatOneMoreStepWouldChange ) {
@@ -110,6 +134,18 @@ TEST( WhatIf, SaysThatNothingWouldChange ) {
       Support::vornal( { "run", scenario( "two-leaves" ), "--what-if", "note: nothing" } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_EQ( ran.out, "no differences\n" );
+}
+
+TEST( WhatIf, ShowsTheNamedPartsAlone ) {
+   auto const ran = Support::vornal( { "run", scenario( "two-leaves" ), "--what-if",
+                                       "withdraw: { segments: { Port-Channel2: [ 10.0.0.2 ] } }",
+                                       "--only", "published" } );
+   EXPECT_EQ( ran.out,
+              "differences\n"
+              "   published state\n"
+              "      - /evpn/status/segmentStatus[Port-Channel2]/remoteTep[10.0.0.2]\n" );
+   EXPECT_EQ( Support::vornal( { "run", scenario( "two-leaves" ), "--only", "rules" } ).exitCode,
+              2 );
 }
 
 TEST( WhatIf, NamesThePlaceOfAMistake ) {

@@ -40,16 +40,55 @@ TEST( Explain, NamesTheRuleThatKeepsACopyBackAndTheStateBehindIt ) {
 
    EXPECT_TRUE( contains(
       text,
-      "      entry 3 matches; does EgressMask ports 3, 4; it wins: no other rule matches\n"
+      "      entry 3 matches, and wins: no other rule matches\n"
+      "         does EgressMask ports 3, 4: the frame does not leave by these\n"
       "         \"Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments\"\n"
-      "         because of this: VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3 "
+      "         because of this state: VTEP 10.0.0.2 shares segment Port-Channel2 through "
+      "Ethernet3 "
       "and Ethernet4; virtual port 2\n"
-      "         programmed in step 9, last changed in step 9\n" ) )
+      "         programmed in step 9 (ready subagents::l2Ready), not changed since\n" ) )
       << text;
    EXPECT_TRUE(
-      text.ends_with( "   verdict: broadcast from VTEP 10.0.0.2: sent to Ethernet1; kept "
-                      "back from Port-Channel2 by unit 0 entry 3\n" ) )
+      text.ends_with( "   verdict: the broadcast frame from VTEP 10.0.0.2 is sent to "
+                      "Ethernet1; kept back from Port-Channel2 by unit 0 entry 3, where "
+                      "VTEP 10.0.0.2 delivers it itself\n" ) )
       << text;
+}
+
+TEST( Explain, NamesTheStepThatChangedARuleLast ) {
+   std::string const text = explained( "limits/port-given-on", { kFromLeaf2, "--after", "7" } );
+   EXPECT_TRUE(
+      contains( text, ", last changed in step 7 (publish Ethernet2 in Port-Channel2)\n" ) )
+      << text;
+}
+
+TEST( Explain, SaysWhyTheWinnerStandsAboveTheNext ) {
+   EXPECT_TRUE( contains( explained( "vni-multicast", { "1" } ),
+                          "entry 5 matches, and wins: its priority 2 is above priority 1 of entry "
+                          "3\n" ) );
+   std::string const text =
+      explained( "two-leaves", { "{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02, "
+                                 "destination: 00:00:5e:00:53:12 }" } );
+   EXPECT_TRUE( contains( text,
+                          "entry 1 matches, and wins: the group's default priority is above "
+                          "priority 1 of entry 3\n" ) )
+      << text;
+   EXPECT_TRUE( contains( text, "entry 3 matches, and loses\n" ) ) << text;
+}
+
+TEST( Explain, NamesTheFrameAndTheStepThatTaughtAnAddress ) {
+   for ( std::string const scenario : { "two-leaves", "two-leaves-class-id" } ) {
+      std::string const source = explained( scenario, { "136" } );
+      EXPECT_TRUE(
+         contains( source, "before this frame: VTEP 10.0.0.2, learned from frame 3 in step 7\n" ) )
+         << source;
+      std::string const destination = explained( scenario, { "355" } );
+      EXPECT_TRUE(
+         contains( destination,
+                   "destination 00:00:5e:00:53:12 in VLAN 10: Port-Channel2, learned from "
+                   "frame 2 in step 4\n" ) )
+         << destination;
+   }
 }
 
 TEST( Explain, NamesTheQualifierThatANearMissFails ) {
@@ -69,7 +108,7 @@ TEST( Explain, FollowsAClassIdToTheEgressRuleThatDrops ) {
 
    EXPECT_TRUE( contains( text, "the frame goes on with class id 1\n" ) ) << text;
    EXPECT_TRUE( contains( text, "IngressClassField 1\n" ) ) << text;
-   EXPECT_TRUE( contains( text, "matches; does Drop; it wins" ) ) << text;
+   EXPECT_TRUE( contains( text, "does Drop: the copy does not leave\n" ) ) << text;
    EXPECT_TRUE( contains( text, ": kept back by an egress rule\n" ) ) << text;
 }
 
@@ -106,9 +145,64 @@ TEST( Explain, SaysWhyAFrameIsDropped ) {
    std::string const text =
       explained( "two-leaves", { "{ from: 10.0.0.2, vni: 3, source: 00:00:5e:00:53:02 }" } );
 
-   EXPECT_TRUE( contains( text, "   decision: dropped: unknown-vni\n" ) ) << text;
-   EXPECT_TRUE( text.ends_with( "   verdict: a frame from VTEP 10.0.0.2: dropped: unknown-vni\n" ) )
+   std::string const why = "dropped as unknown-vni: no VLAN of this switch has that VNI\n";
+   EXPECT_TRUE( contains( text, "   decision: " + why ) ) << text;
+   EXPECT_TRUE( text.ends_with( "   verdict: the frame from VTEP 10.0.0.2 is " + why ) ) << text;
+}
+
+TEST( Explain, SaysWhichVlanAnInterfaceDoesNotCarry ) {
+   std::string const text =
+      explained( "two-leaves", { "{ on: Ethernet1, vlan: 77, source: 00:00:5e:00:53:01 }" } );
+   EXPECT_TRUE( contains( text, "EtherType 0x88b5, VLAN tag 77\n" ) ) << text;
+   EXPECT_TRUE(
+      contains( text,
+                "dropped as unknown-vlan: the interface that it came in on does not carry "
+                "its VLAN\n" ) )
       << text;
+}
+
+TEST( Explain, SaysOfAnInterfaceWithoutAPortThatItHasNone ) {
+   std::string const text = explained( "lag-members", { kFromLeaf2, "--after", "18" } );
+   EXPECT_TRUE( contains( text, "      Ethernet4: it has no port on a chip of this switch\n" ) )
+      << text;
+}
+
+TEST( Explain, SaysThatAFrameArrivesTwiceAndWhy ) {
+   EXPECT_TRUE(
+      explained( "tcam-full", { "2" } )
+         .ends_with( "; it arrives twice at Ethernet3, where VTEP 10.0.0.3 delivers it as "
+                     "well: VTEP 10.0.0.3 lacks a rule: group 157 has no room on unit 0\n" ) );
+   EXPECT_TRUE( contains( explained( "two-leaves", { "17" } ), "; it arrives twice at " ) );
+   EXPECT_FALSE( contains( explained( "two-leaves", { "136" } ), "twice" ) );
+   EXPECT_FALSE( contains( explained( "vni-multicast", { "1" } ), "twice" ) ) << "it is exempt";
+}
+
+// --- One interface
+
+TEST( Explain, TellsOfOneInterfaceAlone ) {
+   std::string const text = explained( "two-leaves", { kFromLeaf2, "--interface", "Ethernet3" } );
+   EXPECT_TRUE( contains( text, "Ethernet3 of Port-Channel2: the flow takes another member" ) )
+      << text;
+   EXPECT_FALSE( contains( text, "   copies\n" ) ) << text;
+   EXPECT_FALSE( contains( text, "   headers\n" ) ) << text;
+   EXPECT_TRUE( contains( text, "entry 3 matches" ) ) << text;
+
+   std::string const member = explained( "two-leaves", { kFromLeaf2, "--interface", "Ethernet4" } );
+   EXPECT_TRUE( contains( member, "Port-Channel2 by Ethernet4 (unit 0 port 4): kept back" ) )
+      << member;
+   std::string const both =
+      explained( "two-leaves", { kFromLeaf2, "--interface", "Port-Channel2" } );
+   EXPECT_TRUE( contains( both, "Port-Channel2 by Ethernet4" ) ) << both;
+   EXPECT_TRUE( contains( both, "Ethernet3 of Port-Channel2" ) ) << both;
+}
+
+TEST( Explain, RefusesAnInterfaceThatTheSwitchDoesNotHave ) {
+   auto const ran = explain( "two-leaves", { kFromLeaf2, "--interface", "Ethernet9" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err,
+              "--interface: the switch has no 'Ethernet9'; give Ethernet1, Ethernet3, Ethernet4, "
+              "Ethernet49 or Port-Channel2\n" );
+   EXPECT_EQ( ran.out, "" );
 }
 
 TEST( Explain, DecodesTheHeaders ) {

@@ -105,9 +105,38 @@ TEST( Show, SaysOfEachPortWhoseFramesItKeepsBack ) {
 
 TEST( Show, CountsTheEntriesOfEachGroupAndWhoWasRefused ) {
    EXPECT_EQ( show( "tcam-full", { "tcam" } ).out,
-              "UNIT  GROUP              CAPACITY  PLUGIN  OTHERS  FREE  MOST  REFUSED\n"
-              "0     egress group 45    8         0       0       8     0     0\n"
-              "0     ingress group 157  8         4       2       2     8     2\n" );
+              "UNIT  GROUP              CAPACITY  PLUGIN  OTHERS  FREE  MOST  REFUSED  WITHOUT\n"
+              "0     egress group 45    8         0       0       8     0     0        -\n"
+              "0     ingress group 157  8         4       2       2     8     2        VTEP "
+              "10.0.0.3, VTEP 10.0.0.4\n" );
+}
+
+TEST( Show, NamesThoseThatFoundNoRoom ) {
+   auto const without = []( std::string const & scenario, std::string const & step ) {
+      Json names = Json::array();
+      for ( Json const & row : rows( scenario, { "tcam", "--after", step } ) ) {
+         names.push_back( row[ "without" ] );
+      }
+      return names;
+   };
+   EXPECT_EQ( without( "egress-group-full", "7" ).at( 0 ).size(), 2U )
+      << without( "egress-group-full", "7" );
+   EXPECT_EQ( without( "vni-retry", "7" ).at( 1 ), Json( { "VNI 10100", "VNI 10200" } ) )
+      << without( "vni-retry", "7" );
+}
+
+TEST( Show, NamesTheStepThatTaughtAMacAddress ) {
+   Json const macs = rows( "two-leaves", { "macs" } );
+   ASSERT_EQ( macs.size(), 5U );
+   EXPECT_EQ( macs[ 0 ][ "frame" ], 1 );
+   EXPECT_EQ( macs[ 0 ][ "step" ], 2 );
+   EXPECT_EQ( macs[ 1 ][ "step" ], 18 );
+}
+
+TEST( Show, TakesTheNumberOfARule ) {
+   Json const rules = rows( "two-leaves-class-id", { "rules", "--entry", "5" } );
+   ASSERT_EQ( rules.size(), 1U ) << rules;
+   EXPECT_EQ( rules[ 0 ][ "interface" ], "Ethernet4" );
 }
 
 TEST( Show, ListsTheClassIdsThatVtepsWaitFor ) {
@@ -127,6 +156,7 @@ TEST( Show, CountsTheFramesThatEachRuleKeptBack ) {
    U64 frames = 0;
    for ( Json const & one : counters ) {
       EXPECT_EQ( one[ "interface" ], "Port-Channel2" );
+      EXPECT_TRUE( one[ "port" ] == 3 || one[ "port" ] == 4 ) << one;
       frames += one[ "frames" ].get< U64 >();
    }
    EXPECT_EQ( frames, 11U );

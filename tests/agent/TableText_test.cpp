@@ -52,6 +52,43 @@ TEST( TableText, GivesTheReasonsLinesOfTheirOwnBelowTheRow ) {
    EXPECT_EQ( tableText( table, 30 ), "ENTRY\n3\n      because: VTEP 10.0.0.2\n      shares it\n" );
 }
 
+TEST( TableText, GivesALastColumnThatSqueezesTheOthersLinesOfItsOwn ) {
+   Table const table{ "vteps",
+                      { "vtep", "rules", "protection" },
+                      { { "10.0.0.2", U64{ 1 }, "protected" },
+                        { "10.0.0.3", U64{ 0 }, "none: its class id is asked for and not granted" },
+                        { "10.0.0.4", U64{ 0 }, Cell() } } };
+   EXPECT_EQ( tableText( table, 50 ),
+              "VTEP      RULES  PROTECTION\n"
+              "10.0.0.2  1      protected\n"
+              "10.0.0.3  0      none: its class id is asked for\n"
+              "                 and not granted\n"
+              "10.0.0.4  0      -\n" );
+   EXPECT_EQ( tableText( table, 35 ),
+              "VTEP      RULES\n"
+              "10.0.0.2  1\n"
+              "      protection: protected\n"
+              "10.0.0.3  0\n"
+              "      protection: none: its class\n"
+              "      id is asked for and not\n"
+              "      granted\n"
+              "10.0.0.4  0\n" );
+}
+
+TEST( TableText, GivesEachColumnOfASqueezedRowALine ) {
+   Table const table{ "rules",
+                      { "entry", "matches", "does", "because" },
+                      { { U64{ 3 }, "DstPort module 1 port 3 and IngressClassField 1", "Drop",
+                          "VTEP 10.0.0.2 shares it" } } };
+   EXPECT_EQ( tableText( table, 36 ),
+              "ENTRY    3\n"
+              "MATCHES  DstPort module 1 port 3 and\n"
+              "         IngressClassField 1\n"
+              "DOES     Drop\n"
+              "      because: VTEP 10.0.0.2 shares\n"
+              "      it\n" );
+}
+
 TEST( TableText, SaysThatThereIsNone ) {
    EXPECT_EQ( Story::tableText( { "vteps", { "vtep" }, {} }, 80 ), "no vteps\n" );
 }
