@@ -42,5 +42,21 @@ install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
 set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
 install( TARGETS vornal RUNTIME DESTINATION bin )
 
+# The program prints its manual page and its completions itself. install_words( <folder> <file>
+# <word>... ): what it prints to these words.
+function( install_words folder file )
+   install( CODE "
+      set( folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}\" )
+      file( MAKE_DIRECTORY \"\${folder}\" )
+      execute_process(
+         COMMAND \"$<TARGET_FILE:vornal>\" ${ARGN} OUTPUT_FILE \"\${folder}/${file}\"
+         COMMAND_ERROR_IS_FATAL ANY )
+      message( STATUS \"Installing: \${folder}/${file}\" )" )
+endfunction()
+
+install_words( share/man/man1 vornal.1 manual )
+install_words( share/bash-completion/completions vornal completion bash )
+install_words( share/zsh/site-functions _vornal completion zsh )
+
 # Documents and scenarios lead to each other by relative paths, as here.
 install( DIRECTORY scenarios docs DESTINATION share/vornal )

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
+#include <Audit/SharedSegments.h>
+
 namespace Audit {
 
 namespace {
@@ -61,7 +63,7 @@ Report compare( State const & state, Records const & records, Chip::Units const 
    WantedRules wanted = wantedRules( state );
    fillInRecordedClassIds( records, wanted );
    Matched const matched = match( wanted, records, units );
-   Sides const sides{ state, records, units, wanted, matched };
+   Sides const sides{ state, records, units, wanted, matched, vtepNamesIn( state ) };
    Report report;
    report.rules = static_cast< U32 >( wanted.size() );
    report.entries = static_cast< U32 >( matched.rules.size() + matched.others.size() );

@@ -3,6 +3,7 @@
 
 #include <Audit/Audit.h>
 #include <Audit/Matching.h>
+#include <Snapshot/RuleText.h>
 
 namespace Audit {
 
@@ -15,6 +16,7 @@ struct Sides {
    Chip::Units const & units;
    WantedRules const & wanted;
    Matched const & matched;
+   Chip::NameOf names;  // of the numbers in rules
 };
 
 using Story::Difference;

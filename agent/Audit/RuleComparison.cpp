@@ -1,7 +1,6 @@
 // Compares the chip's entries with the expected rules.
 
 #include <Audit/Comparison.h>
-#include <Snapshot/RuleText.h>
 
 namespace Audit {
 
@@ -13,13 +12,13 @@ using Chip::EntryContent;
 class EntryComparison {
  public:
    EntryComparison( RuleFor const & what, WantedRule const & rule, Chip::Entry const & entry,
-                    Differences & found )
-         : what_( what ), rule_( rule ), entry_( entry ), found_( found ) {}
+                    Chip::NameOf const & names, Differences & found )
+         : what_( what ), rule_( rule ), entry_( entry ), names_( names ), found_( found ) {}
 
    void check() {
       if ( !entry_.written() ) {
          add( DifferenceKind::stagedOnly, {}, "staged, not in the hardware",
-              Chip::contentText( rule_.content ) );
+              Chip::contentText( rule_.content, names_ ) );
          return;
       }
       for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
@@ -46,7 +45,7 @@ class EntryComparison {
       bool const isOnlyMask =
          actual && expected && actual->data == expected->data && actual->modId == expected->modId;
       add( isOnlyMask ? DifferenceKind::wrongMask : DifferenceKind::wrongQualifier,
-           nameOf( qualifier ), valueText( qualifier, actual ), valueText( qualifier, expected ) );
+           nameOf( qualifier ), textOf( qualifier, actual ), textOf( qualifier, expected ) );
    }
 
    void checkAction( Chip::Action action, Parameters const & actual, Parameters const & expected ) {
@@ -76,9 +75,15 @@ class EntryComparison {
    template< typename Part > void checkStagedPart( Part part ) {
       if ( isOnlyStaged( written()[ part ], rule_.content[ part ], staged()[ part ] ) ) {
          add( DifferenceKind::stagedDiffers, nameOf( part ),
-              valueText( part, staged()[ part ] ) + kStaged,
-              valueText( part, rule_.content[ part ] ) );
+              textOf( part, staged()[ part ] ) + kStaged, textOf( part, rule_.content[ part ] ) );
       }
+   }
+
+   std::string textOf( Chip::Qualifier qualifier, Match const & match ) const {
+      return valueText( qualifier, match, names_ );
+   }
+   static std::string textOf( Chip::Action action, Parameters const & parameters ) {
+      return valueText( action, parameters );
    }
 
    template< typename T >
@@ -105,6 +110,7 @@ class EntryComparison {
    RuleFor const & what_;
    WantedRule const & rule_;
    Chip::Entry const & entry_;
+   Chip::NameOf const & names_;
    Differences & found_;
 };
 
@@ -113,7 +119,7 @@ void addAbsent( Sides const & sides, RuleFor const & what, WantedRule const & ru
    Absence const absence = whyAbsent( sides, what );
    Difference difference = differenceFor( what, absence.kind, rule.name );
    difference.actual = "no such rule";
-   difference.expected = Chip::contentText( rule.content );
+   difference.expected = Chip::contentText( rule.content, sides.names );
    difference.because =
       absence.reason.empty() ? rule.because : rule.because + "; " + absence.reason;
    found.push_back( std::move( difference ) );
@@ -154,7 +160,8 @@ void addUnexpected( Sides const & sides, EntryAt const & at, Differences & found
    difference.entry = at.entry->id();
    difference.rule = at.entry->name();
    difference.actual =
-      Chip::contentText( at.entry->written() ? *at.entry->written() : at.entry->staged() );
+      Chip::contentText( at.entry->written() ? *at.entry->written() : at.entry->staged(),
+                         sides.names );
    if ( !at.entry->written() ) {
       difference.actual += "; staged, not in the hardware";
    }
@@ -172,7 +179,7 @@ void compareRules( Sides const & sides, Differences & found ) {
          addAbsent( sides, what, rule, found );
          continue;
       }
-      EntryComparison( what, rule, **entry, found ).check();
+      EntryComparison( what, rule, **entry, sides.names, found ).check();
       if ( rule.isWithoutClassId && what.purpose == Purpose::vtep ) {
          addWithdrawnClassId( what, rule, **entry, found );
       }

@@ -85,6 +85,14 @@ U16 vpIndexOf( State const & state, IpGenAddr const & vtep ) {
    return found == state.virtualPorts.end() ? U16{ 0 } : static_cast< U16 >( found->second );
 }
 
+Story::VtepNames vtepNamesIn( State const & state ) {
+   Story::VtepNames names;
+   for ( auto const & [ vtep, virtualPort ] : state.virtualPorts ) {
+      names.add( virtualPort, vtep.stringValue() );
+   }
+   return names;
+}
+
 std::string sharingText( State const & state, U16 unit, IpGenAddr const & vtep ) {
    std::vector< std::string > texts;
    for ( IntfId const & segment : segmentsOf( state, vtep ) ) {

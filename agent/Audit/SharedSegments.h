@@ -7,6 +7,7 @@
 #include <string>
 
 #include <Audit/State.h>
+#include <Story/VtepNames.h>
 
 namespace Audit {
 
@@ -19,6 +20,9 @@ std::set< VornalTypes::VornalPort > sharedPorts( State const & state, U16 unit,
 
 // The VP index of the VTEP: the low 16 bits of its virtual port; 0 without one.
 U16 vpIndexOf( State const & state, Pelk::IpGenAddr const & vtep );
+
+// The names of the VTEPs that have a virtual port, by source gport.
+Story::VtepNames vtepNamesIn( State const & state );
 
 // "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3; virtual port 2", for an active
 // VTEP

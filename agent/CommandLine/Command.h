@@ -13,6 +13,8 @@
 #pragma once
 
 #include <ostream>
+#include <string_view>
+#include <vector>
 
 #include <Story/Outcome.h>
 
@@ -31,6 +33,10 @@ class Command {
 
    // Declares the words that it takes, and the purpose of each.
    virtual void declare( CLI::App & app ) = 0;
+   // The texts that the word can have, for completion and the manual; none: it is not a choice.
+   virtual std::vector< std::string_view > choicesOf( std::string_view /*word*/ ) const {
+      return {};
+   }
    // Turns the words that were given into values.
    virtual void readWords() {}
    // Does the work and prints the result on `out`, the program's standard output.

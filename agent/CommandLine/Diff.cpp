@@ -11,6 +11,7 @@ void Diff::declare( CLI::App & app ) {
    app.add_option( "OTHER", other_,
                    "The other scenario's file; without one, two steps of the same scenario are "
                    "compared" )
+      ->type_name( "FILE" )
       ->check( problemOfName );
    app.add_option( "--after", after_,
                    "Take the first switch after this step, 0 for start-up; by default after the "

@@ -49,6 +49,7 @@ std::string lineOf( Trace::Ring::Decoded const & line ) {
 void Ring::declare( CLI::App & app ) {
    app.add_option( "FILE", file_, "The file that 'run --ring' has written" )
       ->required()
+      ->type_name( "FILE" )
       ->check( problemOfName );
 }
 

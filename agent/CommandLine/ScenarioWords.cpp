@@ -9,6 +9,7 @@ namespace CommandLine {
 void ScenarioWords::declare( CLI::App & app ) {
    app.add_option( "SCENARIO", file_, "The scenario's file, a pipe, or '-' for standard input" )
       ->required()
+      ->type_name( "FILE" )
       ->check( problemOfName );
    run_.declarePlugin( app );
    app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );

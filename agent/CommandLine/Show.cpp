@@ -112,6 +112,10 @@ void Show::declare( CLI::App & app ) {
    }
 }
 
+std::vector< std::string_view > Show::choicesOf( std::string_view word ) const {
+   return word == "WHAT" ? subjects() : std::vector< std::string_view >();
+}
+
 void Show::readWords() {
    scenario_.readWords();
    question_ = Questions::find( what_ );

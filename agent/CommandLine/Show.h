@@ -16,6 +16,7 @@ namespace CommandLine {
 class Show final : public Command {
  public:
    void declare( CLI::App & app ) override;
+   std::vector< std::string_view > choicesOf( std::string_view word ) const override;
    void readWords() override;
    Story::ExitCode perform( std::ostream & out ) override;
 

@@ -1,7 +1,11 @@
 #include <CommandLine/Table.h>
 
+#include <CommandLine/Check.h>
+#include <CommandLine/Completion.h>
 #include <CommandLine/Diff.h>
 #include <CommandLine/Explain.h>
+#include <CommandLine/Help.h>
+#include <CommandLine/Manual.h>
 #include <CommandLine/Ring.h>
 #include <CommandLine/Run.h>
 #include <CommandLine/Schema.h>
@@ -28,6 +32,7 @@ constexpr std::string_view kOfADiff =
 constexpr std::string_view kOfATest =
    "Exit codes: 0 all passed, 1 a scenario failed, 2 no scenario found or bad usage, 129 SIGHUP, "
    "130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfACheck = "Exit codes: 0 no mistakes, 2 mistakes, or bad usage";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -40,7 +45,7 @@ std::vector< Row > const & table() {
    static std::vector< Row > const rows{
       { "run", "Run a scenario and show what happens",
         "vornal run scenarios/start-up/scenario.yaml\n"
-        "vornal run --json --trace 'VornalEvpn*/0-5' scenario.yaml",
+        "vornal run --json --trace 'VornalEvpn*/0-5' scenarios/start-up/scenario.yaml",
         create< Run >, kOfARun },
       { "show", "Run a scenario and show the state that it leads to",
         "vornal show scenarios/two-leaves/scenario.yaml rules --vtep 10.0.0.2\n"
@@ -48,7 +53,8 @@ std::vector< Row > const & table() {
         create< Show >, kOfATable },
       { "explain", "Run a scenario and say why a frame leaves by a port or does not",
         "vornal explain scenarios/two-leaves/scenario.yaml 2\n"
-        "vornal explain scenario.yaml '{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02 }'",
+        "vornal explain scenarios/two-leaves/scenario.yaml "
+        "'{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02 }'",
         create< Explain >, kOfATable },
       { "diff", "Compare the switches of two scenarios, or of two steps of one",
         "vornal diff scenarios/two-leaves/scenario.yaml --after 9 --against 8\n"
@@ -56,20 +62,36 @@ std::vector< Row > const & table() {
         create< Diff >, kOfADiff },
       { "verify", "Run a scenario and compare the rules with the published state",
         "vornal verify scenarios/start-up/scenario.yaml\n"
-        "vornal verify --after-each-step scenario.yaml",
+        "vornal verify --after-each-step scenarios/two-leaves/scenario.yaml",
         create< Verify >, kOfAnAudit },
       { "test", "Run all scenarios of folders side by side and tell which failed",
         "vornal test scenarios\n"
         "vornal test --jobs 4 --junit results.xml scenarios/limits scenario.yaml",
         create< Test >, kOfATest },
+      { "check", "Find every mistake of scenarios, without a run",
+        "vornal check scenarios/start-up/scenario.yaml\n"
+        "vornal check scenarios",
+        create< Check >, kOfACheck },
       { "ring", "Print the lines of a binary trace ring",
-        "vornal run --ring run.ring scenario.yaml\n"
+        "vornal run --ring run.ring scenarios/start-up/scenario.yaml\n"
         "vornal ring run.ring",
         create< Ring >, kOfAText },
       { "schema", "Print the JSON Schema of scenarios, for editors",
         "vornal schema > scenario.schema.json\n"
-        "vornal schema | jq .definitions.frame",
-        create< Schema >, kOfAText }
+        "vornal schema | diff docs/scenario.schema.json -",
+        create< Schema >, kOfAText },
+      { "help", "Print the help of the program, or of a command",
+        "vornal help\n"
+        "vornal help show",
+        create< Help >, kOfAText },
+      { "completion", "Print the completion of command lines for a shell",
+        "vornal completion bash > vornal\n"
+        "vornal completion zsh > _vornal",
+        create< Completion >, kOfAText, true },
+      { "manual", "Print the manual page",
+        "vornal manual > vornal.1\n"
+        "vornal manual | grep EXAMPLES",
+        create< Manual >, kOfAText, true }
    };
    return rows;
 }
@@ -77,7 +99,9 @@ std::vector< Row > const & table() {
 std::vector< std::string_view > commandNames() {
    std::vector< std::string_view > names;
    for ( Row const & row : table() ) {
-      names.push_back( row.name );
+      if ( !row.isHidden ) {
+         names.push_back( row.name );
+      }
    }
    return names;
 }

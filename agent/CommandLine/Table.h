@@ -15,11 +15,13 @@ struct Row {
    std::string_view examples;  // a line each
    std::unique_ptr< Command > ( *create )();
    std::string_view exitCodes;
+   bool isHidden = false;  // from the program's help: the installation uses it, people do not
 };
 
 // In the order of the program's help.
 std::vector< Row > const & table();
 
+// Less those that are hidden.
 std::vector< std::string_view > commandNames();
 
 }  // namespace CommandLine

@@ -1,5 +1,7 @@
 #include <CommandLine/Usage.h>
 
+#include <algorithm>
+
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/Table.h>
@@ -68,6 +70,19 @@ std::string usageText( CLI::App const & app, CLI::Error const & error ) {
    std::string const name = parsed.empty() ? "vornal" : "vornal " + command.get_name();
    return name + ": " + reasonOf( app, command, error ) + "\n'" + name +
           " --help' lists the words that it takes\n";
+}
+
+std::string problemOfCommand( std::string const & word ) {
+   bool const isCommand = std::any_of( table().begin(), table().end(),
+                                       [ & ]( Row const & row ) { return row.name == word; } );
+   if ( isCommand ) {
+      return "";
+   }
+   std::vector< std::string_view > const known = commandNames();
+   std::string_view const near = Text::nearest( word, known );
+   return "no command '" + word + "'; " +
+          ( near.empty() ? "the commands are " + Text::listed( known, "and" )
+                         : "did you mean '" + std::string( near ) + "'?" );
 }
 
 std::string problemOfName( std::string const & text ) {

@@ -16,4 +16,7 @@ std::string usageText( CLI::App const & app, CLI::Error const & error );
 // What is wrong with the name of a file or a folder; empty when it can be one. A CLI11 check.
 std::string problemOfName( std::string const & text );
 
+// Why a word cannot be a command; empty when it is one.
+std::string problemOfCommand( std::string const & word );
+
 }  // namespace CommandLine

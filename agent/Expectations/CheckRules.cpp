@@ -1,6 +1,7 @@
 #include <Expectations/CheckRules.h>
 
 #include <algorithm>
+#include <functional>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -29,9 +30,18 @@ std::vector< U32 > numbersOf( Chip::Action action, Chip::ActionParameters const 
    return {};
 }
 
+std::string textOf( Chip::Qualifier part, Chip::EntryContent const & content,
+                    Chip::NameOf const & names ) {
+   return partText( part, content, names );
+}
+std::string textOf( Chip::Action part, Chip::EntryContent const & content, Chip::NameOf const & ) {
+   return partText( part, content );
+}
+
 // `parts` are the chip's qualifiers, or its actions.
 void addDifferences( Chip::EntryContent const & content, auto const & parts,
-                     std::vector< RuleFieldWanted > const & wanted, Words & differences ) {
+                     std::vector< RuleFieldWanted > const & wanted, Chip::NameOf const & names,
+                     Words & differences ) {
    for ( RuleFieldWanted const & one : wanted ) {
       auto const * const part = std::find_if( parts.begin(), parts.end(), [ & ]( auto each ) {
          return nameOf( each ) == one.name;
@@ -39,7 +49,7 @@ void addDifferences( Chip::EntryContent const & content, auto const & parts,
       if ( part == parts.end() || !content[ *part ] ) {
          differences.push_back( "no " + one.name );
       } else if ( one.numbers && *one.numbers != numbersOf( *part, *content[ *part ] ) ) {
-         differences.push_back( partText( *part, content ) );
+         differences.push_back( textOf( *part, content, names ) );
       }
    }
 }
@@ -56,7 +66,7 @@ void addPriority( Chip::EntryContent const & content, RulesLike const & like,
 }
 
 // The rule's parts that differ from the expectation.
-Words differencesOf( Chip::Rule const & rule, RulesLike const & like ) {
+Words differencesOf( Chip::Rule const & rule, RulesLike const & like, Chip::NameOf const & names ) {
    Words differences;
    if ( rule.name.find( like.name ) == std::string::npos ) {
       differences.emplace_back( "another name" );
@@ -65,8 +75,8 @@ Words differencesOf( Chip::Rule const & rule, RulesLike const & like ) {
    if ( like.isWritten && *like.isWritten != rule.isWritten ) {
       differences.emplace_back( rule.isWritten ? "been written" : "been staged only" );
    }
-   addDifferences( rule.content, Chip::kQualifiers, like.qualifiers, differences );
-   addDifferences( rule.content, Chip::kActions, like.actions, differences );
+   addDifferences( rule.content, Chip::kQualifiers, like.qualifiers, names, differences );
+   addDifferences( rule.content, Chip::kActions, like.actions, names, differences );
    for ( Chip::Action const action : Chip::kActions ) {
       if ( like.doesNothing && rule.content[ action ] ) {
          differences.push_back( partText( action, rule.content ) );
@@ -97,8 +107,9 @@ Finding checkRules( RulesLike const & expected, Evidence const & evidence ) {
    std::ptrdiff_t count = 0;
    std::string nearest = "the group has no other rules";
    std::size_t fewest = ~std::size_t{ 0 };
+   Chip::NameOf const names = std::cref( evidence.record.names() );
    for ( Chip::Rule const & rule : rulesAsked( expected, evidence ) ) {
-      Words const differences = differencesOf( rule, expected );
+      Words const differences = differencesOf( rule, expected, names );
       count += differences.empty() ? 1 : 0;
       if ( !differences.empty() && differences.size() < fewest ) {
          fewest = differences.size();

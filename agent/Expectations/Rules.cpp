@@ -10,6 +10,7 @@
 #include <Expectations/CheckRules.h>
 #include <FieldProcessor/Fields.h>
 #include <Scenario/Shape.h>
+#include <Snapshot/RuleText.h>
 #include <Story/Wording.h>
 
 namespace Expectations {
@@ -230,13 +231,25 @@ Table< RulesLike > const & rulesTable() {
 
 // --- In words
 
+// "4 (known unicast)", "0x56000002", "1, 3".
+std::string numbersText( RuleFieldWanted const & field ) {
+   auto const * const row =
+      std::find_if( Chip::kQualifierTable.begin(), Chip::kQualifierTable.end(),
+                    [ & ]( Chip::QualifierRow const & one ) { return one.name == field.name; } );
+   if ( field.numbers->size() != 1 || row == Chip::kQualifierTable.end() ) {
+      return fmt::format( "{}", fmt::join( *field.numbers, ", " ) );
+   }
+   // The mask makes no difference to the text.
+   Chip::Match const match{ field.numbers->front(), BCM_FIELD_EXACT_MATCH_MASK };
+   return valueText( row->qualifier, match, Chip::nameInChip );
+}
+
 std::string describe( std::vector< RuleFieldWanted > const & fields ) {
    std::string text;
    for ( RuleFieldWanted const & field : fields ) {
       text += ( text.empty() ? "" : " and " ) + field.name;
       if ( field.numbers ) {
-         text += field.numbers->empty() ? " nothing"
-                                        : fmt::format( " {}", fmt::join( *field.numbers, ", " ) );
+         text += field.numbers->empty() ? " nothing" : " " + numbersText( field );
       }
    }
    return text;

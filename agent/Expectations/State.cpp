@@ -89,7 +89,7 @@ std::shared_ptr< Expected const > readState( Reading & reading, Value const & va
    if ( words.asked.size() == 1 ) {
       return words.asked.front();
    }
-   if ( value.node.IsMap() ) {
+   if ( value.node.IsMap() && !hasStrangers( value, stateTable().list() ) ) {
       reading.problem( value.line, "state has " + std::to_string( words.asked.size() ) +
                                       " of the words 'equals', 'has' and 'lacks'; give one" );
    }

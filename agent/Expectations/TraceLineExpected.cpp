@@ -54,7 +54,8 @@ std::vector< WordList > TraceLineExpected::vocabulary() {
 
 void TraceLineExpected::read( Reading & reading, Value const & value ) {
    readMapping( reading, value, traceTable(), *this );
-   if ( level && !handle.empty() && !reading.isTraced( handle, *level ) ) {
+   if ( level && !handle.empty() && !reading.isTraced( handle, *level ) &&
+        reading.judges( Scenario::Ground::traceLevels ) ) {
       std::string const number = std::to_string( *level );
       reading.problem( value.line, "level " + number + " of " + handle +
                                       " is not traced here; switch it on, as in 'trace: { " +

@@ -81,10 +81,14 @@ std::size_t lineOfMember( std::string const & text, std::string const & name ) {
 
 }  // namespace
 
+std::string Damage::text() const {
+   return file.string() + ( line == 0 ? "" : ':' + std::to_string( line ) ) + ": " + what;
+}
+
 Reader::Reader( fs::path directory, Report report )
       : directory_( std::move( directory ) ), report_( std::move( report ) ) {
    if ( !report_ ) {
-      report_ = []( std::string const & line ) { std::cerr << line + '\n'; };
+      report_ = []( Damage const & damage ) { std::cerr << damage.text() + '\n'; };
    }
 }
 
@@ -167,10 +171,9 @@ Reader::Toggles Reader::togglesOf( std::string const & text, fs::path const & pa
 
 void Reader::reportDamage( fs::path const & path, std::size_t line,
                            std::string const & what ) const {
-   std::string const place = line == 0 ? "" : ':' + std::to_string( line );
-   report_( path.string() + place + ": " + what +
-            "; an object of booleans is expected, as in { \"SbdEvpnTcamOverrideRule\": false }; "
-            "until then its toggles have their defaults" );
+   report_( { path, line,
+              what + "; an object of booleans is expected, as in { \"SbdEvpnTcamOverrideRule\": "
+                     "false }; until then its toggles have their defaults" } );
 }
 
 }  // namespace FeatureFiles

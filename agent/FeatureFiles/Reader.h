@@ -24,13 +24,23 @@
 
 namespace FeatureFiles {
 
+// What is wrong with a file, and where.
+struct Damage {
+   std::filesystem::path file;
+   std::size_t line = 0;  // 0: the file as a whole
+   std::string what;      // the mistake and the remedy
+
+   // "FILE:LINE: WHAT".
+   std::string text() const;
+};
+
 class Reader final : public FeatureToggle::Facility {
  public:
-   // Takes the line about a damaged file.
-   using Report = std::function< void( std::string const & ) >;
+   // Takes the report of a damaged file.
+   using Report = std::function< void( Damage const & ) >;
 
-   // Looks for the files in `directory`, which need not exist. Without a `report`, lines go to
-   // standard error.
+   // Looks for the files in `directory`, which need not exist. Without a `report`, its text
+   // goes to standard error.
    explicit Reader( std::filesystem::path directory, Report report = {} );
 
    bool isEnabled( std::string const & name, std::string const & file, bool defaultValue ) override;

@@ -3,27 +3,15 @@
 #include <fmt/format.h>
 
 #include <Audit/SharedSegments.h>
-#include <Snapshot/RuleText.h>
 
 namespace Questions {
 
-Names::Names( Audit::State const & state ) {
-   for ( auto const & [ vtep, virtualPort ] : state.virtualPorts ) {
-      vteps_[ Chip::vxlanGportOf( vpIndexOf( state, vtep ) ) ] = "VTEP " + vtep.stringValue();
-   }
+Names::Names( Audit::State const & state ) : vteps_( Audit::vtepNamesIn( state ) ) {
    for ( auto const & [ intf, port ] : state.ports ) {
       if ( port.isValid() ) {
          interfaces_[ port ] = intf.stringValue();
       }
    }
-}
-
-std::string Names::operator()( Chip::Qualifier qualifier, U32 number ) const {
-   if ( qualifier == Chip::Qualifier::SrcVxlanGport ) {
-      auto const vtep = vteps_.find( number );
-      return vtep == vteps_.end() ? "" : vtep->second;
-   }
-   return Chip::nameInChip( qualifier, number );
 }
 
 std::string Names::interfaceAt( VornalTypes::VornalPort const & port ) const {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include <Audit/State.h>
-#include <FieldProcessor/Fields.h>
+#include <Story/VtepNames.h>
 
 namespace Questions {
 
@@ -15,13 +15,15 @@ class Names {
    explicit Names( Audit::State const & state );
 
    // As Chip::NameOf: "VTEP 10.0.0.2", "known unicast".
-   std::string operator()( Chip::Qualifier qualifier, U32 number ) const;
+   std::string operator()( Chip::Qualifier qualifier, U32 number ) const {
+      return vteps_( qualifier, number );
+   }
 
    // The interface with that port; "unit 0 port 3" without one.
    std::string interfaceAt( VornalTypes::VornalPort const & port ) const;
 
  private:
-   std::map< U32, std::string > vteps_;  // by source gport
+   Story::VtepNames vteps_;
    std::map< VornalTypes::VornalPort, std::string > interfaces_;
 };
 

@@ -50,7 +50,7 @@ void Agreement::checkVteps( Reading & reading ) const {
       bool const isReachable =
          std::any_of( ownVteps_.begin(), ownVteps_.end(),
                       [ & ]( auto const & one ) { return one.first.family() == family; } );
-      if ( !ownVteps_.empty() && !isReachable ) {
+      if ( !ownVteps_.empty() && !isReachable && reading.judges( Ground::vtepAddresses ) ) {
          reading.problem( line, "the switch has no " + familyOf( vtep ) +
                                    " VTEP address to reach " + vtep.stringValue() +
                                    "; add one to 'vtep-addresses'" );
@@ -81,9 +81,11 @@ void Agreement::checkAccess( Reading & reading ) const {
    for ( auto const & [ intf, line ] : access_ ) {
       auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
       if ( member != members_.end() && !leaving_.contains( intf ) ) {
-         reading.problem( line, intf.stringValue() + " is in a port channel" +
-                                   inLine( member->line ) +
-                                   ", whose VLANs hold; give these to the port channel" );
+         if ( reading.judges( Ground::leavingMembers ) ) {
+            reading.problem( line, intf.stringValue() + " is in a port channel" +
+                                      inLine( member->line ) +
+                                      ", whose VLANs hold; give these to the port channel" );
+         }
       } else if ( member != members_.end() && underlay_.contains( member->portChannel ) ) {
          reading.problem( line, intf.stringValue() + " is in " + member->portChannel.stringValue() +
                                    inLine( member->line ) + ", which is an underlay interface" +
@@ -96,7 +98,8 @@ void Agreement::checkAccess( Reading & reading ) const {
 void Agreement::checkDesignated( Reading & reading ) const {
    for ( auto const & [ intf, line ] : designated_ ) {
       auto const member = std::find_if( members_.begin(), members_.end(), isAbout( intf ) );
-      if ( member != members_.end() && !leaving_.contains( intf ) ) {
+      if ( member != members_.end() && !leaving_.contains( intf ) &&
+           reading.judges( Ground::leavingMembers ) ) {
          reading.problem( line, intf.stringValue() + " is in a port channel" +
                                    inLine( member->line ) +
                                    ", which is designated as a whole; name " +
@@ -104,7 +107,9 @@ void Agreement::checkDesignated( Reading & reading ) const {
       }
       bool const hasVlans = std::any_of( access_.begin(), access_.end(), isAbout( intf ) );
       bool const isUnderlay = underlay_.contains( intf );
-      if ( !ownVteps_.empty() && ( isUnderlay || ( isPortChannel( intf ) && !hasVlans ) ) ) {
+      bool const isBare = isPortChannel( intf ) && !hasVlans;
+      if ( !ownVteps_.empty() &&
+           ( isUnderlay || ( isBare && reading.judges( Ground::accessVlans ) ) ) ) {
          reading.problem( line, intf.stringValue() + " carries no VLANs" +
                                    ( isUnderlay ? " as an underlay interface" : "" ) +
                                    ", so it designates nothing; give it some under 'access' or "

@@ -165,7 +165,8 @@ namespace {
 
 void checkForwarding( Reading & reading, Model const & model ) {
    for ( Step const & step : model.steps ) {
-      if ( !model.forwarding && step.action->isAboutFrames() ) {
+      if ( !model.forwarding && step.action->isAboutFrames() &&
+           reading.judges( Ground::forwarding ) ) {
          reading.problem( step.line,
                           "this step needs 'forwarding', and the scenario has none; add it" );
       }
@@ -174,17 +175,20 @@ void checkForwarding( Reading & reading, Model const & model ) {
 
 }  // namespace
 
-void followCourse( Reading & reading, Model const & model ) {
+void followCourse( Reading & reading, Model const & model, std::size_t known ) {
    checkForwarding( reading, model );
+   if ( !reading.judges( Ground::published ) ) {
+      return;
+   }
    Course course( reading, model.device.variant );
    course.publish( model.published );
    course.stepEnds();
-   for ( Step const & step : model.steps ) {
-      step.action->follow( course );
+   for ( std::size_t n = 0; n < known && course.isKnown(); ++n ) {
+      model.steps[ n ].action->follow( course );
       course.stepEnds();
-      if ( !course.isKnown() ) {
-         return;
-      }
+   }
+   if ( known < model.steps.size() && course.isKnown() ) {
+      reading.doubts().leavesOut( Ground::published );
    }
 }
 

@@ -88,6 +88,7 @@ class Course {
    std::set< int > reportedLines_;
 };
 
-void followCourse( Reading & reading, Model const & model );
+// Follows the first `known` steps; how those behind them change the published state is not known.
+void followCourse( Reading & reading, Model const & model, std::size_t known );
 
 }  // namespace Scenario

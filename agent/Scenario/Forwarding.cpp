@@ -32,7 +32,7 @@ std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int l
 // already.
 void checkMapped( Reading & reading, Vlan vlan, int line, Forwarding const & forwarding ) {
    auto const & vnis = forwarding.config.vlanToVni;
-   if ( vlan != 0 && !vnis.contains( vlan ) ) {
+   if ( vlan != 0 && !vnis.contains( vlan ) && reading.judges( Ground::vlans ) ) {
       reading.problem( line, "VLAN " + std::to_string( vlan ) +
                                 " is not among 'vlans'; give it a VNI there, as in " +
                                 std::to_string( vlan ) + ": " + std::to_string( 10000 + vlan ) );
@@ -89,7 +89,7 @@ void readUnderlay( Reading & reading, Value const & value, Forwarding & forwardi
 
 void readVlans( Reading & reading, Value const & value, Forwarding & forwarding ) {
    std::map< Chip::Vni, Vlan > vlanOfVni;
-   for ( auto const & [ vlan, about ] : keyedOf( reading, value, vlanIn ) ) {
+   for ( auto const & [ vlan, about ] : namedOf( reading, value, vlanIn, kNumbersOfVlans ) ) {
       std::string const name = "the VNI of VLAN " + std::to_string( vlan );
       auto const vni = numberOf( reading, { about.node, about.line, name }, 1, kHighestVni );
       forwarding.config.vlanToVni[ vlan ] = vni.value_or( 0 );

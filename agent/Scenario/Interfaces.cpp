@@ -134,7 +134,8 @@ std::optional< Pelk::IntfId > tunnelIntfIn( Reading & reading, std::string const
 
 void readInterfaces( Reading & reading, Value const & value, Changes & changes ) {
    std::map< VornalTypes::VornalPort, Pelk::IntfId > intfOfPort;
-   for ( auto const & [ intf, about ] : keyedOf( reading, value, ethernetIn ) ) {
+   for ( auto const & [ intf, about ] :
+         namedOf( reading, value, ethernetIn, kNamesOfInterfaces ) ) {
       reading.define( intf );
       auto const port = portOf( reading, about );
       if ( !port ) {
@@ -152,7 +153,7 @@ void readInterfaces( Reading & reading, Value const & value, Changes & changes )
 }
 
 void readPortChannels( Reading & reading, Value const & value, Changes & changes ) {
-   PortChannels const portChannels = keyedOf( reading, value, portChannelIn );
+   PortChannels const portChannels = namedOf( reading, value, portChannelIn, kNamesOfPortChannels );
    for ( auto const & portChannel : portChannels ) {
       reading.define( portChannel.key );
    }

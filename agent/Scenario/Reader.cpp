@@ -1,5 +1,6 @@
 #include <Scenario/Reader.h>
 
+#include <algorithm>
 #include <span>
 
 #include <Quelm/Error.h>
@@ -185,6 +186,7 @@ struct Request {
    // --- From a scenario that is based on it
    std::optional< Variant > variant{};      // in place of the scenario's own
    std::optional< AddedStep > twinSteps{};  // the text of that scenario, which has steps
+   Doubts doubts{};                         // about that scenario's words
 };
 
 void readTwinStepsOf( Reading & reading, AddedStep const & twin, Draft & draft ) {
@@ -198,19 +200,28 @@ void readAdded( Reading & reading, AddedStep const & step, Draft & draft ) {
    draft.readSteps( reading, { list, 1, step.name }, draft.steps );
 }
 
-// The steps for the model's variant.
+// The steps for the model's variant, less those that could not be read.
 std::vector< Step > stepsFor( Variant variant, std::span< StepForVariant const > steps ) {
    std::vector< Step > result;
    for ( StepForVariant const & step : steps ) {
-      if ( !step.onlyOn || step.onlyOn == variant ) {
+      if ( step.step.action && ( !step.onlyOn || step.onlyOn == variant ) ) {
          result.push_back( step.step );
       }
    }
    return result;
 }
 
-Model modelOf( Source const & source, Request const & request ) {
+// How many of the steps for the variant come before the first whose effect nobody knows.
+std::size_t knownSteps( Variant variant, std::span< StepForVariant const > steps ) {
+   auto const unknown =
+      std::find_if( steps.begin(), steps.end(),
+                    []( StepForVariant const & step ) { return !step.isEffectKnown; } );
+   return stepsFor( variant, { steps.begin(), unknown } ).size();
+}
+
+Findings examineWhole( Source const & source, Request const & request ) {
    Reading reading( source.file.string(), source.text );
+   reading.doubts() = request.doubts;
    Draft draft;
    draft.readSteps = request.readSteps;
    draft.directory = source.file.parent_path();
@@ -224,7 +235,7 @@ Model modelOf( Source const & source, Request const & request ) {
    for ( AddedStep const & step : request.added ) {
       readAdded( reading, step, draft );
    }
-   reading.check();
+   reading.compare();
 
    Model model = std::move( draft.model );
    model.sources = reading.sources();
@@ -232,58 +243,133 @@ Model modelOf( Source const & source, Request const & request ) {
    model.device.variant = variant;
    model.steps = stepsFor( variant, draft.steps );
    model.ownSteps = stepsFor( variant, std::span( draft.steps ).first( own ) ).size();
-   followCourse( reading, model );
-   reading.check();
-   return model;
+   followCourse( reading, model, knownSteps( variant, draft.steps ) );
+   return { reading.problems(), reading.doubts().leftOut(), std::move( model ) };
 }
 
-Twin twinIn( Reading & reading, Source const & source ) {
-   Twin twin;
-   readMapping( reading, source.document, twinTable(), twin );
-   reading.check();
-   return twin;
-}
-
-Model modelOfTwin( Source const & source, Request request ) {
-   Reading reading( source.file.string(), source.text );
-   Twin const twin = twinIn( reading, source );
+// The file that the twin is based on, and nothing when it is none.
+std::optional< Source > baseOf( Reading & reading, Twin const & twin, fs::path const & base,
+                                std::string & text ) {
    auto const refuse = [ & ]( std::string const & why ) {
       reading.problem( twin.baseLine, "based-on is " + pathInQuotes( twin.base ) + why );
-      reading.check();
    };
-   fs::path const base = ( source.file.parent_path() / twin.base ).lexically_normal();
    std::error_code error;
    if ( !fs::is_regular_file( base, error ) ) {
       refuse( ", which is no file; the file of a scenario is expected, relative to this one" );
+      return std::nullopt;
    }
-   std::string const baseText = textIn( base );
-   Value const document = documentIn( baseText, base.string() );
+   text = textIn( base );
+   Value const document = documentIn( text, base.string() );
    if ( isTwin( document ) ) {
       refuse( ", which is based on another itself; name the scenario that it is based on" );
+      return std::nullopt;
    }
+   return Source{ text, document, base };
+}
+
+// What the twin asks of its base.
+Request requestOf( Twin const & twin, Source const & source, Doubts const & doubts,
+                   Request request ) {
    if ( twin.hasSteps ) {
       request.twinSteps = { source.file.string(), source.text };
    }
    request.variant = twin.variant;
-   Model model = modelOf( { baseText, document, base }, request );
-   model.name = twin.name;
-   model.description = twin.description.empty() ? model.description : twin.description;
-   return model;
+   if ( doubts.has( "derived-scenario" ) || doubts.has( "derived-scenario/steps" ) ) {
+      request.doubts.isLost( "scenario/steps" );
+   }
+   if ( doubts.has( "derived-scenario" ) || doubts.has( "derived-scenario/variant" ) ) {
+      request.doubts.isFlawed( "switch/variant" );
+   }
+   return request;
+}
+
+Findings examineBase( Reading & reading, Source const & source, Twin const & twin,
+                      Request const & request ) {
+   std::string text;
+   fs::path const file = ( source.file.parent_path() / twin.base ).lexically_normal();
+   try {
+      auto const base = baseOf( reading, twin, file, text );
+      return base ? examineWhole( *base, requestOf( twin, source, reading.doubts(), request ) )
+                  : Findings{ {}, { "the scenario that this one is based on" }, {} };
+   } catch ( ReadError const & error ) {
+      return { error.problems(), { "the rest of the scenario that this one is based on" }, {} };
+   }
+}
+
+// Puts the twin's own problems in front of the others. Those of its steps are among the others.
+void ownFirst( fs::path const & file, std::vector< Problem > const & own,
+               std::vector< Problem > & problems ) {
+   problems.insert( problems.begin(), own.begin(), own.end() );
+   auto const others =
+      std::stable_partition( problems.begin(), problems.end(), [ & ]( Problem const & problem ) {
+         return problem.file == file.string();
+      } );
+   std::stable_sort( problems.begin(), others,
+                     []( Problem const & a, Problem const & b ) { return a.line < b.line; } );
+}
+
+Findings examineTwin( Source const & source, Request const & request ) {
+   Reading reading( source.file.string(), source.text );
+   Twin twin;
+   readMapping( reading, source.document, twinTable(), twin );
+   Findings findings =
+      twin.base.empty() ? Findings() : examineBase( reading, source, twin, request );
+   ownFirst( source.file, reading.problems(), findings.problems );
+   findings.model.name = twin.name;
+   findings.model.description =
+      twin.description.empty() ? findings.model.description : twin.description;
+   return findings;
+}
+
+Findings examineText( std::string const & text, fs::path const & file, Request const & request ) {
+   Source const source{ text, documentIn( text, file.string() ), file };
+   return isTwin( source.document ) ? examineTwin( source, request )
+                                    : examineWhole( source, request );
+}
+
+Findings examineFile( fs::path const & file, Request const & request ) {
+   std::string const input = "standard input";
+   return file == "-" ? examineText( textOf( STDIN_FILENO, input ), input, request )
+                      : examineText( textIn( file ), file, request );
+}
+
+// What the work finds; a file that cannot be read as a whole is a finding, too.
+template< typename Work > Findings withErrors( Work const & work ) {
+   try {
+      return work();
+   } catch ( ReadError const & error ) {
+      bool const isRead = error.problems().front().line != 0;
+      return { error.problems(),
+               isRead ? std::vector< std::string >{ "the rest of the file" }
+                      : std::vector< std::string >(),
+               {} };
+   }
+}
+
+Model withoutProblems( Findings findings ) {
+   if ( !findings.problems.empty() ) {
+      throw ReadError( std::move( findings.problems ) );
+   }
+   return std::move( findings.model );
 }
 
 }  // namespace
 
 Model read( fs::path const & file, StepsReader readSteps, std::vector< AddedStep > const & added ) {
-   std::string const input = "standard input";
-   return file == "-" ? readText( textOf( STDIN_FILENO, input ), input, readSteps, added )
-                      : readText( textIn( file ), file, readSteps, added );
+   return withoutProblems( examineFile( file, { readSteps, added } ) );
 }
 
 Model readText( std::string const & text, fs::path const & file, StepsReader readSteps,
                 std::vector< AddedStep > const & added ) {
-   Source const source{ text, documentIn( text, file.string() ), file };
-   Request const request{ readSteps, added };
-   return isTwin( source.document ) ? modelOfTwin( source, request ) : modelOf( source, request );
+   return withoutProblems( examineText( text, file, { readSteps, added } ) );
+}
+
+Findings examine( fs::path const & file, StepsReader readSteps ) {
+   return withErrors( [ & ] { return examineFile( file, { readSteps, {} } ); } );
+}
+
+Findings examineText( std::string const & text, fs::path const & file, StepsReader readSteps ) {
+   return withErrors( [ & ] { return examineText( text, file, Request{ readSteps, {} } ); } );
 }
 
 std::vector< WordList > vocabulary() {

@@ -6,8 +6,9 @@
 //
 // Reading is strict. An unknown, repeated or missing word, a value of another type or out of range,
 // an undefined interface, a missing file: each is a problem with a line and a remedy. The reader
-// does not stop at the first problem. It goes on with the well-formed rest, and throws ReadError
-// with all problems in file order. It never returns a part of a model.
+// does not stop at the first problem. It goes on with the well-formed rest, and finds every mistake
+// that does not depend on another one. read() throws ReadError with all problems in file order, and
+// never returns a part of a model.
 //
 // The caller gives the function that reads the steps. A program calls Steps::readScenario()
 // (Steps/Reader.h), which gives it.
@@ -32,6 +33,8 @@ struct Value;
 struct StepForVariant {
    Step step;
    std::optional< Variant > onlyOn;
+   // No mistake hides how the step changes the published state.
+   bool isEffectKnown = true;
 };
 
 using StepsReader = void ( * )( Reading & reading, Value const & value,
@@ -47,6 +50,16 @@ struct AddedStep {
 // refers to files in the current directory. ReadError when it cannot be read or is not a scenario.
 Model read( std::filesystem::path const & file, StepsReader readSteps,
             std::vector< AddedStep > const & added = {} );
+
+// What there is to find in a scenario, whatever is wrong with it.
+struct Findings {
+   std::vector< Problem > problems;     // in the order of the output
+   std::vector< std::string > leftOut;  // the checks that a mistake has prevented, in words
+   Model model;                         // as far as it could be read; complete without problems
+};
+Findings examine( std::filesystem::path const & file, StepsReader readSteps );
+Findings examineText( std::string const & text, std::filesystem::path const & file,
+                      StepsReader readSteps );
 
 // The scenario in `text`; `file` names it in problems, and the files that it refers to stand beside
 // that file.

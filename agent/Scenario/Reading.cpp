@@ -42,9 +42,14 @@ int Reading::lineOfDash( YAML::Mark const & next ) const {
 }
 
 void Reading::problem( int line, std::string message ) {
+   ++unread_;
+   objection( line, std::move( message ) );
+}
+
+void Reading::objection( int line, std::string message ) {
    problems_.push_back( { "", line, std::move( message ) } );
    if ( problems_.size() == kMostProblems ) {
-      refuse();
+      throw ReadError( problems() );
    }
 }
 
@@ -53,7 +58,7 @@ std::optional< U16 > Reading::module( U16 unit, int line ) {
       return found->second;
    }
    // A switch without units is reported there, once.
-   if ( !modules_.empty() ) {
+   if ( !modules_.empty() && judges( Ground::units ) ) {
       std::string known;
       for ( auto const & [ number, _ ] : modules_ ) {
          known += ( known.empty() ? "" : ", " ) + std::to_string( number );
@@ -72,21 +77,23 @@ bool Reading::isTraced( std::string_view handle, int level ) const {
    return isOn;
 }
 
-void Reading::check() {
+void Reading::compare() {
    agreement_.check( *this );
+   checkUses();
+}
+
+void Reading::checkUses() {
    for ( Use const & use : uses_ ) {
-      if ( !defined_.contains( use.intf ) ) {
-         bool const isPortChannel = Pelk::isPortChannel( use.intf );
-         problem( use.line, use.intf.stringValue() + " is not defined; define it under '" +
-                               ( isPortChannel ? "port-channels" : "interfaces" ) + "'" );
+      bool const isPortChannel = Pelk::isPortChannel( use.intf );
+      if ( !defined_.contains( use.intf ) &&
+           judges( isPortChannel ? Ground::portChannels : Ground::interfaces ) ) {
+         objection( use.line, use.intf.stringValue() + " is not defined; define it under '" +
+                                 ( isPortChannel ? "port-channels" : "interfaces" ) + "'" );
       }
-   }
-   if ( !problems_.empty() ) {
-      refuse();
    }
 }
 
-void Reading::refuse() {
+std::vector< Problem > Reading::problems() {
    std::stable_sort( problems_.begin(), problems_.end(),
                      []( Problem const & a, Problem const & b ) { return a.line < b.line; } );
    for ( Problem & problem : problems_ ) {
@@ -94,7 +101,7 @@ void Reading::refuse() {
       problem.file = name;
       problem.line = line;
    }
-   throw ReadError( std::move( problems_ ) );
+   return std::move( problems_ );
 }
 
 std::string_view kindOf( YAML::Node const & node ) {

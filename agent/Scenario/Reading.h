@@ -2,8 +2,9 @@
 // agree.
 //
 // The functions that read the parts (Scenario/Parts.h) take a Reading. They report each value that
-// they cannot read, leave it out and go on, so one reading finds every mistake. In the end check()
-// throws if there was a problem, and the result of the reading is dropped.
+// they cannot read, leave it out and go on, so one reading finds every mistake. A check that
+// compares parts asks judges() first: where a mistake hides one of the parts, the check is left out
+// (Scenario/Doubts.h).
 //
 // Lines. A problem with a value names the line of its key, or its own line in a list. A person
 // looks there, and an alias counts where it is used rather than anchored.
@@ -21,6 +22,7 @@
 
 #include <Pelk/IntfId.h>
 #include <Scenario/Agreement.h>
+#include <Scenario/Doubts.h>
 #include <Scenario/ReadError.h>
 #include <Scenario/Scenario.h>
 #include <Scenario/Sources.h>
@@ -63,12 +65,22 @@ class Reading {
    // of the next node.
    int lineOfDash( YAML::Mark const & next ) const;
 
-   // Adds a problem. Throws ReadError with all problems so far when there are kMostProblems.
+   // Adds a problem with a value that cannot be read. Throws ReadError with all problems so far
+   // when there are kMostProblems.
    void problem( int line, std::string message );
+   // Adds a problem with a value that has been read all the same.
+   void objection( int line, std::string message );
+
+   std::size_t problemsSoFar() const { return problems_.size(); }
+   // Those of problem() alone.
+   std::size_t unreadSoFar() const { return unread_; }
+
+   Doubts & doubts() { return doubts_; }
+   bool judges( Ground ground ) { return doubts_.judges( ground ); }
 
    // The interface exists on the switch at some time, with a chip port or without.
    void define( Pelk::IntfId const & intf ) { defined_.insert( intf ); }
-   // The scenario refers to the interface; check() reports a problem unless the scenario defines
+   // The scenario refers to the interface; compare() reports a problem unless the scenario defines
    // it.
    void use( Pelk::IntfId const & intf, int line ) { uses_.push_back( { intf, line } ); }
 
@@ -85,8 +97,11 @@ class Reading {
    }
    bool isTraced( std::string_view handle, int level ) const;
 
-   // Throws ReadError with all problems, in the order of their lines, if there are any.
-   void check();
+   // Compares what the parts have stated; to be called when all are read.
+   void compare();
+
+   // All problems, in the order of their lines. To be called last.
+   std::vector< Problem > problems();
 
  private:
    struct Use {
@@ -94,13 +109,15 @@ class Reading {
       int line;
    };
 
-   [[noreturn]] void refuse();
+   void checkUses();
 
    std::filesystem::path directory_;
    std::string text_;  // of all sources
    Sources sources_;
    Agreement agreement_;
+   Doubts doubts_;
    std::vector< Problem > problems_;
+   std::size_t unread_ = 0;
    std::set< Pelk::IntfId > defined_;
    std::vector< Use > uses_;
    std::map< U16, U16 > modules_;  // unit to module id

@@ -55,7 +55,7 @@ std::optional< U16 > unitIn( Reading & reading, std::string const & text, int li
 
 void readUnits( Reading & reading, Value const & value, Model & model ) {
    std::map< U32, U16 > unitOfModule;
-   for ( auto const & [ number, about ] : keyedOf( reading, value, unitIn ) ) {
+   for ( auto const & [ number, about ] : namedOf( reading, value, unitIn, kNumbersOfUnits ) ) {
       UnitWords words;
       readMapping( reading, { about.node, about.line, "unit " + about.name }, unitTable(), words );
       SwitchUnit const unit{ number, static_cast< U16 >( words.module.value_or( 0 ) ) };

@@ -80,8 +80,8 @@ template< typename T >
 bool isFirst( Reading & reading, Seen< T > & seen, T const & thing, int line ) {
    auto const [ before, isNew ] = seen.try_emplace( thing, line );
    if ( !isNew ) {
-      reading.problem( line, Quelm::textOf( thing ) + " is given twice, first in line " +
-                                std::to_string( before->second ) + "; keep one of them" );
+      reading.objection( line, Quelm::textOf( thing ) + " is given twice, first in line " +
+                                  std::to_string( before->second ) + "; keep one of them" );
    }
    return isNew;
 }
@@ -103,6 +103,18 @@ template< typename Read > auto keyedOf( Reading & reading, Value const & value, 
       if ( key && isFirst( reading, seen, *key, member.line ) ) {
          result.push_back( { *key, member } );
       }
+   }
+   return result;
+}
+
+// The same, for keys that other parts of the scenario refer to: notes whether one of them cannot be
+// read (Scenario/Doubts.h), under the name `names`.
+template< typename Read >
+auto namedOf( Reading & reading, Value const & value, Read read, char const * names ) {
+   std::size_t const before = reading.unreadSoFar();
+   auto result = keyedOf( reading, value, read );
+   if ( reading.unreadSoFar() != before ) {
+      reading.doubts().isLost( names );
    }
    return result;
 }

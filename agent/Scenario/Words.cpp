@@ -17,20 +17,54 @@ std::string nameOf( WordList const & list ) {
                                                 : std::string( list.place.name );
 }
 
-std::size_t indexOf( Reading & reading, Value const & member, WordList const & list ) {
-   for ( std::size_t n = 0; n < list.words.size(); ++n ) {
-      if ( list.words[ n ].name == member.name ) {
-         return n;
-      }
-   }
+std::string partOf( std::string_view place, std::string_view word ) {
+   return std::string( place ) + '/' + std::string( word );
+}
+
+// The word is not there: neither its value nor the mapping that it may hold.
+void isLost( Reading & reading, WordList const & list, std::string_view word ) {
+   reading.doubts().isLost( partOf( list.place.name, word ) );
+   reading.doubts().isLost( std::string( word ) );
+}
+
+// An unknown word that is like a known one hides that one alone. Any other can stand for each known
+// word that the mapping lacks.
+void refuse( Reading & reading, Value const & member, Value const & mapping,
+             WordList const & list ) {
    std::string_view const near = nearest( member.name, list.names() );
    reading.problem( member.line,
                     "unknown word " + inQuotes( member.name ) + " in " + nameOf( list ) + "; " +
                        ( near.empty() ? knownOnes( list.names() )
                                       : "did you mean '" + std::string( near ) + "'?" ) );
+   for ( std::string_view const word : list.names() ) {
+      if ( near.empty() ? !mapping.node[ std::string( word ) ] : word == near ) {
+         isLost( reading, list, word );
+      }
+   }
+}
+
+std::size_t indexOf( Reading & reading, Value const & member, Value const & mapping,
+                     WordList const & list ) {
+   for ( std::size_t n = 0; n < list.words.size(); ++n ) {
+      if ( list.words[ n ].name == member.name ) {
+         return n;
+      }
+   }
+   refuse( reading, member, mapping, list );
    return kUnknown;
 }
 
+// A key of the mapping is the word with a typing mistake.
+bool isMeant( Value const & value, std::string_view word, WordList const & list ) {
+   auto const names = list.names();
+   return std::any_of( value.node.begin(), value.node.end(), [ & ]( auto const & entry ) {
+      std::string const key = entry.first.IsScalar() ? entry.first.Scalar() : "";
+      bool const isKnown = std::find( names.begin(), names.end(), key ) != names.end();
+      return !isKnown && nearest( key, names ) == word;
+   } );
+}
+
+// A word that is there with a typing mistake has been reported.
 void checkRequired( Reading & reading, Value const & value,
                     std::vector< WordValue > const & entries, WordList const & list ) {
    for ( std::size_t n = 0; n < list.words.size(); ++n ) {
@@ -38,10 +72,11 @@ void checkRequired( Reading & reading, Value const & value,
          std::any_of( entries.begin(), entries.end(),
                       [ n ]( WordValue const & entry ) { return entry.word == n; } );
       WordName const & word = list.words[ n ];
-      if ( word.isRequired() && !isThere ) {
+      if ( word.isRequired() && !isThere && !isMeant( value, word.name, list ) ) {
          reading.problem( value.line, "'" + std::string( word.name ) + "' is missing in " +
                                          value.name + "; give it, as in '" +
                                          std::string( word.example ) + "'" );
+         isLost( reading, list, word.name );
       }
    }
 }
@@ -54,6 +89,15 @@ std::vector< std::string_view > WordList::names() const {
       result.push_back( word.name );
    }
    return result;
+}
+
+bool hasStrangers( Value const & value, WordList const & list ) {
+   return value.node.IsMap() &&
+          std::any_of( value.node.begin(), value.node.end(), [ & ]( auto const & entry ) {
+             std::string const key = entry.first.IsScalar() ? entry.first.Scalar() : "";
+             auto const names = list.names();
+             return std::find( names.begin(), names.end(), key ) == names.end();
+          } );
 }
 
 bool isFilled( Reading & reading, Value const & value, WordList const & list ) {
@@ -72,16 +116,34 @@ std::vector< WordValue > wordValuesOf( Reading & reading, Value const & value,
       reading.problem( value.line, value.name + " is " + std::string( kindOf( value.node ) ) +
                                       "; a mapping is expected, of " +
                                       listed( list.names(), "and" ) );
+      reading.doubts().isLost( std::string( list.place.name ) );
       return entries;
    }
-   for ( Value const & member : mappingOf( reading, value ) ) {
-      std::size_t const word = indexOf( reading, member, list );
+   std::size_t const before = reading.problemsSoFar();
+   std::vector< Value > const members = mappingOf( reading, value );
+   if ( reading.problemsSoFar() != before ) {
+      reading.doubts().isLost( std::string( list.place.name ) );
+   }
+   for ( Value const & member : members ) {
+      std::size_t const word = indexOf( reading, member, value, list );
       if ( word != kUnknown ) {
          entries.push_back( { word, member } );
       }
    }
    checkRequired( reading, value, entries, list );
    return entries;
+}
+
+WordWatch::WordWatch( Reading & reading, Place const & place, WordName const & word )
+      : reading_( reading ),
+        place_( place.name ),
+        word_( word.name ),
+        before_( reading.problemsSoFar() ) {}
+
+WordWatch::~WordWatch() {
+   if ( reading_.problemsSoFar() != before_ ) {
+      reading_.doubts().isFlawed( partOf( place_, word_ ) );
+   }
 }
 
 std::vector< WordValue > wordValuesInOrderOf( Reading & reading, Value const & value,

@@ -83,6 +83,10 @@ struct WordValue {
 std::vector< WordValue > wordValuesOf( Reading & reading, Value const & value,
                                        WordList const & list );
 
+// A key of the mapping `value` is no word of the list. Checks of which words stand together are
+// left out then: the key can stand for any of them.
+bool hasStrangers( Value const & value, WordList const & list );
+
 // The mapping or list `value` holds something; otherwise that is a problem.
 bool isFilled( Reading & reading, Value const & value, WordList const & list );
 
@@ -90,14 +94,37 @@ bool isFilled( Reading & reading, Value const & value, WordList const & list );
 std::vector< WordValue > wordValuesInOrderOf( Reading & reading, Value const & value,
                                               WordList const & list );
 
+// Notes in the reading's doubts whether values of the word hold a mistake.
+class WordWatch {
+ public:
+   WordWatch( Reading & reading, Place const & place, WordName const & word );
+   WordWatch( WordWatch const & ) = delete;
+   WordWatch & operator=( WordWatch const & ) = delete;
+   ~WordWatch();
+
+ private:
+   Reading & reading_;
+   std::string_view place_;
+   std::string_view word_;
+   std::size_t before_;
+};
+
+template< typename Target >
+void readWords( Reading & reading, std::vector< WordValue > const & entries,
+                Table< Target > const & table, Target & target ) {
+   for ( WordValue const & entry : entries ) {
+      Word< Target > const & word = table.words[ entry.word ];
+      WordWatch const watch( reading, table.place, word.name );
+      word.read( reading, entry.value, target );
+   }
+}
+
 // Reads the words in the order of the table, so a function finds the results of the rows before its
 // own.
 template< typename Target >
 void readMapping( Reading & reading, Value const & value, Table< Target > const & table,
                   Target & target ) {
-   for ( WordValue const & entry : wordValuesInOrderOf( reading, value, table.list() ) ) {
-      table.words[ entry.word ].read( reading, entry.value, target );
-   }
+   readWords( reading, wordValuesInOrderOf( reading, value, table.list() ), table, target );
 }
 
 // Reads the words in the order written. There must be one at least.
@@ -106,9 +133,7 @@ void readAsWritten( Reading & reading, Value const & value, Table< Target > cons
                     Target & target ) {
    WordList const list = table.list();
    if ( isFilled( reading, value, list ) ) {
-      for ( WordValue const & entry : wordValuesOf( reading, value, list ) ) {
-         table.words[ entry.word ].read( reading, entry.value, target );
-      }
+      readWords( reading, wordValuesOf( reading, value, list ), table, target );
    }
 }
 

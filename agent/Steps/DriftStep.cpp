@@ -97,17 +97,19 @@ std::string shapeOfNumberedActions() {
    return Shape::json( fmt::format( R"({{"enum": ["{}"]}})", fmt::join( names, R"(", ")" ) ) );
 }
 
+RulePart partOf( Reading & reading, Value const & value, Parts const & known ) {
+   auto const name = stringOf( reading, value );
+   auto const part =
+      name ? partNamed< RulePart >( reading, *name, value.line, known ) : std::nullopt;
+   return part.value_or( RulePart() );
+}
+
 void readFlip( Reading & reading, Value const & value, DriftWords & words ) {
-   std::string const name = stringOf( reading, value ).value_or( "" );
-   words.changes.emplace_back(
-      PartFlips{ partNamed< RulePart >( reading, name, value.line, numberedParts() )
-                    .value_or( RulePart() ) } );
+   words.changes.emplace_back( PartFlips{ partOf( reading, value, numberedParts() ) } );
 }
 
 void readRemove( Reading & reading, Value const & value, DriftWords & words ) {
-   std::string const name = stringOf( reading, value ).value_or( "" );
-   words.changes.emplace_back( PartGoes{
-      partNamed< RulePart >( reading, name, value.line, allParts() ).value_or( RulePart() ) } );
+   words.changes.emplace_back( PartGoes{ partOf( reading, value, allParts() ) } );
 }
 
 void readMask( Reading & reading, Value const & value, DriftWords & words ) {
@@ -281,13 +283,14 @@ std::vector< WordList > DriftStep::vocabulary() {
 void DriftStep::read( Reading & reading, Value const & value ) {
    DriftWords words;
    readMapping( reading, value, driftTable(), words );
-   if ( !value.node.IsMap() ) {
+   if ( !value.node.IsMap() || hasStrangers( value, driftTable().list() ) ) {
       return;
    }
    if ( words.rules.size() != 1 ) {
       reading.problem( value.line, "drift needs one of the words 'entry' and 'rule'" );
    }
-   if ( words.changes.size() != 1 ) {
+   bool const isMaskUnread = value.node[ "mask" ] && !value.node[ "mask" ].IsMap();
+   if ( words.changes.size() != 1 && !isMaskUnread ) {
       reading.problem( value.line, "drift changes one thing, but this one changes " +
                                       std::to_string( words.changes.size() ) +
                                       "; give one of the words 'flip', 'mask' (of one qualifier), "

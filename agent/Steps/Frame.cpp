@@ -241,7 +241,8 @@ std::vector< WordList > Frame::vocabulary() {
 
 void Frame::read( Reading & reading, Value const & value ) {
    readMapping( reading, value, frameTable(), *this );
-   if ( !value.node.IsMap() ) {
+   if ( !value.node.IsMap() || hasStrangers( value, frameTable().list() ) ) {
+      checkFamilies( reading, value, fields );
       return;
    }
    bool const hasFrom = value.node[ "from" ].IsDefined();

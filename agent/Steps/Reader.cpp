@@ -42,7 +42,7 @@ WordList const & stepWords() {
 
 // One word names the action; 'only-on' may stand beside it.
 void checkWords( Reading & reading, Value const & step ) {
-   if ( !step.node.IsMap() ) {
+   if ( !step.node.IsMap() || hasStrangers( step, stepWords() ) ) {
       return;
    }
    std::size_t const words = step.node.size() - ( step.node[ std::string( kOnlyOn ) ] ? 1 : 0 );
@@ -52,19 +52,37 @@ void checkWords( Reading & reading, Value const & step ) {
    }
 }
 
+// The words that change the published state: those that a turn can hold, and the turn itself.
+bool changesState( Row const & row ) {
+   return row.readTurnPart || row.name == "turn";
+}
+
+Scenario::StepForVariant stepIn( Reading & reading, Value const & element ) {
+   std::size_t const before = reading.problemsSoFar();
+   Scenario::StepForVariant step{ { nullptr, element.line }, {} };
+   bool isOfState = false;
+   for ( auto const & [ word, about ] : wordValuesInOrderOf( reading, element, stepWords() ) ) {
+      if ( word < table().size() ) {
+         Scenario::WordWatch const watch( reading, stepWords().place, stepWords().words[ word ] );
+         step.step.action = table()[ word ].read( reading, about );
+         isOfState = isOfState || changesState( table()[ word ] );
+      } else {
+         step.onlyOn = choiceOf( reading, about, Scenario::variants() );
+      }
+   }
+   checkWords( reading, element );
+   bool const isFaultless = reading.problemsSoFar() == before;
+   step.isEffectKnown = isFaultless || ( step.step.action && !isOfState );
+   return step;
+}
+
 void readSteps( Reading & reading, Value const & value,
                 std::vector< Scenario::StepForVariant > & steps ) {
+   if ( !value.node.IsSequence() ) {
+      reading.doubts().isLost( "scenario/steps" );
+   }
    for ( Value const & element : listOf( reading, value ) ) {
-      Scenario::StepForVariant step{ { nullptr, element.line }, {} };
-      for ( auto const & [ word, about ] : wordValuesInOrderOf( reading, element, stepWords() ) ) {
-         if ( word < table().size() ) {
-            step.step.action = table()[ word ].read( reading, about );
-         } else {
-            step.onlyOn = choiceOf( reading, about, Scenario::variants() );
-         }
-      }
-      checkWords( reading, element );
-      steps.push_back( std::move( step ) );
+      steps.push_back( stepIn( reading, element ) );
    }
 }
 
@@ -75,6 +93,15 @@ Scenario::Model readScenario( std::filesystem::path const & file,
    Scenario::Model scenario = Scenario::read( file, readSteps, added );
    checkExpectedStop( scenario );
    return scenario;
+}
+
+Scenario::Findings examineScenario( std::filesystem::path const & file ) {
+   return Scenario::examine( file, readSteps );
+}
+
+Scenario::Findings examineScenarioText( std::string const & text,
+                                        std::filesystem::path const & file ) {
+   return Scenario::examineText( text, file, readSteps );
 }
 
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file ) {

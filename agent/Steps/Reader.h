@@ -14,6 +14,10 @@ namespace Steps {
 Scenario::Model readScenario( std::filesystem::path const & file,
                               std::vector< Scenario::AddedStep > const & added = {} );
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file );
+// See Scenario::examine().
+Scenario::Findings examineScenario( std::filesystem::path const & file );
+Scenario::Findings examineScenarioText( std::string const & text,
+                                        std::filesystem::path const & file );
 
 // The words of every mapping with a fixed set of words ("switch", "publish"), and the texts of
 // every choice ("variant"), by place.

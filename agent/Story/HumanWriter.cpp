@@ -1,5 +1,6 @@
 #include <Story/HumanWriter.h>
 
+#include <functional>
 #include <sstream>
 
 #include <fmt/format.h>
@@ -153,7 +154,7 @@ void HumanWriter::ruleChanges() {
    }
    for ( Chip::RuleChange const & change : changes.changed ) {
       ruleLine( "rule changed: ", change.after );
-      detail( "   before: " + Chip::bodyText( change.before ) );
+      detail( "   before: " + Chip::bodyText( change.before, std::cref( names_ ) ) );
    }
    for ( Chip::Rule const & rule : changes.removed ) {
       shown( style_.bad( "rule removed: " ) + Text::printable( Chip::headingText( rule ) ) );
@@ -162,7 +163,7 @@ void HumanWriter::ruleChanges() {
 
 void HumanWriter::ruleLine( std::string const & what, Chip::Rule const & rule ) {
    shown( what + Text::printable( Chip::headingText( rule ) ) );
-   detail( "   " + Chip::bodyText( rule ) );
+   detail( "   " + Chip::bodyText( rule, std::cref( names_ ) ) );
 }
 
 // --- Frames
@@ -221,6 +222,7 @@ void HumanWriter::tell( MountsDone const & event ) {
 }
 
 void HumanWriter::tell( PublishedChange const & event ) {
+   names_.onEvent( event );
    if ( !outcome_.step() ) {
       ++changesBefore_;
    } else if ( writable_.contains( event.path ) ) {

@@ -15,6 +15,7 @@
 #include <Story/Outcome.h>
 #include <Story/RuleTable.h>
 #include <Story/Style.h>
+#include <Story/VtepNames.h>
 #include <Story/Wording.h>
 
 namespace Story {
@@ -66,6 +67,7 @@ class HumanWriter final : public Observer {
    Style style_;
    Outcome outcome_;
    RuleTable rules_;
+   VtepNames names_;
    FrameTable frames_;  // of this step
    FrameTotals totals_;
    std::size_t changesBefore_ = 0;     // before the first step

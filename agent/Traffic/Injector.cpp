@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <Capture/CaptureReader.h>
 #include <FieldProcessor/Gport.h>
 #include <Quelm/Error.h>
+#include <Traffic/CaptureFile.h>
 
 namespace Traffic {
 
@@ -30,25 +30,6 @@ void addInterfaces( Chip::ForwardingConfig & config, Scenario::Forwarding const 
       }
       config.interfaces.push_back( interface );
    }
-}
-
-// Any file can be given as a capture.
-Chip::CaptureReader opened( std::filesystem::path const & file ) {
-   try {
-      return Chip::CaptureReader( file );
-   } catch ( Quelm::Error const & error ) {
-      throw Quelm::Error( std::string( error.what() ) +
-                          "; give a pcap or pcapng file of Ethernet frames" );
-   }
-}
-
-U64 framesIn( std::filesystem::path const & file ) {
-   Chip::CaptureReader reader = opened( file );
-   U64 frames = 0;
-   while ( reader.next() ) {
-      ++frames;
-   }
-   return frames;
 }
 
 bool hasInterface( Chip::ForwardingConfig const & config, IntfId const & intfId ) {
@@ -179,7 +160,7 @@ void Injector::inject( Chip::FrameFields const & fields, std::optional< IntfId >
 void Injector::injectCapture( std::filesystem::path const & file, IntfId const & on ) {
    prepare();
    VornalTypes::VornalPort const port = portOf( on );
-   Chip::CaptureReader reader = opened( file );
+   Chip::CaptureReader reader = openedCapture( file );
    context_.observer.onEvent( Story::FramesBegin{ on.stringValue(), framesIn( file ) } );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
@@ -220,7 +201,7 @@ void Injector::watch( U64 number, std::function< void( ArrivingFrame const & ) >
 }
 
 ArrivingFrame Injector::frameOf( CapturedFrame const & captured ) const {
-   Chip::CaptureReader reader = opened( captured.file );
+   Chip::CaptureReader reader = openedCapture( captured.file );
    for ( U64 number = 1; auto const one = reader.next(); ++number ) {
       if ( number == captured.number ) {
          return { portOf( arrivalOf( captured.on ) ), { one->bytes.begin(), one->bytes.end() } };

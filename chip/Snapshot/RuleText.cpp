@@ -37,14 +37,13 @@ std::string headingText( Rule const & rule ) {
                        rule.key.id, rule.name );
 }
 
-std::string bodyText( Rule const & rule ) {
-   return contentText( rule.content ) +
+std::string bodyText( Rule const & rule, NameOf const & nameOf ) {
+   return contentText( rule.content, nameOf ) +
           ( rule.isWritten ? "" : "; staged only, not written to the chip" );
 }
 
-std::string contentText( EntryContent const & content ) {
-   auto const withoutName = []( Qualifier, U32 ) { return std::string(); };
-   return fmt::format( "matches {}; does {}; {}", qualifiersText( content, withoutName ),
+std::string contentText( EntryContent const & content, NameOf const & nameOf ) {
+   return fmt::format( "matches {}; does {}; {}", qualifiersText( content, nameOf ),
                        actionsText( content ), priorityText( content.priority ) );
 }
 
@@ -64,10 +63,8 @@ std::string nameInChip( Qualifier qualifier, U32 number ) {
 std::string qualifiersText( EntryContent const & content, NameOf const & nameOf ) {
    std::vector< std::string > texts;
    for ( Qualifier const qualifier : kQualifiers ) {
-      if ( auto const & match = content[ qualifier ] ) {
-         std::string const name = nameOf( qualifier, match->data );
-         texts.push_back( partText( qualifier, content ) +
-                          ( name.empty() ? "" : " (" + name + ")" ) );
+      if ( content[ qualifier ] ) {
+         texts.push_back( partText( qualifier, content, nameOf ) );
       }
    }
    return joined( texts, "every frame" );
@@ -83,8 +80,9 @@ std::string actionsText( EntryContent const & content ) {
    return joined( texts, "nothing" );
 }
 
-std::string partText( Qualifier qualifier, EntryContent const & content ) {
-   return fmt::format( "{} {}", nameOf( qualifier ), valueText( qualifier, content[ qualifier ] ) );
+std::string partText( Qualifier qualifier, EntryContent const & content, NameOf const & nameOf ) {
+   return fmt::format( "{} {}", Chip::nameOf( qualifier ),
+                       valueText( qualifier, content[ qualifier ], nameOf ) );
 }
 
 // An action without parameters is told by its name alone.
@@ -106,6 +104,12 @@ std::string valueText( Qualifier qualifier, std::optional< Match > const & match
              ? fmt::format( "module {} port {}",
                             maskedText( std::to_string( match->modId ), match->modIdMask ), text )
              : text;
+}
+
+std::string valueText( Qualifier qualifier, std::optional< Match > const & match,
+                       NameOf const & nameOf ) {
+   std::string const name = match ? nameOf( qualifier, match->data ) : "";
+   return valueText( qualifier, match ) + ( name.empty() ? "" : " (" + name + ")" );
 }
 
 std::string valueText( Action action, std::optional< ActionParameters > const & parameters ) {

@@ -139,7 +139,7 @@ TEST_F( Agent, TellsARuleAfterEveryCallThatChangedIt ) {
    EXPECT_EQ( rules[ 4 ].rule.name, "Sample Ethernet1" );
    EXPECT_EQ( rules[ 4 ].rule.content.priority, 1U );
    EXPECT_EQ( bodyText( rules[ 4 ].rule ),
-              "matches PacketRes 4 mask 0xff; does EgressMask ports 3; priority 1" );
+              "matches PacketRes 4 mask 0xff (known unicast); does EgressMask ports 3; priority 1" );
 }
 
 TEST_F( Agent, MakesEveryPublishedChangeATurnOfItsOwnInTheOrderWritten ) {
@@ -322,7 +322,8 @@ TEST_F( Agent, NamesTheRuleThatComesNearestAndWhatDiffers ) {
       "} }\n"
       "      - rules: { group: ingress, name: Sample, count: 3 }\n"
       "      - rules: { group: ingress, name: Sample, count: 1 }\n"
-      "      - rules: { group: ingress, name: Ethernet, qualifiers: { IpType: }, count: 1 }\n" );
+      "      - rules: { group: ingress, name: Ethernet, qualifiers: { IpType: }, count: 1 }\n"
+      "      - rules: { group: ingress, name: Ethernet, qualifiers: { PacketRes: 5 } }\n" );
 
    std::vector< std::string > found;
    for ( auto const & expectation : story.all< Story::ExpectationChecked >() ) {
@@ -333,7 +334,9 @@ TEST_F( Agent, NamesTheRuleThatComesNearestAndWhatDiffers ) {
                         "Ethernet2\", which has priority 1 and EgressMask ports 3",
                         "there are 2; the group has no other rules", "there are 2",
                         "there are 0; the nearest is unit 0, ingress group 157, entry 1, \"Sample "
-                        "Ethernet1\", which has no IpType" } ) );
+                        "Ethernet1\", which has no IpType",
+                        "there are 0; the nearest is unit 0, ingress group 157, entry 1, \"Sample "
+                        "Ethernet1\", which has PacketRes 4 mask 0xff (known unicast)" } ) );
 }
 
 TEST_F( Agent, GoesOnAfterAnExpectationThatDidNotHold ) {

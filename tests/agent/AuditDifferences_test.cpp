@@ -51,7 +51,7 @@ TEST_F( AuditDifferences, AGportThatTipsOver ) {
    EXPECT_EQ( found.group, 157U );
    EXPECT_EQ( found.rule, "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments" );
    EXPECT_EQ( found.actual, "0x56000003" );
-   EXPECT_EQ( found.expected, "0x56000002" );
+   EXPECT_EQ( found.expected, "0x56000002 (VTEP 10.0.0.2)" );
    EXPECT_EQ( found.because,
               "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3 and Ethernet4; virtual "
               "port 2" );
@@ -60,7 +60,7 @@ TEST_F( AuditDifferences, AGportThatTipsOver ) {
 TEST_F( AuditDifferences, AVirtualPortCountsByItsLow16Bits ) {
    auto const found = only( Leaf(), drift( "entry: 4, flip: SrcVxlanGport" ) );
 
-   EXPECT_EQ( found.expected, "0x56000004" );
+   EXPECT_EQ( found.expected, "0x56000004 (VTEP 10.0.0.4)" );
    EXPECT_EQ( found.because,
               "VTEP 10.0.0.4 shares segment Ethernet1 through Ethernet1, and segment "
               "Port-Channel2 through Ethernet3 and Ethernet4; virtual port 65540" );
@@ -78,8 +78,8 @@ TEST_F( AuditDifferences, AMaskOfAQualifier ) {
    auto const found = only( Leaf(), drift( "entry: 1, mask: { PacketRes: 0xf }" ) );
 
    expectFound( found, Kind::wrongMask, 1, "PacketRes" );
-   EXPECT_EQ( found.actual, "4 mask 0xf" );
-   EXPECT_EQ( found.expected, "4 mask 0xff" );
+   EXPECT_EQ( found.actual, "4 mask 0xf (known unicast)" );
+   EXPECT_EQ( found.expected, "4 mask 0xff (known unicast)" );
    EXPECT_EQ( found.because, "segments are shared with VTEP 10.0.0.2, 10.0.0.4" );
 }
 
@@ -133,8 +133,8 @@ TEST_F( AuditDifferences, TwoGportsThatAreSwapped ) {
       auditAfter( Leaf(), drift( "rule: vtep IP 10.0.0.2, swap-gport-with: vtep IP 10.0.0.4" ) );
 
    EXPECT_EQ( kinds( audited ), "wrong-qualifier wrong-qualifier" ) << words( audited );
-   EXPECT_EQ( audited.differences[ 0 ].actual, "0x56000004" );
-   EXPECT_EQ( audited.differences[ 1 ].actual, "0x56000002" );
+   EXPECT_EQ( audited.differences[ 0 ].actual, "0x56000004 (VTEP 10.0.0.4)" );
+   EXPECT_EQ( audited.differences[ 1 ].actual, "0x56000002 (VTEP 10.0.0.2)" );
 }
 
 TEST_F( AuditDifferences, AnEntryThatIsNotInTheHardwareAnyMore ) {
@@ -142,7 +142,8 @@ TEST_F( AuditDifferences, AnEntryThatIsNotInTheHardwareAnyMore ) {
 
    expectFound( found, Kind::stagedOnly, 3, "" );
    EXPECT_EQ( found.expected,
-              "matches SrcVxlanGport 0x56000002; does EgressMask ports 3, 4; priority 1" );
+              "matches SrcVxlanGport 0x56000002 (VTEP 10.0.0.2); does EgressMask ports 3, 4; "
+              "priority 1" );
 }
 
 TEST_F( AuditDifferences, AnEntryThatIsDestroyed ) {

@@ -53,10 +53,12 @@ TEST( AuditWantedRules, ExemptUnicastAndMaskEachUnitsOwnPorts ) {
 
    EXPECT_EQ( wantedRules( state ).size(), 6U );
    EXPECT_EQ( contentOf( state, { 0, Purpose::l2Unicast } ),
-              "matches PacketRes 4 mask 0xff and TunnelTerminated 1 mask 0x1; does nothing; the "
+              "matches PacketRes 4 mask 0xff (known unicast) and TunnelTerminated 1 mask 0x1; does "
+              "nothing; the "
               "group's default priority" );
    EXPECT_EQ( contentOf( state, { 1, Purpose::l3Unicast } ),
-              "matches PacketRes 10 mask 0xff and TunnelTerminated 1 mask 0x1; does nothing; the "
+              "matches PacketRes 10 mask 0xff (routed unicast) and TunnelTerminated 1 mask 0x1; "
+              "does nothing; the "
               "group's default priority" );
    EXPECT_EQ( contentOf( state, { 1, Purpose::vtep, kVtep } ),
               "matches SrcVxlanGport 0x56000004; does EgressMask ports 7; priority 1" );
@@ -109,8 +111,9 @@ TEST( AuditWantedRules, ExemptTheVnisOfEveryTunnelInterfaceWhileThereAreSegments
                   { intf( "Vxlan2" ), { { L3::VrfName( "blue" ), 20 } } } };
 
    EXPECT_EQ( wantedRules( state ).size(), 5U );
-   EXPECT_EQ( contentOf( state, { 0, Purpose::vni, {}, {}, 20 } ),
-              "matches PacketRes 12 and VxlanNetworkId 20; does nothing; priority 2" );
+   EXPECT_EQ(
+      contentOf( state, { 0, Purpose::vni, {}, {}, 20 } ),
+      "matches PacketRes 12 (routed multicast) and VxlanNetworkId 20; does nothing; priority 2" );
 
    state.virtualPorts.clear();
    EXPECT_EQ( wantedRules( state ).size(), 2U );

@@ -48,8 +48,8 @@ class FeatureFilesReader : public testing::Test {
    fs::path const directory_ =
       fs::path( testing::TempDir() ) / ( "feature-files-" + std::to_string( getpid() ) );
    std::vector< std::string > reported_;
-   FeatureFiles::Reader::Report const report_ = [ this ]( std::string const & line ) {
-      reported_.push_back( line );
+   FeatureFiles::Reader::Report const report_ = [ this ]( FeatureFiles::Damage const & damage ) {
+      reported_.push_back( damage.text() );
    };
    FeatureFiles::Reader reader_{ directory_, report_ };
 };

@@ -52,11 +52,13 @@ TEST_F( HumanWriter, TellsAStepAndTheRulesThatItLeadsTo ) {
               "   variant egress-mask: Vornal::WithEgressMaskSm\n"
               "   marks its own dependency point \"evpn\" as ready\n"
               "   rule added: unit 0, ingress group 157, entry 1, \"Mark or drop\"\n"
-              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does EgressMask "
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff (known unicast); "
+              "does EgressMask "
               "ports 3, 4; "
               "priority 1\n"
               "   rule added: unit 0, ingress group 157, entry 2, \"Mark or drop\"\n"
-              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does EgressMask "
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff (known unicast); "
+              "does EgressMask "
               "ports 3, 4; "
               "priority 1; staged only, not written to the chip\n" );
 }
@@ -74,11 +76,37 @@ TEST_F( HumanWriter, TellsWhatChangedInARuleAndWhichWasRemoved ) {
               "\n"
               "step 2: withdraw it\n"
               "   rule changed: unit 0, ingress group 157, entry 1, \"Mark or drop\"\n"
-              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does nothing; the "
+              "      matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff (known unicast); "
+              "does nothing; the "
               "group's default priority\n"
-              "      before: matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff; does "
+              "      before: matches SrcVxlanGport 0x56000002 and PacketRes 4 mask 0xff (known "
+              "unicast); does "
               "EgressMask ports 3, 4; priority 1\n"
               "   rule removed: unit 0, ingress group 157, entry 2, \"Mark or drop\"\n" );
+}
+
+TEST_F( HumanWriter, NamesTheVtepThatHadAGportLast ) {
+   using Change = Story::PublishedChange;
+   std::string const path = "/hardware/vornal/vp/status/vornalL3";
+   told( readyStep() );
+   Chip::Rule changed = rule( 1 );
+   changed.content.actions = {};
+   std::string const vtep2 = " (VTEP 10.0.0.2)";
+   std::optional< U32 > other = 7;
+   auto const tellsOf = [ & ]( std::string const & vtep, std::vector< Change > const & changes ) {
+      std::vector< Story::Event > events{ step( 2 ) };
+      events.insert( events.end(), changes.begin(), changes.end() );
+      std::swap( changed.content.priority, other );
+      events.insert( events.end(), { Story::RuleIs{ changed }, Story::StepEnds{ 2 } } );
+      std::string const text = told( events );
+      return text.find( "SrcVxlanGport 0x56000002" + vtep + " and" ) != std::string::npos;
+   };
+
+   EXPECT_TRUE( tellsOf( "", { Change{ path, "remoteVport", "10.0.0.2@2", {}, "2" } } ) );
+   EXPECT_TRUE( tellsOf( vtep2, { Change{ path, "remoteVport", "10.0.0.2", {}, "65538" } } ) );
+   EXPECT_TRUE( tellsOf( vtep2, { Change{ path, "remoteVport", "10.0.0.2", "65538", {} } } ) );
+   EXPECT_TRUE(
+      tellsOf( " (VTEP 10.0.0.3)", { Change{ path, "remoteVport", "10.0.0.3", {}, "2" } } ) );
 }
 
 TEST_F( HumanWriter, TellsWhatThePlugInWritesAndLeavesOutWhatTheStepSaysItself ) {

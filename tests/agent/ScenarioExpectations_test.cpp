@@ -92,8 +92,10 @@ TEST( ScenarioExpectations, DescribeRulesByWhatTheyMatchAndDo ) {
    EXPECT_EQ( describedOf( "{ rules: { group: ingress, name: from vtep, state: written,\n"
                            "           priority: 1, qualifiers: { SrcVxlanGport: 0x56000002 },\n"
                            "           actions: { EgressMask: [ 3, 4 ] }, count: 1 } }" ),
-              "1 rule in group ingress, named \"from vtep\", matching SrcVxlanGport 1442840578, "
+              "1 rule in group ingress, named \"from vtep\", matching SrcVxlanGport 0x56000002, "
               "doing EgressMask 3, 4, priority 1, written" );
+   EXPECT_EQ( describedOf( "{ rules: { group: ingress, qualifiers: { PacketRes: 4 } } }" ),
+              "one or more rules in group ingress, matching PacketRes 4 (known unicast)" );
    EXPECT_EQ( describedOf( "{ rules: { group: ingress, priority: default, actions: none,\n"
                            "           qualifiers: { TunnelTerminated: }, state: staged-only } }" ),
               "one or more rules in group ingress, matching TunnelTerminated, doing nothing, "

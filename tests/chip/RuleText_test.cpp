@@ -35,6 +35,24 @@ TEST( RuleText, BodyOfAMaskingRuleNamesGportPortsAndPriority ) {
    EXPECT_EQ( bodyText( rulesOf( leaf1.board.units() ).front() ), body );
 }
 
+TEST( RuleText, NamesTheNumbersThatHaveNames ) {
+   EntryContent content;
+   content[ Qualifier::SrcVxlanGport ] = Match{ kVtep2, kExact };
+   content[ Qualifier::PacketRes ] = Match{ 4, 0xff };
+   std::string const end =
+      " and PacketRes 4 mask 0xff (known unicast); does nothing; the group's "
+      "default priority";
+   EXPECT_EQ( contentText( content ), "matches SrcVxlanGport 0x56000002" + end );
+   EXPECT_EQ( contentText( content,
+                           []( Qualifier qualifier, U32 number ) {
+                              return number == kVtep2 ? std::string( "VTEP 10.0.0.2" )
+                                                      : Chip::nameInChip( qualifier, number );
+                           } ),
+              "matches SrcVxlanGport 0x56000002 (VTEP 10.0.0.2)" + end );
+   EXPECT_EQ( Chip::partText( Qualifier::PacketRes, content ),
+              "PacketRes 4 mask 0xff (known unicast)" );
+}
+
 TEST( RuleText, ContentOfAnEgressRuleNamesModuleAndPort ) {
    EntryContent content;
    content[ Qualifier::DstPort ] = Match{ 7, kExact, 5, 0xf };

@@ -1,0 +1,132 @@
+#include <CommandLine/Check.h>
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/NamedFiles.h>
+#include <CommandLine/Usage.h>
+#include <Steps/Reader.h>
+#include <Story/InputError.h>
+#include <Story/JsonForms.h>
+#include <Story/Wording.h>
+#include <Text/Printable.h>
+
+namespace CommandLine {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+struct Checked {
+   std::string file;
+   std::vector< Scenario::Problem > problems;  // in the order of their lines
+   std::vector< std::string > leftOut;
+};
+
+// The scenarios at and below a folder.
+std::vector< fs::path > scenariosIn( fs::path const & folder ) {
+   std::vector< fs::path > files;
+   for ( auto const & entry : fs::recursive_directory_iterator( folder ) ) {
+      if ( entry.path().extension() == ".yaml" && entry.is_regular_file() ) {
+         files.push_back( entry.path() );
+      }
+   }
+   if ( files.empty() ) {
+      throw Story::InputError( folder.string() +
+                               " holds no scenario; name a folder with files that end in .yaml" );
+   }
+   std::sort( files.begin(), files.end() );
+   return files;
+}
+
+std::vector< fs::path > filesOf( std::vector< fs::path > const & named ) {
+   std::vector< fs::path > files;
+   for ( fs::path const & one : named ) {
+      std::error_code error;
+      auto const more =
+         fs::is_directory( one, error ) ? scenariosIn( one ) : std::vector< fs::path >{ one };
+      files.insert( files.end(), more.begin(), more.end() );
+   }
+   return files;
+}
+
+// Mistakes of the file come first, those of files that it names come last.
+Checked checked( fs::path const & file ) {
+   Scenario::Findings findings = Steps::examineScenario( file );
+   Checked result{ file.string(), std::move( findings.problems ), std::move( findings.leftOut ) };
+   if ( !findings.model.file.empty() ) {
+      auto const more = problemsOfNamedFiles( findings.model );
+      result.problems.insert( result.problems.end(), more.begin(), more.end() );
+   }
+   auto const isOfFile = [ & ]( Scenario::Problem const & one ) { return one.file == result.file; };
+   auto const others =
+      std::stable_partition( result.problems.begin(), result.problems.end(), isOfFile );
+   std::stable_sort( result.problems.begin(), others,
+                     []( auto const & a, auto const & b ) { return a.line < b.line; } );
+   return result;
+}
+
+std::size_t mistakesIn( std::vector< Checked > const & all ) {
+   std::size_t mistakes = 0;
+   for ( Checked const & one : all ) {
+      mistakes += one.problems.size();
+   }
+   return mistakes;
+}
+
+void print( std::vector< Checked > const & all, std::ostream & out ) {
+   for ( Checked const & one : all ) {
+      for ( Scenario::Problem const & problem : one.problems ) {
+         out << problem.text() << '\n';
+      }
+      if ( !one.leftOut.empty() ) {
+         out << Text::printable( one.file ) << ": not checked because of these mistakes: ";
+         for ( std::size_t n = 0; n < one.leftOut.size(); ++n ) {
+            out << ( n == 0 ? "" : "; " ) << one.leftOut[ n ];
+         }
+         out << '\n';
+      }
+   }
+   std::size_t const mistakes = mistakesIn( all );
+   out << ( mistakes == 0 ? "no mistakes" : Story::counted( mistakes, "mistake" ) ) << " in "
+       << Story::counted( all.size(), "scenario" ) << '\n';
+}
+
+void printJson( std::vector< Checked > const & all, std::ostream & out ) {
+   Json files = Json::array();
+   for ( Checked const & one : all ) {
+      Json mistakes = Json::array();
+      for ( Scenario::Problem const & problem : one.problems ) {
+         mistakes.push_back( { { "file", problem.file },
+                               { "line", problem.line == 0 ? Json() : Json( problem.line ) },
+                               { "text", problem.message } } );
+      }
+      files.push_back(
+         { { "file", one.file }, { "mistakes", mistakes }, { "notChecked", one.leftOut } } );
+   }
+   out << Story::documentText( Json{ { "scenarios", files } } );
+}
+
+}  // namespace
+
+void Check::declare( CLI::App & app ) {
+   app.add_option( "FILE", files_,
+                   "The scenarios: files, folders of them, or '-' for standard input" )
+      ->required()
+      ->type_name( "FILE" )
+      ->check( problemOfName );
+   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+}
+
+Story::ExitCode Check::perform( std::ostream & out ) {
+   std::vector< Checked > all;
+   for ( fs::path const & file : filesOf( files_ ) ) {
+      all.push_back( checked( file ) );
+   }
+   isJson_ ? printJson( all, out ) : print( all, out );
+   return mistakesIn( all ) == 0 ? Story::ExitCode::Held : Story::ExitCode::BadInput;
+}
+
+}  // namespace CommandLine
