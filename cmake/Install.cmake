@@ -45,11 +45,12 @@ install( TARGETS vornal RUNTIME DESTINATION bin )
 # The program prints its manual page and its completions itself. install_words( <folder> <file>
 # <word>... ): what it prints to these words.
 function( install_words folder file )
+   list( JOIN ARGN " " words )
    install( CODE "
       set( folder \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}\" )
       file( MAKE_DIRECTORY \"\${folder}\" )
       execute_process(
-         COMMAND \"$<TARGET_FILE:vornal>\" ${ARGN} OUTPUT_FILE \"\${folder}/${file}\"
+         COMMAND \"$<TARGET_FILE:vornal>\" ${words} OUTPUT_FILE \"\${folder}/${file}\"
          COMMAND_ERROR_IS_FATAL ANY )
       message( STATUS \"Installing: \${folder}/${file}\" )" )
 endfunction()

@@ -172,4 +172,18 @@ Story::ExitCode print( Node const & differences, bool asJson, std::ostream & out
    return differences.children.empty() ? Story::ExitCode::Held : Story::ExitCode::ExpectationFailed;
 }
 
+Story::ExitCode printChange( ScenarioRun const & before, ScenarioRun const & after,
+                             DifferencesShown const & how, std::ostream & out ) {
+   Story::Table first;
+   Story::Table second;
+   auto code = stateAfter( before, first );
+   if ( code == Story::ExitCode::Held ) {
+      code = stateAfter( after, second );
+   }
+   if ( code == Story::ExitCode::Held ) {
+      print( differencesBetween( first, second, how.only ), how.asJson, out );
+   }
+   return code;
+}
+
 }  // namespace CommandLine

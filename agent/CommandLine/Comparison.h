@@ -33,4 +33,15 @@ Story::Node differencesBetween( Story::Table const & before, Story::Table const 
 // Prints the differences. ExpectationFailed when there are any.
 Story::ExitCode print( Story::Node const & differences, bool asJson, std::ostream & out );
 
+// How differences are printed.
+struct DifferencesShown {
+   Parts only;  // empty: all
+   bool asJson = false;
+};
+
+// Runs both, and prints what differs from the first to the second. Held, unless a run did not get
+// to its end.
+Story::ExitCode printChange( ScenarioRun const & before, ScenarioRun const & after,
+                             DifferencesShown const & how, std::ostream & out );
+
 }  // namespace CommandLine

@@ -129,8 +129,7 @@ void Explain::readWords() {
 
 Scenario::Model Explain::read( Traffic::FrameAsked & asked ) const {
    if ( isWritten() ) {
-      Scenario::Model scenario =
-         Steps::readScenario( scenario_.file(), { { "FRAME", "frame: " + frame_ } } );
+      Scenario::Model scenario = scenario_.read( { { "FRAME", "frame: " + frame_ } } );
       bool const isAdded = scenario.steps.size() == scenario.ownSteps + 1;
       auto const * const frame = isAdded ? scenario.steps.back().as< Steps::Frame >() : nullptr;
       if ( !frame ) {
@@ -141,7 +140,7 @@ Scenario::Model Explain::read( Traffic::FrameAsked & asked ) const {
       scenario.steps.pop_back();
       return scenario;
    }
-   Scenario::Model scenario = Steps::readScenario( scenario_.file() );
+   Scenario::Model scenario = scenario_.read();
    asked = *asked_;
    auto * const captured = std::get_if< Traffic::CapturedFrame >( &asked );
    if ( captured && !captured->on ) {

@@ -7,14 +7,13 @@
 #include <optional>
 #include <string>
 
-#include <CommandLine/Command.h>
 #include <CommandLine/ScenarioWords.h>
 #include <Scenario/Scenario.h>
 #include <Traffic/FrameAsked.h>
 
 namespace CommandLine {
 
-class Explain final : public Command {
+class Explain final : public ScenarioCommand {
  public:
    void declare( CLI::App & app ) override;
    void readWords() override;
@@ -25,7 +24,6 @@ class Explain final : public Command {
    // The scenario and the frame that is asked for.
    Scenario::Model read( Traffic::FrameAsked & asked ) const;
 
-   ScenarioWords scenario_;
    std::string frame_;
    std::string on_;  // the interface of a capture's frame; empty: that of the scenario's step
    std::optional< Traffic::FrameAsked > asked_;  // nothing: it is written

@@ -1,12 +1,11 @@
 #include <CommandLine/Run.h>
 
-#include <array>
 #include <iostream>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/CaptureFolder.h>
+#include <CommandLine/PartOfStory.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -35,54 +34,11 @@ class OutputEcho final : public Story::Observer {
    }
 };
 
-// Tells one step's part of the story.
-class OneStep final : public Story::Observer {
- public:
-   OneStep( U32 step, std::ostream & out, bool isColoured )
-         : step_( step ), out_( out ), writer_( part_, Story::Style( isColoured ) ) {}
-
-   // The writer hears everything, because the rules of a step are those that differ from the step
-   // before.
-   void onEvent( Story::Event const & event ) override {
-      auto const * const begins = std::get_if< Story::StepBegins >( &event );
-      if ( begins && begins->number == step_ ) {
-         part_.str( "" );
-      }
-      writer_.onEvent( event );
-      auto const * const ends = std::get_if< Story::StepEnds >( &event );
-      if ( ends && ends->number == step_ ) {
-         tell();
-      }
-      isEarly_ = isEarly_ || std::holds_alternative< Story::Stopped >( event ) ||
-                 std::holds_alternative< Story::Interrupted >( event );
-   }
-
-   // After the run: a run that ended in an earlier step, or in this one, has not been told.
-   void tellEarlyEnd() {
-      if ( isEarly_ && !isTold_ ) {
-         tell();
-      }
-   }
-
- private:
-   void tell() {
-      out_ << part_.str() << std::flush;
-      isTold_ = true;
-   }
-
-   U32 step_;
-   std::ostream & out_;
-   std::ostringstream part_;
-   Story::HumanWriter writer_;
-   bool isEarly_ = false;
-   bool isTold_ = false;
-};
-
 Story::ExitCode runForPeople( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                               std::optional< U32 > step, std::ostream & out ) {
    bool const colours = isColoured( STDOUT_FILENO );
    Story::HumanWriter writer( out, Story::Style( colours ) );
-   OneStep one( step.value_or( 0 ), out, colours );
+   PartOfStory one( step.value_or( 0 ), step.value_or( 0 ), out, colours );
    observers.push_back( step ? static_cast< Story::Observer * >( &one ) : &writer );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
@@ -196,16 +152,11 @@ Scenario::Model Run::read( std::vector< std::string > const & whatIf ) const {
 }
 
 Story::ExitCode Run::compare( std::ostream & out ) const {
-   std::array< Story::Table, 2 > states;
-   std::array const scenarios{ read(), read( whatIf_ ) };
-   for ( std::size_t n = 0; n < states.size(); ++n ) {
-      ScenarioRun const what{ scenarios[ n ], scenario_.config(), {}, scenario_.turnLimit() };
-      if ( auto const code = stateAfter( what, states[ n ] ); code != Story::ExitCode::Held ) {
-         return code;
-      }
-   }
-   print( differencesBetween( states[ 0 ], states[ 1 ], only_ ), scenario_.isJson(), out );
-   return Story::ExitCode::Held;
+   Scenario::Model const before = read();
+   Scenario::Model const after = read( whatIf_ );
+   ScenarioRun const first{ before, scenario_.config(), {}, scenario_.turnLimit() };
+   ScenarioRun const second{ after, scenario_.config(), {}, scenario_.turnLimit() };
+   return printChange( first, second, { only_, scenario_.isJson() }, out );
 }
 
 Story::ExitCode Run::perform( std::ostream & out ) {

@@ -6,17 +6,40 @@
 
 namespace CommandLine {
 
-void ScenarioWords::declare( CLI::App & app ) {
+void ScenarioWords::declare( CLI::App & app, Answers answers ) {
+   if ( source_ ) {
+      declareJson( app );
+      return;
+   }
    app.add_option( "SCENARIO", file_, "The scenario's file, a pipe, or '-' for standard input" )
       ->required()
       ->type_name( "FILE" )
       ->check( problemOfName );
    run_.declarePlugin( app );
-   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+   if ( answers == Answers::textOrJson ) {
+      declareJson( app );
+   }
    run_.declareTurnLimit( app );
 }
 
+void ScenarioWords::declareJson( CLI::App & app ) {
+   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+}
+
+void ScenarioWords::readWords() {
+   if ( !source_ ) {
+      run_.readWords();
+   }
+}
+
+Scenario::Model ScenarioWords::read( AddedSteps const & added ) const {
+   return source_ ? source_->read( added ) : Steps::readScenario( file_, added );
+}
+
 Host::AgentConfig ScenarioWords::config() const {
+   if ( source_ ) {
+      return source_->config;
+   }
    Host::AgentConfig config;
    config.scenario = file_.string();
    config.plugin = run_.plugin();

@@ -1,11 +1,18 @@
 // The words that every command with a scenario takes.
+//
+// In the shell, the scenario is not a file but the steps that were carried out so far. A command
+// then has a source of scenarios, and takes no words that name one.
 #pragma once
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
+#include <vector>
 
+#include <CommandLine/Command.h>
 #include <CommandLine/RunWords.h>
 #include <Host/Agent.h>
+#include <Steps/Reader.h>
 
 namespace CLI {
 class App;
@@ -13,23 +20,52 @@ class App;
 
 namespace CommandLine {
 
+using AddedSteps = std::vector< Scenario::AddedStep >;
+
+struct ScenarioSource {
+   std::function< Scenario::Model( AddedSteps const & added ) > read;
+   Host::AgentConfig config;
+   std::chrono::milliseconds turnLimit{};
+};
+
 class ScenarioWords {
  public:
-   void declare( CLI::App & app );
+   enum class Answers { textOrJson, text };
+
+   // To be called before declare(); the source must outlive the words.
+   void sourceIs( ScenarioSource const & source ) { source_ = &source; }
+   void declare( CLI::App & app, Answers answers = Answers::textOrJson );
    // Throws CLI::ValidationError.
-   void readWords() { run_.readWords(); }
+   void readWords();
 
    std::filesystem::path const & file() const { return file_; }
    bool isJson() const { return isJson_; }
    // How long a turn may take; 0: as long as it likes.
-   std::chrono::milliseconds turnLimit() const { return run_.turnLimit(); }
+   std::chrono::milliseconds turnLimit() const {
+      return source_ ? source_->turnLimit : run_.turnLimit();
+   }
+   // The scenario, with more steps at its end.
+   Scenario::Model read( AddedSteps const & added = {} ) const;
    // Finds the plug-in; throws Story::InputError where there is none.
    Host::AgentConfig config() const;
 
  private:
+   void declareJson( CLI::App & app );
+
+   ScenarioSource const * source_ = nullptr;
    std::filesystem::path file_;
    RunWords run_;
    bool isJson_ = false;
+};
+
+// A command with a scenario.
+class ScenarioCommand : public Command {
+ public:
+   // To be called before declare(); the source must outlive the command.
+   void sourceIs( ScenarioSource const & source ) { scenario_.sourceIs( source ); }
+
+ protected:
+   ScenarioWords scenario_;
 };
 
 }  // namespace CommandLine

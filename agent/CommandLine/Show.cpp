@@ -60,18 +60,8 @@ StateDatabase::EntityPath pathOf( std::string const & text ) {
    }
 }
 
-// What can be shown: entities, and the answers to all questions.
-std::vector< std::string_view > subjects() {
-   std::vector< std::string_view > names;
-   for ( Questions::Row const & row : Questions::table() ) {
-      names.push_back( row.name );
-   }
-   names.push_back( kEntities );
-   return names;
-}
-
 std::string problemOfWhat( std::string const & text ) {
-   auto const known = subjects();
+   auto const known = Show::subjects();
    if ( std::find( known.begin(), known.end(), text ) != known.end() ) {
       return "";
    }
@@ -82,7 +72,7 @@ std::string problemOfWhat( std::string const & text ) {
 }
 
 std::string purposeOfWhat() {
-   std::string text = "What to show: " + Text::listed( subjects() );
+   std::string text = "What to show: " + Text::listed( Show::subjects() );
    for ( Questions::Row const & row : Questions::table() ) {
       text += "\n" + std::string( row.name ) + ": " + std::string( row.purpose );
    }
@@ -90,6 +80,15 @@ std::string purposeOfWhat() {
 }
 
 }  // namespace
+
+std::vector< std::string_view > Show::subjects() {
+   std::vector< std::string_view > names;
+   for ( Questions::Row const & row : Questions::table() ) {
+      names.push_back( row.name );
+   }
+   names.push_back( kEntities );
+   return names;
+}
 
 void Show::declare( CLI::App & app ) {
    scenario_.declare( app );
@@ -177,7 +176,7 @@ void Show::print( std::vector< Story::EntityShown > const & entities, std::ostre
 }
 
 Story::ExitCode Show::perform( std::ostream & out ) {
-   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   Scenario::Model const scenario = scenario_.read();
    checkStep( "--after", after_, scenario );
    ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
    what.config.show = subject();

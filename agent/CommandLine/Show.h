@@ -4,17 +4,20 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include <CommandLine/Command.h>
 #include <CommandLine/ScenarioWords.h>
 #include <StateDatabase/EntityPath.h>
 #include <Story/Event.h>
 
 namespace CommandLine {
 
-class Show final : public Command {
+class Show final : public ScenarioCommand {
  public:
+   // What can be shown: entities, and the answers to all questions.
+   static std::vector< std::string_view > subjects();
+
    void declare( CLI::App & app ) override;
    std::vector< std::string_view > choicesOf( std::string_view word ) const override;
    void readWords() override;
@@ -32,7 +35,6 @@ class Show final : public Command {
    void print( Story::Table table, std::ostream & out ) const;
    void print( std::vector< Story::EntityShown > const & entities, std::ostream & out ) const;
 
-   ScenarioWords scenario_;
    std::string what_;
    Questions::Row const * question_ = nullptr;  // nullptr: entities
    std::optional< U32 > after_;

@@ -1,5 +1,7 @@
 #include <CommandLine/Table.h>
 
+#include <algorithm>
+
 #include <CommandLine/Check.h>
 #include <CommandLine/Completion.h>
 #include <CommandLine/Diff.h>
@@ -9,6 +11,7 @@
 #include <CommandLine/Ring.h>
 #include <CommandLine/Run.h>
 #include <CommandLine/Schema.h>
+#include <CommandLine/ShellCommand.h>
 #include <CommandLine/Show.h>
 #include <CommandLine/Test.h>
 #include <CommandLine/Verify.h>
@@ -33,6 +36,10 @@ constexpr std::string_view kOfATest =
    "Exit codes: 0 all passed, 1 a scenario failed, 2 no scenario found or bad usage, 129 SIGHUP, "
    "130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfACheck = "Exit codes: 0 no mistakes, 2 mistakes, or bad usage";
+constexpr std::string_view kOfAShell =
+   "Exit codes of a script, from the steps that are done at its end: 0 all held, 1 an expectation "
+   "failed or verify found differences, 2 a line was wrong, 3 the plug-in stopped the process, 129 "
+   "SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM. On a terminal: 0, or a signal's";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -66,12 +73,16 @@ std::vector< Row > const & table() {
         create< Verify >, kOfAnAudit },
       { "test", "Run all scenarios of folders side by side and tell which failed",
         "vornal test scenarios\n"
-        "vornal test --jobs 4 --junit results.xml scenarios/limits scenario.yaml",
+        "vornal test --jobs 4 --junit results.xml scenarios/limits scenarios/start-up",
         create< Test >, kOfATest },
       { "check", "Find every mistake of scenarios, without a run",
         "vornal check scenarios/start-up/scenario.yaml\n"
         "vornal check scenarios",
         create< Check >, kOfACheck },
+      { "shell", "Carry out a scenario step by step at a prompt, with steps of your own",
+        "vornal shell scenarios/two-leaves/scenario.yaml\n"
+        "echo show rules | vornal shell scenarios/two-leaves/scenario.yaml",
+        create< ShellCommand >, kOfAShell },
       { "ring", "Print the lines of a binary trace ring",
         "vornal run --ring run.ring scenarios/start-up/scenario.yaml\n"
         "vornal ring run.ring",
@@ -90,10 +101,16 @@ std::vector< Row > const & table() {
         create< Completion >, kOfAText, true },
       { "manual", "Print the manual page",
         "vornal manual > vornal.1\n"
-        "vornal manual | grep EXAMPLES",
+        "vornal manual | grep SYNOPSIS",
         create< Manual >, kOfAText, true }
    };
    return rows;
+}
+
+Row const * find( std::string_view name ) {
+   auto const found = std::find_if( table().begin(), table().end(),
+                                    [ & ]( Row const & row ) { return row.name == name; } );
+   return found == table().end() ? nullptr : &*found;
 }
 
 std::vector< std::string_view > commandNames() {

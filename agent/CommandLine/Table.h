@@ -21,6 +21,9 @@ struct Row {
 // In the order of the program's help.
 std::vector< Row > const & table();
 
+// The row, or nullptr.
+Row const * find( std::string_view name );
+
 // Less those that are hidden.
 std::vector< std::string_view > commandNames();
 

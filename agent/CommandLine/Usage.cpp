@@ -31,10 +31,7 @@ std::string hintOf( CLI::App const & command, std::string const & word ) {
    return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
 }
 
-std::string missing( CLI::App const & app, CLI::App const & command, std::string const & error ) {
-   if ( &command == &app ) {
-      return "a command is missing; the commands are " + Text::listed( commandNames(), "and" );
-   }
+std::string missing( CLI::App const & command, std::string const & error ) {
    std::string const word = error.substr( 0, error.find( " is required" ) );
    return word + " is missing: " + purposeOf( command, word );
 }
@@ -48,10 +45,12 @@ std::string wrongCount( CLI::App const & command, std::string const & error ) {
                                         : option + " is given more than once; give it once";
 }
 
-std::string reasonOf( CLI::App const & app, CLI::App const & command, CLI::Error const & error ) {
-   auto const unknown = app.remaining( true );
+}  // namespace
+
+std::string mistakeIn( CLI::App const & command, CLI::Error const & error ) {
+   auto const unknown = command.remaining( true );
    if ( dynamic_cast< CLI::RequiredError const * >( &error ) ) {
-      return missing( app, command, error.what() );
+      return missing( command, error.what() );
    }
    if ( dynamic_cast< CLI::ArgumentMismatch const * >( &error ) ) {
       return wrongCount( command, error.what() );
@@ -62,14 +61,16 @@ std::string reasonOf( CLI::App const & app, CLI::App const & command, CLI::Error
    return error.what();
 }
 
-}  // namespace
-
 std::string usageText( CLI::App const & app, CLI::Error const & error ) {
    auto const parsed = app.get_subcommands();
    CLI::App const & command = parsed.empty() ? app : *parsed.front();
    std::string const name = parsed.empty() ? "vornal" : "vornal " + command.get_name();
-   return name + ": " + reasonOf( app, command, error ) + "\n'" + name +
-          " --help' lists the words that it takes\n";
+   bool const isWithout =
+      parsed.empty() && dynamic_cast< CLI::RequiredError const * >( &error ) != nullptr;
+   std::string const mistake =
+      isWithout ? "a command is missing; the commands are " + Text::listed( commandNames(), "and" )
+                : mistakeIn( command, error );
+   return name + ": " + mistake + "\n'" + name + " --help' lists the words that it takes\n";
 }
 
 std::string problemOfCommand( std::string const & word ) {

@@ -13,6 +13,9 @@ namespace CommandLine {
 // The command, the mistake in its words, and the remedy; ends with a line end.
 std::string usageText( CLI::App const & app, CLI::Error const & error );
 
+// The mistake, in the words of the command.
+std::string mistakeIn( CLI::App const & command, CLI::Error const & error );
+
 // What is wrong with the name of a file or a folder; empty when it can be one. A CLI11 check.
 std::string problemOfName( std::string const & text );
 

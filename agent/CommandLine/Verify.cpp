@@ -237,7 +237,7 @@ void Verify::declare( CLI::App & app ) {
 
 Story::ExitCode Verify::perform( std::ostream & out ) {
    using When = Host::AgentConfig::Verify;
-   Scenario::Model const scenario = Steps::readScenario( scenario_.file() );
+   Scenario::Model const scenario = scenario_.read();
    ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
    what.config.verify = isAfterEachStep_ ? When::afterEachStep : When::atEnd;
    std::ostringstream story;
@@ -251,7 +251,7 @@ Story::ExitCode Verify::perform( std::ostream & out ) {
       std::cerr << story.str();
    }
    if ( scenario_.isJson() ) {
-      printJson( scenario_.file().string(), verified, audits, outcome, code, out );
+      printJson( what.config.scenario, verified, audits, outcome, code, out );
    } else if ( hasVerdict( code ) ) {
       print( verified, audits, outcome, code, out );
    }

@@ -68,6 +68,12 @@ void EndWatch::noteSignal( int signal ) {
    }
 }
 
+void EndWatch::goOn() {
+   if ( isWatched != 0 ) {
+      alarm( 0 );
+   }
+}
+
 void EndWatch::noteOutput() {
    isAlive = 1;
 }

@@ -27,6 +27,8 @@ class EndWatch {
 
    // A signal asks this process to end. Can be called in a signal handler.
    static void noteSignal( int signal );
+   // The program goes on after the signal.
+   static void goOn();
    // The reader of an output has taken something.
    static void noteOutput();
    // Sets the process group that ends with this process; 0: none.

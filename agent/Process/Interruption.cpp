@@ -7,10 +7,17 @@ namespace Process {
 namespace {
 
 volatile sig_atomic_t lastSignal = 0;
+std::array< struct sigaction, Interruption::kSignals.size() > before{};
 
+// Uses only calls that a signal handler may make.
 void takeNote( int signal ) {
    lastSignal = signal;
    EndWatch::noteSignal( signal );
+   for ( std::size_t n = 0; n < before.size(); ++n ) {
+      if ( Interruption::kSignals.at( n ) == signal ) {
+         sigaction( signal, &before.at( n ), nullptr );
+      }
+   }
 }
 
 }  // namespace
@@ -19,10 +26,9 @@ Interruption::Interruption() {
    lastSignal = 0;
    struct sigaction noted {};
    noted.sa_handler = &takeNote;
-   noted.sa_flags = static_cast< int >( SA_RESETHAND );
    for ( std::size_t n = 0; n < kSignals.size(); ++n ) {
-      sigaction( kSignals.at( n ), nullptr, &before_.at( n ) );
-      if ( before_.at( n ).sa_handler != SIG_IGN ) {
+      sigaction( kSignals.at( n ), nullptr, &before.at( n ) );
+      if ( before.at( n ).sa_handler != SIG_IGN ) {
          sigaction( kSignals.at( n ), &noted, nullptr );
       }
    }
@@ -30,7 +36,7 @@ Interruption::Interruption() {
 
 Interruption::~Interruption() {
    for ( std::size_t n = 0; n < kSignals.size(); ++n ) {
-      sigaction( kSignals.at( n ), &before_.at( n ), nullptr );
+      sigaction( kSignals.at( n ), &before.at( n ), nullptr );
    }
 }
 

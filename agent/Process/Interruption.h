@@ -1,8 +1,9 @@
 // Notes a request to end this process: SIGINT (Ctrl-C), SIGTERM or SIGHUP (the terminal has gone).
 //
-// While an object exists, it notes the first of these signals; the second one ends the process at
-// once. Without an object, the first one ends it. A signal that was ignored before, as in a
-// background job, stays ignored. One object in a process at a time.
+// While an object exists, it notes the first of these signals. A second one does what it did before
+// the object: it ends the process at once, unless the program has a handler of its own. A signal
+// that was ignored before, as in a background job, stays ignored. One object in a process at a
+// time.
 #pragma once
 
 #include <array>
@@ -24,9 +25,6 @@ class Interruption {
    int signal() const { return last(); }
    // The same for the latest object, even after its end.
    static int last();
-
- private:
-   std::array< struct sigaction, kSignals.size() > before_{};
 };
 
 }  // namespace Process

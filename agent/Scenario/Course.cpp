@@ -88,14 +88,20 @@ void Course::mustBeThere( bool isThere, std::string const & absent ) {
    }
 }
 
+// An undefined interface has been reported as such.
+void Course::mustBeThere( bool isThere, Pelk::IntfId const & intf, std::string const & absent ) {
+   mustBeThere( isThere || !reading_.isDefined( intf ), absent );
+}
+
 void Course::leaves( InterfacePort const & what ) {
-   mustBeThere( ports_.erase( what.intf ) == 1, what.intf.stringValue() + " has no port" );
+   mustBeThere( ports_.erase( what.intf ) == 1, what.intf,
+                what.intf.stringValue() + " has no port" );
 }
 
 void Course::leaves( PortChannelMember const & what ) {
    auto const found = portChannelOf_.find( what.member );
    bool const isMember = found != portChannelOf_.end() && found->second == what.portChannel;
-   mustBeThere( isMember,
+   mustBeThere( isMember, reading_.isDefined( what.member ) ? what.portChannel : what.member,
                 what.member.stringValue() + " is not in " + what.portChannel.stringValue() );
    if ( isMember ) {
       portChannelOf_.erase( found );
@@ -103,13 +109,13 @@ void Course::leaves( PortChannelMember const & what ) {
 }
 
 void Course::leaves( Segment const & what ) {
-   mustBeThere( segments_.erase( what.intf ) == 1,
+   mustBeThere( segments_.erase( what.intf ) == 1, what.intf,
                 "there is no segment on " + what.intf.stringValue() );
 }
 
 void Course::leaves( SegmentVtep const & what ) {
    auto const segment = segments_.find( what.intf );
-   mustBeThere( segment != segments_.end() && segment->second.erase( what.vtep ) == 1,
+   mustBeThere( segment != segments_.end() && segment->second.erase( what.vtep ) == 1, what.intf,
                 what.vtep.stringValue() + " is not attached to a segment on " +
                    what.intf.stringValue() );
 }

@@ -69,6 +69,7 @@ class Course {
    void leaves( ClassIdGrant const & what );
 
    void mustBeThere( bool isThere, std::string const & absent );
+   void mustBeThere( bool isThere, Pelk::IntfId const & intf, std::string const & absent );
    void checkIndices();
    void reportShared( int line, Pelk::IpGenAddr const & vtep, Pelk::IpGenAddr const & other,
                       U16 index );

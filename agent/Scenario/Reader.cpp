@@ -183,6 +183,9 @@ struct Source {
 struct Request {
    StepsReader readSteps;
    std::vector< AddedStep > added;
+   std::optional< std::size_t > own{};  // the number of own steps to take; nothing: all of them
+   // Follows the course of the steps even if something else is wrong.
+   bool isThorough = false;
    // --- From a scenario that is based on it
    std::optional< Variant > variant{};      // in place of the scenario's own
    std::optional< AddedStep > twinSteps{};  // the text of that scenario, which has steps
@@ -200,23 +203,54 @@ void readAdded( Reading & reading, AddedStep const & step, Draft & draft ) {
    draft.readSteps( reading, { list, 1, step.name }, draft.steps );
 }
 
-// The steps for the model's variant, less those that could not be read.
-std::vector< Step > stepsFor( Variant variant, std::span< StepForVariant const > steps ) {
+using StepsForVariant = std::span< StepForVariant const >;
+
+// The steps that the variant takes.
+std::vector< StepForVariant > takenBy( Variant variant, StepsForVariant steps ) {
+   std::vector< StepForVariant > taken;
+   std::copy_if( steps.begin(), steps.end(), std::back_inserter( taken ),
+                 [ & ]( StepForVariant const & step ) {
+                    return !step.onlyOn || step.onlyOn == variant;
+                 } );
+   return taken;
+}
+
+// Less those that could not be read.
+std::vector< Step > stepsIn( StepsForVariant steps ) {
    std::vector< Step > result;
    for ( StepForVariant const & step : steps ) {
-      if ( step.step.action && ( !step.onlyOn || step.onlyOn == variant ) ) {
+      if ( step.step.action ) {
          result.push_back( step.step );
       }
    }
    return result;
 }
 
-// How many of the steps for the variant come before the first whose effect nobody knows.
-std::size_t knownSteps( Variant variant, std::span< StepForVariant const > steps ) {
+// Those in front of the first whose effect nobody knows.
+StepsForVariant known( StepsForVariant steps ) {
    auto const unknown =
       std::find_if( steps.begin(), steps.end(),
                     []( StepForVariant const & step ) { return !step.isEffectKnown; } );
-   return stepsFor( variant, { steps.begin(), unknown } ).size();
+   return { steps.begin(), unknown };
+}
+
+// The own steps, with the added ones at their places; `read` are these, read.
+std::vector< StepForVariant > merged( StepsForVariant own, Variant variant,
+                                      std::vector< AddedStep > const & added,
+                                      StepsForVariant read ) {
+   std::vector< StepForVariant > steps;
+   auto const add = [ & ]( StepsForVariant more ) {
+      steps.insert( steps.end(), more.begin(), more.end() );
+   };
+   std::size_t taken = 0;
+   for ( std::size_t n = 0; n < added.size(); ++n ) {
+      std::size_t const end = std::min( added[ n ].behind.value_or( own.size() ), own.size() );
+      add( own.subspan( taken, std::max( end, taken ) - taken ) );
+      taken = std::max( end, taken );
+      add( takenBy( variant, read.subspan( n, 1 ) ) );
+   }
+   add( own.subspan( taken ) );
+   return steps;
 }
 
 Findings examineWhole( Source const & source, Request const & request ) {
@@ -241,9 +275,15 @@ Findings examineWhole( Source const & source, Request const & request ) {
    model.sources = reading.sources();
    Variant const variant = request.variant.value_or( model.device.variant );
    model.device.variant = variant;
-   model.steps = stepsFor( variant, draft.steps );
-   model.ownSteps = stepsFor( variant, std::span( draft.steps ).first( own ) ).size();
-   followCourse( reading, model, knownSteps( variant, draft.steps ) );
+   StepsForVariant const all( draft.steps );
+   auto ownSteps = takenBy( variant, all.first( own ) );
+   ownSteps.resize( std::min( ownSteps.size(), request.own.value_or( ownSteps.size() ) ) );
+   auto const steps = merged( ownSteps, variant, request.added, all.subspan( own ) );
+   model.ownSteps = stepsIn( ownSteps ).size();
+   model.steps = stepsIn( steps );
+   if ( request.isThorough || reading.problemsSoFar() == 0 ) {
+      followCourse( reading, model, stepsIn( known( steps ) ).size() );
+   }
    return { reading.problems(), reading.doubts().leftOut(), std::move( model ) };
 }
 
@@ -360,16 +400,18 @@ Model read( fs::path const & file, StepsReader readSteps, std::vector< AddedStep
 }
 
 Model readText( std::string const & text, fs::path const & file, StepsReader readSteps,
-                std::vector< AddedStep > const & added ) {
-   return withoutProblems( examineText( text, file, { readSteps, added } ) );
+                std::vector< AddedStep > const & added, std::optional< std::size_t > own ) {
+   return withoutProblems( examineText( text, file, { readSteps, added, own } ) );
 }
 
 Findings examine( fs::path const & file, StepsReader readSteps ) {
-   return withErrors( [ & ] { return examineFile( file, { readSteps, {} } ); } );
+   return withErrors( [ & ] { return examineFile( file, { readSteps, {}, {}, true } ); } );
 }
 
 Findings examineText( std::string const & text, fs::path const & file, StepsReader readSteps ) {
-   return withErrors( [ & ] { return examineText( text, file, Request{ readSteps, {} } ); } );
+   return withErrors( [ & ] {
+      return examineText( text, file, Request{ readSteps, {}, {}, true } );
+   } );
 }
 
 std::vector< WordList > vocabulary() {

@@ -6,8 +6,9 @@
 //
 // Reading is strict. An unknown, repeated or missing word, a value of another type or out of range,
 // an undefined interface, a missing file: each is a problem with a line and a remedy. The reader
-// does not stop at the first problem. It goes on with the well-formed rest, and finds every mistake
-// that does not depend on another one. read() throws ReadError with all problems in file order, and
+// does not stop at the first problem. It goes on with the well-formed rest. examine() finds every
+// mistake that does not depend on another one. read() follows the course of the steps only when
+// nothing else is wrong; it throws ReadError with all problems in file order, and
 // never returns a part of a model.
 //
 // The caller gives the function that reads the steps. A program calls Steps::readScenario()
@@ -44,6 +45,8 @@ using StepsReader = void ( * )( Reading & reading, Value const & value,
 struct AddedStep {
    std::string name;  // that it goes by in problems, in place of a file: "--then"
    std::string text;  // one element of the list of steps
+   // The number of the scenario's own steps in front of it; nothing: all of them.
+   std::optional< std::size_t > behind{};
 };
 
 // The scenario in `file`, with more steps at its end. For "-" it is read from standard input and
@@ -62,8 +65,9 @@ Findings examineText( std::string const & text, std::filesystem::path const & fi
                       StepsReader readSteps );
 
 // The scenario in `text`; `file` names it in problems, and the files that it refers to stand beside
-// that file.
+// that file. Of its own steps the model has the first `own`; nothing: all of them.
 Model readText( std::string const & text, std::filesystem::path const & file, StepsReader readSteps,
-                std::vector< AddedStep > const & added = {} );
+                std::vector< AddedStep > const & added = {},
+                std::optional< std::size_t > own = {} );
 
 }  // namespace Scenario

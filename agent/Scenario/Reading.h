@@ -80,6 +80,7 @@ class Reading {
 
    // The interface exists on the switch at some time, with a chip port or without.
    void define( Pelk::IntfId const & intf ) { defined_.insert( intf ); }
+   bool isDefined( Pelk::IntfId const & intf ) const { return defined_.contains( intf ); }
    // The scenario refers to the interface; compare() reports a problem unless the scenario defines
    // it.
    void use( Pelk::IntfId const & intf, int line ) { uses_.push_back( { intf, line } ); }

@@ -86,6 +86,21 @@ void readSteps( Reading & reading, Value const & value,
    }
 }
 
+// Adds what is wrong with the place of an expected stop. Where another mistake may hide the step
+// that stops the process, the check is left out.
+Scenario::Findings withExpectedStop( Scenario::Findings findings ) {
+   try {
+      checkExpectedStop( findings.model );
+   } catch ( Scenario::ReadError const & error ) {
+      if ( findings.problems.empty() ) {
+         findings.problems = error.problems();
+      } else {
+         findings.leftOut.emplace_back( "whether one step follows an expected stop" );
+      }
+   }
+   return findings;
+}
+
 }  // namespace
 
 Scenario::Model readScenario( std::filesystem::path const & file,
@@ -96,16 +111,18 @@ Scenario::Model readScenario( std::filesystem::path const & file,
 }
 
 Scenario::Findings examineScenario( std::filesystem::path const & file ) {
-   return Scenario::examine( file, readSteps );
+   return withExpectedStop( Scenario::examine( file, readSteps ) );
 }
 
 Scenario::Findings examineScenarioText( std::string const & text,
                                         std::filesystem::path const & file ) {
-   return Scenario::examineText( text, file, readSteps );
+   return withExpectedStop( Scenario::examineText( text, file, readSteps ) );
 }
 
-Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file ) {
-   Scenario::Model scenario = Scenario::readText( text, file, readSteps );
+Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file,
+                                  std::vector< Scenario::AddedStep > const & added,
+                                  std::optional< std::size_t > own ) {
+   Scenario::Model scenario = Scenario::readText( text, file, readSteps, added, own );
    checkExpectedStop( scenario );
    return scenario;
 }

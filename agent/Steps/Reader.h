@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +14,9 @@ namespace Steps {
 // See Scenario::read() and Scenario::readText().
 Scenario::Model readScenario( std::filesystem::path const & file,
                               std::vector< Scenario::AddedStep > const & added = {} );
-Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file );
+Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file,
+                                  std::vector< Scenario::AddedStep > const & added = {},
+                                  std::optional< std::size_t > own = {} );
 // See Scenario::examine().
 Scenario::Findings examineScenario( std::filesystem::path const & file );
 Scenario::Findings examineScenarioText( std::string const & text,

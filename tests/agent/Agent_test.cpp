@@ -138,8 +138,9 @@ TEST_F( Agent, TellsARuleAfterEveryCallThatChangedIt ) {
    EXPECT_TRUE( rules[ 4 ].rule.isWritten );
    EXPECT_EQ( rules[ 4 ].rule.name, "Sample Ethernet1" );
    EXPECT_EQ( rules[ 4 ].rule.content.priority, 1U );
-   EXPECT_EQ( bodyText( rules[ 4 ].rule ),
-              "matches PacketRes 4 mask 0xff (known unicast); does EgressMask ports 3; priority 1" );
+   EXPECT_EQ(
+      bodyText( rules[ 4 ].rule ),
+      "matches PacketRes 4 mask 0xff (known unicast); does EgressMask ports 3; priority 1" );
 }
 
 TEST_F( Agent, MakesEveryPublishedChangeATurnOfItsOwnInTheOrderWritten ) {

@@ -50,7 +50,7 @@ TEST_F( AuditDifferences, AGportThatTipsOver ) {
    expectFound( found, Kind::wrongQualifier, 3, "SrcVxlanGport" );
    EXPECT_EQ( found.group, 157U );
    EXPECT_EQ( found.rule, "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments" );
-   EXPECT_EQ( found.actual, "0x56000003" );
+   EXPECT_EQ( found.actual, "0x56000003 (VTEP 10.0.0.3)" );
    EXPECT_EQ( found.expected, "0x56000002 (VTEP 10.0.0.2)" );
    EXPECT_EQ( found.because,
               "VTEP 10.0.0.2 shares segment Port-Channel2 through Ethernet3 and Ethernet4; virtual "

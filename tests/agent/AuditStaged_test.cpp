@@ -36,7 +36,7 @@ TEST_F( AuditStaged, AQualifierThatIsStagedWithAnotherValueIsFound ) {
    EXPECT_EQ( found.entry, 3U );
    EXPECT_EQ( found.field, "SrcVxlanGport" );
    EXPECT_EQ( found.actual, "0x56000007, staged for the next reinstall" );
-   EXPECT_EQ( found.expected, "0x56000002" );
+   EXPECT_EQ( found.expected, "0x56000002 (VTEP 10.0.0.2)" );
    EXPECT_NE( found.because, "" );
 }
 

@@ -57,12 +57,12 @@ TEST_F( Check, FindsEachOfManyDifferentMistakes ) {
             "   - drift: { group: ingress, unit: 0, entry: 1, flip: Nothing }\n" ),
       "leaf.yaml:2: unknown word 'colour' in scenario; known are scenario, description, "
       "switch, forwarding, evpn, features, trace and steps\n"
-      "leaf.yaml:5: variant is 'egress'; did you mean 'egress-mask'?\n"
+      "leaf.yaml:5: variant is 'egress'; egress-mask or class-id is expected\n"
       "leaf.yaml:7: ingress is '70000'; a whole number from 0 to 65536 is expected, or "
       "none\n"
       "leaf.yaml:9: unit 3 is not among the switch's units (0); use one of these, or add it "
       "under 'units'\n"
-      "leaf.yaml:11: '10.0.0.256' is not an IP address: 256 is more than 255\n"
+      "leaf.yaml:11: '10.0.0.256' is not an IP address: '256' is not a number from 0 to 255\n"
       "leaf.yaml:12: VornalEvpnSm is '7-3'; trace levels are expected, as in 0-5,9\n"
       "leaf.yaml:14: 10.0.0.2 is given twice, first in line 14; keep one of them\n"
       "leaf.yaml:15: note is empty; text is expected\n"
@@ -72,7 +72,12 @@ TEST_F( Check, FindsEachOfManyDifferentMistakes ) {
       "leaf.yaml:18: code is '0'; a result code of the chip is expected, as in -1, which is "
       "not 0 and stands without quotes\n"
       "leaf.yaml:19: ready is 'subagents::l2Reddy'; did you mean 'subagents::l2Ready'?\n"
-      "12 mistakes in 1 scenario\n" );
+      "leaf.yaml:20: 'Nothing' is not expected here; known are SrcVxlanGport, PacketRes, "
+      "TunnelTerminated, VxlanNetworkId, DstPort, IpType, IngressClassField, EgressClassSelect "
+      "and NewClassId\n"
+      "leaf.yaml: not checked because of these mistakes: whether steps about frames have a "
+      "forwarding configuration; the order in which state is published and withdrawn\n"
+      "13 mistakes in 1 scenario\n" );
 }
 
 TEST_F( Check, FindsMistakesInTheOrderOfStepsBesideOthers ) {
@@ -90,9 +95,11 @@ TEST_F( Check, FindsMistakesInTheOrderOfStepsBesideOthers ) {
 TEST_F( Check, FindsTheMistakesOfAScenarioAndOfTheOneThatItIsBasedOn ) {
    directory.file( "base.yaml", ScenarioTexts::kLeaf + "steps:\n   - note:\n" );
    EXPECT_EQ( told( "scenario: s\nbased-on: base.yaml\nvariant: class\nsteps:\n   - nope: 1\n" ),
-              "leaf.yaml:3: variant is 'class'; did you mean 'class-id'?\n"
+              "leaf.yaml:3: variant is 'class'; egress-mask or class-id is expected\n"
               "leaf.yaml:5: unknown word 'nope' in step; did you mean 'note'?\n"
               "base.yaml:10: note is empty; text is expected\n"
+              "leaf.yaml: not checked because of these mistakes: the order in which state is "
+              "published and withdrawn\n"
               "3 mistakes in 1 scenario\n" );
 }
 
@@ -127,39 +134,55 @@ TEST_F( Check, SaysOnceThatAWordIsMisspelt ) {
               "leaf.yaml:5: unknown word 'modul' in unit; did you mean 'module'?\n"
               "leaf.yaml:6: unknown word 'interfacs' in switch; did you mean 'interfaces'?\n"
               "leaf.yaml: not checked because of these mistakes: whether each interface is "
-              "defined\n"
+              "defined; the order in which state is published and withdrawn\n"
               "2 mistakes in 1 scenario\n" );
 }
 
+TEST_F( Check, SaysOnceThatAnInterfaceIsNotDefined ) {
+   EXPECT_EQ( toldOfLeaf( "steps:\n"
+                          "   - withdraw: { interfaces: [ Ethernet9 ] }\n"
+                          "   - withdraw: { segments: [ Ethernet8 ] }\n"
+                          "   - withdraw: { port-channels: { Port-Channel2: [ Ethernet7 ] } }\n" ),
+              "leaf.yaml:10: Ethernet9 is not defined; define it under 'interfaces'\n"
+              "leaf.yaml:11: Ethernet8 is not defined; define it under 'interfaces'\n"
+              "leaf.yaml:12: Ethernet7 is not defined; define it under 'interfaces'\n"
+              "3 mistakes in 1 scenario\n" );
+}
+
 TEST_F( Check, JudgesNothingByAPartThatItCannotRead ) {
-   EXPECT_EQ( told( "scenario: s\n"
-                    "switch:\n"
-                    "   name: leaf1\n"
-                    "   variant: egress-mask\n"
-                    "   units: { x: { module: 1 }, 1: { module: 2 } }\n"
-                    "   interfaces: { Ethernet1: { unit: 0, port: 1 } }\n"
-                    "   port-channels: { Port-Chanel2: [ Ethernet1 ] }\n"
-                    "forwarding:\n"
-                    "   vtep-addresses: [ 10.0.0.1, '2001:db8:::1' ]\n"
-                    "   underlay: [ Ethernet1 ]\n"
-                    "   access: { Port-Channel2: 10 }\n"
-                    "evpn: { vteps: { '2001:db8::2': { virtual-port: 2 } } }\n"
-                    "trace: { VornalEvpnSm: x }\n"
-                    "steps:\n"
-                    "   - expect: { trace: { handle: VornalEvpnSm, level: 5, text: x } }\n"
-                    "   - publish: { vteps: { 10.0.0.2: {} } }\n"
-                    "   - withdraw: { vteps: [ 10.0.0.2 ] }\n" ),
-              "leaf.yaml:5: unit is 'x'; a whole number from 0 to 65535 is expected\n"
-              "leaf.yaml:7: 'Port-Chanel2' is not an interface: expected Ethernet, Port-Channel, "
-              "Vlan, Vxlan or Loopback\n"
-              "leaf.yaml:8: 'vlans' is missing in forwarding; give it, as in 'vlans: { 10: 10100 "
-              "}'\n"
-              "leaf.yaml:9: '2001:db8:::1' is not an IP address\n"
-              "leaf.yaml:13: VornalEvpnSm is 'x'; trace levels are expected, as in 0-5,9\n"
-              "leaf.yaml:16: 'virtual-port' is missing in 10.0.0.2; give it, as in 'virtual-port: "
-              "2'\n"
-              "leaf.yaml: not checked because of these mistakes: ...\n"
-              "6 mistakes in 1 scenario\n" );
+   EXPECT_EQ(
+      told( "scenario: s\n"
+            "switch:\n"
+            "   name: leaf1\n"
+            "   variant: egress-mask\n"
+            "   units: { x: { module: 1 }, 1: { module: 2 } }\n"
+            "   interfaces: { Ethernet1: { unit: 0, port: 1 } }\n"
+            "   port-channels: { Port-Chanel2: [ Ethernet1 ] }\n"
+            "forwarding:\n"
+            "   vtep-addresses: [ 10.0.0.1, '2001:db8:::1' ]\n"
+            "   underlay: [ Ethernet1 ]\n"
+            "   access: { Port-Channel2: 10 }\n"
+            "evpn: { vteps: { '2001:db8::2': { virtual-port: 2 } } }\n"
+            "trace: { VornalEvpnSm: x }\n"
+            "steps:\n"
+            "   - expect: { trace: { handle: VornalEvpnSm, level: 5, text: x } }\n"
+            "   - publish: { vteps: { 10.0.0.2: {} } }\n"
+            "   - withdraw: { vteps: [ 10.0.0.2 ] }\n" ),
+      "leaf.yaml:5: unit is 'x'; a whole number from 0 to 65535 is expected\n"
+      "leaf.yaml:7: 'Port-Chanel2' is not an interface: a name is Ethernet, Loopback, Management, "
+      "Port-Channel, Vlan or Vxlan and a number, as in Ethernet1 or Ethernet3/1\n"
+      "leaf.yaml:8: 'vlans' is missing in forwarding; give it, as in 'vlans: { 10: 10100 "
+      "}'\n"
+      "leaf.yaml:9: '2001:db8:::1' is not an IP address: it has an empty group; only one '::' "
+      "may stand for groups of zeros\n"
+      "leaf.yaml:13: VornalEvpnSm is 'x'; trace levels are expected, as in 0-5,9\n"
+      "leaf.yaml:16: 'virtual-port' is missing in 10.0.0.2; give it, as in 'virtual-port: "
+      "2'\n"
+      "leaf.yaml: not checked because of these mistakes: whether each port channel is "
+      "defined; whether each unit is one of the switch's; whether each VLAN has a VNI; "
+      "whether each VTEP can be reached; whether each expected trace is switched on; the "
+      "order in which state is published and withdrawn\n"
+      "6 mistakes in 1 scenario\n" );
 }
 
 TEST_F( Check, SaysThatAMistakeOfTheTextHidesTheRest ) {
@@ -187,6 +210,8 @@ TEST_F( Check, TakesFilesAndFoldersOneAfterTheOther ) {
               "more/a.yaml:1: scenario is empty; text is expected\n"
               "more/b.yaml:2: switch is text; a mapping is expected, of name, slice, variant, "
               "units, tcam, class-ids, l3-multicast-exempt, interfaces and port-channels\n"
+              "more/b.yaml: not checked because of these mistakes: the order in which state is "
+              "published and withdrawn\n"
               "/nowhere/leaf.yaml: there is no such file; name a scenario's file, as in "
               "scenarios/start-up/scenario.yaml\n"
               "3 mistakes in 4 scenarios\n" );
@@ -221,7 +246,8 @@ TEST_F( Check, PrintsADocumentForPrograms ) {
                      { "line", 2 },
                      { "text", "unknown word 'swtch' in scenario; did you mean 'switch'?" } } } ) );
    EXPECT_EQ( first.at( "notChecked" ),
-              nlohmann::json::array( { "whether each interface is defined" } ) );
+              nlohmann::json::array( { "whether each interface is defined",
+                                       "the order in which state is published and withdrawn" } ) );
    EXPECT_TRUE(
       document.at( "scenarios" ).at( 1 ).at( "mistakes" ).at( 0 ).at( "line" ).is_null() );
 }

@@ -229,7 +229,9 @@ TEST( StopCheck, TakesAnExceptionByTheEndOfTheLastLine ) {
    EXPECT_TRUE( verdict( { "signal 6", {}, { "an exception: out of range" }, {} } ) );
    EXPECT_FALSE( verdict( { "signal 6", {}, { "an exception: range" }, {} } ) );
    EXPECT_FALSE( verdict( { "signal 6", {}, {}, {} } ) );
-   EXPECT_FALSE( verdict( stopped() ) );
+   Story::Stopped atAssertion = stopped();
+   atAssertion.output = { "an exception: out of range" };
+   EXPECT_FALSE( verdict( atAssertion ) );
 }
 
 }  // namespace

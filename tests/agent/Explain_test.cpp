@@ -103,6 +103,16 @@ TEST( Explain, NamesTheQualifierThatANearMissFails ) {
       << text;
 }
 
+TEST( Explain, TellsOfTheNearestMissesAndCountsTheOthers ) {
+   std::string const text =
+      explained( "two-leaves-class-id", { kFromLeaf2, "--interface", "Ethernet1" } );
+   EXPECT_TRUE( contains( text,
+                          "entry 5 misses: DstPort is module 1 port 1 (Ethernet1), not module "
+                          "1 port 4 (Ethernet4)\n            2 other rules miss\n" ) )
+      << text;
+   EXPECT_FALSE( contains( text, "entry 7 misses" ) ) << "it misses by two qualifiers";
+}
+
 TEST( Explain, FollowsAClassIdToTheEgressRuleThatDrops ) {
    std::string const text = explained( "two-leaves-class-id", { kFromLeaf2 } );
 

@@ -26,6 +26,21 @@ TEST( Interruption, LeavesTheSecondSignalToEndTheProcess ) {
       testing::KilledBySignal( SIGINT ), "" );
 }
 
+volatile sig_atomic_t handled = 0;
+
+TEST( Interruption, LeavesTheSecondSignalToTheHandlerOfBefore ) {
+   signal( SIGINT, []( int ) { handled = handled + 1; } );
+   {
+      Interruption const interruption;
+      raise( SIGINT );
+      EXPECT_EQ( handled, 0 );
+      raise( SIGINT );
+      EXPECT_EQ( handled, 1 );
+   }
+   raise( SIGINT );
+   EXPECT_EQ( handled, 2 );
+}
+
 TEST( Interruption, LeavesASignalIgnoredThatWasIgnoredBefore ) {
    signal( SIGINT, SIG_IGN );
    Interruption const interruption;

@@ -23,11 +23,13 @@ class Manual : public testing::Test {
 
 TEST_F( Manual, HasNoMistakesOfItsLanguage ) {
    EXPECT_EQ( printed( "mandoc -T lint -W error" ), "" );
-   EXPECT_EQ( printed( "mandoc -T lint -W warning" ), "" );
+   // The page has no date: it is made when the program is installed.
+   EXPECT_EQ( printed( "mandoc -T lint -W warning" ),
+              "mandoc: " + file.string() + ":1:14: WARNING: missing date, using \"\": TH\n" );
 }
 
 TEST_F( Manual, NamesEachCommandWithItsWordsAndExamples ) {
-   std::string const text = printed( "mandoc -T utf8 -O width=1000 -I os=. " );
+   std::string const text = printed( "mandoc -T utf8 -O width=1000" );
    auto const commands = CommandLine::declaredCommands();
    EXPECT_GE( commands.size(), 9U );
    std::string plain;

@@ -123,6 +123,8 @@ TEST( Show, NamesThoseThatFoundNoRoom ) {
       << without( "egress-group-full", "7" );
    EXPECT_EQ( without( "vni-retry", "7" ).at( 1 ), Json( { "VNI 10100", "VNI 10200" } ) )
       << without( "vni-retry", "7" );
+   EXPECT_EQ( without( "limits/vni-two-units-full", "3" ).at( 3 ), Json( { "VNI 50001" } ) )
+      << "unit 1 has room, but the plug-in has queued the VNI when unit 0 had none";
 }
 
 TEST( Show, NamesTheStepThatTaughtAMacAddress ) {

@@ -127,8 +127,8 @@ TEST_F( Verify, HasADocument ) {
    EXPECT_EQ( difference[ "group" ], 157 );
    EXPECT_EQ( difference[ "entry" ], 3 );
    EXPECT_EQ( difference[ "field" ], "SrcVxlanGport" );
-   EXPECT_EQ( difference[ "is" ], "0x56000003" );
-   EXPECT_EQ( difference[ "shouldBe" ], "0x56000002" );
+   EXPECT_EQ( difference[ "is" ], "0x56000003 (VTEP 10.0.0.3)" );
+   EXPECT_EQ( difference[ "shouldBe" ], "0x56000002 (VTEP 10.0.0.2)" );
 }
 
 TEST_F( Verify, TellsTheDocumentOfAHealthySwitch ) {

@@ -1,0 +1,208 @@
+// The commands of the conversation.
+#include <CommandLine/Conversation.h>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/Comparison.h>
+#include <CommandLine/Table.h>
+#include <CommandLine/Usage.h>
+#include <Shell/Line.h>
+#include <Shell/SavedScenario.h>
+#include <Shell/StepGrammar.h>
+#include <Story/InputError.h>
+#include <Story/Wording.h>
+#include <Text/Words.h>
+
+namespace CommandLine {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void refuseWords( std::string_view text, std::string const & command ) {
+   if ( !Shell::wordsOf( text ).empty() ) {
+      throw Story::InputError( command + " takes no words, and '" + std::string( text ) +
+                               "' stands behind it; leave that out" );
+   }
+}
+
+std::size_t stepIn( std::string const & word ) {
+   std::size_t number = 0;
+   auto const [ end, error ] = std::from_chars( word.data(), word.data() + word.size(), number );
+   if ( error != std::errc() || end != word.data() + word.size() ) {
+      throw Story::InputError( "'" + word + "' is no number of a step" );
+   }
+   return number;
+}
+
+}  // namespace
+
+// --- Steps of the scenario
+
+void Conversation::next( std::string_view text ) {
+   refuseWords( text, "next" );
+   if ( session_.ownDone() == session_.own() ) {
+      throw Story::InputError( "the scenario has no further step; type one, or undo" );
+   }
+   play( session_.ownUpTo( session_.ownDone() + 1 ) );
+}
+
+void Conversation::run( std::string_view text ) {
+   auto const words = Shell::wordsOf( text );
+   bool const isTo = words.size() == 2 && words[ 0 ] == "to";
+   if ( !words.empty() && !isTo ) {
+      throw Story::InputError( "'" + std::string( text ) +
+                               "' stands behind run; give nothing, or 'to' and the number of one "
+                               "of the scenario's own steps" );
+   }
+   std::size_t const to = isTo ? stepIn( words[ 1 ] ) : session_.own();
+   if ( to > session_.own() ) {
+      throw Story::InputError(
+         fmt::format( "the scenario ends with its step {}", session_.own() ) );
+   }
+   if ( to <= session_.ownDone() ) {
+      throw Story::InputError(
+         fmt::format( "{} of the scenario's {} are done already; undo goes back",
+                      session_.ownDone(), Story::counted( session_.own(), "step" ) ) );
+   }
+   play( session_.ownUpTo( to ) );
+}
+
+void Conversation::undo( std::string_view text ) {
+   refuseWords( text, "undo" );
+   session_.undo();
+   out_ << "undone; " << Story::counted( session_.done(), "step" ) << " done\n";
+}
+
+// --- Questions
+
+Story::ExitCode Conversation::ask( std::string const & name, std::string_view text ) {
+   Row const & row = *find( name );
+   auto const command = row.create();
+   dynamic_cast< ScenarioCommand & >( *command ).sourceIs( source_ );
+   CLI::App app( std::string( row.purpose ), name );
+   command->declare( app );
+   std::vector< std::string > words = Shell::wordsOf( text );
+   std::reverse( words.begin(), words.end() );
+   try {
+      app.parse( std::move( words ) );
+      command->readWords();
+   } catch ( CLI::CallForHelp const & ) {
+      out_ << app.help();
+      return Story::ExitCode::Held;
+   } catch ( CLI::ParseError const & error ) {
+      throw Story::InputError( mistakeIn( app, error ) + "; 'help " + name +
+                               "' lists the words that it takes" );
+   }
+   auto const code = command->perform( out_ );
+   isAnyWrong_ = isAnyWrong_ || code == Story::ExitCode::BadInput;
+   return code;
+}
+
+void Conversation::verify( std::string_view text ) {
+   isAnyDifference_ =
+      ask( "verify", text ) == Story::ExitCode::ExpectationFailed || isAnyDifference_;
+}
+
+void Conversation::change( Scenario::Model const & before, Scenario::Model const & after,
+                           bool asJson ) {
+   auto const code = printChange( runOf( before ), runOf( after ), { {}, asJson }, out_ );
+   isAnyWrong_ = isAnyWrong_ || code == Story::ExitCode::BadInput;
+}
+
+void Conversation::diff( std::string_view text ) {
+   auto words = Shell::wordsOf( text );
+   bool const isJson = std::erase( words, "--json" ) != 0;
+   if ( words.size() > 2 ) {
+      throw Story::InputError( "diff takes two steps at most; give the numbers of one or two" );
+   }
+   std::size_t const last = session_.done();
+   if ( words.empty() && last == 0 ) {
+      throw Story::InputError( "no step is done yet" );
+   }
+   std::size_t const from = words.empty() ? last - 1 : stepIn( words[ 0 ] );
+   std::size_t const to = words.size() < 2 ? last : stepIn( words[ 1 ] );
+   if ( from > last || to > last ) {
+      throw Story::InputError(
+         fmt::format( "step {} is not done; the last one is {}", std::max( from, to ), last ) );
+   }
+   auto const before = session_.scenarioAfter( from );
+   auto const after = session_.scenarioAfter( to );
+   change( before, after, isJson );
+}
+
+void Conversation::whatIf( std::string_view text ) {
+   if ( !Shell::isStep( text ) ) {
+      throw Story::InputError(
+         "what-if takes a step, as in what-if withdraw: { vteps: [ 10.0.0.2 ] }" );
+   }
+   auto const now = session_.scenario();
+   auto const then = session_.typed( std::string( text ), line_ );
+   change( now, then.scenario, false );
+}
+
+// --- The rest
+
+void Conversation::save( std::string_view text ) {
+   auto words = Shell::wordsOf( text );
+   bool const isForced = std::erase( words, "--force" ) != 0;
+   if ( words.size() != 1 || words[ 0 ].empty() ) {
+      throw Story::InputError( "save takes the name of a file, as in save mine.yaml" );
+   }
+   fs::path const file = words[ 0 ];
+   std::error_code error;
+   fs::path const whole = fs::weakly_canonical( file, error );
+   if ( fs::exists( file, error ) && !isForced && !saved_.contains( whole ) ) {
+      throw Story::InputError( file.string() +
+                               " is there already; name another file, or add --force" );
+   }
+   std::string const saved = session_.saved( file );
+   Steps::readScenarioText( saved, file );  // it runs
+   Shell::writeWhole( file, saved );
+   saved_.insert( whole );
+   out_ << fmt::format( "{} has what was carried out: {}\n", file.string(),
+                        Story::counted( session_.done(), "step" ) );
+}
+
+void Conversation::help( std::string_view text ) {
+   auto const words = Shell::wordsOf( text );
+   if ( words.empty() ) {
+      for ( ShellWord const & word : Conversation::words() ) {
+         out_ << fmt::format( "{:<28} {}\n", word.form, word.purpose );
+      }
+      out_ << "A step of a scenario is typed as it stands there; an empty line ends one of several "
+              "lines.\nSteps: "
+           << Text::listed( Shell::stepNames(), "and" ) << ".\n";
+      return;
+   }
+   std::string const & name = words.front();
+   auto const all = Conversation::words();
+   auto const word = std::find_if( all.begin(), all.end(),
+                                   [ & ]( ShellWord const & one ) { return one.name == name; } );
+   bool const isCommand = word != all.end();
+   auto const step = Shell::purposeOfStep( name );
+   if ( !isCommand && !step ) {
+      throw Story::InputError( "there is nothing to type by the name of '" + name + "'" );
+   }
+   if ( isCommand ) {
+      out_ << word->form << ": " << word->purpose << '\n';
+   }
+   if ( step ) {
+      out_ << name << ": (a step) " << *step << '\n';
+   }
+   if ( name == "show" || name == "explain" || name == "verify" ) {
+      ask( name, "--help" );
+   }
+}
+
+void Conversation::quit( std::string_view text ) {
+   refuseWords( text, "quit" );
+   isOver_ = true;
+}
+
+}  // namespace CommandLine
