@@ -10,6 +10,7 @@
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
+#include <Testing/Collection.h>
 #include <Text/Printable.h>
 
 namespace CommandLine {
@@ -25,19 +26,12 @@ struct Checked {
    std::vector< std::string > leftOut;
 };
 
-// The scenarios at and below a folder.
+// The scenarios below a folder.
 std::vector< fs::path > scenariosIn( fs::path const & folder ) {
-   std::vector< fs::path > files;
-   for ( auto const & entry : fs::recursive_directory_iterator( folder ) ) {
-      if ( entry.path().extension() == ".yaml" && entry.is_regular_file() ) {
-         files.push_back( entry.path() );
-      }
-   }
+   auto files = Testing::scenariosAmong( { folder } );
    if ( files.empty() ) {
-      throw Story::InputError( folder.string() +
-                               " holds no scenario; name a folder with files that end in .yaml" );
+      throw Story::InputError( folder.string() + " holds no scenario; name a folder with some" );
    }
-   std::sort( files.begin(), files.end() );
    return files;
 }
 

@@ -222,7 +222,7 @@ TEST_F( Check, RefusesAFolderWithoutScenarios ) {
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
    EXPECT_EQ( ran.err, directory.path().string() +
-                          " holds no scenario; name a folder with files that end in .yaml\n" );
+                          " holds no scenario; name a folder with some\n" );
 }
 
 TEST_F( Check, FindsNothingInTheScenariosThatShip ) {
