@@ -99,7 +99,8 @@ Shell::Ending endingOf( Story::Outcome const & outcome, FailedSteps const & fail
    using Kind = Shell::Ending::Kind;
    bool const isCutShort = outcome.interrupted() || !outcome.badInput().empty();
    Kind const kind = outcome.stopped() ? Kind::stopped : isCutShort ? Kind::cutShort : Kind::over;
-   return { kind, outcome.step() ? outcome.step()->number : 0, failed.all() };
+   bool const isJudged = outcome.stopped() && outcome.stopped()->isAsExpected;
+   return { kind, outcome.step() ? outcome.step()->number : 0, failed.all(), isJudged };
 }
 
 }  // namespace
@@ -157,8 +158,9 @@ void Conversation::command( std::string_view text ) {
    bool const isCommand = found != known().end();
    if ( session_.isStopped() && !( isCommand && found->isForAStop ) ) {
       out_.flush();
-      std::cerr << fmt::format( "the plug-in has stopped in step {}; undo goes back\n",
-                                session_.done() );
+      std::cerr << fmt::format( "{}:{}: the plug-in has stopped in step {}; undo goes back\n",
+                                Shell::Session::kInput, line_, session_.done() );
+      isAnyLeftOut_ = true;
    } else if ( isCommand ) {
       ( this->*found->carryOut )( Shell::behindFirstWord( text ) );
    } else {
@@ -199,7 +201,7 @@ void Conversation::play( Shell::Attempt const & attempt ) {
 
 Story::ExitCode Conversation::exitCode() const {
    auto const verdict = session_.verdict();
-   if ( isAnyWrong_ ) {
+   if ( isAnyWrong_ || ( isAnyLeftOut_ && verdict != Story::ExitCode::Stopped ) ) {
       return Story::ExitCode::BadInput;
    }
    return verdict == Story::ExitCode::Held && isAnyDifference_ ? Story::ExitCode::ExpectationFailed

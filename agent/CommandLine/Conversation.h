@@ -81,6 +81,7 @@ class Conversation {
    std::ostream & out_;
    bool isOver_ = false;
    bool isAnyWrong_ = false;       // a mistake
+   bool isAnyLeftOut_ = false;     // a line, because the plug-in had stopped
    bool isAnyDifference_ = false;  // that `verify` has found
    int line_ = 0;                  // of the entry
    std::set< std::filesystem::path > saved_;

@@ -148,6 +148,27 @@ void Conversation::whatIf( std::string_view text ) {
 
 // --- The rest
 
+namespace {
+
+// Whether there is a file, which is then one to replace.
+bool isThere( fs::path const & file ) {
+   std::error_code error;
+   if ( fs::exists( fs::symlink_status( file, error ) ) ) {
+      if ( !fs::is_regular_file( file, error ) ) {
+         throw Story::InputError( file.string() + " is no regular file; name another one" );
+      }
+      return true;
+   }
+   fs::path const folder = file.parent_path();
+   if ( !folder.empty() && !fs::is_directory( folder, error ) ) {
+      throw Story::InputError( "there is no folder " + folder.string() +
+                               "; make it, or name another file" );
+   }
+   return false;
+}
+
+}  // namespace
+
 void Conversation::save( std::string_view text ) {
    auto words = Shell::wordsOf( text );
    bool const isForced = std::erase( words, "--force" ) != 0;
@@ -157,13 +178,13 @@ void Conversation::save( std::string_view text ) {
    fs::path const file = words[ 0 ];
    std::error_code error;
    fs::path const whole = fs::weakly_canonical( file, error );
-   if ( fs::exists( file, error ) && !isForced && !saved_.contains( whole ) ) {
+   if ( isThere( file ) && !isForced && !saved_.contains( whole ) ) {
       throw Story::InputError( file.string() +
                                " is there already; name another file, or add --force" );
    }
    std::string const saved = session_.saved( file );
    Steps::readScenarioText( saved, file );  // it runs
-   Shell::writeWhole( file, saved );
+   Shell::writeWhole( fs::is_symlink( file, error ) ? whole : file, saved );
    saved_.insert( whole );
    out_ << fmt::format( "{} has what was carried out: {}\n", file.string(),
                         Story::counted( session_.done(), "step" ) );

@@ -217,6 +217,8 @@ LineEditor::Line LineEditor::read( std::string const & prompt ) {
    prompt_ = prompt;
    isInterrupted = 0;
    signals_->hold();
+   // The editor would switch only behind the prompt, and a Ctrl-D in between would be lost.
+   el_set( editor_, EL_PREP_TERM, 1 );
    int count = 0;
    char const * const typed = el_gets( editor_, &count );
    signals_->let();

@@ -133,6 +133,17 @@ Testing::Tested Test::testAll( std::vector< std::filesystem::path > const & file
    return tested;
 }
 
+// The results would replace it.
+void Test::checkJUnit( std::vector< std::filesystem::path > const & files ) const {
+   for ( std::filesystem::path const & file : files ) {
+      std::error_code error;
+      if ( std::filesystem::equivalent( file, junit_, error ) ) {
+         throw Story::InputError( "--junit: " + file.string() +
+                                  " is a scenario to be tested; name another file" );
+      }
+   }
+}
+
 Story::ExitCode Test::perform( std::ostream & out ) {
    auto const begin = Clock::now();
    auto const files = Testing::scenariosAmong( paths_ );
@@ -141,6 +152,7 @@ Story::ExitCode Test::perform( std::ostream & out ) {
          "there is no scenario; give a folder with scenarios, which are "
          "files *.yaml with the word 'scenario'" );
    }
+   checkJUnit( files );
    std::ignore = words_.plugin();  // a missing one is no failure of every scenario
    JUnitFile junit( junit_ );
    Testing::Report report( out, Story::Style( isColoured( STDOUT_FILENO ) ), isVerbose_ );

@@ -20,6 +20,7 @@ class Test final : public Command {
 
  private:
    // In a worker.
+   void checkJUnit( std::vector< std::filesystem::path > const & files ) const;
    Testing::Result run( std::filesystem::path const & file ) const;
    Testing::Tested testAll( std::vector< std::filesystem::path > const & files,
                             Testing::Report & report ) const;

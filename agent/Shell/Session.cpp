@@ -44,7 +44,7 @@ std::string Session::position() const {
 }
 
 Story::ExitCode Session::verdict() const {
-   if ( isStopped_ ) {
+   if ( isStopped_ && !isStopJudged_ ) {
       return Story::ExitCode::Stopped;
    }
    return failed_.empty() ? Story::ExitCode::Held : Story::ExitCode::ExpectationFailed;
@@ -112,6 +112,7 @@ void Session::take( Attempt const & attempt, Ending const & ending ) {
    failed_ = ending.failed;
    failed_.erase( failed_.upper_bound( kept ), failed_.end() );
    isStopped_ = ending.kind == Ending::Kind::stopped;
+   isStopJudged_ = ending.isJudged;
    ++changes_;
 }
 

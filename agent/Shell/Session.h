@@ -47,6 +47,7 @@ struct Ending {
    Kind kind = Kind::over;
    std::size_t step = 0;              // in which it ended
    std::set< std::size_t > failed{};  // the steps with expectations that did not hold
+   bool isJudged = false;             // a stop: an expectation of it held or did not
 };
 
 class Session {
@@ -109,6 +110,7 @@ class Session {
    std::vector< Done > done_;
    std::set< std::size_t > failed_;
    bool isStopped_ = false;
+   bool isStopJudged_ = false;
    std::size_t changes_ = 0;
 };
 

@@ -47,8 +47,9 @@ void addFrom( fs::path const & folder, std::vector< fs::path > & files ) {
    for ( ; !error && entry != fs::recursive_directory_iterator(); entry.increment( error ) ) {
       if ( entry->path().filename().string().starts_with( '.' ) ) {
          entry.disable_recursion_pending();
-      } else if ( entry->path().extension() == ".yaml" && entry->is_regular_file() &&
-                  isScenario( entry->path() ) ) {
+      } else if ( std::error_code unknown; entry->path().extension() == ".yaml" &&
+                                           entry->is_regular_file( unknown ) &&
+                                           isScenario( entry->path() ) ) {
          files.push_back( entry->path() );
       }
    }

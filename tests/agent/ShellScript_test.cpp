@@ -1,4 +1,6 @@
 // `vornal shell` with a script on standard input.
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -8,9 +10,11 @@
 #include <Switches.h>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
+namespace fs = std::filesystem;
 using Json = nlohmann::json;
 using Support::Running;
 
@@ -123,8 +127,10 @@ TEST_F( ShellScript, TellsWhyThePlugInStoppedAndGoesBackByUndo ) {
    EXPECT_TRUE( contains( stopped.out, "STOPPED in step 2" ) ) << stopped.out;
    EXPECT_TRUE( contains( stopped.out, "qualifyUnknownEntry" ) ) << stopped.out;
    EXPECT_EQ( stopped.err,
-              "the plug-in has stopped in step 2; undo goes back\n"
-              "the plug-in has stopped in step 2; undo goes back\n" );
+              "shell:3: the plug-in has stopped in step 2; undo goes back\n"
+              "shell:4: the plug-in has stopped in step 2; undo goes back\n" );
+   // Two lines were not carried out.
+   EXPECT_EQ( shell( "next\n" + kStop + "show rules\nnote: x\nundo\n" ).exitCode, 2 );
 
    auto const back = shell( "next\n" + kStop + "undo\nshow rules\nnext\n" );
    EXPECT_EQ( back.exitCode, 0 ) << back.err;
@@ -163,6 +169,41 @@ TEST_F( ShellScript, SavesAScenarioThatRunsToTheSameState ) {
       { "show", mine, "state", "--json", "--plugin", Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( shown.exitCode, 0 ) << shown.err;
    EXPECT_TRUE( ran.out.ends_with( shown.out ) ) << ran.out << shown.out;
+}
+
+TEST_F( ShellScript, SavesIntoNoDeviceAndBehindNoLinkThatLeadsNowhere ) {
+   fs::path const folder = directory.path();
+   directory.file( "old.yaml", "" );
+   fs::create_symlink( "old.yaml", folder / "link.yaml" );
+   fs::create_symlink( "nowhere.yaml", folder / "dangling.yaml" );
+   ASSERT_EQ( mkfifo( ( folder / "fifo" ).c_str(), 0600 ), 0 );
+   std::string text = "next\n";
+   for ( char const * const name : { "fifo", "dangling.yaml", "link.yaml", "none/mine.yaml" } ) {
+      text += "save --force " + ( folder / name ).string() + "\n";
+   }
+   auto const ran = shell( text );
+   EXPECT_EQ( ran.err, "shell:2: " + ( folder / "fifo" ).string() +
+                          " is no regular file; name another one\nshell:3: " +
+                          ( folder / "dangling.yaml" ).string() +
+                          " is no regular file; name another one\nshell:5: there is no folder " +
+                          ( folder / "none" ).string() + "; make it, or name another file\n" );
+   EXPECT_TRUE( fs::is_fifo( folder / "fifo" ) );
+   EXPECT_TRUE( fs::is_symlink( folder / "link.yaml" ) );
+   EXPECT_TRUE( contains( Support::contentOf( folder / "old.yaml" ), "scenario: " ) );
+}
+
+TEST_F( ShellScript, WalksThroughAnExpectedStop ) {
+   leaf = directory.file( "stops.yaml",
+                          Switches::leaf( "   - ready: subagents::l2Ready\n"
+                                          "   - expect: { stop: { assertion: '0', function: "
+                                          "qualifyUnknownEntry } }\n"
+                                          "   - " +
+                                          kStop ) );
+   auto const walked = shell( "next\nnext\nshow tcam\nnext\n" );
+   EXPECT_EQ( walked.err, "" );
+   EXPECT_EQ( walked.exitCode, 0 ) << walked.out;
+   EXPECT_TRUE( contains( walked.out, "STOPPED in step 3" ) ) << walked.out;
+   EXPECT_EQ( shell( "run\nundo\nshow tcam\n" ).exitCode, 0 );
 }
 
 TEST_F( ShellScript, EndsWithTheSignalThatInterruptsIt ) {

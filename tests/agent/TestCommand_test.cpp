@@ -144,6 +144,22 @@ TEST_F( TestCommand, WritesTheResultsForABuildServer ) {
 
 // --- What is refused
 
+TEST_F( TestCommand, ReplacesNoScenarioByItsResults ) {
+   scenario( "good", good );
+   std::string const before = Support::contentOf( fileOf( "good" ) );
+   auto const tested = ran( { "--junit", fileOf( "good" ) } );
+   EXPECT_EQ( tested.exitCode, 2 );
+   EXPECT_EQ( tested.err,
+              "--junit: " + fileOf( "good" ) + " is a scenario to be tested; name another file\n" );
+   EXPECT_EQ( Support::contentOf( fileOf( "good" ) ), before );
+}
+
+TEST_F( TestCommand, PassesALinkThatLeadsToItself ) {
+   scenario( "good", good );
+   fs::create_symlink( "loop.yaml", directory.path() / "loop.yaml" );
+   EXPECT_EQ( ran().exitCode, 0 );
+}
+
 TEST_F( TestCommand, EndsWith2WhereNothingCanBeTested ) {
    auto const nothing = ran();
    EXPECT_EQ( nothing.exitCode, 2 );
