@@ -221,8 +221,8 @@ TEST_F( Check, RefusesAFolderWithoutScenarios ) {
    auto const ran = Support::vornal( { "check", directory.path().string() } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_EQ( ran.err, directory.path().string() +
-                          " holds no scenario; name a folder with some\n" );
+   EXPECT_EQ( ran.err,
+              directory.path().string() + " holds no scenario; name a folder with some\n" );
 }
 
 TEST_F( Check, FindsNothingInTheScenariosThatShip ) {
