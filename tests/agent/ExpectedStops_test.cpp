@@ -62,8 +62,9 @@ TEST_F( ExpectedStop, StandsInTheDocumentOfTheStepThatStopped ) {
    EXPECT_EQ( document[ "end" ], "stopped" );
    EXPECT_EQ( document[ "step" ], 4 );
    EXPECT_EQ( document[ "stop" ][ "asExpected" ], true );
-   EXPECT_EQ( document[ "assertion" ][ "function" ],
-              "void " + kFunction + "(const Pelk::IntfId&)" );
+   // Compilers differ in the blanks of the parameters.
+   EXPECT_TRUE( document[ "assertion" ][ "function" ].get< std::string >().starts_with(
+      "void " + kFunction + "(const Pelk::IntfId" ) );
    EXPECT_EQ( document[ "counters" ][ "expectations" ], 1 );
    Json const expectation = document[ "steps" ][ 4 ][ "expectations" ][ 0 ];
    EXPECT_EQ( expectation[ "held" ], true );
@@ -77,7 +78,7 @@ TEST_F( ExpectedStop, FailsWithWhatCameWhenTheStepStopsAtAnotherAssertion ) {
       contains( told.out,
                 "NOT as expected: the next step to stop the process at assertion a == b in " +
                    kFunction + "; it stopped at assertion " + kAssertion + " in void " + kFunction +
-                   "(const Pelk::IntfId&) (" ) )
+                   "(const Pelk::IntfId" ) )
       << told.out;
    EXPECT_TRUE( contains( told.out, "\nSTOPPED in step 4: " ) ) << told.out;
    EXPECT_TRUE( contains( told.out, "\nFAILED: 1 of 1 expectation did not hold" ) ) << told.out;
