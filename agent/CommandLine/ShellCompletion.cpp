@@ -138,25 +138,33 @@ Completion ShellCompletion::ofCommand( std::string_view line ) {
    return { begin, beginningWith( begun, namesFor( command, words, begun ) ) };
 }
 
+// What can follow an option with a value; nothing for any other word.
+Texts ShellCompletion::valuesOf( std::string const & option ) {
+   if ( option == "--after" ) {
+      return numbers( conversation_.session().done() );
+   }
+   if ( option == "--vtep" ) {
+      return withBlank( names_.vteps() );
+   }
+   bool const isOfInterface = option == "--segment" || option == "--interface" || option == "--on";
+   return isOfInterface ? withBlank( interfaces() ) : Texts{};
+}
+
 // What can follow these words of a command.
 Texts ShellCompletion::namesFor( std::string const & command, Texts const & words,
                                  std::string const & begun ) {
-   auto const & session = conversation_.session();
    std::string const before = words.empty() ? "" : words.back();
-   if ( before == "--after" || command == "diff" ) {
-      return numbers( session.done() );
-   }
-   if ( before == "--vtep" ) {
-      return withBlank( names_.vteps() );
-   }
-   if ( before == "--segment" || before == "--interface" || before == "--on" ) {
-      return withBlank( interfaces() );
-   }
    if ( begun.starts_with( '-' ) ) {
       return withBlank( optionsOf( command ) );
    }
+   if ( Texts values = valuesOf( before ); !values.empty() ) {
+      return values;
+   }
+   if ( command == "diff" ) {
+      return numbers( conversation_.session().done() );
+   }
    if ( command == "run" ) {
-      return before == "to" ? numbers( session.own() ) : Texts{ "to " };
+      return before == "to" ? numbers( conversation_.session().own() ) : Texts{ "to " };
    }
    if ( command == "show" && words.empty() ) {
       auto const subjects = Show::subjects();

@@ -24,6 +24,7 @@ class ShellCompletion {
  private:
    Completion ofStep( std::string_view step );
    Completion ofCommand( std::string_view line );
+   std::vector< std::string > valuesOf( std::string const & option );
    std::vector< std::string > namesFor( std::string const & command,
                                         std::vector< std::string > const & words,
                                         std::string const & begun );

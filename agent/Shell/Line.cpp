@@ -43,28 +43,39 @@ std::size_t openBrackets( std::string_view text ) {
    return open;
 }
 
+namespace {
+
+// The word that begins there, with its quotes.
+std::string_view quotedAt( std::string_view text, std::size_t at ) {
+   std::size_t const end = behindQuote( text, at );
+   if ( end - at < 2 || text[ end - 1 ] != text[ at ] ) {
+      throw Story::InputError( "a quote is not closed; close it" );
+   }
+   return text.substr( at, end - at );
+}
+
+// The word that begins there; blanks in braces belong to it.
+std::string_view unquotedAt( std::string_view text, std::size_t at ) {
+   std::size_t end = std::min( text.find_first_of( kBlanks, at ), text.size() );
+   while ( text[ at ] == '{' && openBrackets( text.substr( at, end - at ) ) > 0 ) {
+      if ( end == text.size() ) {
+         throw Story::InputError( "a bracket is not closed; close it" );
+      }
+      ++end;
+   }
+   return text.substr( at, end - at );
+}
+
+}  // namespace
+
 std::vector< std::string > wordsOf( std::string_view text ) {
    std::vector< std::string > words;
    std::size_t at = text.find_first_not_of( kBlanks );
    while ( at < text.size() && text[ at ] != '#' ) {
-      std::size_t end = 0;
-      if ( isIn( text[ at ], "'\"" ) ) {
-         end = behindQuote( text, at );
-         if ( end - at < 2 || text[ end - 1 ] != text[ at ] ) {
-            throw Story::InputError( "a quote is not closed; close it" );
-         }
-         words.emplace_back( text.substr( at + 1, end - at - 2 ) );
-      } else {
-         end = std::min( text.find_first_of( kBlanks, at ), text.size() );
-         while ( text[ at ] == '{' && openBrackets( text.substr( at, end - at ) ) > 0 ) {
-            if ( end == text.size() ) {
-               throw Story::InputError( "a bracket is not closed; close it" );
-            }
-            ++end;
-         }
-         words.emplace_back( text.substr( at, end - at ) );
-      }
-      at = text.find_first_not_of( kBlanks, end );
+      bool const isQuoted = isIn( text[ at ], "'\"" );
+      std::string_view const word = isQuoted ? quotedAt( text, at ) : unquotedAt( text, at );
+      words.emplace_back( isQuoted ? word.substr( 1, word.size() - 2 ) : word );
+      at = text.find_first_not_of( kBlanks, at + word.size() );
    }
    return words;
 }
