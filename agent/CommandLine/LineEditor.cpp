@@ -287,18 +287,18 @@ unsigned char LineEditor::completeWord( editline * editor, int ) {
 unsigned char LineEditor::completeWord() {
    LineInfo const * const line = el_line( editor_ );
    std::string const text( line->buffer, line->cursor );
-   Completion const completion = complete_( text );
-   if ( completion.words.empty() || completion.begin > text.size() ) {
+   Candidates const candidates = complete_( text );
+   if ( candidates.words.empty() || candidates.begin > text.size() ) {
       return CC_ERROR;
    }
-   std::string const common = commonBeginning( completion.words );
-   std::string const begun = text.substr( completion.begin );
-   if ( common.size() > begun.size() || completion.words.size() == 1 ) {
+   std::string const common = commonBeginning( candidates.words );
+   std::string const begun = text.substr( candidates.begin );
+   if ( common.size() > begun.size() || candidates.words.size() == 1 ) {
       el_deletestr( editor_, charactersIn( begun ) );
       el_insertstr( editor_, common.c_str() );
       return CC_REFRESH;
    }
-   list( completion.words );
+   list( candidates.words );
    return CC_REDISPLAY;
 }
 

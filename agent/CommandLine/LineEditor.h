@@ -23,7 +23,7 @@ struct history;  // also the name of a function of the library
 namespace CommandLine {
 
 // What can stand in place of the word that begins at `begin`.
-struct Completion {
+struct Candidates {
    std::size_t begin = 0;
    std::vector< std::string > words{};
 };
@@ -43,7 +43,7 @@ class LineEditor {
       int signal = 0;  // SIGTERM or SIGHUP when it ended the input
    };
    // Takes the line up to the cursor.
-   using Complete = std::function< Completion( std::string_view ) >;
+   using Complete = std::function< Candidates( std::string_view ) >;
 
    // `file` holds the history; empty: it is not kept.
    LineEditor( std::filesystem::path file, Complete complete );

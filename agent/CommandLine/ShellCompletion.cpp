@@ -78,20 +78,20 @@ Texts quoted( Texts words ) {
 
 }  // namespace
 
-Completion ShellCompletion::of( std::string const & before, std::string_view line ) {
+Candidates ShellCompletion::of( std::string const & before, std::string_view line ) {
    if ( before.empty() && !Shell::isStep( line ) ) {
       return ofCommand( line );
    }
    std::string const lines = before.empty() ? "" : before + '\n';
-   Completion completion = ofStep( lines + std::string( line ) );
-   if ( completion.begin < lines.size() ) {
+   Candidates candidates = ofStep( lines + std::string( line ) );
+   if ( candidates.begin < lines.size() ) {
       return {};
    }
-   completion.begin -= lines.size();
-   return completion;
+   candidates.begin -= lines.size();
+   return candidates;
 }
 
-Completion ShellCompletion::ofStep( std::string_view step ) {
+Candidates ShellCompletion::ofStep( std::string_view step ) {
    using Shell::Named;
    Shell::Expected const expected = Shell::expectedAt( step );
    std::string const begun( step.substr( expected.begin ) );
@@ -111,7 +111,7 @@ Completion ShellCompletion::ofStep( std::string_view step ) {
    return { expected.begin, expected.isInFlow ? quoted( std::move( words ) ) : words };
 }
 
-Completion ShellCompletion::ofCommand( std::string_view line ) {
+Candidates ShellCompletion::ofCommand( std::string_view line ) {
    std::string const command( Shell::firstWord( line ) );
    std::size_t const blank = line.find_last_of( " \t" );
    std::size_t const begin = blank == std::string_view::npos ? 0 : blank + 1;
@@ -124,15 +124,15 @@ Completion ShellCompletion::ofCommand( std::string_view line ) {
    }
    std::size_t const next = std::min( line.find_first_not_of( " \t", rest ), line.size() );
    if ( command == "what-if" ) {
-      Completion completion = ofStep( line.substr( next ) );
-      completion.begin += next;
-      return completion;
+      Candidates candidates = ofStep( line.substr( next ) );
+      candidates.begin += next;
+      return candidates;
    }
    if ( command == "explain" && line.substr( next ).starts_with( '{' ) ) {
       constexpr std::string_view kFrame = "frame: ";
-      Completion completion = ofStep( std::string( kFrame ) + std::string( line.substr( next ) ) );
-      completion.begin = completion.begin + next - kFrame.size();
-      return completion;
+      Candidates candidates = ofStep( std::string( kFrame ) + std::string( line.substr( next ) ) );
+      candidates.begin = candidates.begin + next - kFrame.size();
+      return candidates;
    }
    Texts const words = Shell::wordsOf( line.substr( rest, begin - rest ) );
    return { begin, beginningWith( begun, namesFor( command, words, begun ) ) };

@@ -19,11 +19,11 @@ class ShellCompletion {
 
    // The completions of a line up to the cursor. `before` holds the lines before it that belong to
    // the same step.
-   Completion of( std::string const & before, std::string_view line );
+   Candidates of( std::string const & before, std::string_view line );
 
  private:
-   Completion ofStep( std::string_view step );
-   Completion ofCommand( std::string_view line );
+   Candidates ofStep( std::string_view step );
+   Candidates ofCommand( std::string_view line );
    std::vector< std::string > valuesOf( std::string const & option );
    std::vector< std::string > namesFor( std::string const & command,
                                         std::vector< std::string > const & words,
