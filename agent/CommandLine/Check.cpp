@@ -1,6 +1,8 @@
 #include <CommandLine/Check.h>
 
 #include <algorithm>
+#include <iterator>
+#include <set>
 
 #include <CLI/CLI.hpp>
 
@@ -26,30 +28,11 @@ struct Checked {
    std::vector< std::string > leftOut;
 };
 
-// The scenarios below a folder.
-std::vector< fs::path > scenariosIn( fs::path const & folder ) {
-   auto files = Testing::scenariosAmong( { folder } );
-   if ( files.empty() ) {
-      throw Story::InputError( folder.string() + " holds no scenario; name a folder with some" );
-   }
-   return files;
-}
-
-std::vector< fs::path > filesOf( std::vector< fs::path > const & named ) {
-   std::vector< fs::path > files;
-   for ( fs::path const & one : named ) {
-      std::error_code error;
-      auto const more =
-         fs::is_directory( one, error ) ? scenariosIn( one ) : std::vector< fs::path >{ one };
-      files.insert( files.end(), more.begin(), more.end() );
-   }
-   return files;
-}
-
 // Mistakes of the file come first, those of files that it names come last.
 Checked checked( fs::path const & file ) {
    Scenario::Findings findings = Steps::examineScenario( file );
-   Checked result{ file.string(), std::move( findings.problems ), std::move( findings.leftOut ) };
+   Checked result{ file == "-" ? "standard input" : file.string(), std::move( findings.problems ),
+                   std::move( findings.leftOut ) };
    if ( !findings.model.file.empty() ) {
       auto const more = problemsOfNamedFiles( findings.model );
       result.problems.insert( result.problems.end(), more.begin(), more.end() );
@@ -60,6 +43,22 @@ Checked checked( fs::path const & file ) {
    std::stable_sort( result.problems.begin(), others,
                      []( auto const & a, auto const & b ) { return a.line < b.line; } );
    return result;
+}
+
+// The scenarios below a folder; one mistake when there is none.
+std::vector< Checked > checkedBelow( fs::path const & folder ) {
+   std::vector< Checked > all;
+   std::string const name = folder.string();
+   try {
+      for ( fs::path const & file : Testing::scenariosAmong( { folder } ) ) {
+         all.push_back( checked( file ) );
+      }
+   } catch ( Story::InputError const & ) {
+      std::string const unread = "this folder cannot be read to its end; give one that can";
+      return { { name, { { name, 0, unread } }, {} } };
+   }
+   std::string const none = "this folder holds no scenario; name one with some";
+   return all.empty() ? std::vector{ Checked{ name, { { name, 0, none } }, {} } } : all;
 }
 
 std::size_t mistakesIn( std::vector< Checked > const & all ) {
@@ -116,8 +115,15 @@ void Check::declare( CLI::App & app ) {
 
 Story::ExitCode Check::perform( std::ostream & out ) {
    std::vector< Checked > all;
-   for ( fs::path const & file : filesOf( files_ ) ) {
-      all.push_back( checked( file ) );
+   std::set< fs::path > seen;
+   for ( fs::path const & named : files_ ) {
+      std::error_code error;
+      auto const more =
+         fs::is_directory( named, error ) ? checkedBelow( named ) : std::vector{ checked( named ) };
+      std::copy_if( more.begin(), more.end(), std::back_inserter( all ),
+                    [ & ]( Checked const & one ) {
+                       return seen.insert( fs::weakly_canonical( one.file, error ) ).second;
+                    } );
    }
    isJson_ ? printJson( all, out ) : print( all, out );
    return mistakesIn( all ) == 0 ? Story::ExitCode::Held : Story::ExitCode::BadInput;

@@ -43,7 +43,7 @@ std::vector< Conversation::Known > const & Conversation::known() {
       { { "explain", "explain FRAME ...", "say why a frame leaves where it does" },
         &Conversation::explain,
         false },
-      { { "diff", "diff [STEP [STEP]] [--json]",
+      { { "diff", "diff [STEP [STEP]] ...",
           "what the last step changed; or all since a step; or between two steps" },
         &Conversation::diff,
         false },
@@ -58,7 +58,8 @@ std::vector< Conversation::Known > const & Conversation::known() {
       { { "help", "help [WORD]", "list the commands and steps, or describe one" },
         &Conversation::help,
         true },
-      { { "quit", "quit", "end the shell" }, &Conversation::quit, true }
+      { { "quit", "quit", "end the shell" }, &Conversation::quit, true },
+      { { "exit", "exit", "the same as quit" }, &Conversation::quit, true }
    };
    return all;
 }
@@ -105,6 +106,26 @@ Shell::Ending endingOf( Story::Outcome const & outcome, FailedSteps const & fail
 
 }  // namespace
 
+// --- Places
+
+std::string Conversation::place() const {
+   return fmt::format( "{}:{}: ", Shell::Session::kInput, line_ );
+}
+
+// An entry of several lines has places of its own.
+bool Conversation::startsWithPlace( std::string_view message ) {
+   return message.starts_with( std::string( Shell::Session::kInput ) + ':' );
+}
+
+// An open bracket takes in the lines that follow.
+std::string Conversation::openIn( Shell::Entry const & entry ) {
+   auto const lines = std::count( entry.text.begin(), entry.text.end(), '\n' );
+   return Shell::openBrackets( entry.text ) == 0 || lines == 0
+             ? ""
+             : fmt::format( "\na bracket is open to the end of line {}; close it",
+                            entry.line + lines );
+}
+
 // --- The conversation
 
 Conversation::Conversation( std::filesystem::path const & file, Host::AgentConfig config,
@@ -132,6 +153,9 @@ void Conversation::begin() {
 void Conversation::carryOut( Shell::Entry const & entry ) {
    line_ = entry.line;
    try {
+      if ( entry.text.find( '\0' ) != std::string::npos ) {
+         throw Story::InputError( "there is a NUL character in this line; take it out" );
+      }
       if ( Shell::isStep( entry.text ) && !session_.isStopped() ) {
          play( session_.typed( entry.text, entry.line ) );
       } else {
@@ -143,10 +167,9 @@ void Conversation::carryOut( Shell::Entry const & entry ) {
       throw;
    } catch ( std::exception const & error ) {
       isAnyWrong_ = true;
-      std::string const place = fmt::format( "{}:{}: ", Shell::Session::kInput, entry.line );
-      std::string const what = Scenario::shortened( error.what() );
+      std::string const what = Scenario::shortened( error.what() ) + openIn( entry );
       out_.flush();
-      std::cerr << Text::printableLines( what.starts_with( place ) ? what : place + what ) << '\n';
+      std::cerr << Text::printableLines( startsWithPlace( what ) ? what : place() + what ) << '\n';
    }
    out_.flush();
 }
@@ -158,8 +181,9 @@ void Conversation::command( std::string_view text ) {
    bool const isCommand = found != known().end();
    if ( session_.isStopped() && !( isCommand && found->isForAStop ) ) {
       out_.flush();
-      std::cerr << fmt::format( "{}:{}: the plug-in has stopped in step {}; undo goes back\n",
-                                Shell::Session::kInput, line_, session_.done() );
+      std::cerr << place()
+                << fmt::format( "the plug-in has stopped in step {}; undo goes back\n",
+                                session_.done() );
       isAnyLeftOut_ = true;
    } else if ( isCommand ) {
       ( this->*found->carryOut )( Shell::behindFirstWord( text ) );
@@ -195,8 +219,10 @@ void Conversation::play( Shell::Attempt const & attempt ) {
    out_.flush();
    runScenario( runOf( attempt.scenario ), std::move( observers ), outcome );
    part.tellEarlyEnd();
-   isAnyWrong_ = isAnyWrong_ || !outcome.badInput().empty();
    session_.take( attempt, endingOf( outcome, failed ) );
+   if ( !outcome.badInput().empty() ) {
+      throw Story::InputError( outcome.badInput() );
+   }
 }
 
 Story::ExitCode Conversation::exitCode() const {

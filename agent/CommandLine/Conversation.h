@@ -9,8 +9,9 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <ostream>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,10 @@
 #include <CommandLine/ScenarioWords.h>
 #include <Shell/Entries.h>
 #include <Shell/Session.h>
+
+namespace CLI {
+class App;
+}
 
 namespace CommandLine {
 
@@ -58,6 +63,10 @@ class Conversation {
    void command( std::string_view text );
    [[noreturn]] static void refuse( std::string const & name );
    void play( Shell::Attempt const & attempt );
+   // "shell:LINE: ", that of the entry.
+   std::string place() const;
+   static bool startsWithPlace( std::string_view message );
+   static std::string openIn( Shell::Entry const & entry );
    ScenarioRun runOf( Scenario::Model const & scenario ) const;
 
    // The commands; each takes the text behind its name.
@@ -73,7 +82,10 @@ class Conversation {
    void help( std::string_view text );
    void quit( std::string_view text );
 
-   void change( Scenario::Model const & before, Scenario::Model const & after, bool asJson );
+   // The text for the file; throws Story::InputError where it would not run.
+   std::string textToSave( std::filesystem::path const & file ) const;
+   bool parse(
+      CLI::App & app, std::string_view text, std::function< void() > const & readWords = [] {} );
    Story::ExitCode ask( std::string const & name, std::string_view text );
 
    Shell::Session session_;
@@ -84,7 +96,7 @@ class Conversation {
    bool isAnyLeftOut_ = false;     // a line, because the plug-in had stopped
    bool isAnyDifference_ = false;  // that `verify` has found
    int line_ = 0;                  // of the entry
-   std::set< std::filesystem::path > saved_;
+   std::map< std::filesystem::path, std::string > saved_;  // the texts that were written
 };
 
 }  // namespace CommandLine

@@ -11,6 +11,7 @@
 #include <CommandLine/Comparison.h>
 #include <CommandLine/Table.h>
 #include <CommandLine/Usage.h>
+#include <Scenario/File.h>
 #include <Shell/Line.h>
 #include <Shell/SavedScenario.h>
 #include <Shell/StepGrammar.h>
@@ -81,27 +82,32 @@ void Conversation::undo( std::string_view text ) {
 
 // --- Questions
 
+// Reads the words behind a command. False when they ask for its help, which is then told.
+bool Conversation::parse( CLI::App & app, std::string_view text,
+                          std::function< void() > const & readWords ) {
+   std::vector< std::string > words = Shell::wordsOf( text );
+   std::reverse( words.begin(), words.end() );
+   try {
+      app.parse( std::move( words ) );
+      readWords();
+      return true;
+   } catch ( CLI::CallForHelp const & ) {
+      out_ << app.help();
+      return false;
+   } catch ( CLI::ParseError const & error ) {
+      throw Story::InputError( mistakeIn( app, error ) + "; 'help " + app.get_name() +
+                               "' lists the words that it takes" );
+   }
+}
+
 Story::ExitCode Conversation::ask( std::string const & name, std::string_view text ) {
    Row const & row = *find( name );
    auto const command = row.create();
    dynamic_cast< ScenarioCommand & >( *command ).sourceIs( source_ );
    CLI::App app( std::string( row.purpose ), name );
    command->declare( app );
-   std::vector< std::string > words = Shell::wordsOf( text );
-   std::reverse( words.begin(), words.end() );
-   try {
-      app.parse( std::move( words ) );
-      command->readWords();
-   } catch ( CLI::CallForHelp const & ) {
-      out_ << app.help();
-      return Story::ExitCode::Held;
-   } catch ( CLI::ParseError const & error ) {
-      throw Story::InputError( mistakeIn( app, error ) + "; 'help " + name +
-                               "' lists the words that it takes" );
-   }
-   auto const code = command->perform( out_ );
-   isAnyWrong_ = isAnyWrong_ || code == Story::ExitCode::BadInput;
-   return code;
+   return parse( app, text, [ & ] { command->readWords(); } ) ? command->perform( out_ )
+                                                              : Story::ExitCode::Held;
 }
 
 void Conversation::verify( std::string_view text ) {
@@ -109,31 +115,32 @@ void Conversation::verify( std::string_view text ) {
       ask( "verify", text ) == Story::ExitCode::ExpectationFailed || isAnyDifference_;
 }
 
-void Conversation::change( Scenario::Model const & before, Scenario::Model const & after,
-                           bool asJson ) {
-   auto const code = printChange( runOf( before ), runOf( after ), { {}, asJson }, out_ );
-   isAnyWrong_ = isAnyWrong_ || code == Story::ExitCode::BadInput;
-}
-
 void Conversation::diff( std::string_view text ) {
-   auto words = Shell::wordsOf( text );
-   bool const isJson = std::erase( words, "--json" ) != 0;
-   if ( words.size() > 2 ) {
-      throw Story::InputError( "diff takes two steps at most; give the numbers of one or two" );
+   std::vector< std::string > steps;
+   DifferencesShown how;
+   CLI::App app( "Show what has changed between two steps", "diff" );
+   app.add_option( "STEP", steps,
+                   "The step before and the step after, 0 for start-up; the last step if one is "
+                   "left out" )
+      ->expected( 0, 2 );
+   declareOnly( app, how.only );
+   app.add_flag( "--json", how.asJson, "Print one JSON document instead of text" );
+   if ( !parse( app, text ) ) {
+      return;
    }
    std::size_t const last = session_.done();
-   if ( words.empty() && last == 0 ) {
-      throw Story::InputError( "no step is done yet" );
+   if ( steps.empty() && last == 0 ) {
+      throw Story::InputError( "no step is done yet; type one, or 'next'" );
    }
-   std::size_t const from = words.empty() ? last - 1 : stepIn( words[ 0 ] );
-   std::size_t const to = words.size() < 2 ? last : stepIn( words[ 1 ] );
+   std::size_t const from = steps.empty() ? last - 1 : stepIn( steps[ 0 ] );
+   std::size_t const to = steps.size() < 2 ? last : stepIn( steps[ 1 ] );
    if ( from > last || to > last ) {
       throw Story::InputError(
          fmt::format( "step {} is not done; the last one is {}", std::max( from, to ), last ) );
    }
    auto const before = session_.scenarioAfter( from );
    auto const after = session_.scenarioAfter( to );
-   change( before, after, isJson );
+   printChange( runOf( before ), runOf( after ), how, out_ );
 }
 
 void Conversation::whatIf( std::string_view text ) {
@@ -143,7 +150,7 @@ void Conversation::whatIf( std::string_view text ) {
    }
    auto const now = session_.scenario();
    auto const then = session_.typed( std::string( text ), line_ );
-   change( now, then.scenario, false );
+   printChange( runOf( now ), runOf( then.scenario ), {}, out_ );
 }
 
 // --- The rest
@@ -153,6 +160,9 @@ namespace {
 // Whether there is a file, which is then one to replace.
 bool isThere( fs::path const & file ) {
    std::error_code error;
+   if ( fs::is_directory( file, error ) ) {
+      throw Story::InputError( file.string() + " is a folder; name a file in it" );
+   }
    if ( fs::exists( fs::symlink_status( file, error ) ) ) {
       if ( !fs::is_regular_file( file, error ) ) {
          throw Story::InputError( file.string() + " is no regular file; name another one" );
@@ -169,6 +179,17 @@ bool isThere( fs::path const & file ) {
 
 }  // namespace
 
+std::string Conversation::textToSave( fs::path const & file ) const {
+   std::string saved = session_.saved( file );
+   try {
+      Steps::readScenarioText( saved, file );
+   } catch ( Scenario::ReadError const & error ) {
+      throw Story::InputError( "what was carried out is no scenario yet, so nothing is saved: " +
+                               error.problems().front().message );
+   }
+   return saved;
+}
+
 void Conversation::save( std::string_view text ) {
    auto words = Shell::wordsOf( text );
    bool const isForced = std::erase( words, "--force" ) != 0;
@@ -178,14 +199,17 @@ void Conversation::save( std::string_view text ) {
    fs::path const file = words[ 0 ];
    std::error_code error;
    fs::path const whole = fs::weakly_canonical( file, error );
-   if ( isThere( file ) && !isForced && !saved_.contains( whole ) ) {
-      throw Story::InputError( file.string() +
-                               " is there already; name another file, or add --force" );
+   auto const before = saved_.find( whole );
+   bool const isOurs = before != saved_.end();
+   if ( isThere( file ) && !isForced &&
+        !( isOurs && Scenario::textIn( file ) == before->second ) ) {
+      throw Story::InputError(
+         file.string() + ( isOurs ? " has changed since it was saved" : " is there already" ) +
+         "; name another file, or add --force" );
    }
-   std::string const saved = session_.saved( file );
-   Steps::readScenarioText( saved, file );  // it runs
+   std::string const saved = textToSave( file );
    Shell::writeWhole( fs::is_symlink( file, error ) ? whole : file, saved );
-   saved_.insert( whole );
+   saved_.insert_or_assign( whole, saved );
    out_ << fmt::format( "{} has what was carried out: {}\n", file.string(),
                         Story::counted( session_.done(), "step" ) );
 }
@@ -216,7 +240,9 @@ void Conversation::help( std::string_view text ) {
    if ( step ) {
       out_ << name << ": (a step) " << *step << '\n';
    }
-   if ( name == "show" || name == "explain" || name == "verify" ) {
+   if ( name == "diff" ) {
+      diff( "--help" );
+   } else if ( name == "show" || name == "explain" || name == "verify" ) {
       ask( name, "--help" );
    }
 }

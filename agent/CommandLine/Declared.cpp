@@ -1,5 +1,7 @@
 #include <CommandLine/Declared.h>
 
+#include <iterator>
+#include <set>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -19,6 +21,26 @@ std::string footerOf( Row const & row ) {
    }
    return text + '\n' + std::string( row.exitCodes );
 }
+
+// CLI11 lists the options that an option excludes in the order of their addresses.
+class Formatter final : public CLI::Formatter {
+ public:
+   std::string make_option_opts( CLI::Option const * option ) const override {
+      std::string const text = CLI::Formatter::make_option_opts( option );
+      std::string const heading = " Excludes:";
+      std::size_t const begin = text.find( heading );
+      if ( begin == std::string::npos ) {
+         return text;
+      }
+      std::istringstream words( text.substr( begin + heading.size() ) );
+      std::set< std::string > const names{ std::istream_iterator< std::string >( words ), {} };
+      std::string result = text.substr( 0, begin ) + heading;
+      for ( std::string const & name : names ) {
+         result += ' ' + name;
+      }
+      return result;
+   }
+};
 
 // A flag says all that it has to say by being there.
 void refuseValuesOfFlags( CLI::App & command ) {
@@ -44,6 +66,7 @@ std::unique_ptr< Command > declared( CLI::App & app, Row const & row ) {
 }
 
 void describe( CLI::App & app ) {
+   app.formatter( std::make_shared< Formatter >() );
    app.require_subcommand( 1 );
    app.failure_message( []( CLI::App const * failed, CLI::Error const & error ) {
       return usageText( *failed, error );

@@ -178,6 +178,14 @@ void LineEditor::loadHistory() {
    }
 }
 
+// With each line: a process that is killed leaves the history behind.
+void LineEditor::saveHistory() {
+   HistEvent event{};
+   if ( !file_.empty() ) {
+      ::history( history_, &event, H_SAVE, file_.c_str() );
+   }
+}
+
 // --- The editor
 
 LineEditor::LineEditor( fs::path file, Complete complete )
@@ -203,11 +211,6 @@ LineEditor::LineEditor( fs::path file, Complete complete )
 }
 
 LineEditor::~LineEditor() {
-   HistEvent event{};
-   if ( !file_.empty() ) {
-      Utf8 const utf8;
-      ::history( history_, &event, H_SAVE, file_.c_str() );
-   }
    el_end( editor_ );
    history_end( history_ );
 }
@@ -236,6 +239,7 @@ LineEditor::Line LineEditor::read( std::string const & prompt ) {
    if ( text.find_first_not_of( " \t" ) != std::string::npos ) {
       HistEvent event{};
       ::history( history_, &event, H_ENTER, text.c_str() );
+      saveHistory();
    }
    return { Line::Kind::text, text };
 }

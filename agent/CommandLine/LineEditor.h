@@ -62,6 +62,7 @@ class LineEditor {
    unsigned char completeWord();
    void list( std::vector< std::string > const & words );
    void loadHistory();
+   void saveHistory();
 
    std::filesystem::path file_;  // empty: the history is not kept
    Complete complete_;

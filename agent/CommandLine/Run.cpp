@@ -42,6 +42,7 @@ Story::ExitCode runForPeople( ScenarioRun const & what, std::vector< Story::Obse
    observers.push_back( step ? static_cast< Story::Observer * >( &one ) : &writer );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
+   tellBadInput( outcome );
    if ( step ) {
       one.tellEarlyEnd();
    }
@@ -56,6 +57,7 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    observers.insert( observers.end(), { &writer, &echo } );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
+   tellBadInput( outcome );
    step ? writer.writeStep( *step, out ) : writer.write( out );
    tellInterruption( outcome );
    return outcome.exitCode();

@@ -28,9 +28,6 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
    observers.push_back( &outcome );
    Story::Observers all( std::move( observers ) );
    runScenario( what, all );
-   if ( !outcome.badInput().empty() ) {
-      std::cerr << Text::printableLines( outcome.badInput() ) << '\n';
-   }
 }
 
 Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer ) {
@@ -43,6 +40,9 @@ Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observ
       std::cerr << story.str()
                 << "The process has stopped, so there is no answer; ask after an earlier step.\n";
    }
+   if ( code == Story::ExitCode::BadInput ) {
+      throw Story::InputError( outcome.badInput() );
+   }
    tellInterruption( outcome );
    return code;
 }
@@ -53,6 +53,12 @@ void checkStep( std::string const & option, std::optional< U32 > const & step,
    if ( step && *step > end ) {
       throw Story::InputError( option + " " + std::to_string( *step ) + ": " + scenario.file +
                                " ends with step " + std::to_string( end ) );
+   }
+}
+
+void tellBadInput( Story::Outcome const & outcome ) {
+   if ( !outcome.badInput().empty() ) {
+      std::cerr << Text::printableLines( outcome.badInput() ) << '\n';
    }
 }
 

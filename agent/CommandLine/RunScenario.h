@@ -22,19 +22,22 @@ struct ScenarioRun {
 // The observer is told every event.
 void runScenario( ScenarioRun const & what, Story::Observer & observer );
 
-// The observers are told every event, in the order given; the outcome is told last. Wrong input is
-// printed on standard error.
+// The observers are told every event, in the order given; the outcome is told last.
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome );
 
 // Runs it for an answer that an observer waits for, and tells the story only when the plug-in
 // stops, on standard error. The result is Held when the answer is there: expectations do not count.
+// Throws Story::InputError for wrong input that only the run has found.
 Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer );
 
 // Throws Story::InputError, which names the option, for a step behind the last one, which is that
 // of the scenario's own unless given.
 void checkStep( std::string const & option, std::optional< U32 > const & step,
                 Scenario::Model const & scenario, std::optional< std::size_t > last = {} );
+
+// Prints on standard error what input was wrong, if any was.
+void tellBadInput( Story::Outcome const & outcome );
 
 // Prints on standard error in which step the run was interrupted, if it was.
 void tellInterruption( Story::Outcome const & outcome );

@@ -11,7 +11,11 @@ void ScenarioWords::declare( CLI::App & app, Answers answers ) {
       declareJson( app );
       return;
    }
-   app.add_option( "SCENARIO", file_, "The scenario's file, a pipe, or '-' for standard input" )
+   // A command without a document is the shell, which has its lines from standard input.
+   bool const isInputFree = answers == Answers::textOrJson;
+   app.add_option( "SCENARIO", file_,
+                   isInputFree ? "The scenario's file, a pipe, or '-' for standard input"
+                               : "The scenario's file, or a pipe" )
       ->required()
       ->type_name( "FILE" )
       ->check( problemOfName );

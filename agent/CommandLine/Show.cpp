@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
@@ -148,15 +149,20 @@ Host::AgentConfig::Show Show::subject() const {
 }
 
 void Show::print( Story::Table table, std::ostream & out ) const {
+   std::size_t const all = table.rows.size();
+   std::string asked;
    for ( Filter const & filter : filters_ ) {
       auto const column = std::find( table.columns.begin(), table.columns.end(), filter.column );
       auto const place = static_cast< std::size_t >( column - table.columns.begin() );
       std::erase_if( table.rows, [ & ]( auto const & row ) {
          return !filter.text.empty() && !row.at( place ).has( filter.text );
       } );
+      asked += filter.text.empty() ? "" : " with " + filter.column + ' ' + filter.text;
    }
    if ( scenario_.isJson() ) {
       out << Story::documentText( jsonOf( table ) );
+   } else if ( table.rows.empty() && all != 0 ) {
+      out << fmt::format( "no {}{}; {} in all\n", table.name, asked, all );
    } else {
       out << Story::tableText( table, widthOf( STDOUT_FILENO ) );
    }

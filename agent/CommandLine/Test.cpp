@@ -1,6 +1,7 @@
 #include <CommandLine/Test.h>
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <iostream>
 #include <thread>
@@ -31,6 +32,15 @@ constexpr std::size_t kMostJobs = 1024;
 
 std::size_t cores() {
    return std::max( std::thread::hardware_concurrency(), 1U );
+}
+
+std::string problemOfJobs( std::string const & text ) {
+   std::size_t jobs = 0;
+   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), jobs );
+   bool const isWhole = error == std::errc() && end == text.data() + text.size();
+   return isWhole && jobs >= 1 && jobs <= kMostJobs
+             ? ""
+             : fmt::format( "'{}' is no number of jobs; give one from 1 to {}", text, kMostJobs );
 }
 
 // A file that cannot be written is refused before anything runs.
@@ -88,7 +98,7 @@ void Test::declare( CLI::App & app ) {
    app.add_option( "--jobs", jobs_,
                    "How many scenarios run at a time; by default as many as there are cores" )
       ->type_name( "NUMBER" )
-      ->check( CLI::Range( std::size_t{ 1 }, kMostJobs ) );
+      ->check( problemOfJobs );
    app.add_option( "--junit", junit_, "Write the results into this file, in the form of JUnit" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -106,6 +116,13 @@ Testing::Result Test::run( std::filesystem::path const & file ) const {
       what.config.plugin = words_.plugin();
       runScenario( what, judge );
       return judge.result();
+   } catch ( Scenario::ReadError const & error ) {
+      Testing::Result result;
+      result.isOver = true;
+      for ( Scenario::Problem const & problem : error.problems() ) {
+         result.failures.push_back( { "", problem.text(), {} } );
+      }
+      return result;
    } catch ( std::exception const & error ) {
       Testing::Result result = judge.result();
       result.isOver = true;

@@ -31,6 +31,10 @@ std::string hintOf( CLI::App const & command, std::string const & word ) {
    return near.empty() ? "" : "; did you mean '" + std::string( near ) + "'?";
 }
 
+std::string unknownWord( CLI::App const & command, std::string const & word ) {
+   return "unknown word '" + word + "'" + hintOf( command, word );
+}
+
 std::string missing( CLI::App const & command, std::string const & error ) {
    std::string const word = error.substr( 0, error.find( " is required" ) );
    return word + " is missing: " + purposeOf( command, word );
@@ -45,20 +49,31 @@ std::string wrongCount( CLI::App const & command, std::string const & error ) {
                                         : option + " is given more than once; give it once";
 }
 
+// CLI11 says "Could not convert: --after = -1".
+std::string noNumber( CLI::App const & command, std::string const & error ) {
+   std::size_t const begin = error.find( ": " ) + 2;
+   std::size_t const middle = error.find( " = ", begin );
+   std::string const option = error.substr( begin, middle - begin );
+   return option + ": '" + error.substr( middle + 3 ) +
+          "' is no whole number from 0 on: " + purposeOf( command, option );
+}
+
 }  // namespace
 
 std::string mistakeIn( CLI::App const & command, CLI::Error const & error ) {
    auto const unknown = command.remaining( true );
+   if ( dynamic_cast< CLI::ConversionError const * >( &error ) ) {
+      return noNumber( command, error.what() );
+   }
    if ( dynamic_cast< CLI::RequiredError const * >( &error ) ) {
       return missing( command, error.what() );
    }
    if ( dynamic_cast< CLI::ArgumentMismatch const * >( &error ) ) {
       return wrongCount( command, error.what() );
    }
-   if ( dynamic_cast< CLI::ExtrasError const * >( &error ) && !unknown.empty() ) {
-      return "unknown word '" + unknown.front() + "'" + hintOf( command, unknown.front() );
-   }
-   return error.what();
+   return dynamic_cast< CLI::ExtrasError const * >( &error ) && !unknown.empty()
+             ? unknownWord( command, unknown.front() )
+             : error.what();
 }
 
 std::string usageText( CLI::App const & app, CLI::Error const & error ) {
@@ -67,9 +82,11 @@ std::string usageText( CLI::App const & app, CLI::Error const & error ) {
    std::string const name = parsed.empty() ? "vornal" : "vornal " + command.get_name();
    bool const isWithout =
       parsed.empty() && dynamic_cast< CLI::RequiredError const * >( &error ) != nullptr;
-   std::string const mistake =
-      isWithout ? "a command is missing; the commands are " + Text::listed( commandNames(), "and" )
-                : mistakeIn( command, error );
+   auto const unknown = app.remaining();
+   std::string const mistake = !isWithout         ? mistakeIn( command, error )
+                               : !unknown.empty() ? unknownWord( app, unknown.front() )
+                                                  : "a command is missing; the commands are " +
+                                                       Text::listed( commandNames(), "and" );
    return name + ": " + mistake + "\n'" + name + " --help' lists the words that it takes\n";
 }
 

@@ -176,7 +176,9 @@ std::string verdictText( std::vector< AuditAfter > const & audits, Story::ExitCo
 void print( Verified const & verified, std::vector< AuditAfter > const & audits,
             Story::Outcome const & outcome, Story::ExitCode code, std::ostream & out ) {
    Story::Style const style( isColoured( STDOUT_FILENO ) );
-   out << style.bold( verified.title() ) << " (" << Text::printable( verified.variant() ) << ")\n";
+   std::string const & variant = verified.variant();  // empty before the plug-in is ready
+   out << style.bold( verified.title() )
+       << ( variant.empty() ? "" : " (" + Text::printable( variant ) + ')' ) << '\n';
    for ( AuditAfter const & one : audits ) {
       out << style.bold( afterText( one ) ) << '\n';
       for ( std::string const & line : linesOf( one.audit, style ) ) {
@@ -245,6 +247,7 @@ Story::ExitCode Verify::perform( std::ostream & out ) {
    Verified verified;
    Story::Outcome outcome;
    runScenario( what, { &writer, &verified }, outcome );
+   tellBadInput( outcome );
    auto const audits = verified.asked( isAfterEachStep_ );
    auto const code = exitCodeOf( outcome, audits );
    if ( code == Story::ExitCode::Stopped && !verified.isPassStopped() ) {

@@ -33,9 +33,11 @@ void FrameQuestion::stepsAreOver() {
    try {
       if ( auto const * const sent = std::get_if< SentFrame >( &asked_ ) ) {
          if ( !sent_ ) {
-            throw Quelm::Error( "frame " + std::to_string( sent->number ) +
-                                " is not sent: the scenario has sent " +
-                                Story::counted( environment_.traffic().frames(), "frame" ) );
+            throw Quelm::Error(
+               "frame " + std::to_string( sent->number ) + " is not sent: the scenario has sent " +
+               Story::counted( environment_.traffic().frames(), "frame" ) +
+               " up to this step; give the number of one of these, or ask after the step that "
+               "sends it" );
          }
          answer( *sent_ );
       } else {

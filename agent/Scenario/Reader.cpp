@@ -198,9 +198,10 @@ void readTwinStepsOf( Reading & reading, AddedStep const & twin, Draft & draft )
 }
 
 void readAdded( Reading & reading, AddedStep const & step, Draft & draft ) {
+   int const first = reading.sources().lines() + 1;
    YAML::Node list( YAML::NodeType::Sequence );
    list.push_back( reading.add( step.name, step.text ) );
-   draft.readSteps( reading, { list, 1, step.name }, draft.steps );
+   draft.readSteps( reading, { list, first, step.name }, draft.steps );
 }
 
 using StepsForVariant = std::span< StepForVariant const >;

@@ -20,6 +20,9 @@ class Sources {
    // Puts the text behind those before; returns the number of lines in front of it.
    int add( std::string name, std::string_view text );
 
+   // Those of all texts.
+   int lines() const { return lines_; }
+
    // The place of a line that is counted through all texts.
    Place at( int line ) const;
    // "leaf.yaml:12".

@@ -13,9 +13,10 @@ std::size_t indentOf( std::string_view line ) {
    return std::min( line.find_first_not_of( " \t" ), line.size() );
 }
 
+// Nothing to carry out stands there. A list of steps from a scenario begins with "steps:".
 bool isBlank( std::string_view line ) {
    std::size_t const indent = indentOf( line );
-   return indent == line.size() || line[ indent ] == '#';
+   return indent == line.size() || line[ indent ] == '#' || line == "steps:";
 }
 
 }  // namespace
@@ -62,7 +63,8 @@ void Entries::begin( std::string line, std::vector< Entry > & complete ) {
       line[ indent_ ] = ' ';
    }
    bool const endsInColon = line.substr( 0, line.find_last_not_of( " \t" ) + 1 ).ends_with( ':' );
-   isBlock_ = hasDash || ( isStep( line ) && endsInColon );
+   bool const hasStep = isStep( line ) || firstWord( behindFirstWord( line ) ).ends_with( ':' );
+   isBlock_ = hasDash || ( hasStep && endsInColon );
    pending_ = std::move( line );
    if ( !isBlock_ && openBrackets( pending_ ) == 0 ) {
       auto const one = end();

@@ -2,8 +2,8 @@
 //
 // Most entries are one line. An entry goes on in the next line while a bracket is open. A step that
 // begins with a dash, or ends its line with a colon, goes on with the lines that are indented
-// deeper than its first one; an empty line ends it, and so does the next entry. Empty lines and
-// comments between entries are skipped.
+// deeper than its first one; an empty line ends it, and so does the next entry. Empty lines,
+// comments and "steps:" between entries are skipped.
 #pragma once
 
 #include <string>

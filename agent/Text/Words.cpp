@@ -2,22 +2,32 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace Text {
 
 namespace {
 
-// The number of characters to insert, remove or replace to turn `a` into `b`.
+bool areSwapped( std::string_view a, std::size_t i, std::string_view b, std::size_t j ) {
+   return i > 0 && j > 0 && a[ i ] == b[ j - 1 ] && a[ i - 1 ] == b[ j ];
+}
+
+// The number of characters to insert, remove or replace, or of neighbours to swap, to turn `a` into
+// `b`.
 std::size_t distance( std::string_view a, std::string_view b ) {
    std::vector< std::size_t > row( b.size() + 1 );
    std::iota( row.begin(), row.end(), std::size_t{ 0 } );
+   std::vector< std::size_t > above;
+   std::vector< std::size_t > twoAbove;
    for ( std::size_t i = 0; i < a.size(); ++i ) {
-      std::size_t diagonal = row[ 0 ];
+      twoAbove = std::exchange( above, row );
       row[ 0 ] = i + 1;
       for ( std::size_t j = 0; j < b.size(); ++j ) {
-         std::size_t const replaced = diagonal + ( a[ i ] == b[ j ] ? 0 : 1 );
-         diagonal = row[ j + 1 ];
-         row[ j + 1 ] = std::min( { replaced, row[ j ] + 1, diagonal + 1 } );
+         std::size_t const replaced = above[ j ] + ( a[ i ] == b[ j ] ? 0 : 1 );
+         row[ j + 1 ] = std::min( { replaced, row[ j ] + 1, above[ j + 1 ] + 1 } );
+         if ( areSwapped( a, i, b, j ) ) {
+            row[ j + 1 ] = std::min( row[ j + 1 ], twoAbove[ j - 1 ] + 1 );
+         }
       }
    }
    return row[ b.size() ];

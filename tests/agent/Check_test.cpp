@@ -217,12 +217,15 @@ TEST_F( Check, TakesFilesAndFoldersOneAfterTheOther ) {
               "3 mistakes in 4 scenarios\n" );
 }
 
-TEST_F( Check, RefusesAFolderWithoutScenarios ) {
-   auto const ran = Support::vornal( { "check", directory.path().string() } );
+TEST_F( Check, FindsAFolderWithoutScenariosBesideOtherMistakes ) {
+   std::string const folder = directory.path().string();
+   std::string const twice = directory.file( "more.text", "scenario: s\nswitch: 1\n" );
+   auto const ran = Support::vornal( { "check", folder, twice, twice } );
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_EQ( ran.out, "" );
-   EXPECT_EQ( ran.err,
-              directory.path().string() + " holds no scenario; name a folder with some\n" );
+   EXPECT_EQ( ran.err, "" );
+   EXPECT_EQ( ran.out.find( folder + ": this folder holds no scenario; name one with some\n" ), 0U )
+      << ran.out;
+   EXPECT_TRUE( ran.out.ends_with( "\n2 mistakes in 2 scenarios\n" ) ) << ran.out;
 }
 
 TEST_F( Check, FindsNothingInTheScenariosThatShip ) {

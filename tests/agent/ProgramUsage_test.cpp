@@ -26,6 +26,8 @@ TEST( ProgramUsage, NamesTheCommandThatWasProbablyMeant ) {
    EXPECT_EQ( ran.err, "no command 'rum'; did you mean 'run'?\n" );
    EXPECT_EQ( Support::vornal( { "vrify", "x.yaml" } ).err,
               "no command 'vrify'; did you mean 'verify'?\n" );
+   EXPECT_EQ( Support::vornal( { "shwo", "x.yaml" } ).err,
+              "no command 'shwo'; did you mean 'show'?\n" );
    EXPECT_EQ( Support::vornal( { "inspect" } ).err,
               "no command 'inspect'; the commands are " + commands() + '\n' );
 }
@@ -76,6 +78,29 @@ TEST( ProgramUsage, SaysWhichWordIsMissingOrTooMany ) {
               "vornal run: unknown word '--jsn'; did you mean '--json'?" + help );
    EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "more" } ).err,
               "vornal run: unknown word 'more'" + help );
+}
+
+TEST( ProgramUsage, NamesAnUnknownWordWhereACommandIsExpected ) {
+   std::string const help = "\n'vornal --help' lists the words that it takes\n";
+   EXPECT_EQ( Support::vornal( { "--hlep" } ).err,
+              "vornal: unknown word '--hlep'; did you mean '--help'?" + help );
+   EXPECT_EQ( Support::vornal( { "--bogus" } ).err, "vornal: unknown word '--bogus'" + help );
+}
+
+TEST( ProgramUsage, SaysWhatNumberIsExpected ) {
+   for ( std::string const step : { "x", "-1", "99999999999" } ) {
+      EXPECT_EQ( Support::vornal( { "show", "leaf.yaml", "rules", "--after", step } ).err,
+                 "vornal show: --after: '" + step +
+                    "' is no whole number from 0 on: show the switch after this step, 0 for "
+                    "start-up; after the last one if none is given\n'vornal show --help' lists the "
+                    "words that it takes\n" );
+   }
+   for ( std::string const jobs : { "x", "0", "-1", "1025", "2x" } ) {
+      EXPECT_EQ( Support::vornal( { "test", "leaf.yaml", "--jobs", jobs } ).err,
+                 "vornal test: --jobs: '" + jobs +
+                    "' is no number of jobs; give one from 1 to 1024\n'vornal test --help' lists "
+                    "the words that it takes\n" );
+   }
 }
 
 TEST( ProgramUsage, SaysWhatATurnLimitIs ) {
@@ -176,6 +201,13 @@ TEST_F( ProgramInput, CanBeStandardInput ) {
    EXPECT_NE( ran.find( "read" ), std::string::npos );
    std::string const refused = printed( program + " run -" + plugin + " < " + bad );
    EXPECT_EQ( refused.substr( 0, 43 ), "2\nstandard input:20: unknown word 'nope' in" ) << refused;
+}
+
+TEST_F( ProgramInput, HasOneNameWhereItsMistakesAreListed ) {
+   std::string const file = directory.file( "worse.yaml", "switch: 1\nscenario:\n" );
+   std::string const ran = printed( program + " check - < " + file );
+   EXPECT_TRUE( ran.starts_with( "2\nstandard input:1: switch is text" ) ) << ran;
+   EXPECT_NE( ran.find( "\nstandard input: not checked because of" ), std::string::npos ) << ran;
 }
 
 TEST_F( ProgramInput, CanBeAPipe ) {

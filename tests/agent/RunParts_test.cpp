@@ -68,6 +68,8 @@ TEST_F( RunParts, NamesThePlaceOfAMistakeInAnAddedStep ) {
    EXPECT_EQ( run( { "--then", "pubish: {}" } ).err,
               "--then:1: unknown word 'pubish' in step; did you mean 'publish'?\n" );
    EXPECT_EQ( run( { "--then", "note: [" } ).exitCode, 2 );
+   EXPECT_TRUE( run( { "--then", "" } )
+                   .err.starts_with( "--then:1: an element of --then is empty; a mapping is" ) );
    EXPECT_EQ( run( { "--until", "4" } ).err, "--until 4: " + scenario() + " ends with step 3\n" );
 }
 

@@ -41,6 +41,18 @@ TEST( ShellInput, GoesOnWithDeeperLinesOfAStep ) {
               ( Texts{ "1 withdraw:\n  vteps:\n    - 10.0.0.2", "4 next" } ) );
 }
 
+TEST( ShellInput, GoesOnWithDeeperLinesOfAStepBehindACommand ) {
+   EXPECT_EQ( entriesOf( { "what-if withdraw:", "  vteps: [ 10.0.0.2 ]", "next" } ),
+              ( Texts{ "1 what-if withdraw:\n  vteps: [ 10.0.0.2 ]", "3 next" } ) );
+   EXPECT_EQ( entriesOf( { "explain { from:", "10.0.0.2 }", "next" } ),
+              ( Texts{ "1 explain { from:\n10.0.0.2 }", "3 next" } ) );
+}
+
+TEST( ShellInput, TakesTheListOfAScenariosStepsWithItsHeading ) {
+   EXPECT_EQ( entriesOf( { "steps:", "  - note: one", "  - note: two" } ),
+              ( Texts{ "2     note: one", "3     note: two" } ) );
+}
+
 TEST( ShellInput, TakesElementsOfAListAsTheyStandInAScenario ) {
    EXPECT_EQ( entriesOf(
                  { "  - note: one", "  - only-on: class-id", "    note: two", "", "next" } ),

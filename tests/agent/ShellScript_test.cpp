@@ -71,7 +71,9 @@ TEST_F( ShellScript, AnswersQuestionsAboutTheSwitchAsItIs ) {
    auto const ran = shell( "show rules\nnext\nshow rules\nexplain 7\n" );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( Support::timesIn( ran.out, "EgressMask ports 3" ), 2U ) << ran.out;
-   EXPECT_EQ( ran.err, "frame 7 is not sent: the scenario has sent 0 frames\n" );
+   EXPECT_EQ( ran.err,
+              "shell:4: frame 7 is not sent: the scenario has sent 0 frames up to this step; give "
+              "the number of one of these, or ask after the step that sends it\n" );
 }
 
 TEST_F( ShellScript, TellsWhatTheLastStepChangedAndWhatAStepWouldChange ) {
@@ -144,6 +146,34 @@ TEST_F( ShellScript, NamesTheLineOfAMistakeThatShowsOnlyInTheRun ) {
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_TRUE( ran.err.starts_with( "shell:3: " ) ) << ran.err;
    EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+   auto const asked = shell( "\nshow entities /nowhere\nexplain 9999\n" );
+   EXPECT_EQ( asked.exitCode, 2 );
+   EXPECT_TRUE( asked.err.starts_with( "shell:2: there is no entity at '/nowhere'" ) ) << asked.err;
+   EXPECT_TRUE( contains( asked.err, "\nshell:3: " ) ) << asked.err;
+}
+
+TEST_F( ShellScript, NamesTheLineOfAMistakeWithinAnEntry ) {
+   auto const ran = shell( "next\npublish:\n   segments: { Ethernet1: ]\n\nnext\n" );
+   EXPECT_TRUE( ran.err.starts_with( "shell:3: " ) ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+}
+
+TEST_F( ShellScript, SaysHowFarAnOpenBracketReaches ) {
+   auto const ran = shell( "withdraw: { segments: [ Ethernet1 ]\nnext\nnext\n" );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_TRUE( ran.err.ends_with( "\na bracket is open to the end of line 3; close it\n" ) )
+      << ran.err;
+}
+
+TEST_F( ShellScript, SaysThatALineHasANulCharacter ) {
+   auto const ran = shell( std::string( "next\nnote: a\0b\nnext\n", 19 ) );
+   EXPECT_EQ( ran.err, "shell:2: there is a NUL character in this line; take it out\n" );
+   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+}
+
+TEST_F( ShellScript, NamesNoVariantBeforeThePlugInIsReady ) {
+   auto const ran = shell( "verify\n" );
+   EXPECT_TRUE( contains( ran.out, "\nleaf\nat the end\n" ) ) << ran.out;
 }
 
 TEST_F( ShellScript, SavesAScenarioThatRunsToTheSameState ) {
@@ -169,6 +199,16 @@ TEST_F( ShellScript, SavesAScenarioThatRunsToTheSameState ) {
       { "show", mine, "state", "--json", "--plugin", Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( shown.exitCode, 0 ) << shown.err;
    EXPECT_TRUE( ran.out.ends_with( shown.out ) ) << ran.out << shown.out;
+}
+
+TEST_F( ShellScript, SavesNothingThatWouldNotRun ) {
+   std::string const mine = directory.path() / "mine.yaml";
+   auto const ran = shell( "next\nexpect: { stop: { exception: x } }\nsave " + mine + "\n" );
+   EXPECT_EQ( ran.err,
+              "shell:3: what was carried out is no scenario yet, so nothing is saved: stop is "
+              "about the next step, and no step follows; write the step that stops the process "
+              "behind this one\n" );
+   EXPECT_FALSE( fs::exists( mine ) );
 }
 
 TEST_F( ShellScript, SavesIntoNoDeviceAndBehindNoLinkThatLeadsNowhere ) {
@@ -216,12 +256,13 @@ TEST_F( ShellScript, EndsWithTheSignalThatInterruptsIt ) {
 }
 
 TEST_F( ShellScript, ListsWhatCanBeTyped ) {
-   auto const ran = shell( "help\nhelp withdraw\nhelp verify\nquit\nnonsense\n" );
+   auto const ran = shell( "help\nhelp withdraw\nhelp verify\nhelp diff\nexit\nnonsense\n" );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_TRUE( contains( ran.out, "\nrun [to STEP] " ) ) << ran.out;
    EXPECT_TRUE( contains( ran.out, "\nSteps: note, ready, publish" ) );
    EXPECT_TRUE( contains( ran.out, "withdraw: (a step) Other agents withdraw" ) );
    EXPECT_TRUE( contains( ran.out, "--after-each-step" ) );
+   EXPECT_TRUE( contains( ran.out, "--only PART" ) );
 }
 
 TEST_F( ShellScript, RefusesStandardInputAsTheScenario ) {

@@ -192,6 +192,33 @@ TEST_F( ShellTerminal, GoesBackByUndoAfterAStopAndSavesAScenarioThatRuns ) {
    EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
 }
 
+TEST_F( ShellTerminal, DoesNotSaveOverWhatSomebodyElseHasWritten ) {
+   std::string const mine = directory.path() / "mine.yaml";
+   auto const screen = shell();
+   screen->until( "leaf 0/2> " );
+   screen->type( "save " + mine + kEnter );
+   screen->until( "leaf 0/2> " );
+   directory.file( "mine.yaml", "by hand\n" );
+   screen->type( "save " + mine + kEnter );
+   screen->until( " has changed since it was saved; name another file, or add --force" );
+   screen->until( "leaf 0/2> " );
+   EXPECT_EQ( Support::contentOf( mine ), "by hand\n" );
+   screen->type( "save --force " + mine + kEnter );
+   screen->until( "leaf 0/2> " );
+   EXPECT_TRUE( contains( Support::contentOf( mine ), "scenario: mine" ) );
+}
+
+TEST_F( ShellTerminal, KeepsTheHistoryWhenItIsKilled ) {
+   auto const screen = shell();
+   screen->until( "leaf 0/2> " );
+   screen->type( "note: remembered\r" );
+   screen->until( "leaf 0/2 +1> " );
+   screen->signal( SIGKILL );
+   EXPECT_NE( screen->wait(), 0 );
+   EXPECT_TRUE(
+      contains( Support::contentOf( directory.path() / "vornal/history" ), "remembered" ) );
+}
+
 TEST_F( ShellTerminal, EndsWithTheTerminalOrByATermination ) {
    auto const screen = shell();
    screen->until( "leaf 0/2> " );

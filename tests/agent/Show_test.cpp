@@ -65,6 +65,8 @@ TEST( Show, NamesTheInterfaceOfAnEgressRule ) {
 TEST( Show, ShowsTheSwitchAfterTheStepThatIsNamed ) {
    EXPECT_EQ( show( "two-leaves", { "rules", "--after", "8" } ).out, "no rules\n" );
    EXPECT_EQ( rows( "two-leaves", { "rules", "--after", "9" } ).size(), 4U );
+   EXPECT_EQ( show( "two-leaves", { "rules", "--after", "9", "--unit", "9", "--entry", "7" } ).out,
+              "no rules with unit 9 with entry 7; 4 in all\n" );
    EXPECT_EQ( rows( "grant-late", { "class-ids", "--after", "0" } ), Json::array() );
 }
 

@@ -71,6 +71,12 @@ TEST_F( TestCommand, IsQuietWhenAllPass ) {
    EXPECT_EQ( told.err, "" );
 }
 
+TEST_F( TestCommand, ListsTheMistakesOfAScenarioOneBelowTheOther ) {
+   scenario( "a", ready + "   - expct: {}\n   - nte: x\n" );
+   auto const told = ran();
+   EXPECT_EQ( Support::timesIn( told.out, "\n   " + fileOf( "a" ) + ':' ), 2U ) << told.out;
+}
+
 TEST_F( TestCommand, EndsWithTheFailuresInTheOrderOfThePaths ) {
    scenario( "a", bad );
    scenario( "b", good );
