@@ -14,10 +14,10 @@
 #include <Kiv/TurnWatch.h>
 #include <Process/Descriptor.h>
 #include <Process/EndWatch.h>
+#include <Process/EventPipe.h>
 #include <Process/Interruption.h>
 #include <Process/Listener.h>
 #include <Process/Pulse.h>
-#include <Story/Codec.h>
 
 #include <fcntl.h>
 #include <signal.h>
@@ -35,6 +35,13 @@ struct Pipes {
    Pipe output = pipeNew();
 };
 
+// Room for the events that come while the parent waits for more of them. Without it the pipe has
+// its usual size.
+void enlarge( Pipe const & pipe ) {
+   constexpr int kRoom = 1 << 20;
+   std::ignore = fcntl( pipe.in.fd(), F_SETPIPE_SZ, kRoom );
+}
+
 // --- In the child
 
 std::terminate_handler libraryHandler = nullptr;
@@ -42,20 +49,20 @@ std::terminate_handler libraryHandler = nullptr;
 // Sends every event through the pipe as soon as it happens.
 class PipeObserver final : public Story::Observer {
  public:
-   PipeObserver( Descriptor const & pipe, Pulse & pulse ) : pipe_( pipe ), pulse_( pulse ) {}
+   PipeObserver( Descriptor const & pipe, Pulse & pulse ) : sender_( pipe ), pulse_( pulse ) {}
 
    void onEvent( Story::Event const & event ) override {
       // A capture is one turn; the pulse beats for each of its frames.
       if ( std::holds_alternative< Story::FrameForwarded >( event ) ) {
          pulse_.beat();
       }
-      if ( !pipe_.write( Story::encoded( event ) + '\n' ) ) {
+      if ( !sender_.send( event ) ) {
          _exit( EXIT_FAILURE );  // nobody reads the pipe any more
       }
    }
 
  private:
-   Descriptor const & pipe_;
+   EventSender sender_;
    Pulse & pulse_;
 };
 
@@ -167,6 +174,7 @@ void runInChild( Work const & work, std::span< std::byte const > ring, Story::Ob
                  std::chrono::milliseconds turnLimit ) {
    Pulse pulse;
    Pipes pipes;
+   enlarge( pipes.events );
    Interruption const interruption;
    // Both processes would write the buffered text.
    std::cout.flush();

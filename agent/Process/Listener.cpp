@@ -3,15 +3,12 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <stdexcept>
 
 #include <fmt/format.h>
 
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
-#include <Story/Codec.h>
 
-#include <poll.h>
 #include <sys/wait.h>
 #include <time.h>
 
@@ -22,8 +19,9 @@ namespace {
 using Duration = TurnTimer::Duration;
 
 constexpr std::size_t kMostTraceLines = 20;
-// Longer than any event. Text that is no event cannot fill the memory.
-constexpr std::size_t kLongestEvent = std::size_t{ 1 } << 28U;
+// How long the parent waits for more when something has come: it takes many events at once, rather
+// than wake up for each.
+constexpr std::chrono::milliseconds kNap{ 1 };
 // Enough reads to empty two full pipes.
 constexpr int kMostReadsOfRest = 64;
 
@@ -49,7 +47,7 @@ std::string limitText( Duration limit ) {
 }  // namespace
 
 Listener::Listener( Context context )
-      : events_( std::move( context.events ), kLongestEvent ),
+      : events_( std::move( context.events ), kLongestLine ),
         output_( std::move( context.output ), kLongestLine ),
         ring_( context.ring ),
         observer_( context.observer ),
@@ -83,23 +81,41 @@ bool Listener::isToEnd() {
 bool Listener::hear( std::chrono::milliseconds patience ) {
    // A closed pipe's descriptor is -1, which poll() skips. With both closed, the child is about to
    // end.
-   std::array< pollfd, 2 > ready{ pollfd{ events_.pipe().fd(), POLLIN, 0 },
+   std::array< pollfd, 2 > pipes{ pollfd{ events_.pipe().fd(), POLLIN, 0 },
                                   pollfd{ output_.pipe().fd(), POLLIN, 0 } };
-   int const longest = isAnyOpen() ? static_cast< int >( patience.count() ) : 1;
-   Duration const begin = now( CLOCK_MONOTONIC );
-   int const count = poll( ready.data(), ready.size(), longest );
-   timer_.waited( now( CLOCK_MONOTONIC ) - begin );
-   if ( count <= 0 ) {
+   if ( !isReady( pipes, isAnyOpen() ? patience : std::chrono::milliseconds( 1 ) ) ) {
       return false;
    }
-   Duration const workBegin = now( CLOCK_THREAD_CPUTIME_ID );
-   if ( ready[ 0 ].revents != 0 ) {
-      events_.read( [ & ]( std::string const & line ) { takeEvent( line ); } );
+   Duration const begin = now( CLOCK_THREAD_CPUTIME_ID );
+   if ( pipes[ 0 ].revents != 0 ) {
+      events_.read( [ & ]( Story::Event const & event ) { takeEvent( event ); },
+                    [ & ]( std::string const & line ) { takeOutput( line ); } );
    } else {
       output_.read( [ & ]( std::string const & line ) { takeOutput( line ); } );
    }
-   timer_.worked( now( CLOCK_THREAD_CPUTIME_ID ) - workBegin );
+   timer_.worked( now( CLOCK_THREAD_CPUTIME_ID ) - begin );
    return true;
+}
+
+// Waits for something to read; false when nothing came.
+bool Listener::isReady( std::span< pollfd > pipes, std::chrono::milliseconds patience ) {
+   auto const poll = [ & ]( std::chrono::milliseconds time ) {
+      return ::poll( pipes.data(), pipes.size(), static_cast< int >( time.count() ) ) > 0;
+   };
+   if ( poll( std::chrono::milliseconds( 0 ) ) ) {
+      return true;
+   }
+   if ( patience.count() == 0 ) {
+      return false;
+   }
+   observer_.onPause();
+   Duration const begin = now( CLOCK_MONOTONIC );
+   bool const isReady = poll( patience );
+   if ( isReady ) {
+      ::poll( nullptr, 0, static_cast< int >( kNap.count() ) );
+   }
+   timer_.waited( now( CLOCK_MONOTONIC ) - begin );
+   return isReady;
 }
 
 void Listener::hearRest() {
@@ -140,21 +156,12 @@ void Listener::tellStop( int status ) {
                       isOverTime_ } );
 }
 
-// --- Lines of the child
+// --- What the child tells and prints
 
-// A line that is no event comes from the plug-in, which has written to a descriptor that it does
-// not own.
-void Listener::takeEvent( std::string const & line ) {
-   std::optional< Story::Event > event;
-   try {
-      event = Story::decoded( line );
-   } catch ( std::runtime_error const & ) {
-      takeOutput( line );
-      return;
-   }
-   hasEnded_ = std::holds_alternative< Story::RunEnds >( *event ) ||
-               std::holds_alternative< Story::BadInput >( *event );
-   observer_.onEvent( *event );
+void Listener::takeEvent( Story::Event const & event ) {
+   hasEnded_ = std::holds_alternative< Story::RunEnds >( event ) ||
+               std::holds_alternative< Story::BadInput >( event );
+   observer_.onEvent( event );
 }
 
 void Listener::takeOutput( std::string const & line ) {

@@ -5,18 +5,21 @@
 #include <span>
 
 #include <Process/Descriptor.h>
+#include <Process/EventPipe.h>
 #include <Process/Interruption.h>
 #include <Process/LastWords.h>
 #include <Process/Lines.h>
 #include <Process/TurnTimer.h>
 #include <Story/Observer.h>
 
+#include <poll.h>
+
 namespace Process {
 
 class Listener {
  public:
    struct Context {
-      Descriptor events;  // one line for each event
+      Descriptor events;
       Descriptor output;  // the child's printed output
       std::span< std::byte const > ring;
       Story::Observer & observer;
@@ -45,14 +48,15 @@ class Listener {
  private:
    bool isAnyOpen() const { return events_.pipe().isOpen() || output_.pipe().isOpen(); }
    bool hear( std::chrono::milliseconds patience );
+   bool isReady( std::span< pollfd > pipes, std::chrono::milliseconds patience );
    void hearRest();
    bool isToEnd();
    void tellEnd( int status );
    void tellStop( int status );
-   void takeEvent( std::string const & line );
+   void takeEvent( Story::Event const & event );
    void takeOutput( std::string const & line );
 
-   Lines events_;
+   EventReceiver events_;
    Lines output_;
    std::span< std::byte const > ring_;
    Story::Observer & observer_;

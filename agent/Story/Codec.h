@@ -1,21 +1,22 @@
-// Events as text, one line each. In this form they travel from the agent's process to the one that
-// tells the story.
+// Events as bytes. In this form they travel from the agent's process to the one that tells the
+// story, and stand in records of runs.
 //
-// A line is a JSON object: the event's name under "event", and its fields. Reading is the inverse
-// of writing for every event. Bytes that are not UTF-8 (a name from a damaged file) are replaced.
+// The bytes are the event's number in the list of events, and its fields (Story/Binary.h). Reading
+// is the inverse of writing for every event, whatever bytes its texts hold.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <Story/Event.h>
 
 namespace Story {
 
-// The event's line, without line end.
 std::string encoded( Event const & event );
+// Appends the event's bytes.
+void encodeInto( std::string & bytes, Event const & event );
 
-// Reads the event of a line. Throws std::runtime_error for any other text, and for a number with a
-// fraction in place of a whole one.
-Event decoded( std::string const & line );
+// Reads the event of exactly these bytes. Throws std::runtime_error for any others.
+Event decoded( std::string_view bytes );
 
 }  // namespace Story

@@ -7,7 +7,8 @@
 
 namespace Story {
 
-// Is told every event once, in order, and changes nothing.
+// Is told every event once, in order, and changes nothing. Where events come from another process,
+// it is also told when it has been told all that have come, and the next may take a while.
 class Observer {
  public:
    Observer() = default;
@@ -16,6 +17,7 @@ class Observer {
    virtual ~Observer() = default;
 
    virtual void onEvent( Event const & event ) = 0;
+   virtual void onPause() {}
 };
 
 // Passes every event on to several observers, in the order given. They must outlive it.
@@ -27,6 +29,11 @@ class Observers final : public Observer {
    void onEvent( Event const & event ) override {
       for ( Observer * const observer : observers_ ) {
          observer->onEvent( event );
+      }
+   }
+   void onPause() override {
+      for ( Observer * const observer : observers_ ) {
+         observer->onPause();
       }
    }
 

@@ -17,6 +17,7 @@ class StopCheck final : public Observer {
    explicit StopCheck( Observer & observer ) : observer_( observer ) {}
 
    void onEvent( Event const & event ) override;
+   void onPause() override { observer_.onPause(); }
 
  private:
    void begin( StepBegins const & step );

@@ -1,143 +1,42 @@
 #include <Story/Codec.h>
 
+#include <random>
 #include <set>
 
 #include <gtest/gtest.h>
 
+#include <OneOfEach.h>
+#include <Story/EventForms.h>
+
 namespace {
 
 using Story::Event;
+namespace Binary = Story::Binary;
 
-Story::EntityTree someTree() {
-   Story::EntityTree const segment{ "Evpn::EthernetSegmentStatus", "Ethernet1", "", {} };
-   return {
-      "Evpn::EvpnStatus",
-      "status",
-      "",
-      { { "segmentStatus", Kiv::Attribute::Kind::Members, { { "Ethernet1", "", { segment } } } },
-        { "name", Kiv::Attribute::Kind::Value, { { "", "text", {} } } } }
-   };
-}
-
-Brum::PerUnitBitmap somePorts() {
-   Brum::PerUnitBitmap ports;
-   ports.bitSet( 1 );
-   ports.bitSet( 300 );
-   return ports;
-}
-
-// Every qualifier and every action, each with other numbers.
-Chip::Rule someRule() {
-   Chip::EntryContent content;
-   content.priority = 2;
-   U32 number = 0x56000002;
-   for ( Chip::Qualifier const qualifier : Chip::kQualifiers ) {
-      content[ qualifier ] = Chip::Match{ number, ~number, number + 1, number + 2 };
-      number += 3;
+bool isRefused( std::string const & bytes ) {
+   try {
+      Story::decoded( bytes );
+      return false;
+   } catch ( std::runtime_error const & ) {
+      return true;
    }
-   for ( Chip::Action const action : Chip::kActions ) {
-      content[ action ] = Chip::ActionParameters{ number, number + 1, somePorts() };
-      number += 2;
-   }
-   return { { 1, 157, 9 }, "Mark \"this\"", true, content };
-}
-
-Chip::HardwareCall someCall() {
-   return { "installEntry",
-            "call( unit )",
-            1,
-            2,
-            { { "group", U32{ 157 } }, { "name", std::string( "n" ) }, { "ports", somePorts() } },
-            -2 };
-}
-
-Chip::FrameStory someFrame() {
-   Chip::RuleKey const rule{ 1, 157, 9 };
-   auto const address = &Pelk::IpGenAddr::fromString;
-   return { { 1, 49, 2 },
-            Pelk::IntfId::fromString( "Ethernet49" ),
-            146,
-            Chip::TunnelStory{ address( "10.0.0.2" ), address( "2001:db8::1" ), 10100, 0x56000002 },
-            Chip::InnerStory{ Chip::MacAddress( 0x00005e005302 ), Chip::MacAddress::broadcast(), 10,
-                              0x800,
-                              Chip::IpStory{ address( "192.0.2.2" ), address( "192.0.2.255" ) } },
-            Chip::FrameKind::RoutedUnicast,
-            Chip::DropReason::UnknownHost,
-            { { 1, rule, 5 } },
-            { { Pelk::IntfId::fromString( "Ethernet1" ),
-                { 1, 4 },
-                address( "10.0.0.3" ),
-                Chip::Verdict::NotDesignated,
-                rule } } };
-}
-
-// One of every kind, with every field set to something that is not its default.
-std::vector< Event > oneOfEach() {
-   return { Story::RunBegins{ "s.yaml", "title", "what it is", 3 },
-            Story::StepBegins{ Story::StepKind::Teardown, 4, "text", "s.yaml:7" },
-            Story::StepEnds{ 4 },
-            Story::RunEnds{ 1'000'000'000'000 },
-            Story::BadInput{ "s.yaml:7: wrong" },
-            Story::Warning{ "s.yaml:8: no such handle" },
-            Story::PluginLoaded{ "p.so", { "A", "B" } },
-            Story::MountAsked{ "evpn/status", "Evpn::EvpnStatus", "wc" },
-            Story::MountsDone{ "A", "partial", { "problem" } },
-            Story::EntityLookedUp{ "evpn/status", "Evpn::EvpnStatus" },
-            Story::SharedEntityAsked{ "vornalCommon", "Vornal::VornalCommonSmData" },
-            Story::TcamGroupAsked{ 157, true },
-            Story::VariantChosen{ "class-id", "T" },
-            Story::DependencyPointReady{ "evpn", true },
-            Story::PublishedChange{ "/p", "a", "k", "1", "2" },
-            Story::CallMade{ someCall() },
-            Story::RuleIs{ someRule() },
-            Story::RuleGone{ { 1, 157, 9 } },
-            Story::Traced{ "VornalEvpnSm", 5, "line\twith \"blanks\"\nand two lines" },
-            Story::Logged{ "NAME", "%VORNAL-3-NAME: text" },
-            Story::ExpectationChecked{ "text", "s.yaml:8", true, "found" },
-            Story::StopExpected{ "text", "s.yaml:9", "a == b", "add" },
-            Story::FramesBegin{ "Ethernet49", 9 },
-            Story::FrameForwarded{ 7, someFrame() },
-            Story::ForeignEntriesAre{ 1, 157, 5, 3 },
-            Story::EntityDumped{ "/evpn/status", someTree() },
-            Story::RulesDumped{ { someRule() } },
-            Story::Audited{ 5,
-                            4,
-                            { { Story::DifferenceKind::wrongMask, 1, 157, 3, "rule", "EgressMask",
-                                "ports 3", "ports 4", "because" } },
-                            { "10.0.0.4" } },
-            Story::PluginPass{ Story::PluginPass::State::Skipped, "it is full" },
-            Story::EntityShown{ "/evpn/status", someTree() },
-            Story::TableShown{ { "rules",
-                                 { "unit", "vtep" },
-                                 { { U64{ 1 }, Story::Cell() },
-                                   { "text", std::vector< std::string >{ "a", "b" } } } } },
-            Story::FrameExplained{
-               { "frame", "text", { { "number", U64{ 7 } } }, { { "verdict", "sent" } } } },
-            Story::OutputLine{ "text" },
-            Story::Stopped{ "signal 6",
-                            Story::Assertion{ "f.cpp", 12, "void f()", "a == b" },
-                            { "last" },
-                            { { "h", 2, "t" } },
-                            true,
-                            false },
-            Story::Interrupted{ 15, "signal 15 (Terminated)" } };
 }
 
 TEST( Codec, HasAnExampleOfEveryEvent ) {
    std::set< std::size_t > kinds;
-   for ( Event const & event : oneOfEach() ) {
+   for ( Event const & event : OneOfEach::events() ) {
       kinds.insert( event.index() );
    }
    EXPECT_EQ( kinds.size(), std::variant_size_v< Event > );
 }
 
 TEST( Codec, ReadsBackWhatItWritesForEveryEvent ) {
-   for ( Event const & event : oneOfEach() ) {
-      std::string const line = Story::encoded( event );
-      Event const read = Story::decoded( line );
+   for ( Event const & event : OneOfEach::events() ) {
+      std::string const bytes = Story::encoded( event );
+      Event const read = Story::decoded( bytes );
 
-      EXPECT_EQ( read.index(), event.index() ) << line;
-      EXPECT_EQ( Story::encoded( read ), line );
+      EXPECT_EQ( read.index(), event.index() );
+      EXPECT_EQ( Story::encoded( read ), bytes ) << "event " << event.index();
    }
 }
 
@@ -177,7 +76,7 @@ template< typename T > std::size_t fieldCount() {
 
 // A field that is not listed would be lost in both directions, and no text would tell.
 TEST( Codec, KnowsEveryMemberOfEveryEvent ) {
-   for ( Event const & event : oneOfEach() ) {
+   for ( Event const & event : OneOfEach::events() ) {
       std::visit(
          []< typename T >( T const & ) {
             EXPECT_EQ( fieldCount< T >(), memberCount< T >() ) << T::kName;
@@ -197,61 +96,152 @@ template< typename T > T sent( T const & event ) {
 }
 
 TEST( Codec, KeepsEveryFieldOfRulesCallsAndFrames ) {
-   EXPECT_EQ( sent( Story::RuleIs{ someRule() } ).rule, someRule() );
+   EXPECT_EQ( sent( Story::RuleIs{ OneOfEach::someRule() } ).rule, OneOfEach::someRule() );
    EXPECT_EQ( sent( Story::RuleIs{} ).rule, Chip::Rule() );
-   EXPECT_EQ( sent( Story::CallMade{ someCall() } ).call, someCall() );
-   EXPECT_EQ( sent( Story::FrameForwarded{ 7, someFrame() } ).frame, someFrame() );
+   EXPECT_EQ( sent( Story::CallMade{ OneOfEach::someCall() } ).call, OneOfEach::someCall() );
+   EXPECT_EQ( sent( Story::FrameForwarded{ 7, OneOfEach::someFrame() } ).frame,
+              OneOfEach::someFrame() );
    EXPECT_EQ( sent( Story::FrameForwarded{} ).frame, Chip::FrameStory() );
 }
 
-TEST( Codec, RefusesANumberThatStandsForNoVerdict ) {
-   std::string line = Story::encoded( Story::FrameForwarded{ 7, someFrame() } );
-   std::string const last = R"("verdict":)" + std::to_string( Chip::kVerdicts - 1 );
-   ASSERT_NE( line.find( last ), std::string::npos );
-   line.replace( line.find( last ), last.size(),
-                 R"("verdict":)" + std::to_string( Chip::kVerdicts ) );
-
-   EXPECT_THROW( Story::decoded( line ), std::runtime_error );
-}
-
 TEST( Codec, KeepsAbsentValuesApartFromEmptyOnes ) {
-   Event const gone = Story::PublishedChange{ "/p", "a", "k", "", std::nullopt };
-
-   auto const read = std::get< Story::PublishedChange >( Story::decoded( Story::encoded( gone ) ) );
+   auto const read = sent( Story::PublishedChange{ "/p", "a", "k", "", std::nullopt } );
 
    EXPECT_EQ( read.from, "" );
    EXPECT_EQ( read.to, std::nullopt );
 }
 
-TEST( Codec, WritesOneLineAndReplacesWhatIsNotUtf8 ) {
-   std::string const line = Story::encoded( Story::OutputLine{ "a\nb\xff" } );
-
-   EXPECT_EQ( line.find( '\n' ), std::string::npos );
-   EXPECT_EQ( std::get< Story::OutputLine >( Story::decoded( line ) ).text, "a\nb\xef\xbf\xbd" );
+TEST( Codec, KeepsTextsOfAnyBytes ) {
+   std::string const text( "a\nb\0c\xff", 6 );
+   EXPECT_EQ( sent( Story::OutputLine{ text } ).text, text );
 }
 
-TEST( Codec, RefusesWhatIsNoEvent ) {
-   for ( char const * const line :
-         { "", "{", "{}", "[]", R"({"event":"surprise"})", R"({"event":"stepEnds"})",
-           R"({"event":"stepEnds","number":"x"})", R"({"event":"stepEnds","number":1e999})",
-           R"({"event":"audited","rules":1,"entries":1,"differences":[{"kind":"odd"}]})" } ) {
-      EXPECT_THROW( Story::decoded( line ), std::runtime_error ) << line;
+TEST( Codec, KeepsNumbersUpToTheirLimits ) {
+   for ( int const level :
+         { 0, -1, 1, std::numeric_limits< int >::min(), std::numeric_limits< int >::max() } ) {
+      EXPECT_EQ( sent( Story::Traced{ "h", level, "" } ).level, level );
+   }
+   for ( U64 const time : { U64{ 0 }, U64{ 127 }, U64{ 128 }, ~U64{ 0 } } ) {
+      EXPECT_EQ( sent( Story::RunEnds{ time } ).time, time );
    }
 }
 
-TEST( Codec, RefusesAFractionWhereAWholeNumberBelongs ) {
-   EXPECT_EQ(
-      std::get< Story::StepEnds >( Story::decoded( R"({"event":"stepEnds","number":7})" ) ).number,
-      7U );
-   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":7.5})" ), std::runtime_error );
-   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":7.0})" ), std::runtime_error );
+// --- Damage
+
+TEST( Codec, RefusesEveryEventThatIsCutShortOrHasBytesLeftOver ) {
+   for ( Event const & event : OneOfEach::events() ) {
+      std::string const bytes = Story::encoded( event );
+      for ( std::size_t size = 0; size < bytes.size(); ++size ) {
+         EXPECT_TRUE( isRefused( bytes.substr( 0, size ) ) ) << event.index() << ", " << size;
+      }
+      EXPECT_TRUE( isRefused( bytes + '\0' ) ) << event.index();
+   }
+}
+
+// Each event has one form. So whatever is read from damaged bytes is an event that has them.
+TEST( Codec, RefusesDamagedBytesUnlessTheyAreThoseOfAnotherEvent ) {
+   constexpr unsigned kSeed = 20;
+   SCOPED_TRACE( "seed " + std::to_string( kSeed ) );
+   std::mt19937 random( kSeed );
+   std::size_t refused = 0;
+   for ( Event const & event : OneOfEach::events() ) {
+      std::string const bytes = Story::encoded( event );
+      for ( int n = 0; n < 2000; ++n ) {
+         std::string damaged = bytes;
+         for ( auto changes = random() % 3 + 1; changes > 0; --changes ) {
+            damaged[ random() % damaged.size() ] = static_cast< char >( random() );
+         }
+         if ( isRefused( damaged ) ) {
+            ++refused;
+         } else {
+            ASSERT_EQ( Story::encoded( Story::decoded( damaged ) ), damaged );
+         }
+      }
+   }
+   EXPECT_GT( refused, 10'000U );
+}
+
+TEST( Codec, RefusesWhatStandsForNoValueOfAnEnumeration ) {
+   auto const read = []< typename T >( T, U64 number ) {
+      std::string bytes;
+      Binary::Out( bytes ).number( number );
+      Binary::In in( bytes );
+      return Binary::read< T >( in );
+   };
+   EXPECT_EQ( read( Chip::Verdict(), Chip::kVerdicts - 1 ), Chip::Verdict::NotDesignated );
+   EXPECT_THROW( read( Chip::Verdict(), Chip::kVerdicts ), std::runtime_error );
+   EXPECT_THROW( read( Chip::DropReason(), Chip::kDropReasons ), std::runtime_error );
+   EXPECT_THROW( read( Chip::FrameKind(), Chip::kFrameKinds.size() ), std::runtime_error );
+   EXPECT_THROW( read( Story::StepKind(), 4 ), std::runtime_error );
+   EXPECT_THROW( read( Story::PluginPass::State(), 4 ), std::runtime_error );
+   EXPECT_THROW( read( Kiv::Attribute::Kind(), 7 ), std::runtime_error );
+   EXPECT_THROW( read( Story::DifferenceKind(), Story::differenceRows().size() ),
+                 std::runtime_error );
+   EXPECT_THROW( read( bool(), 2 ), std::runtime_error );
+}
+
+TEST( Codec, RefusesANumberWithSeveralForms ) {
+   for ( std::string const & overlong :
+         { std::string( "\x80\0", 2 ), std::string( "\xff\xff\xff\xff\xff\xff\xff\xff\xff\x02" ),
+           std::string( 11, '\xff' ) } ) {
+      Binary::In in( overlong );
+      EXPECT_THROW( in.number(), std::runtime_error );
+   }
+}
+
+TEST( Codec, RefusesAListThatClaimsMoreThanItsBytesCanHold ) {
+   std::string bytes;
+   Binary::Out( bytes ).number( U64{ 1 } << 40U );
+   Binary::In in( bytes );
+   EXPECT_THROW( Binary::read< std::vector< std::string > >( in ), std::runtime_error );
+}
+
+Event nested( int levels ) {
+   Story::Node node{ "innermost", "" };
+   for ( int n = 1; n < levels; ++n ) {
+      Story::Node outer{ "outer", "" };
+      outer.children.push_back( std::move( node ) );
+      node = std::move( outer );
+   }
+   return Story::FrameExplained{ std::move( node ) };
 }
 
 TEST( Codec, RefusesWhatIsNestedWithoutEnd ) {
-   std::string const deep( 1'000'000, '[' );
-   std::string const end( 1'000'000, ']' );
-   EXPECT_THROW( Story::decoded( R"({"event":"stepEnds","number":)" + deep + end + "}" ),
-                 std::runtime_error );
+   // The event is a level itself.
+   EXPECT_FALSE( isRefused( Story::encoded( nested( Binary::In::kDeepest - 1 ) ) ) );
+   EXPECT_TRUE( isRefused( Story::encoded( nested( Binary::In::kDeepest ) ) ) );
+}
+
+// --- The layout
+
+struct Sample {
+   U32 number = 0;
+   static void fields( auto & sample, auto && field ) { field( "number", sample.number ); }
+};
+struct OtherName {
+   U32 other = 0;
+   static void fields( auto & sample, auto && field ) { field( "other", sample.other ); }
+};
+struct OtherType {
+   U64 number = 0;
+   static void fields( auto & sample, auto && field ) { field( "number", sample.number ); }
+};
+
+template< typename T > std::string layoutOf() {
+   Binary::Layout layout;
+   Binary::describe< T >( layout );
+   return layout.text();
+}
+
+TEST( Codec, TellsTheLayoutOfFieldsByNameAndType ) {
+   EXPECT_EQ( layoutOf< Sample >(), "{number:u4,}" );
+   EXPECT_NE( layoutOf< Sample >(), layoutOf< OtherName >() );
+   EXPECT_NE( layoutOf< Sample >(), layoutOf< OtherType >() );
+   EXPECT_EQ( layoutOf< Story::Node >(),
+              "{kind:text,text:text,values:list of {name:text,cell:|nothing|u8|text|list of "
+              "text,},children:list of ^0,}" );
+   EXPECT_NE( layoutOf< Event >().find( "|stepEnds{number:u4,}" ), std::string::npos );
+   EXPECT_NE( Binary::fingerprintOf< Sample >(), Binary::fingerprintOf< OtherName >() );
 }
 
 }  // namespace
