@@ -20,6 +20,7 @@ void Progress::onEvent( Story::Event const & event ) {
                                      advance( frameBar() );
                                   },
                                   []( Story::RuleIs const & ) {}, []( Story::RuleGone const & ) {},
+                                  []( Story::ClockMoved const & ) {},
                                   [ & ]( auto const & ) { line_.clear(); } },
                event );
 }

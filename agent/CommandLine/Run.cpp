@@ -12,6 +12,7 @@
 #include <CommandLine/Usage.h>
 #include <Quelm/Error.h>
 #include <Steps/ExpectedStop.h>
+#include <Story/EventLines.h>
 #include <Story/HumanWriter.h>
 #include <Story/InputError.h>
 #include <Story/JsonWriter.h>
@@ -63,6 +64,16 @@ Story::ExitCode runForPrograms( ScenarioRun const & what,
    return outcome.exitCode();
 }
 
+Story::ExitCode runForListeners( ScenarioRun const & what,
+                                 std::vector< Story::Observer * > observers, std::ostream & out ) {
+   Story::EventLines lines( out );
+   observers.push_back( &lines );
+   Story::Outcome outcome;
+   runScenario( what, std::move( observers ), outcome );
+   tellInterruption( outcome );
+   return outcome.exitCode();
+}
+
 // Reads "HANDLE/LEVELS".
 Scenario::TraceLevels traceOf( std::string const & text ) {
    std::size_t const slash = text.rfind( '/' );
@@ -89,6 +100,10 @@ std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & fi
 
 void Run::declare( CLI::App & app ) {
    scenario_.declare( app );
+   auto * const events =
+      app.add_flag( "--events", isEvents_,
+                    "Print every event while it happens, each as a line of JSON" );
+   events->excludes( "--json" );
    app.add_option( "--trace", traceTexts_,
                    "Show the traces of a handle at these levels ('VornalEvpn*/0-5,9'); can be "
                    "given several times" )
@@ -104,7 +119,8 @@ void Run::declare( CLI::App & app ) {
       ->expected( 1 );
    app.add_option( "--step", step_, "End with this step, and tell its part of the story alone" )
       ->type_name( "STEP" )
-      ->excludes( "--until" );
+      ->excludes( "--until" )
+      ->excludes( events );
    auto * const whatIf =
       app.add_option( "--what-if", whatIf_,
                       "Show what one more step would change, instead of the story; can be given "
@@ -112,7 +128,8 @@ void Run::declare( CLI::App & app ) {
          ->type_name( "STEP" )
          ->take_all()
          ->expected( 1 )
-         ->excludes( "--step" );
+         ->excludes( "--step" )
+         ->excludes( events );
    declareOnly( app, only_ )->needs( whatIf );
    app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
       ->type_name( "FILE" )
@@ -177,6 +194,9 @@ Story::ExitCode Run::perform( std::ostream & out ) {
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
+   }
+   if ( isEvents_ ) {
+      return runForListeners( what, std::move( observers ), out );
    }
    return scenario_.isJson() ? runForPrograms( what, std::move( observers ), step_, out )
                              : runForPeople( what, std::move( observers ), step_, out );

@@ -25,6 +25,7 @@ class Run final : public Command {
    Story::ExitCode compare( std::ostream & out ) const;
 
    ScenarioWords scenario_;
+   bool isEvents_ = false;
    std::vector< std::string > traceTexts_;
    std::vector< Scenario::TraceLevels > trace_;
    std::optional< U32 > until_;

@@ -26,7 +26,8 @@ Chip::BoardConfig boardOf( Scenario::Switch const & device ) {
 
 Environment::Environment( Scenario::Model const & scenario, std::span< std::byte > ring,
                           Story::Observer & observer )
-      : observer_( { &record_, &chronicle_, &observer } ),
+      : observers_( { &record_, &chronicle_, &observer } ),
+        observer_( *activity_.clock(), observers_ ),
         reporter_( observer_ ),
         board_( boardOf( scenario.device ), &reporter_, &faults_ ),
         failing_( board_.sdk(), faults_ ),

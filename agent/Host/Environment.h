@@ -23,6 +23,7 @@
 #include <Peers/PublishedState.h>
 #include <Questions/Context.h>
 #include <Reporters/ChipReporter.h>
+#include <Reporters/ClockReporter.h>
 #include <StateDatabase/ChangeWatch.h>
 #include <StateDatabase/Finder.h>
 #include <Steps/Context.h>
@@ -58,8 +59,9 @@ class Environment {
 
    Expectations::Record record_;
    Questions::Chronicle chronicle_;
-   Story::Observers observer_;
+   Story::Observers observers_;
    Kiv::ActivityManager activity_;
+   Reporters::ClockReporter observer_;
    Reporters::ChipReporter reporter_;
    Chip::Faults faults_;
    Chip::Board board_;

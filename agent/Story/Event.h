@@ -12,6 +12,7 @@
 //    StepBegins{ 1 } ... StepEnds            the scenario's steps, from 1
 //    StepBegins{ n + 1 } ... StepEnds        verification, when it is asked for
 //    StepBegins{ n + 1 } ... StepEnds        teardown
+//    ClockMoved                              between any two of these, when time has passed
 //    RunEnds; Stopped when the process did not get there; BadInput when it could not go on;
 //    Interrupted when somebody wanted it to end
 //

@@ -212,12 +212,44 @@ Json jsonOf( std::vector< KnownLimit > const & limits ) {
    return json;
 }
 
+Json jsonOf( StepKind kind ) {
+   switch ( kind ) {
+   case StepKind::StartUp: return "start-up";
+   case StepKind::Scenario: return "scenario";
+   case StepKind::Verification: return "verification";
+   case StepKind::Teardown: break;
+   }
+   return "teardown";
+}
+
+Json jsonOf( PluginPass::State state ) {
+   switch ( state ) {
+   case PluginPass::State::Begins: return "begins";
+   case PluginPass::State::Held: return "held";
+   case PluginPass::State::Absent: return "absent";
+   case PluginPass::State::Skipped: break;
+   }
+   return "skipped";
+}
+
+Json jsonOf( Event const & event ) {
+   return std::visit(
+      []< typename What >( What const & what ) {
+         Json json{ { "event", What::kName } };
+         json.update( jsonOf( what ) );
+         return json;
+      },
+      event );
+}
+
+namespace {
+
 // Escapes DEL and U+0080 to U+009F, which can stand only in the texts of a document. A dump escapes
 // the control characters below the blank itself.
-std::string documentText( Json const & document ) {
+std::string textOf( Json const & document, int indent ) {
    constexpr char kDel = 0x7f;
    constexpr char kC1Lead = '\xc2';
-   std::string const dumped = document.dump( 3, ' ', false, Json::error_handler_t::replace );
+   std::string const dumped = document.dump( indent, ' ', false, Json::error_handler_t::replace );
    std::string text;
    text.reserve( dumped.size() + 1 );
    for ( std::size_t n = 0; n < dumped.size(); ++n ) {
@@ -230,6 +262,18 @@ std::string documentText( Json const & document ) {
       }
    }
    return text + '\n';
+}
+
+}  // namespace
+
+std::string documentText( Json const & document ) {
+   constexpr int kIndent = 3;
+   return textOf( document, kIndent );
+}
+
+std::string lineText( Json const & object ) {
+   constexpr int kOneLine = -1;
+   return textOf( object, kOneLine );
 }
 
 Json textOrNull( std::string const & text ) {

@@ -24,6 +24,12 @@ Json jsonOf( std::vector< KnownLimit > const & limits );
 inline Json jsonOf( DifferenceKind kind ) {
    return nameOf( kind );
 }
+// "start-up", "scenario", "verification", "teardown"
+Json jsonOf( StepKind kind );
+// "begins", "held", "absent", "skipped"
+Json jsonOf( PluginPass::State state );
+// An object with the name of the event first.
+Json jsonOf( Event const & event );
 
 // --- All other forms
 
@@ -69,5 +75,7 @@ Json textOrNull( std::string const & text );
 // A whole document as text, with its line end. It is UTF-8 whatever its texts contain, and has no
 // control character but line ends.
 std::string documentText( Json const & document );
+// The same in one line.
+std::string lineText( Json const & object );
 
 }  // namespace Story

@@ -52,6 +52,14 @@ struct StepEnds {
    static void fields( auto & event, auto && field ) { field( "number", event.number ); }
 };
 
+// The agent's clock has moved; told before the first event of that time. A run begins at 0.
+struct ClockMoved {
+   static constexpr char const * kName = "clockMoved";
+   U64 time = 0;  // in nanoseconds
+
+   static void fields( auto & event, auto && field ) { field( "time", event.time ); }
+};
+
 // The agent has done everything, teardown included.
 struct RunEnds {
    static constexpr char const * kName = "runEnds";
@@ -112,7 +120,7 @@ struct StopExpected {
    }
 };
 
-using RunEvents = std::variant< RunBegins, StepBegins, StepEnds, RunEnds, BadInput, Warning,
-                                ExpectationChecked, StopExpected >;
+using RunEvents = std::variant< RunBegins, StepBegins, StepEnds, ClockMoved, RunEnds, BadInput,
+                                Warning, ExpectationChecked, StopExpected >;
 
 }  // namespace Story

@@ -76,6 +76,7 @@ inline std::vector< Story::Event > events() {
    return { Story::RunBegins{ "s.yaml", "title", "what it is", 3 },
             Story::StepBegins{ Story::StepKind::Teardown, 4, "text", "s.yaml:7" },
             Story::StepEnds{ 4 },
+            Story::ClockMoved{ 1'500'000'000 },
             Story::RunEnds{ 1'000'000'000'000 },
             Story::BadInput{ "s.yaml:7: wrong" },
             Story::Warning{ "s.yaml:8: no such handle" },
