@@ -7,6 +7,7 @@
 #include <CommandLine/CaptureFolder.h>
 #include <CommandLine/PartOfStory.h>
 #include <CommandLine/Progress.h>
+#include <CommandLine/Recording.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
@@ -131,6 +132,11 @@ void Run::declare( CLI::App & app ) {
          ->excludes( "--step" )
          ->excludes( events );
    declareOnly( app, only_ )->needs( whatIf );
+   app.add_option( "--record", record_,
+                   "Keep the run with all its inputs in this file, for 'vornal replay'" )
+      ->type_name( "FILE" )
+      ->check( problemOfName )
+      ->excludes( whatIf );
    app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -158,9 +164,7 @@ Scenario::Model Run::read( std::vector< std::string > const & whatIf ) const {
    Scenario::Model scenario = Steps::readScenario( scenario_.file(), added );
    if ( until_ ) {
       checkStep( "--until", until_, scenario );
-      auto const first = scenario.steps.begin();
-      scenario.steps.erase( first + static_cast< std::ptrdiff_t >( *until_ ),
-                            first + static_cast< std::ptrdiff_t >( scenario.ownSteps ) );
+      endWith( scenario, *until_ );
    }
    if ( auto const step = Steps::firstNotReached( scenario ) ) {
       throw Story::InputError( scenario.sources.placeOf( scenario.steps[ *step ].line ) +
@@ -176,6 +180,19 @@ Story::ExitCode Run::compare( std::ostream & out ) const {
    ScenarioRun const first{ before, scenario_.config(), {}, scenario_.turnLimit() };
    ScenarioRun const second{ after, scenario_.config(), {}, scenario_.turnLimit() };
    return printChange( first, second, { only_, scenario_.isJson() }, out );
+}
+
+Record::Setup Run::setup() const {
+   Record::Setup setup;
+   for ( std::string const & step : then_ ) {
+      setup.added.push_back( { "--then", step } );
+   }
+   for ( Scenario::TraceLevels const & trace : trace_ ) {
+      setup.trace.push_back( { trace.handles, trace.levels } );
+   }
+   setup.until = until_;
+   setup.lastStep = step_;
+   return setup;
 }
 
 Story::ExitCode Run::perform( std::ostream & out ) {
@@ -194,6 +211,11 @@ Story::ExitCode Run::perform( std::ostream & out ) {
    std::vector< Story::Observer * > observers;
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
+   }
+   std::unique_ptr< Record::Writer > record;
+   if ( !record_.empty() ) {
+      record = recordNew( record_, setup(), scenario );
+      observers.push_back( record.get() );
    }
    if ( isEvents_ ) {
       return runForListeners( what, std::move( observers ), out );

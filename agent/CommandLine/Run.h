@@ -9,6 +9,7 @@
 #include <CommandLine/Command.h>
 #include <CommandLine/Comparison.h>
 #include <CommandLine/ScenarioWords.h>
+#include <Record/Items.h>
 
 namespace CommandLine {
 
@@ -21,6 +22,8 @@ class Run final : public Command {
  private:
    // The scenario up to the step of --until, and the steps of --then and of --what-if.
    Scenario::Model read( std::vector< std::string > const & whatIf = {} ) const;
+   // The words of this command that decide the run.
+   Record::Setup setup() const;
    // The differences that the steps of --what-if make.
    Story::ExitCode compare( std::ostream & out ) const;
 
@@ -33,6 +36,7 @@ class Run final : public Command {
    std::vector< std::string > whatIf_;
    Parts only_;                      // that --what-if compares
    std::optional< U32 > step_;       // the one to tell; nothing: all of them
+   std::filesystem::path record_;    // the file that keeps the run; empty: none
    std::filesystem::path ring_;      // the trace ring's file; empty: none
    std::filesystem::path captures_;  // the folder for the frames that leave each port; empty: none
 };

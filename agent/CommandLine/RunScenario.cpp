@@ -62,6 +62,12 @@ void tellBadInput( Story::Outcome const & outcome ) {
    }
 }
 
+void endWith( Scenario::Model & scenario, U32 step ) {
+   auto const first = scenario.steps.begin();
+   scenario.steps.erase( first + static_cast< std::ptrdiff_t >( step ),
+                         first + static_cast< std::ptrdiff_t >( scenario.ownSteps ) );
+}
+
 void tellInterruption( Story::Outcome const & outcome ) {
    if ( outcome.interrupted() ) {
       std::cerr << "interrupted in " << nameOf( outcome.step() ) << ' '

@@ -39,6 +39,9 @@ void checkStep( std::string const & option, std::optional< U32 > const & step,
 // Prints on standard error what input was wrong, if any was.
 void tellBadInput( Story::Outcome const & outcome );
 
+// Leaves out the scenario's own steps behind this one; 0 is start-up.
+void endWith( Scenario::Model & scenario, U32 step );
+
 // Prints on standard error in which step the run was interrupted, if it was.
 void tellInterruption( Story::Outcome const & outcome );
 

@@ -8,6 +8,7 @@
 #include <CommandLine/Explain.h>
 #include <CommandLine/Help.h>
 #include <CommandLine/Manual.h>
+#include <CommandLine/Replay.h>
 #include <CommandLine/Ring.h>
 #include <CommandLine/Run.h>
 #include <CommandLine/Schema.h>
@@ -40,6 +41,9 @@ constexpr std::string_view kOfAShell =
    "Exit codes of a script, from the steps that are done at its end: 0 all held, 1 an expectation "
    "failed or verify found differences, 2 a line was wrong, 3 the plug-in stopped the process, 129 "
    "SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM. On a terminal: 0, or a signal's";
+constexpr std::string_view kOfAReplay =
+   "Exit codes: 0 the same, 1 a difference, 2 bad input or usage, 129 SIGHUP, 130 SIGINT (Ctrl-C), "
+   "143 SIGTERM";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -83,6 +87,10 @@ std::vector< Row > const & table() {
         "vornal shell scenarios/two-leaves/scenario.yaml\n"
         "echo show rules | vornal shell scenarios/two-leaves/scenario.yaml",
         create< ShellCommand >, kOfAShell },
+      { "replay", "Play the record of a run again, and stop at the first difference",
+        "vornal run --record run.record scenarios/start-up/scenario.yaml\n"
+        "vornal replay run.record",
+        create< Replay >, kOfAReplay },
       { "ring", "Print the lines of a binary trace ring",
         "vornal run --ring run.ring scenarios/start-up/scenario.yaml\n"
         "vornal ring run.ring",

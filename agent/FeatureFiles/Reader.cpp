@@ -17,8 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uintmax_t kLongest = 16U << 20U;  // bytes; a file of all toggles has a few thousand
-constexpr int kNumberTooLarge = 406;             // the library's number for it
+constexpr int kNumberTooLarge = 406;  // the library's number for it
 
 // Reads all of the text and notes where reading stops. The library's exceptions do not always know
 // the place.

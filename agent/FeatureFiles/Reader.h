@@ -13,6 +13,7 @@
 // Threads: the activity's.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -36,6 +37,9 @@ struct Damage {
 
 class Reader final : public FeatureToggle::Facility {
  public:
+   // A larger file is damaged. In bytes; a file of all toggles has a few thousand.
+   static constexpr std::uintmax_t kLongest = 16U << 20U;
+
    // Takes the report of a damaged file.
    using Report = std::function< void( Damage const & ) >;
 

@@ -56,7 +56,7 @@ void readFeatures( Reading & reading, Value const & value, Draft & draft ) {
    if ( !directory ) {
       return;
    }
-   draft.model.featureFiles = draft.directory / *directory;
+   draft.model.featureFiles = reading.placeOf( draft.directory / *directory );
    std::error_code error;
    if ( !fs::is_directory( draft.model.featureFiles, error ) ) {
       reading.problem( value.line, "features is " + pathInQuotes( *directory ) +
@@ -186,6 +186,7 @@ struct Request {
    std::optional< std::size_t > own{};  // the number of own steps to take; nothing: all of them
    // Follows the course of the steps even if something else is wrong.
    bool isThorough = false;
+   Root root{};
    // --- From a scenario that is based on it
    std::optional< Variant > variant{};      // in place of the scenario's own
    std::optional< AddedStep > twinSteps{};  // the text of that scenario, which has steps
@@ -255,13 +256,13 @@ std::vector< StepForVariant > merged( StepsForVariant own, Variant variant,
 }
 
 Findings examineWhole( Source const & source, Request const & request ) {
-   Reading reading( source.file.string(), source.text );
+   Reading reading( source.file.string(), source.text, request.root );
    reading.doubts() = request.doubts;
    Draft draft;
    draft.readSteps = request.readSteps;
    draft.directory = source.file.parent_path();
    draft.model.file = source.file.string();
-   draft.model.featureFiles = draft.directory;
+   draft.model.featureFiles = reading.placeOf( draft.directory );
    readMapping( reading, source.document, scenarioTable(), draft );
    if ( request.twinSteps ) {
       readTwinStepsOf( reading, *request.twinSteps, draft );
@@ -273,6 +274,8 @@ Findings examineWhole( Source const & source, Request const & request ) {
    reading.compare();
 
    Model model = std::move( draft.model );
+   model.texts.push_back( { source.file, source.text } );
+   model.files = reading.files();
    model.sources = reading.sources();
    Variant const variant = request.variant.value_or( model.device.variant );
    model.device.variant = variant;
@@ -294,12 +297,13 @@ std::optional< Source > baseOf( Reading & reading, Twin const & twin, fs::path c
    auto const refuse = [ & ]( std::string const & why ) {
       reading.problem( twin.baseLine, "based-on is " + pathInQuotes( twin.base ) + why );
    };
+   fs::path const place = reading.placeOf( base );
    std::error_code error;
-   if ( !fs::is_regular_file( base, error ) ) {
+   if ( !fs::is_regular_file( place, error ) ) {
       refuse( ", which is no file; the file of a scenario is expected, relative to this one" );
       return std::nullopt;
    }
-   text = textIn( base );
+   text = textIn( place );
    Value const document = documentIn( text, base.string() );
    if ( isTwin( document ) ) {
       refuse( ", which is based on another itself; name the scenario that it is based on" );
@@ -350,12 +354,13 @@ void ownFirst( fs::path const & file, std::vector< Problem > const & own,
 }
 
 Findings examineTwin( Source const & source, Request const & request ) {
-   Reading reading( source.file.string(), source.text );
+   Reading reading( source.file.string(), source.text, request.root );
    Twin twin;
    readMapping( reading, source.document, twinTable(), twin );
    Findings findings =
       twin.base.empty() ? Findings() : examineBase( reading, source, twin, request );
    ownFirst( source.file, reading.problems(), findings.problems );
+   findings.model.texts.insert( findings.model.texts.begin(), { source.file, source.text } );
    findings.model.name = twin.name;
    findings.model.description =
       twin.description.empty() ? findings.model.description : twin.description;
@@ -401,8 +406,9 @@ Model read( fs::path const & file, StepsReader readSteps, std::vector< AddedStep
 }
 
 Model readText( std::string const & text, fs::path const & file, StepsReader readSteps,
-                std::vector< AddedStep > const & added, std::optional< std::size_t > own ) {
-   return withoutProblems( examineText( text, file, { readSteps, added, own } ) );
+                std::vector< AddedStep > const & added, std::optional< std::size_t > own,
+                Root const & root ) {
+   return withoutProblems( examineText( text, file, { readSteps, added, own, false, root } ) );
 }
 
 Findings examine( fs::path const & file, StepsReader readSteps ) {

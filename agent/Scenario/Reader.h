@@ -23,6 +23,7 @@
 #include <vector>
 
 #include <Scenario/ReadError.h>
+#include <Scenario/Root.h>
 #include <Scenario/Scenario.h>
 
 namespace Scenario {
@@ -64,10 +65,10 @@ Findings examine( std::filesystem::path const & file, StepsReader readSteps );
 Findings examineText( std::string const & text, std::filesystem::path const & file,
                       StepsReader readSteps );
 
-// The scenario in `text`; `file` names it in problems, and the files that it refers to stand beside
-// that file. Of its own steps the model has the first `own`; nothing: all of them.
+// The scenario in `text`; `file` names it in problems, and the files that it refers to are named
+// relative to that file. Of its own steps the model has the first `own`; nothing: all of them.
 Model readText( std::string const & text, std::filesystem::path const & file, StepsReader readSteps,
-                std::vector< AddedStep > const & added = {},
-                std::optional< std::size_t > own = {} );
+                std::vector< AddedStep > const & added = {}, std::optional< std::size_t > own = {},
+                Root const & root = {} );
 
 }  // namespace Scenario

@@ -24,6 +24,7 @@
 #include <Scenario/Agreement.h>
 #include <Scenario/Doubts.h>
 #include <Scenario/ReadError.h>
+#include <Scenario/Root.h>
 #include <Scenario/Scenario.h>
 #include <Scenario/Sources.h>
 #include <Text/Words.h>
@@ -48,8 +49,10 @@ class Reading {
    static constexpr std::size_t kMostProblems = 1000;
 
    // `text` comes from a file or a pipe.
-   Reading( std::string file, std::string text )
-         : directory_( std::filesystem::path( file ).parent_path() ), text_( std::move( text ) ) {
+   Reading( std::string file, std::string text, Root root = {} )
+         : directory_( std::filesystem::path( file ).parent_path() ),
+           root_( std::move( root ) ),
+           text_( std::move( text ) ) {
       sources_.add( std::move( file ), text_ );
    }
 
@@ -60,6 +63,16 @@ class Reading {
 
    // The directory of the files that the text being read names.
    std::filesystem::path const & directory() const { return directory_; }
+   // Where the file that the text names stands.
+   std::filesystem::path fileNamed( std::filesystem::path const & name ) {
+      files_.push_back( name );
+      return placeOf( name );
+   }
+   std::vector< std::filesystem::path > const & files() const { return files_; }
+   // Where the file or directory of that path stands.
+   std::filesystem::path placeOf( std::filesystem::path const & name ) const {
+      return root_.placeOf( name );
+   }
 
    // The line of an empty list element, which is only a dash. The parser knows only the beginning
    // of the next node.
@@ -113,6 +126,8 @@ class Reading {
    void checkUses();
 
    std::filesystem::path directory_;
+   Root root_;
+   std::vector< std::filesystem::path > files_;
    std::string text_;  // of all sources
    Sources sources_;
    Agreement agreement_;

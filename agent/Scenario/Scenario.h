@@ -177,9 +177,19 @@ struct TraceLevels {
    int line = 0;  // 0: it does not come from the scenario
 };
 
+// A file that a scenario was read from.
+struct SourceText {
+   std::filesystem::path file;
+   std::string text;
+};
+
 struct Model {
    std::string file;  // as the reader got it
-   Sources sources;   // that `line` counts in
+   // Its own first, then that of the one that it is based on.
+   std::vector< SourceText > texts;
+   // The files that its steps name, whether or not the steps are taken.
+   std::vector< std::filesystem::path > files;
+   Sources sources;  // that `line` counts in
    std::string name;
    std::string description;
    Switch device;

@@ -17,7 +17,7 @@ void readFile( Reading & reading, Value const & value, Capture & capture ) {
    if ( !name ) {
       return;
    }
-   capture.file = reading.directory() / *name;
+   capture.file = reading.fileNamed( reading.directory() / *name );
    std::error_code error;
    if ( !std::filesystem::is_regular_file( capture.file, error ) ) {
       reading.problem( value.line, "capture is " + Scenario::pathInQuotes( *name ) +

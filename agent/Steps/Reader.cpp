@@ -121,8 +121,8 @@ Scenario::Findings examineScenarioText( std::string const & text,
 
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file,
                                   std::vector< Scenario::AddedStep > const & added,
-                                  std::optional< std::size_t > own ) {
-   Scenario::Model scenario = Scenario::readText( text, file, readSteps, added, own );
+                                  std::optional< std::size_t > own, Scenario::Root const & root ) {
+   Scenario::Model scenario = Scenario::readText( text, file, readSteps, added, own, root );
    // A part of the steps can end between an expected stop and its step.
    if ( !own ) {
       checkExpectedStop( scenario );

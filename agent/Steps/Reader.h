@@ -16,7 +16,8 @@ Scenario::Model readScenario( std::filesystem::path const & file,
                               std::vector< Scenario::AddedStep > const & added = {} );
 Scenario::Model readScenarioText( std::string const & text, std::filesystem::path const & file,
                                   std::vector< Scenario::AddedStep > const & added = {},
-                                  std::optional< std::size_t > own = {} );
+                                  std::optional< std::size_t > own = {},
+                                  Scenario::Root const & root = {} );
 // See Scenario::examine().
 Scenario::Findings examineScenario( std::filesystem::path const & file );
 Scenario::Findings examineScenarioText( std::string const & text,

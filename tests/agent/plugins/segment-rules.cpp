@@ -25,6 +25,11 @@ Log::Handle const groupFull( { "SAMPLE_GROUP_FULL", "No room for segment %s", "T
                                Log::StandardAction::NoneRequired, Log::Severity::Error } );
 
 constexpr std::size_t kMostSegments = 2;
+#ifdef SAMPLE_MASKS_ANOTHER_PORT
+constexpr U32 kMaskedPort = 4;
+#else
+constexpr U32 kMaskedPort = 3;
+#endif
 
 }  // namespace
 
@@ -69,7 +74,7 @@ class SegmentRulesWithEgressMaskSm : public Kiv::Entity {
       }
       SDK_FIELD_CALL( bcm_field_qualify_PacketRes( unit, entryId, BCM_FIELD_PKT_RES_L2UC, 0xff ) );
       _shr_pbmp ports{};
-      ports.words[ 0 ] = 1U << 3;
+      ports.words[ 0 ] = 1U << kMaskedPort;
       entries_->addEgressMaskAction( unit, entryId, ports );
       entries_->setPriorityForEntry( unit, entryId, 1 );
       entries_->installEntry( unit, entryId );

@@ -1,0 +1,89 @@
+#include <CommandLine/ReplayInputs.h>
+
+#include <cstdlib>
+#include <fstream>
+
+#include <CommandLine/RunScenario.h>
+#include <Process/Descriptor.h>
+#include <Scenario/File.h>
+#include <Story/InputError.h>
+
+namespace CommandLine {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Its owner alone can read it.
+fs::path folderNew() {
+   std::string name = fs::temp_directory_path() / "vornal-replay-XXXXXX";
+   if ( !mkdtemp( name.data() ) ) {
+      Process::throwSystemError( "cannot make a folder for the files of the record, " + name );
+   }
+   return name;
+}
+
+}  // namespace
+
+ReplayInputs::ReplayInputs( Record::Reader & reader ) : folder_( folderNew() ) {
+   try {
+      takeAll( reader );
+   } catch ( ... ) {
+      std::error_code error;
+      fs::remove_all( folder_, error );
+      throw;
+   }
+}
+
+ReplayInputs::~ReplayInputs() {
+   std::error_code error;
+   fs::remove_all( folder_, error );
+}
+
+void ReplayInputs::takeAll( Record::Reader & reader ) {
+   while ( auto const item = reader.next() ) {
+      if ( std::holds_alternative< Record::InputsEnd >( *item ) ) {
+         return;
+      }
+      if ( auto const * const setup = std::get_if< Record::Setup >( &*item ) ) {
+         setup_ = *setup;
+         root_ = Scenario::Root( folder_, setup_.directory );
+      } else if ( auto const * const part = std::get_if< Record::FilePart >( &*item ) ) {
+         take( *part );
+      }
+   }
+   throw Story::InputError( "the record ends before the run begins: it is cut " + reader.cutText() +
+                            "; record the run again" );
+}
+
+// A path that ends in a slash is that of a folder.
+void ReplayInputs::take( Record::FilePart const & part ) const {
+   fs::path const place = root_.placeOf( part.file );
+   bool const isFolder = part.file.ends_with( '/' );
+   fs::create_directories( isFolder ? place : place.parent_path() );
+   if ( isFolder ) {
+      return;
+   }
+   std::ofstream out( place, std::ios::binary | std::ios::app );
+   if ( !out.write( part.bytes.data(), static_cast< std::streamsize >( part.bytes.size() ) )
+            .flush() ) {
+      Process::throwSystemError( "cannot write " + place.string() );
+   }
+}
+
+Scenario::Model ReplayInputs::scenario() const {
+   std::vector< Scenario::AddedStep > added;
+   for ( Record::Step const & step : setup_.added ) {
+      added.push_back( { step.name, step.text } );
+   }
+   Scenario::Model scenario =
+      Steps::readScenarioText( Scenario::textIn( root_.placeOf( setup_.scenario ) ),
+                               setup_.scenario, added, {}, root_ );
+   if ( setup_.until ) {
+      checkStep( "--until", setup_.until, scenario );
+      endWith( scenario, *setup_.until );
+   }
+   return scenario;
+}
+
+}  // namespace CommandLine

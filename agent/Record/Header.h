@@ -1,0 +1,18 @@
+// The first bytes of a record's file.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Record {
+
+// The window that a reader of blocks needs, as a power of two.
+inline constexpr int kWindowLog = 20;
+
+// The header that this program writes.
+std::string headerNow();
+
+// Whether the bytes begin with the header of any version.
+bool isHeader( std::string_view bytes );
+
+}  // namespace Record

@@ -1,0 +1,187 @@
+// `vornal run --record` keeps a run, and `vornal replay` plays it again up to the first difference.
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <Shipped.h>
+#include <Support.h>
+#include <Switches.h>
+
+#include <sys/wait.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector< std::string >;
+
+class Replay : public testing::Test {
+ protected:
+   std::string record() const { return directory.path() / "run.record"; }
+
+   static Words with( std::string const & plugin, Words words ) {
+      words.insert( words.end(), { "--plugin", Support::testPlugin( plugin ) } );
+      return words;
+   }
+
+   // Records a run of these steps; its exit code.
+   int keep( std::string const & steps, Words const & more = {} ) {
+      Words words{ "run", directory.file( "leaf.yaml", Switches::leaf( steps ) ), "--record",
+                   record() };
+      words.insert( words.end(), more.begin(), more.end() );
+      return Support::vornal( with( "segment-rules", words ) ).exitCode;
+   }
+   Support::Ran replay( std::string const & plugin = "segment-rules", Words more = {} ) const {
+      more.insert( more.begin(), { "replay", record() } );
+      return Support::vornal( with( plugin, more ) );
+   }
+
+   Support::Directory directory;
+};
+
+std::string const kReady = "   - ready: subagents::l2Ready\n";
+std::string const kThreeSegments =
+   "   - publish: { segments: { Ethernet2: [ 10.0.0.2 ], Ethernet3: [ 10.0.0.2 ] } }\n";
+
+bool has( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+TEST_F( Replay, OfTheSamePlugInIsTheSame ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const ran = replay();
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+   EXPECT_EQ( ran.err, "" );
+}
+
+TEST_F( Replay, NeedsNeitherTheScenarioNorItsDirectory ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   fs::remove( directory.path() / "leaf.yaml" );
+
+   EXPECT_EQ( replay().exitCode, 0 );
+}
+
+TEST_F( Replay, OfAPlugInWithAWrongRuleNamesTheCallTheStepAndTheCause ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const ran = replay( "segment-rules-wrong" );
+
+   EXPECT_EQ( ran.exitCode, 1 );
+   EXPECT_TRUE( has( ran.out, "DIFFERENT in step 1: " ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "leaf.yaml:" + std::to_string( Switches::kFirstStepLine ) ) )
+      << ran.out;
+   EXPECT_TRUE( has( ran.out, "   came       addEgressMaskAction: unit 0, entry 1, group 157" ) )
+      << ran.out;
+   EXPECT_TRUE( has( ran.out, "ports [4]" ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "ports [3]" ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "   behind     writes /" ) ) << ran.out;
+}
+
+TEST_F( Replay, TellsProgramsADifferenceAsJson ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const ran = replay( "segment-rules-wrong", { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 1 );
+   auto const json = nlohmann::json::parse( ran.out );
+   EXPECT_EQ( json[ "end" ], "different" );
+   EXPECT_EQ( json[ "step" ][ "number" ], 1 );
+   EXPECT_EQ( json[ "came" ][ "event" ], "callMade" );
+   EXPECT_EQ( json[ "came" ][ "call" ][ "values" ][ "ports" ], nlohmann::json( { 4 } ) );
+   EXPECT_EQ( json[ "expected" ][ "call" ][ "values" ][ "ports" ], nlohmann::json( { 3 } ) );
+   EXPECT_TRUE( json[ "cut" ].is_null() );
+}
+
+TEST_F( Replay, OfAStopIsTheSameWhenThePlugInStopsThereAgain ) {
+   ASSERT_EQ( keep( kReady + kThreeSegments ), 3 );
+   auto const ran = replay();
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+}
+
+TEST_F( Replay, TakesTheWordsOfTheCommandIntoAccount ) {
+   ASSERT_EQ( keep( kReady + "   - note: a\n   - note: b\n",
+                    { "--until", "1", "--then", "note: c", "--trace", "Sample/0-9" } ),
+              0 );
+   auto const ran = replay( "segment-rules", { "--json" } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   // Start-up, two steps and teardown.
+   EXPECT_EQ( nlohmann::json::parse( ran.out )[ "step" ][ "number" ], 3 );
+}
+
+TEST_F( Replay, OfACutRecordGoesUpToItsEnd ) {
+   ASSERT_EQ( keep( kReady + "   - note: a\n" ), 0 );
+   std::string const bytes = Support::contentOf( record() );
+   directory.file( "run.record", bytes.substr( 0, bytes.size() - 1 ) );
+   auto const ran = replay();
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( has( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "   cut        after " ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "the file ends in a block" ) ) << ran.out;
+}
+
+TEST_F( Replay, RefusesWhatIsNoRecordOrEndsBeforeItsEvents ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   std::string const bytes = Support::contentOf( record() );
+   directory.file( "run.record", bytes.substr( 0, 40 ) );
+   auto const cut = replay();
+   EXPECT_EQ( cut.exitCode, 2 );
+   EXPECT_TRUE( has( cut.err, "the record ends before the run begins" ) ) << cut.err;
+
+   directory.file( "run.record", "scenario: leaf\n" );
+   auto const other = replay();
+   EXPECT_EQ( other.exitCode, 2 );
+   EXPECT_TRUE( has( other.err, "this is no record of a run" ) ) << other.err;
+}
+
+TEST_F( Replay, LeavesNoFolderBehind ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   Support::Directory const temporary;
+   setenv( "TMPDIR", temporary.path().c_str(), 1 );
+   int const exitCode = replay( "segment-rules-wrong" ).exitCode;
+   bool const isEmpty = fs::is_empty( temporary.path() );
+   unsetenv( "TMPDIR" );
+
+   EXPECT_EQ( exitCode, 1 );
+   EXPECT_TRUE( isEmpty );
+}
+
+// A limit on the size of files stands for a full disk.
+TEST_F( Replay, OfARecordThatFoundNoRoomGoesUpToItsEnd ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const size = fs::file_size( record() );
+   std::string const command =
+      "ulimit -f " + std::to_string( ( size - 1 ) / 512 ) + "; '" +
+      VORNAL_BINARY_DIR "/vornal' run '" + ( directory.path() / "leaf.yaml" ).string() +
+      "' --record '" + record() + "' --plugin '" + Support::testPlugin( "segment-rules" ).string() +
+      "' >/dev/null 2>&1";
+   ASSERT_EQ( WEXITSTATUS( std::system( ( "dash -c \"" + command + "\"" ).c_str() ) ), 2 );
+
+   auto const ran = replay();
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( has( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
+}
+
+// --- What ships
+
+class ShippedReplay : public testing::TestWithParam< std::string > {};
+
+TEST_P( ShippedReplay, IsTheSame ) {
+   Support::Directory const directory;
+   std::string const record = directory.path() / "record";
+   std::string const scenario = Shipped::fileOf( GetParam() );
+   ASSERT_EQ( Support::vornal( { "run", scenario, "--record", record } ).exitCode, 0 );
+   auto const ran = Support::vornal( { "replay", record } );
+
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
+   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+}
+
+INSTANTIATE_TEST_SUITE_P( All, ShippedReplay, testing::ValuesIn( Shipped::scenarios() ),
+                          Shipped::nameOf );
+
+}  // namespace
