@@ -49,6 +49,10 @@ std::optional< Story::ExitCode > endBySignal() {
    return signal == 0 ? std::nullopt : std::optional( Story::exitCodeOf( signal ) );
 }
 
+std::string promptOf( Conversation const & conversation, Shell::Entries const & entries ) {
+   return entries.isPending() ? "... " : conversation.session().position() + "> ";
+}
+
 Story::ExitCode performDialogue( Conversation & conversation, std::ostream & out ) {
    using Kind = LineEditor::Line::Kind;
    Shell::Entries entries;
@@ -62,8 +66,7 @@ Story::ExitCode performDialogue( Conversation & conversation, std::ostream & out
          return *end;
       }
       out.flush();
-      LineEditor::Line const line =
-         editor.read( entries.isPending() ? "... " : conversation.session().position() + "> " );
+      LineEditor::Line const line = editor.read( promptOf( conversation, entries ) );
       if ( line.signal != 0 ) {
          return Story::exitCodeOf( line.signal );
       }

@@ -21,7 +21,7 @@ struct Original {
 
 // The text for `file`. Scenario::ReadError when a scenario that the original is based on cannot be
 // read.
-std::string savedText( Original const & original, std::vector< Done > const & steps,
+std::string savedText( Original const & original, std::vector< Done > const & done,
                        std::filesystem::path const & file );
 
 // Writes the file in one go: it is there as a whole or not at all. Throws Story::InputError.

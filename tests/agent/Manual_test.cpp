@@ -33,11 +33,11 @@ TEST_F( Manual, NamesEachCommandWithItsWordsAndExamples ) {
    auto const commands = CommandLine::declaredCommands();
    EXPECT_GE( commands.size(), 9U );
    std::string plain;
-   for ( std::size_t n = 0; n < text.size(); ++n ) {
-      if ( text[ n ] == '\b' ) {
+   for ( char const one : text ) {
+      if ( one == '\b' ) {
          plain.pop_back();
       } else {
-         plain += text[ n ];
+         plain += one;
       }
    }
    for ( CommandLine::DeclaredCommand const & command : commands ) {

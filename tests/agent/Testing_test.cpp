@@ -142,7 +142,7 @@ TEST( Judge, HasNoResultOfAnInterruptedRun ) {
 std::vector< fs::path > files( std::size_t count ) {
    std::vector< fs::path > names;
    for ( std::size_t n = 0; n < count; ++n ) {
-      names.push_back( "scenario-" + std::to_string( n ) );
+      names.emplace_back( "scenario-" + std::to_string( n ) );
    }
    return names;
 }
