@@ -69,6 +69,7 @@ template< typename Work >
 void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
    Story::StepBegins numbered = begins;
    numbered.number = step_++;
+   environment_.ring().stepIs( numbered.number );
    environment_.observer().onEvent( numbered );
    work();
    environment_.activity().run();

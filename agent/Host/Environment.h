@@ -38,6 +38,7 @@ class Environment {
                 Story::Observer & observer );
 
    Story::Observer & observer() { return observer_; }
+   Trace::Ring & ring() { return ring_; }
    Kiv::ActivityManager & activity() { return activity_; }
    Peers::PublishedState & published() { return published_; }
    Traffic::Injector & traffic() { return traffic_; }

@@ -12,7 +12,7 @@ namespace Trace {
 namespace {
 
 constexpr U64 kMark = 0x474e495245434152;
-constexpr U32 kVersion = 1;
+constexpr U32 kVersion = 2;
 
 struct Header {
    U64 mark;
@@ -27,8 +27,9 @@ struct Slot {
    U8 level;
    U8 isCut;
    U16 textSize;
+   U32 step;
    char handle[ 28 ];  // zero-terminated
-   char text[ Ring::kSlotSize - 48 ];
+   char text[ Ring::kSlotSize - 52 ];
 };
 
 static_assert( sizeof( Slot ) == Ring::kSlotSize && sizeof( Header ) <= Ring::kSlotSize );
@@ -42,6 +43,7 @@ Ring::Decoded decoded( Slot const & slot ) {
    std::string_view const handle( slot.handle, sizeof slot.handle );
    return { slot.state - 1,
             slot.time,
+            slot.step,
             slot.level,
             slot.isCut != 0,
             std::string( handle.substr( 0, handle.find( '\0' ) ) ),
@@ -72,6 +74,7 @@ void Ring::lineNew( Line const & line ) {
    Slot slot{};
    std::size_t const size = std::min( line.text.size(), sizeof slot.text );
    slot.time = timeNow();
+   slot.step = step_;
    slot.level = static_cast< U8 >( line.level );
    slot.isCut = size < line.text.size();
    slot.textSize = static_cast< U16 >( size );

@@ -7,7 +7,8 @@
 // line only.
 //
 // A line longer than a slot is cut; its slot says so. Times are those of the agent's clock where
-// there is one, in nanoseconds, and 0 elsewhere.
+// there is one, in nanoseconds, and 0 elsewhere. A line also carries the number of the step that
+// its owner was in, which tells one from another in a run that takes no time.
 //
 // The layout is the machine's own byte order and read by the program that wrote it: the decoder
 // checks a mark and a version, and refuses anything else with Quelm::TextError.
@@ -36,10 +37,13 @@ class Ring {
    explicit Ring( std::span< std::byte > memory );
 
    void lineNew( Line const & line );
+   // The step of the lines that follow; 0 before the first call.
+   void stepIs( U32 step ) { step_ = step; }
 
    struct Decoded {
       U64 number;  // from 0, counted since the ring was made
       S64 time;    // nanoseconds
+      U32 step;
       int level;
       bool isCut;
       std::string handle;
@@ -53,6 +57,7 @@ class Ring {
    std::span< std::byte > memory_;
    U64 slots_;
    U64 next_ = 0;
+   U32 step_ = 0;
 };
 
 }  // namespace Trace

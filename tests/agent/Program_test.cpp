@@ -283,9 +283,9 @@ TEST_F( Program, WritesATraceRingAndPrintsIt ) {
 
    EXPECT_EQ( printed.exitCode, 0 );
    EXPECT_EQ( printed.out,
-              "       0      0.000000000 Sample 5: handleSegment intfId: Ethernet1\n"
-              "       1      0.000000000 Sample 5: handleSegment intfId: Ethernet2\n"
-              "       2      0.000000000 Sample 5: handleSegment intfId: Ethernet3\n" );
+              "       0      0.000000000    1 Sample 5: handleSegment intfId: Ethernet1\n"
+              "       1      0.000000000    2 Sample 5: handleSegment intfId: Ethernet2\n"
+              "       2      0.000000000    3 Sample 5: handleSegment intfId: Ethernet3\n" );
 }
 
 TEST_F( Program, RefusesAFileThatIsNoTraceRing ) {

@@ -51,7 +51,7 @@ bool isRefused( std::span< std::byte const > bytes ) {
       Ring::decode( bytes );
       return false;
    } catch ( Quelm::TextError const & error ) {
-      EXPECT_STREQ( error.what(), "not a trace ring of version 1" );
+      EXPECT_STREQ( error.what(), "not a trace ring of version 2" );
       return true;
    }
 }
@@ -90,6 +90,17 @@ TEST( TraceRing, LineCarriesTheTimeOfTheAgentsClock ) {
    EXPECT_EQ( Ring::decode( block.bytes() ).front().time, 3'000'000'000 );
 }
 
+TEST( TraceRing, LineCarriesTheStepThatItsOwnerIsIn ) {
+   Block block( 3 );
+   Ring ring( block.bytes() );
+   ring.lineNew( { "VornalEvpnSm", 5, "start-up" } );
+   ring.stepIs( 70'000 );
+   ring.lineNew( { "VornalEvpnSm", 5, "later" } );
+   std::vector< Ring::Decoded > const lines = Ring::decode( block.bytes() );
+   EXPECT_EQ( lines[ 0 ].step, 0U );
+   EXPECT_EQ( lines[ 1 ].step, 70'000U );
+}
+
 TEST( TraceRing, OldestLinesAreOverwritten ) {
    Block block( 3 );
    Ring ring( block.bytes() );
@@ -112,7 +123,7 @@ TEST( TraceRing, ShorterLineLeavesNothingOfTheOneItOverwrites ) {
 TEST( TraceRing, LineLongerThanASlotIsCutAndSaysSo ) {
    Block block( 2 );
    Ring ring( block.bytes() );
-   std::string const fits( Ring::kSlotSize - 48, 'x' );
+   std::string const fits( Ring::kSlotSize - 52, 'x' );
    ring.lineNew( { "VornalEvpnSm", 6, fits } );
    ring.lineNew( { "VornalEvpnSm", 6, fits + "y" } );
    std::vector< Ring::Decoded > const lines = Ring::decode( block.bytes() );
