@@ -13,38 +13,39 @@ void Diff::declare( CLI::App & app ) {
                    "compared" )
       ->type_name( "FILE" )
       ->check( problemOfName );
-   app.add_option( "--after", after_,
-                   "Take the first switch after this step, 0 for start-up; by default after the "
-                   "last one" )
-      ->type_name( "STEP" );
-   app.add_option( "--against", against_, "Take the second switch after this step, likewise" )
-      ->type_name( "STEP" );
+   after_.declare( app,
+                   "Take the first switch after this step, 0 for start-up, or at this time of a "
+                   "record, as in 2.5s; by default after the last one" );
+   against_.declare( app, "Take the second switch after this step, likewise" );
    declareOnly( app, only_ );
 }
 
 void Diff::readWords() {
    scenario_.readWords();
-   if ( other_.empty() && !after_ && !against_ ) {
+   after_.readWords();
+   against_.readWords();
+   if ( other_.empty() && !after_.isGiven() && !against_.isGiven() ) {
       throw CLI::ValidationError(
          "OTHER", "give a second scenario, or --after and --against for two steps of this one" );
    }
 }
 
-Story::ExitCode Diff::read( Side const & side, Story::Table & state ) const {
-   Scenario::Model const scenario = Steps::readScenario( side.file );
-   checkStep( side.option, side.after, scenario );
-   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
-   what.config.scenario = side.file.string();
-   what.config.lastStep = side.after;
+Story::ExitCode Diff::read( ScenarioFile const & file, Moment const & moment,
+                            Story::Table & state ) const {
+   Scenario::Model const scenario = file.read();
+   ScenarioRun what{ scenario, file.config(), {}, scenario_.turnLimit(), file.record() };
+   what.config.plugin = scenario_.plugin();
+   moment.limit( what.config, scenario, file.record() );
    return stateAfter( std::move( what ), state );
 }
 
 Story::ExitCode Diff::perform( std::ostream & out ) {
+   ScenarioFile const file( scenario_.file() );
    Story::Table before;
    Story::Table after;
-   auto code = read( { scenario_.file(), "--after", after_ }, before );
+   auto code = read( file, after_, before );
    if ( code == Story::ExitCode::Held ) {
-      code = read( { other_.empty() ? scenario_.file() : other_, "--against", against_ }, after );
+      code = read( other_.empty() ? file : ScenarioFile( other_ ), against_, after );
    }
    return code == Story::ExitCode::Held
              ? print( differencesBetween( before, after, only_ ), scenario_.isJson(), out )

@@ -6,6 +6,7 @@
 
 #include <CommandLine/Command.h>
 #include <CommandLine/Comparison.h>
+#include <CommandLine/Moment.h>
 #include <CommandLine/ScenarioWords.h>
 #include <Story/Table.h>
 
@@ -18,18 +19,13 @@ class Diff final : public Command {
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
-   struct Side {
-      std::filesystem::path file;
-      std::string option;  // that names the step
-      std::optional< U32 > after;
-   };
-
-   Story::ExitCode read( Side const & side, Story::Table & state ) const;
+   Story::ExitCode read( ScenarioFile const & file, Moment const & moment,
+                         Story::Table & state ) const;
 
    ScenarioWords scenario_;
    std::filesystem::path other_;
-   std::optional< U32 > after_;
-   std::optional< U32 > against_;
+   Moment after_{ "--after" };
+   Moment against_{ "--against" };
    Parts only_;
 };
 

@@ -92,10 +92,10 @@ void Explain::declare( CLI::App & app ) {
                    "10100, source: 00:00:5e:00:53:02 }')" )
       ->required()
       ->check( problemOfName );
-   app.add_option( "--after", after_,
-                   "Explain by the state after this step, 0 for start-up; by default a sent frame "
-                   "by the state when it is sent, and any other by the state after the last step" )
-      ->type_name( "STEP" );
+   after_.declare( app,
+                   "Explain by the state after this step, 0 for start-up, or at this time of a "
+                   "record, as in 2.5s; by default a sent frame by the state when it is sent, and "
+                   "any other by the state after the last step" );
    app.add_option( "--on", on_,
                    "The interface that a capture's frame comes in on; by default that of the step "
                    "that plays the capture, or else the first underlay interface" )
@@ -110,6 +110,7 @@ void Explain::declare( CLI::App & app ) {
 
 void Explain::readWords() {
    scenario_.readWords();
+   after_.readWords();
    if ( !isWritten() ) {
       asked_ = frameAskedIn( frame_ );
    }
@@ -152,10 +153,9 @@ Scenario::Model Explain::read( Traffic::FrameAsked & asked ) const {
 Story::ExitCode Explain::perform( std::ostream & out ) {
    Traffic::FrameAsked asked;
    Scenario::Model const scenario = read( asked );
-   checkStep( "--after", after_, scenario );
-   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
+   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit(), scenario_.record() };
    what.config.show = asked;
-   what.config.lastStep = after_;
+   after_.limit( what.config, scenario, scenario_.record() );
    Explained explained;
    auto const code = runForAnswer( what, explained );
    if ( code == Story::ExitCode::Held ) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include <CommandLine/Moment.h>
 #include <CommandLine/ScenarioWords.h>
 #include <Scenario/Scenario.h>
 #include <Traffic/FrameAsked.h>
@@ -27,7 +28,7 @@ class Explain final : public ScenarioCommand {
    std::string frame_;
    std::string on_;  // the interface of a capture's frame; empty: that of the scenario's step
    std::optional< Traffic::FrameAsked > asked_;  // nothing: it is written
-   std::optional< U32 > after_;
+   Moment after_{ "--after" };
    std::string interface_;  // to explain alone; empty: all of them
 };
 

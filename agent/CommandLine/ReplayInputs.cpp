@@ -1,5 +1,6 @@
 #include <CommandLine/ReplayInputs.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -71,11 +72,12 @@ void ReplayInputs::take( Record::FilePart const & part ) const {
    }
 }
 
-Scenario::Model ReplayInputs::scenario() const {
+Scenario::Model ReplayInputs::scenario( std::vector< Scenario::AddedStep > const & more ) const {
    std::vector< Scenario::AddedStep > added;
    for ( Record::Step const & step : setup_.added ) {
       added.push_back( { step.name, step.text } );
    }
+   added.insert( added.end(), more.begin(), more.end() );
    Scenario::Model scenario =
       Steps::readScenarioText( Scenario::textIn( root_.placeOf( setup_.scenario ) ),
                                setup_.scenario, added, {}, root_ );
@@ -83,6 +85,8 @@ Scenario::Model ReplayInputs::scenario() const {
       checkStep( "--until", setup_.until, scenario );
       endWith( scenario, *setup_.until );
    }
+   // To those who ask, the steps of the record are the scenario.
+   scenario.ownSteps = scenario.steps.size() - std::min( more.size(), scenario.steps.size() );
    return scenario;
 }
 

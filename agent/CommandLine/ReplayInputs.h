@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include <Record/Reader.h>
+#include <Scenario/Reader.h>
 #include <Scenario/Root.h>
 #include <Scenario/Scenario.h>
 
@@ -19,8 +20,9 @@ class ReplayInputs {
    ~ReplayInputs();
 
    Record::Setup const & setup() const { return setup_; }
-   // The scenario as the run had it. Scenario::ReadError when this program reads it in another way.
-   Scenario::Model scenario() const;
+   // The scenario as the run had it, with more steps at its end. Scenario::ReadError when this
+   // program reads it in another way.
+   Scenario::Model scenario( std::vector< Scenario::AddedStep > const & more = {} ) const;
 
  private:
    void takeAll( Record::Reader & reader );

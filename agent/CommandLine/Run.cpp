@@ -71,6 +71,7 @@ Story::ExitCode runForListeners( ScenarioRun const & what,
    observers.push_back( &lines );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
+   tellBadInput( outcome );
    tellInterruption( outcome );
    return outcome.exitCode();
 }
@@ -161,7 +162,11 @@ Scenario::Model Run::read( std::vector< std::string > const & whatIf ) const {
    for ( std::string const & step : whatIf ) {
       added.push_back( { "--what-if", step } );
    }
-   Scenario::Model scenario = Steps::readScenario( scenario_.file(), added );
+   if ( scenario_.record() ) {
+      throw Story::InputError( scenario_.file().string() +
+                               ": this is the record of a run; 'vornal replay' plays it again" );
+   }
+   Scenario::Model scenario = scenario_.read( added );
    if ( until_ ) {
       checkStep( "--until", until_, scenario );
       endWith( scenario, *until_ );

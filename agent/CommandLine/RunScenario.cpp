@@ -1,8 +1,10 @@
 #include <CommandLine/RunScenario.h>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
+#include <CommandLine/RecordedRun.h>
 #include <Process/Child.h>
 #include <Process/RingMemory.h>
 #include <Story/HumanWriter.h>
@@ -26,8 +28,18 @@ void runScenario( ScenarioRun const & what, Story::Observer & observer ) {
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome ) {
    observers.push_back( &outcome );
+   std::optional< SameStory > same;
+   if ( what.record ) {
+      auto const steps = static_cast< U32 >( what.scenario.steps.size() );
+      same.emplace( what.record->file(),
+                    std::min( steps, what.config.lastStep.value_or( steps ) ) );
+      observers.push_back( &*same );
+   }
    Story::Observers all( std::move( observers ) );
    runScenario( what, all );
+   if ( same ) {
+      same->check();
+   }
 }
 
 Story::ExitCode runForAnswer( ScenarioRun const & what, Story::Observer & observer ) {

@@ -12,17 +12,21 @@
 
 namespace CommandLine {
 
+class RecordedRun;
+
 struct ScenarioRun {
    Scenario::Model const & scenario;
    Host::AgentConfig config;
    std::optional< std::filesystem::path > ring;  // the trace ring's file
    std::chrono::milliseconds turnLimit;          // 0: no limit
+   RecordedRun const * record = nullptr;         // that the run repeats; nullptr: none
 };
 
 // The observer is told every event.
 void runScenario( ScenarioRun const & what, Story::Observer & observer );
 
-// The observers are told every event, in the order given; the outcome is told last.
+// The observers are told every event, in the order given; the outcome is told last. Throws
+// Story::InputError when the run repeats a record and does not do the same.
 void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > observers,
                   Story::Outcome & outcome );
 

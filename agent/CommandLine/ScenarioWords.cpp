@@ -36,16 +36,22 @@ void ScenarioWords::readWords() {
    }
 }
 
+ScenarioFile const & ScenarioWords::input() const {
+   if ( !input_ ) {
+      input_.emplace( file_ );
+   }
+   return *input_;
+}
+
 Scenario::Model ScenarioWords::read( AddedSteps const & added ) const {
-   return source_ ? source_->read( added ) : Steps::readScenario( file_, added );
+   return source_ ? source_->read( added ) : input().read( added );
 }
 
 Host::AgentConfig ScenarioWords::config() const {
    if ( source_ ) {
       return source_->config;
    }
-   Host::AgentConfig config;
-   config.scenario = file_.string();
+   Host::AgentConfig config = input().config();
    config.plugin = run_.plugin();
    return config;
 }

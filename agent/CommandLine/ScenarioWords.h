@@ -1,26 +1,25 @@
 // The words that every command with a scenario takes.
 //
-// In the shell, the scenario is not a file but the steps that were carried out so far. A command
-// then has a source of scenarios, and takes no words that name one.
+// The scenario's file can be the record of a run. In the shell, the scenario is not a file but the
+// steps that were carried out so far. A command then has a source of scenarios, and takes no words
+// that name one.
 #pragma once
 
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include <CommandLine/Command.h>
 #include <CommandLine/RunWords.h>
-#include <Host/Agent.h>
-#include <Steps/Reader.h>
+#include <CommandLine/ScenarioFile.h>
 
 namespace CLI {
 class App;
 }
 
 namespace CommandLine {
-
-using AddedSteps = std::vector< Scenario::AddedStep >;
 
 struct ScenarioSource {
    std::function< Scenario::Model( AddedSteps const & added ) > read;
@@ -46,14 +45,19 @@ class ScenarioWords {
    }
    // The scenario, with more steps at its end.
    Scenario::Model read( AddedSteps const & added = {} ) const;
-   // Finds the plug-in; throws Story::InputError where there is none.
+   // nullptr: the scenario is none.
+   RecordedRun const * record() const { return source_ ? nullptr : input().record(); }
+   // Those of a run of it. Finds the plug-in; throws Story::InputError where there is none.
    Host::AgentConfig config() const;
+   std::filesystem::path plugin() const { return run_.plugin(); }
 
  private:
    void declareJson( CLI::App & app );
+   ScenarioFile const & input() const;
 
    ScenarioSource const * source_ = nullptr;
    std::filesystem::path file_;
+   mutable std::optional< ScenarioFile > input_;  // opened when it is first asked for
    RunWords run_;
    bool isJson_ = false;
 };

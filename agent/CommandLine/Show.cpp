@@ -98,10 +98,10 @@ void Show::declare( CLI::App & app ) {
                    "Of 'entities': the entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; "
                    "without one, the paths to begin with are listed" )
       ->check( problemOfName );
-   app.add_option( "--after", after_,
-                   "Show the switch after this step, 0 for start-up; after the last one if none is "
-                   "given" )
-      ->type_name( "STEP" );
+   after_.declare(
+      app,
+      "Show the switch after this step, 0 for start-up, or at this time of a record, as "
+      "in 2.5s; after the last one if none is given" );
    filters_ = {
       { "vtep", "" }, { "unit", "" }, { "segment", "" }, { "interface", "" }, { "entry", "" }
    };
@@ -118,6 +118,7 @@ std::vector< std::string_view > Show::choicesOf( std::string_view word ) const {
 
 void Show::readWords() {
    scenario_.readWords();
+   after_.readWords();
    question_ = Questions::find( what_ );
    checkFilters();
    if ( pathText_.empty() ) {
@@ -183,10 +184,9 @@ void Show::print( std::vector< Story::EntityShown > const & entities, std::ostre
 
 Story::ExitCode Show::perform( std::ostream & out ) {
    Scenario::Model const scenario = scenario_.read();
-   checkStep( "--after", after_, scenario );
-   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
+   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit(), scenario_.record() };
    what.config.show = subject();
-   what.config.lastStep = after_;
+   after_.limit( what.config, scenario, scenario_.record() );
    Shown shown;
    auto const code = runForAnswer( what, shown );
    if ( code != Story::ExitCode::Held ) {

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <CommandLine/Moment.h>
 #include <CommandLine/ScenarioWords.h>
 #include <StateDatabase/EntityPath.h>
 #include <Story/Event.h>
@@ -37,7 +38,7 @@ class Show final : public ScenarioCommand {
 
    std::string what_;
    Questions::Row const * question_ = nullptr;  // nullptr: entities
-   std::optional< U32 > after_;
+   Moment after_{ "--after" };
    std::vector< Filter > filters_;
    std::string pathText_;
    std::optional< StateDatabase::EntityPath > path_;  // nothing: the paths at which entities are

@@ -234,13 +234,22 @@ void printJson( std::string const & file, Verified const & verified,
 
 void Verify::declare( CLI::App & app ) {
    scenario_.declare( app );
+   after_.declare( app,
+                   "Verify after this step, 0 for start-up, or at this time of a record, as in "
+                   "2.5s; by default after the last one" );
    app.add_flag( "--after-each-step", isAfterEachStep_, "Audit the rules after each step as well" );
+}
+
+void Verify::readWords() {
+   scenario_.readWords();
+   after_.readWords();
 }
 
 Story::ExitCode Verify::perform( std::ostream & out ) {
    using When = Host::AgentConfig::Verify;
    Scenario::Model const scenario = scenario_.read();
-   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit() };
+   ScenarioRun what{ scenario, scenario_.config(), {}, scenario_.turnLimit(), scenario_.record() };
+   after_.limit( what.config, scenario, scenario_.record() );
    what.config.verify = isAfterEachStep_ ? When::afterEachStep : When::atEnd;
    std::ostringstream story;
    Story::HumanWriter writer( story, Story::Style( false ) );

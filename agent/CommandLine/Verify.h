@@ -1,6 +1,7 @@
 // `vornal verify`: runs a scenario, and compares the rules with the state that they serve.
 #pragma once
 
+#include <CommandLine/Moment.h>
 #include <CommandLine/ScenarioWords.h>
 
 namespace CommandLine {
@@ -8,10 +9,11 @@ namespace CommandLine {
 class Verify final : public ScenarioCommand {
  public:
    void declare( CLI::App & app ) override;
-   void readWords() override { scenario_.readWords(); }
+   void readWords() override;
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
+   Moment after_{ "--after" };
    bool isAfterEachStep_ = false;
 };
 

@@ -88,13 +88,15 @@ TEST( ProgramUsage, NamesAnUnknownWordWhereACommandIsExpected ) {
 }
 
 TEST( ProgramUsage, SaysWhatNumberIsExpected ) {
-   for ( std::string const step : { "x", "-1", "99999999999" } ) {
-      EXPECT_EQ( Support::vornal( { "show", "leaf.yaml", "rules", "--after", step } ).err,
+   for ( std::string const step : { "x", "-1", "99999999999", "-2s", "nans", "1e9s", "2.5" } ) {
+      EXPECT_EQ( Support::vornal( { "show", "leaf.yaml", "rules", "--after=" + step } ).err,
                  "vornal show: --after: '" + step +
-                    "' is no whole number from 0 on: show the switch after this step, 0 for "
-                    "start-up; after the last one if none is given\n'vornal show --help' lists the "
-                    "words that it takes\n" );
+                    "' is no step; give its number, 0 for start-up, or of a record a time such as "
+                    "2.5s\n'vornal show --help' lists the words that it takes\n" );
    }
+   EXPECT_EQ( Support::vornal( { "run", "leaf.yaml", "--until=x" } ).err,
+              "vornal run: --until: 'x' is no whole number from 0 on: end with this step, 0 for "
+              "start-up\n'vornal run --help' lists the words that it takes\n" );
    for ( std::string const jobs : { "x", "0", "-1", "1025", "2x" } ) {
       EXPECT_EQ( Support::vornal( { "test", "leaf.yaml", "--jobs", jobs } ).err,
                  "vornal test: --jobs: '" + jobs +

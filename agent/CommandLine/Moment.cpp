@@ -1,0 +1,72 @@
+#include <CommandLine/Moment.h>
+
+#include <charconv>
+#include <cmath>
+
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/RunScenario.h>
+#include <CommandLine/Usage.h>
+#include <Story/InputError.h>
+
+namespace CommandLine {
+
+namespace {
+
+// The whole text as a number from 0; nothing for any other text.
+template< typename Number > std::optional< Number > numberIn( std::string_view text ) {
+   Number number{};
+   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), number );
+   bool const isWhole = error == std::errc() && end == text.data() + text.size();
+   return isWhole ? std::optional( number ) : std::nullopt;
+}
+
+// "2.5s", up to a year.
+std::optional< U64 > timeIn( std::string_view text ) {
+   constexpr double kLongest = 366.0 * 24 * 3600;
+   constexpr double kSecond = 1e9;
+   if ( !text.ends_with( 's' ) ) {
+      return std::nullopt;
+   }
+   auto const seconds = numberIn< double >( text.substr( 0, text.size() - 1 ) );
+   bool const isTime = seconds && *seconds >= 0 && *seconds <= kLongest;
+   return isTime ? std::optional( static_cast< U64 >( std::llround( *seconds * kSecond ) ) )
+                 : std::nullopt;
+}
+
+}  // namespace
+
+void Moment::declare( CLI::App & app, std::string const & purpose ) {
+   app.add_option( option_, text_, purpose )->type_name( "STEP" )->check( problemOfName );
+}
+
+void Moment::readWords() {
+   step_ = numberIn< U32 >( text_ );
+   time_ = timeIn( text_ );
+   if ( isGiven() && !step_ && !time_ ) {
+      throw CLI::ValidationError(
+         option_, "'" + text_ +
+                     "' is no step; give its number, 0 for start-up, or of a record a time such as "
+                     "2.5s" );
+   }
+}
+
+void Moment::limit( Host::AgentConfig & config, Scenario::Model const & scenario,
+                    RecordedRun const * record ) const {
+   if ( !isGiven() ) {
+      return;
+   }
+   if ( time_ && !record ) {
+      throw Story::InputError( option_ + ' ' + text_ + ": " + config.scenario +
+                               " is no record, and only a record knows times; give a step" );
+   }
+   std::optional< U32 > const step = time_ ? record->stepAt( *time_ ) : step_;
+   std::optional< std::size_t > last;
+   if ( record && config.lastStep ) {
+      last = *config.lastStep;
+   }
+   checkStep( option_, step, scenario, last );
+   config.lastStep = step;
+}
+
+}  // namespace CommandLine

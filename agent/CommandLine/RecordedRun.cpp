@@ -1,0 +1,73 @@
+#include <CommandLine/RecordedRun.h>
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include <Story/InputError.h>
+#include <Story/Wording.h>
+
+namespace CommandLine {
+
+RecordedRun::RecordedRun( std::filesystem::path file )
+      : file_( std::move( file ) ), reader_( file_ ), inputs_( reader_ ) {
+   U64 now = 0;
+   auto kind = Story::StepKind::StartUp;
+   while ( auto const event = reader_.nextEvent() ) {
+      std::visit( Story::Overloaded{ [ & ]( Story::ClockMoved const & moved ) { now = moved.time; },
+                                     [ & ]( Story::StepBegins const & step ) { kind = step.kind; },
+                                     [ & ]( Story::StepEnds const & step ) {
+                                        if ( kind != Story::StepKind::Teardown ) {
+                                           ends_.push_back( { step.number, now } );
+                                        }
+                                     },
+                                     []( auto const & ) {} },
+                  *event );
+   }
+   if ( ends_.empty() && !reader_.isComplete() ) {
+      throw Story::InputError( "the record holds no whole step: it is cut " + reader_.cutText() +
+                               "; record the run again" );
+   }
+}
+
+std::optional< U32 > RecordedRun::lastStep() const {
+   if ( reader_.isComplete() ) {
+      return setup().lastStep;
+   }
+   return ends_.back().step;
+}
+
+U32 RecordedRun::stepAt( U64 time ) const {
+   auto const later = std::find_if( ends_.begin(), ends_.end(),
+                                    [ & ]( StepEnd const & end ) { return end.time > time; } );
+   return later == ends_.begin() ? 0 : std::prev( later )->step;
+}
+
+SameStory::SameStory( std::filesystem::path const & record, U32 lastStep )
+      : file_( record ), reader_( record ), comparison_( reader_ ), lastStep_( lastStep ) {}
+
+void SameStory::onEvent( Story::Event const & event ) {
+   if ( isOver_ ) {
+      return;
+   }
+   try {
+      comparison_.onEvent( event );
+      auto const * const step = std::get_if< Story::StepEnds >( &event );
+      isOver_ = step && step->number == lastStep_;
+   } catch ( Record::Comparison::Over const & ) {
+      isOver_ = true;
+   }
+}
+
+void SameStory::check() const {
+   if ( comparison_.result() != Record::Comparison::Result::different ) {
+      return;
+   }
+   std::string const file = file_.string();
+   throw Story::InputError( fmt::format(
+      "{}: this run is not the recorded one from {} on, as 'vornal replay {}' shows; ask "
+      "after an earlier step, or give the plug-in of the record by --plugin",
+      file, nameOf( comparison_.step() ), file ) );
+}
+
+}  // namespace CommandLine

@@ -1,0 +1,64 @@
+// The record of a run in place of a scenario: its inputs can be played again up to any step.
+//
+// No state stands in a record. Who asks about the switch plays the inputs again, and SameStory
+// holds the new run against the record, so that no answer is about another story than the recorded
+// one.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include <CommandLine/ReplayInputs.h>
+#include <Record/Comparison.h>
+
+namespace CommandLine {
+
+class RecordedRun {
+ public:
+   // Reads the whole record. Story::InputError when it holds no run.
+   explicit RecordedRun( std::filesystem::path file );
+
+   std::filesystem::path const & file() const { return file_; }
+   Record::Setup const & setup() const { return inputs_.setup(); }
+   // The scenario of the run, with more steps at its end.
+   Scenario::Model scenario( std::vector< Scenario::AddedStep > const & more ) const {
+      return inputs_.scenario( more );
+   }
+   // The step that the recorded run ended with: that of `run --step`, or the last whole one of a
+   // record that was cut. Nothing when it came to its own end.
+   std::optional< U32 > lastStep() const;
+   // The last step that was over at that time of the agent's clock, in nanoseconds; 0 is start-up.
+   U32 stepAt( U64 time ) const;
+
+ private:
+   struct StepEnd {
+      U32 step;
+      U64 time;
+   };
+
+   std::filesystem::path file_;
+   Record::Reader reader_;  // at its end
+   ReplayInputs inputs_;
+   std::vector< StepEnd > ends_;  // of start-up and the scenario's steps
+};
+
+// Compares a run with its record, up to the end of the last step that the run carries out.
+class SameStory final : public Story::Observer {
+ public:
+   SameStory( std::filesystem::path const & record, U32 lastStep );
+
+   void onEvent( Story::Event const & event ) override;
+
+   // Throws Story::InputError when the run was another one.
+   void check() const;
+
+ private:
+   std::filesystem::path file_;
+   Record::Reader reader_;
+   Record::Comparison comparison_;
+   U32 lastStep_;
+   bool isOver_ = false;
+};
+
+}  // namespace CommandLine

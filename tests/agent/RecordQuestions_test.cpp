@@ -1,0 +1,128 @@
+// `vornal show`, `explain`, `diff` and `verify` take the record of a run in place of its scenario.
+#include <gtest/gtest.h>
+
+#include <Shipped.h>
+#include <Support.h>
+#include <Switches.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::vector< std::string >;
+
+bool has( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+// Records a shipped scenario by the shipped plug-in.
+class RecordQuestions : public testing::Test {
+ protected:
+   static std::string scenario( std::string const & name ) {
+      return VORNAL_SOURCE_DIR "/scenarios/" + name + "/scenario.yaml";
+   }
+   void keep( std::string const & name, Words const & more = {} ) const {
+      Words words{ "run", scenario( name ), "--record", record };
+      words.insert( words.end(), more.begin(), more.end() );
+      Support::vornal( words );
+   }
+   // The same question to the record and to the scenario.
+   void expectSameAnswer( std::string const & name, Words words ) const {
+      words.insert( words.begin() + 1, record );
+      auto const fromRecord = Support::vornal( words );
+      words[ 1 ] = scenario( name );
+      auto const fromScenario = Support::vornal( words );
+      EXPECT_NE( fromScenario.out, "" ) << fromScenario.err;
+      EXPECT_EQ( fromRecord.out, fromScenario.out ) << fromRecord.err;
+      EXPECT_EQ( fromRecord.exitCode, fromScenario.exitCode );
+   }
+
+   Support::Directory directory;
+   std::string const record = directory.path() / "run.record";
+};
+
+TEST_F( RecordQuestions, HaveTheAnswersOfTheScenario ) {
+   keep( "two-leaves" );
+   expectSameAnswer( "two-leaves", { "show", "state", "--json" } );
+   expectSameAnswer( "two-leaves", { "show", "rules", "--after", "9" } );
+   expectSameAnswer( "two-leaves", { "explain", "7" } );
+   expectSameAnswer( "two-leaves",
+                     { "explain", "{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02 }" } );
+   expectSameAnswer( "two-leaves", { "diff", "--after", "8", "--against", "9" } );
+   expectSameAnswer( "two-leaves", { "verify", "--after", "9" } );
+}
+
+TEST_F( RecordQuestions, CompareARecordWithItsScenario ) {
+   keep( "two-leaves" );
+   auto const ran = Support::vornal( { "diff", scenario( "two-leaves" ), record } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_EQ( ran.out, "no differences\n" );
+}
+
+// The plug-in's retry comes five minutes of the agent's clock after the exhaustion.
+TEST_F( RecordQuestions, TakeATimeOfTheAgentsClock ) {
+   keep( "retry-after-room" );
+   auto const steps = Support::vornal( { "run", "--events", scenario( "retry-after-room" ) } ).out;
+   ASSERT_TRUE( has( steps, "\"event\":\"clockMoved\"" ) );
+   auto const atStart = Support::vornal( { "show", record, "state", "--after", "0s", "--json" } );
+   auto const atEnd = Support::vornal( { "show", record, "state", "--after", "9999s", "--json" } );
+   EXPECT_EQ( atStart.exitCode, 0 ) << atStart.err;
+   EXPECT_NE( atStart.out, atEnd.out );
+   expectSameAnswer( "retry-after-room", { "show", "state", "--json" } );
+   EXPECT_EQ( atEnd.out, Support::vornal( { "show", record, "state", "--json" } ).out );
+}
+
+TEST_F( RecordQuestions, RefuseATimeOfAScenario ) {
+   auto const ran =
+      Support::vornal( { "show", scenario( "two-leaves" ), "rules", "--after", "2s" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, "--after 2s: " + scenario( "two-leaves" ) +
+                          " is no record, and only a record knows times; give a step\n" );
+}
+
+TEST_F( RecordQuestions, KnowAddedStepsAndWhereTheRunEnded ) {
+   keep( "two-leaves", { "--until", "9", "--then", "withdraw: { vteps: [ 10.0.0.2 ] }" } );
+   auto const after = Support::vornal( { "show", record, "rules" } );
+   EXPECT_FALSE( has( after.out, "10.0.0.2" ) ) << after.out;
+   auto const before = Support::vornal( { "show", record, "rules", "--after", "9" } );
+   EXPECT_TRUE( has( before.out, "10.0.0.2" ) ) << before.out;
+   auto const behind = Support::vornal( { "show", record, "rules", "--after", "11" } );
+   EXPECT_EQ( behind.exitCode, 2 );
+   EXPECT_TRUE( has( behind.err, " ends with step 10\n" ) ) << behind.err;
+}
+
+TEST_F( RecordQuestions, AreAboutTheWholeStepsOfARecordThatWasCut ) {
+   keep( "two-leaves" );
+   fs::resize_file( record, fs::file_size( record ) / 2 );
+   auto const ran = Support::vornal( { "show", record, "state" } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_NE( Support::vornal( { "diff", scenario( "two-leaves" ), record } ).exitCode, 2 );
+   fs::resize_file( record, 100 );
+   EXPECT_EQ( Support::vornal( { "show", record, "state" } ).exitCode, 2 );
+}
+
+TEST_F( RecordQuestions, HaveNoAnswerWhenThePlugInDoesSomethingElse ) {
+   std::string const leaf =
+      directory.file( "leaf.yaml", Switches::leaf( "   - ready: subagents::l2Ready\n" ) );
+   auto const with = []( Words words, std::string const & plugin ) {
+      words.insert( words.end(), { "--plugin", Support::testPlugin( plugin ) } );
+      return Support::vornal( words );
+   };
+   with( { "run", leaf, "--record", record }, "segment-rules" );
+   EXPECT_EQ( with( { "show", record, "rules" }, "segment-rules" ).exitCode, 0 );
+   EXPECT_EQ( with( { "show", record, "rules", "--after", "0" }, "segment-rules-wrong" ).exitCode,
+              0 );
+
+   for ( Words const & question :
+         { Words{ "show", record, "rules" }, Words{ "verify", record } } ) {
+      auto const ran = with( question, "segment-rules-wrong" );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_EQ( ran.out, "" );
+      EXPECT_EQ( ran.err,
+                 record + ": this run is not the recorded one from step 1 on, as 'vornal replay " +
+                    record +
+                    "' shows; ask after an earlier step, or give the plug-in of the record by "
+                    "--plugin\n" );
+   }
+}
+
+}  // namespace
