@@ -72,8 +72,9 @@ void describe( CLI::App & app ) {
       return usageText( *failed, error );
    } );
    app.footer( std::string( table().front().exitCodes ) );
-   app.set_version_flag( "--version", "vornal " + std::string( version() ),
-                         "Print the version of the program" );
+   app.set_version_flag( "--version", versions(),
+                         "Print the version and the commit of the program, and the versions of its "
+                         "formats" );
    refuseValuesOfFlags( app );
 }
 

@@ -54,6 +54,7 @@ std::string laidOut( Json const & value, std::string const & before, std::size_t
 Json schema() {
    auto schema = Json::parse( R"({
       "$schema": "http://json-schema.org/draft-07/schema#",
+      "$comment": "",
       "title": "Scenario of the off-switch agent",
       "description": "A switch, what other agents publish on it, and the steps of a story. docs/scenarios.md describes the language.",
       "type": "object",
@@ -61,6 +62,7 @@ Json schema() {
       "then": { "$ref": "#/definitions/derived-scenario" },
       "else": { "$ref": "#/definitions/scenario" }
    })" );
+   schema[ "$comment" ] = fmt::format( "scenario language {}", kLanguageVersion );
    auto & definitions = schema[ "definitions" ];
    for ( Scenario::WordList const & list : vocabulary() ) {
       definitions[ std::string( list.place.name ) ] = Scenario::definitionOf( list );

@@ -3,10 +3,14 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
 namespace Steps {
+
+// The version of the language (docs/compatibility.md).
+inline constexpr std::string_view kLanguageVersion = "1.0";
 
 nlohmann::ordered_json schema();
 

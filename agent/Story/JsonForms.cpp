@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <SoftSdk/PortBitmap.h>
+#include <Story/DocumentVersion.h>
 
 namespace Story {
 
@@ -245,14 +246,18 @@ Json jsonOf( Event const & event ) {
 namespace {
 
 // Escapes DEL and U+0080 to U+009F, which can stand only in the texts of a document. A dump escapes
-// the control characters below the blank itself.
-std::string textOf( Json const & document, int indent ) {
+// the control characters below the blank itself. `first` is put in front of the members of an object
+// in several lines: documents can be large, and a copy with one more member would take their memory
+// twice.
+std::string textOf( Json const & document, int indent, std::string const & first = "" ) {
    constexpr char kDel = 0x7f;
    constexpr char kC1Lead = '\xc2';
+   constexpr std::string_view kOpening = "{\n";
    std::string const dumped = document.dump( indent, ' ', false, Json::error_handler_t::replace );
-   std::string text;
-   text.reserve( dumped.size() + 1 );
-   for ( std::size_t n = 0; n < dumped.size(); ++n ) {
+   bool const hasMembers = !first.empty() && dumped.starts_with( kOpening );
+   std::string text = hasMembers ? std::string( kOpening ) + first : "";
+   text.reserve( text.size() + dumped.size() + 1 );
+   for ( std::size_t n = hasMembers ? kOpening.size() : 0; n < dumped.size(); ++n ) {
       bool const isC1 = dumped[ n ] == kC1Lead && static_cast< U8 >( dumped[ n + 1 ] ) < 0xa0;
       if ( isC1 || dumped[ n ] == kDel ) {
          n += isC1 ? 1 : 0;
@@ -268,7 +273,8 @@ std::string textOf( Json const & document, int indent ) {
 
 std::string documentText( Json const & document ) {
    constexpr int kIndent = 3;
-   return textOf( document, kIndent );
+   return textOf( document, kIndent,
+                  fmt::format( "   \"formatVersion\": \"{}\",\n", kDocumentVersion ) );
 }
 
 std::string lineText( Json const & object ) {

@@ -73,7 +73,7 @@ Json textOrNull( std::string const & text );
 // --- Documents
 
 // A whole document as text, with its line end. It is UTF-8 whatever its texts contain, and has no
-// control character but line ends.
+// control character but line ends. Its first member is formatVersion (Story/DocumentVersion.h).
 std::string documentText( Json const & document );
 // The same in one line.
 std::string lineText( Json const & object );

@@ -37,8 +37,9 @@ TEST( JsonWriter, HasTheNamesThatScriptsHoldOnTo ) {
    Json const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
 
    EXPECT_EQ( namesIn( document ),
-              ( Names{ "scenario", "file", "variant", "end", "assertion", "step", "stop", "error",
-                       "warnings", "plugin", "steps", "rules", "frames", "log", "counters" } ) );
+              ( Names{ "formatVersion", "scenario", "file", "variant", "end", "assertion", "step",
+                       "stop", "error", "warnings", "plugin", "steps", "rules", "frames", "log",
+                       "counters" } ) );
    EXPECT_EQ( namesIn( document[ "steps" ][ 0 ] ),
               ( Names{ "number", "text", "place", "changes", "hardwareCalls", "rulesAdded",
                        "rulesChanged", "rulesRemoved", "log", "traces", "frames", "foreignEntries",

@@ -124,13 +124,6 @@ TEST( ProgramUsage, NamesTheSignalsThatEndARunInItsHelp ) {
    }
 }
 
-TEST( ProgramUsage, TellsItsVersion ) {
-   auto const ran = Support::vornal( { "--version" } );
-   EXPECT_EQ( ran.exitCode, 0 );
-   EXPECT_EQ( ran.out, "vornal 0.1.0\n" );
-   EXPECT_EQ( ran.err, "" );
-}
-
 TEST( ProgramUsage, RefusesNamesThatAreEmpty ) {
    for ( std::string const option : { "--ring", "--pcap-out", "--plugin" } ) {
       auto const ran = Support::vornal( { "run", "x.yaml", option, "" } );

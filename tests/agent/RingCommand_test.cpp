@@ -30,8 +30,10 @@ TEST_F( RingCommand, PrintsADocumentForPrograms ) {
    ASSERT_EQ( Support::vornal( run( ready ) ).exitCode, 0 );
    auto const ran = Support::vornal( { "ring", ring, "--json" } );
    EXPECT_EQ( ran.exitCode, 0 );
-   EXPECT_EQ( Json::parse( ran.out ),
-              Json::parse( R"({ "lines": [ { "number": 0, "time": 0, "step": 1, "handle": "Sample",
+   EXPECT_EQ(
+      Json::parse( ran.out ),
+      Json::parse(
+         R"({ "formatVersion": "1.0.0", "lines": [ { "number": 0, "time": 0, "step": 1, "handle": "Sample",
                                              "level": 5, "isCut": false,
                                              "text": "handleSegment intfId: Ethernet1" } ] })" ) );
 }
