@@ -33,7 +33,7 @@ TEST_F( RingCommand, PrintsADocumentForPrograms ) {
    EXPECT_EQ(
       Json::parse( ran.out ),
       Json::parse(
-         R"({ "formatVersion": "1.0.0", "lines": [ { "number": 0, "time": 0, "step": 1, "handle": "Sample",
+         R"({ "formatVersion": "1.0", "lines": [ { "number": 0, "time": 0, "step": 1, "handle": "Sample",
                                              "level": 5, "isCut": false,
                                              "text": "handleSegment intfId: Ethernet1" } ] })" ) );
 }
