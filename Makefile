@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 DESTDIR ?=
 
-.PHONY: run test check bench install build format clean bootstrap
+.PHONY: run test check bench install deb build format clean bootstrap
 .NOTPARALLEL:
 
 run: build
@@ -22,6 +22,9 @@ bench:
 
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+deb:
+	@tools/deb
 
 build: build/release/build.ninja
 	@cmake --build --preset release --target vornal

@@ -3,13 +3,16 @@
 include( CMakePackageConfigHelpers )
 
 set( packageDir lib/cmake/VornalPlatform )
+# The libraries are private to the program and its plug-ins. An author's build finds them by the
+# CMake package, and the loader by the paths in the files that need them.
+set( libraryDir lib/vornal )
 
 # install_library_ring( <ring> ): a shared library that plug-ins are compiled against, its headers
 # under include/vornal/<ring>, and its place in the CMake package as Vornal::<ring>.
 function( install_library_ring ring )
    set_target_properties( ${ring} PROPERTIES INSTALL_RPATH "$ORIGIN" )
    target_include_directories( ${ring} INTERFACE $<INSTALL_INTERFACE:include/vornal/${ring}> )
-   install( TARGETS ${ring} EXPORT VornalPlatform LIBRARY DESTINATION lib )
+   install( TARGETS ${ring} EXPORT VornalPlatform LIBRARY DESTINATION ${libraryDir} )
    install(
       DIRECTORY ${CMAKE_SOURCE_DIR}/${ring}/
       DESTINATION include/vornal/${ring}
@@ -36,10 +39,10 @@ install(
       ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake
    DESTINATION ${packageDir} )
 
-set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/../.." )
-install( TARGETS VornalEvpn LIBRARY DESTINATION lib/vornal/plugins )
+set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/.." )
+install( TARGETS VornalEvpn LIBRARY DESTINATION ${libraryDir}/plugins )
 
-set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../lib" )
+set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../${libraryDir}" )
 install( TARGETS vornal RUNTIME DESTINATION bin )
 
 # The program prints its manual page and its completions itself. install_words( <folder> <file>
@@ -61,3 +64,4 @@ install_words( share/zsh/site-functions _vornal completion zsh )
 
 # Documents and scenarios lead to each other by relative paths, as here.
 install( DIRECTORY scenarios docs DESTINATION share/vornal )
+install( FILES CHANGELOG.md DESTINATION share/vornal )
