@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <Record/Header.h>
 #include <Steps/Schema.h>
 #include <Story/DocumentVersion.h>
 
@@ -16,8 +17,9 @@ std::string versions() {
       "vornal {}, {}\n"
       "scenario language {}\n"
       "JSON documents {}\n"
+      "records {}\n"
       "plug-in interface {}",
-      version(), commit(), Steps::kLanguageVersion, Story::kDocumentVersion,
+      version(), commit(), Steps::kLanguageVersion, Story::kDocumentVersion, Record::kVersion,
       VORNAL_PLUGIN_INTERFACE );
 }
 

@@ -9,7 +9,6 @@ namespace {
 
 constexpr U32 kSkippableFrame = 0x184d2a50;  // a reader of zstd frames skips it
 constexpr std::string_view kMark = "VORNALRC";
-constexpr U32 kVersion = 1;
 constexpr U32 kContent = kMark.size() + sizeof( U32 ) + sizeof( U64 );
 static_assert( kHeaderSize == 2 * sizeof( U32 ) + kContent );
 

@@ -4,7 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include <Quelm/Integers.h>
+
 namespace Record {
+
+// The version of the form of blocks and items (docs/compatibility.md).
+inline constexpr U32 kVersion = 1;
 
 // The window that a reader of blocks needs, as a power of two.
 inline constexpr int kWindowLog = 20;
