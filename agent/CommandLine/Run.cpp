@@ -8,6 +8,7 @@
 #include <CommandLine/PartOfStory.h>
 #include <CommandLine/Progress.h>
 #include <CommandLine/Recording.h>
+#include <CommandLine/ReportFile.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
@@ -145,6 +146,12 @@ void Run::declare( CLI::App & app ) {
                    "Write the frames that leave each port into this folder, as captures" )
       ->type_name( "DIR" )
       ->check( problemOfName );
+   app.add_option( "--report", report_,
+                   "Write the run as a web page into this file: the switch drawn, the steps, the "
+                   "rules, and each frame with its explanation" )
+      ->type_name( "FILE" )
+      ->check( problemOfName )
+      ->excludes( whatIf );
 }
 
 void Run::readWords() {
@@ -200,12 +207,25 @@ Record::Setup Run::setup() const {
    return setup;
 }
 
+Story::ExitCode Run::tell( ScenarioRun const & what, std::vector< Story::Observer * > observers,
+                           std::ostream & out ) const {
+   if ( isEvents_ ) {
+      return runForListeners( what, std::move( observers ), out );
+   }
+   return scenario_.isJson() ? runForPrograms( what, std::move( observers ), step_, out )
+                             : runForPeople( what, std::move( observers ), step_, out );
+}
+
 Story::ExitCode Run::perform( std::ostream & out ) {
    if ( !whatIf_.empty() ) {
       return compare( out );
    }
    Scenario::Model const scenario = read();
    ScenarioRun what{ scenario, scenario_.config(), ifNamed( ring_ ), scenario_.turnLimit() };
+   std::optional< ReportFile > report;
+   if ( !report_.empty() ) {
+      report.emplace( report_, scenario ).configure( what.config );
+   }
    what.config.trace = trace_;
    what.config.captures = captureFolder( ifNamed( captures_ ), scenario );
    if ( step_ ) {
@@ -222,11 +242,14 @@ Story::ExitCode Run::perform( std::ostream & out ) {
       record = recordNew( record_, setup(), scenario );
       observers.push_back( record.get() );
    }
-   if ( isEvents_ ) {
-      return runForListeners( what, std::move( observers ), out );
+   if ( report ) {
+      observers.push_back( &report->observer() );
    }
-   return scenario_.isJson() ? runForPrograms( what, std::move( observers ), step_, out )
-                             : runForPeople( what, std::move( observers ), step_, out );
+   auto const code = tell( what, std::move( observers ), out );
+   if ( report ) {
+      report->write();
+   }
+   return code;
 }
 
 }  // namespace CommandLine

@@ -24,6 +24,9 @@ class Run final : public Command {
    Scenario::Model read( std::vector< std::string > const & whatIf = {} ) const;
    // The words of this command that decide the run.
    Record::Setup setup() const;
+   // Runs the scenario, and tells of it as the words ask.
+   Story::ExitCode tell( ScenarioRun const & what, std::vector< Story::Observer * > observers,
+                         std::ostream & out ) const;
    // The differences that the steps of --what-if make.
    Story::ExitCode compare( std::ostream & out ) const;
 
@@ -39,6 +42,7 @@ class Run final : public Command {
    std::filesystem::path record_;    // the file that keeps the run; empty: none
    std::filesystem::path ring_;      // the trace ring's file; empty: none
    std::filesystem::path captures_;  // the folder for the frames that leave each port; empty: none
+   std::filesystem::path report_;    // the file of the page; empty: none
 };
 
 }  // namespace CommandLine

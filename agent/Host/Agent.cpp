@@ -30,6 +30,8 @@ Agent::Agent( Scenario::Model const & scenario, AgentConfig config, std::span< s
    }
    if ( auto const * const asked = std::get_if< Traffic::FrameAsked >( &config_.show ) ) {
       frameQuestion_.emplace( *asked, config_.lastStep.has_value(), environment_ );
+   } else if ( config_.particulars ) {
+      particulars_.emplace( *config_.particulars, environment_ );
    }
 }
 
@@ -75,6 +77,9 @@ void Agent::inStep( Story::StepBegins const & begins, Work const & work ) {
    environment_.activity().run();
    if ( plugin_ ) {
       plugin_->tellVariant();
+   }
+   if ( particulars_ && plugin_ ) {
+      particulars_->stepIsOver();
    }
    environment_.observer().onEvent( Story::StepEnds{ numbered.number } );
 }

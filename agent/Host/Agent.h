@@ -28,6 +28,7 @@
 
 #include <Host/Environment.h>
 #include <Host/FrameQuestion.h>
+#include <Host/Particulars.h>
 #include <Loading/LoadedPlugin.h>
 #include <Questions/Table.h>
 #include <Scenario/Scenario.h>
@@ -55,6 +56,8 @@ struct AgentConfig {
    // runs too.
    enum class Verify { never, atEnd, afterEachStep };
    Verify verify = Verify::never;
+   // What to tell beside the story, for a report; nothing: the story alone.
+   std::optional< Particulars::What > particulars{};
 };
 
 class Agent {
@@ -87,6 +90,7 @@ class Agent {
    Environment environment_;
    std::optional< Loading::LoadedPlugin > plugin_;
    std::optional< FrameQuestion > frameQuestion_;
+   std::optional< Particulars > particulars_;
    U32 step_ = 0;
 };
 

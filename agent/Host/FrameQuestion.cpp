@@ -12,18 +12,23 @@ using Traffic::SentFrame;
 
 FrameQuestion::FrameQuestion( Traffic::FrameAsked asked, bool isAfterTheSteps,
                               Environment & environment )
-      : asked_( std::move( asked ) ), environment_( environment ) {
-   auto const * const sent = std::get_if< SentFrame >( &asked_ );
-   if ( !sent ) {
+      : asked_( std::move( asked ) ),
+        isAfterTheSteps_( isAfterTheSteps ),
+        environment_( environment ) {
+   if ( std::holds_alternative< SentFrame >( asked_ ) ) {
+      environment_.traffic().watch( *this );
+   }
+}
+
+void FrameQuestion::look( U64 number, ArrivingFrame const & frame ) {
+   if ( number != std::get< SentFrame >( asked_ ).number ) {
       return;
    }
-   environment_.traffic().watch( sent->number, [ this, isAfterTheSteps ]( ArrivingFrame frame ) {
-      if ( isAfterTheSteps ) {
-         sent_ = std::move( frame );
-      } else {
-         answer( frame );
-      }
-   } );
+   if ( isAfterTheSteps_ ) {
+      sent_ = frame;
+   } else {
+      answer( frame );
+   }
 }
 
 void FrameQuestion::stepsAreOver() {
@@ -51,7 +56,7 @@ void FrameQuestion::stepsAreOver() {
 void FrameQuestion::answer( ArrivingFrame const & frame ) {
    isAnswered_ = true;
    environment_.observer().onEvent( Story::FrameExplained{ Questions::explanationOf(
-      environment_.forQuestions(),
+      Questions::Grounds( environment_.forQuestions() ),
       environment_.traffic().explain( frame, Questions::kNearMisses ) ) } );
 }
 

@@ -12,7 +12,7 @@
 
 namespace Host {
 
-class FrameQuestion {
+class FrameQuestion final : public Traffic::Onlooker {
  public:
    // The environment must outlive the question.
    FrameQuestion( Traffic::FrameAsked asked, bool isAfterTheSteps, Environment & environment );
@@ -21,9 +21,11 @@ class FrameQuestion {
    void stepsAreOver();
 
  private:
+   void look( U64 number, Traffic::ArrivingFrame const & frame ) override;
    void answer( Traffic::ArrivingFrame const & frame );
 
    Traffic::FrameAsked asked_;
+   bool isAfterTheSteps_;
    Environment & environment_;
    std::optional< Traffic::ArrivingFrame > sent_;
    bool isAnswered_ = false;

@@ -88,8 +88,7 @@ Node verdictOf( Chip::Explanation const & why, Grounds const & grounds ) {
 
 }  // namespace
 
-Node explanationOf( Context const & context, Chip::Explanation const & why ) {
-   Grounds const grounds( context );
+Node explanationOf( Grounds const & grounds, Chip::Explanation const & why ) {
    Node frame{ "frame",
                fmt::format( "frame {}: {} bytes on {} ({})", why.number, why.story.length,
                             why.story.arrivalIntfId.stringValue(),

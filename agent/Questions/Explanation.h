@@ -4,11 +4,12 @@
 // published state: the VTEP of a source gport, the state that calls for a rule, the steps that
 // programmed and changed it, and why a copy leaves that local bias might have kept back.
 //
-// Cost: an audit of the rules. It changes nothing.
+// It changes nothing. The grounds cost an audit of the rules, and hold until the published state or
+// a rule changes; the explanation costs little beside that.
 #pragma once
 
 #include <Explanation/Explanation.h>
-#include <Questions/Context.h>
+#include <Questions/Grounds.h>
 #include <Story/Node.h>
 
 namespace Questions {
@@ -16,6 +17,6 @@ namespace Questions {
 // How many rules that miss a frame are told, for each lookup.
 inline constexpr std::size_t kNearMisses = 4;
 
-Story::Node explanationOf( Context const & context, Chip::Explanation const & why );
+Story::Node explanationOf( Grounds const & grounds, Chip::Explanation const & why );
 
 }  // namespace Questions

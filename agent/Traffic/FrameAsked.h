@@ -37,6 +37,21 @@ struct ArrivingFrame {
    std::vector< U8 > bytes;
 };
 
+// Is told of the frames of a run just before they go through the switch.
+class Onlooker {
+ public:
+   Onlooker() = default;
+   Onlooker( Onlooker const & ) = delete;
+   Onlooker & operator=( Onlooker const & ) = delete;
+   virtual ~Onlooker() = default;
+
+   // One frame or more come in. Until the last of them has passed, nothing changes but the MAC
+   // addresses that the switch learns from them.
+   virtual void framesBegin() {}
+   // The frames of a run are counted from 1.
+   virtual void look( U64 number, ArrivingFrame const & frame ) = 0;
+};
+
 using FrameAsked = std::variant< SentFrame, CapturedFrame, WrittenFrame >;
 
 }  // namespace Traffic

@@ -150,7 +150,7 @@ void Injector::inject( Chip::FrameFields const & fields, std::optional< IntfId >
    IntfId const arrival = arrivalOf( on );
    VornalTypes::VornalPort const port = portOf( arrival );
    std::vector< U8 > const bytes = bytesOf( fields );
-   context_.observer.onEvent( Story::FramesBegin{ arrival.stringValue(), 1 } );
+   tellBegin( arrival, 1 );
    if ( captures_ ) {
       captures_->timeIs( context_.activity.clock()->now() );
    }
@@ -161,7 +161,7 @@ void Injector::injectCapture( std::filesystem::path const & file, IntfId const &
    prepare();
    VornalTypes::VornalPort const port = portOf( on );
    Chip::CaptureReader reader = openedCapture( file );
-   context_.observer.onEvent( Story::FramesBegin{ on.stringValue(), framesIn( file ) } );
+   tellBegin( on, framesIn( file ) );
    while ( auto const frame = reader.next() ) {
       if ( captures_ ) {
          captures_->timeIs( frame->timestamp );
@@ -170,9 +170,16 @@ void Injector::injectCapture( std::filesystem::path const & file, IntfId const &
    }
 }
 
+void Injector::tellBegin( IntfId const & arrival, U64 frames ) {
+   context_.observer.onEvent( Story::FramesBegin{ arrival.stringValue(), frames } );
+   if ( onlooker_ ) {
+      onlooker_->framesBegin();
+   }
+}
+
 void Injector::forward( VornalTypes::VornalPort arrival, Chip::Bytes frame ) {
-   if ( frames_ + 1 == watched_ ) {
-      look_( { arrival, { frame.begin(), frame.end() } } );
+   if ( onlooker_ ) {
+      onlooker_->look( frames_ + 1, { arrival, { frame.begin(), frame.end() } } );
    }
    Chip::FrameStory const & story = captures_ ? pipeline_.forward( arrival, frame, *captures_ )
                                               : pipeline_.forward( arrival, frame, nowhere_ );
@@ -193,11 +200,6 @@ std::set< IntfId > Injector::configured() const {
       }
    }
    return interfaces;
-}
-
-void Injector::watch( U64 number, std::function< void( ArrivingFrame const & ) > look ) {
-   watched_ = number;
-   look_ = std::move( look );
 }
 
 ArrivingFrame Injector::frameOf( CapturedFrame const & captured ) const {

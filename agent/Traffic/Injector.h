@@ -22,7 +22,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -72,8 +71,8 @@ class Injector {
    // The interfaces that are to carry VLANs or VXLAN, with a port or without one.
    std::set< Pelk::IntfId > configured() const;
 
-   // Calls `look` with that frame of the run, counted from 1, just before the switch gets it.
-   void watch( U64 number, std::function< void( ArrivingFrame const & ) > look );
+   // The onlooker is told of every frame from now on, and must outlive them.
+   void watch( Onlooker & onlooker ) { onlooker_ = &onlooker; }
    // The frame, of a capture or written, where it would come in now.
    ArrivingFrame arriving( FrameAsked const & asked );
    // What would become of the frame now, and why. Tells at most that many rules that miss it, for
@@ -92,6 +91,7 @@ class Injector {
    Pelk::IntfId arrivalOf( std::optional< Pelk::IntfId > const & on ) const;
    std::vector< U8 > bytesOf( Chip::FrameFields fields ) const;
    ArrivingFrame frameOf( CapturedFrame const & captured ) const;
+   void tellBegin( Pelk::IntfId const & arrival, U64 frames );
    void forward( VornalTypes::VornalPort arrival, Chip::Bytes frame );
 
    Context context_;
@@ -100,8 +100,7 @@ class Injector {
    std::optional< Chip::PortCaptures > captures_;
    Nowhere nowhere_;
    U64 frames_ = 0;
-   U64 watched_ = 0;  // 0: no frame
-   std::function< void( ArrivingFrame const & ) > look_;
+   Onlooker * onlooker_ = nullptr;  // nobody looks on
 };
 
 }  // namespace Traffic
