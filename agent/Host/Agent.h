@@ -56,7 +56,7 @@ struct AgentConfig {
    // runs too.
    enum class Verify { never, atEnd, afterEachStep };
    Verify verify = Verify::never;
-   // What to tell beside the story, for a report; nothing: the story alone.
+   // The particulars to tell, for a report; nothing: the story alone.
    std::optional< Particulars::What > particulars{};
 };
 

@@ -1,5 +1,5 @@
-// Tells what a report of a run shows beside its story: why each frame leaves where it does, just
-// before it goes through the switch, and after each step what the switch holds.
+// Tells the particulars of a run for a report: the explanation of each frame, just before the frame
+// goes through the switch, and tables of the switch after each step.
 //
 // The plug-in notices nothing of it, and the switch stays the same.
 #pragma once

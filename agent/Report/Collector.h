@@ -1,4 +1,4 @@
-// Collects what a report shows from the events of a run.
+// Collects the contents of a report from the events of a run.
 //
 // The agent has to tell the particulars of the run as well (Host/Particulars.h): the explanation of
 // each frame, and after each step the answers to the questions of tables(). Without these the

@@ -1,4 +1,4 @@
-// The frames of a run in little room: what many frames share is there once.
+// The frames of a run in little room: a fate that many frames share stands once.
 #pragma once
 
 #include <map>
@@ -31,7 +31,7 @@ struct FrameLookup {
    friend auto operator<=>( FrameLookup const &, FrameLookup const & ) = default;
 };
 
-// What became of a frame.
+// The end of a frame's way.
 struct FrameFate {
    std::optional< TextId > dropReason{};
    std::vector< FrameLookup > lookups{};

@@ -1,4 +1,5 @@
-// What a report shows: a run as plain values. Report/Collector.h fills it, Report/Data.h writes it.
+// The contents of a report: a run as plain values. Report/Collector.h fills it, Report/Data.h
+// writes it.
 #pragma once
 
 #include <optional>
@@ -15,8 +16,7 @@
 
 namespace Report {
 
-// A run can be without end, and a page must stay quick. What is left out is counted, and the page
-// says so.
+// A run can be without end, and a page must stay quick. The rest is counted, and the page says so.
 struct Limits {
    std::size_t frames = 50'000;  // listed; all are in the totals
    std::size_t explained = 10'000;
@@ -24,7 +24,7 @@ struct Limits {
    std::size_t lines = 2'000;  // of a step, and as many changes
 };
 
-// What the events do not tell of the switch.
+// The parts of the switch that no event tells.
 struct Device {
    struct Unit {
       U32 number = 0;

@@ -6,7 +6,7 @@ namespace Report {
 
 namespace {
 
-// What a tag that names a file becomes.
+// A tag that names a file, and the tag around the content of that file.
 struct Inlined {
    std::string_view opening;  // up to the name
    std::string_view closing;  // from the name on

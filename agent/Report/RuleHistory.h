@@ -13,7 +13,7 @@
 
 namespace Report {
 
-// What a rule matches and does from the end of a step.
+// The matches and the actions of a rule, from the end of a step.
 struct RuleForm {
    U32 step = 0;
    TextId name = 0;

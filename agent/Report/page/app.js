@@ -1,6 +1,6 @@
 'use strict';
 
-// Puts the parts together. The address behind # says what is in view, so the browser's back button
+// Puts the parts together. The address behind # names the thing in view, so the browser's back button
 // and its bookmarks work: #/step/10, #/frame/136, #/rule/2, #/place/Ethernet1.
 
 const lists = [ framesList, rulesList, messagesList, changesList ];
@@ -241,8 +241,9 @@ function showHead() {
    const { frames, copies, drops } = run.totals;
    const numbers = object => Object.entries( object ).map( ( [ name, count ] ) => count.toLocaleString( 'en' ) + ' ' + name );
    const there = run.rules.filter( rule => rule.until === null ).length;
-   byId( 'totals' ).textContent = [ counted( frames, 'frame' ), ...numbers( copies ).slice( 0, 6 ),
-                                    Object.keys( drops ).length ? 'dropped: ' + numbers( drops ).slice( 0, 4 ).join( ', ' ) : '',
+   const dropped = Object.values( drops ).reduce( ( sum, count ) => sum + count, 0 );
+   byId( 'totals' ).textContent = [ counted( frames, 'frame' ) + ( dropped ? ' (' + dropped.toLocaleString( 'en' ) + ' dropped)' : '' ),
+                                    frames > dropped ? 'copies: ' + numbers( copies ).slice( 0, 6 ).join( ', ' ) : '',
                                     counted( there, 'rule' ) + ' at the end' ].filter( text => text ).join( ' · ' );
    byId( 'totals' ).title = byId( 'totals' ).textContent;
 }

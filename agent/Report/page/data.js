@@ -42,7 +42,7 @@ function readSteps( data, text ) {
          ...step,
          index,
          firstFrame: first,
-         lines: step.lines.map( line => ( { kind: text( line[ 0 ] ), text: text( line[ 1 ] ) } ) ),
+         lines: step.lines.map( line => ( { kind: text( line[ 0 ] ), text: withoutKind( text( line[ 1 ] ) ) } ) ),
          changes: step.changes.map( change => ( { path: text( change[ 0 ] ),
                                                   attribute: text( change[ 1 ] ),
                                                   key: text( change[ 2 ] ),
@@ -53,6 +53,11 @@ function readSteps( data, text ) {
       first += step.frames;
       return read;
    } );
+}
+
+// The text of a line, whose kind stands beside it.
+function withoutKind( line ) {
+   return line.replace( /^(trace|log|warning:) /, '' );
 }
 
 // Where a step with that number stands among the steps.

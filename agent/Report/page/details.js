@@ -1,6 +1,6 @@
 'use strict';
 
-// What there is to say about a step, a frame, a rule, or a place of the drawing.
+// The details of the run, of a step, a frame, a rule, or a place of the drawing.
 
 const kMostRows = 200;  // of a list in the details
 
@@ -113,9 +113,14 @@ function stopDetails( stop ) {
               stop.assertion && facts( [ 'assertion', el( 'code', {}, stop.assertion.expression ) ],
                                        [ 'at', el( 'code', {}, stop.assertion.at ) ],
                                        [ 'in', el( 'code', {}, stop.assertion.in ) ] ),
-              part( 'Known limits', stop.limits, limit => [ el( 'b', {}, limit.title ), '. Remedy: ' + limit.remedy ] ),
+              part( 'Known limits', stop.limits, limit => [ el( 'b', {}, limit.title ), '. Remedy: ', withCode( limit.remedy ) ] ),
               part( 'Last lines of the trace ring', stop.traces, line => el( 'code', {}, line ), false ),
               part( 'Last lines printed', stop.output, line => el( 'code', {}, line ), false ) );
+}
+
+// Parts of the text between backquotes as code.
+function withCode( text ) {
+   return text.split( '`' ).map( ( one, n ) => n % 2 === 0 ? one : el( 'code', {}, one ) );
 }
 
 // --- A frame
@@ -147,7 +152,7 @@ function copyText( copy ) {
             copy.rule === null ? null : [ ', ', ruleLink( copy.rule ) ] ];
 }
 
-// Headers and rules that miss are folded up; what decided is open.
+// Headers and interfaces without a copy are folded up.
 function treeNode( node ) {
    const text = el( 'span', { class: 'node ' + node.kind }, withRuleLink( node ) );
    const children = node.children();
@@ -221,6 +226,12 @@ function framesOfRule( rule ) {
 
 // --- A place
 
+// Links to the first of the places, and how many more there are.
+function someOf( names, most = 6 ) {
+   const links = names.slice( 0, most ).flatMap( name => [ placeLink( name ), ', ' ] ).slice( 0, -1 );
+   return names.length === 0 ? 'nobody' : names.length <= most ? links : [ links, ' and ' + ( names.length - most ) + ' more' ];
+}
+
 function placeDetails( name, index ) {
    const row = ( table, is ) => run.table( table, index ).filter( is );
    const vtep = row( 'vteps', one => one.vtep === name )[ 0 ];
@@ -234,10 +245,10 @@ function placeDetails( name, index ) {
       isGone && el( 'p', { class: 'quiet' }, 'It is not there after ' + run.steps[ index ].name + '.' ),
       vtep && facts( [ 'protection', vtep.protection ], [ 'virtual port', vtep.virtualPort ],
                      [ 'source gport', vtep.gport ], [ 'class id', vtep.classId ],
-                     [ 'segments', vtep.segment.length ? linked( vtep.segment.join( ', ' ) ) : '' ] ),
-      segment && facts( [ 'segment with', segment.vtep.length ? linked( segment.vtep.join( ', ' ) ) : 'no VTEP' ] ),
+                     [ 'segments', vtep.segment.length ? someOf( vtep.segment ) : '' ] ),
+      segment && facts( [ 'segment with', segment.vtep.length ? someOf( segment.vtep, kMostRows ) : 'no VTEP' ] ),
       part( 'Ports', ports, port => [ linked( port.interface ), ', unit ' + port.unit + ' port ' + port.port,
-                                      port.keepsBackFrom ? [ '; keeps back from ', linked( port.keepsBackFrom.join( ', ' ) || 'nobody' ) ] : null ] ),
+                                      port.keepsBackFrom ? [ '; keeps back from ', someOf( port.keepsBackFrom ) ] : null ] ),
       part( 'Rules', rules, rule => [ ruleLink( rule.number ), ' ', rule.last.matches, ': ', rule.last.does,
                                       isThere( rule, index ) ? null : el( 'span', { class: 'quiet' }, ' · not there now' ) ] ),
       part( 'State changes', changesAbout( new Set( [ name ] ) ),

@@ -6,11 +6,12 @@
 //    port channels and other interfaces behind the ports, with their segments
 //
 // A switch with very many VTEPs or ports shows the first of them, the ones with segments before the
-// others, and always those of `wanted`, a set of names.
+// others, and always those of `wanted`, a set of names, as far as there is any sense in that.
 
 const kRow = 24;          // between two rows
-const kMostVteps = 24;
-const kMostPorts = 40;
+const kMostVteps = 14;
+const kMostPorts = 16;
+const kMostWanted = 48;
 const kMostLanes = 5;     // segments whose VTEPs are joined by lines of their own
 
 function layoutOf( stepIndex, width, wanted ) {
@@ -39,14 +40,15 @@ function isUnderlay( row ) {
 // At most that many rows: those that are wanted, then the preferred ones, then the others, in their
 // own order.
 function chosenRows( rows, most, isPreferred, isWanted ) {
-   if ( rows.length <= most ) {
+   const room = Math.max( most, Math.min( kMostWanted, rows.filter( isWanted ).length ) );
+   if ( rows.length <= room ) {
       return { rows, more: 0 };
    }
    const rank = row => isWanted( row ) ? 0 : isPreferred( row ) ? 1 : 2;
    const kept = new Set( rows.map( ( row, n ) => ( { row, n } ) )
                             .sort( ( a, b ) => rank( a.row ) - rank( b.row ) || a.n - b.n )
-                            .slice( 0, most ).map( one => one.row ) );
-   return { rows: rows.filter( row => kept.has( row ) ), more: rows.length - most };
+                            .slice( 0, room ).map( one => one.row ) );
+   return { rows: rows.filter( row => kept.has( row ) ), more: rows.length - room };
 }
 
 // The left edges and widths of the columns.

@@ -41,7 +41,8 @@ class Drawing {
    classOf( name, kind ) {
       const { place, frame, found } = this.what;
       const isOn = place === name || ( frame && namesOfFrame( frame ).has( name ) );
-      return kind + ( isOn ? ' on' : '' ) + ( found && !found.has( name ) ? ' off' : '' );
+      const isKept = frame && frame.fate.keptBack.some( copy => ( copy.vtep || copy.interface ) === name );
+      return kind + ( isKept ? ' back' : isOn ? ' on' : '' ) + ( found && !found.has( name ) ? ' off' : '' );
    }
 
    link( name, kind, title, ...children ) {
@@ -202,10 +203,11 @@ function framePath( layout, frame ) {
       group.append( stopMark( middle, arrival.y, 'dropped: ' + frame.fate.dropReason ) );
       return group;
    }
-   for ( const copy of frame.fate.copies.filter( one => one.verdict !== 'arrival' ) ) {
-      group.append( ...wayOut( layout, copy, arrival, middle ) );
-   }
-   group.append( svg( 'circle', { class: 'hub', cx: middle, cy: arrival.y, r: 4 } ) );
+   const ways = frame.fate.copies.filter( one => one.verdict !== 'arrival' )
+                   .flatMap( copy => wayOut( layout, copy, arrival, middle ) );
+   const isMark = part => part.classList.contains( 'stop-mark' );
+   group.append( ...ways.filter( part => !isMark( part ) ), ...ways.filter( isMark ),
+                 svg( 'circle', { class: 'hub', cx: middle, cy: arrival.y, r: 4 } ) );
    return group;
 }
 

@@ -30,7 +30,7 @@ class TimeLine {
          marks.unshift( el( 'span', { class: stop.asExpected ? 'mark good' : 'mark bad' },
                             stop.asExpected ? 'stopped, as expected' : 'STOPPED' ) );
       }
-      return el( 'li', { class: ( this.found && !this.found.has( step.index ) ? 'off ' : '' ) +
+      return el( 'div', { class: ( this.found && !this.found.has( step.index ) ? 'off ' : '' ) +
                                 ( isLast && stop && !stop.asExpected ? 'bad' : '' ) },
                  el( 'span', { class: 'number' }, step.number === null ? '–' : step.number ),
                  el( 'span', { class: 'what', title: step.text },
@@ -103,9 +103,10 @@ function usedGroups() {
 
 function marksOf( step ) {
    const rules = what => step.rules.filter( change => change.what === what ).length;
+   const texts = kind => step.lines.filter( line => line.kind === kind ).map( line => line.text ).join( '\n' );
    const lines = kind => step.lines.filter( line => line.kind === kind ).length;
-   const mark = ( count, text, kind, title ) =>
-      count > 0 && el( 'span', { class: 'mark ' + kind, title: counted( count, title ) }, text );
+   const mark = ( count, text, kind, thing, title ) =>
+      count > 0 && el( 'span', { class: 'mark ' + kind, title: title || counted( count, thing ) }, text );
    return [
       mark( lines( 'failed' ), '✕ ' + lines( 'failed' ), 'bad', 'expectation that did not hold' ),
       mark( lines( 'held' ), '✓ ' + lines( 'held' ), 'good', 'expectation that held' ),
@@ -113,8 +114,8 @@ function marksOf( step ) {
       mark( rules( 'changed' ), '~' + rules( 'changed' ), 'changed', 'rule changed' ),
       mark( rules( 'removed' ), '−' + rules( 'removed' ), 'removed', 'rule removed' ),
       mark( step.changes.length, counted( step.changes.length, 'change' ), '', 'change of the state' ),
-      mark( step.frames, counted( step.frames, 'frame' ), 'frames', 'frame' ),
-      mark( lines( 'logged' ), counted( lines( 'logged' ), 'log line' ), 'log', 'log line' ),
-      mark( lines( 'warning' ), counted( lines( 'warning' ), 'warning' ), 'bad', 'warning' )
+      mark( step.frames, counted( step.frames, 'frame' ), '', 'frame' ),
+      mark( lines( 'logged' ), counted( lines( 'logged' ), 'log line' ), 'changed', '', texts( 'logged' ) ),
+      mark( lines( 'warning' ), counted( lines( 'warning' ), 'warning' ), 'bad', '', texts( 'warning' ) )
    ];
 }

@@ -15,7 +15,7 @@ function reasonOf( copy ) {
                              : copy.verdict;
 }
 
-// What became of a frame, in one line.
+// The fate of a frame in one line.
 function fateText( fate ) {
    if ( fate.dropReason ) {
       return 'dropped: ' + fate.dropReason;
