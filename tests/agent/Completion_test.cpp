@@ -64,7 +64,8 @@ TEST_F( Completion, OfTheFirstWordIsACommandOrAnOptionOfTheProgram ) {
 
 TEST_F( Completion, OfAnOptionIsOneOfTheCommand ) {
    EXPECT_EQ( completed( { "run", "--t" } ), ( Words{ "--then", "--trace", "--turn-limit" } ) );
-   EXPECT_EQ( completed( { "verify", "leaf.yaml", "--a" } ), Words{ "--after-each-step" } );
+   EXPECT_EQ( completed( { "verify", "leaf.yaml", "--a" } ),
+              ( Words{ "--after", "--after-each-step" } ) );
    EXPECT_EQ( completed( { "schema", "--j" } ), Words{} );
 }
 

@@ -118,7 +118,7 @@ TEST_F( Events, EndWithTheStopWhenThePlugInStops ) {
 }
 
 TEST_F( Events, CannotBeToldBesideTheDocumentOrAPartOfTheStory ) {
-   for ( std::string const & option : { "--json", "--step=1", "--what-if=note: x" } ) {
+   for ( std::string const option : { "--json", "--step=1", "--what-if=note: x" } ) {
       auto other = words( "   - note: x\n" );
       other.push_back( option );
       EXPECT_EQ( Support::vornal( other ).exitCode, 2 ) << option;
