@@ -15,6 +15,11 @@ Json textOf( std::string const & text ) {
    return Text::printable( text );
 }
 
+// The same of a text of several lines.
+Json linesIn( std::string const & text ) {
+   return Text::printableLines( text );
+}
+
 Json textsOf( std::vector< std::string > const & texts ) {
    Json json = Json::array();
    for ( std::string const & text : texts ) {
@@ -195,7 +200,7 @@ Json endOf( Ending const & ending ) {
    return { { "name", ending.name },
             { "expectations", ending.expectations },
             { "failedExpectations", ending.failedExpectations },
-            { "error", textOf( ending.error ) },
+            { "error", linesIn( ending.error ) },
             { "interrupted", textOf( ending.interrupted ) },
             { "stop", stopOf( ending ) } };
 }
@@ -214,7 +219,7 @@ Json deviceOf( Device const & device ) {
 Json dataOf( Model const & model ) {
    return { { "title", textOf( model.title ) },
             { "file", textOf( model.file ) },
-            { "description", textOf( model.description ) },
+            { "description", linesIn( model.description ) },
             { "variant", textOf( model.variant ) },
             { "end", endOf( model.ending ) },
             { "device", deviceOf( model.device ) },

@@ -31,7 +31,7 @@ function runDetails() {
                                                  .map( line => ( { step, line } ) ) );
    return [
       el( 'h2', {}, run.title ),
-      el( 'p', {}, run.description ),
+      el( 'p', { class: 'lines' }, run.description ),
       facts( [ 'file', el( 'span', { class: 'code' }, run.file ) ], [ 'variant', run.variant ],
              [ 'end', end.name ], [ 'expectations', end.expectations - end.failedExpectations + ' of ' + end.expectations + ' held' ],
              [ 'frames', totals.frames ? totals.frames.toLocaleString( 'en' ) : '' ],
