@@ -130,6 +130,8 @@ class Use(PageTest):
 
     def test_the_tabulator_reaches_every_part(self):
         self.open(self.two_leaves)
+        self.assertEqual(self.script("return [ ...document.querySelectorAll( '[role=listbox]' ) ]"
+                                     ".map( node => node.tabIndex )"), [0, 0])
         reached = set()
         for _ in range(60):
             self.type(Keys.TAB)
