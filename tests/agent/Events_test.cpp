@@ -89,11 +89,12 @@ class Events : public testing::Test {
 TEST_F( Events, OfARunAreTheWholeStoryAndItsExitCodeStays ) {
    auto const ran =
       Support::vornal( words( "   - ready: subagents::l2Ready\n"
-                              "   - expect: { rules: none }\n" ) );
+                              "   - expect: { plug-in: waiting }\n" ) );
 
    EXPECT_EQ( ran.exitCode, 1 );
    EXPECT_EQ( ran.err, "" );
    auto const lines = linesOf( ran.out );
+   ASSERT_FALSE( lines.empty() );
    EXPECT_EQ( lines.front()[ "event" ], "runBegins" );
    EXPECT_EQ( lines.back()[ "event" ], "runEnds" );
    Names names;
@@ -120,7 +121,7 @@ TEST_F( Events, EndWithTheStopWhenThePlugInStops ) {
 TEST_F( Events, CannotBeToldBesideTheDocumentOrAPartOfTheStory ) {
    for ( std::string const option : { "--json", "--step=1", "--what-if=note: x" } ) {
       auto other = words( "   - note: x\n" );
-      other.push_back( option );
+      other.emplace_back( option );
       EXPECT_EQ( Support::vornal( other ).exitCode, 2 ) << option;
    }
 }

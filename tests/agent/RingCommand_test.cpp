@@ -16,9 +16,13 @@ using Support::TestPipe;
 class RingCommand : public testing::Test {
  protected:
    std::vector< std::string > run( std::string const & steps ) const {
-      return { "run",      directory.file( "leaf.yaml", Switches::leaf( steps ) ),
-               "--ring",   ring,
-               "--plugin", Support::testPlugin( "segment-rules" ) };
+      return { "run",
+               "--json",
+               directory.file( "leaf.yaml", Switches::leaf( steps ) ),
+               "--ring",
+               ring,
+               "--plugin",
+               Support::testPlugin( "segment-rules" ) };
    }
 
    Support::Directory directory;
@@ -46,14 +50,14 @@ TEST_F( RingCommand, EndsAtOnceWhenTheRunThatItFollowsIsOver ) {
 }
 
 TEST_F( RingCommand, FollowsARunToItsEnd ) {
-   TestPipe story;
+   TestPipe told;
    TestPipe lines;
    int const nothing = open( "/dev/null", O_RDWR | O_CLOEXEC );
    Running running( run( ready +
                          "   - call: { entity: /plugins/Sample::Mounter, operation: hang }\n" ),
-                    { nothing, story.in(), story.in() } );
-   story.closeEnd( 1 );
-   EXPECT_NE( story.read( "hanging\n" ), "" );
+                    { nothing, nothing, told.in() } );
+   told.closeEnd( 1 );
+   EXPECT_EQ( told.read( "\n" ), "hanging\n" );
 
    Running following( { "ring", "--follow", "--json", ring }, { nothing, lines.in(), nothing } );
    lines.closeEnd( 1 );
@@ -70,14 +74,14 @@ TEST_F( RingCommand, FollowsARunToItsEnd ) {
 }
 
 TEST_F( RingCommand, EndsWithTheSignalThatInterruptsIt ) {
-   TestPipe story;
+   TestPipe told;
    TestPipe lines;
    int const nothing = open( "/dev/null", O_RDWR | O_CLOEXEC );
    Running const running(
       run( ready + "   - call: { entity: /plugins/Sample::Mounter, operation: hang }\n" ),
-      { nothing, story.in(), story.in() } );
-   story.closeEnd( 1 );
-   EXPECT_NE( story.read( "hanging\n" ), "" );
+      { nothing, nothing, told.in() } );
+   told.closeEnd( 1 );
+   EXPECT_EQ( told.read( "\n" ), "hanging\n" );
    Running following( { "ring", "--follow", ring }, { nothing, lines.in(), nothing } );
    lines.closeEnd( 1 );
    EXPECT_NE( lines.read( "\n" ), "" );
