@@ -134,6 +134,18 @@ Story::ExitCode stateAfter( ScenarioRun what, Story::Table & state ) {
    return runForAnswer( what, taken );
 }
 
+std::optional< Story::Table > stateIfAny( ScenarioRun what, int & signal ) {
+   what.config.show = Questions::find( "state" );
+   Story::Table state;
+   TableTaken taken( state );
+   Story::Outcome outcome;
+   Story::Observers both( { &taken, &outcome } );
+   runScenario( what, both );
+   signal = outcome.interrupted() ? outcome.interrupted()->signal : 0;
+   return outcome.exitCodeOfAnswer() == Story::ExitCode::Held ? std::optional( std::move( state ) )
+                                                              : std::nullopt;
+}
+
 CLI::Option * declareOnly( CLI::App & app, Parts & only ) {
    return app
       .add_option( "--only", only,

@@ -4,6 +4,7 @@
 // name of its own. So a comparison is one of names and values.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,10 @@ namespace CommandLine {
 
 // Runs the scenario and puts its state at the end into `state`; see runForAnswer().
 Story::ExitCode stateAfter( ScenarioRun what, Story::Table & state );
+
+// The same without a word: nothing when the run does not get to its end, with the signal that has
+// ended it, or 0.
+std::optional< Story::Table > stateIfAny( ScenarioRun what, int & signal );
 
 // The parts of a state that a comparison can be limited to: "published", "rules", "records".
 using Parts = std::vector< std::string >;

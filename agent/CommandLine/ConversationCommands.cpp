@@ -9,11 +9,11 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/Comparison.h>
+#include <CommandLine/OutputFile.h>
 #include <CommandLine/Table.h>
 #include <CommandLine/Usage.h>
 #include <Scenario/File.h>
 #include <Shell/Line.h>
-#include <Shell/SavedScenario.h>
 #include <Shell/StepGrammar.h>
 #include <Story/InputError.h>
 #include <Story/Wording.h>
@@ -155,30 +155,6 @@ void Conversation::whatIf( std::string_view text ) {
 
 // --- The rest
 
-namespace {
-
-// Whether there is a file, which is then one to replace.
-bool isThere( fs::path const & file ) {
-   std::error_code error;
-   if ( fs::is_directory( file, error ) ) {
-      throw Story::InputError( file.string() + " is a folder; name a file in it" );
-   }
-   if ( fs::exists( fs::symlink_status( file, error ) ) ) {
-      if ( !fs::is_regular_file( file, error ) ) {
-         throw Story::InputError( file.string() + " is no regular file; name another one" );
-      }
-      return true;
-   }
-   fs::path const folder = file.parent_path();
-   if ( !folder.empty() && !fs::is_directory( folder, error ) ) {
-      throw Story::InputError( "there is no folder " + folder.string() +
-                               "; make it, or name another file" );
-   }
-   return false;
-}
-
-}  // namespace
-
 std::string Conversation::textToSave( fs::path const & file ) const {
    std::string saved = session_.saved( file );
    try {
@@ -201,14 +177,14 @@ void Conversation::save( std::string_view text ) {
    fs::path const whole = fs::weakly_canonical( file, error );
    auto const before = saved_.find( whole );
    bool const isOurs = before != saved_.end();
-   if ( isThere( file ) && !isForced &&
+   if ( isThereToReplace( file ) && !isForced &&
         !( isOurs && Scenario::textIn( file ) == before->second ) ) {
       throw Story::InputError(
          file.string() + ( isOurs ? " has changed since it was saved" : " is there already" ) +
          "; name another file, or add --force" );
    }
    std::string const saved = textToSave( file );
-   Shell::writeWhole( fs::is_symlink( file, error ) ? whole : file, saved );
+   replaceFile( file, saved );
    saved_.insert_or_assign( whole, saved );
    out_ << fmt::format( "{} has what was carried out: {}\n", file.string(),
                         Story::counted( session_.done(), "step" ) );

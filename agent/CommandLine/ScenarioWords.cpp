@@ -3,6 +3,10 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/Usage.h>
+#include <Scenario/File.h>
+#include <Story/InputError.h>
+
+#include <unistd.h>
 
 namespace CommandLine {
 
@@ -11,8 +15,7 @@ void ScenarioWords::declare( CLI::App & app, Answers answers ) {
       declareJson( app );
       return;
    }
-   // A command without a document is the shell, which has its lines from standard input.
-   bool const isInputFree = answers == Answers::textOrJson;
+   bool const isInputFree = answers != Answers::dialogue;
    app.add_option( "SCENARIO", file_,
                    isInputFree ? "The scenario's file, a pipe, or '-' for standard input"
                                : "The scenario's file, or a pipe" )
@@ -45,6 +48,20 @@ ScenarioFile const & ScenarioWords::input() const {
 
 Scenario::Model ScenarioWords::read( AddedSteps const & added ) const {
    return source_ ? source_->read( added ) : input().read( added );
+}
+
+WholeScenario ScenarioWords::readWhole() const {
+   bool const isInput = file_ == "-";
+   std::filesystem::path const file = isInput ? std::filesystem::path( "standard input" ) : file_;
+   if ( record() ) {
+      throw Story::InputError( file.string() +
+                               ": this is the record of a run; name the scenario itself, which "
+                               "'zstdcat' prints with the rest of the record" );
+   }
+   std::string const text =
+      isInput ? Scenario::textOf( STDIN_FILENO, file ) : Scenario::textIn( file );
+   Scenario::Model model = Steps::readScenarioText( text, file );
+   return { std::move( model ), Scenario::Whole( file, text ) };
 }
 
 Host::AgentConfig ScenarioWords::config() const {

@@ -14,6 +14,7 @@
 #include <CommandLine/Command.h>
 #include <CommandLine/RunWords.h>
 #include <CommandLine/ScenarioFile.h>
+#include <Scenario/Whole.h>
 
 namespace CLI {
 class App;
@@ -27,9 +28,19 @@ struct ScenarioSource {
    std::chrono::milliseconds turnLimit{};
 };
 
+// A scenario, and its document for those who write another one after it.
+struct WholeScenario {
+   Scenario::Model model;
+   Scenario::Whole whole;
+};
+
 class ScenarioWords {
  public:
-   enum class Answers { textOrJson, text };
+   enum class Answers {
+      textOrJson,
+      text,
+      dialogue  // text, and questions on standard input
+   };
 
    // To be called before declare(); the source must outlive the words.
    void sourceIs( ScenarioSource const & source ) { source_ = &source; }
@@ -45,6 +56,8 @@ class ScenarioWords {
    }
    // The scenario, with more steps at its end.
    Scenario::Model read( AddedSteps const & added = {} ) const;
+   // The scenario together with its document; not for a source.
+   WholeScenario readWhole() const;
    // nullptr: the scenario is none.
    RecordedRun const * record() const { return source_ ? nullptr : input().record(); }
    // Those of a run of it. Finds the plug-in; throws Story::InputError where there is none.

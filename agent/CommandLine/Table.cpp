@@ -5,6 +5,7 @@
 #include <CommandLine/Check.h>
 #include <CommandLine/Completion.h>
 #include <CommandLine/Diff.h>
+#include <CommandLine/Dump.h>
 #include <CommandLine/Explain.h>
 #include <CommandLine/Help.h>
 #include <CommandLine/Manual.h>
@@ -14,6 +15,7 @@
 #include <CommandLine/Schema.h>
 #include <CommandLine/ShellCommand.h>
 #include <CommandLine/Show.h>
+#include <CommandLine/Shrink.h>
 #include <CommandLine/Test.h>
 #include <CommandLine/Verify.h>
 
@@ -35,6 +37,13 @@ constexpr std::string_view kOfADiff =
    "process, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfATest =
    "Exit codes: 0 all passed, 1 a scenario failed, 2 no scenario found or bad usage, 129 SIGHUP, "
+   "130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfADump =
+   "Exit codes: 0 written, 2 bad input or usage, 3 the plug-in stopped the process, 129 SIGHUP, "
+   "130 "
+   "SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfAShrink =
+   "Exit codes: 0 made shorter, 2 bad input or usage, or a scenario that ends well, 129 SIGHUP, "
    "130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfACheck = "Exit codes: 0 no mistakes, 2 mistakes, or bad usage";
 constexpr std::string_view kOfAShell =
@@ -79,6 +88,16 @@ std::vector< Row > const & table() {
         "vornal test scenarios\n"
         "vornal test --jobs 4 --junit results.xml scenarios/limits scenarios/start-up",
         create< Test >, kOfATest },
+      { "dump", "Run a scenario and write the state that it leads to as a short scenario",
+        "vornal dump scenarios/two-leaves/scenario.yaml --after 9\n"
+        "vornal dump scenarios/vtep-flap/scenario.yaml -o flapped.yaml",
+        create< Dump >, kOfADump },
+      { "shrink", "Make a scenario that fails or stops as short as it can be",
+        "sed /expect:/,+3d scenarios/limits/vni-swap/scenario.yaml | vornal shrink - -o "
+        "short.yaml\n"
+        "sed 's/count: 1 /count: 2 /' scenarios/limits/full-segment-goes/scenario.yaml | "
+        "vornal shrink - -o few.yaml",
+        create< Shrink >, kOfAShrink },
       { "check", "Find every mistake of scenarios, without a run",
         "vornal check scenarios/start-up/scenario.yaml\n"
         "vornal check scenarios",

@@ -1,10 +1,8 @@
 #include <CommandLine/Test.h>
 
 #include <algorithm>
-#include <charconv>
 #include <fstream>
 #include <iostream>
-#include <thread>
 #include <tuple>
 
 #include <fmt/format.h>
@@ -27,21 +25,6 @@ namespace CommandLine {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr std::size_t kMostJobs = 1024;
-
-std::size_t cores() {
-   return std::max( std::thread::hardware_concurrency(), 1U );
-}
-
-std::string problemOfJobs( std::string const & text ) {
-   std::size_t jobs = 0;
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), jobs );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
-   return isWhole && jobs >= 1 && jobs <= kMostJobs
-             ? ""
-             : fmt::format( "'{}' is no number of jobs; give one from 1 to {}", text, kMostJobs );
-}
 
 // A file that cannot be written is refused before anything runs.
 class JUnitFile {
@@ -95,10 +78,7 @@ void Test::declare( CLI::App & app ) {
    app.add_option( "PATH", paths_, "Scenarios, and folders with scenarios" )
       ->required()
       ->check( problemOfName );
-   app.add_option( "--jobs", jobs_,
-                   "How many scenarios run at a time; by default as many as there are cores" )
-      ->type_name( "NUMBER" )
-      ->check( problemOfJobs );
+   jobs_.declare( app );
    app.add_option( "--junit", junit_, "Write the results into this file, in the form of JUnit" )
       ->type_name( "FILE" )
       ->check( problemOfName );
@@ -145,7 +125,7 @@ Testing::Tested Test::testAll( std::vector< std::filesystem::path > const & file
          line.advance( progressText( results ) );
       }
    };
-   Testing::Tested tested = Testing::testAll( files, jobs_ == 0 ? cores() : jobs_, work, progress );
+   Testing::Tested tested = Testing::testAll( files, jobs_.count(), work, progress );
    line.clear();
    return tested;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/Jobs.h>
 #include <CommandLine/RunWords.h>
 #include <Testing/Report.h>
 
@@ -27,7 +28,7 @@ class Test final : public Command {
 
    std::vector< std::filesystem::path > paths_;
    RunWords words_;
-   std::size_t jobs_ = 0;         // 0: as many as there are cores
+   Jobs jobs_;
    std::filesystem::path junit_;  // empty: no such file
    bool isVerbose_ = false;
 };

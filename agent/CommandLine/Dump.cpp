@@ -1,0 +1,180 @@
+#include <CommandLine/Dump.h>
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/Comparison.h>
+#include <CommandLine/RunScenario.h>
+#include <Story/Wording.h>
+#include <Text/Printable.h>
+
+namespace CommandLine {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Scenario::Yaml;
+
+// A signal that has ended a run, and with it the search for a dump.
+struct Ended {
+   int signal;
+};
+
+bool hasFeatureFiles( fs::path const & folder ) {
+   std::error_code error;
+   fs::directory_iterator const files( folder.empty() ? "." : folder, error );
+   return !error &&
+          std::any_of( begin( files ), end( files ), []( fs::directory_entry const & one ) {
+             return one.path().extension() == ".json";
+          } );
+}
+
+// The whole scenario without steps, and those up to that one.
+Dumping::Original originalOf( WholeScenario const & source, fs::path const & place,
+                              std::size_t last ) {
+   auto placed = source.whole.steps();
+   placed.resize( last );
+   Dumping::Original original{ source.whole.document( place, {} ), listOf( place, placed ).parts };
+   if ( !hasFeatureFiles( source.whole.features() ) ) {
+      original.scenario.remove( "features" );
+   }
+   return original;
+}
+
+// --- What stands above it
+
+constexpr std::size_t kMostDifferences = 3;
+
+constexpr std::size_t kLongestStep = 60;
+
+// "step 9 (ready subagents::l2Ready)"; the words of a long step are left out.
+std::string stepText( Scenario::Model const & model, std::size_t step ) {
+   if ( step == 0 ) {
+      return "start-up";
+   }
+   std::string const words = model.steps[ step - 1 ].action->description();
+   return fmt::format( "step {}{}", step,
+                       words.size() > kLongestStep ? "" : fmt::format( " ({})", words ) );
+}
+
+std::vector< std::string > keptText( Dumping::Dump const & dump ) {
+   std::vector< std::string > lines{ fmt::format(
+      "The way there matters, so {} kept. A fresh start would differ:",
+      dump.keptSteps == 1 ? "one step is" : fmt::format( "{} steps are", dump.keptSteps ) ) };
+   for ( std::string const & difference : dump.differences ) {
+      if ( lines.size() > kMostDifferences ) {
+         lines.push_back(
+            fmt::format( "   and {} more", dump.differences.size() - kMostDifferences ) );
+         break;
+      }
+      lines.push_back( "   " + difference );
+   }
+   return lines;
+}
+
+std::string heading( Scenario::Model const & model, Dumping::Original const & original,
+                     Dumping::Dump const & dump ) {
+   std::vector< std::string > lines{ fmt::format( "The switch of {} after {}.", model.file,
+                                                  stepText( model, original.steps.size() ) ) };
+   if ( dump.keptSteps != 0 ) {
+      auto const kept = keptText( dump );
+      lines.insert( lines.end(), kept.begin(), kept.end() );
+   }
+   if ( dump.hasOtherEntryNumbers ) {
+      lines.emplace_back( "Its rules have other numbers in the chip." );
+   }
+   Dumping::Past const past = Dumping::pastOf( original.steps );
+   if ( past.hasFrames ) {
+      lines.emplace_back( "Its chip has learned no addresses." );
+   }
+   if ( past.hasFaults && dump.keptSteps == 0 ) {
+      lines.emplace_back( "No call of its chip is still to fail (fail-call)." );
+   }
+   if ( Yaml const * const features = dump.scenario.find( "features" ) ) {
+      lines.push_back( "It needs the feature files in " + features->text + '.' );
+   }
+   std::string text;
+   for ( std::string const & line : lines ) {
+      text += "# " + Text::printable( line ) + '\n';
+   }
+   return text;
+}
+
+}  // namespace
+
+void Dump::declare( CLI::App & app ) {
+   scenario_.declare( app, ScenarioWords::Answers::text );
+   app.add_option(
+         "--after", after_,
+         "Write the switch after this step, 0 for start-up; after the last one if none is "
+         "given" )
+      ->type_name( "STEP" );
+   output_.declare( app );
+}
+
+ScenarioRun Dump::runOf( Scenario::Model const & model ) const {
+   return { model, scenario_.config(), {}, scenario_.turnLimit() };
+}
+
+Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path const & place ) const {
+   auto const stateOf = []( ScenarioRun const & what ) {
+      int signal = 0;
+      auto state = stateIfAny( what, signal );
+      if ( signal != 0 ) {
+         throw Ended{ signal };
+      }
+      return state;
+   };
+   auto const after = [ this, &model, stateOf ]( std::size_t step ) {
+      ScenarioRun what = runOf( model );
+      what.config.lastStep = static_cast< U32 >( step );
+      return stateOf( what );
+   };
+   auto const of = [ this, place,
+                     stateOf ]( Yaml const & scenario ) -> std::optional< Story::Table > {
+      try {
+         Scenario::Model const tried = Steps::readScenarioText( textOf( scenario ), place );
+         return stateOf( runOf( tried ) );
+      } catch ( Scenario::ReadError const & ) {  // its state needs steps, not words
+         return std::nullopt;
+      }
+   };
+   auto const between = []( Story::Table const & before, Story::Table const & now ) {
+      return differencesBetween( before, now, {} );
+   };
+   return { after, of, between };
+}
+
+Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) const {
+   std::size_t const last = after_.value_or( static_cast< U32 >( source.model.ownSteps ) );
+   ScenarioRun what = runOf( source.model );
+   what.config.lastStep = static_cast< U32 >( last );
+   Story::Table state;
+   auto const code = stateAfter( what, state );
+   if ( code != Story::ExitCode::Held ) {
+      return code;
+   }
+   fs::path const place = output_.place( source.model.name + "-dump" );
+   auto const original = originalOf( source, place, last );
+   auto dump = Dumping::dumped( original, state, switchesFor( source.model, place ) );
+   if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
+      dump.scenario.remove( "steps" );
+   }
+   output_.write( heading( source.model, original, dump ) + pageOf( dump.scenario ), out );
+   return code;
+}
+
+Story::ExitCode Dump::perform( std::ostream & out ) {
+   output_.check();
+   WholeScenario const source = scenario_.readWhole();
+   checkStep( "--after", after_, source.model );
+   try {
+      return dump( source, out );
+   } catch ( Ended const & ended ) {
+      return Story::exitCodeOf( ended.signal );
+   }
+}
+
+}  // namespace CommandLine

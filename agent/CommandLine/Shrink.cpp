@@ -1,0 +1,104 @@
+#include <CommandLine/Shrink.h>
+
+#include <iostream>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include <CommandLine/ProgressLine.h>
+#include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
+#include <Story/InputError.h>
+#include <Story/Wording.h>
+#include <Text/Printable.h>
+
+#include <unistd.h>
+
+namespace CommandLine {
+
+namespace {
+
+using Scenario::Yaml;
+using Shrinking::Ending;
+using Shrinking::sizeOf;
+
+// An ending that can be looked for.
+void check( Ending const & ending, std::string const & file ) {
+   if ( !ending.badInput.empty() ) {
+      throw Story::InputError( ending.badInput );
+   }
+   if ( ending.isWell() ) {
+      throw Story::InputError( file +
+                               " ends well, so there is nothing to look for; give a scenario that "
+                               "fails or stops, or take the expectation of its stop out" );
+   }
+}
+
+std::string heading( Ending const & ending, std::string const & file, Yaml const & before,
+                     Yaml const & after ) {
+   return fmt::format( "# {}, made shorter: {}; of {}\n# It ends as follows: {}\n",
+                       Text::printable( file ), sizeOf( after ), sizeOf( before ),
+                       Text::printable( ending.words() ) );
+}
+
+}  // namespace
+
+void Shrink::declare( CLI::App & app ) {
+   scenario_.declare( app, ScenarioWords::Answers::text );
+   output_.declare( app );
+   jobs_.declare( app );
+}
+
+Ending Shrink::run( Scenario::Model const & scenario ) const {
+   Shrinking::EndingTaken taken;
+   runScenario( { scenario, scenario_.config(), {}, scenario_.turnLimit() }, taken );
+   return taken.ending();
+}
+
+Yaml Shrink::shrunk( Yaml const & document, Shrinking::Trials & trials ) {
+   return Shrinking::shrunk( document, [ & ]( Shrinking::Candidates const & candidates ) {
+      auto const found = trials.firstThatHolds( candidates );
+      if ( found ) {
+         left_ = sizeOf( candidates.document( *found ) );
+      }
+      return found;
+   } );
+}
+
+Story::ExitCode Shrink::perform( std::ostream & out ) {
+   output_.check();
+   std::ignore = scenario_.config();  // a missing plug-in is no ending
+   WholeScenario const source = scenario_.readWhole();
+   std::filesystem::path const place = output_.place( source.model.name + "-short" );
+   Yaml const document = source.whole.document( place, source.whole.steps() );
+   left_ = sizeOf( document );
+
+   ProgressLine line( std::cerr );
+   Shrinking::Trials * told = nullptr;
+   bool const isWatched = isTerminal( STDERR_FILENO );
+   auto const progress = [ & ] {
+      if ( isWatched && told ) {
+         line.advance( fmt::format( "{}; {} left", Story::counted( told->runs(), "run" ), left_ ) );
+      }
+   };
+   auto const runOne = [ this ]( Scenario::Model const & scenario ) { return run( scenario ); };
+   Shrinking::Trials trials( { runOne, place, jobs_.count(), progress } );
+   Ending const ending = trials.endingOf( document );
+   if ( trials.signal() != 0 ) {
+      return Story::exitCodeOf( trials.signal() );
+   }
+   check( ending, source.model.file );
+   trials.lookFor( ending );
+   told = &trials;
+   Yaml const result = shrunk( document, trials );
+   line.clear();
+   output_.write( heading( ending, source.model.file, document, result ) + pageOf( result ), out );
+   out.flush();
+   ( output_.isNamed() ? out : std::cerr )
+      << fmt::format( "{}after {}: {} of {}\n", trials.signal() == 0 ? "" : "interrupted ",
+                      Story::counted( trials.runs(), "run" ), sizeOf( result ),
+                      sizeOf( document ) );
+   return trials.signal() == 0 ? Story::ExitCode::Held : Story::exitCodeOf( trials.signal() );
+}
+
+}  // namespace CommandLine
