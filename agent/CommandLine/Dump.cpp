@@ -74,10 +74,13 @@ std::vector< std::string > keptText( Dumping::Dump const & dump ) {
    return lines;
 }
 
-std::string heading( Scenario::Model const & model, Dumping::Original const & original,
+// `subject` is the switch and the moment.
+std::string heading( std::string const & subject, Dumping::Original const & original,
                      Dumping::Dump const & dump ) {
-   std::vector< std::string > lines{ fmt::format( "The switch of {} after {}.", model.file,
-                                                  stepText( model, original.steps.size() ) ) };
+   std::vector< std::string > lines{ subject };
+   if ( !dump.isSame ) {
+      lines.emplace_back( "It does NOT lead to the same state: no scenario was found that does." );
+   }
    if ( dump.keptSteps != 0 ) {
       auto const kept = keptText( dump );
       lines.insert( lines.end(), kept.begin(), kept.end() );
@@ -162,7 +165,11 @@ Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) c
    if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
       dump.scenario.remove( "steps" );
    }
-   output_.write( heading( source.model, original, dump ) + pageOf( dump.scenario ), out );
+   bool const isInput = scenario_.file() == "-";
+   std::string const subject = fmt::format( "The switch of {} after {}.",
+                                            isInput ? source.model.file : scenario_.file().string(),
+                                            stepText( source.model, last ) );
+   output_.write( heading( subject, original, dump ) + pageOf( dump.scenario ), out );
    return code;
 }
 

@@ -87,12 +87,13 @@ Story::ExitCode Shrink::perform( std::ostream & out ) {
    if ( trials.signal() != 0 ) {
       return Story::exitCodeOf( trials.signal() );
    }
-   check( ending, source.model.file );
+   std::string const name = scenario_.file() == "-" ? source.model.file : scenario_.file().string();
+   check( ending, name );
    trials.lookFor( ending );
    told = &trials;
    Yaml const result = shrunk( document, trials );
    line.clear();
-   output_.write( heading( ending, source.model.file, document, result ) + pageOf( result ), out );
+   output_.write( heading( ending, name, document, result ) + pageOf( result ), out );
    out.flush();
    ( output_.isNamed() ? out : std::cerr )
       << fmt::format( "{}after {}: {} of {}\n", trials.signal() == 0 ? "" : "interrupted ",

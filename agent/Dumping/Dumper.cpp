@@ -26,7 +26,12 @@ bool isOfEntryNumber( Story::Node const & kind, Story::Node const & difference )
 class Dumper {
  public:
    Dumper( Original const & original, Story::Table const & state, Switches const & switches )
-         : original_( original ), state_( state ), switches_( switches ) {}
+         : original_{ withoutVlansOfMembers( original.scenario, state ), original.steps },
+           state_( state ),
+           switches_( switches ) {
+      original_.scenario.remove( "description" );
+      original_.scenario.remove( "trace" );
+   }
 
    Dump dumped() {
       std::size_t const all = original_.steps.size();
@@ -97,7 +102,8 @@ class Dumper {
          pastOf( { original_.steps.begin(),
                    original_.steps.begin() + static_cast< std::ptrdiff_t >( step ) } );
       for ( Order const & order : ordersFor( *state, past ) ) {
-         Yaml start = freshStart( original_.scenario, *state, past, order );
+         Yaml start =
+            withoutVlansOfMembers( freshStart( original_.scenario, *state, past, order ), state_ );
          auto const is = switches_.of( start );
          start =
             withSteps( std::move( start ), is ? repairs( *state, *is ) : std::vector< Yaml >() );
@@ -128,12 +134,12 @@ class Dumper {
                       : std::optional( static_cast< std::size_t >( found - candidates.begin() ) );
          } );
       Yaml const scenario = chosen( kept );
-      leads( scenario );  // for the numbers of its entries
-      return { scenario, kept.size(), kept.empty() ? std::vector< std::string >() : differences_,
-               hasOtherEntryNumbers_ };
+      bool const isSame = leads( scenario );  // also for the numbers of its entries
+      return { scenario, kept.size(), isSame,
+               kept.empty() ? std::vector< std::string >() : differences_, hasOtherEntryNumbers_ };
    }
 
-   Original const & original_;
+   Original original_;
    Story::Table const & state_;
    Switches const & switches_;
    std::vector< std::string > differences_;  // of the first try that did not lead there

@@ -37,6 +37,7 @@ struct Original {
 struct Dump {
    Scenario::Yaml scenario;
    std::size_t keptSteps = 0;                 // of the original
+   bool isSame = true;                        // it leads to the state
    std::vector< std::string > differences{};  // of a fresh start, where steps had to be kept
    bool hasOtherEntryNumbers = false;
 };

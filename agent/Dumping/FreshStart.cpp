@@ -223,8 +223,6 @@ Yaml freshStart( Yaml const & scenario, Story::Table const & state, Past const &
       parts.take( item );
    }
    Yaml document = scenario;
-   document.remove( "description" );
-   document.remove( "trace" );
    Yaml & device = document.part( "switch" );
    setOrRemove( device, "interfaces", parts.find( "interfaces" ) );
    setOrRemove( device, "port-channels", parts.find( "port-channels" ) );
@@ -233,6 +231,32 @@ Yaml freshStart( Yaml const & scenario, Story::Table const & state, Past const &
    setOrRemove( document, "evpn", evpn.parts.empty() ? nullptr : &evpn );
    document.set( "steps", stepsOf( parts, past, order ) );
    return document;
+}
+
+Yaml withoutVlansOfMembers( Yaml scenario, Story::Table const & state ) {
+   std::set< std::string > members;
+   for ( Item const & item : publishedItems( state ) ) {
+      if ( item.shape == "/lag/config/phyIntf[]/lag" ) {
+         members.insert( item.keys[ 0 ] );
+      }
+   }
+   if ( !scenario.find( "forwarding" ) ) {
+      return scenario;
+   }
+   Yaml & forwarding = scenario.part( "forwarding" );
+   for ( std::string_view const word : { "access", "trunk", "not-designated" } ) {
+      if ( !forwarding.find( word ) ) {
+         continue;
+      }
+      std::vector< Yaml > & parts = forwarding.part( word ).parts;
+      std::erase_if( parts, [ & ]( Yaml const & part ) {
+         return members.contains( part.key.empty() ? part.text : part.key );
+      } );
+      if ( parts.empty() ) {
+         forwarding.remove( word );
+      }
+   }
+   return scenario;
 }
 
 }  // namespace Dumping

@@ -21,4 +21,8 @@ std::vector< Order > ordersFor( Story::Table const & state, Past const & past );
 Scenario::Yaml freshStart( Scenario::Yaml const & scenario, Story::Table const & state,
                            Past const & past, Order const & order );
 
+// The scenario without the VLANs of interfaces that are members of a port channel in that state:
+// the port channel's hold for them, and a scenario cannot give them others.
+Scenario::Yaml withoutVlansOfMembers( Scenario::Yaml scenario, Story::Table const & state );
+
 }  // namespace Dumping

@@ -46,16 +46,16 @@ TEST( DumpedItems, HaveAShapeAndKeys ) {
 TEST( DumpedItems, AreRepairedByTheWordsThatThereAre ) {
    std::string const vtep = "/hardware/vornal/vp/status/vornalL3/remoteVport";
    std::string const port = "/shared/vornalCommon/vornalIntfToPort";
-   EXPECT_EQ( textOf( Dumping::repairs( state( { { vtep + "[10.0.0.2#west]", "7" },
-                                                 { port + "[Ethernet1]", "unit0/port5/mod1" },
-                                                 { port + "Cache[Ethernet1]", "unit0/port5/mod1" },
-                                                 { "/evpn/status/segmentStatus[]/intfId", "\"\"" },
-                                                 { "/shared/tcamManager/entryManager[157]/group",
-                                                   "157" } } ),
-                                        state( { { vtep + "[10.0.0.3]", "3" } } ) ) ),
+   EXPECT_EQ( textOf( Dumping::repairs(
+                 state( { { vtep + "[10.0.0.2#west]", "7" },
+                          { port + "[Ethernet1]", "unit0/port5/mod1" },
+                          { port + "Cache[Ethernet1]", "unit0/port5/mod1" },
+                          { "/evpn/status/segmentStatus[\"a b\"]/intfId", "\"a b\"" },
+                          { "/shared/tcamManager/entryManager[157]/group", "157" } } ),
+                 state( { { vtep + "[10.0.0.3]", "3" } } ) ) ),
               "delete: {entity: /hardware/vornal/vp/status/vornalL3, attribute: remoteVport, key: "
               "10.0.0.3}\n"
-              "set: {entity: /evpn/status, attribute: segmentStatus, key: \"\"}\n"
+              "set: {entity: /evpn/status, attribute: segmentStatus, key: \"\\\"a b\\\"\"}\n"
               "set: {entity: /hardware/vornal/vp/status/vornalL3, attribute: remoteVport, key: "
               "10.0.0.2#west, value: 7}\n"
               "publish: {interfaces: {Ethernet1: {unit: 0, port: 5}}}\n" );
@@ -162,6 +162,16 @@ TEST( Dump, ReplacesAFileOnlyWhenItIsTold ) {
    EXPECT_EQ(
       Support::vornal( { "dump", shipped( "two-leaves" ), "-o", dump, "--force" } ).exitCode, 0 );
    EXPECT_EQ( Support::vornal( { "run", dump } ).exitCode, 0 );
+}
+
+TEST( Dump, LeavesOutTheVlansOfMembers ) {
+   auto const ran =
+      Support::vornal( { "dump", shipped( "lag-members-class-id" ), "--after", "28" } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, "# The switch of " + shipped( "lag-members-class-id" ) +
+                                      " after step 28" ) )
+      << ran.out;
+   EXPECT_FALSE( contains( ran.out, "Ethernet4: 10" ) ) << ran.out;
 }
 
 TEST( Dump, RefusesAStepThatTheScenarioDoesNotHave ) {
