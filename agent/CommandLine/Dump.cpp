@@ -1,9 +1,11 @@
 #include <CommandLine/Dump.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <CommandLine/Comparison.h>
 #include <CommandLine/RunScenario.h>
@@ -22,12 +24,24 @@ struct Ended {
    int signal;
 };
 
+// An object of booleans.
+bool isFeatureFile( fs::path const & file ) {
+   if ( file.extension() != ".json" ) {
+      return false;
+   }
+   std::ifstream text( file );
+   auto const content = nlohmann::json::parse( text, nullptr, false );
+   return content.is_object() && !content.empty() &&
+          std::all_of( content.begin(), content.end(),
+                       []( nlohmann::json const & value ) { return value.is_boolean(); } );
+}
+
 bool hasFeatureFiles( fs::path const & folder ) {
    std::error_code error;
-   fs::directory_iterator const files( folder.empty() ? "." : folder, error );
+   fs::directory_iterator const files( folder, error );
    return !error &&
           std::any_of( begin( files ), end( files ), []( fs::directory_entry const & one ) {
-             return one.path().extension() == ".json";
+             return isFeatureFile( one.path() );
           } );
 }
 

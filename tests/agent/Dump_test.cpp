@@ -143,6 +143,18 @@ TEST( Dump, NamesItsFeatureFilesFromItsFolder ) {
    EXPECT_TRUE( contains( text, "/scenarios/toggle-off/features" ) ) << text;
 }
 
+TEST( Dump, TakesNoOtherFilesForFeatureFiles ) {
+   Support::Directory const directory;
+   std::string const scenario =
+      directory.file( "leaf.yaml", Switches::leaf( "- ready: subagents::l2Ready\n" ) );
+   directory.file( "results.json", "{ \"failed\": 0 }" );
+   auto const words = std::vector< std::string >{ "dump", scenario, "--plugin",
+                                                  Support::testPlugin( "segment-rules" ) };
+   EXPECT_FALSE( contains( Support::vornal( words ).out, "features" ) );
+   directory.file( "Sample.json", "{ \"SampleToggle\": true }" );
+   EXPECT_TRUE( contains( Support::vornal( words ).out, "features: " ) );
+}
+
 TEST( Dump, WritesNothingAfterAStop ) {
    Support::Directory const directory;
    std::string const dump = directory.path() / "dump.yaml";

@@ -51,20 +51,23 @@ TEST( Minimise, KeepsWhatIsNeededAndNothingElse ) {
 }
 
 TEST( Minimise, LeavesOutWhatBecomesNeedlessLater ) {
-   // Each element needs the next one; only the first one is really needed to be out.
-   auto const isOrdered = []( std::vector< Kept > const & candidates ) {
+   // An element can go only alone, and when the one in front of it has gone; the last one is
+   // needed.
+   constexpr std::size_t kCount = 13;
+   std::size_t gone = 0;
+   auto const isOrdered = [ &gone ]( std::vector< Kept > const & candidates ) {
       for ( std::size_t n = 0; n < candidates.size(); ++n ) {
-         bool holds = true;
-         for ( std::size_t m = 0; m < candidates[ n ].size(); ++m ) {
-            holds = holds && candidates[ n ][ m ] == m;
-         }
-         if ( holds && !candidates[ n ].empty() ) {
+         Kept const & kept = candidates[ n ];
+         bool const isSuffix =
+            !kept.empty() && kept.back() == kCount - 1 && kept.front() + kept.size() == kCount;
+         if ( isSuffix && kept.front() == ++gone ) {
             return std::optional( n );
          }
+         gone -= isSuffix ? 1 : 0;
       }
       return std::optional< std::size_t >();
    };
-   EXPECT_EQ( Shrinking::minimised( 13, isOrdered ), Kept{ 0 } );
+   EXPECT_EQ( Shrinking::minimised( kCount, isOrdered ), Kept{ kCount - 1 } );
 }
 
 TEST( Minimise, LeavesTwoElementsOutThatNeedEachOther ) {
@@ -175,6 +178,17 @@ TEST_F( Shrink, KeepsTheExpectationThatFailsAndWhatItFound ) {
    EXPECT_TRUE( contains( ran.err, " runs: 2 steps" ) ) << ran.err;
 }
 
+TEST_F( Shrink, KeepsWhatTheExpectationHasFound ) {
+   // Two rules in place of five; a switch without any rule would fail, too.
+   auto const ran =
+      shrink( { file( "- ready: subagents::l2Ready\n"
+                      "- publish: { segments: { Ethernet2: [ 10.0.0.2 ] } }\n"
+                      "- expect: { rules: { group: ingress, count: 5 } }\n" ) } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, "- ready: subagents::l2Ready\n" ) ) << ran.out;
+   EXPECT_TRUE( contains( ran.out, "Ethernet2: []" ) ) << ran.out;
+}
+
 TEST_F( Shrink, RefusesAScenarioThatEndsWell ) {
    std::string const good = file( "- ready: subagents::l2Ready\n" );
    auto const ran = shrink( { good, "-o", out } );
@@ -183,6 +197,12 @@ TEST_F( Shrink, RefusesAScenarioThatEndsWell ) {
                           " ends well, so there is nothing to look for; give a scenario that "
                           "fails or stops, or take the expectation of its stop out\n" );
    EXPECT_FALSE( std::filesystem::exists( out ) );
+}
+
+TEST_F( Shrink, RefusesAScenarioThatStopsAsItExpects ) {
+   auto const ran = Support::vornal( { "shrink", Shipped::fileOf( "limits/vni-swap" ) } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_TRUE( contains( ran.err, " ends well, so there is nothing" ) ) << ran.err;
 }
 
 TEST_F( Shrink, ReplacesAFileOnlyWhenItIsTold ) {
