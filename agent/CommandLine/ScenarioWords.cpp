@@ -4,6 +4,7 @@
 
 #include <CommandLine/Usage.h>
 #include <Scenario/File.h>
+#include <Steps/Reader.h>
 #include <Story/InputError.h>
 
 #include <unistd.h>

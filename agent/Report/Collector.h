@@ -29,6 +29,7 @@ class Collector final : public Story::Observer {
    void take( Story::RunBegins const & event );
    void take( Story::StepBegins const & event );
    void take( Story::StepEnds const & ) { endOfStep(); }
+   void take( Story::ClockMoved const & ) {}
    void take( Story::RunEnds const & ) {}
    void take( Story::BadInput const & ) { endOfStep(); }
    void take( Story::Interrupted const & ) { endOfStep(); }
