@@ -102,6 +102,30 @@ class Use(PageTest):
         self.assertIn("stopped, as expected", self.text("#steps .row:last-child"))
         self.assertEqual(len(self.all("#tcam .stopped")), 1)
 
+    def test_the_step_in_view_is_in_sight(self):
+        self.open(self.two_leaves)
+        row = self.script("const box = one => one.getBoundingClientRect();"
+                          "return [ box( document.querySelector( '#steps [aria-selected=true]' ) ).bottom,"
+                          "         box( byId( 'steps' ) ).bottom ]")
+        self.assertLess(row[0], row[1] + 1)
+
+    def test_texts_of_a_scenario_are_shown_and_not_carried_out(self):
+        hostile = "</script><script>broken = 1</script><img src=x onerror='broken = 1'><!--"
+        file = self.page("hostile").with_suffix(".yaml")
+        file.write_text("scenario: hostile\n"
+                        f"based-on: {scenario('start-up')}\n"
+                        "variant: egress-mask\n"
+                        f'description: "{hostile}"\n'
+                        f'steps: [ {{ note: "{hostile}" }} ]\n')
+        reported(file, self.page("hostile"))
+        self.open(self.page("hostile"))
+        self.assertEqual(self.text("#details p"), hostile)
+        self.assertIn(hostile, self.text("#steps [aria-selected=true]"))
+        self.script("byId( 'search' ).value = arguments[ 0 ]; searchIs( arguments[ 0 ] )", hostile)
+        self.assertIsNone(self.script("return typeof broken === 'undefined' ? null : broken"))
+        self.assertEqual(self.all("img"), [])
+        self.expect_quiet()
+
     # --- The keyboard alone
 
     def test_the_keyboard_is_enough(self):

@@ -18,8 +18,8 @@ class TimeLine {
    show( index, found ) {
       this.index = index;
       this.found = found;
+      this.drawTcam();  // first, since it takes height from the list
       this.list.chosenIs( index );
-      this.drawTcam();
    }
 
    row( step ) {
