@@ -1,5 +1,7 @@
 #include <Report/Collector.h>
 
+#include <algorithm>
+
 #include <Snapshot/RuleText.h>
 #include <Story/AuditText.h>
 #include <Story/EntityText.h>

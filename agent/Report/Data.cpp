@@ -1,5 +1,8 @@
 #include <Report/Data.h>
 
+#include <array>
+#include <map>
+
 #include <Snapshot/RuleText.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>

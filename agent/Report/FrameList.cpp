@@ -83,7 +83,7 @@ void FrameList::add( Chip::FrameStory const & frame, U32 step, RuleHistory const
    listed.explanation = tree;
    listed.isTwice = tree && isNextTwice_;
    explained_ += tree ? 1U : 0U;
-   frames_.push_back( std::move( listed ) );
+   frames_.push_back( listed );
 }
 
 }  // namespace Report

@@ -2,6 +2,7 @@
 // writes it.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
