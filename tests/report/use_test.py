@@ -110,7 +110,7 @@ class Use(PageTest):
         self.assertLess(row[0], row[1] + 1)
 
     def test_texts_of_a_scenario_are_shown_and_not_carried_out(self):
-        hostile = "</script><script>broken = 1</script><img src=x onerror='broken = 1'><!--"
+        hostile = "</script ><script >broken = 1</script ><img src=x onerror='broken = 1'><!--"
         file = self.page("hostile").with_suffix(".yaml")
         file.write_text("scenario: hostile\n"
                         f"based-on: {scenario('start-up')}\n"
