@@ -2,15 +2,20 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iostream>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <CommandLine/Comparison.h>
+#include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
+#include <CommandLine/Terminal.h>
 #include <Story/Wording.h>
 #include <Text/Printable.h>
+
+#include <unistd.h>
 
 namespace CommandLine {
 
@@ -135,9 +140,12 @@ ScenarioRun Dump::runOf( Scenario::Model const & model ) const {
    return { model, scenario_.config(), {}, scenario_.turnLimit() };
 }
 
-Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path const & place ) const {
-   auto const stateOf = []( ScenarioRun const & what ) {
+// The progress is told before each run.
+Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path const & place,
+                                     std::function< void() > const & progress ) const {
+   auto const stateOf = [ progress ]( ScenarioRun const & what ) {
       int signal = 0;
+      progress();
       auto state = stateIfAny( what, signal );
       if ( signal != 0 ) {
          throw Ended{ signal };
@@ -175,7 +183,16 @@ Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) c
    }
    fs::path const place = output_.place( source.model.name + "-dump" );
    auto const original = originalOf( source, place, last );
-   auto dump = Dumping::dumped( original, state, switchesFor( source.model, place ) );
+   ProgressLine line( std::cerr );
+   std::size_t runs = 0;
+   auto const progress = [ &, isWatched = isTerminal( STDERR_FILENO ) ] {
+      ++runs;
+      if ( isWatched ) {
+         line.advance( Story::counted( runs, "run" ) );
+      }
+   };
+   auto dump = Dumping::dumped( original, state, switchesFor( source.model, place, progress ) );
+   line.clear();
    if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
       dump.scenario.remove( "steps" );
    }

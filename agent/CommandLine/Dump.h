@@ -1,6 +1,7 @@
 // `vornal dump`: writes the state that a scenario leads to as a scenario of its own.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <CommandLine/Command.h>
@@ -21,7 +22,8 @@ class Dump final : public Command {
    Story::ExitCode dump( WholeScenario const & source, std::ostream & out ) const;
    ScenarioRun runOf( Scenario::Model const & model ) const;
    Dumping::Switches switchesFor( Scenario::Model const & model,
-                                  std::filesystem::path const & place ) const;
+                                  std::filesystem::path const & place,
+                                  std::function< void() > const & progress ) const;
 
    ScenarioWords scenario_;
    OutputFile output_;

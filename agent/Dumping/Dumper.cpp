@@ -37,14 +37,18 @@ class Dumper {
       std::size_t const all = original_.steps.size();
       for ( std::size_t back = 0; back < all; back = std::max( back * 2, std::size_t{ 1 } ) ) {
          if ( auto const start = startThatLeads( all - back ) ) {
-            return withFewestSteps( *start, all - back );
+            return withFewestSteps( start, all - back );
          }
       }
       auto const start = startThatLeads( 0 );
-      return withFewestSteps( start.value_or( original_.scenario ), 0 );
+      auto const itsOwn = [ this ]( std::vector< Yaml > const & ) { return original_.scenario; };
+      return withFewestSteps( start ? start : itsOwn, 0 );
    }
 
  private:
+   // The fresh start in front of these steps of the original.
+   using Start = std::function< Yaml( std::vector< Yaml > const & steps ) >;
+
    struct Compared {
       std::vector< std::string > differences;
       bool hasOtherEntryNumbers = false;
@@ -91,52 +95,78 @@ class Dumper {
       return result.differences.empty();
    }
 
-   // A fresh start from the state after that step, from which the steps behind it lead on.
-   std::optional< Yaml > startThatLeads( std::size_t step ) {
+   // A fresh start from the state after that step, from which the steps behind it lead on; or none.
+   Start startThatLeads( std::size_t step ) {
       bool const isLast = step == original_.steps.size();
       auto const state = isLast ? std::optional( state_ ) : switches_.after( step );
       if ( !state ) {
-         return std::nullopt;
+         return {};
       }
       Past const past =
          pastOf( { original_.steps.begin(),
                    original_.steps.begin() + static_cast< std::ptrdiff_t >( step ) } );
+      std::vector< Yaml > const behind = stepsBehind( step );
       for ( Order const & order : ordersFor( *state, past ) ) {
-         Yaml start =
-            withoutVlansOfMembers( freshStart( original_.scenario, *state, past, order ), state_ );
-         auto const is = switches_.of( start );
-         start =
-            withSteps( std::move( start ), is ? repairs( *state, *is ) : std::vector< Yaml >() );
-         if ( leads( withSteps( start, stepsBehind( step ) ) ) ) {
-            return start;
+         for ( Start const & start : startsFrom( *state, past, order ) ) {
+            if ( leads( withSteps( start( behind ), behind ) ) ) {
+               return start;
+            }
          }
       }
-      return std::nullopt;
+      return {};
    }
 
-   Dump withFewestSteps( Yaml const & start, std::size_t step ) {
-      std::vector< Yaml > const steps = stepsBehind( step );
+   // What no kept step touches can have its last value from the start. That needs fewer steps, so
+   // it is tried first.
+   std::vector< Start > startsFrom( Story::Table const & state, Past const & past,
+                                    Order const & order ) {
+      auto const startOf = [ this, past, order ]( Story::Table const & from ) {
+         return withoutVlansOfMembers( freshStart( original_.scenario, from, past, order ),
+                                       state_ );
+      };
+      auto const is = switches_.of( startOf( state ) );
+      auto const repair = is ? repairs( state, *is ) : std::vector< Yaml >();
+      return { [ this, state, startOf, repair ]( std::vector< Yaml > const & steps ) {
+                 return withSteps( startOf( mixed( state, state_, steps ) ), repair );
+              },
+               [ state, startOf, repair ]( std::vector< Yaml > const & ) {
+                  return withSteps( startOf( state ), repair );
+               } };
+   }
+
+   Dump withFewestSteps( Start const & start, std::size_t step ) {
+      std::vector< Yaml > steps = stepsBehind( step );
+      keepFewest( Shrinking::minimised, start, steps );
+      if ( steps.size() <= Shrinking::kMostForPairs ) {
+         keepFewest( Shrinking::withoutPairs, start, steps );
+      }
+      Yaml const scenario = withSteps( start( steps ), steps );
+      bool const isSame = leads( scenario );  // also for the numbers of its entries
+      return { scenario, steps.size(), isSame,
+               steps.empty() ? std::vector< std::string >() : differences_, hasOtherEntryNumbers_ };
+   }
+
+   // Leaves out what is not needed, in one of the ways of Shrinking/Minimise.h.
+   template< typename Way >
+   void keepFewest( Way const & way, Start const & start, std::vector< Yaml > & steps ) {
       auto const chosen = [ & ]( Shrinking::Kept const & kept ) {
          std::vector< Yaml > some;
          for ( std::size_t const number : kept ) {
             some.push_back( steps[ number ] );
          }
-         return withSteps( start, some );
+         return some;
       };
-      auto const kept = Shrinking::minimised(
-         steps.size(), [ & ]( std::vector< Shrinking::Kept > const & candidates ) {
-            auto const found = std::find_if( candidates.begin(), candidates.end(),
-                                             [ & ]( Shrinking::Kept const & candidate ) {
-                                                return leads( chosen( candidate ) );
-                                             } );
-            return found == candidates.end()
-                      ? std::nullopt
-                      : std::optional( static_cast< std::size_t >( found - candidates.begin() ) );
-         } );
-      Yaml const scenario = chosen( kept );
-      bool const isSame = leads( scenario );  // also for the numbers of its entries
-      return { scenario, kept.size(), isSame,
-               kept.empty() ? std::vector< std::string >() : differences_, hasOtherEntryNumbers_ };
+      auto const doesLead = [ & ]( Shrinking::Kept const & candidate ) {
+         auto const some = chosen( candidate );
+         return leads( withSteps( start( some ), some ) );
+      };
+      auto const firstThatDoes = [ & ]( std::vector< Shrinking::Kept > const & candidates ) {
+         auto const found = std::find_if( candidates.begin(), candidates.end(), doesLead );
+         return found == candidates.end()
+                   ? std::nullopt
+                   : std::optional( static_cast< std::size_t >( found - candidates.begin() ) );
+      };
+      steps = chosen( way( steps.size(), firstThatDoes ) );
    }
 
    Original original_;

@@ -3,8 +3,9 @@
 // The first try is a fresh start from the published state. A run of it shows whether it leads to
 // the same published state, rules and records. Where it does not, the way to the state matters.
 // Then the dump is the fresh start of an earlier moment and the steps since then, as few of them as
-// will do; the moments are tried from the last one backwards, each twice as far back as the one
-// before. The start of the scenario itself with all its steps always leads there.
+// will do; what none of them touches has its last value from the start. The moments are tried from
+// the last one backwards, each twice as far back as the one before. The start of the scenario
+// itself with all its steps always leads there.
 //
 // The numbers of entries in the chip do not count: they only tell in which order rules were made.
 #pragma once

@@ -152,4 +152,46 @@ std::vector< Yaml > repairs( Story::Table const & wanted, Story::Table const & i
    return steps;
 }
 
+namespace {
+
+// The step names the key, alone, in a path, or as a dependency point.
+bool names( Yaml const & step, std::string const & key ) {
+   auto const isIt = [ & ]( std::string const & text ) {
+      return text == key || text.ends_with( "::" + key ) ||
+             text.find( '[' + key + ']' ) != std::string::npos;
+   };
+   return isIt( step.key ) || isIt( step.text ) ||
+          std::any_of( step.parts.begin(), step.parts.end(),
+                       [ & ]( Yaml const & part ) { return names( part, key ); } );
+}
+
+bool isTouched( Item const & item, std::vector< Yaml > const & steps ) {
+   return std::any_of( steps.begin(), steps.end(), [ & ]( Yaml const & step ) {
+      return std::all_of( item.keys.begin(), item.keys.end(),
+                          [ & ]( std::string const & key ) { return names( step, key ); } );
+   } );
+}
+
+}  // namespace
+
+Story::Table mixed( Story::Table const & before, Story::Table const & after,
+                    std::vector< Yaml > const & steps ) {
+   auto const isOf = [ & ]( std::vector< Story::Cell > const & row, bool isOld ) {
+      return row[ 0 ].words() == "published" &&
+             isTouched( itemOf( row[ 1 ].words(), "" ), steps ) == isOld;
+   };
+   Story::Table state{ after.name, after.columns, {} };
+   for ( auto const & row : after.rows ) {
+      if ( isOf( row, false ) ) {
+         state.rows.push_back( row );
+      }
+   }
+   for ( auto const & row : before.rows ) {
+      if ( isOf( row, true ) ) {
+         state.rows.push_back( row );
+      }
+   }
+   return state;
+}
+
 }  // namespace Dumping

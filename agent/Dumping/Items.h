@@ -32,4 +32,9 @@ std::optional< Scenario::Yaml > portOf( std::string const & text );
 // of the state is left out.
 std::vector< Scenario::Yaml > repairs( Story::Table const & wanted, Story::Table const & is );
 
+// The published state of `after`, less what the steps touch: that is as it was `before`. A step
+// touches an item when it names all of its keys.
+Story::Table mixed( Story::Table const & before, Story::Table const & after,
+                    std::vector< Scenario::Yaml > const & steps );
+
 }  // namespace Dumping

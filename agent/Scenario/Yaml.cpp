@@ -125,11 +125,11 @@ Yaml yamlList( std::vector< Yaml > elements ) {
    return value;
 }
 
-Yaml yamlMapping( std::vector< std::pair< std::string, Yaml > > parts ) {
+Yaml yamlMapping( std::vector< std::pair< std::string, Yaml > > const & parts ) {
    Yaml value;
    value.kind = Yaml::Kind::mapping;
-   for ( auto & [ key, part ] : parts ) {
-      value.set( key, std::move( part ) );
+   for ( auto const & [ key, part ] : parts ) {
+      value.set( key, part );
    }
    return value;
 }

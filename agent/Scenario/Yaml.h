@@ -6,6 +6,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Scenario {
@@ -37,7 +38,7 @@ struct Yaml {
 
 Yaml yamlText( std::string_view text );
 Yaml yamlList( std::vector< Yaml > elements = {} );
-Yaml yamlMapping( std::vector< std::pair< std::string, Yaml > > parts = {} );
+Yaml yamlMapping( std::vector< std::pair< std::string, Yaml > > const & parts = {} );
 // With all its parts in one line.
 Yaml inLine( Yaml value );
 

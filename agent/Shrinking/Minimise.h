@@ -32,4 +32,7 @@ Kept minimised( std::size_t count, FirstThatDoes const & firstThatDoes );
 // pairs.
 Kept withoutPairs( std::size_t count, FirstThatDoes const & firstThatDoes );
 
+// Of more elements, there are too many pairs to be tried.
+inline constexpr std::size_t kMostForPairs = 32;
+
 }  // namespace Shrinking

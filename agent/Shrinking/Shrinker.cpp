@@ -10,9 +10,6 @@ using Scenario::Yaml;
 
 namespace {
 
-// With more steps, the pairs of them are too many to be tried.
-constexpr std::size_t kMostForPairs = 32;
-
 class Shrinker {
  public:
    Shrinker( Yaml document, FirstThatHolds const & firstThatHolds )

@@ -64,6 +64,27 @@ TEST( DumpedItems, AreRepairedByTheWordsThatThereAre ) {
                    .empty() );
 }
 
+TEST( DumpedItems, AreAsTheyWereWhereAStepTouchesThem ) {
+   std::string const port = "/shared/vornalCommon/vornalIntfToPort";
+   std::string const member = "/evpn/status/segmentStatus[Ethernet1]/remoteTep";
+   auto const mixed =
+      Dumping::mixed( state( { { port + "[Ethernet1]", "before" },
+                               { port + "[Ethernet2]", "before" },
+                               { member + "[10.0.0.2]", "there" } } ),
+                      state( { { port + "[Ethernet1]", "after" },
+                               { port + "[Ethernet2]", "after" },
+                               { member + "[10.0.0.3]", "there" } } ),
+                      yamlIn( "- publish: { interfaces: { Ethernet1: { unit: 0, port: 5 } } }\n"
+                              "- withdraw: { vteps: [ 10.0.0.3 ] }\n" )
+                         .parts );
+   std::string text;
+   for ( auto const & item : Dumping::publishedItems( mixed ) ) {
+      text += item.keys.back() + ' ' + item.value + '\n';
+   }
+   // The step with 10.0.0.3 is not about the segment.
+   EXPECT_EQ( text, "Ethernet2 after\n10.0.0.3 there\nEthernet1 before\n" );
+}
+
 // --- What only the steps show
 
 TEST( DumpedPast, HoldsTheLastWordOfEachGroupAndUnit ) {
