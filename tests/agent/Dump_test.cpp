@@ -1,8 +1,12 @@
 // `vornal dump`: the state of a switch as a scenario of its own.
+#include <iostream>
+
 #include <gtest/gtest.h>
 
+#include <Dumped.h>
 #include <Dumping/Items.h>
 #include <Dumping/Past.h>
+#include <RandomSteps.h>
 #include <Support.h>
 #include <Switches.h>
 
@@ -211,6 +215,31 @@ TEST( Dump, RefusesAStepThatTheScenarioDoesNotHave ) {
    auto const ran = Support::vornal( { "dump", shipped( "two-leaves" ), "--after", "99" } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.err, "--after 99: " + shipped( "two-leaves" ) + " ends with step 22\n" );
+}
+
+TEST( Dump, KeepsFewStepsOfALongStory ) {
+   constexpr std::uint32_t kSeed = 20261122;
+   std::cout << "seed " << kSeed << '\n';
+   Yaml document = yamlIn( Support::contentOf( shipped( "limits/port-swap" ) ) );
+   Yaml steps = Scenario::yamlList();
+   for ( std::string const & step :
+         Random::around( { "ready: subagents::l2Ready",
+                           "publish: { interfaces: { Ethernet1: { unit: 0, port: 2 } } }",
+                           "publish: { interfaces: { Ethernet2: { unit: 0, port: 1 } } }",
+                           "note: the end" },
+                         60, kSeed ) ) {
+      steps.add( yamlIn( step ) );
+   }
+   document.set( "steps", steps );
+   Support::Directory const directory;
+   std::string const file = directory.file( "long.yaml", Scenario::textOf( document ) );
+
+   Dumped::expectSame( file, 60 );
+   auto const ran = Support::vornal( { "dump", file } );
+   std::size_t const kept = Support::timesIn( ran.out, "\n  - " );
+   EXPECT_LE( kept, 6U ) << ran.out;
+   EXPECT_TRUE( contains( ran.out, "publish: {interfaces: {Ethernet2: {unit: 0, port: 1}}}" ) )
+      << ran.out;
 }
 
 TEST( Dump, IsTheSameEachTime ) {
