@@ -246,9 +246,9 @@ Json jsonOf( Event const & event ) {
 namespace {
 
 // Escapes DEL and U+0080 to U+009F, which can stand only in the texts of a document. A dump escapes
-// the control characters below the blank itself. `first` is put in front of the members of an object
-// in several lines: documents can be large, and a copy with one more member would take their memory
-// twice.
+// the control characters below the blank itself. `first` is put in front of the members of an
+// object in several lines: documents can be large, and a copy with one more member would take their
+// memory twice.
 std::string textOf( Json const & document, int indent, std::string const & first = "" ) {
    constexpr char kDel = 0x7f;
    constexpr char kC1Lead = '\xc2';
