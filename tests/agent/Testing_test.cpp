@@ -239,12 +239,12 @@ std::string reported( Testing::Tested const & tested, bool isVerbose = false ) {
    return out.str();
 }
 
-TEST( Report, IsOneLineWhenAllPassed ) {
+TEST( TestReport, IsOneLineWhenAllPassed ) {
    EXPECT_EQ( reported( { { result( "a.yaml" ), result( "b.yaml" ) }, 0 } ),
               "PASSED: 2 scenarios; 4 expectations; 1.5 s\n" );
 }
 
-TEST( Report, EndsWithTheFailuresAndTheTotals ) {
+TEST( TestReport, EndsWithTheFailuresAndTheTotals ) {
    EXPECT_EQ( reported( { { result( "a.yaml", { { "a.yaml:7", "not as expected", { "found x" } },
                                                 { "", "a mistake", {} } } ),
                             result( "b.yaml" ) },
@@ -258,7 +258,7 @@ TEST( Report, EndsWithTheFailuresAndTheTotals ) {
               "FAILED: 1 of 2 scenarios; 4 expectations; 1.5 s\n" );
 }
 
-TEST( Report, HasALineForEachScenarioWhereItIsWantedAndTheSlowestOnes ) {
+TEST( TestReport, HasALineForEachScenarioWhereItIsWantedAndTheSlowestOnes ) {
    Result slow = result( "slow.yaml" );
    slow.seconds = 7;
    EXPECT_EQ( reported( { { result( "a.yaml" ), slow }, 0 }, true ),
@@ -272,7 +272,7 @@ TEST( Report, HasALineForEachScenarioWhereItIsWantedAndTheSlowestOnes ) {
               "PASSED: 2 scenarios; 4 expectations; 1.5 s\n" );
 }
 
-TEST( Report, WaitsWithALineForTheScenariosBefore ) {
+TEST( TestReport, WaitsWithALineForTheScenariosBefore ) {
    std::ostringstream out;
    Testing::Report report( out, Story::Style( false ), true );
    std::vector< Result > results{ result( "a.yaml" ), result( "b.yaml" ) };
@@ -285,7 +285,7 @@ TEST( Report, WaitsWithALineForTheScenariosBefore ) {
    EXPECT_EQ( out.str(), "passed    0.25 s  a.yaml\npassed    0.25 s  b.yaml\n" );
 }
 
-TEST( Report, CountsTheScenariosThatWereTestedBeforeASignal ) {
+TEST( TestReport, CountsTheScenariosThatWereTestedBeforeASignal ) {
    std::vector< Result > results{ result( "a.yaml" ), result( "b.yaml" ) };
    results[ 1 ].isOver = false;
    EXPECT_EQ( reported( { results, SIGINT } ),
