@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kPart = 64 * 1024;
+constexpr std::size_t kPart = std::size_t{ 64 } * 1024;
 
 // The files of a record, each once.
 class Files {

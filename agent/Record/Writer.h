@@ -18,7 +18,7 @@ namespace Record {
 class Writer final : public Story::Observer {
  public:
    // A block that is not the last of a step has at least so many bytes.
-   static constexpr std::size_t kBlock = 256 * 1024;
+   static constexpr std::size_t kBlock = std::size_t{ 256 } * 1024;
 
    Writer( std::filesystem::path file, Setup const & setup );
 
