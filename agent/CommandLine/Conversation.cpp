@@ -104,27 +104,27 @@ Shell::Ending endingOf( Story::Outcome const & outcome, FailedSteps const & fail
    return { kind, outcome.step() ? outcome.step()->number : 0, failed.all(), isJudged };
 }
 
-}  // namespace
-
 // --- Places
 
-std::string Conversation::place() const {
-   return fmt::format( "{}:{}: ", Shell::Session::kInput, line_ );
+std::string placeOf( int line ) {
+   return fmt::format( "{}:{}: ", Shell::Session::kInput, line );
 }
 
 // An entry of several lines has places of its own.
-bool Conversation::startsWithPlace( std::string_view message ) {
-   return message.starts_with( std::string( Shell::Session::kInput ) + ':' );
+bool startsWithPlace( std::string_view message ) {
+   return message.starts_with( fmt::format( "{}:", Shell::Session::kInput ) );
 }
 
 // An open bracket takes in the lines that follow.
-std::string Conversation::openIn( Shell::Entry const & entry ) {
+std::string openIn( Shell::Entry const & entry ) {
    auto const lines = std::count( entry.text.begin(), entry.text.end(), '\n' );
    return Shell::openBrackets( entry.text ) == 0 || lines == 0
              ? ""
              : fmt::format( "\na bracket is open to the end of line {}; close it",
                             entry.line + lines );
 }
+
+}  // namespace
 
 // --- The conversation
 
@@ -169,7 +169,8 @@ void Conversation::carryOut( Shell::Entry const & entry ) {
       isAnyWrong_ = true;
       std::string const what = Scenario::shortened( error.what() ) + openIn( entry );
       out_.flush();
-      std::cerr << Text::printableLines( startsWithPlace( what ) ? what : place() + what ) << '\n';
+      std::cerr << Text::printableLines( startsWithPlace( what ) ? what : placeOf( line_ ) + what )
+                << '\n';
    }
    out_.flush();
 }
@@ -181,7 +182,7 @@ void Conversation::command( std::string_view text ) {
    bool const isCommand = found != known().end();
    if ( session_.isStopped() && !( isCommand && found->isForAStop ) ) {
       out_.flush();
-      std::cerr << place()
+      std::cerr << placeOf( line_ )
                 << fmt::format( "the plug-in has stopped in step {}; undo goes back\n",
                                 session_.done() );
       isAnyLeftOut_ = true;

@@ -63,10 +63,6 @@ class Conversation {
    void command( std::string_view text );
    [[noreturn]] static void refuse( std::string const & name );
    void play( Shell::Attempt const & attempt );
-   // "shell:LINE: ", that of the entry.
-   std::string place() const;
-   static bool startsWithPlace( std::string_view message );
-   static std::string openIn( Shell::Entry const & entry );
    ScenarioRun runOf( Scenario::Model const & scenario ) const;
 
    // The commands; each takes the text behind its name.

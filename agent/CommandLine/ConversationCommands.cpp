@@ -2,7 +2,6 @@
 #include <CommandLine/Conversation.h>
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include <fmt/format.h>
@@ -17,6 +16,7 @@
 #include <Shell/StepGrammar.h>
 #include <Story/InputError.h>
 #include <Story/Wording.h>
+#include <Text/Numbers.h>
 #include <Text/Words.h>
 
 namespace CommandLine {
@@ -33,12 +33,11 @@ void refuseWords( std::string_view text, std::string const & command ) {
 }
 
 std::size_t stepIn( std::string const & word ) {
-   std::size_t number = 0;
-   auto const [ end, error ] = std::from_chars( word.data(), word.data() + word.size(), number );
-   if ( error != std::errc() || end != word.data() + word.size() ) {
+   auto const number = Text::numberIn< std::size_t >( word );
+   if ( !number ) {
       throw Story::InputError( "'" + word + "' is no number of a step" );
    }
-   return number;
+   return *number;
 }
 
 }  // namespace

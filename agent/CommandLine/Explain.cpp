@@ -1,7 +1,6 @@
 #include <CommandLine/Explain.h>
 
 #include <algorithm>
-#include <charconv>
 
 #include <CLI/CLI.hpp>
 
@@ -13,6 +12,7 @@
 #include <Steps/Frame.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
+#include <Text/Numbers.h>
 #include <Text/Wrapping.h>
 
 #include <unistd.h>
@@ -35,12 +35,10 @@ class Explained final : public Story::Observer {
    Story::Node frame_;
 };
 
-// The whole text as a number from 1; nothing for any other text.
+// From 1.
 std::optional< U64 > countIn( std::string_view text ) {
-   U64 number = 0;
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), number );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
-   return isWhole && number != 0 ? std::optional( number ) : std::nullopt;
+   auto const number = Text::numberIn< U64 >( text );
+   return number && *number != 0 ? number : std::nullopt;
 }
 
 [[noreturn]] void refuseFrame( std::string const & text, std::string const & why ) {

@@ -1,11 +1,12 @@
 #include <CommandLine/Jobs.h>
 
 #include <algorithm>
-#include <charconv>
 #include <thread>
 
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+
+#include <Text/Numbers.h>
 
 namespace CommandLine {
 
@@ -14,10 +15,8 @@ namespace {
 constexpr std::size_t kMostJobs = 1024;
 
 std::string problemOfJobs( std::string const & text ) {
-   std::size_t jobs = 0;
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), jobs );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
-   return isWhole && jobs >= 1 && jobs <= kMostJobs
+   auto const jobs = Text::numberIn< std::size_t >( text );
+   return jobs && *jobs >= 1 && *jobs <= kMostJobs
              ? ""
              : fmt::format( "'{}' is no number of jobs; give one from 1 to {}", text, kMostJobs );
 }

@@ -1,6 +1,5 @@
 #include <CommandLine/Moment.h>
 
-#include <charconv>
 #include <cmath>
 
 #include <CLI/CLI.hpp>
@@ -8,18 +7,11 @@
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Usage.h>
 #include <Story/InputError.h>
+#include <Text/Numbers.h>
 
 namespace CommandLine {
 
 namespace {
-
-// The whole text as a number from 0; nothing for any other text.
-template< typename Number > std::optional< Number > numberIn( std::string_view text ) {
-   Number number{};
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), number );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
-   return isWhole ? std::optional( number ) : std::nullopt;
-}
 
 // "2.5s", up to a year.
 std::optional< U64 > timeIn( std::string_view text ) {
@@ -28,7 +20,7 @@ std::optional< U64 > timeIn( std::string_view text ) {
    if ( !text.ends_with( 's' ) ) {
       return std::nullopt;
    }
-   auto const seconds = numberIn< double >( text.substr( 0, text.size() - 1 ) );
+   auto const seconds = Text::numberIn< double >( text.substr( 0, text.size() - 1 ) );
    bool const isTime = seconds && *seconds >= 0 && *seconds <= kLongest;
    return isTime ? std::optional( static_cast< U64 >( std::llround( *seconds * kSecond ) ) )
                  : std::nullopt;
@@ -41,7 +33,7 @@ void Moment::declare( CLI::App & app, std::string const & purpose ) {
 }
 
 void Moment::readWords() {
-   step_ = numberIn< U32 >( text_ );
+   step_ = Text::numberIn< U32 >( text_ );
    time_ = timeIn( text_ );
    if ( isGiven() && !step_ && !time_ ) {
       throw CLI::ValidationError(

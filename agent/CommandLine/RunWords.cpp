@@ -1,12 +1,12 @@
 #include <CommandLine/RunWords.h>
 
-#include <charconv>
 #include <optional>
 
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/PluginFile.h>
 #include <CommandLine/Usage.h>
+#include <Text/Numbers.h>
 
 namespace CommandLine {
 
@@ -19,18 +19,16 @@ constexpr double kLongestTurnLimit = 86400;  // a day, in seconds
 
 // Reads a number of seconds; a part of a millisecond counts as a whole one.
 std::chrono::milliseconds turnLimitOf( std::string const & text ) {
-   double seconds = -1;
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), seconds );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
+   auto const seconds = Text::numberIn< double >( text );
    // NaN is in no range.
-   if ( !isWhole || !( seconds >= 0 && seconds <= kLongestTurnLimit ) ) {
+   if ( !seconds || !( *seconds >= 0 && *seconds <= kLongestTurnLimit ) ) {
       throw CLI::ValidationError( "--turn-limit",
                                   "'" + text +
                                      "' is no time limit of a turn; give seconds from 0 to 86400, "
                                      "such as 2.5, or 0 for no limit" );
    }
    return std::chrono::ceil< std::chrono::milliseconds >(
-      std::chrono::duration< double >( seconds ) );
+      std::chrono::duration< double >( *seconds ) );
 }
 
 }  // namespace

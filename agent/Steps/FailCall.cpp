@@ -1,13 +1,12 @@
 #include <Steps/FailCall.h>
 
-#include <charconv>
-
 #include <fmt/format.h>
 
 #include <Calls/Faults.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
+#include <Text/Numbers.h>
 
 namespace Steps {
 
@@ -44,11 +43,7 @@ void readNumber( Reading & reading, Value const & value, FailCall & fail ) {
 // A whole number without quotes; it can be negative.
 std::optional< S32 > codeIn( YAML::Node const & node ) {
    constexpr char const * kQuoted = "!";
-   std::string const & text = node.Scalar();
-   S32 code = 0;
-   auto const [ end, error ] = std::from_chars( text.data(), text.data() + text.size(), code );
-   bool const isWhole = error == std::errc() && end == text.data() + text.size();
-   return isWhole && node.Tag() != kQuoted ? std::optional( code ) : std::nullopt;
+   return node.Tag() != kQuoted ? Text::numberIn< S32 >( node.Scalar() ) : std::nullopt;
 }
 
 void readCode( Reading & reading, Value const & value, FailCall & fail ) {
