@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <CommandLine/Comparison.h>
+#include <CommandLine/FilesBeside.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -56,7 +57,7 @@ Dumping::Original originalOf( WholeScenario const & source, fs::path const & pla
    auto placed = source.whole.steps();
    placed.resize( last );
    Dumping::Original original{ source.whole.document( place, {} ), listOf( place, placed ).parts };
-   if ( !hasFeatureFiles( source.whole.features() ) ) {
+   if ( !hasFeatureFiles( source.root.placeOf( source.whole.features() ) ) ) {
       original.scenario.remove( "features" );
    }
    return original;
@@ -128,20 +129,34 @@ std::string heading( std::string const & subject, Dumping::Original const & orig
 
 void Dump::declare( CLI::App & app ) {
    scenario_.declare( app, ScenarioWords::Answers::text );
-   app.add_option(
-         "--after", after_,
-         "Write the switch after this step, 0 for start-up; after the last one if none is "
-         "given" )
-      ->type_name( "STEP" );
+   after_.declare( app,
+                   "Write the switch after this step, 0 for start-up, or of a record after a time "
+                   "such as 2.5s; after the last one if none is given" );
    output_.declare( app );
 }
 
+void Dump::readWords() {
+   scenario_.readWords();
+   after_.readWords();
+}
+
 ScenarioRun Dump::runOf( Scenario::Model const & model ) const {
-   return { model, scenario_.config(), {}, scenario_.turnLimit() };
+   ScenarioRun what{ model, scenario_.config(), {}, scenario_.turnLimit() };
+   what.config.lastStep.reset();
+   return what;
+}
+
+ScenarioRun Dump::runUntilThen( Scenario::Model const & model ) const {
+   ScenarioRun what{ model, scenario_.config(), {}, scenario_.turnLimit(), scenario_.record() };
+   after_.limit( what.config, model, scenario_.record() );
+   if ( !what.config.lastStep ) {
+      what.config.lastStep = static_cast< U32 >( model.ownSteps );
+   }
+   return what;
 }
 
 // The progress is told before each run.
-Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path const & place,
+Dumping::Switches Dump::switchesFor( WholeScenario const & source, fs::path const & place,
                                      std::function< void() > const & progress ) const {
    auto const stateOf = [ progress ]( ScenarioRun const & what ) {
       int signal = 0;
@@ -152,15 +167,16 @@ Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path con
       }
       return state;
    };
-   auto const after = [ this, &model, stateOf ]( std::size_t step ) {
-      ScenarioRun what = runOf( model );
+   auto const after = [ this, &source, stateOf ]( std::size_t step ) {
+      ScenarioRun what = runOf( source.model );
       what.config.lastStep = static_cast< U32 >( step );
       return stateOf( what );
    };
-   auto const of = [ this, place,
+   auto const of = [ this, &source, place,
                      stateOf ]( Yaml const & scenario ) -> std::optional< Story::Table > {
       try {
-         Scenario::Model const tried = Steps::readScenarioText( textOf( scenario ), place );
+         Scenario::Model const tried =
+            Steps::readScenarioText( Scenario::textOf( scenario ), place, {}, {}, source.root );
          return stateOf( runOf( tried ) );
       } catch ( Scenario::ReadError const & ) {  // its state needs steps, not words
          return std::nullopt;
@@ -172,16 +188,32 @@ Dumping::Switches Dump::switchesFor( Scenario::Model const & model, fs::path con
    return { after, of, between };
 }
 
+std::string Dump::textOf( Dumping::Dump dump, Dumping::Original const & original,
+                          WholeScenario const & source, std::size_t last ) const {
+   if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
+      dump.scenario.remove( "steps" );
+   }
+   if ( scenario_.record() && output_.isNamed() ) {
+      dump.scenario = withFilesBeside( dump.scenario, output_.file(), source.root );
+   }
+   bool const isInput = scenario_.file() == "-";
+   std::string const subject = fmt::format( "The switch of {} after {}.",
+                                            isInput ? source.model.file : scenario_.file().string(),
+                                            stepText( source.model, last ) );
+   std::string const files =
+      scenario_.record() && !output_.isNamed() && namesFiles( dump.scenario ) ? kFilesInRecord : "";
+   return heading( subject, original, dump ) + files + pageOf( dump.scenario );
+}
+
 Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) const {
-   std::size_t const last = after_.value_or( static_cast< U32 >( source.model.ownSteps ) );
-   ScenarioRun what = runOf( source.model );
-   what.config.lastStep = static_cast< U32 >( last );
+   ScenarioRun const what = runUntilThen( source.model );
    Story::Table state;
    auto const code = stateAfter( what, state );
    if ( code != Story::ExitCode::Held ) {
       return code;
    }
-   fs::path const place = output_.place( source.model.name + "-dump" );
+   std::size_t const last = *what.config.lastStep;
+   fs::path const place = fs::absolute( output_.place( source.model.name + "-dump" ) );
    auto const original = originalOf( source, place, last );
    ProgressLine line( std::cerr );
    std::size_t runs = 0;
@@ -191,23 +223,18 @@ Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) c
          line.advance( Story::counted( runs, "run" ) );
       }
    };
-   auto dump = Dumping::dumped( original, state, switchesFor( source.model, place, progress ) );
+   auto dump = Dumping::dumped( original, state, switchesFor( source, place, progress ) );
    line.clear();
-   if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
-      dump.scenario.remove( "steps" );
-   }
-   bool const isInput = scenario_.file() == "-";
-   std::string const subject = fmt::format( "The switch of {} after {}.",
-                                            isInput ? source.model.file : scenario_.file().string(),
-                                            stepText( source.model, last ) );
-   output_.write( heading( subject, original, dump ) + pageOf( dump.scenario ), out );
+   output_.write( textOf( std::move( dump ), original, source, last ), out );
    return code;
 }
 
 Story::ExitCode Dump::perform( std::ostream & out ) {
    output_.check();
+   if ( scenario_.record() && output_.isNamed() ) {
+      output_.checkFolder( folderBeside( output_.file() ) );
+   }
    WholeScenario const source = scenario_.readWhole();
-   checkStep( "--after", after_, source.model );
    try {
       return dump( source, out );
    } catch ( Ended const & ended ) {

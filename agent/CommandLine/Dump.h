@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/Moment.h>
 #include <CommandLine/OutputFile.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/ScenarioWords.h>
@@ -15,19 +16,23 @@ namespace CommandLine {
 class Dump final : public Command {
  public:
    void declare( CLI::App & app ) override;
-   void readWords() override { scenario_.readWords(); }
+   void readWords() override;
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
    Story::ExitCode dump( WholeScenario const & source, std::ostream & out ) const;
    ScenarioRun runOf( Scenario::Model const & model ) const;
-   Dumping::Switches switchesFor( Scenario::Model const & model,
-                                  std::filesystem::path const & place,
+   // The run up to the moment of the dump.
+   ScenarioRun runUntilThen( Scenario::Model const & model ) const;
+   Dumping::Switches switchesFor( WholeScenario const & source, std::filesystem::path const & place,
                                   std::function< void() > const & progress ) const;
+   // The text of the dump; its files come beside it.
+   std::string textOf( Dumping::Dump dump, Dumping::Original const & original,
+                       WholeScenario const & source, std::size_t last ) const;
 
    ScenarioWords scenario_;
    OutputFile output_;
-   std::optional< U32 > after_;
+   Moment after_{ "--after" };
 };
 
 }  // namespace CommandLine

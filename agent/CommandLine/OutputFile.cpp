@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/Usage.h>
-#include <Shell/SavedScenario.h>
+#include <Process/WholeFile.h>
 #include <Story/InputError.h>
 
 namespace CommandLine {
@@ -26,6 +26,16 @@ void OutputFile::check() const {
    if ( isNamed() && isThereToReplace( file_ ) && !isForced_ ) {
       throw Story::InputError( file_.string() +
                                " is there already; name another file, or add --force" );
+   }
+}
+
+void OutputFile::checkFolder( fs::path const & folder ) const {
+   std::error_code error;
+   if ( fs::exists( fs::symlink_status( folder, error ) ) &&
+        !( isForced_ && fs::is_directory( folder, error ) ) ) {
+      throw Story::InputError( folder.string() +
+                               ", for the files of the record, is there already; name another "
+                               "file, or add --force" );
    }
 }
 
@@ -58,8 +68,8 @@ bool isThereToReplace( fs::path const & file ) {
 
 void replaceFile( fs::path const & file, std::string const & text ) {
    std::error_code error;
-   Shell::writeWhole( fs::is_symlink( file, error ) ? fs::weakly_canonical( file, error ) : file,
-                      text );
+   Process::writeWhole( fs::is_symlink( file, error ) ? fs::weakly_canonical( file, error ) : file,
+                        text );
 }
 
 }  // namespace CommandLine

@@ -22,6 +22,8 @@ class OutputFile {
    std::filesystem::path place( std::string const & name ) const;
    // To be called before the work. Throws Story::InputError where the file must not be written.
    void check() const;
+   // The same for a folder that is to come beside the file.
+   void checkFolder( std::filesystem::path const & folder ) const;
    // Into the file in one go, or onto `out` where none was named.
    void write( std::string const & text, std::ostream & out ) const;
 

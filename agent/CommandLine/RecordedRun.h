@@ -25,6 +25,8 @@ class RecordedRun {
    Scenario::Model scenario( std::vector< Scenario::AddedStep > const & more ) const {
       return inputs_.scenario( more );
    }
+   Scenario::Whole whole() const { return inputs_.whole(); }
+   Scenario::Root const & root() const { return inputs_.root(); }
    // The step that the recorded run ended with: that of `run --step`, or the last whole one of a
    // record that was cut. Nothing when it came to its own end.
    std::optional< U32 > lastStep() const;

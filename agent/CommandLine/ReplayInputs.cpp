@@ -90,4 +90,19 @@ Scenario::Model ReplayInputs::scenario( std::vector< Scenario::AddedStep > const
    return scenario;
 }
 
+Scenario::Whole ReplayInputs::whole() const {
+   Scenario::Whole whole( fs::path( setup_.directory ) / setup_.scenario,
+                          Scenario::textIn( root_.placeOf( setup_.scenario ) ), root_ );
+   if ( setup_.until ) {
+      whole.endWith( *setup_.until );
+   }
+   for ( Record::Step const & step : setup_.added ) {
+      whole.add( step.text, setup_.directory );
+   }
+   if ( setup_.lastStep ) {
+      whole.endWith( *setup_.lastStep );
+   }
+   return whole;
+}
+
 }  // namespace CommandLine

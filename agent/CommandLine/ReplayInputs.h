@@ -7,6 +7,7 @@
 #include <Scenario/Reader.h>
 #include <Scenario/Root.h>
 #include <Scenario/Scenario.h>
+#include <Scenario/Whole.h>
 
 namespace CommandLine {
 
@@ -23,6 +24,10 @@ class ReplayInputs {
    // The scenario as the run had it, with more steps at its end. Scenario::ReadError when this
    // program reads it in another way.
    Scenario::Model scenario( std::vector< Scenario::AddedStep > const & more = {} ) const;
+   // The same as a document. Its paths are those of the place where it was recorded.
+   Scenario::Whole whole() const;
+   // Where the recorded paths lead to.
+   Scenario::Root const & root() const { return root_; }
 
  private:
    void takeAll( Record::Reader & reader );

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <system_error>
 
+#include <Process/WholeFile.h>
 #include <Report/Page.h>
-#include <Shell/SavedScenario.h>
 #include <Story/InputError.h>
 
 #include <unistd.h>
@@ -92,7 +92,7 @@ void ReportFile::configure( Host::AgentConfig & config ) const {
 // Another output of the run can have the same name.
 void ReportFile::write() const {
    checkTarget( file_ );
-   Shell::writeWhole( targetOf( file_ ), Report::pageOf( collector_.model() ) );
+   Process::writeWhole( targetOf( file_ ), Report::pageOf( collector_.model() ) );
 }
 
 }  // namespace CommandLine

@@ -5,7 +5,6 @@
 #include <CommandLine/Usage.h>
 #include <Scenario/File.h>
 #include <Steps/Reader.h>
-#include <Story/InputError.h>
 
 #include <unistd.h>
 
@@ -52,13 +51,11 @@ Scenario::Model ScenarioWords::read( AddedSteps const & added ) const {
 }
 
 WholeScenario ScenarioWords::readWhole() const {
+   if ( RecordedRun const * const run = record() ) {
+      return { run->scenario( {} ), run->whole(), run->root() };
+   }
    bool const isInput = file_ == "-";
    std::filesystem::path const file = isInput ? std::filesystem::path( "standard input" ) : file_;
-   if ( record() ) {
-      throw Story::InputError( file.string() +
-                               ": this is the record of a run; name the scenario itself, which "
-                               "'zstdcat' prints with the rest of the record" );
-   }
    std::string const text =
       isInput ? Scenario::textOf( STDIN_FILENO, file ) : Scenario::textIn( file );
    Scenario::Model model = Steps::readScenarioText( text, file );

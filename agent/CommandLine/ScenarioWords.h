@@ -32,6 +32,7 @@ struct ScenarioSource {
 struct WholeScenario {
    Scenario::Model model;
    Scenario::Whole whole;
+   Scenario::Root root{};  // of the files that the document names
 };
 
 class ScenarioWords {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/FilesBeside.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -18,6 +19,7 @@ namespace CommandLine {
 
 namespace {
 
+namespace fs = std::filesystem;
 using Scenario::Yaml;
 using Shrinking::Ending;
 using Shrinking::sizeOf;
@@ -32,13 +34,6 @@ void check( Ending const & ending, std::string const & file ) {
                                " ends well, so there is nothing to look for; give a scenario that "
                                "fails or stops, or take the expectation of its stop out" );
    }
-}
-
-std::string heading( Ending const & ending, std::string const & file, Yaml const & before,
-                     Yaml const & after ) {
-   return fmt::format( "# {}, made shorter: {}; of {}\n# It ends as follows: {}\n",
-                       Text::printable( file ), sizeOf( after ), sizeOf( before ),
-                       Text::printable( ending.words() ) );
 }
 
 }  // namespace
@@ -65,11 +60,32 @@ Yaml Shrink::shrunk( Yaml const & document, Shrinking::Trials & trials ) {
    } );
 }
 
-Story::ExitCode Shrink::perform( std::ostream & out ) {
-   output_.check();
-   std::ignore = scenario_.config();  // a missing plug-in is no ending
-   WholeScenario const source = scenario_.readWhole();
-   std::filesystem::path const place = output_.place( source.model.name + "-short" );
+Story::ExitCode Shrink::compareWithRecord( Scenario::Model const & scenario ) const {
+   Story::Outcome outcome;
+   runScenario( { scenario, scenario_.config(), {}, scenario_.turnLimit(), scenario_.record() }, {},
+                outcome );
+   return outcome.interrupted() ? outcome.exitCode() : Story::ExitCode::Held;
+}
+
+std::string Shrink::textOf( Yaml document, Ending const & ending, Sizes const & sizes,
+                            WholeScenario const & source ) const {
+   bool const isNamed = output_.isNamed();
+   if ( scenario_.record() && isNamed ) {
+      document = withFilesBeside( std::move( document ), output_.file(), source.root );
+   }
+   bool const isElsewhere = scenario_.record() && !isNamed && namesFiles( document );
+   return fmt::format( "# {}, made shorter: {}; of {}\n# It ends as follows: {}\n{}{}",
+                       Text::printable( nameOf( source ) ), sizes.after, sizes.before,
+                       Text::printable( ending.words() ), isElsewhere ? kFilesInRecord : "",
+                       pageOf( document ) );
+}
+
+std::string Shrink::nameOf( WholeScenario const & source ) const {
+   return scenario_.file() == "-" ? source.model.file : scenario_.file().string();
+}
+
+Story::ExitCode Shrink::search( WholeScenario const & source, std::ostream & out ) {
+   fs::path const place = fs::absolute( output_.place( source.model.name + "-short" ) );
    Yaml const document = source.whole.document( place, source.whole.steps() );
    left_ = sizeOf( document );
 
@@ -82,24 +98,34 @@ Story::ExitCode Shrink::perform( std::ostream & out ) {
       }
    };
    auto const runOne = [ this ]( Scenario::Model const & scenario ) { return run( scenario ); };
-   Shrinking::Trials trials( { runOne, place, jobs_.count(), progress } );
+   Shrinking::Trials trials( { runOne, place, source.root, jobs_.count(), progress } );
    Ending const ending = trials.endingOf( document );
    if ( trials.signal() != 0 ) {
       return Story::exitCodeOf( trials.signal() );
    }
-   std::string const name = scenario_.file() == "-" ? source.model.file : scenario_.file().string();
-   check( ending, name );
+   check( ending, nameOf( source ) );
    trials.lookFor( ending );
    told = &trials;
    Yaml const result = shrunk( document, trials );
    line.clear();
-   output_.write( heading( ending, name, document, result ) + pageOf( result ), out );
+   Sizes const sizes{ sizeOf( document ), sizeOf( result ) };
+   output_.write( textOf( result, ending, sizes, source ), out );
    out.flush();
    ( output_.isNamed() ? out : std::cerr )
       << fmt::format( "{}after {}: {} of {}\n", trials.signal() == 0 ? "" : "interrupted ",
-                      Story::counted( trials.runs(), "run" ), sizeOf( result ),
-                      sizeOf( document ) );
+                      Story::counted( trials.runs(), "run" ), sizes.after, sizes.before );
    return trials.signal() == 0 ? Story::ExitCode::Held : Story::exitCodeOf( trials.signal() );
+}
+
+Story::ExitCode Shrink::perform( std::ostream & out ) {
+   output_.check();
+   if ( scenario_.record() && output_.isNamed() ) {
+      output_.checkFolder( folderBeside( output_.file() ) );
+   }
+   std::ignore = scenario_.config();  // a missing plug-in is no ending
+   WholeScenario const source = scenario_.readWhole();
+   auto const code = scenario_.record() ? compareWithRecord( source.model ) : Story::ExitCode::Held;
+   return code == Story::ExitCode::Held ? search( source, out ) : code;
 }
 
 }  // namespace CommandLine

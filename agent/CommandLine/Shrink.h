@@ -17,9 +17,23 @@ class Shrink final : public Command {
    Story::ExitCode perform( std::ostream & out ) override;
 
  private:
-   Scenario::Yaml shrunk( Scenario::Yaml const & document, Shrinking::Trials & trials );
+   // In words.
+   struct Sizes {
+      std::string before;
+      std::string after;
+   };
+
    // In a worker.
    Shrinking::Ending run( Scenario::Model const & scenario ) const;
+   // Throws Story::InputError when the run of a record is another one today. Held, or the code of
+   // a signal.
+   Story::ExitCode compareWithRecord( Scenario::Model const & scenario ) const;
+   Story::ExitCode search( WholeScenario const & source, std::ostream & out );
+   Scenario::Yaml shrunk( Scenario::Yaml const & document, Shrinking::Trials & trials );
+   // The text of the short scenario; its files come beside it.
+   std::string textOf( Scenario::Yaml document, Shrinking::Ending const & ending,
+                       Sizes const & sizes, WholeScenario const & source ) const;
+   std::string nameOf( WholeScenario const & source ) const;
 
    ScenarioWords scenario_;
    OutputFile output_;

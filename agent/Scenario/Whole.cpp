@@ -1,17 +1,20 @@
 #include <Scenario/Whole.h>
 
+#include <algorithm>
+
 #include <Scenario/File.h>
 
 namespace Scenario {
 
 namespace fs = std::filesystem;
 
-Whole::Whole( fs::path const & file, std::string const & text ) : base_{ file, yamlIn( text ) } {
+Whole::Whole( fs::path const & file, std::string const & text, Root const & root )
+      : base_{ file, yamlIn( text ) } {
    std::optional< Document > twin;
    if ( Yaml const * const other = base_.content.find( "based-on" ) ) {
       fs::path const base = ( file.parent_path() / other->text ).lexically_normal();
       twin = std::move( base_ );
-      base_ = { base, yamlIn( textIn( base ) ) };
+      base_ = { base, yamlIn( textIn( root.placeOf( base ) ) ) };
       if ( Yaml const * const description = twin->content.find( "description" ) ) {
          description_ = description->text;
       }
@@ -27,13 +30,26 @@ Whole::Whole( fs::path const & file, std::string const & text ) : base_{ file, y
 
 void Whole::addSteps( Document const & document ) {
    Yaml const * const steps = document.content.find( "steps" );
-   for ( Yaml step : steps ? steps->parts : std::vector< Yaml >() ) {
-      Yaml const * const onlyOn = step.find( "only-on" );
-      if ( !onlyOn || onlyOn->text == variant_ ) {
-         step.remove( "only-on" );
-         steps_.push_back( { std::move( step ), document.file.parent_path() } );
-      }
+   for ( Yaml const & step : steps ? steps->parts : std::vector< Yaml >() ) {
+      addStep( step, document.file.parent_path() );
    }
+}
+
+void Whole::addStep( Yaml step, fs::path const & folder ) {
+   Yaml const * const onlyOn = step.find( "only-on" );
+   if ( !onlyOn || onlyOn->text == variant_ ) {
+      step.remove( "only-on" );
+      steps_.push_back( { std::move( step ), folder } );
+   }
+}
+
+void Whole::endWith( std::size_t step ) {
+   steps_.resize( std::min( step, steps_.size() ) );
+   baseSteps_ = std::min( baseSteps_, steps_.size() );
+}
+
+void Whole::add( std::string const & step, fs::path const & folder ) {
+   addStep( yamlIn( step ), folder );
 }
 
 fs::path Whole::features() const {

@@ -4,7 +4,8 @@
 //    std::string const copy = textOf( whole.document( "copy.yaml", whole.steps() ) );
 //
 // The steps are those of its variant, without the word 'only-on'. A path in a document leads to the
-// same file from the new document's folder.
+// same file from the new document's folder. A run that had other steps than the scenario has them
+// here, too: endWith() and add().
 #pragma once
 
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include <Scenario/Root.h>
 #include <Scenario/Yaml.h>
 
 namespace Scenario {
@@ -24,9 +26,15 @@ struct PlacedStep {
 
 class Whole {
  public:
-   // The reader has taken the text; `file` is its place. ReadError when the scenario that it is
+   // The reader has taken the text; `file` is its path. ReadError when the scenario that it is
    // based on cannot be read.
-   Whole( std::filesystem::path const & file, std::string const & text );
+   Whole( std::filesystem::path const & file, std::string const & text, Root const & root = {} );
+
+   // Leaves out the steps behind this one.
+   void endWith( std::size_t step );
+   // Adds an element of a list of steps at the end, unless it is for the other variant. Its paths
+   // begin in the folder.
+   void add( std::string const & step, std::filesystem::path const & folder );
 
    std::string const & variant() const { return variant_; }
    std::vector< PlacedStep > const & steps() const { return steps_; }
@@ -49,6 +57,7 @@ class Whole {
    };
 
    void addSteps( Document const & document );
+   void addStep( Yaml step, std::filesystem::path const & folder );
 
    Document base_;
    std::optional< std::string > description_;  // of the scenario that is based on the other

@@ -24,7 +24,4 @@ struct Original {
 std::string savedText( Original const & original, std::vector< Done > const & done,
                        std::filesystem::path const & file );
 
-// Writes the file in one go: it is there as a whole or not at all. Throws Story::InputError.
-void writeWhole( std::filesystem::path const & file, std::string const & text );
-
 }  // namespace Shell

@@ -48,7 +48,8 @@ std::vector< Ending > Trials::endingsOf( std::vector< std::string > const & text
    auto const work = [ & ]( std::filesystem::path const & number ) {
       try {
          std::string const & text = texts.at( std::stoul( number.string() ) );
-         return resultOf( config_.run( Steps::readScenarioText( text, config_.file ) ) );
+         return resultOf(
+            config_.run( Steps::readScenarioText( text, config_.file, {}, {}, config_.root ) ) );
       } catch ( std::exception const & error ) {
          return resultOf( { {}, {}, error.what() } );
       }

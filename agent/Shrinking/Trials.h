@@ -15,6 +15,7 @@
 #include <vector>
 
 #include <Process/EndRequest.h>
+#include <Scenario/Root.h>
 #include <Scenario/Scenario.h>
 #include <Shrinking/Ending.h>
 #include <Shrinking/Shrinker.h>
@@ -25,6 +26,7 @@ struct TrialsConfig {
    // Runs the scenario in a process of its own.
    std::function< Ending( Scenario::Model const & scenario ) > run;
    std::filesystem::path file;                // whose folder the paths of candidates begin in
+   Scenario::Root root{};                     // of these paths
    std::size_t jobs = 1;                      // at a time
    std::function< void() > progress = [] {};  // is told now and then
 };

@@ -148,18 +148,11 @@ TEST_F( RecordQuestions, HaveNoAnswerWhenThePlugInDoesSomethingElse ) {
    }
 }
 
-TEST_F( RecordQuestions, AreNoRunsOrDumps ) {
+TEST_F( RecordQuestions, AreNoRuns ) {
    keep( "two-leaves" );
    auto const run = Support::vornal( { "run", record } );
    EXPECT_EQ( run.exitCode, 2 );
    EXPECT_EQ( run.err, record + ": this is the record of a run; 'vornal replay' plays it again\n" );
-   for ( std::string const command : { "dump", "shrink" } ) {
-      auto const ran = Support::vornal( { command, record } );
-      EXPECT_EQ( ran.exitCode, 2 );
-      EXPECT_EQ( ran.err, record +
-                             ": this is the record of a run; name the scenario itself, which "
-                             "'zstdcat' prints with the rest of the record\n" );
-   }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <Process/WholeFile.h>
 #include <Shell/SavedScenario.h>
 #include <Story/InputError.h>
 #include <Support.h>
@@ -197,10 +198,10 @@ TEST_F( ShellSession, LeadsFromTheSavedFileToTheSameCaptures ) {
 
 TEST_F( ShellSession, WritesAFileAsAWholeOrNotAtAll ) {
    fs::path const saved = directory.file( "mine.yaml", "before\n" );
-   Shell::writeWhole( saved, "after\n" );
+   Process::writeWhole( saved, "after\n" );
    EXPECT_EQ( Support::contentOf( saved ), "after\n" );
-   EXPECT_THROW( Shell::writeWhole( directory.path() / "none/x.yaml", "x" ), Story::InputError );
-   EXPECT_THROW( Shell::writeWhole( directory.path(), "x" ), Story::InputError );
+   EXPECT_THROW( Process::writeWhole( directory.path() / "none/x.yaml", "x" ), Story::InputError );
+   EXPECT_THROW( Process::writeWhole( directory.path(), "x" ), Story::InputError );
    EXPECT_EQ( std::distance( fs::directory_iterator( directory.path() ), {} ), 2 );
 }
 
