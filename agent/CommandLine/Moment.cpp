@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
@@ -43,6 +44,14 @@ void Moment::readWords() {
    }
 }
 
+void Moment::checkStepOf( RecordedRun const & record, U32 step, std::size_t last ) const {
+   if ( step > last ) {
+      throw Story::InputError( fmt::format( "{} {}: {} ends with step {}{}", option_, text_,
+                                            record.file().string(), last,
+                                            record.cutText().empty() ? "" : ", where it is cut" ) );
+   }
+}
+
 void Moment::limit( Host::AgentConfig & config, Scenario::Model const & scenario,
                     RecordedRun const * record ) const {
    if ( !isGiven() ) {
@@ -53,11 +62,11 @@ void Moment::limit( Host::AgentConfig & config, Scenario::Model const & scenario
                                " is no record, and only a record knows times; give a step" );
    }
    std::optional< U32 > const step = time_ ? record->stepAt( *time_ ) : step_;
-   std::optional< std::size_t > last;
-   if ( record && config.lastStep ) {
-      last = *config.lastStep;
+   if ( record ) {
+      checkStepOf( *record, *step, config.lastStep.value_or( scenario.ownSteps ) );
+   } else {
+      checkStep( option_, step, scenario );
    }
-   checkStep( option_, step, scenario, last );
    config.lastStep = step;
 }
 

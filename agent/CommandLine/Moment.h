@@ -30,6 +30,8 @@ class Moment {
                RecordedRun const * record ) const;
 
  private:
+   void checkStepOf( RecordedRun const & record, U32 step, std::size_t last ) const;
+
    std::string option_;  // "--after"
    std::string text_;
    std::optional< U32 > step_;

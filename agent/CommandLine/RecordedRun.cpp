@@ -14,19 +14,21 @@ RecordedRun::RecordedRun( std::filesystem::path file )
    U64 now = 0;
    auto kind = Story::StepKind::StartUp;
    while ( auto const event = reader_.nextEvent() ) {
-      std::visit( Story::Overloaded{ [ & ]( Story::ClockMoved const & moved ) { now = moved.time; },
-                                     [ & ]( Story::StepBegins const & step ) { kind = step.kind; },
-                                     [ & ]( Story::StepEnds const & step ) {
-                                        if ( kind != Story::StepKind::Teardown ) {
-                                           ends_.push_back( { step.number, now } );
-                                        }
-                                     },
-                                     []( auto const & ) {} },
+      std::visit( Story::Overloaded{
+                     [ & ]( Story::ClockMoved const & moved ) { now = moved.time; },
+                     [ & ]( Story::StepBegins const & step ) { kind = step.kind; },
+                     [ & ]( Story::StepEnds const & step ) {
+                        if ( kind != Story::StepKind::Teardown ) {
+                           ends_.push_back( { step.number, now } );
+                        }
+                     },
+                     [ & ]( Story::PluginLoaded const & loaded ) { plugin_ = loaded.file; },
+                     []( auto const & ) {} },
                   *event );
    }
    if ( ends_.empty() && !reader_.isComplete() ) {
-      throw Story::InputError( "the record holds no whole step: it is cut " + reader_.cutText() +
-                               "; record the run again" );
+      throw Story::InputError( file_.string() + ": the record holds no whole step" +
+                               reader_.damageText() + "; record the run again" );
    }
 }
 
@@ -38,13 +40,21 @@ std::optional< U32 > RecordedRun::lastStep() const {
 }
 
 U32 RecordedRun::stepAt( U64 time ) const {
+   if ( ends_.empty() || ends_.back().time == 0 ) {
+      throw Story::InputError(
+         "the clock of " + file_.string() +
+         " stands at 0 s in all of its steps; give a step in place of a time" );
+   }
    auto const later = std::find_if( ends_.begin(), ends_.end(),
                                     [ & ]( StepEnd const & end ) { return end.time > time; } );
    return later == ends_.begin() ? 0 : std::prev( later )->step;
 }
 
-SameStory::SameStory( std::filesystem::path const & record, U32 lastStep )
-      : file_( record ), reader_( record ), comparison_( reader_ ), lastStep_( lastStep ) {}
+SameStory::SameStory( RecordedRun const & record, U32 lastStep )
+      : record_( record ),
+        reader_( record.file() ),
+        comparison_( reader_ ),
+        lastStep_( lastStep ) {}
 
 void SameStory::onEvent( Story::Event const & event ) {
    if ( isOver_ ) {
@@ -63,11 +73,11 @@ void SameStory::check() const {
    if ( comparison_.result() != Record::Comparison::Result::different ) {
       return;
    }
-   std::string const file = file_.string();
+   std::string const file = record_.file().string();
    throw Story::InputError( fmt::format(
       "{}: this run is not the recorded one from {} on, as 'vornal replay {}' shows; ask "
-      "after an earlier step, or give the plug-in of the record by --plugin",
-      file, nameOf( comparison_.step() ), file ) );
+      "after an earlier step, or give the plug-in of the record, {}, by --plugin",
+      file, nameOf( comparison_.step() ), file, record_.plugin() ) );
 }
 
 }  // namespace CommandLine

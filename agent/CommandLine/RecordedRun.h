@@ -31,7 +31,12 @@ class RecordedRun {
    // record that was cut. Nothing when it came to its own end.
    std::optional< U32 > lastStep() const;
    // The last step that was over at that time of the agent's clock, in nanoseconds; 0 is start-up.
+   // Story::InputError when the clock has stood still.
    U32 stepAt( U64 time ) const;
+   // Where the record was cut, in words; empty when the run in it came to its end.
+   std::string cutText() const { return reader_.isComplete() ? "" : reader_.cutText(); }
+   // The plug-in's file; empty when none was loaded.
+   std::string const & plugin() const { return plugin_; }
 
  private:
    struct StepEnd {
@@ -43,12 +48,13 @@ class RecordedRun {
    Record::Reader reader_;  // at its end
    ReplayInputs inputs_;
    std::vector< StepEnd > ends_;  // of start-up and the scenario's steps
+   std::string plugin_;
 };
 
 // Compares a run with its record, up to the end of the last step that the run carries out.
 class SameStory final : public Story::Observer {
  public:
-   SameStory( std::filesystem::path const & record, U32 lastStep );
+   SameStory( RecordedRun const & record, U32 lastStep );
 
    void onEvent( Story::Event const & event ) override;
 
@@ -56,7 +62,7 @@ class SameStory final : public Story::Observer {
    void check() const;
 
  private:
-   std::filesystem::path file_;
+   RecordedRun const & record_;
    Record::Reader reader_;
    Record::Comparison comparison_;
    U32 lastStep_;

@@ -71,24 +71,50 @@ class Files {
    std::set< fs::path > names_;
 };
 
-}  // namespace
-
-std::unique_ptr< Record::Writer > recordNew( fs::path const & file, Record::Setup setup,
-                                             Scenario::Model const & scenario ) {
+Record::Setup wholeSetup( Record::Setup setup, Scenario::Model const & scenario ) {
    setup.program = version();
    setup.directory = fs::current_path().string();
    setup.scenario = scenario.texts.front().file.string();
-   auto record = std::make_unique< Record::Writer >( file, setup );
-   Files files( *record );
-   for ( Scenario::SourceText const & source : scenario.texts ) {
+   return setup;
+}
+
+// The plug-in is loaded, or the run has ended in a way that a replay can show.
+bool isWorthARecord( Story::Event const & event ) {
+   return std::holds_alternative< Story::PluginLoaded >( event ) ||
+          std::holds_alternative< Story::Stopped >( event );
+}
+
+}  // namespace
+
+Recording::Recording( fs::path const & file, Record::Setup setup, Scenario::Model const & scenario )
+      : scenario_( scenario ), record_( file, wholeSetup( std::move( setup ), scenario ) ) {}
+
+void Recording::onEvent( Story::Event const & event ) {
+   if ( hasBegun_ ) {
+      record_.onEvent( event );
+      return;
+   }
+   before_.push_back( event );
+   if ( isWorthARecord( event ) ) {
+      begin();
+   }
+}
+
+void Recording::begin() {
+   hasBegun_ = true;
+   Files files( record_ );
+   for ( Scenario::SourceText const & source : scenario_.texts ) {
       files.add( source.file, source.text );
    }
-   for ( fs::path const & capture : scenario.files ) {
+   for ( fs::path const & capture : scenario_.files ) {
       files.add( capture );
    }
-   files.addFeatureFiles( scenario.featureFiles );
-   record->inputsEnd();
-   return record;
+   files.addFeatureFiles( scenario_.featureFiles );
+   record_.inputsEnd();
+   for ( Story::Event const & event : before_ ) {
+      record_.onEvent( event );
+   }
+   before_.clear();
 }
 
 }  // namespace CommandLine

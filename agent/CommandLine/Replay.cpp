@@ -11,6 +11,7 @@
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Record/Comparison.h>
+#include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Style.h>
 #include <Story/Wording.h>
@@ -59,6 +60,15 @@ Story::ExitCode exitCodeOf( Comparison const & comparison, Story::Outcome const 
                                                    : Story::ExitCode::Held;
 }
 
+// Story::InputError for a plug-in that cannot be loaded: no difference of behaviour.
+void checkLoaded( Comparison const & comparison ) {
+   bool const isStartUp = comparison.step() && comparison.step()->kind == Story::StepKind::StartUp;
+   auto const * const badInput = std::get_if< Story::BadInput >( &comparison.came() );
+   if ( comparison.result() == Result::different && isStartUp && badInput ) {
+      throw Story::InputError( badInput->text );
+   }
+}
+
 // --- For people
 
 std::string stepText( std::optional< Story::StepBegins > const & step ) {
@@ -67,8 +77,9 @@ std::string stepText( std::optional< Story::StepBegins > const & step ) {
                : nameOf( step );
 }
 
+// `plugin` is that of the replay.
 void print( Comparison const & comparison, std::string const & cutText, std::string const & title,
-            std::ostream & out ) {
+            std::string const & plugin, std::ostream & out ) {
    Story::Style const style( isColoured( STDOUT_FILENO ) );
    auto const line = [ & ]( char const * what, std::string const & text ) {
       out << fmt::format( "   {:<10} {}\n", what, Text::printable( text ) );
@@ -79,8 +90,11 @@ void print( Comparison const & comparison, std::string const & cutText, std::str
           << '\n';
       line( "came", Record::wordsOf( comparison.came() ) );
       line( "expected", Record::wordsOf( comparison.expected() ) );
-      line( "behind", comparison.published() ? comparison.published()->words()
-                                             : "nothing was published before" );
+      line( "published", comparison.published() ? comparison.published()->words()
+                                                : "nothing was published before" );
+      if ( comparison.recordedPlugin() != plugin ) {
+         line( "plug-in", plugin + "; the record was made with " + comparison.recordedPlugin() );
+      }
    } else if ( comparison.result() == Result::same ) {
       out << style.good( "THE SAME" ) << ": " << Story::counted( comparison.eventsAlike(), "event" )
           << '\n';
@@ -144,10 +158,11 @@ Story::ExitCode Replay::perform( std::ostream & out ) {
    Comparison comparison( reader );
    Story::Outcome outcome;
    play( what, comparison, outcome );
+   checkLoaded( comparison );
    if ( isJson_ ) {
       printJson( comparison, reader.cutText(), scenario, out );
    } else if ( comparison.result() != Result::open ) {
-      print( comparison, reader.cutText(), scenario.name, out );
+      print( comparison, reader.cutText(), scenario.name, run_.plugin(), out );
    }
    tellInterruption( outcome );
    return exitCodeOf( comparison, outcome );

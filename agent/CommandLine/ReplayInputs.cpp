@@ -1,7 +1,9 @@
 #include <CommandLine/ReplayInputs.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 
 #include <CommandLine/RunScenario.h>
@@ -17,9 +19,13 @@ namespace fs = std::filesystem;
 
 // Its owner alone can read it.
 fs::path folderNew() {
-   std::string name = fs::temp_directory_path() / "vornal-replay-XXXXXX";
-   if ( !mkdtemp( name.data() ) ) {
-      Process::throwSystemError( "cannot make a folder for the files of the record, " + name );
+   std::error_code error;
+   std::string name = fs::temp_directory_path( error ) / "vornal-replay-XXXXXX";
+   if ( error || !mkdtemp( name.data() ) ) {
+      throw Story::InputError(
+         "the files of the record find no room: TMPDIR, or else /tmp, is no "
+         "folder that takes files (" +
+         ( error ? error.message() : std::strerror( errno ) ) + ")" );
    }
    return name;
 }
@@ -41,20 +47,23 @@ ReplayInputs::~ReplayInputs() {
    fs::remove_all( folder_, error );
 }
 
+// The setup comes first, once: it says where the files belong.
 void ReplayInputs::takeAll( Record::Reader & reader ) {
-   while ( auto const item = reader.next() ) {
-      if ( std::holds_alternative< Record::InputsEnd >( *item ) ) {
-         return;
-      }
-      if ( auto const * const setup = std::get_if< Record::Setup >( &*item ) ) {
-         setup_ = *setup;
-         root_ = Scenario::Root( folder_, setup_.directory );
-      } else if ( auto const * const part = std::get_if< Record::FilePart >( &*item ) ) {
-         take( *part );
+   auto const first = reader.next();
+   if ( auto const * const setup = first ? std::get_if< Record::Setup >( &*first ) : nullptr ) {
+      setup_ = *setup;
+      root_ = Scenario::Root( folder_, setup_.directory );
+      while ( auto const item = reader.next() ) {
+         if ( std::holds_alternative< Record::InputsEnd >( *item ) ) {
+            return;
+         }
+         if ( auto const * const part = std::get_if< Record::FilePart >( &*item ) ) {
+            take( *part );
+         }
       }
    }
-   throw Story::InputError( "the record ends before the run begins: it is cut " + reader.cutText() +
-                            "; record the run again" );
+   throw Story::InputError( reader.file().string() + ": the record ends before the run begins" +
+                            reader.damageText() + "; record the run again" );
 }
 
 // A path that ends in a slash is that of a folder.

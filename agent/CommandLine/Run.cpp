@@ -1,6 +1,7 @@
 #include <CommandLine/Run.h>
 
 #include <iostream>
+#include <map>
 
 #include <CLI/CLI.hpp>
 
@@ -95,6 +96,20 @@ Scenario::TraceLevels traceOf( std::string const & text ) {
    return trace;
 }
 
+// Two outputs in one file would destroy each other.
+void checkApart( std::map< std::string, std::filesystem::path > const & outputs ) {
+   std::map< std::filesystem::path, std::string > options;
+   for ( auto const & [ option, file ] : outputs ) {
+      std::error_code error;
+      auto const [ other, isNew ] =
+         options.emplace( std::filesystem::weakly_canonical( file, error ), option );
+      if ( !file.empty() && !error && !isNew ) {
+         throw Story::InputError( other->second + " and " + option + " both name " + file.string() +
+                                  "; name two files" );
+      }
+   }
+}
+
 std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & file ) {
    return file.empty() ? std::nullopt : std::optional( file );
 }
@@ -102,7 +117,7 @@ std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & fi
 }  // namespace
 
 void Run::declare( CLI::App & app ) {
-   scenario_.declare( app );
+   scenario_.declare( app, ScenarioWords::Answers::textOrJson, ScenarioWords::Takes::scenarios );
    auto * const events =
       app.add_flag( "--events", isEvents_,
                     "Print every event while it happens, each as a line of JSON" );
@@ -220,6 +235,7 @@ Story::ExitCode Run::perform( std::ostream & out ) {
    if ( !whatIf_.empty() ) {
       return compare( out );
    }
+   checkApart( { { "--record", record_ }, { "--report", report_ }, { "--ring", ring_ } } );
    Scenario::Model const scenario = read();
    ScenarioRun what{ scenario, scenario_.config(), ifNamed( ring_ ), scenario_.turnLimit() };
    std::optional< ReportFile > report;
@@ -237,10 +253,9 @@ Story::ExitCode Run::perform( std::ostream & out ) {
    if ( isTerminal( STDERR_FILENO ) ) {
       observers.push_back( &progress );
    }
-   std::unique_ptr< Record::Writer > record;
+   std::optional< Recording > recording;
    if ( !record_.empty() ) {
-      record = recordNew( record_, setup(), scenario );
-      observers.push_back( record.get() );
+      observers.push_back( &recording.emplace( record_, setup(), scenario ) );
    }
    if ( report ) {
       observers.push_back( &report->observer() );

@@ -15,6 +15,17 @@
 
 namespace CommandLine {
 
+namespace {
+
+// An answer from a record that was cut is not that of the run's end.
+void tellCut( RecordedRun const & record ) {
+   if ( std::string const cut = record.cutText(); !cut.empty() ) {
+      std::cerr << record.file().string() << ": the record is cut " << cut << '\n';
+   }
+}
+
+}  // namespace
+
 void runScenario( ScenarioRun const & what, Story::Observer & observer ) {
    Process::RingMemory const ring( what.ring );
    Story::StopCheck checked( observer );
@@ -31,14 +42,14 @@ void runScenario( ScenarioRun const & what, std::vector< Story::Observer * > obs
    std::optional< SameStory > same;
    if ( what.record ) {
       auto const steps = static_cast< U32 >( what.scenario.steps.size() );
-      same.emplace( what.record->file(),
-                    std::min( steps, what.config.lastStep.value_or( steps ) ) );
+      same.emplace( *what.record, std::min( steps, what.config.lastStep.value_or( steps ) ) );
       observers.push_back( &*same );
    }
    Story::Observers all( std::move( observers ) );
    runScenario( what, all );
    if ( same ) {
       same->check();
+      tellCut( *what.record );
    }
 }
 

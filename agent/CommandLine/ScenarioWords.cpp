@@ -10,15 +10,25 @@
 
 namespace CommandLine {
 
-void ScenarioWords::declare( CLI::App & app, Answers answers ) {
+namespace {
+
+std::string purposeOf( ScenarioWords::Answers answers, ScenarioWords::Takes takes ) {
+   if ( answers == ScenarioWords::Answers::dialogue ) {
+      return "The scenario's file, or a pipe";
+   }
+   return takes == ScenarioWords::Takes::records
+             ? "The scenario's file, a pipe, '-' for standard input, or the record of a run"
+             : "The scenario's file, a pipe, or '-' for standard input";
+}
+
+}  // namespace
+
+void ScenarioWords::declare( CLI::App & app, Answers answers, Takes takes ) {
    if ( source_ ) {
       declareJson( app );
       return;
    }
-   bool const isInputFree = answers != Answers::dialogue;
-   app.add_option( "SCENARIO", file_,
-                   isInputFree ? "The scenario's file, a pipe, or '-' for standard input"
-                               : "The scenario's file, or a pipe" )
+   app.add_option( "SCENARIO", file_, purposeOf( answers, takes ) )
       ->required()
       ->type_name( "FILE" )
       ->check( problemOfName );

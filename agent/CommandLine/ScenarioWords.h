@@ -42,10 +42,13 @@ class ScenarioWords {
       text,
       dialogue  // text, and questions on standard input
    };
+   // What can stand in place of a scenario.
+   enum class Takes { scenarios, records };
 
    // To be called before declare(); the source must outlive the words.
    void sourceIs( ScenarioSource const & source ) { source_ = &source; }
-   void declare( CLI::App & app, Answers answers = Answers::textOrJson );
+   void declare( CLI::App & app, Answers answers = Answers::textOrJson,
+                 Takes takes = Takes::records );
    // Throws CLI::ValidationError.
    void readWords();
 

@@ -87,7 +87,7 @@ Story::ExitCode performDialogue( Conversation & conversation, std::ostream & out
 }  // namespace
 
 void ShellCommand::declare( CLI::App & app ) {
-   scenario_.declare( app, ScenarioWords::Answers::dialogue );
+   scenario_.declare( app, ScenarioWords::Answers::dialogue, ScenarioWords::Takes::scenarios );
 }
 
 void ShellCommand::readWords() {

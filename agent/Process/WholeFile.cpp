@@ -17,9 +17,7 @@ namespace {
 constexpr int kUsualRights = 0666;  // less those that the user takes from new files
 
 [[noreturn]] void cannotWrite( fs::path const & file, int error ) {
-   throw Story::InputError( file.string() + " cannot be written (" +
-                            std::generic_category().message( error ) +
-                            "); name a file in a folder that takes files" );
+   throw Story::InputError( whyNotWritten( file, error ) );
 }
 
 // Writes the text and puts it onto the disk; the error's number, or 0.
@@ -41,6 +39,14 @@ int write( fs::path const & file, std::string const & text ) {
 }
 
 }  // namespace
+
+std::string whyNotWritten( fs::path const & file, int error ) {
+   bool const isFull = error == ENOSPC || error == EDQUOT || error == EFBIG;
+   return file.string() + " cannot be written (" + std::generic_category().message( error ) +
+          "); " +
+          ( isFull ? "make room, or name a file elsewhere"
+                   : "name a file in a folder that takes files" );
+}
 
 void writeWhole( fs::path const & file, std::string const & text ) {
    std::error_code error;

@@ -122,14 +122,22 @@ std::string wordsOf( Event const & event ) {
                       event );
 }
 
+std::optional< Event > Comparison::nextExpected() {
+   auto expected = reader_.nextEvent();
+   while ( expected && !isCompared( *expected ) ) {
+      if ( auto const * const loaded = std::get_if< PluginLoaded >( &*expected ) ) {
+         recordedPlugin_ = loaded->file;
+      }
+      expected = reader_.nextEvent();
+   }
+   return expected;
+}
+
 void Comparison::onEvent( Event const & event ) {
    if ( !isCompared( event ) ) {
       return;
    }
-   auto expected = reader_.nextEvent();
-   while ( expected && !isCompared( *expected ) ) {
-      expected = reader_.nextEvent();
-   }
+   auto expected = nextExpected();
    if ( !expected ) {
       result_ = Result::cut;
       throw Over();

@@ -36,8 +36,12 @@ class Comparison final : public Story::Observer {
    std::optional< Story::StepBegins > const & step() const { return step_; }
    std::optional< Story::PublishedChange > const & published() const { return published_; }
    U64 eventsAlike() const { return eventsAlike_; }
+   // The plug-in's file that the record names; empty: none so far.
+   std::string const & recordedPlugin() const { return recordedPlugin_; }
 
  private:
+   // The record's next event that is compared.
+   std::optional< Story::Event > nextExpected();
    void note( Story::Event const & event );
 
    Reader & reader_;
@@ -47,6 +51,7 @@ class Comparison final : public Story::Observer {
    std::optional< Story::StepBegins > step_;
    std::optional< Story::PublishedChange > published_;
    U64 eventsAlike_ = 0;
+   std::string recordedPlugin_;
 };
 
 // The event in words, for a message about a difference.

@@ -25,17 +25,22 @@ inline constexpr std::size_t kHeaderSize = 28;
 // Writes a record's file, block by block.
 //
 // It takes a file that is new or empty, or that holds a record; it leaves all other files
-// unchanged. While it exists it holds the file's lock (flock). Failures: Quelm::Error for a file
-// that it does not take, std::system_error when the file cannot be written. The file then ends with
-// the last whole block.
+// unchanged. It empties the file with the first block; without any block, the file is as it was.
+// While it exists it holds the file's lock (flock). Failures: Quelm::Error for a file that it does
+// not take, and when the file cannot be written. The file then ends with the last whole block.
 class FileWriter {
  public:
    explicit FileWriter( std::filesystem::path file );
+   FileWriter( FileWriter const & ) = delete;
+   FileWriter & operator=( FileWriter const & ) = delete;
+   ~FileWriter();
 
    void add( std::string_view block );
 
  private:
+   void open();
    void take();
+   void begin();
    void append( std::string_view bytes );
    [[noreturn]] void fail() const;
 
@@ -45,6 +50,7 @@ class FileWriter {
 
    std::filesystem::path file_;
    Process::Descriptor descriptor_;  // holds the lock
+   bool isNew_ = false;              // the file was not there before
    std::unique_ptr< ZSTD_CCtx_s, Free > context_;
    std::string compressed_;
    U64 size_ = 0;  // of the file
@@ -59,6 +65,7 @@ class FileReader {
    // Story::InputError when the file cannot be read, is no record, or one of another version.
    explicit FileReader( std::filesystem::path file );
 
+   std::filesystem::path const & file() const { return file_; }
    // The next block's content; nothing at the end of the file, and at a damage.
    std::optional< std::string > next();
 

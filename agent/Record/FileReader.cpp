@@ -121,7 +121,7 @@ bool FileReader::decompressInto( std::string & block ) {
       used_ += in.pos;
       blockSize_ += in.pos;
       if ( ZSTD_isError( left ) != 0 || block.size() > kLargestBlock ) {
-         damage_ = ZSTD_isError( left ) != 0 ? ZSTD_getErrorName( left ) : "the block is too large";
+         damage_ = ZSTD_isError( left ) != 0 ? "the block is damaged" : "the block is too large";
          return false;
       }
    }

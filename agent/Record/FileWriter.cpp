@@ -4,6 +4,7 @@
 
 #include <zstd.h>
 
+#include <Process/WholeFile.h>
 #include <Quelm/Error.h>
 #include <Record/Header.h>
 
@@ -26,12 +27,6 @@ constexpr int kLevel = 1;
                        "; name a new file, or the record of a run that is over" );
 }
 
-// Does not wait for a pipe or a device.
-Process::Descriptor opened( fs::path const & file ) {
-   return Process::Descriptor(
-      open( file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0644 ) );
-}
-
 }  // namespace
 
 void FileWriter::Free::operator()( ZSTD_CCtx_s * context ) const {
@@ -43,19 +38,34 @@ FileWriter::FileWriter( fs::path file )
    ZSTD_CCtx_setParameter( context_.get(), ZSTD_c_compressionLevel, kLevel );
    ZSTD_CCtx_setParameter( context_.get(), ZSTD_c_checksumFlag, 1 );
    ZSTD_CCtx_setParameter( context_.get(), ZSTD_c_windowLog, kWindowLog );
+   open();
    take();
-   append( headerNow() );
 }
 
-// Opens the file, locks it, and empties it if it is a record.
-void FileWriter::take() {
-   descriptor_ = opened( file_ );
+FileWriter::~FileWriter() {
+   if ( isNew_ && size_ == 0 ) {
+      unlink( file_.c_str() );
+   }
+}
+
+// Does not wait for a pipe or a device.
+void FileWriter::open() {
+   constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NONBLOCK;
+   descriptor_ = Process::Descriptor( ::open( file_.c_str(), kFlags ) );
+   if ( !descriptor_.isOpen() && errno == ENOENT ) {
+      descriptor_ = Process::Descriptor( ::open( file_.c_str(), kFlags | O_CREAT, 0644 ) );
+      isNew_ = descriptor_.isOpen();
+   }
    if ( !descriptor_.isOpen() && errno == EISDIR ) {
       refuse( file_, "is no regular file" );
    }
    if ( !descriptor_.isOpen() ) {
       fail();
    }
+}
+
+// Locks the file, and looks whether it may be replaced.
+void FileWriter::take() {
    struct stat about {};
    if ( fstat( descriptor_.fd(), &about ) != 0 || !S_ISREG( about.st_mode ) ) {
       refuse( file_, "is no regular file" );
@@ -66,9 +76,13 @@ void FileWriter::take() {
    if ( about.st_size != 0 && !isRecord( file_ ) ) {
       refuse( file_, "holds something else" );
    }
+}
+
+void FileWriter::begin() {
    if ( ftruncate( descriptor_.fd(), 0 ) != 0 ) {
       fail();
    }
+   append( headerNow() );
 }
 
 void FileWriter::add( std::string_view block ) {
@@ -77,6 +91,9 @@ void FileWriter::add( std::string_view block ) {
                                             block.data(), block.size() );
    if ( ZSTD_isError( size ) != 0 ) {
       throw Quelm::Error( "--record: " + file_.string() + ": " + ZSTD_getErrorName( size ) );
+   }
+   if ( size_ == 0 ) {
+      begin();
    }
    append( std::string_view( compressed_ ).substr( 0, size ) );
 }
@@ -93,8 +110,8 @@ void FileWriter::append( std::string_view bytes ) {
 }
 
 void FileWriter::fail() const {
-   Process::throwSystemError( "cannot write the record " + file_.string() +
-                              ( size_ == 0 ? "" : "; it can be read up to its end" ) );
+   std::string const left = size_ == 0 ? "" : "; what was kept before can be read";
+   throw Quelm::Error( "--record: " + Process::whyNotWritten( file_, errno ) + left );
 }
 
 }  // namespace Record

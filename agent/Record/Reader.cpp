@@ -54,12 +54,13 @@ void Reader::note( Item const & item ) {
    isComplete_ = isEnd( *event ) && !std::holds_alternative< Story::Interrupted >( *event );
 }
 
-std::string Reader::cutText() const {
+std::string Reader::damageText() const {
    std::string const & damage = damage_.empty() ? file_.damage() : damage_;
-   return fmt::format( "after {}{}", nameOf( step_ ),
-                       damage.empty()
-                          ? ""
-                          : fmt::format( "; byte {} of the file: {}", file_.offset(), damage ) );
+   return damage.empty() ? "" : fmt::format( "; byte {} of the file: {}", file_.offset(), damage );
+}
+
+std::string Reader::cutText() const {
+   return fmt::format( "after {}{}", nameOf( step_ ), damageText() );
 }
 
 }  // namespace Record

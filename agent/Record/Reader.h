@@ -24,8 +24,12 @@ class Reader {
 
    // The run in the record came to its end, and the record has been read to it.
    bool isComplete() const { return isComplete_; }
-   // Where the record ends when it is not complete, and why: "after step 3; byte 1234: ...".
+   // Where the record ends when it is not complete, and why: "after step 3; byte 1234 of the file:
+   // ...".
    std::string cutText() const;
+   // The second part of it alone; empty without a damage.
+   std::string damageText() const;
+   std::filesystem::path const & file() const { return file_.file(); }
 
  private:
    bool blockNew();

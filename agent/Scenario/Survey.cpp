@@ -28,6 +28,16 @@ int lineAt( std::string const & text, std::size_t at ) {
 
 // --- Characters
 
+// A record begins with a frame that readers of zstd skip.
+void checkIsNoRecord( std::string const & text, std::string const & file ) {
+   if ( text.starts_with( "\x50\x2a\x4d\x18" ) ) {
+      refuse(
+         file, 0,
+         "this is the record of a run and no scenario; name its file to replay, show, explain, "
+         "diff, verify, dump or shrink" );
+   }
+}
+
 void checkCharacters( std::string const & text, std::string const & file ) {
    for ( std::size_t at = 0; at < text.size(); ) {
       std::string_view const rest = std::string_view( text ).substr( at );
@@ -172,6 +182,7 @@ class Surveyor final : public YAML::EventHandler {
 }  // namespace
 
 void survey( std::string const & text, std::string const & file ) {
+   checkIsNoRecord( text, file );
    checkCharacters( text, file );
    checkLines( text, file );
    Surveyor surveyor( text, file );

@@ -112,15 +112,68 @@ TEST_F( RecordQuestions, KnowAddedStepsAndWhereTheRunEnded ) {
    EXPECT_TRUE( has( before.out, "10.0.0.2" ) ) << before.out;
    auto const behind = Support::vornal( { "show", record, "rules", "--after", "11" } );
    EXPECT_EQ( behind.exitCode, 2 );
-   EXPECT_TRUE( has( behind.err, " ends with step 10\n" ) ) << behind.err;
+   EXPECT_EQ( behind.err, "--after 11: " + record + " ends with step 10\n" );
 }
 
 TEST_F( RecordQuestions, AreAboutTheWholeStepsOfARecordThatWasCut ) {
    keep( "two-leaves" );
-   fs::resize_file( record, fs::file_size( record ) - 1 );
-   EXPECT_EQ( Support::vornal( { "diff", scenario( "two-leaves" ), record } ).exitCode, 0 );
+   fs::resize_file( record, fs::file_size( record ) * 2 / 3 );
+   auto const rules = Support::vornal( { "show", record, "rules" } );
+   EXPECT_EQ( rules.exitCode, 0 ) << rules.err;
+   std::string const place = record + ": the record is cut after step ";
+   ASSERT_TRUE( rules.err.starts_with( place ) ) << rules.err;
+   EXPECT_TRUE( has( rules.err, " of the file: the file ends in a block\n" ) ) << rules.err;
+   std::string const step = std::to_string( std::stoi( rules.err.substr( place.size() ) ) );
+   EXPECT_EQ(
+      rules.out,
+      Support::vornal( { "show", scenario( "two-leaves" ), "rules", "--after", step } ).out );
+   auto const verified = Support::vornal( { "verify", record } );
+   EXPECT_TRUE( verified.err.starts_with( place + step ) ) << verified.err;
+   auto const behind = Support::vornal( { "show", record, "rules", "--after", "22" } );
+   EXPECT_EQ( behind.err,
+              "--after 22: " + record + " ends with step " + step + ", where it is cut\n" );
+
    fs::resize_file( record, 100 );
-   EXPECT_EQ( Support::vornal( { "show", record, "state" } ).exitCode, 2 );
+   auto const none = Support::vornal( { "show", record, "state" } );
+   EXPECT_EQ( none.exitCode, 2 );
+   EXPECT_EQ( none.err, record +
+                           ": the record ends before the run begins; byte 28 of the file: "
+                           "the file ends in a block; record the run again\n" );
+}
+
+TEST_F( RecordQuestions, RefuseATimeWhereTheClockStandsStill ) {
+   keep( "two-leaves" );
+   auto const ran = Support::vornal( { "show", record, "rules", "--after", "2.5s" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, "the clock of " + record +
+                          " stands at 0 s in all of its steps; give a step in place of a time\n" );
+}
+
+// A record can come from anybody.
+TEST_F( RecordQuestions, WriteNoFileOutsideOfTheirFolder ) {
+   fs::path const outside = directory.path() / "outside";
+   Record::Setup const below{ "", "/", "leaf.yaml", {}, {}, {}, {} };
+   std::vector< Record::Item > const beginnings[] = {
+      { Record::FilePart{ outside, "x" } },
+      { below, Record::FilePart{ outside.string().substr( 1 ), "x" } },
+      { below, Record::FilePart{ "/../../.." + outside.string(), "x" } },
+      { Record::InputsEnd(), Record::FilePart{ outside, "x" } }
+   };
+   for ( auto const & items : beginnings ) {
+      {
+         Record::FileWriter writer( record );
+         std::string block;
+         for ( Record::Item const & item : items ) {
+            Record::write( block, item );
+         }
+         writer.add( block );
+      }
+      auto const ran = Support::vornal( { "replay", record } );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_EQ( ran.err,
+                 record + ": the record ends before the run begins; record the run again\n" );
+      EXPECT_FALSE( fs::exists( outside ) );
+   }
 }
 
 TEST_F( RecordQuestions, HaveNoAnswerWhenThePlugInDoesSomethingElse ) {
@@ -143,8 +196,8 @@ TEST_F( RecordQuestions, HaveNoAnswerWhenThePlugInDoesSomethingElse ) {
       EXPECT_EQ( ran.err,
                  record + ": this run is not the recorded one from step 1 on, as 'vornal replay " +
                     record +
-                    "' shows; ask after an earlier step, or give the plug-in of the record by "
-                    "--plugin\n" );
+                    "' shows; ask after an earlier step, or give the plug-in of the record, " +
+                    Support::testPlugin( "segment-rules" ).string() + ", by --plugin\n" );
    }
 }
 

@@ -199,8 +199,22 @@ std::string refusal( fs::path const & file ) {
 TEST_F( RecordOfARun, TakesTheFileOfAnEarlierOneOrAnEmptyOne ) {
    write( { Stories::startUp() } );
    EXPECT_EQ( refusal( file ), "" );
-   EXPECT_EQ( fs::file_size( file ), Record::kHeaderSize );
    EXPECT_EQ( refusal( directory.file( "empty", "" ) ), "" );
+   Record::FileWriter( file ).add( "" );
+   EXPECT_LT( fs::file_size( file ), Record::kHeaderSize + 20 );
+}
+
+TEST_F( RecordOfARun, LeavesTheFileAsItWasUntilItHasABlock ) {
+   write( { Stories::startUp() } );
+   std::string const before = Support::contentOf( file );
+   fs::path const other = directory.file( "empty", "" );
+   fs::path const none = directory.path() / "none";
+   for ( fs::path const & one : { file, other, none } ) {
+      Record::FileWriter const writer( one );
+   }
+   EXPECT_EQ( Support::contentOf( file ), before );
+   EXPECT_TRUE( fs::exists( other ) );
+   EXPECT_FALSE( fs::exists( none ) );
 }
 
 TEST_F( RecordOfARun, LeavesEveryOtherFileUnchanged ) {

@@ -76,7 +76,7 @@ TEST_F( Replay, OfAPlugInWithAWrongRuleNamesTheCallTheStepAndTheCause ) {
       << ran.out;
    EXPECT_TRUE( has( ran.out, "ports [4]" ) ) << ran.out;
    EXPECT_TRUE( has( ran.out, "ports [3]" ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "   behind     writes /" ) ) << ran.out;
+   EXPECT_TRUE( has( ran.out, "   published  writes /" ) ) << ran.out;
 }
 
 TEST_F( Replay, TellsProgramsADifferenceAsJson ) {
@@ -136,6 +136,53 @@ TEST_F( Replay, RefusesWhatIsNoRecordOrEndsBeforeItsEvents ) {
    auto const other = replay();
    EXPECT_EQ( other.exitCode, 2 );
    EXPECT_TRUE( has( other.err, "this is no record of a run" ) ) << other.err;
+}
+
+TEST_F( Replay, RefusesAPlugInThatCannotBeLoaded ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const ran = Support::vornal( { "replay", record(), "--plugin", record() } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_TRUE( has( ran.err, record() ) ) << ran.err;
+}
+
+TEST_F( Replay, NamesThePlugInsWhenTheyHaveOtherFiles ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   auto const ran = replay( "segment-rules-wrong" );
+   EXPECT_TRUE( has( ran.out, "   plug-in    " +
+                                 Support::testPlugin( "segment-rules-wrong" ).string() +
+                                 "; the record was made with " +
+                                 Support::testPlugin( "segment-rules" ).string() + "\n" ) )
+      << ran.out;
+}
+
+// Another output is refused, or the plug-in, after the record's file is taken.
+TEST_F( Replay, FindsTheEarlierRunAfterARefusedOne ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   std::string const before = Support::contentOf( record() );
+   std::string const text = directory.file( "text", "no ring\n" );
+   EXPECT_EQ( keep( kReady, { "--ring", text } ), 2 );
+   EXPECT_EQ( Support::contentOf( record() ), before );
+   auto const ran = Support::vornal(
+      { "run", directory.path() / "leaf.yaml", "--record", record(), "--plugin", text } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( Support::contentOf( record() ), before );
+   auto const same = Support::vornal( { "run", directory.path() / "leaf.yaml", "--record", record(),
+                                        "--report", directory.path() / "." / "run.record" } );
+   EXPECT_EQ( same.exitCode, 2 );
+   EXPECT_TRUE( has( same.err, "--record and --report both name " ) ) << same.err;
+   EXPECT_EQ( Support::contentOf( record() ), before );
+}
+
+TEST_F( Replay, SaysWhenThereIsNoTemporaryFolder ) {
+   ASSERT_EQ( keep( kReady ), 0 );
+   std::string const err = directory.path() / "err";
+   std::string const command =
+      "TMPDIR=/nowhere '" VORNAL_BINARY_DIR "/vornal' replay '" + record() + "' 2> '" + err + "'";
+   EXPECT_EQ( WEXITSTATUS( std::system( command.c_str() ) ), 2 );
+   EXPECT_EQ( Support::contentOf( err ),
+              "the files of the record find no room: TMPDIR, or else /tmp, is no folder that takes "
+              "files (No such file or directory)\n" );
 }
 
 TEST_F( Replay, LeavesNoFolderBehind ) {

@@ -90,6 +90,18 @@ TEST_F( ScenarioFile, WithoutEndIsNotTakenInWhole ) {
               "/dev/zero: this is longer than the 16 MiB that a scenario may have" + kExample );
 }
 
+TEST_F( ScenarioFile, IsNotTheRecordOfARun ) {
+   folder.file( "run.record", "\x50\x2a\x4d\x18 and more" );
+   try {
+      Steps::readScenario( folder.path() / "run.record" );
+      FAIL() << "no mistake";
+   } catch ( Scenario::ReadError const & error ) {
+      EXPECT_EQ( error.problems().front().message,
+                 "this is the record of a run and no scenario; name its file to replay, show, "
+                 "explain, diff, verify, dump or shrink" );
+   }
+}
+
 TEST_F( ScenarioFile, CanBeANamedPipe ) {
    fs::path const pipe = folder.path() / "pipe";
    ASSERT_EQ( mkfifo( pipe.c_str(), 0600 ), 0 );
