@@ -6,6 +6,16 @@ namespace Reference {
 
 // --- By the state
 
+namespace {
+
+bool canLeaveBy( Facts const & facts, Interface const & intf ) {
+   auto const ports = facts.portsOf( intf );
+   return std::any_of( ports.begin(), ports.end(),
+                       []( Port const & port ) { return port.number != Port::kInvalid; } );
+}
+
+}  // namespace
+
 std::set< Interface > floodedTo( Facts const & facts, Forwarding const & forwarding,
                                  Frame const & frame ) {
    std::set< Interface > reached;
@@ -13,7 +23,7 @@ std::set< Interface > floodedTo( Facts const & facts, Forwarding const & forward
       bool const isDesignated = !frame.sender || !forwarding.notDesignated.contains( intf );
       bool const isMember = facts.portChannelOf.contains( intf );  // the port channel forwards
       if ( vlans.contains( frame.vlan ) && intf != frame.arrival && isDesignated && !isMember &&
-           !facts.portsOf( intf ).empty() ) {
+           canLeaveBy( facts, intf ) ) {
          reached.insert( intf );
       }
    }
