@@ -67,7 +67,7 @@ class Judge {
       return !isOver_ && !result_.isOff() && !switch_.stop() && n + 1 < run_.steps.size();
    }
 
-   void end( char const * reason ) {
+   void end( std::string const & reason ) {
       noOpinionOnSteps( reason, 1 );
       isOver_ = true;
    }
@@ -84,7 +84,7 @@ class Judge {
          return end( "a verification pass of the plug-in stopped" );
       }
       if ( !run_.error.empty() && number + 1 == run_.steps.size() ) {
-         return end( "the run ended early: something to be withdrawn was not there" );
+         return end( "the run ended early: " + run_.error );
       }
       result_.step = number;
       ++result_.counts.steps;

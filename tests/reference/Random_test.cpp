@@ -1,0 +1,193 @@
+// Random stories go as the reference says: on any switch as its history says, and on a calm one as
+// the state alone says. A story that does not is made shorter, and printed as a scenario.
+//
+//    RC_PARAMS="max_success=1000 seed=7" build/release/test-reference --gtest_filter='*Random*'
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+
+#include <Judgement.h>
+#include <Moves.h>
+
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Moves::Move;
+using Moves::World;
+
+// Each run of the tests is the same. What RC_PARAMS says stands above this.
+bool const isSeeded = [] {
+   char const * const given = std::getenv( "RC_PARAMS" );
+   std::string params = given ? given : "";
+   for ( std::string const name : { "seed=20261122", "max_success=25" } ) {
+      if ( params.find( name.substr( 0, name.find( '=' ) + 1 ) ) == std::string::npos ) {
+         params += " " + name;
+      }
+   }
+   return setenv( "RC_PARAMS", params.c_str(), 1 ) == 0;
+}();
+
+// A folder of the test's own, gone with it.
+class Folder {
+ public:
+   Folder() {
+      std::string name = fs::temp_directory_path() / "test-reference-XXXXXX";
+      path_ = mkdtemp( name.data() );
+      fs::create_directory( path_ / "no-vni-rules" );
+      std::ofstream( path_ / "no-vni-rules/VornalL3.json" )
+         << R"({ "SbdEvpnTcamOverrideRule": false })";
+   }
+   Folder( Folder const & ) = delete;
+   Folder & operator=( Folder const & ) = delete;
+   ~Folder() { fs::remove_all( path_ ); }
+
+   Judgement judgementOn( std::string const & scenario, Claim claim ) const {
+      fs::path const file = path_ / "scenario.yaml";
+      std::ofstream( file ) << scenario;
+      return judgementOf( file, claim );
+   }
+
+ private:
+   fs::path path_;
+};
+
+// --- What is tried
+
+// Any number below `end`, whatever the size of the case.
+rc::Gen< unsigned > below( unsigned end ) {
+   return rc::gen::resize( rc::kNominalSize, rc::gen::inRange( 0U, end ) );
+}
+
+rc::Gen< Move > anyMove() {
+   auto const few = below( 12 );
+   return rc::gen::build< Move >(
+      rc::gen::set( &Move::kind, below( Moves::kKinds ) ), rc::gen::set( &Move::place, few ),
+      rc::gen::set( &Move::who, few ), rc::gen::set( &Move::number, few ),
+      rc::gen::set( &Move::isWithNext,
+                    rc::gen::map( below( 8 ), []( unsigned n ) { return n == 7; } ) ) );
+}
+
+std::vector< Move > anyMoves() {
+   return *rc::gen::container< std::vector< Move > >( anyMove() );
+}
+
+// Room for everything comes first, so that a story becomes simpler towards it.
+unsigned anyRoom( unsigned least ) {
+   constexpr unsigned kAmple = 64;
+   constexpr unsigned kSizes = 8;
+   unsigned const n = *below( kSizes );
+   return n < 2 ? kAmple : least + kSizes - n;
+}
+
+World anyWorld( World world ) {
+   if ( !world.isCalm ) {
+      world.ingressEntries = anyRoom( 2 );
+      world.egressEntries = anyRoom( 0 );
+      world.hasVniRules = *below( world.units == 1 ? 6 : 2 ) == 0;
+   }
+   world.movesBeforeReady = *below( 4 );
+   return world;
+}
+
+// --- What must hold
+
+class RandomStories : public testing::TestWithParam< World > {
+ protected:
+   void check( Claim claim ) {
+      EXPECT_TRUE( isSeeded );
+      EXPECT_TRUE( rc::check( [ this, claim ] {
+         World const world = anyWorld( GetParam() );
+         Moves::Story const story = storyOf( world, anyMoves() );
+         if ( isShrinkingOver() ) {
+            return;
+         }
+         Judgement const judgement = folder_.judgementOn( story.text(), claim );
+         counts_.add( judgement.counts );
+         ++stories_;
+         if ( judgement.isOff() ) {
+            failed_ = failed_.value_or( Clock::now() );
+            shortest_ = story;
+            off_ = judgement;
+            RC_FAIL( judgement.text() );
+         }
+      } ) )
+         << wordsOnFailure( claim );
+      std::cout << stories_ << " stories: " << counts_.text() << '\n';
+   }
+
+   Counts counts_;
+   unsigned stories_ = 0;
+
+ private:
+   using Clock = std::chrono::steady_clock;
+
+   // A test that has failed must still print the scenario within its time.
+   bool isShrinkingOver() const {
+      return failed_ && Clock::now() - *failed_ > std::chrono::seconds( 30 );
+   }
+
+   // The shortest story that failed, without what does not matter if that shows the same.
+   std::string wordsOnFailure( Claim claim ) const {
+      if ( !failed_ ) {
+         return "";
+      }
+      std::string const brief = shortest_.upTo( off_.step );
+      Judgement const again = folder_.judgementOn( brief, claim );
+      return again.isOff() ? again.text() + "\n" + brief : off_.text() + "\n" + shortest_.text();
+   }
+
+   Moves::Story shortest_;
+   Judgement off_;
+   Folder folder_;
+   std::optional< Clock::time_point > failed_;
+};
+
+using AnySwitch = RandomStories;
+TEST_P( AnySwitch, GoesAsTheHistorySays ) {
+   check( Claim::history );
+   EXPECT_GT( counts_.rules, stories_ ) << "the stories make hardly any rules";
+   EXPECT_LT( counts_.stepsWithoutOpinion * 10, counts_.steps ) << "no opinion hides too much";
+}
+
+World worldOf( char const * variant, unsigned units ) {
+   World world;
+   world.variant = variant;
+   world.units = units;
+   return world;
+}
+
+std::string nameOf( testing::TestParamInfo< World > const & world ) {
+   return std::string( world.param.variant == "class-id" ? "ClassId" : "EgressMask" ) +
+          ( world.param.units == 1 ? "OneUnit" : "TwoUnits" );
+}
+
+INSTANTIATE_TEST_SUITE_P( Random, AnySwitch,
+                          testing::Values( worldOf( "egress-mask", 1 ), worldOf( "class-id", 1 ),
+                                           worldOf( "egress-mask", 2 ), worldOf( "class-id", 2 ) ),
+                          nameOf );
+
+class CalmSwitch : public RandomStories {};
+TEST_P( CalmSwitch, HasTheRulesThatItsStateCallsFor ) {
+   check( Claim::state );
+   EXPECT_EQ( counts_.stops, 0U );
+   EXPECT_EQ( counts_.stepsOffTheState, 0U );
+}
+
+World calmWorldOf( char const * variant ) {
+   World world = worldOf( variant, 1 );
+   world.isCalm = true;
+   return world;
+}
+
+INSTANTIATE_TEST_SUITE_P( Random, CalmSwitch,
+                          testing::Values( calmWorldOf( "egress-mask" ),
+                                           calmWorldOf( "class-id" ) ),
+                          nameOf );
+
+}  // namespace

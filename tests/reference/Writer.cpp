@@ -1,0 +1,336 @@
+#include <Writer.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace Moves {
+
+namespace {
+
+std::array< std::string, 4 > const kVteps{ "10.0.0.2", "10.0.0.10", "2001:db8::2", "10.0.0.3" };
+std::array< std::string, 4 > const kSegments{ "Port-Channel1", "Ethernet1", "Port-Channel2",
+                                              "Ethernet2" };
+// On a switch that is not calm, members can be on a segment of their own, too.
+std::array< std::string, 6 > const kAllSegments{ "Port-Channel1", "Ethernet1", "Port-Channel2",
+                                                 "Ethernet2",     "Ethernet3", "Ethernet6" };
+std::array< std::string, 6 > const kInterfaces{ "Ethernet1", "Ethernet3", "Ethernet4",
+                                                "Ethernet2", "Ethernet5", "Ethernet6" };
+std::array< std::string, 4 > const kMembers{ "Ethernet5", "Ethernet3", "Ethernet4", "Ethernet6" };
+std::array< std::string, 2 > const kPortChannels{ "Port-Channel1", "Port-Channel2" };
+std::array< std::string, 2 > const kTunnels{ "Vxlan1", "Vxlan2" };
+std::array< std::string, 3 > const kVrfs{ "red", "blue", "green" };
+std::array< std::string, 5 > const kVnis{ "50001", "50002", "50003", "none", "0" };
+std::array< unsigned, 7 > const kPorts{ 6, 1, 3, 4, 5, 2, 1023 };
+std::array< unsigned, 7 > const kVirtualPorts{ 2, 3, 4, 5, 6, 0, 0x10002 };
+std::array< unsigned, 4 > const kClassIds{ 7, 1, 2, 0xffff };
+
+// The one with that number, counted round.
+template< typename All > auto const & pick( All const & all, unsigned which ) {
+   return all[ which % all.size() ];
+}
+
+// Removes a member; its key, if there is any member.
+template< typename Map > std::optional< std::string > takeKey( Map & map, unsigned which ) {
+   if ( map.empty() ) {
+      return {};
+   }
+   auto const at = std::next( map.begin(), static_cast< long >( which % map.size() ) );
+   std::string const key = at->first;
+   map.erase( at );
+   return key;
+}
+
+// Every pair of a key and one of its values.
+using Pairs = std::vector< std::pair< std::string, std::string > >;
+Pairs pairsOf( std::map< std::string, std::set< std::string > > const & map ) {
+   Pairs all;
+   for ( auto const & [ key, values ] : map ) {
+      for ( std::string const & value : values ) {
+         all.emplace_back( key, value );
+      }
+   }
+   return all;
+}
+
+}  // namespace
+
+Writer::Writer( World const & world ) : world_( world ) {
+   std::string const last = std::to_string( world.units - 1 ) + "/";
+   port_ = { { "Ethernet1", "0/1" },
+             { "Ethernet2", last + "2" },
+             { "Ethernet3", "0/3" },
+             { "Ethernet4", last + "4" },
+             { "Ethernet5", "0/5" } };
+   portChannelOf_ = { { "Ethernet3", "Port-Channel1" }, { "Ethernet4", "Port-Channel1" } };
+   tunnels_[ "Vxlan1" ];
+}
+
+// Those that make rules are there more often.
+std::vector< Writer::Kind > const & Writer::table() {
+   static std::vector< Kind > const all{
+      &Writer::vtepJoins,     &Writer::virtualPortIs,   &Writer::vtepJoins,
+      &Writer::virtualPortIs, &Writer::vtepLeaves,      &Writer::virtualPortGoes,
+      &Writer::segmentGoes,   &Writer::segmentReplaced, &Writer::emptySegmentIs,
+      &Writer::portIs,        &Writer::portGoes,        &Writer::memberJoins,
+      &Writer::memberLeaves,  &Writer::vniIs,           &Writer::vniGoes,
+      &Writer::tunnelGoes,    &Writer::tunnelReplaced,  &Writer::othersHold,
+      &Writer::grantIs,       &Writer::grantGoes,       &Writer::allocatorPauses,
+      &Writer::designatedIs,  &Writer::hostSends,       &Writer::hostIsSentTo,
+      &Writer::portIs,        &Writer::memberJoins,     &Writer::vtepJoins
+   };
+   return all;
+}
+
+Writer::Yaml Writer::step( Move const & move ) {
+   return ( this->*pick( table(), move.kind ) )( move );
+}
+
+unsigned Writer::kinds() {
+   return static_cast< unsigned >( table().size() );
+}
+
+// --- Segments and VTEPs
+
+Writer::Yaml Writer::vtepJoins( Move const & move ) {
+   Name const & segment = segmentOf( move );
+   Name const & vtep = pick( kVteps, move.who );
+   if ( !segments_[ segment ].insert( vtep ).second ) {
+      return {};
+   }
+   return "publish: { segments: { " + segment + ": [ '" + vtep + "' ] } }";
+}
+
+Writer::Yaml Writer::vtepLeaves( Move const & move ) {
+   Pairs const all = pairsOf( segments_ );
+   if ( all.empty() ) {
+      return {};
+   }
+   auto const [ segment, vtep ] = pick( all, move.who );
+   segments_[ segment ].erase( vtep );
+   return "withdraw: { segments: { " + segment + ": [ '" + vtep + "' ] } }";
+}
+
+Writer::Yaml Writer::segmentGoes( Move const & move ) {
+   auto const segment = takeKey( segments_, move.place );
+   return segment ? Yaml( "withdraw: { segments: [ " + *segment + " ] }" ) : Yaml();
+}
+
+Writer::Yaml Writer::segmentReplaced( Move const & move ) {
+   Name const & segment = segmentOf( move );
+   std::set< Name > vteps;
+   std::string list;
+   for ( unsigned n = 0; n < kVteps.size(); ++n ) {
+      if ( ( move.who >> n & 1 ) != 0 ) {
+         vteps.insert( kVteps.at( n ) );
+         list += ( list.empty() ? "'" : ", '" ) + kVteps.at( n ) + "'";
+      }
+   }
+   segments_[ segment ] = vteps;
+   return "replace: { segments: { " + segment + ": [ " + list + " ] } }";
+}
+
+Writer::Yaml Writer::emptySegmentIs( Move const & move ) {
+   Name const & segment = segmentOf( move );
+   if ( !segments_.try_emplace( segment ).second ) {
+      return {};
+   }
+   return "publish: { segments: { " + segment + ": [] } }";
+}
+
+Writer::Yaml Writer::virtualPortIs( Move const & move ) {
+   Name const & vtep = pick( kVteps, move.who );
+   unsigned const number = pick( kVirtualPorts, move.number );
+   for ( auto const & [ other, its ] : virtualPort_ ) {
+      if ( ( its & 0xffff ) == ( number & 0xffff ) && ( other != vtep || its == number ) ) {
+         return {};
+      }
+   }
+   virtualPort_[ vtep ] = number;
+   return "publish: { vteps: { '" + vtep + "': { virtual-port: " + std::to_string( number ) +
+          " } } }";
+}
+
+Writer::Yaml Writer::virtualPortGoes( Move const & move ) {
+   auto const vtep = takeKey( virtualPort_, move.who );
+   return vtep ? Yaml( "withdraw: { vteps: [ '" + *vtep + "' ] }" ) : Yaml();
+}
+
+Writer::Name const & Writer::segmentOf( Move const & move ) const {
+   return world_.isCalm ? pick( kSegments, move.place ) : pick( kAllSegments, move.place );
+}
+
+// --- Interfaces
+
+Writer::Yaml Writer::portIs( Move const & move ) {
+   Name const & intf = pick( kInterfaces, move.place );
+   unsigned const port = world_.isCalm ? ++freshPort_ : pick( kPorts, move.number );
+   std::string const unit = std::to_string( move.who % world_.units );
+   port_[ intf ] = unit + "/" + std::to_string( port );
+   return "publish: { interfaces: { " + intf + ": { unit: " + unit +
+          ", port: " + std::to_string( port ) + " } } }";
+}
+
+Writer::Yaml Writer::portGoes( Move const & move ) {
+   auto const intf = takeKey( port_, move.place );
+   return intf ? Yaml( "withdraw: { interfaces: [ " + *intf + " ] }" ) : Yaml();
+}
+
+Writer::Yaml Writer::memberJoins( Move const & move ) {
+   Name const & member = pick( kMembers, move.place );
+   Name const & portChannel = pick( kPortChannels, move.number );
+   auto const present = portChannelOf_.find( member );
+   if ( present != portChannelOf_.end() && present->second == portChannel ) {
+      return {};
+   }
+   portChannelOf_[ member ] = portChannel;
+   return "publish: { port-channels: { " + portChannel + ": [ " + member + " ] } }";
+}
+
+Writer::Yaml Writer::memberLeaves( Move const & move ) {
+   if ( portChannelOf_.empty() ) {
+      return {};
+   }
+   auto const of = portChannelOf_;
+   auto const member = takeKey( portChannelOf_, move.place );
+   return "withdraw: { port-channels: { " + of.at( *member ) + ": [ " + *member + " ] } }";
+}
+
+// A switch does not forward while two interfaces have one port.
+bool Writer::canForward() const {
+   std::set< std::string > ports;
+   return std::all_of( port_.begin(), port_.end(), [ & ]( auto const & one ) {
+      return one.second.ends_with( "/1023" ) || ports.insert( one.second ).second;
+   } );
+}
+
+bool Writer::hasPort( Name const & intf ) const {
+   return std::any_of( port_.begin(), port_.end(), [ & ]( auto const & one ) {
+      auto const portChannel = portChannelOf_.find( one.first );
+      bool const isIt = one.first == intf ||
+                        ( portChannel != portChannelOf_.end() && portChannel->second == intf );
+      return isIt && !one.second.ends_with( "/1023" );
+   } );
+}
+
+// --- Tunnel interfaces
+
+Writer::Yaml Writer::vniIs( Move const & move ) {
+   Name const & tunnel = tunnelOf( move );
+   Name const & vrf = pick( kVrfs, move.who );
+   Name const vni = world_.isCalm ? std::to_string( ++freshVni_ ) : pick( kVnis, move.number );
+   tunnels_[ tunnel ].insert( vrf );
+   return "publish: { tunnel-interfaces: { " + tunnel + ": { vrf-vni: { " + vrf + ": " + vni +
+          " } } } }";
+}
+
+Writer::Yaml Writer::vniGoes( Move const & move ) {
+   Pairs const all = pairsOf( tunnels_ );
+   if ( all.empty() ) {
+      return {};
+   }
+   auto const [ tunnel, vrf ] = pick( all, move.who );
+   tunnels_[ tunnel ].erase( vrf );
+   return "withdraw: { tunnel-interfaces: { " + tunnel + ": [ " + vrf + " ] } }";
+}
+
+Writer::Yaml Writer::tunnelGoes( Move const & move ) {
+   auto const tunnel = takeKey( tunnels_, move.place );
+   return tunnel ? Yaml( "withdraw: { tunnel-interfaces: [ " + *tunnel + " ] }" ) : Yaml();
+}
+
+Writer::Yaml Writer::tunnelReplaced( Move const & move ) {
+   if ( world_.isCalm ) {
+      return {};
+   }
+   Name const & tunnel = tunnelOf( move );
+   Name const & vrf = pick( kVrfs, move.who );
+   tunnels_[ tunnel ] = { vrf };
+   return "replace: { tunnel-interfaces: { " + tunnel + ": { vrf-vni: { " + vrf + ": " +
+          pick( kVnis, move.number ) + " } } } }";
+}
+
+Writer::Name const & Writer::tunnelOf( Move const & move ) const {
+   return world_.isCalm ? kTunnels[ 0 ] : pick( kTunnels, move.place );
+}
+
+// --- Room, class ids, frames
+
+Writer::Yaml Writer::othersHold( Move const & move ) {
+   if ( world_.isCalm ) {
+      return {};
+   }
+   bool const isIngress = move.place % 2 == 0;
+   std::string const unit =
+      move.who % 3 == 0 ? "" : ", unit: " + std::to_string( move.who % world_.units );
+   unsigned const all = isIngress ? world_.ingressEntries : world_.egressEntries;
+   unsigned const free = move.number % 5;  // that are left to the plug-in
+   return "foreign-entries: { group: " + std::string( isIngress ? "ingress" : "egress" ) + unit +
+          ", count: " + std::to_string( all > free ? all - free : 0 ) + " }";
+}
+
+Writer::Yaml Writer::grantIs( Move const & move ) {
+   if ( world_.isCalm || world_.variant != "class-id" ) {
+      return {};
+   }
+   Name const & vtep = pick( kVteps, move.who );
+   granted_.insert( vtep );
+   return "publish: { class-id-grants: { '" + vtep +
+          "': " + std::to_string( pick( kClassIds, move.number ) ) + " } }";
+}
+
+Writer::Yaml Writer::grantGoes( Move const & move ) {
+   Name const & vtep = pick( kVteps, move.who );
+   if ( granted_.erase( vtep ) == 0 ) {
+      return {};
+   }
+   return "withdraw: { class-id-grants: [ '" + vtep + "' ] }";
+}
+
+Writer::Yaml Writer::allocatorPauses( Move const & ) {
+   if ( world_.isCalm || world_.variant != "class-id" ) {
+      return {};
+   }
+   isPaused_ = !isPaused_;
+   return std::string( "class-id-allocator: " ) + ( isPaused_ ? "paused" : "serving" );
+}
+
+Writer::Yaml Writer::designatedIs( Move const & move ) {
+   return "designated-forwarder: { " + pick( kSegments, move.place ) + ": " +
+          ( move.number % 2 == 0 ? "false" : "true" ) + " }";
+}
+
+// A host's frame: the chip learns where the host is.
+Writer::Yaml Writer::hostSends( Move const & move ) {
+   Name const & intf = pick( kSegments, move.place );
+   if ( !canForward() || !hasPort( intf ) ) {
+      return {};
+   }
+   return "frame: { on: " + intf + ", source: 00:00:5e:00:53:1" +
+          std::to_string( move.number % 2 ) + " }";
+}
+
+// A VTEP's frame for that host.
+Writer::Yaml Writer::hostIsSentTo( Move const & move ) {
+   Name const & vtep = pick( kVteps, move.who );
+   if ( !canForward() || !virtualPort_.contains( vtep ) ) {
+      return {};
+   }
+   return "frame: { from: '" + vtep +
+          "', vni: 10100, source: 00:00:5e:00:53:02, destination: 00:00:5e:00:53:1" +
+          std::to_string( move.number % 2 ) + " }";
+}
+
+// A frame of every VTEP that the switch has a virtual port for.
+std::vector< Step > Writer::looks() const {
+   std::vector< Step > all;
+   if ( canForward() ) {
+      for ( auto const & [ vtep, number ] : virtualPort_ ) {
+         all.push_back(
+            { "frame: { from: '" + vtep + "', vni: 10100, source: 00:00:5e:00:53:02 }", true } );
+      }
+   }
+   return all;
+}
+
+}  // namespace Moves
