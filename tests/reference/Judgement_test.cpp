@@ -73,7 +73,7 @@ TEST( Judgement, FindsAFrameThatGoesElsewhere ) {
 
 TEST( Judgement, FindsARequestThatNobodyMustMake ) {
    std::string const found = foundOn( "two-leaves-class-id", []( Told & told ) {
-      forget< Reference::VirtualPortIs >( told.before );
+      forget< Reference::VtepJoins >( told.before );
    } );
    EXPECT_NE( found.find( "a class-id request that must not be there: 10.0.0.2" ),
               std::string::npos )
@@ -81,8 +81,8 @@ TEST( Judgement, FindsARequestThatNobodyMustMake ) {
 }
 
 TEST( Judgement, FindsAStopThatNothingForetells ) {
-   std::string const found = foundOn( "limits/vni-in-two-vrfs",
-                                      []( Told & told ) { told.device.isMulticastExempt = true; } );
+   std::string const found = foundOn(
+      "limits/vni-in-two-vrfs", []( Told & told ) { told.steps.back().turns.clear(); } );
    EXPECT_NE( found.find( "it must not stop, but did at" ), std::string::npos ) << found;
 }
 
