@@ -51,6 +51,7 @@ class Judge {
       for ( std::size_t n = 0; n < told_.steps.size() && isGoingOn( n ); ++n ) {
          take( told_.steps[ n ], n + 1 );
       }
+      compareEnd();
       return result_;
    }
 
@@ -82,9 +83,6 @@ class Judge {
       play( told, found );
       if ( run_.stop && run_.stop->step == number && !switch_.stop() && told.isVerified ) {
          return end( "a verification pass of the plug-in stopped" );
-      }
-      if ( !run_.error.empty() && number + 1 == run_.steps.size() ) {
-         return end( "the run ended early: " + run_.error );
       }
       result_.step = number;
       ++result_.counts.steps;
@@ -158,6 +156,15 @@ class Judge {
          differ( "it must stop at '" + foretold->expression + "' in " + foretold->function +
                  ", but did at '" + run_.stop->expression + "' in " + run_.stop->function + "; " +
                  run_.stop->output );
+      }
+   }
+
+   // A run that goes on to the end has all its steps.
+   void compareEnd() {
+      if ( noOpinion_.empty() && !isOver_ && !result_.isOff() && !switch_.stop() &&
+           run_.steps.size() <= told_.steps.size() ) {
+         result_.step = run_.steps.size();
+         differ( "the run ended before this step: " + run_.error );
       }
    }
 

@@ -81,8 +81,8 @@ TEST( Judgement, FindsARequestThatNobodyMustMake ) {
 }
 
 TEST( Judgement, FindsAStopThatNothingForetells ) {
-   std::string const found = foundOn(
-      "limits/vni-in-two-vrfs", []( Told & told ) { told.steps.back().turns.clear(); } );
+   std::string const found =
+      foundOn( "limits/vni-in-two-vrfs", []( Told & told ) { told.steps.back().turns.clear(); } );
    EXPECT_NE( found.find( "it must not stop, but did at" ), std::string::npos ) << found;
 }
 

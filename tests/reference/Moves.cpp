@@ -34,7 +34,9 @@ std::string headOf( World const & world ) {
           "  vlans: { 10: 10100 }\n"
           "  access: { Ethernet1: 10, Ethernet2: 10, Port-Channel1: 10, Port-Channel2: 10 }\n"
           "evpn:\n  tunnel-interfaces: { Vxlan1: {} }\n" +
-          ( world.hasVniRules ? "" : "features: no-vni-rules\n" );
+          ( world.hasVniRules ? ""
+                              : "features: '" VORNAL_SOURCE_DIR
+                                "/scenarios/toggle-off/features'\n" );
 }
 
 bool isChange( std::string const & yaml ) {
@@ -43,6 +45,9 @@ bool isChange( std::string const & yaml ) {
 }
 
 std::string oneTurn( std::vector< std::string > const & changes ) {
+   if ( changes.size() == 1 ) {
+      return changes.front();
+   }
    std::string yaml = "turn:";
    for ( std::string const & change : changes ) {
       yaml += "\n    - " + change;
@@ -61,15 +66,14 @@ class Assembly {
       if ( !yaml ) {
          return;
       }
-      bool const isWithNext = move.isWithNext && !isCalm_;
-      if ( isChange( *yaml ) && ( isWithNext || !turn_.empty() ) ) {
-         turn_.push_back( *yaml );
-         if ( !isWithNext ) {
-            endTurn();
-         }
-      } else {
+      if ( !isChange( *yaml ) ) {
+         endTurn();
          story_.steps.push_back( { *yaml } );
-         look();
+         return look();
+      }
+      turn_.push_back( *yaml );
+      if ( isCalm_ || !move.isWithNext ) {
+         endTurn();
       }
    }
 
@@ -111,11 +115,6 @@ unsigned const kKinds = Writer::kinds();
 std::ostream & operator<<( std::ostream & out, Move const & move ) {
    return out << "{ " << move.kind << ", " << move.place << ", " << move.who << ", " << move.number
               << ( move.isWithNext ? ", with next }" : " }" );
-}
-
-std::ostream & operator<<( std::ostream & out, World const & world ) {
-   return out << world.variant << ", " << world.units << ( world.units == 1 ? " unit" : " units" )
-              << ( world.isCalm ? ", calm" : "" );
 }
 
 std::string Story::upTo( std::size_t step ) const {

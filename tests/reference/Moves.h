@@ -37,8 +37,6 @@ struct World {
    bool isCalm = false;
 };
 
-std::ostream & operator<<( std::ostream & out, World const & world );
-
 struct Step {
    std::string yaml;
    bool isLook = false;  // a frame that only shows what the rules do

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <stdexcept>
 
@@ -27,6 +28,14 @@ std::string outputOf( std::string const & command ) {
       text.append( some.data(), size );
    }
    return text;
+}
+
+// VORNAL_TEST_PLUGIN names another build of the plug-in.
+std::string commandOn( std::filesystem::path const & scenario ) {
+   char const * const plugIn = std::getenv( "VORNAL_TEST_PLUGIN" );
+   return std::string( VORNAL_BINARY_DIR "/vornal run --json " ) +
+          ( plugIn ? "--plugin '" + std::string( plugIn ) + "' " : "" ) + "'" + scenario.string() +
+          "' 2>/dev/null";
 }
 
 std::string textOr( Json const & value, char const * other = "" ) {
@@ -205,9 +214,7 @@ std::optional< Stopped > stopOf( Json const & document ) {
 
 Document of( std::filesystem::path const & scenario,
              std::set< std::string > const & requestsBefore ) {
-   Json const given = Json::parse( outputOf( VORNAL_BINARY_DIR "/vornal run --json '" +
-                                             scenario.string() + "' 2>/dev/null" ),
-                                   nullptr, false );
+   Json const given = Json::parse( outputOf( commandOn( scenario ) ), nullptr, false );
    if ( !given.is_object() ) {
       throw std::runtime_error( "no document from " + scenario.string() );
    }

@@ -108,10 +108,14 @@ Writer::Yaml Writer::vtepLeaves( Move const & move ) {
    }
    auto const [ segment, vtep ] = pick( all, move.who );
    segments_[ segment ].erase( vtep );
+   grantIsUncertain( vtep );
    return "withdraw: { segments: { " + segment + ": [ '" + vtep + "' ] } }";
 }
 
 Writer::Yaml Writer::segmentGoes( Move const & move ) {
+   for ( Name const & vtep : kVteps ) {
+      grantIsUncertain( vtep );
+   }
    auto const segment = takeKey( segments_, move.place );
    return segment ? Yaml( "withdraw: { segments: [ " + *segment + " ] }" ) : Yaml();
 }
@@ -121,6 +125,7 @@ Writer::Yaml Writer::segmentReplaced( Move const & move ) {
    std::set< Name > vteps;
    std::string list;
    for ( unsigned n = 0; n < kVteps.size(); ++n ) {
+      grantIsUncertain( kVteps.at( n ) );
       if ( ( move.who >> n & 1 ) != 0 ) {
          vteps.insert( kVteps.at( n ) );
          list += ( list.empty() ? "'" : ", '" ) + kVteps.at( n ) + "'";
@@ -147,13 +152,18 @@ Writer::Yaml Writer::virtualPortIs( Move const & move ) {
       }
    }
    virtualPort_[ vtep ] = number;
+   grantIsUncertain( vtep );
    return "publish: { vteps: { '" + vtep + "': { virtual-port: " + std::to_string( number ) +
           " } } }";
 }
 
 Writer::Yaml Writer::virtualPortGoes( Move const & move ) {
    auto const vtep = takeKey( virtualPort_, move.who );
-   return vtep ? Yaml( "withdraw: { vteps: [ '" + *vtep + "' ] }" ) : Yaml();
+   if ( !vtep ) {
+      return {};
+   }
+   grantIsUncertain( *vtep );
+   return "withdraw: { vteps: [ '" + *vtep + "' ] }";
 }
 
 Writer::Name const & Writer::segmentOf( Move const & move ) const {
@@ -196,7 +206,6 @@ Writer::Yaml Writer::memberLeaves( Move const & move ) {
    return "withdraw: { port-channels: { " + of.at( *member ) + ": [ " + *member + " ] } }";
 }
 
-// A switch does not forward while two interfaces have one port.
 bool Writer::canForward() const {
    std::set< std::string > ports;
    return std::all_of( port_.begin(), port_.end(), [ & ]( auto const & one ) {
@@ -287,15 +296,25 @@ Writer::Yaml Writer::grantGoes( Move const & move ) {
    return "withdraw: { class-id-grants: [ '" + vtep + "' ] }";
 }
 
+void Writer::grantIsUncertain( Name const & vtep ) {
+   if ( !isPaused_ ) {
+      granted_.erase( vtep );
+   }
+}
+
 Writer::Yaml Writer::allocatorPauses( Move const & ) {
    if ( world_.isCalm || world_.variant != "class-id" ) {
       return {};
    }
    isPaused_ = !isPaused_;
+   granted_.clear();
    return std::string( "class-id-allocator: " ) + ( isPaused_ ? "paused" : "serving" );
 }
 
 Writer::Yaml Writer::designatedIs( Move const & move ) {
+   if ( !canForward() ) {
+      return {};
+   }
    return "designated-forwarder: { " + pick( kSegments, move.place ) + ": " +
           ( move.number % 2 == 0 ? "false" : "true" ) + " }";
 }

@@ -63,7 +63,9 @@ class Writer {
 
    Name const & segmentOf( Move const & move ) const;
    Name const & tunnelOf( Move const & move ) const;
-   // The program refuses frames while two interfaces have one port.
+   // The VTEP may give its class id back, and an allocator that serves takes it.
+   void grantIsUncertain( Name const & vtep );
+   // While two interfaces have one port, the program refuses frames and designations.
    bool canForward() const;
    bool hasPort( Name const & intf ) const;
 
@@ -73,7 +75,7 @@ class Writer {
    std::map< Name, std::set< Name > > segments_;
    std::map< Name, unsigned > virtualPort_;
    std::map< Name, std::set< Name > > tunnels_;  // with their VRFs
-   std::set< Name > granted_;                    // by hand
+   std::set< Name > granted_;                    // by hand, and certainly there
    bool isPaused_ = false;
    unsigned freshPort_ = 9;
    unsigned freshVni_ = 50000;
