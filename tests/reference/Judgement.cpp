@@ -159,12 +159,12 @@ class Judge {
       }
    }
 
-   // A run that goes on to the end has all its steps.
+   // A run that goes on to the end has all its steps, and that of its end.
    void compareEnd() {
-      if ( noOpinion_.empty() && !isOver_ && !result_.isOff() && !switch_.stop() &&
-           run_.steps.size() <= told_.steps.size() ) {
-         result_.step = run_.steps.size();
-         differ( "the run ended before this step: " + run_.error );
+      bool const isJudged = noOpinion_.empty() && !isOver_ && !result_.isOff() && !switch_.stop();
+      if ( isJudged && ( !run_.error.empty() || run_.steps.size() <= told_.steps.size() ) ) {
+         result_.step = run_.steps.empty() ? 0 : run_.steps.size() - 1;
+         differ( "the run must go on, but ended here. " + run_.error );
       }
    }
 

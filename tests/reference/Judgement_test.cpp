@@ -1,5 +1,5 @@
 // A run that is not as the reference says is found out: by its rules, its calls, its frames, its
-// requests and its stop. Here the reference is told something wrong.
+// requests, its stop and its length. Here the reference is told something wrong.
 #include <functional>
 
 #include <gtest/gtest.h>
@@ -11,13 +11,15 @@ namespace {
 
 using Reference::Told;
 
+std::filesystem::path fileOf( std::string const & name ) {
+   return std::filesystem::path( VORNAL_SOURCE_DIR "/scenarios" ) / name / "scenario.yaml";
+}
+
 // What is found on the scenario when the reference is told something else than the run.
 std::string foundOn( std::string const & name, std::function< void( Told & ) > const & change ) {
-   auto const file =
-      std::filesystem::path( VORNAL_SOURCE_DIR "/scenarios" ) / name / "scenario.yaml";
-   Told told = Reference::told( Steps::readScenario( file ) );
+   Told told = Reference::told( Steps::readScenario( fileOf( name ) ) );
    change( told );
-   Judgement const judgement = judge( told, Run::of( file ) );
+   Judgement const judgement = judge( told, Run::of( fileOf( name ) ) );
    return judgement.isOff() ? judgement.text() : "";
 }
 
@@ -96,6 +98,22 @@ TEST( Judgement, FindsAStopThatDoesNotCome ) {
                           "newV )' in handleVrfToVniMap" ),
               std::string::npos )
       << found;
+}
+
+TEST( Judgement, FindsARunThatEndsTooEarly ) {
+   std::string const found =
+      foundOn( "start-up", []( Told & told ) { told.steps.resize( told.steps.size() + 2 ); } );
+   EXPECT_NE( found.find( "step 9:\n   the run must go on, but ended here" ), std::string::npos )
+      << found;
+}
+
+TEST( Judgement, FindsARunThatRefusesItsLastStep ) {
+   Told const told = Reference::told( Steps::readScenario( fileOf( "start-up" ) ) );
+   Run::Document run = Run::of( fileOf( "start-up" ) );
+   run.steps.pop_back();
+   run.error = "no such port";
+   Judgement const judgement = judge( told, run );
+   EXPECT_EQ( judgement.text(), "step 8:\n   the run must go on, but ended here. no such port" );
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Random stories: lists of moves, and the scenario that a list stands for.
 //
-// A move is four small numbers, so that rapidcheck can make it simpler. Each becomes a step on
+// A move is four small numbers, so that it can be made simpler. Each becomes a step on
 // whatever the switch has at that point; a move that can do nothing there is left out. So every
 // list of moves is a valid scenario, and so is what is left of it when moves are taken away.
 #pragma once
@@ -33,7 +33,8 @@ struct World {
    bool hasVniRules = true;
    unsigned movesBeforeReady = 0;
    // No port and no VNI is used twice, interfaces stay in one place, there is one tunnel interface,
-   // others take no room, nobody grants class ids by hand, and one thing happens at a time.
+   // others take no room, each VTEP can have a class id, nobody grants them by hand, and one thing
+   // happens at a time.
    bool isCalm = false;
 };
 

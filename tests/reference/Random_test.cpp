@@ -13,6 +13,7 @@
 
 #include <Judgement.h>
 #include <Moves.h>
+#include <Shorter.h>
 
 #include <unistd.h>
 
@@ -20,13 +21,15 @@ namespace {
 
 namespace fs = std::filesystem;
 using Moves::Move;
+using Moves::Plot;
 using Moves::World;
 
-// Each run of the tests is the same. What RC_PARAMS says stands above this.
+// Each run of the tests is the same, and Shorter.h makes stories shorter. What RC_PARAMS says
+// stands above this.
 bool const isSeeded = [] {
    char const * const given = std::getenv( "RC_PARAMS" );
    std::string params = given ? given : "";
-   for ( std::string const name : { "seed=20261122", "max_success=300" } ) {
+   for ( std::string const name : { "seed=20261122", "max_success=300", "noshrink=1" } ) {
       if ( params.find( name.substr( 0, name.find( '=' ) + 1 ) ) == std::string::npos ) {
          params += " " + name;
       }
@@ -111,24 +114,16 @@ class RandomStories : public testing::Test {
  protected:
    void check( Claim claim ) {
       EXPECT_TRUE( isSeeded );
-      EXPECT_TRUE( rc::check( [ this, claim ] {
-         World const world = anyWorld( claim == Claim::state );
-         Moves::Story const story = storyOf( world, anyMoves() );
-         if ( isShrinkingOver() || wentWell_.contains( story.text() ) ) {
-            return;
+      claim_ = claim;
+      bool const allGoWell = rc::check( [ this ] {
+         World const world = anyWorld( claim_ == Claim::state );
+         Plot const plot{ world, anyMoves() };
+         if ( fails( plot ) ) {
+            makeShorter( plot );
+            RC_FAIL( off_.text() );
          }
-         Judgement const judgement = folder_.judgementOn( story.text(), claim );
-         counts_.add( judgement.counts );
-         ++stories_;
-         if ( judgement.isOff() ) {
-            failed_ = failed_.value_or( Clock::now() );
-            shortest_ = story;
-            off_ = judgement;
-            RC_FAIL( judgement.text() );
-         }
-         wentWell_.insert( story.text() );
-      } ) )
-         << wordsOnFailure( claim );
+      } );
+      EXPECT_TRUE( allGoWell ) << off_.text() << '\n' << shortest_;
       std::cout << stories_ << " stories: " << counts_.text() << '\n';
    }
 
@@ -136,29 +131,51 @@ class RandomStories : public testing::Test {
    unsigned stories_ = 0;
 
  private:
-   using Clock = std::chrono::steady_clock;
-
-   // A test that has failed must still print the scenario within its time.
-   bool isShrinkingOver() const {
-      return failed_ && Clock::now() - *failed_ > std::chrono::seconds( 20 );
-   }
-
-   // The shortest story that failed, without what does not matter if that shows the same.
-   std::string wordsOnFailure( Claim claim ) const {
-      if ( !failed_ ) {
-         return "";
+   // Plots can have the same story, above all while one is made shorter.
+   bool fails( Plot const & plot ) {
+      std::string const story = storyOf( plot.world, plot.moves ).text();
+      if ( wentWell_.contains( story ) ) {
+         return false;
       }
-      std::string const brief = shortest_.upTo( off_.step );
-      Judgement const again = folder_.judgementOn( brief, claim );
-      return again.isOff() ? again.text() + "\n" + brief : off_.text() + "\n" + shortest_.text();
+      Judgement const judgement = folder_.judgementOn( story, claim_ );
+      counts_.add( judgement.counts );
+      ++stories_;
+      if ( !judgement.isOff() ) {
+         wentWell_.insert( story );
+         return false;
+      }
+      off_ = judgement;
+      shortest_ = story;
+      return true;
    }
 
-   // Most ways to make a story shorter have been tried by another way.
-   std::set< std::string > wentWell_;
-   Moves::Story shortest_;
-   Judgement off_;
+   // The test must still print the scenario within its time.
+   void makeShorter( Plot const & plot ) {
+      using Clock = std::chrono::steady_clock;
+      auto const end = Clock::now() + std::chrono::seconds( 20 );
+      Plot const least = shorter( plot, [ & ]( Plot const & other ) {
+         return Clock::now() < end && fails( other );
+      } );
+      leaveLooksOut( storyOf( least.world, least.moves ) );
+   }
+
+   // What comes behind the step that differs does not matter, nor do the looks before it; unless it
+   // is a look that makes the difference.
+   void leaveLooksOut( Moves::Story const & story ) {
+      std::string const brief = story.upTo( off_.step );
+      Judgement const judgement = folder_.judgementOn( brief, claim_ );
+      if ( off_.step > 0 && judgement.isOff() ) {
+         off_ = judgement;
+         shortest_ = brief;
+      }
+   }
+
+   Claim claim_ = Claim::history;
    Folder folder_;
-   std::optional< Clock::time_point > failed_;
+   std::set< std::string > wentWell_;
+   // The last that failed.
+   Judgement off_;
+   std::string shortest_;
 };
 
 TEST_F( RandomStories, GoAsTheHistorySays ) {
