@@ -36,8 +36,8 @@ struct Facts {
    std::set< Port > portsOf( Interface const & intf ) const;
    // The valid ports of one unit that lie on segments shared with this VTEP.
    std::set< Port > sharedPorts( unsigned unit, Vtep const & vtep ) const;
-   // The first interface with that port; empty if there is none.
-   Interface interfaceOf( Port const & port ) const;
+   // The first interface with this port; empty if there is none.
+   Interface interfaceOf( Port const & wanted ) const;
    // The source port in the chip for frames from this VTEP; that of virtual port 0 if it has none.
    unsigned gportOf( Vtep const & vtep ) const;
 };

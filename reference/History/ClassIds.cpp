@@ -28,7 +28,7 @@ void Senders::makeWithClassId( unsigned unit, Vtep const & vtep ) {
       return;
    }
    if ( isShort_ ) {
-      log_.push_back( "MULTIHOMING_TCAM_RESOURCE_RECOVERED" );
+      log_.emplace_back( "MULTIHOMING_TCAM_RESOURCE_RECOVERED" );
       isShort_ = false;
    }
 }

@@ -134,7 +134,7 @@ void Senders::unmakeMasked( unsigned unit, Vtep const & vtep ) {
 
 void Senders::fullIs() {
    if ( !isShort_ ) {
-      log_.push_back( "MULTIHOMING_TCAM_RESOURCE_FULL" );
+      log_.emplace_back( "MULTIHOMING_TCAM_RESOURCE_FULL" );
    }
    isShort_ = true;
 }

@@ -47,8 +47,8 @@ TEST( Judgement, FindsARuleThatNobodyCallsFor ) {
 
 TEST( Judgement, FindsARuleThatIsMissing ) {
    std::string const found = foundOn( "two-leaves", []( Told & told ) {
-      told.before.push_back( Reference::VtepJoins{ Reference::Interface( "Port-Channel2" ),
-                                                   Reference::Vtep( "10.0.0.3" ) } );
+      told.before.emplace_back( Reference::VtepJoins{ Reference::Interface( "Port-Channel2" ),
+                                                      Reference::Vtep( "10.0.0.3" ) } );
    } );
    EXPECT_NE( found.find( "a rule that must be there: unit 0 ingress 'Mark or drop packets at IFP "
                           "from vtep IP 10.0.0.3 on shared segments'" ),
@@ -91,7 +91,8 @@ TEST( Judgement, FindsAStopThatNothingForetells ) {
 TEST( Judgement, FindsAStopThatDoesNotCome ) {
    std::string const found = foundOn( "two-leaves", []( Told & told ) {
       for ( auto const * const vrf : { "red", "blue" } ) {
-         told.before.push_back( Reference::VniIs{ Reference::Interface( "Vxlan1" ), vrf, 50001 } );
+         told.before.emplace_back(
+            Reference::VniIs{ Reference::Interface( "Vxlan1" ), vrf, 50001 } );
       }
    } );
    EXPECT_NE( found.find( "it must stop at '!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( "
