@@ -32,6 +32,8 @@ void Switch::take( Ready const & ) {
       senders_.sharingChanges( vtep );
    }
    vnis_.readAll();
+   // The plug-in listens from here on: what was refused until now brings no second look.
+   groups_.isTimeToLookAgain();
 }
 
 void Switch::take( OthersHold const & event ) {

@@ -85,12 +85,12 @@ std::vector< Move > anyMoves() {
    return *rc::gen::container< std::vector< Move > >( anyMove() );
 }
 
-// Room for everything comes first, so that a story becomes simpler towards it.
+// Half of the switches have room for everything.
 unsigned anyRoom( unsigned least ) {
    constexpr unsigned kAmple = 64;
    constexpr unsigned kSizes = 8;
-   unsigned const n = *below( kSizes );
-   return n < 2 ? kAmple : least + kSizes - n;
+   unsigned const n = *below( 2 * kSizes );
+   return n < kSizes ? kAmple : least + n - kSizes;
 }
 
 // A calm switch has one unit, and room for everything.
@@ -104,7 +104,7 @@ World anyWorld( bool isCalm ) {
       world.egressEntries = anyRoom( 0 );
       world.hasVniRules = *below( world.units == 1 ? 6 : 2 ) == 0;
    }
-   world.movesBeforeReady = *below( 4 );
+   world.movesBeforeReady = *below( 12 );
    return world;
 }
 

@@ -77,7 +77,9 @@ std::vector< Writer::Kind > const & Writer::table() {
       &Writer::tunnelGoes,    &Writer::tunnelReplaced,  &Writer::othersHold,
       &Writer::grantIs,       &Writer::grantGoes,       &Writer::allocatorPauses,
       &Writer::designatedIs,  &Writer::hostSends,       &Writer::hostIsSentTo,
-      &Writer::portIs,        &Writer::memberJoins,     &Writer::vtepJoins
+      &Writer::portIs,        &Writer::memberJoins,     &Writer::vtepJoins,
+      &Writer::vtepJoins,     &Writer::virtualPortIs,   &Writer::vtepJoins,
+      &Writer::virtualPortIs, &Writer::virtualPortIs,   &Writer::vniIs
    };
    return all;
 }
@@ -302,11 +304,12 @@ void Writer::grantIsUncertain( Name const & vtep ) {
    }
 }
 
-Writer::Yaml Writer::allocatorPauses( Move const & ) {
-   if ( world_.isCalm || world_.variant != "class-id" ) {
+Writer::Yaml Writer::allocatorPauses( Move const & move ) {
+   bool const isToPause = move.number % 4 == 0;  // mostly it serves
+   if ( world_.isCalm || world_.variant != "class-id" || isToPause == isPaused_ ) {
       return {};
    }
-   isPaused_ = !isPaused_;
+   isPaused_ = isToPause;
    granted_.clear();
    return std::string( "class-id-allocator: " ) + ( isPaused_ ? "paused" : "serving" );
 }
