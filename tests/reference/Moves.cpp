@@ -15,7 +15,7 @@ std::string headOf( World const & world ) {
           ( world.units == 1 ? "{ 0: { module: 1 } }" : "{ 0: { module: 1 }, 1: { module: 5 } }" ) +
           "\n  tcam: { ingress: " + std::to_string( world.ingressEntries ) +
           ", egress: " + std::to_string( world.egressEntries ) +
-          " }\n  class-ids: { first: 1, last: " + ( world.isCalm ? "4" : "3" ) +
+          " }\n  class-ids: { first: 1, last: " + std::to_string( world.classIds ) +
           " }\n  interfaces:\n"
           "    Ethernet1: { unit: 0, port: 1 }\n"
           "    Ethernet2: { unit: " +

@@ -30,6 +30,7 @@ struct World {
    unsigned units = 1;
    unsigned ingressEntries = 64;
    unsigned egressEntries = 64;
+   unsigned classIds = 4;  // one for each VTEP
    bool hasVniRules = true;
    unsigned movesBeforeReady = 0;
    // No port and no VNI is used twice, interfaces stay in one place, there is one tunnel interface,

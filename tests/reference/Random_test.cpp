@@ -72,17 +72,25 @@ rc::Gen< unsigned > below( unsigned end ) {
    return rc::gen::resize( rc::kNominalSize, rc::gen::inRange( 0U, end ) );
 }
 
-rc::Gen< Move > anyMove() {
+rc::Gen< Move > anyMoveOf( std::vector< unsigned > const & kinds ) {
    auto const few = below( 12 );
    return rc::gen::build< Move >(
-      rc::gen::set( &Move::kind, below( Moves::kKinds ) ), rc::gen::set( &Move::place, few ),
+      rc::gen::set( &Move::kind, rc::gen::elementOf( kinds ) ), rc::gen::set( &Move::place, few ),
       rc::gen::set( &Move::who, few ), rc::gen::set( &Move::number, few ),
       rc::gen::set( &Move::isWithNext,
                     rc::gen::map( below( 8 ), []( unsigned n ) { return n == 7; } ) ) );
 }
 
+// A story lacks about half of the kinds, and has the others more often.
 std::vector< Move > anyMoves() {
-   return *rc::gen::container< std::vector< Move > >( anyMove() );
+   auto const coins = *rc::gen::container< std::vector< unsigned > >( Moves::kKinds, below( 2 ) );
+   std::vector< unsigned > kinds{ 0 };
+   for ( unsigned n = 1; n < Moves::kKinds; ++n ) {
+      if ( coins[ n ] == 1 ) {
+         kinds.push_back( n );
+      }
+   }
+   return *rc::gen::container< std::vector< Move > >( anyMoveOf( kinds ) );
 }
 
 // Half of the switches have room for everything.
@@ -102,6 +110,7 @@ World anyWorld( bool isCalm ) {
       world.units = 1 + *below( 2 );
       world.ingressEntries = anyRoom( 2 );
       world.egressEntries = anyRoom( 0 );
+      world.classIds = 1 + *below( 4 );
       world.hasVniRules = *below( world.units == 1 ? 6 : 2 ) == 0;
    }
    world.movesBeforeReady = *below( 12 );

@@ -61,6 +61,7 @@ class Shortening {
       simplify( &World::movesBeforeReady );
       simplify( &World::ingressEntries );
       simplify( &World::egressEntries );
+      simplify( &World::classIds );
       simplify( &World::hasVniRules );
       simplify( &World::units );
       simplify( &World::variant );

@@ -69,17 +69,18 @@ Writer::Writer( World const & world ) : world_( world ) {
 // Those that make rules are there more often.
 std::vector< Writer::Kind > const & Writer::table() {
    static std::vector< Kind > const all{
-      &Writer::vtepJoins,     &Writer::virtualPortIs,   &Writer::vtepJoins,
-      &Writer::virtualPortIs, &Writer::vtepLeaves,      &Writer::virtualPortGoes,
-      &Writer::segmentGoes,   &Writer::segmentReplaced, &Writer::emptySegmentIs,
-      &Writer::portIs,        &Writer::portGoes,        &Writer::memberJoins,
-      &Writer::memberLeaves,  &Writer::vniIs,           &Writer::vniGoes,
-      &Writer::tunnelGoes,    &Writer::tunnelReplaced,  &Writer::othersHold,
-      &Writer::grantIs,       &Writer::grantGoes,       &Writer::allocatorPauses,
-      &Writer::designatedIs,  &Writer::hostSends,       &Writer::hostIsSentTo,
-      &Writer::portIs,        &Writer::memberJoins,     &Writer::vtepJoins,
-      &Writer::vtepJoins,     &Writer::virtualPortIs,   &Writer::vtepJoins,
-      &Writer::virtualPortIs, &Writer::virtualPortIs,   &Writer::vniIs
+      &Writer::vtepJoins,       &Writer::vtepJoins,       &Writer::vtepJoins,
+      &Writer::vtepJoins,       &Writer::vtepJoins,       &Writer::virtualPortIs,
+      &Writer::virtualPortIs,   &Writer::virtualPortIs,   &Writer::virtualPortIs,
+      &Writer::vtepLeaves,      &Writer::virtualPortGoes, &Writer::segmentGoes,
+      &Writer::emptySegmentIs,  &Writer::segmentReplaced, &Writer::portIs,
+      &Writer::portIs,          &Writer::portGoes,        &Writer::memberJoins,
+      &Writer::memberJoins,     &Writer::memberLeaves,    &Writer::vniIs,
+      &Writer::vniIs,           &Writer::vniIs,           &Writer::vniGoes,
+      &Writer::tunnelGoes,      &Writer::tunnelReplaced,  &Writer::othersHold,
+      &Writer::othersHold,      &Writer::grantIs,         &Writer::grantGoes,
+      &Writer::allocatorPauses, &Writer::designatedIs,    &Writer::hostSends,
+      &Writer::hostIsSentTo
    };
    return all;
 }
