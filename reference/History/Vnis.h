@@ -3,9 +3,8 @@
 // By the state alone: while the switch has a segment, each VNI that a VRF has on a tunnel interface
 // has a rule. What depends on the way:
 //
-// - A tunnel interface's mappings are read one by one as they change. A tunnel interface that
-// enters
-//   with mappings in it, or takes the place of another, is not read.
+// - A tunnel interface's mappings are read one by one as they change. They are not read when the
+//   tunnel interface enters with mappings in it, or takes the place of another.
 // - The rules are known by VNI alone, not by unit, VRF or tunnel interface.
 // - A VRF that found no room waits by its name. Its tunnel interface can go meanwhile.
 #pragma once

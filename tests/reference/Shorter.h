@@ -2,8 +2,8 @@
 //
 // Half of the moves are taken away at a time, then a quarter, and single ones at last, as long as
 // the rest still fails. In the end no move can be missed. Then the switch and the numbers of the
-// moves are made as simple as they can be. That takes a hundred tries or two; rapidcheck's own way
-// tries every part of the list again after each success, and takes thousands.
+// moves are made as simple as they can be. rapidcheck's own way begins again with every part of the
+// list after each success, and needs far more tries.
 #pragma once
 
 #include <functional>
