@@ -33,7 +33,7 @@ std::string outputOf( std::string const & command ) {
 // VORNAL_TEST_PLUGIN names another build of the plug-in.
 std::string commandOn( std::filesystem::path const & scenario ) {
    char const * const plugIn = std::getenv( "VORNAL_TEST_PLUGIN" );
-   return std::string( VORNAL_BINARY_DIR "/vornal run --json " ) +
+   return std::string( "exec " VORNAL_BINARY_DIR "/vornal run --json " ) +
           ( plugIn ? "--plugin '" + std::string( plugIn ) + "' " : "" ) + "'" + scenario.string() +
           "' 2>/dev/null";
 }
