@@ -51,10 +51,17 @@ TEST( Shorter, KeepsASwitchAndNumbersThatTheFailureNeeds ) {
    EXPECT_FALSE( least.moves[ 0 ].isWithNext );
 }
 
-// Move 30 can go only when move 31 has gone, and the last moves are tried first.
+// Move 2 is tried before move 1, and can go only when move 1 has gone.
 TEST( Shorter, TakesMovesAwayAsLongAsThatHelps ) {
-   Plot const least = shorter( plotOf( 33 ), []( Plot const & plot ) {
-      return has( plot, 0 ) && ( has( plot, 30 ) || !has( plot, 31 ) );
+   Plot const least = shorter( plotOf( 3 ), []( Plot const & plot ) {
+      return has( plot, 0 ) && ( has( plot, 2 ) || !has( plot, 1 ) );
+   } );
+   EXPECT_EQ( least.moves.size(), 1U );
+}
+
+TEST( Shorter, TakesMovesAwayThatSimplerNumbersDoWithout ) {
+   Plot const least = shorter( plotOf( 2 ), []( Plot const & plot ) {
+      return has( plot, 0 ) && ( has( plot, 1 ) || plot.moves.front().who == 0 );
    } );
    EXPECT_EQ( least.moves.size(), 1U );
 }
