@@ -150,6 +150,13 @@ Json jsonOf( EntityTree const & tree ) {
    return json;
 }
 
+Json jsonOf( StepBegins const & step ) {
+   return { { "kind", jsonOf( step.kind ) },
+            { "number", step.number },
+            { "text", step.text },
+            { "place", textOrNull( step.place ) } };
+}
+
 Json jsonOf( FrameForwarded const & event ) {
    Chip::FrameStory const & frame = event.frame;
    return { { "number", event.number },
@@ -236,7 +243,11 @@ Json jsonOf( PluginPass::State state ) {
 Json jsonOf( Event const & event ) {
    return std::visit(
       []< typename What >( What const & what ) {
-         Json json{ { "event", What::kName } };
+         Json json = Json::object();
+         if constexpr ( std::is_same_v< What, RunBegins > ) {
+            json[ "formatVersion" ] = kDocumentVersion;
+         }
+         json[ "event" ] = What::kName;
          json.update( jsonOf( what ) );
          return json;
       },

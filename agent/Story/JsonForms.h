@@ -13,6 +13,8 @@ namespace Story {
 Json jsonOf( Chip::Rule const & rule );
 Json jsonOf( Chip::HardwareCall const & call );
 Json jsonOf( EntityTree const & tree );
+// The place of a step that no scenario writes is null.
+Json jsonOf( StepBegins const & step );
 Json jsonOf( FrameForwarded const & event );
 Json jsonOf( Audited const & audited );
 Json jsonOf( Cell const & cell );
@@ -28,7 +30,8 @@ inline Json jsonOf( DifferenceKind kind ) {
 Json jsonOf( StepKind kind );
 // "begins", "held", "absent", "skipped"
 Json jsonOf( PluginPass::State state );
-// An object with the name of the event first.
+// An object with the name of the event first; in that of runBegins formatVersion stands in front of
+// it (Story/DocumentVersion.h).
 Json jsonOf( Event const & event );
 
 // --- All other forms

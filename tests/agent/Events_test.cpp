@@ -36,7 +36,7 @@ TEST( EventLines, HaveTheNameOfTheEventAndItsFieldsInTheFormsOfTheDocument ) {
    lines.onEvent( Story::EntityLookedUp{ "nothing", "" } );
 
    EXPECT_EQ( out.str(), R"({"event":"stepBegins","kind":"start-up","number":0,"text":"text",)"
-                         R"("place":""})"
+                         R"("place":null})"
                          "\n"
                          R"({"event":"ruleGone","key":{"unit":1,"group":157,"id":9}})"
                          "\n"
@@ -96,6 +96,8 @@ TEST_F( Events, OfARunAreTheWholeStoryAndItsExitCodeStays ) {
    auto const lines = linesOf( ran.out );
    ASSERT_FALSE( lines.empty() );
    EXPECT_EQ( lines.front()[ "event" ], "runBegins" );
+   EXPECT_EQ( Support::timesIn( ran.out, "formatVersion" ), 1U );
+   EXPECT_TRUE( ran.out.starts_with( R"({"formatVersion":"1.0","event":"runBegins",)" ) );
    EXPECT_EQ( lines.back()[ "event" ], "runEnds" );
    Names names;
    for ( Json const & line : lines ) {

@@ -93,6 +93,23 @@ TEST_F( Replay, TellsProgramsADifferenceAsJson ) {
    EXPECT_TRUE( json[ "cut" ].is_null() );
 }
 
+TEST_F( Replay, HasNoPlaceForAStepThatNoScenarioWritesAsEveryDocument ) {
+   ASSERT_EQ( keep( "   - note: a\n" ), 0 );
+   auto const replayed = nlohmann::json::parse( replay( "segment-rules", { "--json" } ).out );
+   EXPECT_EQ( replayed[ "step" ][ "kind" ], "teardown" );
+   EXPECT_EQ( replayed[ "step" ][ "place" ], nullptr );
+
+   std::string const leaf = directory.path() / "leaf.yaml";
+   auto const told = nlohmann::json::parse(
+      Support::vornal( with( "segment-rules", { "run", "--json", leaf } ) ).out );
+   EXPECT_EQ( told[ "steps" ].front()[ "place" ], nullptr );
+   EXPECT_EQ( told[ "steps" ].back()[ "place" ], nullptr );
+   std::string const lines =
+      Support::vornal( with( "segment-rules", { "run", "--events", leaf } ) ).out;
+   EXPECT_EQ( Support::timesIn( lines, R"("place":null)" ), 2U );
+   EXPECT_EQ( Support::timesIn( lines, R"("place":"")" ), 0U );
+}
+
 TEST_F( Replay, OfAStopIsTheSameWhenThePlugInStopsThereAgain ) {
    ASSERT_EQ( keep( kReady + kThreeSegments ), 3 );
    auto const ran = replay();
