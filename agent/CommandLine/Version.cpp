@@ -17,10 +17,10 @@ std::string versions() {
       "vornal {}, {}\n"
       "scenario language {}\n"
       "JSON documents {}\n"
-      "records {}\n"
+      "records {}.{}\n"
       "plug-in interface {}",
-      version(), commit(), Steps::kLanguageVersion, Story::kDocumentVersion, Record::kVersion,
-      VORNAL_PLUGIN_INTERFACE );
+      version(), commit(), Steps::kLanguageVersion, Story::kDocumentVersion, Record::kMajor,
+      Record::kMinor, VORNAL_PLUGIN_INTERFACE );
 }
 
 }  // namespace CommandLine

@@ -9,7 +9,8 @@ namespace {
 
 constexpr U32 kSkippableFrame = 0x184d2a50;  // a reader of zstd frames skips it
 constexpr std::string_view kMark = "VORNALRC";
-constexpr U32 kContent = kMark.size() + sizeof( U32 ) + sizeof( U64 );
+constexpr U32 kContent =
+   kMark.size() + sizeof( kMajor ) + sizeof( kMinor ) + sizeof( layoutFingerprint() );
 static_assert( kHeaderSize == 2 * sizeof( U32 ) + kContent );
 
 // Little-endian, as in zstd.
@@ -30,7 +31,8 @@ std::string beginning() {
 
 std::string headerNow() {
    std::string bytes = beginning();
-   put( bytes, kVersion );
+   put( bytes, kMajor );
+   put( bytes, kMinor );
    put( bytes, layoutFingerprint() );
    return bytes;
 }

@@ -8,8 +8,11 @@
 
 namespace Record {
 
-// The version of the form of blocks and items (docs/compatibility.md).
-inline constexpr U32 kVersion = 1;
+// The version of records, MAJOR.MINOR (docs/compatibility.md). A change of the form of the file
+// raises MAJOR. A change of a field of an item or an event raises MINOR: layoutFingerprint() is
+// another one then.
+inline constexpr U16 kMajor = 1;
+inline constexpr U16 kMinor = 0;
 
 // The window that a reader of blocks needs, as a power of two.
 inline constexpr int kWindowLog = 20;

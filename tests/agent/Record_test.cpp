@@ -1,4 +1,5 @@
 // The record of a run: what is written is read back, up to its end or to a damage.
+#include <Record/Header.h>
 #include <Record/Reader.h>
 #include <Record/Writer.h>
 
@@ -166,12 +167,42 @@ TEST_F( RecordOfARun, GivesNoWrongEventWhicheverBitIsWrong ) {
    EXPECT_GT( cut, bytes.size() * 7 );
 }
 
+// --- Its version
+
+// Version 1.0 is this layout and no other, so that programs of one version read each other's
+// records.
+TEST_F( RecordOfARun, HasALayoutThatBelongsToItsVersion ) {
+   struct Pinned {
+      U16 major;
+      U16 minor;
+      U64 fingerprint;
+   };
+   constexpr Pinned kPinned{ 1, 0, 10003233770998085001U };
+   std::string const remedy =
+      "a field of an item or an event is another one: raise kMinor in agent/Record/Header.h and "
+      "the "
+      "version in docs/compatibility.md, and pin the new version with its fingerprint here";
+   EXPECT_EQ( Record::layoutFingerprint(), kPinned.fingerprint ) << remedy;
+   EXPECT_EQ( Record::kMajor, kPinned.major ) << remedy;
+   EXPECT_EQ( Record::kMinor, kPinned.minor ) << remedy;
+}
+
+TEST_F( RecordOfARun, BeginsWithItsVersion ) {
+   write( { lastStep() } );
+   constexpr std::size_t kPlace = 16;  // behind the beginning of the frame and the mark
+   EXPECT_EQ( Support::contentOf( file ).substr( kPlace, 4 ), std::string( "\1\0\0\0", 4 ) );
+}
+
 TEST_F( RecordOfARun, SaysThatItIsOfAnotherVersion ) {
    write( { lastStep() } );
-   std::string bytes = Support::contentOf( file );
-   bytes[ Record::kHeaderSize - 1 ] = static_cast< char >( bytes[ Record::kHeaderSize - 1 ] ^ 1 );
-
-   EXPECT_NE( readBytes( bytes ).cutText.find( "another version" ), std::string::npos );
+   std::string const bytes = Support::contentOf( file );
+   // The lowest bytes of MAJOR and MINOR, and the highest of the fingerprint.
+   for ( std::size_t const place :
+         { std::size_t{ 16 }, std::size_t{ 18 }, Record::kHeaderSize - 1 } ) {
+      std::string other = bytes;
+      other[ place ] = static_cast< char >( other[ place ] ^ 1 );
+      EXPECT_NE( readBytes( other ).cutText.find( "another version" ), std::string::npos ) << place;
+   }
 }
 
 TEST_F( RecordOfARun, IsNoneWhenItHoldsSomethingElse ) {
