@@ -53,6 +53,10 @@ constexpr std::string_view kOfAShell =
 constexpr std::string_view kOfAReplay =
    "Exit codes: 0 the same, 1 a difference, 2 bad input or usage, 129 SIGHUP, 130 SIGINT (Ctrl-C), "
    "143 SIGTERM";
+constexpr std::string_view kOfARing =
+   "Exit codes: 0 printed, 2 bad input or usage; with --follow, 129 SIGHUP, 130 SIGINT (Ctrl-C), "
+   "143 "
+   "SIGTERM";
 constexpr std::string_view kOfAText = "Exit codes: 0 printed, 2 bad input or usage";
 
 template< typename Kind > std::unique_ptr< Command > create() {
@@ -113,7 +117,7 @@ std::vector< Row > const & table() {
       { "ring", "Print the lines of a binary trace ring",
         "vornal run --ring run.ring scenarios/start-up/scenario.yaml\n"
         "vornal ring run.ring",
-        create< Ring >, kOfAText },
+        create< Ring >, kOfARing },
       { "schema", "Print the JSON Schema of scenarios, for editors",
         "vornal schema > scenario.schema.json\n"
         "vornal schema | diff docs/scenario.schema.json -",

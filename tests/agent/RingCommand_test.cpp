@@ -87,6 +87,8 @@ TEST_F( RingCommand, EndsWithTheSignalThatInterruptsIt ) {
    EXPECT_NE( lines.read( "\n" ), "" );
    following.signal( SIGINT );
    EXPECT_EQ( following.wait(), 130 );
+   EXPECT_NE( Support::vornal( { "help", "ring" } ).out.find( "130 SIGINT (Ctrl-C)" ),
+              std::string::npos );
    close( nothing );
 }
 
