@@ -42,7 +42,7 @@ class ProgramStreams : public testing::Test {
       return words;
    }
 
-   // Every command, in every form of its output.
+   // Commands of every kind, in each form of their output.
    std::vector< Words > commands() const {
       return { with( { "run", leaf } ),
                with( { "run", "--json", leaf } ),

@@ -5,8 +5,10 @@
 #include <nlohmann/json.hpp>
 
 #include <regex>
+#include <set>
 #include <sstream>
 
+#include <CommandLine/DeclaredWords.h>
 #include <Support.h>
 
 namespace {
@@ -44,14 +46,42 @@ TEST( Versions, ArePrintedWithTheCommit ) {
    std::regex const first( "vornal \\d+\\.\\d+\\.\\d+, (commit \\S+|unknown commit)" );
    EXPECT_TRUE( std::regex_match( lines[ 0 ], first ) ) << lines[ 0 ];
    for ( std::size_t n = 1; n < lines.size(); ++n ) {
-      EXPECT_TRUE( std::regex_match( lines[ n ], std::regex( "[A-Za-z -]+ \\d+(\\.\\d+)?" ) ) )
+      EXPECT_TRUE( std::regex_match( lines[ n ], std::regex( "[A-Za-z -]+ \\d+\\.\\d+" ) ) )
          << lines[ n ];
    }
 }
 
+// The commands that take --json.
+std::set< std::string > commandsWithJson() {
+   std::set< std::string > names;
+   for ( auto const & command : CommandLine::declaredCommands() ) {
+      for ( auto const & option : command.options ) {
+         if ( option.names.front() == "--json" ) {
+            names.insert( command.name );
+         }
+      }
+   }
+   return names;
+}
+
+void expectVersionFirst( std::vector< std::string > words, std::string const & version ) {
+   SCOPED_TRACE( testing::PrintToString( words ) );
+   words.emplace_back( "--json" );
+   auto const ran = Support::vornal( words );
+   Json const document = Json::parse( ran.out, nullptr, false );
+   ASSERT_TRUE( document.is_object() ) << ran.out << ran.err;
+   EXPECT_EQ( document.begin().key(), "formatVersion" );
+   EXPECT_EQ( document.begin().value(), version );
+   EXPECT_EQ( Support::timesIn( ran.out, "formatVersion" ), 1U );
+}
+
 TEST( Versions, StandFirstInEachJsonDocument ) {
-   std::string const version = versionOf( "JSON documents" );
+   Support::Directory const directory;
    std::string const frames = VORNAL_SOURCE_DIR "/scenarios/two-leaves/scenario.yaml";
+   std::string const record = directory.path() / "record";
+   std::string const ring = directory.path() / "ring";
+   Support::vornal( { "run", kScenario, "--record", record, "--ring", ring } );
+   std::set< std::string > asked;
    for ( std::vector< std::string > const & words :
          { std::vector< std::string >{ "run", kScenario },
            { "run", kScenario, "--step", "1" },
@@ -62,16 +92,13 @@ TEST( Versions, StandFirstInEachJsonDocument ) {
            { "explain", frames, "17" },
            { "diff", kScenario, "--after", "0" },
            { "verify", kScenario },
-           { "check", kScenario } } ) {
-      auto asked = words;
-      asked.emplace_back( "--json" );
-      auto const ran = Support::vornal( asked );
-      Json const document = Json::parse( ran.out, nullptr, false );
-      ASSERT_TRUE( document.is_object() ) << words[ 0 ] << '\n' << ran.out << ran.err;
-      EXPECT_EQ( document.begin().key(), "formatVersion" ) << words[ 0 ];
-      EXPECT_EQ( document.begin().value(), version ) << words[ 0 ];
-      EXPECT_EQ( Support::timesIn( ran.out, "formatVersion" ), 1U ) << words[ 0 ];
+           { "check", kScenario },
+           { "replay", record },
+           { "ring", ring } } ) {
+      expectVersionFirst( words, versionOf( "JSON documents" ) );
+      asked.insert( words.front() );
    }
+   EXPECT_EQ( asked, commandsWithJson() );
 }
 
 TEST( Versions, StandInTheSchemaOfScenarios ) {
