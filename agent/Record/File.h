@@ -1,9 +1,7 @@
-// The file of a record: a header and blocks, which zstd's own tools can read.
+// The file of a record, which zstd's own tools can read: a header, and blocks up to its end.
 //
-//    header    a zstd skippable frame with a mark, the version of the format, and the fingerprint
-//    of
-//              the items (Record/Items.h)
-//    block...  a zstd frame with the checksum of its content: whole items
+//    header    a zstd skippable frame: a mark, the version, the fingerprint (Record/Header.h)
+//    block     a zstd frame with the checksum of its content: whole items (Record/Items.h)
 #pragma once
 
 #include <filesystem>

@@ -1,7 +1,7 @@
 // Keeps a run in a file: first its inputs, then every event as it is told.
 //
 //    Record::Writer writer( "run.record", setup );
-//    writer.addFile( "scenarios/two-leaves/scenario.yaml", text );
+//    writer.add( { "scenarios/two-leaves/scenario.yaml", text } );
 //    writer.inputsEnd();
 //    // and then as an observer of the run
 //
