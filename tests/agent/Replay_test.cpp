@@ -277,7 +277,7 @@ TEST_F( WrongBuildReplay, NamesAnEgressMaskItsStepAndTheLastPublishedChange ) {
                           "[]; returns 0\n"
                           "   expected   addEgressMaskAction: unit 0, entry 3, group 157, ports "
                           "[3, 4]; returns 0\n"
-                          "   behind     writes "
+                          "   published  writes "
                           "/hardware/vornal/vp/status/vornalL3/remoteVport[2001:db8::4]: 104\n" );
 }
 
@@ -290,7 +290,7 @@ TEST_F( WrongBuildReplay, NamesAClassIdItsStepAndTheLastPublishedChange ) {
                           "data 2, mask 4294967295; returns 0\n"
                           "   expected   bcm_field_qualify_IngressClassField: unit 0, entry 4, "
                           "data 1, mask 4294967295; returns 0\n"
-                          "   behind     writes /hardware/vornal/i2eclassid/status/slice/1/"
+                          "   published  writes /hardware/vornal/i2eclassid/status/slice/1/"
                           "remoteESPeerVtep[10.0.0.2]: 1\n" );
 }
 
