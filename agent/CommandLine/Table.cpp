@@ -7,6 +7,7 @@
 #include <CommandLine/Diff.h>
 #include <CommandLine/Dump.h>
 #include <CommandLine/Explain.h>
+#include <CommandLine/Explore.h>
 #include <CommandLine/Help.h>
 #include <CommandLine/Manual.h>
 #include <CommandLine/Replay.h>
@@ -45,6 +46,10 @@ constexpr std::string_view kOfADump =
 constexpr std::string_view kOfAShrink =
    "Exit codes: 0 made shorter, 2 bad input or usage, or a scenario that ends well, 129 SIGHUP, "
    "130 SIGINT (Ctrl-C), 143 SIGTERM";
+constexpr std::string_view kOfAnExploration =
+   "Exit codes: 0 explored, 1 other findings than those of the catalogue, 2 bad input or usage, "
+   "129 "
+   "SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfACheck = "Exit codes: 0 no mistakes, 2 mistakes, or bad usage";
 constexpr std::string_view kOfAShell =
    "Exit codes of a script, from the steps that are done at its end: 0 all held, 1 an expectation "
@@ -102,6 +107,10 @@ std::vector< Row > const & table() {
         "sed 's/count: 1 /count: 2 /' scenarios/limits/full-segment-goes/scenario.yaml | "
         "vornal shrink - -o few.yaml",
         create< Shrink >, kOfAShrink },
+      { "explore", "Try every order of events on a switch, and tell how they end",
+        "vornal explore scenarios/explore/small.yaml --length 2\n"
+        "vornal explore scenarios/explore/small.yaml --shard 1/4 --results first.results",
+        create< Explore >, kOfAnExploration },
       { "check", "Find every mistake of scenarios, without a run",
         "vornal check scenarios/start-up/scenario.yaml\n"
         "vornal check scenarios",

@@ -45,16 +45,7 @@ void Agent::run() {
 }
 
 void Agent::runAll() {
-   Story::Observer & observer = environment_.observer();
-   observer.onEvent( Story::RunBegins{ config_.scenario, scenario_.name, scenario_.description,
-                                       static_cast< U32 >( scenario_.steps.size() ) } );
-   Steps::queuePublished( environment_.forSteps(), scenario_.published );
-   environment_.activity().run();
-   environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
-   environment_.activity().run();
-   inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
-           [ this ] { startUp(); } );
-   carryOutSteps();
+   begin();
    std::visit( [ this ]( auto const & what ) { show( what ); }, config_.show );
    verify();
    inStep( { Story::StepKind::Teardown,
@@ -62,8 +53,21 @@ void Agent::runAll() {
              "the plug-in is destroyed and unloaded; its rules stay in the chip",
              {} },
            [ this ] { tearDown(); } );
-   observer.onEvent(
+   environment_.observer().onEvent(
       Story::RunEnds{ static_cast< U64 >( environment_.activity().clock()->now().count() ) } );
+}
+
+void Agent::begin() {
+   environment_.observer().onEvent(
+      Story::RunBegins{ config_.scenario, scenario_.name, scenario_.description,
+                        static_cast< U32 >( scenario_.steps.size() ) } );
+   Steps::queuePublished( environment_.forSteps(), scenario_.published );
+   environment_.activity().run();
+   environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
+   environment_.activity().run();
+   inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
+           [ this ] { startUp(); } );
+   carryOutSteps();
 }
 
 // Runs the step's work, and the activity until it is idle.

@@ -69,6 +69,14 @@ class Agent {
    // Does the whole run; may be called once.
    void run();
 
+   // --- In place of it, for a caller who decides what happens next. Story::InputError.
+   // Start-up, and the scenario's steps.
+   void begin();
+   // One more step.
+   void carryOut( Scenario::Step const & step );
+   // An audit of the rules as they are.
+   Audit::Report audit() const { return environment_.forQuestions().auditor.report(); }
+
  private:
    void runAll();
    void traceLevels();
@@ -76,7 +84,6 @@ class Agent {
    template< typename Work > void inStep( Story::StepBegins const & begins, Work const & work );
    void startUp();
    void carryOutSteps();
-   void carryOut( Scenario::Step const & step );
    void verify();
    void show( AgentConfig::Nothing ) {}
    void show( AgentConfig::Paths );

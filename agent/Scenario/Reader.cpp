@@ -203,6 +203,9 @@ void readAdded( Reading & reading, AddedStep const & step, Draft & draft ) {
    YAML::Node list( YAML::NodeType::Sequence );
    list.push_back( reading.add( step.name, step.text ) );
    draft.readSteps( reading, { list, first, step.name }, draft.steps );
+   if ( step.isChoice && !draft.steps.empty() ) {
+      draft.steps.back().isEffectKnown = false;
+   }
 }
 
 using StepsForVariant = std::span< StepForVariant const >;

@@ -48,6 +48,8 @@ struct AddedStep {
    std::string text;  // one element of the list of steps
    // The number of the scenario's own steps in front of it; nothing: all of them.
    std::optional< std::size_t > behind{};
+   // It is one of several that may happen, in any order: its effect is not followed.
+   bool isChoice = false;
 };
 
 // The scenario in `file`, with more steps at its end. For "-" it is read from standard input and

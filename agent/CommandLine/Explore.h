@@ -1,0 +1,41 @@
+// `vornal explore`: tries every order of the events of an exploration.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CommandLine/Command.h>
+#include <CommandLine/Jobs.h>
+#include <CommandLine/RunWords.h>
+#include <Exploring/Share.h>
+
+namespace CommandLine {
+
+class Explore final : public Command {
+ public:
+   void declare( CLI::App & app ) override;
+   void readWords() override;
+   Story::ExitCode perform( std::ostream & out ) override;
+
+ private:
+   bool isMerge() const { return words_.front() == "merge"; }
+   Exploring::Findings explore( Exploring::Exploration const & exploration, std::size_t length,
+                                int & signal ) const;
+   Exploring::Findings merged( Exploring::Exploration const & exploration,
+                               std::size_t length ) const;
+   Story::ExitCode compare( Exploring::Findings const & findings ) const;
+
+   std::vector< std::string > words_;  // the exploration; or "merge", it, and files of results
+   std::optional< U32 > length_;
+   std::string shardText_;
+   Exploring::Shard shard_;
+   std::filesystem::path results_;    // empty: none
+   std::filesystem::path catalogue_;  // empty: none
+   std::filesystem::path folder_;     // for scenarios; empty: none
+   Jobs jobs_;
+   RunWords run_;
+   bool isJson_ = false;
+};
+
+}  // namespace CommandLine

@@ -1,0 +1,138 @@
+#include <Exploring/Branches.h>
+
+#include <stdexcept>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include <Process/WholeFile.h>
+#include <Story/InputError.h>
+
+namespace Exploring {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+std::string headerOf( Exploration const & exploration, std::size_t length ) {
+   return Json{
+      { "explored", exploration.name() },
+      { "formatVersion", "1.0" },
+      { "fingerprint", fmt::format( "{:016x}", exploration.fingerprint() ) },
+      { "length", length }
+   }.dump();
+}
+
+Kind kindNamed( std::string const & name ) {
+   for ( Kind const kind : { Kind::stop, Kind::difference, Kind::hang } ) {
+      if ( name == nameOf( kind ) ) {
+         return kind;
+      }
+   }
+   throw std::runtime_error( "no way to end is named '" + name + "'" );
+}
+
+std::map< Sequence, Findings > resultsBehindHeader( std::istream & in ) {
+   std::map< Sequence, Findings > results;
+   for ( std::string line; std::getline( in, line ) && !in.eof(); ) {
+      auto [ branch, findings ] = decoded( line );
+      results.emplace( std::move( branch.begin ), std::move( findings ) );
+   }
+   return results;
+}
+
+[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+   throw Story::InputError( file.string() + ": " + why );
+}
+
+}  // namespace
+
+std::vector< Branch > branchesOf( Exploration const & exploration, std::size_t length ) {
+   std::vector< Branch > branches{ {} };
+   auto const events = static_cast< U16 >( exploration.events() );
+   for ( U16 first = 0; first < events; ++first ) {
+      if ( !exploration.isCanonical( { first } ) ) {
+         continue;
+      }
+      branches.push_back( { { first } } );
+      for ( U16 second = 0; second < events && length > 1; ++second ) {
+         if ( exploration.isCanonical( { first, second } ) ) {
+            branches.push_back( { { first, second }, true } );
+         }
+      }
+   }
+   return branches;
+}
+
+std::string encoded( Branch const & branch, Findings const & findings ) {
+   Json found = Json::array();
+   for ( auto const & [ key, one ] : findings.all ) {
+      found.push_back( { { "kind", nameOf( key.kind ) },
+                         { "what", key.what },
+                         { "sequences", one.sequences },
+                         { "shortest", one.shortest } } );
+   }
+   return Json{
+      { "branch", branch.begin },
+      { "isWhole", branch.isWhole },
+      { "sequences", findings.counts.sequences },
+      { "standFor", findings.counts.standFor },
+      { "without", findings.counts.without },
+      { "found", std::move( found ) }
+   }.dump( -1, ' ', false, Json::error_handler_t::replace );
+}
+
+std::pair< Branch, Findings > decoded( std::string const & line ) {
+   Json const json = Json::parse( line );
+   Branch const branch{ json.at( "branch" ), json.at( "isWhole" ) };
+   Findings findings;
+   findings.counts = { json.at( "sequences" ), json.at( "standFor" ), json.at( "without" ) };
+   for ( Json const & one : json.at( "found" ) ) {
+      findings.add( { kindNamed( one.at( "kind" ) ), one.at( "what" ) }, one.at( "shortest" ),
+                    one.at( "sequences" ) );
+   }
+   return { branch, findings };
+}
+
+std::map< Sequence, Findings > resultsIn( fs::path const & file, Exploration const & exploration,
+                                          std::size_t length ) {
+   std::ifstream in( file );
+   std::string header;
+   if ( !std::getline( in, header ) ) {
+      refuse( file, "this file of results cannot be read, or is empty" );
+   }
+   if ( header != headerOf( exploration, length ) ) {
+      refuse( file, "these are no results of this exploration as it is now; name another file" );
+   }
+   try {
+      return resultsBehindHeader( in );
+   } catch ( std::exception const & error ) {
+      refuse( file, std::string( "this file of results is damaged (" ) + error.what() +
+                       "); name another file" );
+   }
+}
+
+ResultFile::ResultFile( fs::path const & file, Exploration const & exploration, std::size_t length )
+      : file_( file ) {
+   std::error_code error;
+   if ( fs::exists( file, error ) && fs::file_size( file, error ) != 0 ) {
+      done_ = resultsIn( file, exploration, length );
+   }
+   // Anew, without a line that was cut.
+   std::string text = headerOf( exploration, length ) + '\n';
+   for ( auto const & [ begin, findings ] : done_ ) {
+      text += encoded( { begin, begin.size() > 1 }, findings ) + '\n';
+   }
+   Process::writeWhole( file, text );
+   out_.open( file, std::ios::app );
+}
+
+void ResultFile::add( Branch const & branch, Findings const & findings ) {
+   out_ << encoded( branch, findings ) << std::endl;
+   if ( !out_ ) {
+      refuse( file_, "the results cannot be written; make room, and go on" );
+   }
+}
+
+}  // namespace Exploring

@@ -1,0 +1,56 @@
+#include <Exploring/Catalogue.h>
+
+#include <fstream>
+
+#include <fmt/format.h>
+
+#include <Process/WholeFile.h>
+#include <Story/InputError.h>
+
+namespace Exploring {
+
+namespace fs = std::filesystem;
+
+std::string lineOf( Key const & key ) {
+   return fmt::format( "{} {}", nameOf( key.kind ), key.what );
+}
+
+Catalogue catalogueOf( Findings const & findings ) {
+   Catalogue lines;
+   for ( auto const & [ key, found ] : findings.all ) {
+      lines.insert( lineOf( key ) );
+   }
+   return lines;
+}
+
+Catalogue catalogueIn( fs::path const & file ) {
+   std::ifstream in( file );
+   Catalogue lines;
+   for ( std::string line; std::getline( in, line ); ) {
+      if ( !line.empty() && !line.starts_with( '#' ) ) {
+         lines.insert( line );
+      }
+   }
+   if ( !in.eof() ) {
+      throw Story::InputError( file.string() +
+                               ": the catalogue cannot be read; '--write' makes one" );
+   }
+   return lines;
+}
+
+void writeFindings( fs::path const & folder, Exploration const & exploration,
+                    Findings const & findings ) {
+   std::error_code error;
+   fs::create_directories( folder, error );
+   std::string text;
+   std::size_t number = 0;
+   for ( auto const & [ key, found ] : findings.all ) {
+      text += lineOf( key ) + '\n';
+      fs::path const file = folder / fmt::format( "{:02}.yaml", ++number );
+      Process::writeWhole( file, fmt::format( "# {}\n{}", lineOf( key ),
+                                              exploration.scenarioText( found.shortest, file ) ) );
+   }
+   Process::writeWhole( folder / "catalogue", text );
+}
+
+}  // namespace Exploring

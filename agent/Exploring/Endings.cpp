@@ -1,0 +1,73 @@
+#include <Exploring/Endings.h>
+
+#include <cctype>
+#include <cstring>
+#include <set>
+
+#include <fmt/format.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+
+namespace Exploring {
+
+namespace {
+
+// The text with N in place of each number and address.
+std::string withoutNumbers( std::string_view text ) {
+   constexpr std::string_view kOfAddresses = "0123456789.:/";
+   std::string result;
+   for ( std::size_t at = 0; at < text.size(); ) {
+      if ( std::isdigit( static_cast< unsigned char >( text[ at ] ) ) == 0 ) {
+         result += text[ at++ ];
+         continue;
+      }
+      result += 'N';
+      at = std::min( text.find_first_not_of( kOfAddresses, at ), text.size() );
+   }
+   return result;
+}
+
+// "missing-rule: Mark or drop packets at IFP from vtep IP N on shared segments".
+std::string textOf( Story::Difference const & difference ) {
+   std::string text( nameOf( difference.kind ) );
+   for ( std::string const & part : { difference.rule, difference.field } ) {
+      text += part.empty() ? "" : ": " + withoutNumbers( part );
+   }
+   return text;
+}
+
+std::string textOf( int status, Process::LastWords const & words ) {
+   if ( auto const & assertion = words.assertion() ) {
+      return fmt::format( "{} in {}", assertion->expression, assertion->function );
+   }
+   std::string const end = WIFSIGNALED( status )
+                              ? fmt::format( "signal {}", WTERMSIG( status ) )
+                              : fmt::format( "exit code {}", WEXITSTATUS( status ) );
+   return words.lines().empty() ? end : end + ": " + withoutNumbers( words.lines().back() );
+}
+
+}  // namespace
+
+void addDifferences( Audit::Report const & report, SharedFindings & findings,
+                     Sequence const & sequence, U64 weight ) {
+   std::set< std::string > texts;
+   for ( Story::Difference const & difference : report.differences ) {
+      if ( !isKnown( difference.kind ) ) {
+         texts.insert( textOf( difference ) );
+      }
+   }
+   for ( std::string const & text : texts ) {
+      findings.add( Kind::difference, text, sequence, weight );
+   }
+}
+
+void addStop( int status, Process::LastWords const & words, SharedFindings & findings,
+              Sequence const & sequence, U64 weight ) {
+   bool const isHang = WIFSIGNALED( status ) && WTERMSIG( status ) == SIGALRM;
+   findings.add( isHang ? Kind::hang : Kind::stop,
+                 isHang ? "the event does not come to its end" : textOf( status, words ), sequence,
+                 weight );
+}
+
+}  // namespace Exploring

@@ -1,0 +1,79 @@
+// An exploration: a switch to begin with, and the events that may happen to it, in any order.
+//
+//    exploration: two-vteps
+//    based-on: ../two-leaves/scenario.yaml    # the switch, and the steps that come first
+//    variant: class-id                        # that of the scenario unless given
+//    length: 3                                # of the longest sequence
+//    alike:
+//      - [ [ 10.0.0.2, 102 ], [ 10.0.0.3, 103 ] ]
+//    events:
+//      - publish: { vteps: { 10.0.0.2: { virtual-port: 102 } } }
+//      - withdraw: { vteps: [ 10.0.0.2 ] }
+//
+// Events are steps of the language of scenarios. Words that are alike can stand for one another:
+// when each of them is exchanged everywhere, with the words beside it, the same events are left. A
+// sequence stands for all that differ from it by such an exchange, and only the first of them in
+// the order of the events is canonical. Every beginning of a canonical sequence is canonical.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <Exploring/Exchanges.h>
+#include <Quelm/Integers.h>
+#include <Scenario/Scenario.h>
+
+namespace Exploring {
+
+using Sequence = std::vector< U16 >;  // numbers of events
+
+class Exploration {
+ public:
+   static constexpr std::size_t kLongest = 16;
+   static constexpr std::size_t kMostEvents = 1000;
+
+   // Scenario::ReadError with every mistake that was found.
+   explicit Exploration( std::filesystem::path const & file );
+
+   std::string const & name() const { return name_; }
+   std::filesystem::path const & file() const { return file_; }
+   // The switch; behind its own steps stand the events.
+   Scenario::Model const & model() const { return model_; }
+   std::size_t length() const { return length_; }
+
+   std::size_t events() const { return texts_.size(); }
+   Scenario::Step const & event( U16 number ) const {
+      return model_.steps[ model_.ownSteps + number ];
+   }
+   // The event as a step of a list, in one line.
+   std::string const & text( U16 number ) const { return texts_[ number ]; }
+
+   bool isCanonical( Sequence const & sequence ) const;
+   // The number of sequences that it stands for.
+   std::size_t weight( Sequence const & sequence ) const;
+
+   // A scenario with these events behind the switch's own steps, for the folder of `place`.
+   std::string scenarioText( Sequence const & sequence, std::filesystem::path const & place ) const;
+
+   // A number that is another one whenever the file, or a scenario that it is based on, is.
+   U64 fingerprint() const;
+
+ private:
+   // By number, the event that takes the place of each event.
+   using Exchange = std::vector< U16 >;
+
+   void readExchanges( std::vector< Alike > const & groups, int line,
+                       std::vector< Scenario::Yaml > const & events );
+
+   std::filesystem::path file_;
+   std::string name_;
+   std::string base_;
+   std::string variant_;
+   std::size_t length_ = 0;
+   std::vector< std::string > texts_;
+   std::vector< Exchange > exchanges_;  // without the one that changes nothing
+   Scenario::Model model_;
+};
+
+}  // namespace Exploring

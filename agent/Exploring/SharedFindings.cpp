@@ -1,0 +1,91 @@
+#include <Exploring/SharedFindings.h>
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <string>
+
+#include <sys/mman.h>
+
+namespace Exploring {
+
+namespace {
+
+struct Entry {
+   Kind kind{};
+   U16 length = 0;  // of the text
+   std::array< char, SharedFindings::kLongest > text{};
+   U64 sequences = 0;
+   U16 events = 0;
+   std::array< U16, Exploration::kLongest > shortest{};
+
+   std::string_view what() const { return { text.data(), length }; }
+   Sequence sequence() const { return { shortest.begin(), shortest.begin() + events }; }
+};
+
+}  // namespace
+
+struct SharedFindings::Memory {
+   Counts counts;
+   bool isFull = false;
+   std::size_t used = 0;
+   std::array< Entry, kMost > entries;
+};
+
+SharedFindings::SharedFindings() {
+   void * const memory =
+      mmap( nullptr, sizeof( Memory ), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0 );
+   if ( memory == MAP_FAILED ) {
+      throw std::bad_alloc();
+   }
+   memory_ = new ( memory ) Memory;
+}
+
+SharedFindings::~SharedFindings() {
+   munmap( memory_, sizeof( Memory ) );
+}
+
+Counts & SharedFindings::counts() {
+   return memory_->counts;
+}
+
+bool SharedFindings::isFull() const {
+   return memory_->isFull;
+}
+
+void SharedFindings::add( Kind kind, std::string_view what, Sequence const & sequence,
+                          U64 weight ) {
+   what = what.substr( 0, kLongest );
+   auto * const end = memory_->entries.begin() + memory_->used;
+   auto * const found = std::find_if( memory_->entries.begin(), end, [ & ]( Entry const & entry ) {
+      return entry.kind == kind && entry.what() == what;
+   } );
+   if ( found == end && memory_->used == kMost ) {
+      memory_->isFull = true;
+      return;
+   }
+   if ( found == end ) {
+      ++memory_->used;
+      found->kind = kind;
+      found->length = static_cast< U16 >( what.size() );
+      std::copy( what.begin(), what.end(), found->text.begin() );
+   }
+   if ( found == end || isBefore( sequence, found->sequence() ) ) {
+      found->events = static_cast< U16 >( sequence.size() );
+      std::copy( sequence.begin(), sequence.end(), found->shortest.begin() );
+   }
+   found->sequences += weight;
+}
+
+Findings SharedFindings::findings() const {
+   Findings findings;
+   findings.counts = memory_->counts;
+   for ( std::size_t n = 0; n < memory_->used; ++n ) {
+      Entry const & entry = memory_->entries[ n ];
+      findings.add( { entry.kind, std::string( entry.what() ) }, entry.sequence(),
+                    entry.sequences );
+   }
+   return findings;
+}
+
+}  // namespace Exploring

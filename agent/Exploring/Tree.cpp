@@ -1,0 +1,228 @@
+#include <Exploring/Tree.h>
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include <fmt/format.h>
+
+#include <Exploring/Endings.h>
+#include <Process/Descriptor.h>
+#include <Process/LastWords.h>
+#include <Story/InputError.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace Exploring {
+
+namespace {
+
+constexpr U32 kRingLines = 64;  // nobody reads them
+
+// Notes whether anything has happened.
+class Effect final : public Story::Observer {
+ public:
+   void onEvent( Story::Event const & event ) override {
+      isThere = isThere || !std::holds_alternative< Story::Traced >( event );
+   }
+
+   bool isThere = false;
+};
+
+// What a process and those below it write to standard error; their standard output is lost.
+class Output {
+ public:
+   Output() : text_( memfd_create( "output", MFD_CLOEXEC ) ) {}
+
+   void redirect() const {
+      Process::Descriptor const nothing( open( "/dev/null", O_WRONLY | O_CLOEXEC ) );
+      dup2( nothing.fd(), STDOUT_FILENO );
+      dup2( text_.fd(), STDERR_FILENO );
+   }
+   void clear() const {
+      std::ignore = ftruncate( text_.fd(), 0 );
+      lseek( text_.fd(), 0, SEEK_SET );
+   }
+   Process::LastWords lastWords() const {
+      std::string text;
+      lseek( text_.fd(), 0, SEEK_SET );
+      while ( text_.readInto( text ) ) {
+      }
+      Process::LastWords words;
+      std::istringstream lines( text );
+      for ( std::string line; std::getline( lines, line ); ) {
+         words.lineNew( line );
+      }
+      return words;
+   }
+
+ private:
+   Process::Descriptor text_;
+};
+
+int waitFor( pid_t pid ) {
+   int status = 0;
+   while ( waitpid( pid, &status, 0 ) < 0 && errno == EINTR ) {
+   }
+   return status;
+}
+
+// A copy of this process; it ends with the other one.
+pid_t forked() {
+   pid_t const parent = getpid();
+   pid_t const pid = fork();
+   if ( pid < 0 ) {
+      Process::throwSystemError( "cannot start a process for a sequence" );
+   }
+   if ( pid == 0 ) {
+      prctl( PR_SET_PDEATHSIG, SIGKILL );
+      if ( getppid() != parent ) {
+         _exit( EXIT_FAILURE );
+      }
+   }
+   return pid;
+}
+
+// The time that an event may take; its process is killed by SIGALRM.
+void timeIs( std::chrono::milliseconds time ) {
+   constexpr long kThousand = 1000;
+   itimerval const timer{ {}, { time.count() / kThousand, time.count() % kThousand * kThousand } };
+   setitimer( ITIMER_REAL, &timer, nullptr );
+}
+
+// One process of the tree.
+class Node {
+ public:
+   Node( Exploration const & exploration, Host::AgentConfig const & config, Limits const & limits,
+         SharedFindings & findings )
+         : exploration_( exploration ),
+           limits_( limits ),
+           findings_( findings ),
+           ring_( Trace::Ring::sizeFor( kRingLines ) ),
+           agent_( exploration.model(), config, ring_, effect_ ) {
+      output_.redirect();
+      agent_.begin();
+   }
+
+   // False when a step of it changes nothing.
+   bool comeTo( Sequence const & sequence ) {
+      for ( U16 const event : sequence ) {
+         sequence_.push_back( event );
+         if ( !happens( event ) ) {
+            return false;
+         }
+      }
+      return true;
+   }
+
+   void tryAll() {
+      for ( U16 event = 0; event < exploration_.events(); ++event ) {
+         tryOne( event, true );
+      }
+   }
+
+   // In a process of its own; with all that begin with it, or alone.
+   void tryOne( U16 event, bool isWhole ) {
+      sequence_.push_back( event );
+      if ( exploration_.isCanonical( sequence_ ) ) {
+         output_.clear();
+         pid_t const pid = forked();
+         if ( pid == 0 ) {
+            be( event, isWhole );
+         }
+         noteEnd( waitFor( pid ) );
+      }
+      sequence_.pop_back();
+   }
+
+   void judge() { addDifferences( agent_.audit(), findings_, sequence_, weight() ); }
+
+ private:
+   U64 weight() const { return exploration_.weight( sequence_ ); }
+
+   bool happens( U16 event ) {
+      effect_.isThere = false;
+      try {
+         agent_.carryOut( exploration_.event( event ) );
+      } catch ( Story::InputError const & ) {
+         return false;
+      }
+      return effect_.isThere;
+   }
+
+   [[noreturn]] void be( U16 event, bool isWhole ) {
+      timeIs( limits_.step );
+      bool const isOne = happens( event );
+      timeIs( {} );
+      if ( isOne ) {
+         count();
+         judge();
+         if ( isWhole && sequence_.size() < limits_.length ) {
+            tryAll();
+         }
+      } else {
+         ++findings_.counts().without;
+      }
+      _exit( EXIT_SUCCESS );
+   }
+
+   void count() {
+      ++findings_.counts().sequences;
+      findings_.counts().standFor += weight();
+   }
+
+   // Of the process that has just ended.
+   void noteEnd( int status ) {
+      if ( WIFSIGNALED( status ) || WEXITSTATUS( status ) != EXIT_SUCCESS ) {
+         count();
+         addStop( status, output_.lastWords(), findings_, sequence_, weight() );
+      }
+   }
+
+   Exploration const & exploration_;
+   Limits limits_;
+   SharedFindings & findings_;
+   Effect effect_;
+   Output output_;
+   std::vector< std::byte > ring_;
+   Host::Agent agent_;
+   Sequence sequence_;
+};
+
+[[noreturn]] void beRoot( Exploration const & exploration, Host::AgentConfig const & config,
+                          Branch const & branch, Limits const & limits,
+                          SharedFindings & findings ) noexcept {
+   Node node( exploration, config, limits, findings );
+   if ( branch.begin.empty() ) {
+      node.judge();
+   } else if ( node.comeTo( { branch.begin.begin(), branch.begin.end() - 1 } ) ) {
+      node.tryOne( branch.begin.back(), branch.isWhole );
+   }
+   _exit( EXIT_SUCCESS );
+}
+
+}  // namespace
+
+Findings explored( Exploration const & exploration, Host::AgentConfig const & config,
+                   Branch const & branch, Limits const & limits ) {
+   SharedFindings findings;
+   pid_t const pid = forked();
+   if ( pid == 0 ) {
+      beRoot( exploration, config, branch, limits, findings );
+   }
+   int const status = waitFor( pid );
+   if ( branch.begin.empty() && ( WIFSIGNALED( status ) || WEXITSTATUS( status ) != 0 ) ) {
+      throw std::runtime_error( "the switch does not come up" );
+   }
+   return findings.findings();
+}
+
+}  // namespace Exploring

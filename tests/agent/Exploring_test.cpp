@@ -1,0 +1,278 @@
+// `vornal explore` tries every order of events, and finds each way to end.
+#include <cmath>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <Exploring/Branches.h>
+#include <Exploring/Exchanges.h>
+#include <Scenario/ReadError.h>
+#include <Support.h>
+
+namespace {
+
+using Exploring::Exploration;
+using Exploring::Sequence;
+using Words = std::vector< std::string >;
+
+bool contains( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+// The plug-in of the tests stops when a third segment comes.
+constexpr char kSwitch[] = R"(scenario: leaf
+switch:
+   name: leaf1
+   slice: 3
+   variant: egress-mask
+   units: { 0: { module: 1 } }
+   interfaces:
+      Ethernet1: { unit: 0, port: 1 }
+      Ethernet2: { unit: 0, port: 22 }
+      Ethernet3: { unit: 0, port: 33 }
+evpn:
+   segments: { Ethernet1: [ 10.0.0.9 ] }
+   vteps: { 10.0.0.9: { virtual-port: 9 } }
+steps:
+   - note: the switch comes up
+)";
+
+constexpr char kHead[] =
+   "exploration: segments\n"
+   "based-on: leaf.yaml\n"
+   "length: 4\n";
+constexpr char kAlike[] =
+   "alike:\n"
+   "   - [ [ Ethernet2, 22 ], [ Ethernet3, 33 ] ]\n";
+constexpr char kEvents[] =
+   "events:\n"
+   "   - ready: subagents::l2Ready\n"
+   "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+   "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n"
+   "   - withdraw: { segments: [ Ethernet2 ] }\n"
+   "   - withdraw: { segments: [ Ethernet3 ] }\n";
+
+class Explore : public testing::Test {
+ protected:
+   Explore() { directory.file( "leaf.yaml", kSwitch ); }
+
+   std::string file( std::string const & text ) const {
+      return directory.file( "segments.yaml", text );
+   }
+   std::string mistakes( std::string const & text ) const {
+      try {
+         Exploration const exploration( file( text ) );
+         return "";
+      } catch ( Scenario::ReadError const & error ) {
+         return error.what();
+      }
+   }
+   Support::Ran explore( Words words, std::string const & plugin = "segment-rules" ) const {
+      words.insert( words.begin(), "explore" );
+      words.insert( words.end(), { "--plugin", Support::testPlugin( plugin ) } );
+      return Support::vornal( words );
+   }
+
+   Support::Directory directory;
+   std::string const whole = std::string( kHead ) + kAlike + kEvents;
+};
+
+// --- Sequences that stand for others
+
+TEST( Exchanges, AreAllThatThereAre ) {
+   auto const all =
+      Exploring::exchangesOf( { { { "a" }, { "b" }, { "c" } }, { { "x" }, { "y" } } } );
+   EXPECT_EQ( all.size(), 3U * 2U * 2U - 1U );
+}
+
+TEST( Exchanges, TakeKeysAndValuesInAnyOrder ) {
+   auto const yaml = Scenario::yamlIn( "{ a: [ 2, c ], c: { b: 1 } }" );
+   EXPECT_EQ( Exploring::exchangedText( yaml, { { "a", "b" }, { "b", "a" }, { "1", "2" } } ),
+              Exploring::exchangedText( Scenario::yamlIn( "{ c: { a: 2 }, b: [ c, 2 ] }" ), {} ) );
+}
+
+TEST_F( Explore, TakesOneSequenceOfAllThatAreAlike ) {
+   Exploration const exploration( file( whole ) );
+   std::size_t canonical = 0;
+   std::size_t standFor = 0;
+   for ( U16 a = 0; a < 5; ++a ) {
+      for ( U16 b = 0; b < 5; ++b ) {
+         for ( U16 c = 0; c < 5; ++c ) {
+            if ( exploration.isCanonical( { a, b, c } ) ) {
+               ++canonical;
+               standFor += exploration.weight( { a, b, c } );
+               EXPECT_TRUE( exploration.isCanonical( { a, b } ) );
+            }
+         }
+      }
+   }
+   EXPECT_EQ( standFor, 125U );
+   EXPECT_EQ( canonical, ( 125U + 1U ) / 2U );  // "ready" three times is its own twin
+   EXPECT_TRUE( exploration.isCanonical( { 0, 1, 2 } ) );
+   EXPECT_FALSE( exploration.isCanonical( { 0, 2, 1 } ) );
+}
+
+TEST_F( Explore, RefusesThingsThatAreNotAlike ) {
+   EXPECT_TRUE( contains( mistakes( std::string( kHead ) +
+                                    "alike: [ [ [ Ethernet2 ], [ Ethernet3 ] ] ]\n" + kEvents ),
+                          "segments.yaml:4: the switch is another one when " ) );
+   EXPECT_TRUE( contains(
+      mistakes( whole.substr( 0, whole.rfind( "   - withdraw" ) ) ),
+      "segments.yaml:4: event 4, 'withdraw: {segments: [Ethernet2]}', becomes no other event" ) );
+   EXPECT_TRUE(
+      contains( mistakes( std::string( kHead ) + "alike: [ [ [ a, b ], [ c ] ] ]\n" + kEvents ),
+                "segments.yaml:4: things that are alike have as many names each" ) );
+}
+
+TEST_F( Explore, NamesTheLineOfAMistake ) {
+   EXPECT_TRUE( contains( mistakes( "exploration: a\nlength: 0\nevents: []\n" ), "based-on" ) );
+   EXPECT_TRUE( contains( mistakes( whole + "   - publsh: {}\n" ), "segments.yaml:12: " ) );
+   EXPECT_TRUE( contains( mistakes( whole + "   - publish: { vteps: { x: {} } }\n" ),
+                          "segments.yaml:12: " ) );
+   EXPECT_TRUE( contains( mistakes( whole + "   - { note: x, only-on: class-id }\n" ),
+                          "leave out 'only-on'" ) );
+   EXPECT_TRUE( contains( mistakes( "exploration: a\nbased-on: none.yaml\nlength: 1\n" +
+                                    std::string( kEvents ) ),
+                          "none.yaml" ) );
+}
+
+// --- The program
+
+TEST_F( Explore, FindsTheStopByItsShortestSequence ) {
+   auto const ran = explore( { file( whole ), "--write", directory.path() / "found" } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out,
+                          "stop entryIds() < kMostSegments && \"room for another segment\" "
+                          "in void Sample::SegmentRulesWithEgressMaskSm::add(const "
+                          "Pelk::IntfId&)\n" ) )
+      << ran.out;
+   EXPECT_TRUE( contains( ran.out,
+                          "the shortest:\n"
+                          "      - ready: subagents::l2Ready\n"
+                          "      - publish: {segments: {Ethernet2: [10.0.0.9]}}\n"
+                          "      - publish: {segments: {Ethernet3: [10.0.0.9]}}\n" ) )
+      << ran.out;
+   auto const again = Support::vornal( { "run", directory.path() / "found/01.yaml", "--plugin",
+                                         Support::testPlugin( "segment-rules" ) } );
+   EXPECT_EQ( again.exitCode, 3 ) << again.err;
+   EXPECT_TRUE( contains( again.out, "SegmentRulesWithEgressMaskSm::add" ) ) << again.out;
+}
+
+// Each sequence without exchanges, counted by hand: a segment comes when it is not there, and goes
+// when it is; the sub-agent is ready once; a stop is the end.
+struct Expected {
+   std::size_t sequences = 0;
+   std::size_t stops = 0;
+
+   void follow( std::size_t left, bool isReady, bool has2, bool has3 ) {
+      if ( left == 0 ) {
+         return;
+      }
+      auto const next = [ & ]( bool ready, bool two, bool three ) {
+         ++sequences;
+         if ( ready && two && three ) {
+            ++stops;
+         } else {
+            follow( left - 1, ready, two, three );
+         }
+      };
+      if ( !isReady ) {
+         next( true, has2, has3 );
+      }
+      next( isReady, !has2, has3 );
+      next( isReady, has2, !has3 );
+   }
+};
+
+TEST_F( Explore, TriesEverySequenceThatChangesSomething ) {
+   Expected expected;
+   expected.follow( 4, false, false, false );
+   for ( std::string const & text : { whole, std::string( kHead ) + kEvents } ) {
+      auto const ran = explore( { file( text ), "--json" } );
+      ASSERT_EQ( ran.exitCode, 0 ) << ran.err;
+      auto const document = nlohmann::json::parse( ran.out );
+      EXPECT_EQ( document[ "standFor" ], expected.sequences );
+      ASSERT_EQ( document[ "findings" ].size(), 1U ) << ran.out;
+      EXPECT_EQ( document[ "findings" ][ 0 ][ "kind" ], "stop" );
+      EXPECT_EQ( document[ "findings" ][ 0 ][ "sequences" ], expected.stops );
+      EXPECT_EQ( document[ "findings" ][ 0 ][ "shortest" ].size(), 3U );
+      bool const isWhole = text == whole;
+      EXPECT_EQ( document[ "sequences" ] < document[ "standFor" ], isWhole );
+   }
+}
+
+TEST_F( Explore, FindsTheSameInShares ) {
+   std::string const exploration = file( whole );
+   Words merge{ "merge", exploration };
+   for ( std::string const shard : { "1/3", "2/3", "3/3" } ) {
+      std::string const results = directory.path() / shard.substr( 0, 1 );
+      EXPECT_EQ( explore( { exploration, "--shard", shard, "--results", results } ).exitCode, 0 );
+      merge.push_back( results );
+   }
+   auto const merged = explore( merge );
+   EXPECT_EQ( merged.exitCode, 0 ) << merged.err;
+   EXPECT_EQ( merged.out, explore( { exploration, "--jobs", "1" } ).out );
+
+   merge.pop_back();
+   auto const part = explore( merge );
+   EXPECT_EQ( part.exitCode, 2 );
+   EXPECT_TRUE( contains( part.err, "branches are in none of these files" ) ) << part.err;
+}
+
+TEST_F( Explore, GoesOnWhereItWasEnded ) {
+   std::string const exploration = file( whole );
+   std::string const results = directory.path() / "results";
+   std::string const all = explore( { exploration, "--results", results } ).out;
+   std::string const text = Support::contentOf( results );
+   directory.file( "results", text.substr( 0, text.size() * 2 / 3 ) );
+   EXPECT_EQ( explore( { exploration, "--results", results } ).out, all );
+   EXPECT_EQ( Support::contentOf( results ).size(), text.size() );
+
+   auto const other = explore( { exploration, "--results", results, "--length", "2" } );
+   EXPECT_EQ( other.exitCode, 2 );
+   EXPECT_EQ( other.err, results +
+                            ": these are no results of this exploration as it is now; name "
+                            "another file\n" );
+   EXPECT_EQ( Support::contentOf( results ).size(), text.size() );
+}
+
+TEST_F( Explore, FailsWhenAFindingIsNewOrHasVanished ) {
+   std::string const exploration = file( whole );
+   explore( { exploration, "--write", directory.path() } );
+   std::string const catalogue = directory.path() / "catalogue";
+   EXPECT_EQ( explore( { exploration, "--catalogue", catalogue } ).exitCode, 0 );
+
+   std::string const line = Support::contentOf( catalogue );
+   directory.file( "catalogue", "# none\nhang of the past\n" );
+   auto const ran = explore( { exploration, "--catalogue", catalogue } );
+   EXPECT_EQ( ran.exitCode, 1 );
+   EXPECT_EQ( ran.err, "new: " + line + "vanished: hang of the past\n" );
+}
+
+TEST_F( Explore, FindsWrongRulesAndStepsWithoutEnd ) {
+   auto const wrong = explore( { file( whole ), "--length", "1" }, "segment-rules-wrong" );
+   EXPECT_EQ( wrong.exitCode, 0 ) << wrong.err;
+   EXPECT_TRUE( contains( wrong.out, "\ndifference wrong-" ) ) << wrong.out;
+}
+
+TEST_F( Explore, SaysWhenTheSwitchDoesNotComeUp ) {
+   directory.file( "leaf.yaml", std::string( kSwitch ) +
+                                   "   - ready: subagents::l2Ready\n"
+                                   "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+                                   "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n" );
+   auto const ran = explore( { file( whole ) } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err,
+              ( directory.path() / "segments.yaml" ).string() + ": the switch does not come up\n" );
+}
+
+TEST_F( Explore, RefusesWrongWords ) {
+   std::string const exploration = file( whole );
+   EXPECT_TRUE( contains( explore( { exploration, "--shard", "3/2" } ).err,
+                          "'3/2' is no share; give one such as 1/4" ) );
+   EXPECT_EQ( explore( { exploration, exploration } ).exitCode, 2 );
+   EXPECT_EQ( explore( { "merge", exploration } ).exitCode, 2 );
+   EXPECT_EQ( explore( { exploration, "--catalogue", "/nowhere" } ).exitCode, 2 );
+}
+
+}  // namespace
