@@ -54,6 +54,7 @@ class Outputs : public testing::Test {
 // Every command, in each form of its output: its name, and the words behind it.
 std::multimap< std::string, std::string > printing( std::string const & plugin ) {
    std::string const frames = VORNAL_SOURCE_DIR "/scenarios/two-leaves/scenario.yaml";
+   std::string const exploration = VORNAL_SOURCE_DIR "/scenarios/explore/one-unit.yaml";
    return { { "run", "leaf.yaml" + plugin },
             { "run", "--json leaf.yaml" + plugin },
             { "run", "--events leaf.yaml" + plugin },
@@ -69,6 +70,8 @@ std::multimap< std::string, std::string > printing( std::string const & plugin )
             { "test", "leaf.yaml" + plugin },
             { "dump", "leaf.yaml" + plugin },
             { "shrink", "failing.yaml" + plugin },
+            { "explore", exploration + " --length 1" },
+            { "explore", "--json " + exploration + " --length 1" },
             { "check", "leaf.yaml" },
             { "check", "--json leaf.yaml" },
             { "shell", "leaf.yaml <questions" + plugin },
