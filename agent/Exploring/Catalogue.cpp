@@ -42,13 +42,15 @@ void writeFindings( fs::path const & folder, Exploration const & exploration,
                     Findings const & findings ) {
    std::error_code error;
    fs::create_directories( folder, error );
-   std::string text;
    std::size_t number = 0;
    for ( auto const & [ key, found ] : findings.all ) {
-      text += lineOf( key ) + '\n';
       fs::path const file = folder / fmt::format( "{:02}.yaml", ++number );
       Process::writeWhole( file, fmt::format( "# {}\n{}", lineOf( key ),
                                               exploration.scenarioText( found.shortest, file ) ) );
+   }
+   std::string text;
+   for ( std::string const & line : catalogueOf( findings ) ) {
+      text += line + '\n';
    }
    Process::writeWhole( folder / "catalogue", text );
 }

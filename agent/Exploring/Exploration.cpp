@@ -140,15 +140,19 @@ Yaml beginning( std::string const & name, std::string const & base, std::string 
    return document;
 }
 
-// A step has one word, so it needs no brackets around it.
+std::string inLineText( Yaml value ) {
+   std::string const line = textOf( inLine( std::move( value ) ) );
+   return line.substr( 0, line.size() - 1 );  // less its line end
+}
+
+// A step of a single word needs no brackets around it.
 std::string lineOf( Yaml const & step ) {
-   std::string line;
-   for ( Yaml part : step.parts ) {
-      std::string const key = std::exchange( part.key, "" );
-      std::string const value = textOf( inLine( std::move( part ) ) );
-      line += ( line.empty() ? "" : ", " ) + key + ": " + value.substr( 0, value.size() - 1 );
+   if ( step.parts.size() != 1 ) {
+      return inLineText( step );
    }
-   return line;
+   Yaml value = step.parts.front();
+   std::string const word = std::exchange( value.key, "" );
+   return word + ": " + inLineText( std::move( value ) );
 }
 
 // The parts of a switch that an exchange must leave as they are.

@@ -1,10 +1,11 @@
 #include <Exploring/Tree.h>
 
-#include <array>
+#include <cerrno>
 #include <cstdlib>
-#include <optional>
+#include <iostream>
 #include <sstream>
 #include <stdexcept>
+#include <tuple>
 
 #include <fmt/format.h>
 
@@ -83,6 +84,7 @@ pid_t forked() {
       Process::throwSystemError( "cannot start a process for a sequence" );
    }
    if ( pid == 0 ) {
+      signal( SIGALRM, SIG_DFL );
       prctl( PR_SET_PDEATHSIG, SIGKILL );
       if ( getppid() != parent ) {
          _exit( EXIT_FAILURE );
@@ -102,13 +104,13 @@ void timeIs( std::chrono::milliseconds time ) {
 class Node {
  public:
    Node( Exploration const & exploration, Host::AgentConfig const & config, Limits const & limits,
-         SharedFindings & findings )
+         Output const & output, SharedFindings & findings )
          : exploration_( exploration ),
            limits_( limits ),
+           output_( output ),
            findings_( findings ),
            ring_( Trace::Ring::sizeFor( kRingLines ) ),
            agent_( exploration.model(), config, ring_, effect_ ) {
-      output_.redirect();
       agent_.begin();
    }
 
@@ -189,24 +191,31 @@ class Node {
 
    Exploration const & exploration_;
    Limits limits_;
+   Output const & output_;
    SharedFindings & findings_;
    Effect effect_;
-   Output output_;
    std::vector< std::byte > ring_;
    Host::Agent agent_;
    Sequence sequence_;
 };
 
-[[noreturn]] void beRoot( Exploration const & exploration, Host::AgentConfig const & config,
-                          Branch const & branch, Limits const & limits,
-                          SharedFindings & findings ) noexcept {
-   Node node( exploration, config, limits, findings );
+void tryBranch( Exploration const & exploration, Host::AgentConfig const & config,
+                Branch const & branch, Limits const & limits, Output const & output,
+                SharedFindings & findings ) {
+   Node node( exploration, config, limits, output, findings );
    if ( branch.begin.empty() ) {
       node.judge();
-   } else if ( node.comeTo( { branch.begin.begin(), branch.begin.end() - 1 } ) ) {
+      return;
+   }
+   Sequence before = branch.begin;
+   before.pop_back();
+   if ( node.comeTo( before ) ) {
       node.tryOne( branch.begin.back(), branch.isWhole );
    }
-   _exit( EXIT_SUCCESS );
+}
+
+std::string lastLineOf( Process::LastWords const & words ) {
+   return words.lines().empty() ? "its process has ended" : words.lines().back();
 }
 
 }  // namespace
@@ -214,13 +223,22 @@ class Node {
 Findings explored( Exploration const & exploration, Host::AgentConfig const & config,
                    Branch const & branch, Limits const & limits ) {
    SharedFindings findings;
+   Output const output;
    pid_t const pid = forked();
    if ( pid == 0 ) {
-      beRoot( exploration, config, branch, limits, findings );
+      output.redirect();
+      try {
+         tryBranch( exploration, config, branch, limits, output, findings );
+         _exit( EXIT_SUCCESS );
+      } catch ( std::exception const & error ) {
+         std::cerr << error.what() << std::endl;
+         _exit( EXIT_FAILURE );
+      }
    }
    int const status = waitFor( pid );
-   if ( branch.begin.empty() && ( WIFSIGNALED( status ) || WEXITSTATUS( status ) != 0 ) ) {
-      throw std::runtime_error( "the switch does not come up" );
+   if ( branch.begin.empty() && status != 0 ) {
+      throw std::runtime_error(
+         fmt::format( "the switch does not come up: {}", lastLineOf( output.lastWords() ) ) );
    }
    return findings.findings();
 }
