@@ -26,12 +26,16 @@ std::string_view wordOf( std::string_view line ) {
    return word.substr( begin, word.find_last_not_of( kAround ) + 1 - begin );
 }
 
+// An exploration is based on a scenario, and is none.
 bool isScenario( fs::path const & file ) {
    std::ifstream text( file );
    bool hasSwitch = false;
    bool hasSteps = false;
    for ( std::string line; std::getline( text, line ); ) {
       std::string_view const word = wordOf( line );
+      if ( word == "exploration" ) {
+         return false;
+      }
       hasSwitch = hasSwitch || word == "switch";
       hasSteps = hasSteps || word == "steps";
       if ( word == "scenario" || word == "based-on" || ( hasSwitch && hasSteps ) ) {

@@ -131,7 +131,7 @@ TEST_F( Completion, OfEachKindOfWordWorksInZsh ) {
       "'vornal verif' 'vornal run --pcap' 'vornal show leaf.yaml cou' "
       "'vornal show --after 3 leaf.yaml tc' 'vornal run tw' "
       "'vornal check leaf.yaml tw' 'vornal run --pcap-out leav' "
-      "'vornal help exp'";
+      "'vornal help expla'";
    EXPECT_EQ( printed( "zsh -f ask " + lines ),
               ( Words{ "vornal verify ", "vornal run --pcap-out=",
                        "vornal show leaf.yaml counters ", "vornal show --after 3 leaf.yaml tcam ",

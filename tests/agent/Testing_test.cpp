@@ -61,6 +61,7 @@ TEST_F( Collection, LeavesOtherFilesAndHiddenFoldersOut ) {
    directory.file( "notes.txt", "scenario: a\n" );
    directory.file( "build.yaml", "build:\n   scenario: a\nsteps: []\n" );
    directory.file( "switches.yaml", "switch: a\n" );
+   directory.file( "exploration.yaml", "exploration: a\nbased-on: switches.yaml\n" );
    EXPECT_EQ( found( { directory.path() } ), Names{} );
 }
 
