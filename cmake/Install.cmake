@@ -63,5 +63,5 @@ install_words( share/bash-completion/completions vornal completion bash )
 install_words( share/zsh/site-functions _vornal completion zsh )
 
 # Documents and scenarios lead to each other by relative paths, as here.
-install( DIRECTORY scenarios docs DESTINATION share/vornal )
+install( DIRECTORY scenarios explorations docs DESTINATION share/vornal )
 install( FILES CHANGELOG.md DESTINATION share/vornal )

@@ -108,8 +108,8 @@ std::vector< Row > const & table() {
         "vornal shrink - -o few.yaml",
         create< Shrink >, kOfAShrink },
       { "explore", "Try every order of events on a switch, and tell how they end",
-        "vornal explore scenarios/explore/one-unit.yaml --length 2\n"
-        "vornal explore scenarios/explore/one-unit.yaml --shard 1/4 --results first.results",
+        "vornal explore explorations/one-unit.yaml --length 2\n"
+        "vornal explore explorations/one-unit.yaml --shard 1/4 --results first.results",
         create< Explore >, kOfAnExploration },
       { "check", "Find every mistake of scenarios, without a run",
         "vornal check scenarios/start-up/scenario.yaml\n"

@@ -136,6 +136,19 @@ TEST_F( Explore, NamesTheLineOfAMistake ) {
                           "none.yaml" ) );
 }
 
+TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
+   Exploring::SharedFindings findings;
+   for ( Sequence const & sequence :
+         { Sequence{ 1, 2, 3 }, { 4, 5 }, { 0, 1, 2 }, { 4, 6 }, { 4, 4 } } ) {
+      findings.add( Exploring::Kind::stop, "x", sequence, 2 );
+   }
+   findings.add( Exploring::Kind::hang, "x", { 1 }, 1 );
+   auto const all = findings.findings().all;
+   ASSERT_EQ( all.size(), 2U );
+   EXPECT_EQ( all.begin()->second.shortest, ( Sequence{ 4, 4 } ) );
+   EXPECT_EQ( all.begin()->second.sequences, 10U );
+}
+
 // --- The program
 
 TEST_F( Explore, FindsTheStopByItsShortestSequence ) {
@@ -198,6 +211,20 @@ TEST_F( Explore, TriesEverySequenceThatChangesSomething ) {
       bool const isWhole = text == whole;
       EXPECT_EQ( document[ "sequences" ] < document[ "standFor" ], isWhole );
    }
+}
+
+TEST_F( Explore, TakesEventsThatCannotHappenAtFirst ) {
+   auto const ran =
+      explore( { file( "exploration: goes-first\n"
+                       "based-on: leaf.yaml\n"
+                       "length: 2\n"
+                       "events:\n"
+                       "   - withdraw: { segments: [ Ethernet2 ] }\n"
+                       "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" ) } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( ran.out.starts_with(
+      "goes-first: 2 sequences, which stand for 2; 2 more changed nothing\n" ) )
+      << ran.out;
 }
 
 TEST_F( Explore, FindsTheSameInShares ) {

@@ -38,6 +38,8 @@ TEST( ProgramHelp, ShowsExamplesThatWork ) {
    Support::Directory const directory;
    fs::create_directory_symlink( VORNAL_SOURCE_DIR "/scenarios", directory.path() / "scenarios" );
    fs::create_directory_symlink( VORNAL_SOURCE_DIR "/docs", directory.path() / "docs" );
+   fs::create_directory_symlink( VORNAL_SOURCE_DIR "/explorations",
+                                 directory.path() / "explorations" );
    std::string const begin = "cd " + directory.path().string() +
                              " && PATH=" VORNAL_BINARY_DIR ":$PATH exec bash -o pipefail -c ";
    for ( CommandLine::Row const & row : CommandLine::table() ) {

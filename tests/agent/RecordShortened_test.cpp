@@ -76,6 +76,17 @@ TEST_F( RecordShortened, IsTheDumpOfTheRunAndNotOfTheScenarioAlone ) {
    EXPECT_EQ( diff.exitCode, 0 ) << diff.out << diff.err;
 }
 
+TEST_F( RecordShortened, LeavesOutWhatTheRunLeftOut ) {
+   writeThere( "leaf.yaml", Switches::leaf( "- note: a\n- expect: { plug-in: ready }\n" ) );
+   keep( "leaf.yaml", { "--until", "1", "--then", "expect: { log: { text: x, times: 1 } }",
+                        "--plugin", Support::testPlugin( "segment-rules" ) } );
+   auto const ran =
+      Support::vornal( { "shrink", record, "--plugin", Support::testPlugin( "segment-rules" ) } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( ran.out.ends_with( "steps:\n  - expect: {log: {text: x, times: 1}}\n" ) )
+      << ran.out;
+}
+
 TEST_F( RecordShortened, BringsTheFeatureFilesOfADump ) {
    bringTo( fs::path( Shipped::fileOf( "toggle-off" ) ).parent_path(), there );
    keep( "scenario.yaml" );
