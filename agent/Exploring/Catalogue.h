@@ -1,7 +1,7 @@
 // The catalogue of an exploration: a line for each way to end that was found, sorted.
 //
 //    difference missing-rule: Mark or drop packets at IFP from vtep IP N on shared segments
-//    stop entryIds() < kMostSegments in void Sample::Sm::add(const Pelk::IntfId&)
+//    stop entryIds() < kMostSegments in Sample::Sm::add
 //
 // Empty lines and lines that begin with '#' are comments.
 #pragma once

@@ -37,9 +37,16 @@ std::string textOf( Story::Difference const & difference ) {
    return text;
 }
 
+// The qualified name of a function, without its result and parameters, which compilers write in
+// ways of their own.
+std::string_view nameIn( std::string_view function ) {
+   std::string_view const name = function.substr( 0, function.find( '(' ) );
+   return name.substr( name.find_last_of( " *&" ) + 1 );
+}
+
 std::string textOf( int status, Process::LastWords const & words ) {
    if ( auto const & assertion = words.assertion() ) {
-      return fmt::format( "{} in {}", assertion->expression, assertion->function );
+      return fmt::format( "{} in {}", assertion->expression, nameIn( assertion->function ) );
    }
    std::string const end = WIFSIGNALED( status )
                               ? fmt::format( "signal {}", WTERMSIG( status ) )

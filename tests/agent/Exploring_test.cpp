@@ -139,7 +139,7 @@ TEST_F( Explore, NamesTheLineOfAMistake ) {
 TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
    Exploring::SharedFindings findings;
    for ( Sequence const & sequence :
-         { Sequence{ 1, 2, 3 }, { 4, 5 }, { 0, 1, 2 }, { 4, 6 }, { 4, 4 } } ) {
+         { Sequence{ 1, 2, 3 }, { 4, 5 }, { 4, 4 }, { 4, 6 }, { 0, 1, 2 } } ) {
       findings.add( Exploring::Kind::stop, "x", sequence, 2 );
    }
    findings.add( Exploring::Kind::hang, "x", { 1 }, 1 );
@@ -155,9 +155,8 @@ TEST_F( Explore, FindsTheStopByItsShortestSequence ) {
    auto const ran = explore( { file( whole ), "--write", directory.path() / "found" } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_TRUE( contains( ran.out,
-                          "stop entryIds() < kMostSegments && \"room for another segment\" "
-                          "in void Sample::SegmentRulesWithEgressMaskSm::add(const "
-                          "Pelk::IntfId&)\n" ) )
+                          "\nstop entryIds() < kMostSegments && \"room for another segment\" in "
+                          "Sample::SegmentRulesWithEgressMaskSm::add\n" ) )
       << ran.out;
    EXPECT_TRUE( contains( ran.out,
                           "the shortest:\n"
