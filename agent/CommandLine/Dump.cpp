@@ -9,7 +9,6 @@
 #include <nlohmann/json.hpp>
 
 #include <CommandLine/Comparison.h>
-#include <CommandLine/FilesBeside.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -193,16 +192,13 @@ std::string Dump::textOf( Dumping::Dump dump, Dumping::Original const & original
    if ( Yaml const * const steps = dump.scenario.find( "steps" ); steps && steps->parts.empty() ) {
       dump.scenario.remove( "steps" );
    }
-   if ( scenario_.record() && output_.isNamed() ) {
-      dump.scenario = withFilesBeside( dump.scenario, output_.file(), source.root );
-   }
-   bool const isInput = scenario_.file() == "-";
-   std::string const subject = fmt::format( "The switch of {} after {}.",
-                                            isInput ? source.model.file : scenario_.file().string(),
-                                            stepText( source.model, last ) );
-   std::string const files =
-      scenario_.record() && !output_.isNamed() && namesFiles( dump.scenario ) ? kFilesInRecord : "";
-   return heading( subject, original, dump ) + files + pageOf( dump.scenario );
+   FilesBeside const files = filesBeside();
+   dump.scenario = files.taken( dump.scenario, source.root );
+   std::string const subject =
+      fmt::format( "The switch of {} after {}.", scenario_.nameOf( source ),
+                   stepText( source.model, last ) );
+   return heading( subject, original, dump ) + files.comment( dump.scenario ) +
+          pageOf( dump.scenario );
 }
 
 Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) const {
@@ -230,10 +226,7 @@ Story::ExitCode Dump::dump( WholeScenario const & source, std::ostream & out ) c
 }
 
 Story::ExitCode Dump::perform( std::ostream & out ) {
-   output_.check();
-   if ( scenario_.record() && output_.isNamed() ) {
-      output_.checkFolder( folderBeside( output_.file() ) );
-   }
+   filesBeside().check();
    WholeScenario const source = scenario_.readWhole();
    try {
       return dump( source, out );

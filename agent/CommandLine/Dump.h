@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/FilesBeside.h>
 #include <CommandLine/Moment.h>
 #include <CommandLine/OutputFile.h>
 #include <CommandLine/RunScenario.h>
@@ -29,6 +30,8 @@ class Dump final : public Command {
    // The text of the dump; its files come beside it.
    std::string textOf( Dumping::Dump dump, Dumping::Original const & original,
                        WholeScenario const & source, std::size_t last ) const;
+
+   FilesBeside filesBeside() const { return { output_, scenario_.record() != nullptr }; }
 
    ScenarioWords scenario_;
    OutputFile output_;

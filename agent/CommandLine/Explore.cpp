@@ -9,10 +9,10 @@
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Exploring/Catalogue.h>
+#include <Process/Workers.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
-#include <Testing/Workers.h>
 #include <Text/Numbers.h>
 
 #include <unistd.h>
@@ -21,7 +21,6 @@ namespace CommandLine {
 
 namespace {
 
-namespace fs = std::filesystem;
 using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
@@ -47,6 +46,10 @@ void print( Exploration const & exploration, Findings const & findings, std::ost
                           Story::counted( found.sequences, "sequence" ),
                           textOf( exploration, found.shortest ) );
    }
+   if ( findings.counts.unnamed != 0 ) {
+      out << fmt::format( "\n{} more end in further ways; there was no room for their names\n",
+                          findings.counts.unnamed );
+   }
 }
 
 Json jsonOf( Exploration const & exploration, Findings const & findings ) {
@@ -61,52 +64,53 @@ Json jsonOf( Exploration const & exploration, Findings const & findings ) {
                          { "sequences", one.sequences },
                          { "shortest", std::move( steps ) } } );
    }
-   return { { "exploration", exploration.name() },        { "file", exploration.file().string() },
-            { "sequences", findings.counts.sequences },   { "standFor", findings.counts.standFor },
-            { "withoutEffect", findings.counts.without }, { "findings", std::move( found ) } };
+   return { { "exploration", exploration.name() },
+            { "file", exploration.file().string() },
+            { "sequences", findings.counts.sequences },
+            { "standFor", findings.counts.standFor },
+            { "withoutEffect", findings.counts.without },
+            { "unnamed", findings.counts.unnamed },
+            { "findings", std::move( found ) } };
 }
 
 // --- The branches
 
-// The workers take files; here a file is the number of a branch.
-std::vector< fs::path > numbersTo( std::size_t count ) {
-   std::vector< fs::path > numbers;
-   for ( std::size_t n = 0; n < count; ++n ) {
-      numbers.emplace_back( std::to_string( n ) );
+std::string const kNoFindings = "error: ";
+
+// What a worker sends: the findings of its branch, or why there are none.
+std::string resultOf( Exploration const & exploration, Host::AgentConfig const & config,
+                      Exploring::Branch const & branch, Exploring::Limits const & limits ) {
+   try {
+      return encoded( branch, explored( exploration, config, branch, limits ) );
+   } catch ( std::exception const & error ) {
+      return kNoFindings + error.what();
    }
-   return numbers;
 }
 
-// Takes the results of the workers, each once.
+// Takes the results of the workers.
 class Taking {
  public:
-   explicit Taking( Exploring::Share & share ) : share_( share ), isTaken_( share.open().size() ) {}
+   explicit Taking( Exploring::Share & share ) : share_( share ) {}
 
-   void take( std::vector< Testing::Result > const & results ) {
-      for ( std::size_t n = 0; n < results.size(); ++n ) {
-         if ( results[ n ].isOver && !isTaken_[ n ] ) {
-            isTaken_[ n ] = true;
-            ++count_;
-            take( results[ n ] );
-         }
+   void take( Process::Worked const & worked, std::string const & file ) {
+      if ( !worked.result ) {
+         throw Story::InputError( "the process that tried a branch of " + file + " ended with " +
+                                  worked.end + ", without a result" );
       }
+      if ( worked.result->starts_with( kNoFindings ) ) {
+         throw Story::InputError( file + ": " + worked.result->substr( kNoFindings.size() ) );
+      }
+      auto const [ branch, findings ] = Exploring::decoded( *worked.result );
+      share_.add( branch, findings );
+      ++count_;
    }
    std::string progressText() const {
-      return fmt::format( "{} {}", ProgressLine::bar( count_, isTaken_.size() ),
+      return fmt::format( "{} {}", ProgressLine::bar( count_, share_.open().size() ),
                           Story::counted( share_.findings().counts.sequences, "sequence" ) );
    }
 
  private:
-   void take( Testing::Result const & result ) {
-      if ( result.isFailed() ) {
-         throw Story::InputError( result.failures.front().what );
-      }
-      auto const [ branch, findings ] = Exploring::decoded( result.title );
-      share_.add( branch, findings );
-   }
-
    Exploring::Share & share_;
-   std::vector< bool > isTaken_;
    std::size_t count_ = 0;
 };
 
@@ -175,30 +179,21 @@ Findings Explore::explore( Exploration const & exploration, std::size_t length,
    config.plugin = run_.plugin();
    config.lastStep = static_cast< U32 >( exploration.model().ownSteps );
    Exploring::Share share( exploration, length, shard_, results_ );
-   auto const work = [ & ]( fs::path const & number ) {
-      Exploring::Branch const & branch = share.open().at( std::stoul( number.string() ) );
-      Testing::Result result;
-      result.isOver = true;
-      try {
-         result.title = encoded( branch, explored( exploration, config, branch,
-                                                   { length, run_.turnLimit() } ) );
-      } catch ( std::exception const & error ) {
-         result.failures.push_back( { "", exploration.file().string() + ": " + error.what(), {} } );
-      }
-      return result;
+   auto const work = [ & ]( std::size_t number ) {
+      return resultOf( exploration, config, share.open()[ number ], { length, run_.turnLimit() } );
    };
    ProgressLine line( std::cerr );
    Taking taking( share );
-   auto const progress = [ & ]( std::vector< Testing::Result > const & results ) {
-      taking.take( results );
+   auto const take = [ & ]( std::size_t, Process::Worked const & worked ) {
+      taking.take( worked, exploration.file().string() );
+   };
+   auto const progress = [ & ] {
       if ( isTerminal( STDERR_FILENO ) ) {
          line.advance( taking.progressText() );
       }
    };
-   auto const tested =
-      Testing::testAll( numbersTo( share.open().size() ), jobs_.count(), work, progress );
+   signal = Process::workAll( { share.open().size(), jobs_.count(), work, take, progress } );
    line.clear();
-   signal = tested.signal;
    return share.findings();
 }
 

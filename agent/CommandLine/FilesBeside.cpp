@@ -80,15 +80,24 @@ class Copies {
    std::set< std::string > taken_;
 };
 
-}  // namespace
-
+// The folder for the files of a scenario in that file.
 fs::path folderBeside( fs::path const & scenario ) {
    return scenario.parent_path() / ( scenario.stem().string() + "-files" );
 }
 
-bool namesFiles( Yaml const & document ) {
-   Yaml copy = document;
-   return !pathsIn( copy ).empty();
+}  // namespace
+
+void FilesBeside::check() const {
+   output_.check();
+   if ( isOfRecord_ && output_.isNamed() ) {
+      output_.checkFolder( folderBeside( output_.file() ) );
+   }
+}
+
+Yaml FilesBeside::taken( Yaml document, Scenario::Root const & root ) const {
+   return isOfRecord_ && output_.isNamed()
+             ? withFilesBeside( std::move( document ), output_.file(), root )
+             : document;
 }
 
 Yaml withFilesBeside( Yaml document, fs::path const & scenario, Scenario::Root const & root ) {
@@ -112,6 +121,13 @@ Yaml withFilesBeside( Yaml document, fs::path const & scenario, Scenario::Root c
                       folder.string(), error.code().message() ) );
    }
    return document;
+}
+
+std::string FilesBeside::comment( Yaml const & document ) const {
+   Yaml copy = document;
+   bool const stay = isOfRecord_ && !output_.isNamed() && !pathsIn( copy ).empty();
+   return stay ? "# The record holds the files that it names; -o FILE writes them beside FILE.\n"
+               : "";
 }
 
 }  // namespace CommandLine

@@ -6,21 +6,13 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
+#include <CommandLine/OutputFile.h>
 #include <Scenario/Root.h>
 #include <Scenario/Yaml.h>
 
 namespace CommandLine {
-
-// The comment on a scenario that names files of a record.
-inline constexpr char kFilesInRecord[] =
-   "# The record holds the files that it names; -o FILE writes them beside FILE.\n";
-
-// The folder for the files of a scenario in that file.
-std::filesystem::path folderBeside( std::filesystem::path const & scenario );
-
-// Whether the document names captures or feature files.
-bool namesFiles( Scenario::Yaml const & document );
 
 // Copies the files that the document names from the root into the folder beside `scenario`, and
 // returns the document with their new paths. The paths in the document begin in the folder of
@@ -28,5 +20,25 @@ bool namesFiles( Scenario::Yaml const & document );
 // cannot be copied; then a new folder is gone again.
 Scenario::Yaml withFilesBeside( Scenario::Yaml document, std::filesystem::path const & scenario,
                                 Scenario::Root const & root );
+
+// What a command does about the files of the scenario that it writes.
+class FilesBeside {
+ public:
+   // `isOfRecord`: a record holds the files; otherwise they stay where they are.
+   FilesBeside( OutputFile const & output, bool isOfRecord )
+         : output_( output ), isOfRecord_( isOfRecord ) {}
+
+   // To be called before the work. Throws Story::InputError where the scenario must not be written,
+   // or its files.
+   void check() const;
+   // The document, with the files of a record beside the scenario.
+   Scenario::Yaml taken( Scenario::Yaml document, Scenario::Root const & root ) const;
+   // The comment on a scenario whose files have stayed in the record; empty for another one.
+   std::string comment( Scenario::Yaml const & document ) const;
+
+ private:
+   OutputFile const & output_;
+   bool isOfRecord_;
+};
 
 }  // namespace CommandLine

@@ -72,6 +72,10 @@ WholeScenario ScenarioWords::readWhole() const {
    return { std::move( model ), Scenario::Whole( file, text ) };
 }
 
+std::string ScenarioWords::nameOf( WholeScenario const & whole ) const {
+   return file_ == "-" ? whole.model.file : file_.string();
+}
+
 Host::AgentConfig ScenarioWords::config() const {
    if ( source_ ) {
       return source_->config;

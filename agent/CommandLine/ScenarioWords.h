@@ -62,6 +62,8 @@ class ScenarioWords {
    Scenario::Model read( AddedSteps const & added = {} ) const;
    // The scenario together with its document; not for a source.
    WholeScenario readWhole() const;
+   // In messages: its file, also for one from standard input.
+   std::string nameOf( WholeScenario const & whole ) const;
    // nullptr: the scenario is none.
    RecordedRun const * record() const { return source_ ? nullptr : input().record(); }
    // Those of a run of it. Finds the plug-in; throws Story::InputError where there is none.

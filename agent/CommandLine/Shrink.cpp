@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
-#include <CommandLine/FilesBeside.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
@@ -69,19 +68,12 @@ Story::ExitCode Shrink::compareWithRecord( Scenario::Model const & scenario ) co
 
 std::string Shrink::textOf( Yaml document, Ending const & ending, Sizes const & sizes,
                             WholeScenario const & source ) const {
-   bool const isNamed = output_.isNamed();
-   if ( scenario_.record() && isNamed ) {
-      document = withFilesBeside( std::move( document ), output_.file(), source.root );
-   }
-   bool const isElsewhere = scenario_.record() && !isNamed && namesFiles( document );
+   FilesBeside const files = filesBeside();
+   document = files.taken( std::move( document ), source.root );
    return fmt::format( "# {}, made shorter: {}; of {}\n# It ends as follows: {}\n{}{}",
-                       Text::printable( nameOf( source ) ), sizes.after, sizes.before,
-                       Text::printable( ending.words() ), isElsewhere ? kFilesInRecord : "",
+                       Text::printable( scenario_.nameOf( source ) ), sizes.after, sizes.before,
+                       Text::printable( ending.words() ), files.comment( document ),
                        pageOf( document ) );
-}
-
-std::string Shrink::nameOf( WholeScenario const & source ) const {
-   return scenario_.file() == "-" ? source.model.file : scenario_.file().string();
 }
 
 Story::ExitCode Shrink::search( WholeScenario const & source, std::ostream & out ) {
@@ -103,7 +95,7 @@ Story::ExitCode Shrink::search( WholeScenario const & source, std::ostream & out
    if ( trials.signal() != 0 ) {
       return Story::exitCodeOf( trials.signal() );
    }
-   check( ending, nameOf( source ) );
+   check( ending, scenario_.nameOf( source ) );
    trials.lookFor( ending );
    told = &trials;
    Yaml const result = shrunk( document, trials );
@@ -118,10 +110,7 @@ Story::ExitCode Shrink::search( WholeScenario const & source, std::ostream & out
 }
 
 Story::ExitCode Shrink::perform( std::ostream & out ) {
-   output_.check();
-   if ( scenario_.record() && output_.isNamed() ) {
-      output_.checkFolder( folderBeside( output_.file() ) );
-   }
+   filesBeside().check();
    std::ignore = scenario_.config();  // a missing plug-in is no ending
    WholeScenario const source = scenario_.readWhole();
    auto const code = scenario_.record() ? compareWithRecord( source.model ) : Story::ExitCode::Held;

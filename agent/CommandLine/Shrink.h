@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CommandLine/Command.h>
+#include <CommandLine/FilesBeside.h>
 #include <CommandLine/Jobs.h>
 #include <CommandLine/OutputFile.h>
 #include <CommandLine/ScenarioWords.h>
@@ -33,7 +34,7 @@ class Shrink final : public Command {
    // The text of the short scenario; its files come beside it.
    std::string textOf( Scenario::Yaml document, Shrinking::Ending const & ending,
                        Sizes const & sizes, WholeScenario const & source ) const;
-   std::string nameOf( WholeScenario const & source ) const;
+   FilesBeside filesBeside() const { return { output_, scenario_.record() != nullptr }; }
 
    ScenarioWords scenario_;
    OutputFile output_;

@@ -50,7 +50,7 @@ std::map< Sequence, Findings > resultsBehindHeader( std::istream & in ) {
 
 std::vector< Branch > branchesOf( Exploration const & exploration, std::size_t length ) {
    std::vector< Branch > branches{ {} };
-   auto const events = static_cast< U16 >( exploration.events() );
+   U16 const events = exploration.events();
    for ( U16 first = 0; first < events; ++first ) {
       if ( !exploration.isCanonical( { first } ) ) {
          continue;
@@ -79,6 +79,7 @@ std::string encoded( Branch const & branch, Findings const & findings ) {
       { "sequences", findings.counts.sequences },
       { "standFor", findings.counts.standFor },
       { "without", findings.counts.without },
+      { "unnamed", findings.counts.unnamed },
       { "found", std::move( found ) }
    }.dump( -1, ' ', false, Json::error_handler_t::replace );
 }
@@ -87,7 +88,8 @@ std::pair< Branch, Findings > decoded( std::string const & line ) {
    Json const json = Json::parse( line );
    Branch const branch{ json.at( "branch" ), json.at( "isWhole" ) };
    Findings findings;
-   findings.counts = { json.at( "sequences" ), json.at( "standFor" ), json.at( "without" ) };
+   findings.counts = { json.at( "sequences" ), json.at( "standFor" ), json.at( "without" ),
+                       json.at( "unnamed" ) };
    for ( Json const & one : json.at( "found" ) ) {
       findings.add( { kindNamed( one.at( "kind" ) ), one.at( "what" ) }, one.at( "shortest" ),
                     one.at( "sequences" ) );

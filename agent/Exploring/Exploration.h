@@ -42,7 +42,7 @@ class Exploration {
    Scenario::Model const & model() const { return model_; }
    std::size_t length() const { return length_; }
 
-   std::size_t events() const { return texts_.size(); }
+   U16 events() const { return static_cast< U16 >( texts_.size() ); }
    Scenario::Step const & event( U16 number ) const {
       return model_.steps[ model_.ownSteps + number ];
    }

@@ -26,6 +26,7 @@ void Findings::add( Findings const & others ) {
    counts.sequences += others.counts.sequences;
    counts.standFor += others.counts.standFor;
    counts.without += others.counts.without;
+   counts.unnamed += others.counts.unnamed;
    for ( auto const & [ key, found ] : others.all ) {
       add( key, found.shortest, found.sequences );
    }

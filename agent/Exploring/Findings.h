@@ -37,6 +37,7 @@ struct Counts {
    U64 sequences = 0;  // that were tried
    U64 standFor = 0;   // these, and those that are like them
    U64 without = 0;    // further ones whose last event changed nothing
+   U64 unnamed = 0;    // ends without room for what is found (SharedFindings.h)
 
    friend bool operator==( Counts const &, Counts const & ) = default;
 };

@@ -27,7 +27,6 @@ struct Entry {
 
 struct SharedFindings::Memory {
    Counts counts;
-   bool isFull = false;
    std::size_t used = 0;
    std::array< Entry, kMost > entries;
 };
@@ -49,10 +48,6 @@ Counts & SharedFindings::counts() {
    return memory_->counts;
 }
 
-bool SharedFindings::isFull() const {
-   return memory_->isFull;
-}
-
 void SharedFindings::add( Kind kind, std::string_view what, Sequence const & sequence,
                           U64 weight ) {
    what = what.substr( 0, kLongest );
@@ -61,7 +56,7 @@ void SharedFindings::add( Kind kind, std::string_view what, Sequence const & seq
       return entry.kind == kind && entry.what() == what;
    } );
    if ( found == end && memory_->used == kMost ) {
-      memory_->isFull = true;
+      memory_->counts.unnamed += weight;
       return;
    }
    if ( found == end ) {

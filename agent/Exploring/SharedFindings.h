@@ -25,8 +25,6 @@ class SharedFindings {
    void add( Kind kind, std::string_view what, Sequence const & sequence, U64 weight );
 
    Findings findings() const;
-   // Whether some ways to end found no room.
-   bool isFull() const;
 
  private:
    struct Memory;

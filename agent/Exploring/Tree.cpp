@@ -1,5 +1,6 @@
 #include <Exploring/Tree.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <iostream>
@@ -116,17 +117,14 @@ class Node {
 
    // False when a step of it changes nothing.
    bool comeTo( Sequence const & sequence ) {
-      for ( U16 const event : sequence ) {
-         sequence_.push_back( event );
-         if ( !happens( event ) ) {
-            return false;
-         }
-      }
-      return true;
+      sequence_ = sequence;
+      return std::all_of( sequence.begin(), sequence.end(),
+                          [ this ]( U16 event ) { return happens( event ); } );
    }
 
    void tryAll() {
-      for ( U16 event = 0; event < exploration_.events(); ++event ) {
+      U16 const events = exploration_.events();
+      for ( U16 event = 0; event < events; ++event ) {
          tryOne( event, true );
       }
    }

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <regex>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
 
 namespace Shrinking {
 
@@ -27,6 +30,27 @@ std::string Ending::words() const {
       return *stop;
    }
    return failed.empty() ? badInput : failed.front();
+}
+
+std::string encoded( Ending const & ending ) {
+   nlohmann::json json{ { "failed", ending.failed }, { "badInput", ending.badInput } };
+   if ( ending.stop ) {
+      json[ "stop" ] = *ending.stop;
+   }
+   return json.dump( -1, ' ', false, nlohmann::json::error_handler_t::replace );
+}
+
+Ending decoded( std::string const & line ) {
+   try {
+      auto const json = nlohmann::json::parse( line );
+      Ending ending{ {}, json.at( "failed" ), json.at( "badInput" ) };
+      if ( json.contains( "stop" ) ) {
+         ending.stop = json[ "stop" ];
+      }
+      return ending;
+   } catch ( nlohmann::json::exception const & error ) {
+      throw std::runtime_error( error.what() );
+   }
 }
 
 void EndingTaken::onEvent( Story::Event const & event ) {

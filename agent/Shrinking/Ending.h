@@ -29,6 +29,10 @@ struct Ending {
    std::string words() const;
 };
 
+// In one line, and back; std::runtime_error for any other text.
+std::string encoded( Ending const & ending );
+Ending decoded( std::string const & line );
+
 class EndingTaken final : public Story::Observer {
  public:
    void onEvent( Story::Event const & event ) override;

@@ -2,66 +2,39 @@
 
 #include <algorithm>
 
+#include <Process/Workers.h>
 #include <Steps/Reader.h>
-#include <Testing/Workers.h>
 
 namespace Shrinking {
 
 namespace {
 
-// An ending as a worker's result, and back.
-Testing::Result resultOf( Ending const & ending ) {
-   Testing::Result result;
-   result.isOver = true;
-   result.title = ending.badInput;
-   result.expectations = ending.stop ? 1 : 0;
-   if ( ending.stop ) {
-      result.failures.push_back( { "", *ending.stop, {} } );
+Ending endingOf( Process::Worked const & worked ) {
+   if ( worked.result ) {
+      return decoded( *worked.result );
    }
-   for ( std::string const & failed : ending.failed ) {
-      result.failures.push_back( { "", failed, {} } );
-   }
-   return result;
-}
-
-Ending endingOf( Testing::Result const & result ) {
-   Ending ending;
-   ending.badInput = result.isOver ? result.title : "it was interrupted";
-   for ( Testing::Failure const & failure : result.failures ) {
-      if ( result.expectations != 0 && !ending.stop ) {
-         ending.stop = failure.what;
-      } else {
-         ending.failed.push_back( failure.what );
-      }
-   }
-   return ending;
+   return { {},
+            { "the process that ran the scenario ended with " + worked.end + ", without a result" },
+            {} };
 }
 
 }  // namespace
 
 std::vector< Ending > Trials::endingsOf( std::vector< std::string > const & texts ) {
-   // The workers take files; here a file is the number of a text.
-   std::vector< std::filesystem::path > numbers;
-   for ( std::size_t n = 0; n < texts.size(); ++n ) {
-      numbers.emplace_back( std::to_string( n ) );
-   }
-   auto const work = [ & ]( std::filesystem::path const & number ) {
+   auto const work = [ & ]( std::size_t number ) {
       try {
-         std::string const & text = texts.at( std::stoul( number.string() ) );
-         return resultOf(
-            config_.run( Steps::readScenarioText( text, config_.file, {}, {}, config_.root ) ) );
+         return encoded( config_.run(
+            Steps::readScenarioText( texts[ number ], config_.file, {}, {}, config_.root ) ) );
       } catch ( std::exception const & error ) {
-         return resultOf( { {}, {}, error.what() } );
+         return encoded( { {}, {}, error.what() } );
       }
    };
-   auto const tested = Testing::testAll( numbers, config_.jobs, work,
-                                         [ & ]( auto const & ) { config_.progress(); } );
+   std::vector< Ending > endings( texts.size(), { {}, {}, "it was interrupted" } );
+   auto const take = [ & ]( std::size_t number, Process::Worked const & worked ) {
+      endings[ number ] = Shrinking::endingOf( worked );
+   };
    runs_ += texts.size();
-   signal_ = tested.signal;
-   std::vector< Ending > endings;
-   for ( Testing::Result const & result : tested.results ) {
-      endings.push_back( Shrinking::endingOf( result ) );
-   }
+   signal_ = Process::workAll( { texts.size(), config_.jobs, work, take, config_.progress } );
    return endings;
 }
 

@@ -1,15 +1,11 @@
-// Runs scenarios side by side, each in a worker: a process of its own, a copy of this one, that
-// sends its result through a pipe.
+// Runs scenarios side by side, each in a process of its own (Process/Workers.h).
 //
 // Results do not depend on the number of workers or on the order in which these end. A worker that
-// ends without a result (it crashed, or the system killed it) is a failure of its scenario. The
-// workers do not outlive this process or a call. A signal that asks this process to end asks them,
-// too; a worker that has not ended kPatience later is killed.
+// ends without a result (it crashed, or the system killed it) is a failure of its scenario.
 //
 // The caller has one thread. Failures: std::system_error when no process can be started.
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -17,8 +13,6 @@
 #include <Testing/Result.h>
 
 namespace Testing {
-
-inline constexpr std::chrono::milliseconds kPatience{ 5000 };
 
 // Runs one scenario, within a worker.
 using Work = std::function< Result( std::filesystem::path const & file ) >;

@@ -12,71 +12,59 @@ Vtep vtepOf( Pelk::IpGenAddr const & vtep ) {
 
 namespace {
 
-using Events = std::vector< Event >;
+// How something comes, and how it goes.
+struct Events {
+   std::vector< Event > published;
+   std::vector< Event > withdrawn;
+};
 
-Events comes( Scenario::InterfacePort const & what ) {
-   return { PortIs{ interfaceOf( what.intf ),
-                    { what.port.unit(), what.port.logicalPort(), what.port.modId() } } };
-}
-Events goes( Scenario::InterfacePort const & what ) {
-   return { PortGoes{ interfaceOf( what.intf ) } };
-}
-
-Events comes( Scenario::PortChannelMember const & what ) {
-   return { MemberJoins{ interfaceOf( what.portChannel ), interfaceOf( what.member ) } };
-}
-Events goes( Scenario::PortChannelMember const & what ) {
-   return { MemberLeaves{ interfaceOf( what.member ) } };
+Events eventsOf( Scenario::InterfacePort const & what ) {
+   Interface const intf = interfaceOf( what.intf );
+   Port const port{ what.port.unit(), what.port.logicalPort(), what.port.modId() };
+   return { { PortIs{ intf, port } }, { PortGoes{ intf } } };
 }
 
-Events comes( Scenario::Segment const & what ) {
-   return { SegmentIs{ interfaceOf( what.intf ) } };
-}
-Events goes( Scenario::Segment const & what ) {
-   return { SegmentGoes{ interfaceOf( what.intf ) } };
-}
-
-Events comes( Scenario::SegmentVtep const & what ) {
-   return { VtepJoins{ interfaceOf( what.intf ), vtepOf( what.vtep ) } };
-}
-Events goes( Scenario::SegmentVtep const & what ) {
-   return { VtepLeaves{ interfaceOf( what.intf ), vtepOf( what.vtep ) } };
+Events eventsOf( Scenario::PortChannelMember const & what ) {
+   Interface const member = interfaceOf( what.member );
+   return { { MemberJoins{ interfaceOf( what.portChannel ), member } },
+            { MemberLeaves{ member } } };
 }
 
-Events comes( Scenario::VtepVirtualPort const & what ) {
-   return { VirtualPortIs{ vtepOf( what.vtep ), what.virtualPort } };
-}
-Events goes( Scenario::VtepVirtualPort const & what ) {
-   return { VirtualPortGoes{ vtepOf( what.vtep ) } };
+Events eventsOf( Scenario::Segment const & what ) {
+   Interface const intf = interfaceOf( what.intf );
+   return { { SegmentIs{ intf } }, { SegmentGoes{ intf } } };
 }
 
-Events comes( Scenario::TunnelInterface const & what ) {
-   return { TunnelIs{ interfaceOf( what.intf ) } };
-}
-Events goes( Scenario::TunnelInterface const & what ) {
-   return { TunnelGoes{ interfaceOf( what.intf ) } };
+Events eventsOf( Scenario::SegmentVtep const & what ) {
+   Interface const intf = interfaceOf( what.intf );
+   Vtep const vtep = vtepOf( what.vtep );
+   return { { VtepJoins{ intf, vtep } }, { VtepLeaves{ intf, vtep } } };
 }
 
-Events comes( Scenario::VrfVni const & what ) {
-   return { VniIs{ interfaceOf( what.intf ), what.vrf.stringValue(), what.vni.value() } };
+Events eventsOf( Scenario::VtepVirtualPort const & what ) {
+   Vtep const vtep = vtepOf( what.vtep );
+   return { { VirtualPortIs{ vtep, what.virtualPort } }, { VirtualPortGoes{ vtep } } };
 }
-Events goes( Scenario::VrfVni const & what ) {
-   return { VniGoes{ interfaceOf( what.intf ), what.vrf.stringValue() } };
+
+Events eventsOf( Scenario::TunnelInterface const & what ) {
+   Interface const intf = interfaceOf( what.intf );
+   return { { TunnelIs{ intf } }, { TunnelGoes{ intf } } };
+}
+
+Events eventsOf( Scenario::VrfVni const & what ) {
+   Interface const intf = interfaceOf( what.intf );
+   std::string const vrf = what.vrf.stringValue();
+   return { { VniIs{ intf, vrf, what.vni.value() } }, { VniGoes{ intf, vrf } } };
 }
 
 // Requests are the plug-in's own.
-Events comes( Scenario::ClassIdRequest const & ) {
-   return {};
-}
-Events goes( Scenario::ClassIdRequest const & ) {
+Events eventsOf( Scenario::ClassIdRequest const & ) {
    return {};
 }
 
-Events comes( Scenario::ClassIdGrant const & what ) {
-   return { GrantIs{ vtepOf( what.vtep ), what.id.value() } };
-}
-Events goes( Scenario::ClassIdGrant const & what ) {
-   return { GrantGoes{ vtepOf( what.vtep ) } };
+Events eventsOf( Scenario::ClassIdGrant const & what ) {
+   Vtep const vtep = vtepOf( what.vtep );
+   return { { GrantIs{ vtep, what.id.value() } }, { GrantGoes{ vtep } } };
 }
 
 Event inPlace( Scenario::SegmentReplaced const & what ) {
@@ -98,11 +86,11 @@ Event inPlace( Scenario::TunnelInterfaceReplaced const & what ) {
 }  // namespace
 
 std::vector< Event > published( Scenario::Published const & what ) {
-   return std::visit( []( auto const & one ) { return comes( one ); }, what );
+   return std::visit( []( auto const & one ) { return eventsOf( one ).published; }, what );
 }
 
 std::vector< Event > withdrawn( Scenario::Published const & what ) {
-   return std::visit( []( auto const & one ) { return goes( one ); }, what );
+   return std::visit( []( auto const & one ) { return eventsOf( one ).withdrawn; }, what );
 }
 
 Event replaced( Scenario::Replaced const & what ) {

@@ -149,6 +149,17 @@ TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
    EXPECT_EQ( all.begin()->second.sequences, 10U );
 }
 
+TEST( SharedFindings, CountThoseThatFindNoRoom ) {
+   Exploring::SharedFindings findings;
+   for ( std::size_t n = 0; n < Exploring::SharedFindings::kMost + 1; ++n ) {
+      findings.add( Exploring::Kind::stop, std::to_string( n ), { 1 }, 3 );
+   }
+   findings.add( Exploring::Kind::stop, "0", { 2 }, 3 );
+   EXPECT_EQ( findings.findings().all.size(), Exploring::SharedFindings::kMost );
+   EXPECT_EQ( findings.findings().counts.unnamed, 3U );
+   EXPECT_EQ( Exploring::decoded( encoded( {}, findings.findings() ) ).second.counts.unnamed, 3U );
+}
+
 // --- The program
 
 TEST_F( Explore, FindsTheStopByItsShortestSequence ) {

@@ -252,7 +252,18 @@ INSTANTIATE_TEST_SUITE_P( All, ShippedReplay, testing::ValuesIn( Shipped::scenar
 
 class WrongBuildReplay : public testing::Test {
  protected:
-   // Records a shipped scenario by the right build, and replays it with a wrong one.
+   // Records a shipped scenario with the steps of two-leaves by the right build, and replays it
+   // with a wrong one.
+   static void expectDifference( std::string const & scenario, std::string const & build,
+                                 std::string const & difference ) {
+      auto const ran = replayed( scenario, build );
+      EXPECT_EQ( ran.exitCode, 1 ) << ran.err;
+      EXPECT_EQ( withoutPlugIns( ran.out ),
+                 scenario + "\nDIFFERENT in step 9: ready subagents::l2Ready (" +
+                    Shipped::fileOf( "two-leaves" ).string() + ":58)\n" + difference );
+   }
+
+ private:
    static Support::Ran replayed( std::string const & scenario, std::string const & build ) {
       Support::Directory const directory;
       std::string const record = directory.path() / "record";
@@ -267,39 +278,26 @@ class WrongBuildReplay : public testing::Test {
       EXPECT_NE( line, std::string::npos ) << text;
       return text.substr( 0, line );
    }
-   // Both scenarios have the steps of the first.
-   static std::string firstLines( std::string const & scenario ) {
-      return scenario + "\nDIFFERENT in step 9: ready subagents::l2Ready (" +
-             Shipped::fileOf( "two-leaves" ).string() + ":58)\n";
-   }
 };
 
 TEST_F( WrongBuildReplay, NamesAnEgressMaskItsStepAndTheLastPublishedChange ) {
-   auto const ran = replayed( "two-leaves", "VornalEvpn-wrong-mask" );
-
-   EXPECT_EQ( ran.exitCode, 1 ) << ran.err;
-   EXPECT_EQ( withoutPlugIns( ran.out ),
-              firstLines( "two-leaves" ) +
-                 "   came       addEgressMaskAction: unit 0, entry 3, group 157, ports "
-                 "[]; returns 0\n"
-                 "   expected   addEgressMaskAction: unit 0, entry 3, group 157, ports "
-                 "[3, 4]; returns 0\n"
-                 "   published  writes "
-                 "/hardware/vornal/vp/status/vornalL3/remoteVport[2001:db8::4]: 104\n" );
+   expectDifference( "two-leaves", "VornalEvpn-wrong-mask",
+                     "   came       addEgressMaskAction: unit 0, entry 3, group 157, ports "
+                     "[]; returns 0\n"
+                     "   expected   addEgressMaskAction: unit 0, entry 3, group 157, ports "
+                     "[3, 4]; returns 0\n"
+                     "   published  writes "
+                     "/hardware/vornal/vp/status/vornalL3/remoteVport[2001:db8::4]: 104\n" );
 }
 
 TEST_F( WrongBuildReplay, NamesAClassIdItsStepAndTheLastPublishedChange ) {
-   auto const ran = replayed( "two-leaves-class-id", "VornalEvpn-wrong-class-id" );
-
-   EXPECT_EQ( ran.exitCode, 1 ) << ran.err;
-   EXPECT_EQ( withoutPlugIns( ran.out ),
-              firstLines( "two-leaves-class-id" ) +
-                 "   came       bcm_field_qualify_IngressClassField: unit 0, entry 4, "
-                 "data 2, mask 4294967295; returns 0\n"
-                 "   expected   bcm_field_qualify_IngressClassField: unit 0, entry 4, "
-                 "data 1, mask 4294967295; returns 0\n"
-                 "   published  writes /hardware/vornal/i2eclassid/status/slice/1/"
-                 "remoteESPeerVtep[10.0.0.2]: 1\n" );
+   expectDifference( "two-leaves-class-id", "VornalEvpn-wrong-class-id",
+                     "   came       bcm_field_qualify_IngressClassField: unit 0, entry 4, "
+                     "data 2, mask 4294967295; returns 0\n"
+                     "   expected   bcm_field_qualify_IngressClassField: unit 0, entry 4, "
+                     "data 1, mask 4294967295; returns 0\n"
+                     "   published  writes /hardware/vornal/i2eclassid/status/slice/1/"
+                     "remoteESPeerVtep[10.0.0.2]: 1\n" );
 }
 
 }  // namespace
