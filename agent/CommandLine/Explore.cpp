@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/FindingsText.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
@@ -24,54 +25,6 @@ namespace {
 using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
-using Story::Json;
-
-// --- The findings
-
-// The events, one below the other.
-std::string textOf( Exploration const & exploration, Sequence const & sequence ) {
-   std::string text = sequence.empty() ? "      (the start itself)\n" : "";
-   for ( U16 const event : sequence ) {
-      text += "      - " + exploration.text( event ) + '\n';
-   }
-   return text;
-}
-
-void print( Exploration const & exploration, Findings const & findings, std::ostream & out ) {
-   out << fmt::format( "{}: {}, which stand for {}; {} more changed nothing\n", exploration.name(),
-                       Story::counted( findings.counts.sequences, "sequence" ),
-                       findings.counts.standFor, findings.counts.without );
-   for ( auto const & [ key, found ] : findings.all ) {
-      out << fmt::format( "\n{}\n   in {}; the shortest:\n{}", Exploring::lineOf( key ),
-                          Story::counted( found.sequences, "sequence" ),
-                          textOf( exploration, found.shortest ) );
-   }
-   if ( findings.counts.unnamed != 0 ) {
-      out << fmt::format( "\n{} more end in further ways; there was no room for their names\n",
-                          findings.counts.unnamed );
-   }
-}
-
-Json jsonOf( Exploration const & exploration, Findings const & findings ) {
-   Json found = Json::array();
-   for ( auto const & [ key, one ] : findings.all ) {
-      Json steps = Json::array();
-      for ( U16 const event : one.shortest ) {
-         steps.push_back( exploration.text( event ) );
-      }
-      found.push_back( { { "kind", nameOf( key.kind ) },
-                         { "what", key.what },
-                         { "sequences", one.sequences },
-                         { "shortest", std::move( steps ) } } );
-   }
-   return { { "exploration", exploration.name() },
-            { "file", exploration.file().string() },
-            { "sequences", findings.counts.sequences },
-            { "standFor", findings.counts.standFor },
-            { "withoutEffect", findings.counts.without },
-            { "unnamed", findings.counts.unnamed },
-            { "findings", std::move( found ) } };
-}
 
 // --- The branches
 
@@ -144,6 +97,11 @@ void Explore::declare( CLI::App & app ) {
                    "Fail when other findings are made than those of this file" )
       ->type_name( "FILE" )
       ->check( problemOfName );
+   app.add_option( "--known", known_,
+                   "Name the scenarios below this folder that end like a finding, and fail when "
+                   "there is none" )
+      ->type_name( "FOLDER" )
+      ->check( problemOfName );
    app.add_option( "--write", folder_,
                    "Write the catalogue, and a scenario for each finding, into this folder" )
       ->type_name( "FOLDER" )
@@ -172,12 +130,17 @@ void Explore::readWords() {
    }
 }
 
-Findings Explore::explore( Exploration const & exploration, std::size_t length,
-                           int & signal ) const {
+Host::AgentConfig Explore::config( Exploration const & exploration ) const {
    Host::AgentConfig config;
    config.scenario = exploration.file().string();
    config.plugin = run_.plugin();
-   config.lastStep = static_cast< U32 >( exploration.model().ownSteps );
+   return config;
+}
+
+Findings Explore::explore( Exploration const & exploration, std::size_t length,
+                           int & signal ) const {
+   Host::AgentConfig config = this->config( exploration );
+   config.lastStep = static_cast< U32 >( exploration.firstEvent() );
    Exploring::Share share( exploration, length, shard_, results_ );
    auto const work = [ & ]( std::size_t number ) {
       return resultOf( exploration, config, share.open()[ number ], { length, run_.turnLimit() } );
@@ -224,9 +187,9 @@ Findings Explore::merged( Exploration const & exploration, std::size_t length ) 
 }
 
 // Without a catalogue, every finding is as expected.
-Story::ExitCode Explore::compare( Findings const & findings ) const {
+bool Explore::isAsInCatalogue( Findings const & findings ) const {
    if ( catalogue_.empty() ) {
-      return Story::ExitCode::Held;
+      return true;
    }
    auto const expected = Exploring::catalogueIn( catalogue_ );
    auto const found = catalogueOf( findings );
@@ -239,7 +202,19 @@ Story::ExitCode Explore::compare( Findings const & findings ) const {
    };
    tell( "new", found, expected );
    tell( "vanished", expected, found );
-   return found == expected ? Story::ExitCode::Held : Story::ExitCode::ExpectationFailed;
+   return found == expected;
+}
+
+// Without a folder of scenarios, every finding is known.
+bool Explore::isKnown( Findings const & findings, Exploring::KnownLimits const & limits ) const {
+   bool isKnown = true;
+   for ( auto const & [ key, found ] : findings.all ) {
+      if ( !known_.empty() && !limits.contains( key ) ) {
+         std::cerr << "shown by no scenario: " << lineOf( key ) << '\n';
+         isKnown = false;
+      }
+   }
+   return isKnown;
 }
 
 Story::ExitCode Explore::perform( std::ostream & out ) {
@@ -256,12 +231,18 @@ Story::ExitCode Explore::perform( std::ostream & out ) {
    if ( !folder_.empty() ) {
       writeFindings( folder_, exploration, findings );
    }
-   if ( isJson_ ) {
-      out << Story::documentText( jsonOf( exploration, findings ) );
-   } else {
-      print( exploration, findings, out );
+   Exploring::KnownLimits limits;
+   if ( !known_.empty() ) {
+      limits = Exploring::knownLimitsIn( known_, config( exploration ), jobs_.count() );
    }
-   return compare( findings );
+   if ( isJson_ ) {
+      out << Story::documentText( jsonOf( exploration, findings, limits ) );
+   } else {
+      print( exploration, findings, limits, out );
+   }
+   bool const isSame = isAsInCatalogue( findings );
+   return isKnown( findings, limits ) && isSame ? Story::ExitCode::Held
+                                                : Story::ExitCode::ExpectationFailed;
 }
 
 }  // namespace CommandLine

@@ -8,6 +8,7 @@
 #include <CommandLine/Command.h>
 #include <CommandLine/Jobs.h>
 #include <CommandLine/RunWords.h>
+#include <Exploring/KnownLimits.h>
 #include <Exploring/Share.h>
 
 namespace CommandLine {
@@ -24,7 +25,10 @@ class Explore final : public Command {
                                 int & signal ) const;
    Exploring::Findings merged( Exploring::Exploration const & exploration,
                                std::size_t length ) const;
-   Story::ExitCode compare( Exploring::Findings const & findings ) const;
+   Host::AgentConfig config( Exploring::Exploration const & exploration ) const;
+   bool isAsInCatalogue( Exploring::Findings const & findings ) const;
+   bool isKnown( Exploring::Findings const & findings,
+                 Exploring::KnownLimits const & limits ) const;
 
    std::vector< std::string > words_;  // the exploration; or "merge", it, and files of results
    std::optional< U32 > length_;
@@ -32,6 +36,7 @@ class Explore final : public Command {
    Exploring::Shard shard_;
    std::filesystem::path results_;    // empty: none
    std::filesystem::path catalogue_;  // empty: none
+   std::filesystem::path known_;      // a folder of scenarios; empty: none
    std::filesystem::path folder_;     // for scenarios; empty: none
    Jobs jobs_;
    RunWords run_;

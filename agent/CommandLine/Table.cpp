@@ -47,9 +47,8 @@ constexpr std::string_view kOfAShrink =
    "Exit codes: 0 made shorter, 2 bad input or usage, or a scenario that ends well, 129 SIGHUP, "
    "130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfAnExploration =
-   "Exit codes: 0 explored, 1 other findings than those of the catalogue, 2 bad input or usage, "
-   "129 "
-   "SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
+   "Exit codes: 0 explored, 1 other findings than those of the catalogue, or one that no known "
+   "scenario shows, 2 bad input or usage, 129 SIGHUP, 130 SIGINT (Ctrl-C), 143 SIGTERM";
 constexpr std::string_view kOfACheck = "Exit codes: 0 no mistakes, 2 mistakes, or bad usage";
 constexpr std::string_view kOfAShell =
    "Exit codes of a script, from the steps that are done at its end: 0 all held, 1 an expectation "
@@ -108,8 +107,8 @@ std::vector< Row > const & table() {
         "vornal shrink - -o few.yaml",
         create< Shrink >, kOfAShrink },
       { "explore", "Try every order of events on a switch, and tell how they end",
-        "vornal explore explorations/one-unit.yaml --length 2\n"
-        "vornal explore explorations/one-unit.yaml --shard 1/4 --results first.results",
+        "vornal explore explorations/start.yaml --known scenarios/limits\n"
+        "vornal explore explorations/start.yaml --shard 1/4 --results first.results",
         create< Explore >, kOfAnExploration },
       { "check", "Find every mistake of scenarios, without a run",
         "vornal check scenarios/start-up/scenario.yaml\n"

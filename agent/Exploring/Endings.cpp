@@ -13,11 +13,17 @@ namespace Exploring {
 
 namespace {
 
-// The text with N in place of each number and address.
+// The text with N in place of each number, address and key in brackets.
 std::string withoutNumbers( std::string_view text ) {
    constexpr std::string_view kOfAddresses = "0123456789.:/";
    std::string result;
    for ( std::size_t at = 0; at < text.size(); ) {
+      bool const isKey = at > 0 && text[ at - 1 ] == '[';
+      if ( isKey ) {
+         result += 'N';
+         at = std::min( text.find( ']', at ), text.size() );
+         continue;
+      }
       if ( std::isdigit( static_cast< unsigned char >( text[ at ] ) ) == 0 ) {
          result += text[ at++ ];
          continue;

@@ -7,11 +7,9 @@
 
 #include <fmt/format.h>
 
-#include <Exploring/Exchanges.h>
-#include <Scenario/Document.h>
+#include <Exploring/Words.h>
+#include <Scenario/Description.h>
 #include <Scenario/File.h>
-#include <Scenario/Parts.h>
-#include <Scenario/Shape.h>
 #include <Scenario/Whole.h>
 #include <Steps/Reader.h>
 
@@ -20,124 +18,10 @@ namespace Exploring {
 namespace {
 
 namespace fs = std::filesystem;
-namespace Shape = Scenario::Shape;
-using Scenario::Reading;
-using Scenario::Value;
 using Scenario::Yaml;
-
-// --- The words
-
-struct Words {
-   std::string name;
-   std::string base;
-   std::string variant;
-   std::size_t length = 0;
-   std::vector< Alike > alike;
-   int alikeLine = 1;
-   std::vector< int > eventLines;
-};
-
-template< std::string Words::*member >
-void readText( Reading & reading, Value const & value, Words & words ) {
-   words.*member = stringOf( reading, value ).value_or( "" );
-}
-
-void readDescription( Reading & reading, Value const & value, Words & ) {
-   stringOf( reading, value );
-}
-
-void readVariant( Reading & reading, Value const & value, Words & words ) {
-   if ( choiceOf( reading, value, Scenario::variants() ) ) {
-      words.variant = value.node.Scalar();
-   }
-}
-
-void readLength( Reading & reading, Value const & value, Words & words ) {
-   words.length =
-      numberOf( reading, value, 1, static_cast< U32 >( Exploration::kLongest ) ).value_or( 0 );
-}
-
-// One thing: its names in a list, or its only name.
-Names namesIn( Reading & reading, Value const & value ) {
-   Names names;
-   for ( Value const & name :
-         value.node.IsSequence() ? listOf( reading, value ) : std::vector< Value >{ value } ) {
-      names.push_back( stringOf( reading, name ).value_or( "" ) );
-   }
-   return names;
-}
-
-void readAlike( Reading & reading, Value const & value, Words & words ) {
-   words.alikeLine = value.line;
-   for ( Value const & group : listOf( reading, value ) ) {
-      Alike alike;
-      for ( Value const & thing : listOf( reading, group ) ) {
-         alike.push_back( namesIn( reading, thing ) );
-         if ( alike.back().size() != alike.front().size() ) {
-            reading.problem( thing.line, "things that are alike have as many names each" );
-         }
-      }
-      words.alike.push_back( std::move( alike ) );
-   }
-}
-
-void readEvents( Reading & reading, Value const & value, Words & words ) {
-   for ( Value const & event : listOf( reading, value ) ) {
-      words.eventLines.push_back( event.line );
-   }
-   if ( words.eventLines.empty() || words.eventLines.size() > Exploration::kMostEvents ) {
-      reading.problem( value.line, fmt::format( "an exploration has from 1 to {} events",
-                                                Exploration::kMostEvents ) );
-   }
-}
-
-Scenario::Table< Words > const & table() {
-   static Scenario::Table< Words > const table{
-      { "exploration", "A switch, and the events that may happen to it in any order." },
-      { { { "exploration", "exploration: two-vteps", Shape::of( "text", "Its name." ) },
-          readText< &Words::name > },
-        { { "description", "", Shape::of( "text", "The purpose of the exploration." ) },
-          readDescription },
-        { { "based-on", "based-on: ../start-up/scenario.yaml",
-            Shape::of( "text",
-                       "The scenario that describes the switch, and whose steps come first; "
-                       "relative to this file." ) },
-          readText< &Words::base > },
-        { { "variant", "", Shape::of( "variant" ) }, readVariant },
-        { { "length", "length: 4", Shape::of( "text", "The events of the longest sequence." ) },
-          readLength },
-        { { "alike", "", Shape::of( "text", "Words that can be exchanged for one another." ) },
-          readAlike },
-        { { "events", "events: [ ready: subagents::l2Ready ]",
-            Shape::listOf( Shape::of( "step" ), "The events." ) },
-          readEvents } }
-   };
-   return table;
-}
 
 [[noreturn]] void refuse( fs::path const & file, int line, std::string const & why ) {
    throw Scenario::ReadError( { { file.string(), line, why } } );
-}
-
-Words wordsOf( fs::path const & file, std::string const & text ) {
-   Reading reading( file.string(), text );
-   Words words;
-   readMapping( reading, Scenario::documentIn( text, file.string() ), table(), words );
-   if ( reading.problemsSoFar() != 0 ) {
-      throw Scenario::ReadError( reading.problems() );
-   }
-   return words;
-}
-
-// The scenario that the exploration begins with.
-Yaml beginning( std::string const & name, std::string const & base, std::string const & variant ) {
-   using Scenario::yamlText;
-   Yaml document = Scenario::yamlMapping(
-      { { "scenario", yamlText( name ) }, { "based-on", yamlText( base ) } } );
-   if ( !variant.empty() ) {
-      document.set( "variant", yamlText( variant ) );
-   }
-   return document;
 }
 
 std::string inLineText( Yaml value ) {
@@ -155,50 +39,126 @@ std::string lineOf( Yaml const & step ) {
    return word + ": " + inLineText( std::move( value ) );
 }
 
-// The parts of a switch that an exchange must leave as they are.
-Yaml partsOf( Scenario::Whole const & whole, fs::path const & file ) {
-   Yaml document = whole.document( file, whole.steps() );
-   document.remove( "description" );
+// The list of that name, element by element; nothing for one that is not there.
+std::vector< Yaml > elementsOf( Yaml const & document, std::string const & name ) {
+   Yaml const * const list = document.find( name );
+   return list ? list->parts : std::vector< Yaml >();
+}
+
+// The steps as additions to a scenario, on their lines of the file.
+void addSteps( fs::path const & file, std::vector< Yaml > const & steps,
+               std::vector< int > const & lines, bool areChoices,
+               std::vector< Scenario::AddedStep > & added ) {
+   for ( std::size_t n = 0; n < steps.size(); ++n ) {
+      std::string const above( static_cast< std::size_t >( lines[ n ] - 1 ), '\n' );
+      added.push_back( { file.string(), above + lineOf( steps[ n ] ), {}, areChoices } );
+   }
+}
+
+// Those that the variant takes, without the word 'only-on'.
+std::vector< Yaml > takenBy( std::string const & variant, std::vector< Yaml > const & steps ) {
+   std::vector< Yaml > taken;
+   for ( Yaml step : steps ) {
+      Yaml const * const onlyOn = step.find( "only-on" );
+      if ( !onlyOn || onlyOn->text == variant ) {
+         step.remove( "only-on" );
+         taken.push_back( std::move( step ) );
+      }
+   }
+   return taken;
+}
+
+// The scenario that the exploration begins with, less its own steps.
+Yaml beginning( Words const & words ) {
+   using Scenario::yamlText;
+   Yaml document = Scenario::yamlMapping(
+      { { "scenario", yamlText( words.name ) }, { "based-on", yamlText( words.base ) } } );
+   if ( !words.variant.empty() ) {
+      document.set( "variant", yamlText( words.variant ) );
+   }
    return document;
 }
 
 }  // namespace
 
+// A file with events: the exploration's own, or one whose events it takes.
+struct Exploration::Source {
+   fs::path file;
+   std::string text;
+   Words words;
+   Yaml document;
+
+   explicit Source( fs::path const & path )
+         : file( path ),
+           text( Scenario::textIn( path ) ),
+           words( wordsIn( text, path ) ),
+           document( Scenario::yamlIn( text ) ) {}
+
+   std::vector< Yaml > steps() const { return elementsOf( document, "steps" ); }
+   std::vector< Yaml > events() const { return elementsOf( document, "events" ); }
+};
+
 Exploration::Exploration( fs::path const & file ) : file_( file ) {
-   std::string const text = Scenario::textIn( file );
-   Words const words = wordsOf( file, text );
-   name_ = words.name;
-   base_ = words.base;
-   variant_ = words.variant;
-   length_ = words.length;
-   Yaml const document = Scenario::yamlIn( text );
-   std::vector< Yaml > const & events = document.find( "events" )->parts;
+   Source const own( file );
+   name_ = own.words.name;
+   length_ = own.words.length;
    std::vector< Scenario::AddedStep > added;
-   for ( std::size_t n = 0; n < events.size(); ++n ) {
-      std::string const line = lineOf( events[ n ] );
-      std::string const above( static_cast< std::size_t >( words.eventLines[ n ] - 1 ), '\n' );
-      added.push_back( { file.string(), above + line, {}, true } );
-      texts_.push_back( line );
+   addSteps( file, own.steps(), own.words.stepLines, false, added );
+   std::vector< Yaml > events;
+   std::vector< Alike > alike;
+   Place place{ file, 1 };
+   for ( Source const & source : sourcesOf( own ) ) {
+      auto const more = source.events();
+      addSteps( source.file, more, source.words.eventLines, true, added );
+      events.insert( events.end(), more.begin(), more.end() );
+      alike.insert( alike.end(), source.words.alike.begin(), source.words.alike.end() );
+      if ( !source.words.alike.empty() ) {
+         place = { source.file, source.words.alikeLine };
+      }
+      texts_ += source.text;
    }
-   model_ = Steps::readScenarioText( textOf( beginning( name_, base_, variant_ ) ), file, added );
-   if ( model_.steps.size() != model_.ownSteps + texts_.size() ) {
-      refuse( file, words.eventLines.front(),
-              "an event is for both variants; leave out 'only-on'" );
+   if ( events.empty() || events.size() > kMostEvents ) {
+      refuse( file, 1, fmt::format( "an exploration has from 1 to {} events", kMostEvents ) );
    }
-   readExchanges( words.alike, words.alikeLine, events );
+   device_ = beginning( own.words );
+   model_ = Steps::readScenarioText( textOf( device_ ), file, added );
+   std::string const variant( Scenario::nameOf( model_.device.variant ) );
+   events = takenBy( variant, events );
+   device_.set( "steps", Scenario::yamlList( takenBy( variant, own.steps() ) ) );
+   for ( Yaml const & event : events ) {
+      events_.push_back( lineOf( event ) );
+   }
+   firstEvent_ = model_.steps.size() - events_.size();
+   readExchanges( alike, place, events );
+}
+
+// The files that name events, the own one last.
+std::vector< Exploration::Source > Exploration::sourcesOf( Source const & own ) {
+   if ( own.words.eventsOf.empty() ) {
+      return { own };
+   }
+   Source const other( ( own.file.parent_path() / own.words.eventsOf ).lexically_normal() );
+   if ( !other.words.eventsOf.empty() ) {
+      refuse( own.file, own.words.eventsOfLine,
+              "events-of is '" + own.words.eventsOf +
+                 "', which takes events of another exploration itself; name that one" );
+   }
+   return { other, own };
 }
 
 // An exchange is one of events, and leaves the switch as it is.
-void Exploration::readExchanges( std::vector< Alike > const & groups, int line,
+void Exploration::readExchanges( std::vector< Alike > const & groups, Place const & place,
                                  std::vector< Yaml > const & events ) {
    std::map< std::string, U16 > numbers;
    for ( std::size_t n = 0; n < events.size(); ++n ) {
       numbers[ exchangedText( events[ n ], {} ) ] = static_cast< U16 >( n );
    }
-   Yaml const device = partsOf( { file_, textOf( beginning( name_, base_, variant_ ) ) }, file_ );
+   Scenario::Whole const whole( file_, textOf( device_ ) );
+   Yaml device = whole.document( file_, whole.steps() );
+   device.remove( "description" );
    for ( WordExchange const & words : exchangesOf( groups ) ) {
       if ( exchangedText( device, words ) != exchangedText( device, {} ) ) {
-         refuse( file_, line,
+         refuse( place.file, place.line,
                  fmt::format( "the switch is another one when {} takes the place of {}; leave them "
                               "out, or name all that belongs to each",
                               words.begin()->second, words.begin()->first ) );
@@ -207,10 +167,10 @@ void Exploration::readExchanges( std::vector< Alike > const & groups, int line,
       for ( std::size_t n = 0; n < events.size(); ++n ) {
          auto const found = numbers.find( exchangedText( events[ n ], words ) );
          if ( found == numbers.end() ) {
-            refuse( file_, line,
+            refuse( place.file, place.line,
                     fmt::format( "event {}, '{}', becomes no other event when words that are alike "
                                  "are exchanged; add that event, or leave the words out",
-                                 n + 1, texts_[ n ] ) );
+                                 n + 1, events_[ n ] ) );
          }
          exchange.push_back( found->second );
       }
@@ -245,14 +205,13 @@ std::size_t Exploration::weight( Sequence const & sequence ) const {
 }
 
 std::string Exploration::scenarioText( Sequence const & sequence, fs::path const & place ) const {
-   Scenario::Whole const whole( file_, textOf( beginning( name_, base_, variant_ ) ) );
-   Yaml document =
-      beginning( Scenario::nameFor( place ), Scenario::pathFrom( place, whole.base() ), variant_ );
-   Yaml steps = Scenario::yamlList();
+   Scenario::Whole const whole( file_, textOf( device_ ) );
+   Yaml document = device_;
+   document.set( "scenario", Scenario::yamlText( Scenario::nameFor( place ) ) );
+   document.set( "based-on", Scenario::yamlText( Scenario::pathFrom( place, whole.base() ) ) );
    for ( U16 const event : sequence ) {
-      steps.add( Scenario::yamlIn( texts_[ event ] ) );
+      document.part( "steps" ).add( Scenario::yamlIn( events_[ event ] ) );
    }
-   document.set( "steps", std::move( steps ) );
    return textOf( document );
 }
 
@@ -266,7 +225,7 @@ U64 Exploration::fingerprint() const {
          number = ( number ^ static_cast< U8 >( character ) ) * kPrime;
       }
    };
-   add( Scenario::textIn( file_ ) );
+   add( texts_ );
    for ( Scenario::SourceText const & source : model_.texts ) {
       add( source.text );
    }

@@ -1,24 +1,15 @@
 #include <Exploring/Tree.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <iostream>
-#include <sstream>
 #include <stdexcept>
-#include <tuple>
 
 #include <fmt/format.h>
 
 #include <Exploring/Endings.h>
-#include <Process/Descriptor.h>
-#include <Process/LastWords.h>
+#include <Exploring/Processes.h>
 #include <Story/InputError.h>
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/mman.h>
-#include <sys/prctl.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,8 +17,6 @@
 namespace Exploring {
 
 namespace {
-
-constexpr U32 kRingLines = 64;  // nobody reads them
 
 // Notes whether anything has happened.
 class Effect final : public Story::Observer {
@@ -38,61 +27,6 @@ class Effect final : public Story::Observer {
 
    bool isThere = false;
 };
-
-// What a process and those below it write to standard error; their standard output is lost.
-class Output {
- public:
-   Output() : text_( memfd_create( "output", MFD_CLOEXEC ) ) {}
-
-   void redirect() const {
-      Process::Descriptor const nothing( open( "/dev/null", O_WRONLY | O_CLOEXEC ) );
-      dup2( nothing.fd(), STDOUT_FILENO );
-      dup2( text_.fd(), STDERR_FILENO );
-   }
-   void clear() const {
-      std::ignore = ftruncate( text_.fd(), 0 );
-      lseek( text_.fd(), 0, SEEK_SET );
-   }
-   Process::LastWords lastWords() const {
-      std::string text;
-      lseek( text_.fd(), 0, SEEK_SET );
-      while ( text_.readInto( text ) ) {
-      }
-      Process::LastWords words;
-      std::istringstream lines( text );
-      for ( std::string line; std::getline( lines, line ); ) {
-         words.lineNew( line );
-      }
-      return words;
-   }
-
- private:
-   Process::Descriptor text_;
-};
-
-int waitFor( pid_t pid ) {
-   int status = 0;
-   while ( waitpid( pid, &status, 0 ) < 0 && errno == EINTR ) {
-   }
-   return status;
-}
-
-// A copy of this process; it ends with the other one.
-pid_t forked() {
-   pid_t const parent = getpid();
-   pid_t const pid = fork();
-   if ( pid < 0 ) {
-      Process::throwSystemError( "cannot start a process for a sequence" );
-   }
-   if ( pid == 0 ) {
-      signal( SIGALRM, SIG_DFL );
-      prctl( PR_SET_PDEATHSIG, SIGKILL );
-      if ( getppid() != parent ) {
-         _exit( EXIT_FAILURE );
-      }
-   }
-   return pid;
-}
 
 // The time that an event may take; its process is killed by SIGALRM.
 void timeIs( std::chrono::milliseconds time ) {
@@ -222,18 +156,9 @@ Findings explored( Exploration const & exploration, Host::AgentConfig const & co
                    Branch const & branch, Limits const & limits ) {
    SharedFindings findings;
    Output const output;
-   pid_t const pid = forked();
-   if ( pid == 0 ) {
-      output.redirect();
-      try {
-         tryBranch( exploration, config, branch, limits, output, findings );
-         _exit( EXIT_SUCCESS );
-      } catch ( std::exception const & error ) {
-         std::cerr << error.what() << std::endl;
-         _exit( EXIT_FAILURE );
-      }
-   }
-   int const status = waitFor( pid );
+   int const status = inProcess( output, [ & ] {
+      tryBranch( exploration, config, branch, limits, output, findings );
+   } );
    if ( branch.begin.empty() && status != 0 ) {
       throw std::runtime_error(
          fmt::format( "the switch does not come up: {}", lastLineOf( output.lastWords() ) ) );

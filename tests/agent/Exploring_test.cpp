@@ -129,11 +129,81 @@ TEST_F( Explore, NamesTheLineOfAMistake ) {
    EXPECT_TRUE( contains( mistakes( whole + "   - publsh: {}\n" ), "segments.yaml:12: " ) );
    EXPECT_TRUE( contains( mistakes( whole + "   - publish: { vteps: { x: {} } }\n" ),
                           "segments.yaml:12: " ) );
-   EXPECT_TRUE( contains( mistakes( whole + "   - { note: x, only-on: class-id }\n" ),
-                          "leave out 'only-on'" ) );
+   EXPECT_TRUE(
+      contains( mistakes( whole + "   - { note: x, only-on: class }\n" ), "segments.yaml:12: " ) );
+   EXPECT_TRUE(
+      contains( mistakes( kHead + std::string( "steps: [ { note: x }, { nte: x } ]\n" ) + kEvents ),
+                "segments.yaml:4: " ) );
+   EXPECT_TRUE( contains( mistakes( kHead + std::string( "events: []\n" ) ),
+                          "segments.yaml:1: an exploration has from 1 to 1000 events" ) );
    EXPECT_TRUE( contains( mistakes( "exploration: a\nbased-on: none.yaml\nlength: 1\n" +
                                     std::string( kEvents ) ),
                           "none.yaml" ) );
+}
+
+TEST_F( Explore, TakesTheEventsOfItsVariant ) {
+   std::string const text =
+      whole + "   - { note: x, only-on: class-id }\n   - { note: y, only-on: egress-mask }\n";
+   Exploration const masks( file( text ) );
+   ASSERT_EQ( masks.events(), 6U );
+   EXPECT_EQ( masks.text( 5 ), "note: y" );
+   EXPECT_EQ( masks.event( 5 ).action->description(), "y" );
+   Exploration const classIds( file( "variant: class-id\n" + text ) );
+   ASSERT_EQ( classIds.events(), 6U );
+   EXPECT_EQ( classIds.text( 5 ), "note: x" );
+   EXPECT_EQ( classIds.event( 5 ).action->description(), "x" );
+}
+
+TEST_F( Explore, TakesTheEventsOfAnotherExploration ) {
+   Exploration const other( file( whole ) );
+   auto const further = [ & ]( std::string const & of, std::string const & events ) {
+      return directory.file( "further.yaml",
+                             "exploration: further\nbased-on: leaf.yaml\nlength: 1\n"
+                             "events-of: " +
+                                of + '\n' + events );
+   };
+   Exploration const exploration( further( "segments.yaml", "events:\n   - note: x\n" ) );
+   ASSERT_EQ( exploration.events(), 6U );
+   EXPECT_EQ( exploration.text( 4 ), other.text( 4 ) );
+   EXPECT_EQ( exploration.text( 5 ), "note: x" );
+   EXPECT_FALSE( exploration.isCanonical( { 2 } ) );  // what is alike there is alike here
+   EXPECT_NE( exploration.fingerprint(),
+              Exploration( further( "segments.yaml", "" ) ).fingerprint() );
+
+   auto const refused = [ & ]( std::string const & of ) {
+      try {
+         Exploration const none( further( of, "" ) );
+         return std::string();
+      } catch ( Scenario::ReadError const & error ) {
+         return std::string( error.what() );
+      }
+   };
+   EXPECT_TRUE( contains( refused( "further.yaml" ),
+                          "further.yaml:4: events-of is 'further.yaml', "
+                          "which takes events of another" ) );
+   EXPECT_TRUE( contains( refused( "nowhere.yaml" ), "nowhere.yaml" ) );
+   file( whole + "   - publsh: {}\n" );
+   EXPECT_TRUE( contains( refused( "segments.yaml" ), "segments.yaml:12: " ) );
+}
+
+TEST_F( Explore, BeginsWithItsSteps ) {
+   std::string const steps =
+      "steps:\n"
+      "   - ready: subagents::l2Ready\n"
+      "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n";
+   auto const ran = explore(
+      { file( kHead + steps + kEvents ), "--length", "1", "--write", directory.path() / "found" } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out,
+                          "the shortest:\n"
+                          "      - publish: {segments: {Ethernet2: [10.0.0.9]}}\n" ) )
+      << ran.out;
+   auto const again = Support::vornal( { "run", directory.path() / "found/01.yaml", "--plugin",
+                                         Support::testPlugin( "segment-rules" ) } );
+   EXPECT_EQ( again.exitCode, 3 ) << again.err;
+
+   EXPECT_TRUE( contains( mistakes( kHead + steps + kAlike + kEvents ),
+                          "segments.yaml:7: the switch is another one when " ) );
 }
 
 TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
@@ -284,6 +354,32 @@ TEST_F( Explore, FailsWhenAFindingIsNewOrHasVanished ) {
    auto const ran = explore( { exploration, "--catalogue", catalogue } );
    EXPECT_EQ( ran.exitCode, 1 );
    EXPECT_EQ( ran.err, "new: " + first + "vanished: hang x\n" );
+}
+
+TEST_F( Explore, NamesTheScenariosThatEndLikeAFinding ) {
+   std::filesystem::create_directory( directory.path() / "limits" );
+   std::string const stops =
+      directory.file( "limits/stops.yaml",
+                      std::string( kSwitch ) +
+                         "   - ready: subagents::l2Ready\n"
+                         "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n"
+                         "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" );
+   std::string const limits = directory.path() / "limits";
+   auto const ran = explore( { file( whole ), "--known", limits } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, "\n   shown by " + stops + '\n' ) ) << ran.out;
+
+   directory.file( "limits/stops.yaml", kSwitch );
+   auto const unknown = explore( { file( whole ), "--known", limits, "--json" } );
+   EXPECT_EQ( unknown.exitCode, 1 );
+   EXPECT_TRUE( unknown.err.starts_with( "shown by no scenario: stop entryIds() < kMostSegments" ) )
+      << unknown.err;
+   EXPECT_TRUE( nlohmann::json::parse( unknown.out )[ "findings" ][ 0 ][ "shownBy" ].empty() );
+
+   directory.file( "limits/stops.yaml", "scenario: broken\n" );
+   auto const broken = explore( { file( whole ), "--known", limits } );
+   EXPECT_EQ( broken.exitCode, 2 );
+   EXPECT_TRUE( contains( broken.err, "this scenario of a limit cannot be run" ) ) << broken.err;
 }
 
 // The shipped plug-in, and a build of it that puts another port into masks.

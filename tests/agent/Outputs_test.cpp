@@ -54,7 +54,7 @@ class Outputs : public testing::Test {
 // Every command, in each form of its output: its name, and the words behind it.
 std::multimap< std::string, std::string > printing( std::string const & plugin ) {
    std::string const frames = VORNAL_SOURCE_DIR "/scenarios/two-leaves/scenario.yaml";
-   std::string const exploration = VORNAL_SOURCE_DIR "/explorations/one-unit.yaml";
+   std::string const exploration = VORNAL_SOURCE_DIR "/explorations/start.yaml";
    return { { "run", "leaf.yaml" + plugin },
             { "run", "--json leaf.yaml" + plugin },
             { "run", "--events leaf.yaml" + plugin },

@@ -93,7 +93,7 @@ TEST( Versions, StandFirstInEachJsonDocument ) {
            { "diff", kScenario, "--after", "0" },
            { "verify", kScenario },
            { "check", kScenario },
-           { "explore", VORNAL_SOURCE_DIR "/explorations/one-unit.yaml", "--length", "1" },
+           { "explore", VORNAL_SOURCE_DIR "/explorations/start.yaml", "--length", "1" },
            { "replay", record },
            { "ring", ring } } ) {
       expectVersionFirst( words, versionOf( "JSON documents" ) );
