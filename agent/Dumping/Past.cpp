@@ -44,7 +44,7 @@ Past pastOf( std::vector< Yaml > const & steps ) {
          }
       }
       past.hasFrames = past.hasFrames || step.find( "frame" ) || step.find( "frames" );
-      past.hasFaults = past.hasFaults || step.find( "fail-call" );
+      past.hasFaults = past.hasFaults || step.find( "fail-call" ) || step.find( "refuse-entry" );
    }
    return past;
 }

@@ -40,6 +40,10 @@ void readNumber( Reading & reading, Value const & value, FailCall & fail ) {
    fail.number = numberOf( reading, value, 1, kHighestNumber ).value_or( 1 );
 }
 
+void readLasting( Reading & reading, Value const & value, FailCall & fail ) {
+   fail.isLasting = yesOrNoOf( reading, value ).value_or( false );
+}
+
 // A whole number without quotes; it can be negative.
 std::optional< S32 > codeIn( YAML::Node const & node ) {
    constexpr char const * kQuoted = "!";
@@ -66,13 +70,18 @@ constexpr std::string_view kCode = R"({
 Table< FailCall > const & failCallTable() {
    static Table< FailCall > const table{
       { "fail-call", "A later call of the chip is not made and gives a result code." },
-      { { { "operation", "operation: installEntry", Shape::of( "chip-operation" ) },
+      { { { "operation", "",
+            Shape::of( "chip-operation", "The operation; any that can fail if left out." ) },
           readOperation },
         { { "number", "",
             Shape::number(
                1, kHighestNumber,
                "The number of the call, counted from now on; the next one if left out." ) },
           readNumber },
+        { { "lasting", "",
+            Shape::json( R"({ "type": "boolean" })",
+                         "Whether all such calls behind it fail as well." ) },
+          readLasting },
         { { "code", "code: -1", Shape::json( kCode, "The result code: negative for a failure." ) },
           readCode } }
    };
@@ -90,13 +99,17 @@ void FailCall::read( Reading & reading, Value const & value ) {
 }
 
 std::string FailCall::description() const {
-   return fmt::format( "call {} of {} from now on is not made and gives code {}", number, operation,
-                       code );
+   std::string const of = operation.empty() ? "" : " of " + operation;
+   return isLasting
+             ? fmt::format( "calls{} from number {} from now on are not made and give code {}", of,
+                            number, code )
+             : fmt::format( "call {}{} from now on is not made and gives code {}", number, of,
+                            code );
 }
 
 void FailCall::queue( Context const & context, int line ) const {
    context.turnNew( line, [ this, &context ] {
-      context.faults.faultNew( { number, code, operation } );
+      context.faults.faultNew( { number, code, operation, isLasting } );
    } );
 }
 

@@ -15,6 +15,7 @@
 #include <Steps/Note.h>
 #include <Steps/Publish.h>
 #include <Steps/Ready.h>
+#include <Steps/RefuseEntry.h>
 #include <Steps/Replace.h>
 #include <Steps/Set.h>
 #include <Steps/Turn.h>
@@ -68,6 +69,7 @@ std::vector< Row > const & table() {
                                          step< Dump >( "dump" ),
                                          step< DriftStep >( "drift" ),
                                          step< FailCall >( "fail-call" ),
+                                         step< RefuseEntry >( "refuse-entry" ),
                                          step< Verify >( "verify" ),
                                          step< Expect >( "expect" ) };
    return rows;

@@ -13,12 +13,26 @@ std::optional< S32 > Faults::nextResult( std::string_view operation ) {
    std::optional< S32 > result;
    for ( Fault & fault : pending_ ) {
       bool const isMeant = fault.operation.empty() || fault.operation == operation;
-      if ( isMeant && --fault.nth == 0 && !result ) {
+      bool const isDue = isMeant && --fault.nth == 0;
+      if ( isDue && !result ) {
          result = fault.code;
       }
+      fault.nth += isDue && fault.isLasting ? 1 : 0;
    }
    std::erase_if( pending_, []( Fault const & fault ) { return fault.nth == 0; } );
    return result;
+}
+
+void Faults::refusalNew( U64 nth ) {
+   QUELM_ASSERT( nth > 0 );
+   refusals_.push_back( nth );
+}
+
+bool Faults::isNextRefused() {
+   for ( U64 & nth : refusals_ ) {
+      --nth;
+   }
+   return std::erase( refusals_, U64{ 0 } ) != 0;
 }
 
 }  // namespace Chip

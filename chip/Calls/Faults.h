@@ -2,8 +2,8 @@
 //
 // A call that fails is not made; its caller gets the code given. A shim (Decorators/FailingSdk.h)
 // and the entry managers (Tcam/SoftTcamEntryManager.h) ask here before every call, so that one list
-// of faults holds for all that reaches the chip. getEntry has no result code and cannot fail so;
-// only a group without room refuses an entry.
+// of faults holds for all that reaches the chip. getEntry has no result code: a request for an
+// entry can be refused, as by a group without room.
 //
 // Cost: nothing while no fault is pending. Threads: those of the calls, one at a time.
 #pragma once
@@ -24,6 +24,7 @@ struct Fault {
    U64 nth;   // which of the calls, from 1
    S32 code;  // negative for a failure, positive for a success of a call that did nothing; not 0
    std::string operation{};  // counts and fails calls of this operation only; empty for any
+   bool isLasting = false;   // the calls behind the nth fail, too
 };
 
 // The operations whose calls can fail: all field calls, and all operations of the entry managers
@@ -56,8 +57,14 @@ class Faults {
    // Counts the call.
    std::optional< S32 > nextResult( std::string_view operation );
 
+   // The nth request for an entry from now on finds no room.
+   void refusalNew( U64 nth );
+   // Whether the next request finds none. Counts the request.
+   bool isNextRefused();
+
  private:
-   std::vector< Fault > pending_;  // `nth` counts down
+   std::vector< Fault > pending_;  // `nth` counts down; that of a lasting fault to 1
+   std::vector< U64 > refusals_;   // in the same way
 };
 
 }  // namespace Chip

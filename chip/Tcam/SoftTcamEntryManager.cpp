@@ -74,7 +74,8 @@ void SoftTcamEntryManager::tell( HardwareCall call ) const {
 U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
                                     VornalTcam::RequestKey const & key ) {
    Group * const group = groupOn( unit );
-   U32 const entryId = group ? group->entryNew( name ) : 0;
+   bool const isRefused = faults_ && faults_->isNextRefused();
+   U32 const entryId = group && !isRefused ? group->entryNew( name ) : 0;
    HardwareCall call{ __func__, {}, unit, entryId, { { "name", name } }, {} };
    if ( key != VornalTcam::RequestKey() ) {
       call.values.push_back( { "key", Quelm::textOf( key ) } );

@@ -8,6 +8,7 @@
 #include <Steps/FailCall.h>
 #include <Steps/Publish.h>
 #include <Steps/Ready.h>
+#include <Steps/RefuseEntry.h>
 #include <Steps/Replace.h>
 #include <Steps/Set.h>
 #include <Steps/Turn.h>
@@ -180,9 +181,33 @@ TEST( ScenarioFailCall, RefusesWhatIsNoNumberOrCode ) {
                     "'; a result code of the chip is expected, as in -1, which is not 0 and stands "
                     "without quotes" );
    }
-   EXPECT_EQ( stepProblems( "fail-call: { code: -1 }" ),
-              "leaf.yaml:10: 'operation' is missing in fail-call; give it, as in 'operation: "
-              "installEntry'" );
+   EXPECT_EQ( stepProblems( "fail-call: { operation: installEntry }" ),
+              "leaf.yaml:10: 'code' is missing in fail-call; give it, as in 'code: -1'" );
+}
+
+TEST( ScenarioFailCall, CountsEveryOperationIfNoneIsGiven ) {
+   EXPECT_EQ( step< Steps::FailCall >( "fail-call: { number: 3, code: -6 }" ).operation, "" );
+   EXPECT_EQ( described( "fail-call: { number: 3, code: -6 }" ),
+              "call 3 from now on is not made and gives code -6" );
+}
+
+TEST( ScenarioFailCall, CanBeLasting ) {
+   constexpr char kLasting[] = "fail-call: { operation: installEntry, lasting: true, code: -6 }";
+   EXPECT_TRUE( step< Steps::FailCall >( kLasting ).isLasting );
+   EXPECT_EQ( described( kLasting ),
+              "calls of installEntry from number 1 from now on are not made and give code -6" );
+   EXPECT_EQ( stepProblems( "fail-call: { lasting: often, code: -6 }" ),
+              "leaf.yaml:10: lasting is 'often'; true or false is expected" );
+}
+
+// --- refuse-entry
+
+TEST( ScenarioRefuseEntry, NamesTheNumberOfTheRequest ) {
+   EXPECT_EQ( step< Steps::RefuseEntry >( "refuse-entry: { number: 3 }" ).number, 3U );
+   EXPECT_EQ( described( "refuse-entry: { number: 3 }" ),
+              "request 3 for an entry from now on finds no room" );
+   EXPECT_EQ( stepProblems( "refuse-entry: { number: 0 }" ),
+              "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
 }
 
 }  // namespace

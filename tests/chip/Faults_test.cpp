@@ -101,6 +101,28 @@ TEST_F( FaultyChip, CountsForEachFaultByItself ) {
    EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
 }
 
+TEST_F( FaultyChip, FailsTheCallsBehindTheNthOfALastingFault ) {
+   U32 const id = ifp->getEntry( 0, "rule", {} );
+   faults.faultNew( { .nth = 2, .code = -8, .operation = "installEntry", .isLasting = true } );
+   EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
+   EXPECT_EQ( ifp->installEntry( 0, id ), -8 );
+   EXPECT_EQ( ifp->reinstallEntry( 0, id ), 0 );
+   EXPECT_EQ( ifp->installEntry( 0, id ), -8 );
+   EXPECT_EQ( ifp->installEntry( 0, id ), -8 );
+}
+
+TEST_F( FaultyChip, RefusesTheNthRequestForAnEntryAsAFullGroupDoes ) {
+   faults.refusalNew( 2 );
+   EXPECT_NE( ifp->getEntry( 0, "first", {} ), 0U );
+   EXPECT_FALSE( ifp->exhausted( 0 ) );
+   EXPECT_EQ( ifp->getEntry( 0, "second", {} ), 0U );
+   EXPECT_TRUE( ifp->exhausted( 0 ) );
+   EXPECT_EQ( ifp->used( 0 ), 1U );
+   EXPECT_EQ( record.calls.back().operation, "getEntry" );
+   ifp->foreignEntriesIs( 0, 0 );
+   EXPECT_FALSE( ifp->exhausted( 0 ) );
+}
+
 TEST_F( FaultyChip, GivesTheFirstCodeOfTwoFaultsThatAreDueAtOnce ) {
    U32 const id = ifp->getEntry( 0, "rule", {} );
    faults.faultNew( { .nth = 1, .code = -8 } );
