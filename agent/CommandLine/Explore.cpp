@@ -5,16 +5,17 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
-#include <CommandLine/FindingsText.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Exploring/Catalogue.h>
+#include <Exploring/Faults.h>
 #include <Process/Workers.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
 #include <Text/Numbers.h>
+#include <Text/Printable.h>
 
 #include <unistd.h>
 
@@ -26,19 +27,9 @@ using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
 
+constexpr std::size_t kPieces = 64;  // of all faults; a worker has several
+
 // --- The branches
-
-std::string const kNoFindings = "error: ";
-
-// What a worker sends: the findings of its branch, or why there are none.
-std::string resultOf( Exploration const & exploration, Host::AgentConfig const & config,
-                      Exploring::Branch const & branch, Exploring::Limits const & limits ) {
-   try {
-      return encoded( branch, explored( exploration, config, branch, limits ) );
-   } catch ( std::exception const & error ) {
-      return kNoFindings + error.what();
-   }
-}
 
 // Takes the results of the workers.
 class Taking {
@@ -46,14 +37,7 @@ class Taking {
    explicit Taking( Exploring::Share & share ) : share_( share ) {}
 
    void take( Process::Worked const & worked, std::string const & file ) {
-      if ( !worked.result ) {
-         throw Story::InputError( "the process that tried a branch of " + file + " ended with " +
-                                  worked.end + ", without a result" );
-      }
-      if ( worked.result->starts_with( kNoFindings ) ) {
-         throw Story::InputError( file + ": " + worked.result->substr( kNoFindings.size() ) );
-      }
-      auto const [ branch, findings ] = Exploring::decoded( *worked.result );
+      auto const [ branch, findings ] = Exploring::findingsIn( worked, file );
       share_.add( branch, findings );
       ++count_;
    }
@@ -82,15 +66,24 @@ std::optional< std::pair< U32, U32 > > shardIn( std::string const & text ) {
 
 void Explore::declare( CLI::App & app ) {
    app.add_option( "FILE", words_,
-                   "The exploration's file; or 'merge', that file, and files of results" )
+                   "The exploration's file; or 'merge', that file, and files of results; with "
+                   "--faults, a scenario's" )
       ->required()
       ->check( problemOfName );
+   CLI::Option * const faults =
+      app.add_flag( "--faults", areFaults_,
+                    "Let each call of the chip fail in the run of a scenario, and each request for "
+                    "an entry find no room, one at a time" );
    app.add_option( "--length", length_,
                    "The events of the longest sequence, in place of the file's" )
+      ->excludes( faults )
       ->check( CLI::Range( 1U, static_cast< U32 >( Exploration::kLongest ) ) );
-   app.add_option( "--shard", shardText_, "Try the I-th of N shares alone" )->type_name( "I/N" );
+   app.add_option( "--shard", shardText_, "Try the I-th of N shares alone" )
+      ->excludes( faults )
+      ->type_name( "I/N" );
    app.add_option( "--results", results_,
                    "Keep the results in this file, and go on with those that are there" )
+      ->excludes( faults )
       ->type_name( "FILE" )
       ->check( problemOfName );
    app.add_option( "--catalogue", catalogue_,
@@ -98,13 +91,14 @@ void Explore::declare( CLI::App & app ) {
       ->type_name( "FILE" )
       ->check( problemOfName );
    app.add_option( "--known", known_,
-                   "Name the scenarios below this folder that end like a finding, and fail when "
-                   "there is none" )
-      ->type_name( "FOLDER" )
+                   "Name the scenarios below this folder that end like a finding, and fail when a "
+                   "finding has none" )
+      ->type_name( "DIR" )
       ->check( problemOfName );
    app.add_option( "--write", folder_,
                    "Write the catalogue, and a scenario for each finding, into this folder" )
-      ->type_name( "FOLDER" )
+      ->excludes( faults )
+      ->type_name( "DIR" )
       ->check( problemOfName );
    jobs_.declare( app );
    app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
@@ -114,11 +108,12 @@ void Explore::declare( CLI::App & app ) {
 
 void Explore::readWords() {
    run_.readWords();
-   if ( isMerge() && words_.size() < 3 ) {
+   if ( isMerge() && !areFaults_ && words_.size() < 3 ) {
       throw CLI::ValidationError( "merge", "an exploration and files of results are expected" );
    }
-   if ( !isMerge() && words_.size() != 1 ) {
-      throw CLI::ValidationError( "FILE", "one exploration is expected" );
+   if ( ( areFaults_ || !isMerge() ) && words_.size() != 1 ) {
+      throw CLI::ValidationError( "FILE", areFaults_ ? "one scenario is expected"
+                                                     : "one exploration is expected" );
    }
    if ( !shardText_.empty() ) {
       auto const shard = shardIn( shardText_ );
@@ -130,20 +125,23 @@ void Explore::readWords() {
    }
 }
 
-Host::AgentConfig Explore::config( Exploration const & exploration ) const {
+Host::AgentConfig Explore::config( std::filesystem::path const & file ) const {
    Host::AgentConfig config;
-   config.scenario = exploration.file().string();
+   config.scenario = file.string();
    config.plugin = run_.plugin();
    return config;
 }
 
 Findings Explore::explore( Exploration const & exploration, std::size_t length,
                            int & signal ) const {
-   Host::AgentConfig config = this->config( exploration );
+   Host::AgentConfig config = this->config( exploration.file() );
    config.lastStep = static_cast< U32 >( exploration.firstEvent() );
    Exploring::Share share( exploration, length, shard_, results_ );
    auto const work = [ & ]( std::size_t number ) {
-      return resultOf( exploration, config, share.open()[ number ], { length, run_.turnLimit() } );
+      Exploring::Branch const & branch = share.open()[ number ];
+      return Exploring::resultOf( branch, [ & ] {
+         return Exploring::explored( exploration, config, branch, { length, run_.turnLimit() } );
+      } );
    };
    ProgressLine line( std::cerr );
    Taking taking( share );
@@ -186,63 +184,112 @@ Findings Explore::merged( Exploration const & exploration, std::size_t length ) 
    return all;
 }
 
-// Without a catalogue, every finding is as expected.
+// Whether the findings are those of the catalogue, where one is named.
 bool Explore::isAsInCatalogue( Findings const & findings ) const {
-   if ( catalogue_.empty() ) {
+   if ( !expected_ ) {
       return true;
    }
-   auto const expected = Exploring::catalogueIn( catalogue_ );
    auto const found = catalogueOf( findings );
    auto const tell = [ & ]( char const * what, auto const & lines, auto const & others ) {
       for ( std::string const & line : lines ) {
          if ( !others.contains( line ) ) {
-            std::cerr << what << ": " << line << '\n';
+            std::cerr << what << ": " << Text::printable( line ) << '\n';
          }
       }
    };
-   tell( "new", found, expected );
-   tell( "vanished", expected, found );
-   return found == expected;
+   tell( "new", found, *expected_ );
+   tell( "vanished", *expected_, found );
+   return found == *expected_;
 }
 
-// Without a folder of scenarios, every finding is known.
-bool Explore::isKnown( Findings const & findings, Exploring::KnownLimits const & limits ) const {
+// Whether a scenario shows each finding, where a folder of them is named.
+bool Explore::isKnown( Findings const & findings ) const {
    bool isKnown = true;
    for ( auto const & [ key, found ] : findings.all ) {
-      if ( !known_.empty() && !limits.contains( key ) ) {
-         std::cerr << "shown by no scenario: " << lineOf( key ) << '\n';
+      if ( limits_.isThere() && limits_.showing( key ).empty() ) {
+         std::cerr << "shown by no scenario: " << Text::printable( lineOf( key ) ) << '\n';
          isKnown = false;
       }
    }
    return isKnown;
 }
 
+// Before the work: what would come to nothing behind it.
+void Explore::prepare() {
+   if ( !catalogue_.empty() ) {
+      expected_ = Exploring::catalogueIn( catalogue_ );
+   }
+   if ( !folder_.empty() ) {
+      std::error_code error;
+      std::filesystem::create_directories( folder_, error );
+      if ( error || !std::filesystem::is_directory( folder_ ) ) {
+         throw Story::InputError( folder_.string() + " is no folder, and none can be made (" +
+                                  error.message() + "); name another one" );
+      }
+   }
+   if ( !known_.empty() ) {
+      limits_ = { known_, config( words_.back() ), run_.turnLimit() };
+   }
+}
+
+Explored Explore::explored( int & signal ) const {
+   auto const exploration = std::make_shared< Exploration >( words_[ isMerge() ? 1 : 0 ] );
+   std::size_t const length = length_.value_or( static_cast< U32 >( exploration->length() ) );
+   Explored explored{ exploration->name(), exploration->file().string(), kSequence,
+                      isMerge() ? merged( *exploration, length )
+                                : explore( *exploration, length, signal ),
+                      [ exploration ]( Sequence const & sequence ) {
+                         std::vector< std::string > steps;
+                         for ( U16 const event : sequence ) {
+                            steps.push_back( exploration->text( event ) );
+                         }
+                         return steps;
+                      } };
+   if ( signal == 0 && !folder_.empty() ) {
+      writeFindings( folder_, *exploration, explored.findings );
+   }
+   return explored;
+}
+
+Explored Explore::exploredFaults( int & signal ) const {
+   std::filesystem::path const file = words_.front();
+   Exploring::Faults const faults( file, config( file ), run_.turnLimit() );
+   std::size_t const pieces = std::min( faults.count(), kPieces );
+   Findings all;
+   auto const work = [ & ]( std::size_t piece ) {
+      return Exploring::resultOf( {}, [ & ] { return faults.tried( piece, pieces ); } );
+   };
+   auto const take = [ & ]( std::size_t, Process::Worked const & worked ) {
+      all.add( Exploring::findingsIn( worked, file.string() ).second );
+   };
+   signal = Process::workAll( { pieces, jobs_.count(), work, take } );
+   return { faults.name(), file.string(), "fault", all, []( Sequence const & fault ) {
+              return std::vector{ Exploring::Faults::text( fault ) };
+           } };
+}
+
 Story::ExitCode Explore::perform( std::ostream & out ) {
-   Exploration const exploration( words_[ isMerge() ? 1 : 0 ] );
-   std::size_t const length = length_.value_or( static_cast< U32 >( exploration.length() ) );
+   prepare();
    int signal = 0;
-   Findings const findings =
-      isMerge() ? merged( exploration, length ) : explore( exploration, length, signal );
+   Explored const subject = areFaults_ ? exploredFaults( signal ) : explored( signal );
+   if ( signal == 0 && limits_.isThere() ) {
+      signal = limits_.carryOut( jobs_.count() );
+   }
    if ( signal != 0 ) {
       std::cerr << "interrupted"
                 << ( results_.empty() ? "" : "; the same command goes on with the rest" ) << '\n';
       return Story::exitCodeOf( signal );
    }
-   if ( !folder_.empty() ) {
-      writeFindings( folder_, exploration, findings );
-   }
-   Exploring::KnownLimits limits;
-   if ( !known_.empty() ) {
-      limits = Exploring::knownLimitsIn( known_, config( exploration ), jobs_.count() );
-   }
    if ( isJson_ ) {
-      out << Story::documentText( jsonOf( exploration, findings, limits ) );
+      out << Story::documentText( jsonOf( subject, limits_ ) );
    } else {
-      print( exploration, findings, limits, out );
+      print( subject, limits_, out );
    }
-   bool const isSame = isAsInCatalogue( findings );
-   return isKnown( findings, limits ) && isSame ? Story::ExitCode::Held
-                                                : Story::ExitCode::ExpectationFailed;
+   bool const isSame = isAsInCatalogue( subject.findings );
+   bool const isWhole =
+      subject.findings.counts.unnamed == 0 || ( !expected_ && !limits_.isThere() );
+   return isKnown( subject.findings ) && isSame && isWhole ? Story::ExitCode::Held
+                                                           : Story::ExitCode::ExpectationFailed;
 }
 
 }  // namespace CommandLine

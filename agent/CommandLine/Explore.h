@@ -1,4 +1,5 @@
-// `vornal explore`: tries every order of the events of an exploration.
+// `vornal explore`: tries every order of the events of an exploration, or every fault of the chip
+// in the run of a scenario.
 #pragma once
 
 #include <optional>
@@ -6,8 +7,10 @@
 #include <vector>
 
 #include <CommandLine/Command.h>
+#include <CommandLine/FindingsText.h>
 #include <CommandLine/Jobs.h>
 #include <CommandLine/RunWords.h>
+#include <Exploring/Catalogue.h>
 #include <Exploring/KnownLimits.h>
 #include <Exploring/Share.h>
 
@@ -21,16 +24,19 @@ class Explore final : public Command {
 
  private:
    bool isMerge() const { return words_.front() == "merge"; }
+   Explored explored( int & signal ) const;
+   Explored exploredFaults( int & signal ) const;
    Exploring::Findings explore( Exploring::Exploration const & exploration, std::size_t length,
                                 int & signal ) const;
    Exploring::Findings merged( Exploring::Exploration const & exploration,
                                std::size_t length ) const;
-   Host::AgentConfig config( Exploring::Exploration const & exploration ) const;
+   Host::AgentConfig config( std::filesystem::path const & file ) const;
    bool isAsInCatalogue( Exploring::Findings const & findings ) const;
-   bool isKnown( Exploring::Findings const & findings,
-                 Exploring::KnownLimits const & limits ) const;
+   bool isKnown( Exploring::Findings const & findings ) const;
+   void prepare();
 
-   std::vector< std::string > words_;  // the exploration; or "merge", it, and files of results
+   std::vector< std::string >
+      words_;  // a scenario; the exploration; or "merge", it, and files of results
    std::optional< U32 > length_;
    std::string shardText_;
    Exploring::Shard shard_;
@@ -40,6 +46,9 @@ class Explore final : public Command {
    std::filesystem::path folder_;     // for scenarios; empty: none
    Jobs jobs_;
    RunWords run_;
+   bool areFaults_ = false;
+   std::optional< Exploring::Catalogue > expected_;
+   Exploring::KnownLimits limits_;
    bool isJson_ = false;
 };
 

@@ -5,46 +5,41 @@
 #include <Exploring/Catalogue.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
+#include <Text/Printable.h>
 
 namespace CommandLine {
 
 namespace {
 
-using Exploring::Exploration;
 using Exploring::Findings;
-using Exploring::Sequence;
 using Story::Json;
 
-// The events, one below the other.
-std::string textOf( Exploration const & exploration, Sequence const & sequence ) {
-   std::string text = sequence.empty() ? "      (the start itself)\n" : "";
-   for ( U16 const event : sequence ) {
-      text += "      - " + exploration.text( event ) + '\n';
+// One below the other.
+std::string textOf( std::vector< std::string > const & steps ) {
+   std::string text = steps.empty() ? "      (the start itself)\n" : "";
+   for ( std::string const & step : steps ) {
+      text += "      - " + Text::printable( step ) + '\n';
    }
    return text;
 }
 
-// The scenarios that show the finding.
-std::vector< std::string > shownBy( Exploring::Key const & key,
-                                    Exploring::KnownLimits const & limits ) {
-   auto const found = limits.find( key );
-   return found == limits.end() ? std::vector< std::string >()
-                                : std::vector( found->second.begin(), found->second.end() );
-}
-
 }  // namespace
 
-void print( Exploration const & exploration, Findings const & findings,
-            Exploring::KnownLimits const & limits, std::ostream & out ) {
-   out << fmt::format( "{}: {}, which stand for {}; {} more changed nothing\n", exploration.name(),
-                       Story::counted( findings.counts.sequences, "sequence" ),
-                       findings.counts.standFor, findings.counts.without );
+void print( Explored const & explored, Exploring::KnownLimits const & limits, std::ostream & out ) {
+   Findings const & findings = explored.findings;
+   out << fmt::format( "{}: {}", Text::printable( explored.name ),
+                       Story::counted( findings.counts.sequences, explored.thing ) );
+   out << ( explored.thing == kSequence
+               ? fmt::format( ", which stand for {}; {} more changed nothing\n",
+                              findings.counts.standFor, findings.counts.without )
+               : "\n" );
    for ( auto const & [ key, found ] : findings.all ) {
-      out << fmt::format( "\n{}\n   in {}; the shortest:\n{}", Exploring::lineOf( key ),
-                          Story::counted( found.sequences, "sequence" ),
-                          textOf( exploration, found.shortest ) );
-      for ( std::string const & scenario : shownBy( key, limits ) ) {
-         out << "   shown by " << scenario << '\n';
+      out << fmt::format( "\n{}\n   in {}; the shortest:\n{}",
+                          Text::printable( Exploring::lineOf( key ) ),
+                          Story::counted( found.sequences, explored.thing ),
+                          textOf( explored.stepsOf( found.shortest ) ) );
+      for ( std::string const & scenario : limits.showing( key ) ) {
+         out << "   shown by " << Text::printable( scenario ) << '\n';
       }
    }
    if ( findings.counts.unnamed != 0 ) {
@@ -53,22 +48,18 @@ void print( Exploration const & exploration, Findings const & findings,
    }
 }
 
-Json jsonOf( Exploration const & exploration, Findings const & findings,
-             Exploring::KnownLimits const & limits ) {
+Json jsonOf( Explored const & explored, Exploring::KnownLimits const & limits ) {
+   Findings const & findings = explored.findings;
    Json found = Json::array();
    for ( auto const & [ key, one ] : findings.all ) {
-      Json steps = Json::array();
-      for ( U16 const event : one.shortest ) {
-         steps.push_back( exploration.text( event ) );
-      }
       found.push_back( { { "kind", nameOf( key.kind ) },
                          { "what", key.what },
                          { "sequences", one.sequences },
-                         { "shortest", std::move( steps ) },
-                         { "shownBy", shownBy( key, limits ) } } );
+                         { "shortest", explored.stepsOf( one.shortest ) },
+                         { "shownBy", limits.showing( key ) } } );
    }
-   return { { "exploration", exploration.name() },
-            { "file", exploration.file().string() },
+   return { { "exploration", explored.name },
+            { "file", explored.file },
             { "sequences", findings.counts.sequences },
             { "standFor", findings.counts.standFor },
             { "withoutEffect", findings.counts.without },

@@ -18,14 +18,14 @@ using Json = nlohmann::ordered_json;
 std::string headerOf( Exploration const & exploration, std::size_t length ) {
    return Json{
       { "explored", exploration.name() },
-      { "formatVersion", "1.0" },
+      { "formatVersion", "1.1" },
       { "fingerprint", fmt::format( "{:016x}", exploration.fingerprint() ) },
       { "length", length }
    }.dump();
 }
 
 Kind kindNamed( std::string const & name ) {
-   for ( Kind const kind : { Kind::stop, Kind::difference, Kind::hang } ) {
+   for ( Kind const kind : { Kind::stop, Kind::difference, Kind::hang, Kind::unnoticed } ) {
       if ( name == nameOf( kind ) ) {
          return kind;
       }
@@ -95,6 +95,32 @@ std::pair< Branch, Findings > decoded( std::string const & line ) {
                     one.at( "sequences" ) );
    }
    return { branch, findings };
+}
+
+namespace {
+
+constexpr std::string_view kNone = "none: ";
+
+}  // namespace
+
+std::string resultOf( Branch const & branch, std::function< Findings() > const & find ) {
+   try {
+      return encoded( branch, find() );
+   } catch ( std::exception const & error ) {
+      return std::string( kNone ) + error.what();
+   }
+}
+
+std::pair< Branch, Findings > findingsIn( Process::Worked const & worked,
+                                          std::string const & subject ) {
+   if ( !worked.result ) {
+      throw Story::InputError( subject + ": the process that explored it ended with " + worked.end +
+                               ", without a result" );
+   }
+   if ( worked.result->starts_with( kNone ) ) {
+      throw Story::InputError( subject + ": " + worked.result->substr( kNone.size() ) );
+   }
+   return decoded( *worked.result );
 }
 
 std::map< Sequence, Findings > resultsIn( fs::path const & file, Exploration const & exploration,

@@ -10,11 +10,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 #include <Exploring/Tree.h>
+#include <Process/Workers.h>
 
 namespace Exploring {
 
@@ -23,6 +25,13 @@ std::vector< Branch > branchesOf( Exploration const & exploration, std::size_t l
 // The findings of a branch in one line, and back; std::runtime_error for any other text.
 std::string encoded( Branch const & branch, Findings const & findings );
 std::pair< Branch, Findings > decoded( std::string const & line );
+
+// What a worker sends: what `find` returns, or its error.
+std::string resultOf( Branch const & branch, std::function< Findings() > const & find );
+// The branch and its findings again. Story::InputError with the error, and when there is no result;
+// `subject` is in front.
+std::pair< Branch, Findings > findingsIn( Process::Worked const & worked,
+                                          std::string const & subject );
 
 class ResultFile {
  public:

@@ -1,7 +1,7 @@
 #include <Exploring/Endings.h>
 
+#include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <set>
 
 #include <fmt/format.h>

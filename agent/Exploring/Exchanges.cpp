@@ -31,16 +31,24 @@ std::string const & exchanged( std::string const & word, WordExchange const & ex
    return found == exchange.end() ? word : found->second;
 }
 
+// Steps happen in their order.
+bool isInOrder( Yaml const & value ) {
+   return value.kind == Yaml::Kind::list && ( value.key == "steps" || value.key == "turn" );
+}
+
 Yaml inOneOrder( Yaml value, WordExchange const & exchange ) {
+   bool const isOrdered = isInOrder( value );
    value.isInLine = true;
    value.key = exchanged( value.key, exchange );
    value.text = exchanged( value.text, exchange );
    for ( Yaml & part : value.parts ) {
       part = inOneOrder( std::move( part ), exchange );
    }
-   std::sort( value.parts.begin(), value.parts.end(), []( Yaml const & a, Yaml const & b ) {
-      return a.key != b.key ? a.key < b.key : textOf( a ) < textOf( b );
-   } );
+   if ( !isOrdered ) {
+      std::sort( value.parts.begin(), value.parts.end(), []( Yaml const & a, Yaml const & b ) {
+         return a.key != b.key ? a.key < b.key : textOf( a ) < textOf( b );
+      } );
+   }
    return value;
 }
 

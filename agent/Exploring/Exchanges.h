@@ -21,7 +21,8 @@ using WordExchange = std::map< std::string, std::string >;
 std::vector< WordExchange > exchangesOf( std::vector< Alike > const & groups );
 
 // The document with its words exchanged, as keys and as values, in one line and in one order: two
-// documents that differ only in the order of their lists and mappings have the same text.
+// documents that differ only in the order of their lists and mappings have the same text. A list of
+// steps keeps its order.
 std::string exchangedText( Scenario::Yaml const & document, WordExchange const & exchange );
 
 }  // namespace Exploring

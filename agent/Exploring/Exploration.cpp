@@ -102,79 +102,111 @@ Exploration::Exploration( fs::path const & file ) : file_( file ) {
    Source const own( file );
    name_ = own.words.name;
    length_ = own.words.length;
+   device_ = beginning( own.words );
+   std::vector< Source > const sources = sourcesOf( own );
    std::vector< Scenario::AddedStep > added;
    addSteps( file, own.steps(), own.words.stepLines, false, added );
-   std::vector< Yaml > events;
-   std::vector< Alike > alike;
-   Place place{ file, 1 };
-   for ( Source const & source : sourcesOf( own ) ) {
-      auto const more = source.events();
-      addSteps( source.file, more, source.words.eventLines, true, added );
-      events.insert( events.end(), more.begin(), more.end() );
-      alike.insert( alike.end(), source.words.alike.begin(), source.words.alike.end() );
-      if ( !source.words.alike.empty() ) {
-         place = { source.file, source.words.alikeLine };
-      }
+   for ( Source const & source : sources ) {
+      addSteps( source.file, source.events(), source.words.eventLines, true, added );
       texts_ += source.text;
    }
-   if ( events.empty() || events.size() > kMostEvents ) {
-      refuse( file, 1, fmt::format( "an exploration has from 1 to {} events", kMostEvents ) );
-   }
-   device_ = beginning( own.words );
    model_ = Steps::readScenarioText( textOf( device_ ), file, added );
    std::string const variant( Scenario::nameOf( model_.device.variant ) );
-   events = takenBy( variant, events );
    device_.set( "steps", Scenario::yamlList( takenBy( variant, own.steps() ) ) );
-   for ( Yaml const & event : events ) {
-      events_.push_back( lineOf( event ) );
-   }
+   readEvents( sources, variant );
    firstEvent_ = model_.steps.size() - events_.size();
-   readExchanges( alike, place, events );
+   readExchanges( sources );
 }
 
 // The files that name events, the own one last.
 std::vector< Exploration::Source > Exploration::sourcesOf( Source const & own ) {
-   if ( own.words.eventsOf.empty() ) {
+   Words const & words = own.words;
+   if ( words.eventsOf.empty() ) {
       return { own };
    }
-   Source const other( ( own.file.parent_path() / own.words.eventsOf ).lexically_normal() );
+   fs::path const file = ( own.file.parent_path() / words.eventsOf ).lexically_normal();
+   auto const refuseIt = [ & ]( std::string const & why ) {
+      refuse( own.file, words.eventsOfLine, "events-of is '" + words.eventsOf + "', which " + why );
+   };
+   std::error_code error;
+   if ( !fs::is_regular_file( file, error ) ) {
+      refuseIt( "is no file; the file of an exploration is expected, relative to this one" );
+   }
+   Source const other( file );
    if ( !other.words.eventsOf.empty() ) {
-      refuse( own.file, own.words.eventsOfLine,
-              "events-of is '" + own.words.eventsOf +
-                 "', which takes events of another exploration itself; name that one" );
+      refuseIt( "takes events of another exploration itself; name that one" );
    }
    return { other, own };
 }
 
-// An exchange is one of events, and leaves the switch as it is.
-void Exploration::readExchanges( std::vector< Alike > const & groups, Place const & place,
-                                 std::vector< Yaml > const & events ) {
-   std::map< std::string, U16 > numbers;
-   for ( std::size_t n = 0; n < events.size(); ++n ) {
-      numbers[ exchangedText( events[ n ], {} ) ] = static_cast< U16 >( n );
+void Exploration::readEvents( std::vector< Source > const & sources, std::string const & variant ) {
+   std::set< std::string > known;
+   for ( Source const & source : sources ) {
+      for ( Yaml const & event : takenBy( variant, source.events() ) ) {
+         if ( !known.insert( exchangedText( event, {} ) ).second ) {
+            refuse( source.file, 1,
+                    "event '" + lineOf( event ) + "' is there twice; leave one out" );
+         }
+         events_.push_back( { lineOf( event ), event, source.file.parent_path() } );
+      }
    }
+   if ( events_.empty() || events_.size() > kMostEvents ) {
+      refuse(
+         file_, 1,
+         fmt::format( "an exploration has from 1 to {} events for its variant, {}; give them as "
+                      "'events', or by 'events-of'",
+                      kMostEvents, variant ) );
+   }
+}
+
+// An exchange is one of events, and leaves the switch as it is. A group that claims too much is
+// named by its own file; then only groups with words in common can still be wrong.
+void Exploration::readExchanges( std::vector< Source > const & sources ) {
+   std::map< std::string, U16 > numbers;
+   for ( U16 number = 0; number < events(); ++number ) {
+      numbers[ exchangedText( events_[ number ].step, {} ) ] = number;
+   }
+   std::vector< Alike > all;
+   for ( Source const & source : sources ) {
+      for ( Alike const & group : source.words.alike ) {
+         for ( WordExchange const & words : exchangesOf( { group } ) ) {
+            check( words, numbers, source );
+         }
+         all.push_back( group );
+      }
+   }
+   for ( WordExchange const & words : exchangesOf( all ) ) {
+      check( words, numbers, sources.back() );
+      Exchange & exchange = exchanges_.emplace_back();
+      for ( Event const & event : events_ ) {
+         exchange.push_back( numbers.at( exchangedText( event.step, words ) ) );
+      }
+   }
+}
+
+void Exploration::check( WordExchange const & words, std::map< std::string, U16 > const & numbers,
+                         Source const & source ) const {
    Scenario::Whole const whole( file_, textOf( device_ ) );
    Yaml device = whole.document( file_, whole.steps() );
    device.remove( "description" );
-   for ( WordExchange const & words : exchangesOf( groups ) ) {
-      if ( exchangedText( device, words ) != exchangedText( device, {} ) ) {
-         refuse( place.file, place.line,
-                 fmt::format( "the switch is another one when {} takes the place of {}; leave them "
-                              "out, or name all that belongs to each",
-                              words.begin()->second, words.begin()->first ) );
+   if ( exchangedText( device, words ) != exchangedText( device, {} ) ) {
+      auto const [ word, other ] =
+         *std::find_if( words.begin(), words.end(),
+                        []( auto const & pair ) { return pair.first != pair.second; } );
+      refuse(
+         source.file, source.words.alikeLine,
+         fmt::format( "the switch is another one when {} takes the place of {}; leave them out, "
+                      "or name all that belongs to each",
+                      other, word ) );
+   }
+   for ( std::size_t n = 0; n < events_.size(); ++n ) {
+      if ( !numbers.contains( exchangedText( events_[ n ].step, words ) ) ) {
+         refuse(
+            source.file, source.words.alikeLine,
+            fmt::format( "event {}, '{}', becomes no other event when words that are alike are "
+                         "exchanged; add that event, or leave the words out",
+                         n + 1, events_[ n ].text ) );
       }
-      Exchange exchange;
-      for ( std::size_t n = 0; n < events.size(); ++n ) {
-         auto const found = numbers.find( exchangedText( events[ n ], words ) );
-         if ( found == numbers.end() ) {
-            refuse( place.file, place.line,
-                    fmt::format( "event {}, '{}', becomes no other event when words that are alike "
-                                 "are exchanged; add that event, or leave the words out",
-                                 n + 1, events_[ n ] ) );
-         }
-         exchange.push_back( found->second );
-      }
-      exchanges_.push_back( std::move( exchange ) );
    }
 }
 
@@ -205,14 +237,14 @@ std::size_t Exploration::weight( Sequence const & sequence ) const {
 }
 
 std::string Exploration::scenarioText( Sequence const & sequence, fs::path const & place ) const {
-   Scenario::Whole const whole( file_, textOf( device_ ) );
-   Yaml document = device_;
-   document.set( "scenario", Scenario::yamlText( Scenario::nameFor( place ) ) );
-   document.set( "based-on", Scenario::yamlText( Scenario::pathFrom( place, whole.base() ) ) );
+   Scenario::Whole whole( file_, textOf( device_ ) );
    for ( U16 const event : sequence ) {
-      document.part( "steps" ).add( Scenario::yamlIn( events_[ event ] ) );
+      whole.add( textOf( events_[ event ].step ), events_[ event ].folder );
    }
-   return textOf( document );
+   std::vector< Scenario::PlacedStep > const further(
+      whole.steps().begin() + static_cast< std::ptrdiff_t >( whole.baseSteps() ),
+      whole.steps().end() );
+   return textOf( basedOn( whole, place, listOf( place, further ) ) );
 }
 
 // FNV-1a, over the texts one after the other.

@@ -20,6 +20,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -50,7 +51,7 @@ class Exploration {
    U16 events() const { return static_cast< U16 >( events_.size() ); }
    Scenario::Step const & event( U16 number ) const { return model_.steps[ firstEvent_ + number ]; }
    // The event as a step of a list, in one line.
-   std::string const & text( U16 number ) const { return events_[ number ]; }
+   std::string const & text( U16 number ) const { return events_[ number ].text; }
 
    bool isCanonical( Sequence const & sequence ) const;
    // The number of sequences that it stands for.
@@ -64,24 +65,26 @@ class Exploration {
 
  private:
    struct Source;
-   struct Place {
-      std::filesystem::path file;
-      int line;
+   struct Event {
+      std::string text;  // in one line
+      Scenario::Yaml step;
+      std::filesystem::path folder;  // of its paths
    };
-
    // By number, the event that takes the place of each event.
    using Exchange = std::vector< U16 >;
 
    static std::vector< Source > sourcesOf( Source const & own );
-   void readExchanges( std::vector< Alike > const & groups, Place const & place,
-                       std::vector< Scenario::Yaml > const & events );
+   void readEvents( std::vector< Source > const & sources, std::string const & variant );
+   void readExchanges( std::vector< Source > const & sources );
+   void check( WordExchange const & words, std::map< std::string, U16 > const & numbers,
+               Source const & source ) const;
 
    std::filesystem::path file_;
    std::string name_;
    std::size_t length_ = 0;
-   std::string texts_;                  // of the files that name events
-   Scenario::Yaml device_;              // a scenario of the switch and the steps in front
-   std::vector< std::string > events_;  // each in one line
+   std::string texts_;      // of the files that name events
+   Scenario::Yaml device_;  // a scenario of the switch and the steps in front
+   std::vector< Event > events_;
    std::vector< Exchange > exchanges_;  // without the one that changes nothing
    std::size_t firstEvent_ = 0;
    Scenario::Model model_;

@@ -6,7 +6,7 @@
 namespace Exploring {
 
 std::string_view nameOf( Kind kind ) {
-   constexpr std::array< std::string_view, 3 > kNames{ "stop", "difference", "hang" };
+   constexpr std::array< std::string_view, 4 > kNames{ "stop", "difference", "hang", "unnoticed" };
    return kNames.at( static_cast< std::size_t >( kind ) );
 }
 

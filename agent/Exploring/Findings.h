@@ -1,8 +1,8 @@
 // What an exploration has found: how sequences of events end, other than well.
 //
 // A finding is a way to end: a stop at an assertion, a difference between the rules and the
-// published state, a step without end. Of each there is one canonical sequence that is the
-// shortest, and the first of the shortest ones.
+// published state, a step without end, a failed call that nothing comes of. Of each there is one
+// canonical sequence that is the shortest, and the first of the shortest ones.
 #pragma once
 
 #include <map>
@@ -12,9 +12,9 @@
 
 namespace Exploring {
 
-enum class Kind : U8 { stop, difference, hang };
+enum class Kind : U8 { stop, difference, hang, unnoticed };
 
-// "stop", "difference", "hang".
+// "stop", "difference", "hang", "unnoticed".
 std::string_view nameOf( Kind kind );
 
 // The order of sequences: the shorter one first.
@@ -22,7 +22,8 @@ bool isBefore( Sequence const & a, Sequence const & b );
 
 struct Key {
    Kind kind;
-   // Of a stop the assertion and its function; of differences their kinds and rules.
+   // Of a stop the assertion and its function; of differences their kinds and rules; of a failed
+   // call its operation.
    std::string what;
 
    friend auto operator<=>( Key const &, Key const & ) = default;

@@ -1,5 +1,8 @@
 #include <Exploring/KnownLimits.h>
 
+#include <cstdlib>
+#include <stdexcept>
+
 #include <Exploring/Branches.h>
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
@@ -7,6 +10,8 @@
 #include <Steps/Reader.h>
 #include <Story/InputError.h>
 #include <Testing/Collection.h>
+
+#include <sys/wait.h>
 
 namespace Exploring {
 
@@ -19,22 +24,26 @@ class Nobody final : public Story::Observer {
    void onEvent( Story::Event const & ) override {}
 };
 
-// How the scenario ends, and the differences on its way.
-Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & config ) {
+// How the scenario ends, and the differences on its way. std::runtime_error when it cannot be run.
+Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & config,
+                  std::chrono::milliseconds longestStep ) {
    SharedFindings findings;
    Output const output;
    int const status = inProcess( output, [ & ] {
       Nobody nobody;
       std::vector< std::byte > ring( Trace::Ring::sizeFor( kRingLines ) );
-      Host::AgentConfig begins = config;
-      begins.lastStep = 0;
-      Host::Agent agent( scenario, begins, ring, nobody );
+      timeIs( longestStep );
+      Host::Agent agent( scenario, config, ring, nobody );
       agent.begin();
       for ( Scenario::Step const & step : scenario.steps ) {
+         timeIs( longestStep );
          agent.carryOut( step );
          addDifferences( agent.audit(), findings, {}, 1 );
       }
    } );
+   if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {
+      throw std::runtime_error( output.text() );
+   }
    if ( status != 0 ) {
       addStop( status, output.lastWords(), findings, {}, 1 );
    }
@@ -43,29 +52,40 @@ Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & co
 
 }  // namespace
 
-KnownLimits knownLimitsIn( fs::path const & folder, Host::AgentConfig const & config,
-                           std::size_t jobs ) {
-   std::vector< fs::path > const files = Testing::scenariosAmong( { folder } );
+KnownLimits::KnownLimits( fs::path const & folder, Host::AgentConfig config,
+                          std::chrono::milliseconds longestStep )
+      : files_( Testing::scenariosAmong( { folder } ) ),
+        config_( std::move( config ) ),
+        longestStep_( longestStep ) {
+   if ( files_.empty() ) {
+      throw Story::InputError( folder.string() +
+                               " has no scenarios; name a folder such as scenarios/limits" );
+   }
+   config_.lastStep = 0;
+}
+
+int KnownLimits::carryOut( std::size_t jobs ) {
    auto const work = [ & ]( std::size_t number ) {
-      try {
-         return encoded( {}, shownBy( Steps::readScenario( files[ number ] ), config ) );
-      } catch ( std::exception const & ) {
-         return std::string();
-      }
+      return resultOf( {}, [ & ] {
+         return shownBy( Steps::readScenario( files_[ number ] ), config_, longestStep_ );
+      } );
    };
-   KnownLimits limits;
+   std::vector< Findings > found( files_.size() );
    auto const take = [ & ]( std::size_t number, Process::Worked const & worked ) {
-      if ( worked.result.value_or( "" ).empty() ) {
-         throw Story::InputError(
-            files[ number ].string() +
-            ": this scenario of a limit cannot be run; 'vornal run' says why" );
-      }
-      for ( auto const & [ key, found ] : decoded( *worked.result ).second.all ) {
-         limits[ key ].insert( files[ number ].string() );
-      }
+      found[ number ] = findingsIn( worked, files_[ number ].string() ).second;
    };
-   Process::workAll( { files.size(), jobs, work, take } );
-   return limits;
+   int const signal = Process::workAll( { files_.size(), jobs, work, take } );
+   for ( std::size_t number = 0; number < files_.size(); ++number ) {
+      for ( auto const & [ key, one ] : found[ number ].all ) {
+         shown_[ key ].push_back( files_[ number ].string() );
+      }
+   }
+   return signal;
+}
+
+std::vector< std::string > KnownLimits::showing( Key const & key ) const {
+   auto const found = shown_.find( key );
+   return found == shown_.end() ? std::vector< std::string >() : found->second;
 }
 
 }  // namespace Exploring

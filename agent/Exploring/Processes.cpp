@@ -10,10 +10,24 @@
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace Exploring {
+
+void * sharedMemory( std::size_t size ) {
+   void * const memory =
+      mmap( nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0 );
+   if ( memory == MAP_FAILED ) {
+      throw std::bad_alloc();
+   }
+   return memory;
+}
+
+void sharedMemoryGoes( void * memory, std::size_t size ) {
+   munmap( memory, size );
+}
 
 Output::Output() : text_( memfd_create( "output", MFD_CLOEXEC ) ) {}
 
@@ -28,13 +42,17 @@ void Output::clear() const {
    lseek( text_.fd(), 0, SEEK_SET );
 }
 
-Process::LastWords Output::lastWords() const {
+std::string Output::text() const {
    std::string text;
    lseek( text_.fd(), 0, SEEK_SET );
    while ( text_.readInto( text ) ) {
    }
+   return text;
+}
+
+Process::LastWords Output::lastWords() const {
    Process::LastWords words;
-   std::istringstream lines( text );
+   std::istringstream lines( text() );
    for ( std::string line; std::getline( lines, line ); ) {
       words.lineNew( line );
    }
@@ -64,6 +82,12 @@ pid_t forked() {
    return pid;
 }
 
+void timeIs( std::chrono::milliseconds time ) {
+   constexpr long kThousand = 1000;
+   itimerval const timer{ {}, { time.count() / kThousand, time.count() % kThousand * kThousand } };
+   setitimer( ITIMER_REAL, &timer, nullptr );
+}
+
 int inProcess( Output const & output, std::function< void() > const & work ) {
    pid_t const pid = forked();
    if ( pid == 0 ) {
@@ -72,7 +96,8 @@ int inProcess( Output const & output, std::function< void() > const & work ) {
          work();
          _exit( EXIT_SUCCESS );
       } catch ( std::exception const & error ) {
-         std::cerr << error.what() << std::endl;
+         output.clear();
+         std::cerr << error.what() << std::flush;
          _exit( EXIT_FAILURE );
       }
    }

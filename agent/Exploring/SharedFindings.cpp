@@ -5,7 +5,7 @@
 #include <new>
 #include <string>
 
-#include <sys/mman.h>
+#include <Exploring/Processes.h>
 
 namespace Exploring {
 
@@ -31,17 +31,10 @@ struct SharedFindings::Memory {
    std::array< Entry, kMost > entries;
 };
 
-SharedFindings::SharedFindings() {
-   void * const memory =
-      mmap( nullptr, sizeof( Memory ), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0 );
-   if ( memory == MAP_FAILED ) {
-      throw std::bad_alloc();
-   }
-   memory_ = new ( memory ) Memory;
-}
+SharedFindings::SharedFindings() : memory_( new ( sharedMemory( sizeof( Memory ) ) ) Memory ) {}
 
 SharedFindings::~SharedFindings() {
-   munmap( memory_, sizeof( Memory ) );
+   sharedMemoryGoes( memory_, sizeof( Memory ) );
 }
 
 Counts & SharedFindings::counts() {

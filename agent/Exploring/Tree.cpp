@@ -4,13 +4,11 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include <fmt/format.h>
-
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
 #include <Story/InputError.h>
 
-#include <sys/time.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,13 +26,6 @@ class Effect final : public Story::Observer {
    bool isThere = false;
 };
 
-// The time that an event may take; its process is killed by SIGALRM.
-void timeIs( std::chrono::milliseconds time ) {
-   constexpr long kThousand = 1000;
-   itimerval const timer{ {}, { time.count() / kThousand, time.count() % kThousand * kThousand } };
-   setitimer( ITIMER_REAL, &timer, nullptr );
-}
-
 // One process of the tree.
 class Node {
  public:
@@ -46,7 +37,9 @@ class Node {
            findings_( findings ),
            ring_( Trace::Ring::sizeFor( kRingLines ) ),
            agent_( exploration.model(), config, ring_, effect_ ) {
+      timeIs( limits_.step );
       agent_.begin();
+      timeIs( {} );
    }
 
    // False when a step of it changes nothing.
@@ -84,19 +77,18 @@ class Node {
 
    bool happens( U16 event ) {
       effect_.isThere = false;
+      timeIs( limits_.step );
       try {
          agent_.carryOut( exploration_.event( event ) );
       } catch ( Story::InputError const & ) {
-         return false;
+         effect_.isThere = false;
       }
+      timeIs( {} );
       return effect_.isThere;
    }
 
    [[noreturn]] void be( U16 event, bool isWhole ) {
-      timeIs( limits_.step );
-      bool const isOne = happens( event );
-      timeIs( {} );
-      if ( isOne ) {
+      if ( happens( event ) ) {
          count();
          judge();
          if ( isWhole && sequence_.size() < limits_.length ) {
@@ -133,8 +125,9 @@ class Node {
 
 void tryBranch( Exploration const & exploration, Host::AgentConfig const & config,
                 Branch const & branch, Limits const & limits, Output const & output,
-                SharedFindings & findings ) {
+                SharedFindings & findings, bool & isUp ) {
    Node node( exploration, config, limits, output, findings );
+   isUp = true;
    if ( branch.begin.empty() ) {
       node.judge();
       return;
@@ -146,8 +139,14 @@ void tryBranch( Exploration const & exploration, Host::AgentConfig const & confi
    }
 }
 
-std::string lastLineOf( Process::LastWords const & words ) {
-   return words.lines().empty() ? "its process has ended" : words.lines().back();
+// The message of an error, or the last line of a plug-in that stopped.
+std::string reasonOf( int status, Output const & output ) {
+   if ( WIFSIGNALED( status ) && WTERMSIG( status ) == SIGALRM ) {
+      return "it takes longer than the time limit of a turn";
+   }
+   auto const words = output.lastWords();
+   std::string const last = words.lines().empty() ? "its process has ended" : words.lines().back();
+   return WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ? output.text() : last;
 }
 
 }  // namespace
@@ -155,13 +154,13 @@ std::string lastLineOf( Process::LastWords const & words ) {
 Findings explored( Exploration const & exploration, Host::AgentConfig const & config,
                    Branch const & branch, Limits const & limits ) {
    SharedFindings findings;
+   Shared< bool > isUp;
    Output const output;
    int const status = inProcess( output, [ & ] {
-      tryBranch( exploration, config, branch, limits, output, findings );
+      tryBranch( exploration, config, branch, limits, output, findings, *isUp );
    } );
-   if ( branch.begin.empty() && status != 0 ) {
-      throw std::runtime_error(
-         fmt::format( "the switch does not come up: {}", lastLineOf( output.lastWords() ) ) );
+   if ( !*isUp ) {
+      throw std::runtime_error( "the switch does not come up: " + reasonOf( status, output ) );
    }
    return findings.findings();
 }

@@ -1,11 +1,13 @@
 #include <Process/Workers.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
 #include <list>
 #include <optional>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -23,6 +25,9 @@ namespace Process {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// A worker that was asked to end has this time.
+constexpr std::chrono::milliseconds kPatience{ 5000 };
 
 // How often the signals, the workers and the progress are looked after when nothing else happens.
 constexpr int kInterval = 50;  // in milliseconds
@@ -184,8 +189,11 @@ int workAll( Pieces const & pieces ) {
       for ( ; workers.count() < pieces.jobs && next < pieces.count; ++next ) {
          workers.add( next, pieces.work );
       }
-      workers.takeThoseOver(
-         [ & ]( Worker & worker ) { pieces.take( worker.piece(), worker.worked() ); } );
+      workers.takeThoseOver( [ & ]( Worker & worker ) {
+         if ( interruption.signal() == 0 ) {  // it may have ended the worker, too
+            pieces.take( worker.piece(), worker.worked() );
+         }
+      } );
       pieces.progress();
    }
    return interruption.signal();

@@ -4,19 +4,17 @@
 //    int const signal = Process::workAll( { count, jobs, work, take } );
 //
 // The workers do not outlive this process or a call. A signal that asks this process to end asks
-// them, too; a worker that has not ended kPatience later is killed.
+// them, too; a worker that has not ended five seconds later is killed.
 //
 // The caller has one thread. Failures: std::system_error when no process can be started.
 #pragma once
 
-#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 
 namespace Process {
-
-inline constexpr std::chrono::milliseconds kPatience{ 5000 };
 
 // What has become of a piece of work.
 struct Worked {

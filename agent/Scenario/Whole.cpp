@@ -95,4 +95,14 @@ std::string nameFor( fs::path const & file ) {
    return isUsual ? folder.string() : file.stem().string();
 }
 
+Yaml basedOn( Whole const & whole, fs::path const & file, Yaml const & steps ) {
+   Yaml text = yamlMapping( { { "scenario", yamlText( nameFor( file ) ) },
+                              { "based-on", yamlText( pathFrom( file, whole.base() ) ) },
+                              { "variant", yamlText( whole.variant() ) } } );
+   if ( !steps.parts.empty() ) {
+      text.set( "steps", steps );
+   }
+   return text;
+}
+
 }  // namespace Scenario

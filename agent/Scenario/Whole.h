@@ -66,6 +66,10 @@ class Whole {
    std::size_t baseSteps_ = 0;
 };
 
+// A document for `file` that is based on the whole scenario's base, with these steps behind its
+// own.
+Yaml basedOn( Whole const & whole, std::filesystem::path const & file, Yaml const & steps );
+
 // The path of `target` from the folder of `file`.
 std::string pathFrom( std::filesystem::path const & file, std::filesystem::path const & target );
 

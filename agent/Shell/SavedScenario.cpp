@@ -25,18 +25,6 @@ std::vector< PlacedStep > inOrder( std::vector< PlacedStep > const & own,
    return steps;
 }
 
-Yaml basedOn( Scenario::Whole const & whole, fs::path const & file, Yaml const & steps ) {
-   using Scenario::yamlText;
-   Yaml text =
-      Scenario::yamlMapping( { { "scenario", yamlText( Scenario::nameFor( file ) ) },
-                               { "based-on", yamlText( Scenario::pathFrom( file, whole.base() ) ) },
-                               { "variant", yamlText( whole.variant() ) } } );
-   if ( !steps.parts.empty() ) {
-      text.set( "steps", steps );
-   }
-   return text;
-}
-
 }  // namespace
 
 std::string savedText( Original const & original, std::vector< Done > const & done,

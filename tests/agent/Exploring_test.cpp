@@ -1,5 +1,6 @@
 // `vornal explore` tries every order of events, and finds each way to end.
 #include <cmath>
+#include <map>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -7,6 +8,7 @@
 #include <Exploring/Branches.h>
 #include <Exploring/Exchanges.h>
 #include <Scenario/ReadError.h>
+#include <Shipped.h>
 #include <Support.h>
 
 namespace {
@@ -124,6 +126,26 @@ TEST_F( Explore, RefusesThingsThatAreNotAlike ) {
                 "segments.yaml:4: things that are alike have as many names each" ) );
 }
 
+// Lists of steps have an order, other lists have none.
+TEST_F( Explore, TakesStepsInTheirOrder ) {
+   std::string const steps =
+      "steps:\n"
+      "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+      "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n";
+   EXPECT_TRUE( contains( mistakes( kHead + steps + kAlike + kEvents ),
+                          "segments.yaml:7: the switch is another one when " ) );
+   std::string const turn =
+      "   - turn:\n"
+      "        - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
+      "        - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n";
+   EXPECT_TRUE( contains( mistakes( whole + turn ), "becomes no other event" ) );
+}
+
+TEST_F( Explore, RefusesAnEventThatIsThereTwice ) {
+   EXPECT_TRUE( contains( mistakes( whole + "   - ready: subagents::l2Ready\n" ),
+                          "event 'ready: subagents::l2Ready' is there twice; leave one out" ) );
+}
+
 TEST_F( Explore, NamesTheLineOfAMistake ) {
    EXPECT_TRUE( contains( mistakes( "exploration: a\nlength: 0\nevents: []\n" ), "based-on" ) );
    EXPECT_TRUE( contains( mistakes( whole + "   - publsh: {}\n" ), "segments.yaml:12: " ) );
@@ -184,6 +206,22 @@ TEST_F( Explore, TakesTheEventsOfAnotherExploration ) {
    EXPECT_TRUE( contains( refused( "nowhere.yaml" ), "nowhere.yaml" ) );
    file( whole + "   - publsh: {}\n" );
    EXPECT_TRUE( contains( refused( "segments.yaml" ), "segments.yaml:12: " ) );
+}
+
+TEST_F( Explore, WritesScenariosThatFindTheirCaptures ) {
+   namespace fs = std::filesystem;
+   std::string const capture =
+      fs::relative( VORNAL_SOURCE_DIR "/scenarios/captures/fabric-v4.pcap", directory.path() );
+   std::string const base = fs::relative( Shipped::fileOf( "two-leaves" ), directory.path() );
+   std::string const frames = "frames: { capture: " + capture + ", on: Ethernet49 }\n";
+   Exploration const exploration( file( "exploration: frames\nbased-on: " + base +
+                                        "\nlength: 1\nsteps:\n   - " + frames + "events:\n   - " +
+                                        frames ) );
+   std::string const text = exploration.scenarioText( { 0 }, directory.path() / "a/01.yaml" );
+   EXPECT_TRUE( contains( text, "based-on: ../" + base + '\n' ) ) << text;
+   std::size_t const first = text.find( "../" + capture );
+   EXPECT_NE( first, std::string::npos ) << text;
+   EXPECT_NE( text.find( "../" + capture, first + 1 ), std::string::npos ) << text;
 }
 
 TEST_F( Explore, BeginsWithItsSteps ) {
@@ -379,7 +417,7 @@ TEST_F( Explore, NamesTheScenariosThatEndLikeAFinding ) {
    directory.file( "limits/stops.yaml", "scenario: broken\n" );
    auto const broken = explore( { file( whole ), "--known", limits } );
    EXPECT_EQ( broken.exitCode, 2 );
-   EXPECT_TRUE( contains( broken.err, "this scenario of a limit cannot be run" ) ) << broken.err;
+   EXPECT_TRUE( contains( broken.err, "stops.yaml:1: 'switch' is missing" ) ) << broken.err;
 }
 
 // The shipped plug-in, and a build of it that puts another port into masks.
@@ -412,13 +450,99 @@ TEST_F( Explore, SaysWhenTheSwitchDoesNotComeUp ) {
                                    "   - ready: subagents::l2Ready\n"
                                    "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n"
                                    "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n" );
-   auto const ran = explore( { file( whole ) } );
+   auto const ran = explore( { file( std::string( kHead ) + kEvents ) } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_TRUE( contains( ran.err, "segments.yaml: the switch does not come up: " ) ) << ran.err;
    EXPECT_TRUE( contains( ran.err, "room for another segment" ) ) << ran.err;
-   auto const none = Support::vornal( { "explore", file( whole ), "--plugin", file( whole ) } );
+   auto const none = Support::vornal( { "explore", file( std::string( kHead ) + kEvents ),
+                                        "--plugin", file( std::string( kHead ) + kEvents ) } );
    EXPECT_EQ( none.exitCode, 2 );
    EXPECT_TRUE( contains( none.err, "segments.yaml: the switch does not come up: " ) ) << none.err;
+}
+
+// The second event is in front of a branch.
+TEST_F( Explore, EndsEachEventThatTakesTooLong ) {
+   std::string const hang = "   - call: { entity: /plugins/Sample::Mounter, operation: hang }\n";
+   auto const ran =
+      explore( { file( kHead + ( kEvents + hang ) ), "--length", "2", "--turn-limit", "0.2" } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, "\nhang the event does not come to its end\n" ) ) << ran.out;
+   auto const steps =
+      explore( { file( kHead + ( "steps:\n" + hang + kEvents ) ), "--turn-limit", "0.2" } );
+   EXPECT_EQ( steps.exitCode, 2 );
+   EXPECT_TRUE( contains( steps.err, "does not come up: it takes longer than the time limit" ) )
+      << steps.err;
+}
+
+TEST_F( Explore, RefusesEachShareOfASwitchThatDoesNotComeUp ) {
+   std::string const text = kHead + std::string( "steps: [ set: { entity: /none } ]\n" ) + kEvents;
+   std::string const results = directory.path() / "results";
+   for ( std::string const shard : { "1/2", "2/2" } ) {
+      auto const ran = explore( { file( text ), "--shard", shard, "--results", results } );
+      EXPECT_EQ( ran.exitCode, 2 );
+   }
+   auto const why = explore(
+      { file( kHead + std::string( "steps: [ set: { entity: /none, a: 1 } ]\n" ) + kEvents ),
+        "--shard", "2/2" } );
+   EXPECT_EQ( why.exitCode, 2 );
+}
+
+TEST_F( Explore, LooksAtItsWordsBeforeTheWork ) {
+   std::string const exploration = file( whole );
+   std::string const empty = directory.path() / "empty";
+   std::filesystem::create_directory( empty );
+   std::string const found = directory.path() / "found";
+   auto const none = explore( { exploration, "--known", empty, "--write", found } );
+   EXPECT_EQ( none.exitCode, 2 );
+   EXPECT_TRUE( contains( none.err, "empty has no scenarios; name a folder such as" ) ) << none.err;
+   EXPECT_FALSE( std::filesystem::exists( found + "/catalogue" ) );
+   auto const folder = explore( { exploration, "--write", exploration } );
+   EXPECT_EQ( folder.exitCode, 2 );
+   EXPECT_TRUE( contains( folder.err, "segments.yaml is no folder, and none can be made" ) )
+      << folder.err;
+   auto const scenario = explore( { exploration, "--known", exploration } );
+   EXPECT_EQ( scenario.exitCode, 2 );
+   EXPECT_TRUE( contains( scenario.err, "segments.yaml: " ) ) << scenario.err;
+}
+
+// A refusal and a call that fails, in each place where the run of the scenario has one.
+TEST_F( Explore, TriesEveryFaultOfAScenario ) {
+   std::string const scenario = Shipped::fileOf( "first-segment" );
+   constexpr char kCall[] = "\"event\":\"callMade\"";
+   auto const ran = Support::vornal( { "run", scenario, "--events" } );
+   std::size_t calls = 0;
+   for ( std::size_t at = ran.out.find( kCall ); at != std::string::npos;
+         at = ran.out.find( kCall, at + 1 ) ) {
+      ++calls;
+   }
+   auto const explored = Support::vornal( { "explore", "--faults", scenario, "--json" } );
+   EXPECT_EQ( explored.exitCode, 0 ) << explored.err;
+   auto const document = nlohmann::json::parse( explored.out );
+   EXPECT_GT( calls, 10U );
+   EXPECT_EQ( document[ "sequences" ], calls );
+   std::map< std::string, nlohmann::json > findings;
+   for ( auto const & found : document[ "findings" ] ) {
+      findings[ found[ "what" ] ] = found;
+   }
+   auto const & installs = findings.at(
+      "rc == BCM_E_NONE && \"installEntry failed\" in "
+      "Vornal::EvpnMultihomingLocalBiasSm::installRulesForUcastTraffic" );
+   EXPECT_EQ( installs[ "sequences" ], 4 );  // two exemptions, twice
+   EXPECT_EQ( installs[ "kind" ], "stop" );
+   EXPECT_EQ( findings.at( "setPriorityForEntry" )[ "kind" ], "unnoticed" );
+
+   EXPECT_EQ( installs[ "shortest" ][ 0 ], "fail-call: {number: 7, code: -1}" );
+}
+
+TEST_F( Explore, RefusesWhatDoesNotGoWithFaults ) {
+   std::string const scenario = Shipped::fileOf( "first-segment" );
+   for ( std::string const word : { "--length", "--shard", "--results", "--write" } ) {
+      auto const ran = Support::vornal( { "explore", "--faults", scenario, word, "1/1" } );
+      EXPECT_EQ( ran.exitCode, 2 ) << word;
+      EXPECT_TRUE( contains( ran.err, word ) ) << ran.err;
+   }
+   auto const exploration = explore( { "--faults", file( whole ) } );
+   EXPECT_EQ( exploration.exitCode, 2 );
 }
 
 TEST_F( Explore, RefusesWrongWords ) {

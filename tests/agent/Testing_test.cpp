@@ -201,6 +201,21 @@ TEST( Workers, TurnAnEndWithoutAResultIntoAFailure ) {
    EXPECT_FALSE( tested.results[ 1 ].isFailed() );
 }
 
+TEST( Workers, AreNoFailureWhenTheSignalToTheProgramHasEndedThem ) {
+   signal( SIGTERM, SIG_DFL );
+   auto const tested = Testing::testAll(
+      files( 1 ), 1,
+      []( fs::path const & file ) {
+         kill( getppid(), SIGTERM );
+         raise( SIGKILL );
+         return over( file );
+      },
+      noProgress );
+   EXPECT_EQ( tested.signal, SIGTERM );
+   EXPECT_FALSE( tested.results[ 0 ].isOver );
+   EXPECT_FALSE( tested.results[ 0 ].isFailed() );
+}
+
 TEST( Workers, EndWithASignalToTheProgram ) {
    signal( SIGTERM, SIG_DFL );
    auto const tested = Testing::testAll(
