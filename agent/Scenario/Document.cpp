@@ -7,7 +7,12 @@ namespace Scenario {
 Value documentIn( std::string const & text, std::string const & file ) {
    std::string const bare = withoutMark( text );
    survey( bare, file );
-   return { YAML::Load( bare ), 1, "the scenario" };
+   return { parsed( bare ), 1, "the scenario" };
+}
+
+YAML::Node parsed( std::string const & text ) {
+   // With a last line feed, as the survey saw it: the parser refuses some texts only without one.
+   return YAML::Load( text + '\n' );
 }
 
 }  // namespace Scenario

@@ -22,7 +22,7 @@ YAML::Node Reading::add( std::string const & name, std::string const & text ) {
    int const before = sources_.add( name, text );
    directory_ = std::filesystem::path( name ).parent_path();
    text_ += '\n' + text;
-   return YAML::Load( std::string( static_cast< std::size_t >( before ), '\n' ) + text );
+   return parsed( std::string( static_cast< std::size_t >( before ), '\n' ) + text );
 }
 
 // Only blanks and comments stand between the dash and the next node.

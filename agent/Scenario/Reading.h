@@ -10,6 +10,7 @@
 // looks there, and an alias counts where it is used rather than anchored.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -74,6 +75,10 @@ class Reading {
       return root_.placeOf( name );
    }
 
+   // The parser sets the mark of an empty key at the end of the texts behind them.
+   int lineOf( YAML::Mark const & mark ) const {
+      return std::min( mark.line + 1, sources_.lines() );
+   }
    // The line of an empty list element, which is only a dash. The parser knows only the beginning
    // of the next node.
    int lineOfDash( YAML::Mark const & next ) const;

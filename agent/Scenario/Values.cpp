@@ -59,7 +59,7 @@ std::vector< Value > mappingOf( Reading & reading, Value const & value ) {
    Seen< std::string > seen;
    for ( auto const & entry : value.node ) {
       std::string const key = entry.first.IsScalar() ? entry.first.Scalar() : "";
-      int const line = entry.first.Mark().line + 1;
+      int const line = reading.lineOf( entry.first.Mark() );
       if ( key.empty() ) {
          reading.problem( line, "a key in " + value.name + " is " +
                                    std::string( kindOf( entry.first ) ) +

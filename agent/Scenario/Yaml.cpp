@@ -4,6 +4,7 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include <Scenario/Document.h>
 #include <Scenario/Survey.h>
 
 namespace Scenario {
@@ -140,7 +141,7 @@ Yaml inLine( Yaml value ) {
 }
 
 Yaml yamlIn( std::string const & text ) {
-   return valueOf( YAML::Load( withoutMark( text ) ) );
+   return valueOf( parsed( withoutMark( text ) ) );
 }
 
 std::string textOf( Yaml const & document ) {
