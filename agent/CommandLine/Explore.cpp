@@ -14,6 +14,7 @@
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
+#include <Testing/Collection.h>
 #include <Text/Numbers.h>
 #include <Text/Printable.h>
 
@@ -27,7 +28,7 @@ using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
 
-constexpr std::size_t kPieces = 64;  // of all faults; a worker has several
+constexpr std::size_t kPieces = 64;  // of all faults, at least; a worker has several
 
 // --- The branches
 
@@ -51,6 +52,22 @@ class Taking {
    std::size_t count_ = 0;
 };
 
+// --- The faults
+
+// A fault with the number of its scenario in it, behind its kind: of faults that end alike, the
+// kind says which one is told.
+Sequence withScenario( Sequence fault, std::size_t scenario ) {
+   fault.insert( fault.begin() + 1, static_cast< U16 >( scenario ) );
+   return fault;
+}
+std::size_t scenarioOf( Sequence const & fault ) {
+   return fault.at( 1 );
+}
+Sequence withoutScenario( Sequence fault ) {
+   fault.erase( fault.begin() + 1 );
+   return fault;
+}
+
 // --- The shards
 
 std::optional< std::pair< U32, U32 > > shardIn( std::string const & text ) {
@@ -67,7 +84,7 @@ std::optional< std::pair< U32, U32 > > shardIn( std::string const & text ) {
 void Explore::declare( CLI::App & app ) {
    app.add_option( "FILE", words_,
                    "The exploration's file; or 'merge', that file, and files of results; with "
-                   "--faults, a scenario's" )
+                   "--faults, scenarios, or folders with scenarios" )
       ->required()
       ->check( problemOfName );
    CLI::Option * const faults =
@@ -111,9 +128,8 @@ void Explore::readWords() {
    if ( isMerge() && !areFaults_ && words_.size() < 3 ) {
       throw CLI::ValidationError( "merge", "an exploration and files of results are expected" );
    }
-   if ( ( areFaults_ || !isMerge() ) && words_.size() != 1 ) {
-      throw CLI::ValidationError( "FILE", areFaults_ ? "one scenario is expected"
-                                                     : "one exploration is expected" );
+   if ( !areFaults_ && !isMerge() && words_.size() != 1 ) {
+      throw CLI::ValidationError( "FILE", "one exploration is expected" );
    }
    if ( !shardText_.empty() ) {
       auto const shard = shardIn( shardText_ );
@@ -203,10 +219,11 @@ bool Explore::isAsInCatalogue( Findings const & findings ) const {
 }
 
 // Whether a scenario shows each finding, where a folder of them is named.
-bool Explore::isKnown( Findings const & findings ) const {
+bool Explore::isKnown( Explored const & subject ) const {
    bool isKnown = true;
-   for ( auto const & [ key, found ] : findings.all ) {
-      if ( limits_.isThere() && limits_.showing( key ).empty() ) {
+   for ( auto const & [ key, found ] : subject.findings.all ) {
+      bool const isShown = !limits_.showing( key ).empty() || subject.isClear( found.shortest );
+      if ( limits_.isThere() && !isShown ) {
          std::cerr << "shown by no scenario: " << Text::printable( lineOf( key ) ) << '\n';
          isKnown = false;
       }
@@ -235,37 +252,79 @@ void Explore::prepare() {
 Explored Explore::explored( int & signal ) const {
    auto const exploration = std::make_shared< Exploration >( words_[ isMerge() ? 1 : 0 ] );
    std::size_t const length = length_.value_or( static_cast< U32 >( exploration->length() ) );
-   Explored explored{ exploration->name(), exploration->file().string(), kSequence,
-                      isMerge() ? merged( *exploration, length )
-                                : explore( *exploration, length, signal ),
-                      [ exploration ]( Sequence const & sequence ) {
-                         std::vector< std::string > steps;
-                         for ( U16 const event : sequence ) {
-                            steps.push_back( exploration->text( event ) );
-                         }
-                         return steps;
-                      } };
+   Findings const findings =
+      isMerge() ? merged( *exploration, length ) : explore( *exploration, length, signal );
    if ( signal == 0 && !folder_.empty() ) {
-      writeFindings( folder_, *exploration, explored.findings );
+      writeFindings( folder_, *exploration, findings );
    }
-   return explored;
+   Exploring::Counts const & counts = findings.counts;
+   return { exploration->name(),
+            { { "exploration", exploration->name() },
+              { "file", exploration->file().string() },
+              { "sequences", counts.sequences },
+              { "standFor", counts.standFor },
+              { "withoutEffect", counts.without } },
+            "sequence",
+            findings,
+            [ exploration ]( Sequence const & sequence ) {
+               std::vector< std::string > steps;
+               for ( U16 const event : sequence ) {
+                  steps.push_back( exploration->text( event ) );
+               }
+               return steps;
+            },
+            []( Sequence const & ) { return std::string(); },
+            []( Sequence const & ) { return false; } };
 }
 
 Explored Explore::exploredFaults( int & signal ) const {
-   std::filesystem::path const file = words_.front();
-   Exploring::Faults const faults( file, config( file ), run_.turnLimit() );
-   std::size_t const pieces = std::min( faults.count(), kPieces );
-   Findings all;
+   auto const files = Testing::scenariosAmong( { words_.begin(), words_.end() } );
+   if ( files.empty() ) {
+      throw Story::InputError( "there are no scenarios; name one, or a folder such as scenarios" );
+   }
+   std::size_t const shares = std::max< std::size_t >( kPieces / files.size(), 1 );
    auto const work = [ & ]( std::size_t piece ) {
-      return Exploring::resultOf( {}, [ & ] { return faults.tried( piece, pieces ); } );
+      return Exploring::resultOf( {}, [ & ] {
+         return faultsOf( files[ piece / shares ], piece / shares, piece % shares, shares );
+      } );
    };
-   auto const take = [ & ]( std::size_t, Process::Worked const & worked ) {
-      all.add( Exploring::findingsIn( worked, file.string() ).second );
+   ProgressLine line( std::cerr );
+   Findings all;
+   std::size_t done = 0;
+   auto const take = [ & ]( std::size_t piece, Process::Worked const & worked ) {
+      all.add( Exploring::findingsIn( worked, files[ piece / shares ].string() ).second );
+      ++done;
    };
-   signal = Process::workAll( { pieces, jobs_.count(), work, take } );
-   return { faults.name(), file.string(), "fault", all, []( Sequence const & fault ) {
-              return std::vector{ Exploring::Faults::text( fault ) };
-           } };
+   auto const progress = [ & ] {
+      if ( isTerminal( STDERR_FILENO ) ) {
+         line.advance( fmt::format( "{} {}", ProgressLine::bar( done, files.size() * shares ),
+                                    Story::counted( all.counts.sequences, "fault" ) ) );
+      }
+   };
+   signal = Process::workAll( { files.size() * shares, jobs_.count(), work, take, progress } );
+   line.clear();
+   std::vector< std::string > names( files.begin(), files.end() );
+   return { files.size() == 1 ? names.front() : Story::counted( files.size(), "scenario" ),
+            { { "scenarios", names }, { "faults", all.counts.sequences } },
+            "fault",
+            all,
+            []( Sequence const & fault ) {
+               return std::vector{ Exploring::Faults::text( withoutScenario( fault ) ) };
+            },
+            [ names ]( Sequence const & fault ) { return names.at( scenarioOf( fault ) ); },
+            []( Sequence const & fault ) {
+               return Exploring::Faults::isFailure( withoutScenario( fault ) );
+            } };
+}
+
+Findings Explore::faultsOf( std::filesystem::path const & file, std::size_t number,
+                            std::size_t first, std::size_t every ) const {
+   Exploring::Faults const faults( file, config( file ), run_.turnLimit() );
+   Findings findings = faults.tried( first, every );
+   for ( auto & [ key, found ] : findings.all ) {
+      found.shortest = withScenario( found.shortest, number );
+   }
+   return findings;
 }
 
 Story::ExitCode Explore::perform( std::ostream & out ) {
@@ -288,8 +347,8 @@ Story::ExitCode Explore::perform( std::ostream & out ) {
    bool const isSame = isAsInCatalogue( subject.findings );
    bool const isWhole =
       subject.findings.counts.unnamed == 0 || ( !expected_ && !limits_.isThere() );
-   return isKnown( subject.findings ) && isSame && isWhole ? Story::ExitCode::Held
-                                                           : Story::ExitCode::ExpectationFailed;
+   return isKnown( subject ) && isSame && isWhole ? Story::ExitCode::Held
+                                                  : Story::ExitCode::ExpectationFailed;
 }
 
 }  // namespace CommandLine

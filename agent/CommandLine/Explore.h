@@ -1,5 +1,5 @@
 // `vornal explore`: tries every order of the events of an exploration, or every fault of the chip
-// in the run of a scenario.
+// in the runs of scenarios.
 #pragma once
 
 #include <optional>
@@ -26,17 +26,20 @@ class Explore final : public Command {
    bool isMerge() const { return words_.front() == "merge"; }
    Explored explored( int & signal ) const;
    Explored exploredFaults( int & signal ) const;
+   // Of the faults of the scenario with that number those from `first` on, each `every`-th.
+   Exploring::Findings faultsOf( std::filesystem::path const & file, std::size_t number,
+                                 std::size_t first, std::size_t every ) const;
    Exploring::Findings explore( Exploring::Exploration const & exploration, std::size_t length,
                                 int & signal ) const;
    Exploring::Findings merged( Exploring::Exploration const & exploration,
                                std::size_t length ) const;
    Host::AgentConfig config( std::filesystem::path const & file ) const;
    bool isAsInCatalogue( Exploring::Findings const & findings ) const;
-   bool isKnown( Exploring::Findings const & findings ) const;
+   bool isKnown( Explored const & subject ) const;
    void prepare();
 
-   std::vector< std::string >
-      words_;  // a scenario; the exploration; or "merge", it, and files of results
+   // The exploration; or "merge", it, and files of results; or scenarios.
+   std::vector< std::string > words_;
    std::optional< U32 > length_;
    std::string shardText_;
    Exploring::Shard shard_;

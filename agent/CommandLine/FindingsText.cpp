@@ -29,17 +29,19 @@ void print( Explored const & explored, Exploring::KnownLimits const & limits, st
    Findings const & findings = explored.findings;
    out << fmt::format( "{}: {}", Text::printable( explored.name ),
                        Story::counted( findings.counts.sequences, explored.thing ) );
-   out << ( explored.thing == kSequence
+   out << ( explored.what.contains( "standFor" )
                ? fmt::format( ", which stand for {}; {} more changed nothing\n",
                               findings.counts.standFor, findings.counts.without )
                : "\n" );
    for ( auto const & [ key, found ] : findings.all ) {
-      out << fmt::format( "\n{}\n   in {}; the shortest:\n{}",
+      std::string const scenario = explored.scenarioOf( found.shortest );
+      out << fmt::format( "\n{}\n   in {}; the shortest{}:\n{}",
                           Text::printable( Exploring::lineOf( key ) ),
                           Story::counted( found.sequences, explored.thing ),
+                          scenario.empty() ? "" : ", in front of " + Text::printable( scenario ),
                           textOf( explored.stepsOf( found.shortest ) ) );
-      for ( std::string const & scenario : limits.showing( key ) ) {
-         out << "   shown by " << Text::printable( scenario ) << '\n';
+      for ( std::string const & one : limits.showing( key ) ) {
+         out << "   shown by " << Text::printable( one ) << '\n';
       }
    }
    if ( findings.counts.unnamed != 0 ) {
@@ -49,22 +51,20 @@ void print( Explored const & explored, Exploring::KnownLimits const & limits, st
 }
 
 Json jsonOf( Explored const & explored, Exploring::KnownLimits const & limits ) {
-   Findings const & findings = explored.findings;
    Json found = Json::array();
-   for ( auto const & [ key, one ] : findings.all ) {
+   for ( auto const & [ key, one ] : explored.findings.all ) {
+      std::string const scenario = explored.scenarioOf( one.shortest );
       found.push_back( { { "kind", nameOf( key.kind ) },
                          { "what", key.what },
-                         { "sequences", one.sequences },
+                         { explored.thing + 's', one.sequences },
                          { "shortest", explored.stepsOf( one.shortest ) },
+                         { "scenario", scenario.empty() ? Json() : Json( scenario ) },
                          { "shownBy", limits.showing( key ) } } );
    }
-   return { { "exploration", explored.name },
-            { "file", explored.file },
-            { "sequences", findings.counts.sequences },
-            { "standFor", findings.counts.standFor },
-            { "withoutEffect", findings.counts.without },
-            { "unnamed", findings.counts.unnamed },
-            { "findings", std::move( found ) } };
+   Json document = explored.what;
+   document[ "unnamed" ] = explored.findings.counts.unnamed;
+   document[ "findings" ] = std::move( found );
+   return document;
 }
 
 }  // namespace CommandLine

@@ -11,16 +11,18 @@
 
 namespace CommandLine {
 
-inline constexpr char kSequence[] = "sequence";
-
 // What was explored, with what was found.
 struct Explored {
-   std::string name;
-   std::string file;
-   std::string thing;  // that was tried: kSequence, "fault"
+   std::string name;   // for people
+   Story::Json what;   // for programs: a document that names it
+   std::string thing;  // that was tried: "sequence", "fault"
    Exploring::Findings findings;
    // The steps of a sequence of it, each in one line.
    std::function< std::vector< std::string >( Exploring::Sequence const & ) > stepsOf;
+   // The scenario whose steps come behind these; empty: there is none.
+   std::function< std::string( Exploring::Sequence const & ) > scenarioOf;
+   // A finding needs no scenario that shows it.
+   std::function< bool( Exploring::Sequence const & ) > isClear;
 };
 
 // With the scenarios that show each finding, where there are some.

@@ -44,7 +44,8 @@ Past pastOf( std::vector< Yaml > const & steps ) {
          }
       }
       past.hasFrames = past.hasFrames || step.find( "frame" ) || step.find( "frames" );
-      past.hasFaults = past.hasFaults || step.find( "fail-call" ) || step.find( "refuse-entry" );
+      past.hasFaults = past.hasFaults || step.find( "fail-call" ) || step.find( "refuse-entry" ) ||
+                       step.find( "end-at-call" );
    }
    return past;
 }

@@ -13,23 +13,29 @@ namespace Exploring {
 
 namespace {
 
+// The length of the number or the address that the text begins with.
+std::size_t lengthOfNumber( std::string_view text ) {
+   std::string_view const address =
+      text.substr( 0, text.find_first_not_of( "0123456789abcdef.:/" ) );
+   bool const isAddress = address.find( ':' ) != std::string_view::npos;
+   return isAddress ? address.size()
+                    : std::min( text.find_first_not_of( "0123456789./" ), text.size() );
+}
+
 // The text with N in place of each number, address and key in brackets.
 std::string withoutNumbers( std::string_view text ) {
-   constexpr std::string_view kOfAddresses = "0123456789.:/";
    std::string result;
    for ( std::size_t at = 0; at < text.size(); ) {
       bool const isKey = at > 0 && text[ at - 1 ] == '[';
       if ( isKey ) {
          result += 'N';
          at = std::min( text.find( ']', at ), text.size() );
-         continue;
-      }
-      if ( std::isdigit( static_cast< unsigned char >( text[ at ] ) ) == 0 ) {
+      } else if ( std::isdigit( static_cast< unsigned char >( text[ at ] ) ) != 0 ) {
+         result += 'N';
+         at += lengthOfNumber( text.substr( at ) );
+      } else {
          result += text[ at++ ];
-         continue;
       }
-      result += 'N';
-      at = std::min( text.find_first_not_of( kOfAddresses, at ), text.size() );
    }
    return result;
 }

@@ -3,15 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <set>
+#include <span>
 #include <stdexcept>
 
 #include <fmt/format.h>
 
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
+#include <Snapshot/Rules.h>
 #include <Steps/Reader.h>
-#include <Story/InputError.h>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace Exploring {
@@ -20,61 +23,122 @@ namespace {
 
 constexpr S32 kCode = -1;  // of a call that fails
 
-// The first number of a Sequence that is a fault; the second one counts calls or requests.
-enum Fault : U16 { failure, refusal };
+// The first number of a Sequence that is a fault; the second one counts calls or requests. Of two
+// faults that end alike, the one whose end says more comes first: behind a call that fails nothing
+// has to be right.
+enum Fault : U16 { end, refusal, failure };
 
 constexpr char kRequest[] = "getEntry";
-
-// Counts the calls of a run, and notes the one that fails.
-class Watch final : public Story::Observer {
- public:
-   explicit Watch( Calls & calls ) : calls_( calls ) {}
-
-   void onEvent( Story::Event const & event ) override {
-      if ( auto const * const made = std::get_if< Story::CallMade >( &event ) ) {
-         ++( made->call.operation == kRequest ? calls_.requests : calls_.made );
-         if ( made->call.returnCode == kCode ) {
-            failed_ = made->call.operation;
-         }
-      }
-   }
-
-   // Empty: none has failed.
-   std::string const & failed() const { return failed_; }
-
- private:
-   Calls & calls_;
-   std::string failed_;
-};
 
 // No group is full any more.
 constexpr std::array< char const *, 2 > kRoom{ "foreign-entries: { group: ingress, count: 0 }",
                                                "foreign-entries: { group: egress, count: 0 }" };
+
+// Keeps the calls of a run.
+class Logging final : public Story::Observer {
+ public:
+   explicit Logging( CallLog const & log ) : log_( log ) {}
+
+   void stepBegins() { ++steps_; }
+   void onEvent( Story::Event const & event ) override {
+      if ( auto const * const made = std::get_if< Story::CallMade >( &event ) ) {
+         log_.add( { steps_, made->call } );
+      }
+   }
+
+ private:
+   CallLog const & log_;
+   U32 steps_ = 0;
+};
+
+// Notes the call that fails.
+class Failure final : public Story::Observer {
+ public:
+   void onEvent( Story::Event const & event ) override {
+      auto const * const made = std::get_if< Story::CallMade >( &event );
+      if ( made && made->call.returnCode == kCode ) {
+         operation = made->call.operation;
+      }
+   }
+
+   std::string operation;  // empty: none has failed
+};
+
+using Entry = std::pair< U32, U32 >;  // unit and id
+
+// All that the calls have made, those gone among them.
+std::set< Entry > entriesOf( std::span< Chip::HardwareCall const > calls ) {
+   std::set< Entry > entries;
+   for ( Chip::HardwareCall const & call : calls ) {
+      entries.emplace( call.unit, call.entry );
+   }
+   return entries;
+}
+
+Chip::Rules rulesAmong( std::set< Entry > const & entries, Chip::Units const & units ) {
+   Chip::Rules rules = rulesOf( units );
+   std::erase_if( rules, [ & ]( Chip::Rule const & rule ) {
+      return !entries.contains( { rule.key.unit, rule.key.id } );
+   } );
+   return rules;
+}
+
+// For an audit of what the agent has made itself: the rules take room as before, and are no rules
+// of anybody.
+void becomeForeign( Chip::Rules const & rules, Chip::Units & units ) {
+   for ( Chip::Rule const & rule : rules ) {
+      Chip::Group & group = *units.group( rule.key.unit, rule.key.group );
+      group.release( rule.key.id );
+      group.foreignIs( group.foreign() + 1 );
+   }
+}
 
 }  // namespace
 
 Faults::Faults( std::filesystem::path const & file, Host::AgentConfig config,
                 std::chrono::milliseconds longestStep )
       : config_( std::move( config ) ), longestStep_( longestStep ) {
+   config_.lastStep = 0;
    std::vector< Scenario::AddedStep > added;
    for ( char const * const step : kRoom ) {
       added.push_back( { "room", step, {}, true } );
    }
    model_ = Steps::readScenario( file, added );
-   config_.lastStep = 0;
-   Shared< Calls > calls;
+   run();
+   for ( std::size_t number = 0; number < count(); ++number ) {
+      added.push_back( { "fault", text( faultAt( number ) ), {}, true } );
+   }
+   model_ = Steps::readScenario( file, added );
+}
+
+std::string Faults::text( Sequence const & fault ) {
+   switch ( fault.front() ) {
+   case failure: return fmt::format( "fail-call: {{number: {}, code: {}}}", fault.back(), kCode );
+   case refusal: return fmt::format( "refuse-entry: {{number: {}}}", fault.back() );
+   default: return fmt::format( "end-at-call: {{number: {}}}", fault.back() );
+   }
+}
+
+bool Faults::isFailure( Sequence const & fault ) {
+   return fault.front() == failure;
+}
+
+// --- Without a fault
+
+void Faults::run() {
+   CallLog const log;
    Shared< bool > isUp;
    SharedFindings findings;
    Output const output;
    int const status = inProcess( output, [ & ] {
-      Watch watch( *calls );
-      std::vector< std::byte > ring( Trace::Ring::sizeFor( kRingLines ) );
-      Host::Agent agent( model_, config_, ring, watch );
-      agent.begin();
-      *calls = {};
+      Logging logging( log );
+      Trial trial( setting(), logging );
       *isUp = true;
-      carryOut( agent );
-      addDifferences( agent.audit(), findings, {}, 1 );
+      for ( std::size_t n = 0; n < ownSteps(); ++n ) {
+         logging.stepBegins();
+         trial.tried( model_.steps[ n ] );
+      }
+      addDifferences( trial.audit(), findings, {}, 1 );
    } );
    if ( !*isUp ) {
       throw std::runtime_error( "the switch does not come up: " + output.text() );
@@ -82,80 +146,134 @@ Faults::Faults( std::filesystem::path const & file, Host::AgentConfig config,
    if ( status != 0 ) {
       addStop( status, output.lastWords(), findings, {}, 1 );
    }
-   calls_ = *calls;
+   take( log.calls() );
    without_ = findings.findings();
-   if ( std::max( calls_.made, calls_.requests ) > std::numeric_limits< U16 >::max() ) {
+}
+
+void Faults::take( std::vector< LoggedCall > const & calls ) {
+   for ( LoggedCall const & logged : calls ) {
+      if ( logged.steps != 0 && logged.call.operation == kRequest ) {
+         ++requests_;
+      } else if ( logged.steps != 0 ) {
+         fallible_.push_back( calls_.size() );
+      }
+      calls_.push_back( logged.call );
+      stepsAt_.push_back( logged.steps );
+   }
+   constexpr auto kMost = std::numeric_limits< U16 >::max();
+   if ( calls_.size() > kMost ) {
       throw std::runtime_error(
-         fmt::format( "{} calls are too many; give a scenario with at most {}", calls_.made,
-                      std::numeric_limits< U16 >::max() ) );
+         fmt::format( "{} calls are too many; give a scenario with at most {}", calls_.size(),
+                      kMost ) );
    }
-   for ( std::size_t number = 0; number < count(); ++number ) {
-      added.push_back( { "fault", text( faultAt( number ) ), {}, true } );
+}
+
+std::size_t Faults::ownSteps() const {
+   return model_.ownSteps + kRoom.size();
+}
+
+void Faults::carryOut( Trial & trial, std::size_t first ) const {
+   for ( std::size_t n = first; n < ownSteps(); ++n ) {
+      trial.tried( model_.steps[ n ] );
    }
-   model_ = Steps::readScenario( file, added );
+}
+
+// --- With one
+
+// The faults of one kind stand behind those of the kind before.
+std::size_t Faults::before( U16 kind ) const {
+   std::array< std::size_t, 3 > const starts{ 0, fallible_.size(), fallible_.size() + requests_ };
+   return starts.at( kind );
 }
 
 Sequence Faults::faultAt( std::size_t number ) const {
-   bool const isFailure = number < calls_.made;
-   return { isFailure ? failure : refusal,
-            static_cast< U16 >( ( isFailure ? number : number - calls_.made ) + 1 ) };
-}
-
-std::string Faults::text( Sequence const & fault ) {
-   return fault.front() == failure
-             ? fmt::format( "fail-call: {{number: {}, code: {}}}", fault.back(), kCode )
-             : fmt::format( "refuse-entry: {{number: {}}}", fault.back() );
-}
-
-// A step that the fault has made impossible is left out.
-void Faults::carryOut( Host::Agent & agent ) const {
-   for ( std::size_t n = 0; n < model_.ownSteps + kRoom.size(); ++n ) {
-      timeIs( longestStep_ );
-      try {
-         agent.carryOut( model_.steps[ n ] );
-      } catch ( Story::InputError const & ) {
-         continue;
-      }
+   U16 kind = failure;
+   while ( number < before( kind ) ) {
+      --kind;
    }
+   return { kind, static_cast< U16 >( number - before( kind ) + 1 ) };
+}
+
+Scenario::Step const & Faults::stepOf( Sequence const & fault ) const {
+   return model_.steps[ ownSteps() + before( fault.front() ) + fault.back() - 1 ];
 }
 
 Findings Faults::tried( std::size_t first, std::size_t every ) const {
    SharedFindings findings;
-   Output const output;
-   int const status = inProcess( output, [ & ] {
-      Calls calls;
-      Watch watch( calls );
-      std::vector< std::byte > ring( Trace::Ring::sizeFor( kRingLines ) );
-      Host::Agent agent( model_, config_, ring, watch );
-      agent.begin();
-      for ( std::size_t number = first; number < count(); number += every ) {
-         Sequence const fault = faultAt( number );
-         output.clear();
-         pid_t const pid = forked();
-         if ( pid == 0 ) {
-            agent.carryOut( model_.steps[ model_.ownSteps + kRoom.size() + number ] );
-            carryOut( agent );
-            addDifferences( agent.audit(), findings, fault, 1 );
-            if ( !watch.failed().empty() ) {
-               findings.add( Kind::unnoticed, watch.failed(), fault, 1 );
-            }
-            _exit( EXIT_SUCCESS );
-         }
-         if ( int const end = waitFor( pid ); end != 0 ) {
-            addStop( end, output.lastWords(), findings, fault, 1 );
-         }
-         ++findings.counts().sequences;
-         ++findings.counts().standFor;
+   std::vector< Sequence > ofCalls;
+   for ( std::size_t number = first; number < count(); number += every ) {
+      Sequence const fault = faultAt( number );
+      ++findings.counts().sequences;
+      ++findings.counts().standFor;
+      if ( fault.front() == end ) {
+         tryEnd( fault, findings );
+      } else {
+         ofCalls.push_back( fault );
       }
-   } );
-   if ( status != 0 ) {
-      throw std::runtime_error( "the faults cannot be tried: " + output.text() );
    }
+   tryCalls( ofCalls, findings );
    Findings tried = findings.findings();
    for ( auto const & [ key, found ] : without_.all ) {
       tried.all.erase( key );
    }
    return tried;
+}
+
+// Each in a copy of a process in which the switch has come up.
+void Faults::tryCalls( std::vector< Sequence > const & faults, SharedFindings & findings ) const {
+   Output const output;
+   int const status = inProcess( output, [ & ] {
+      Failure failed;
+      Trial trial( setting(), failed );
+      for ( Sequence const & fault : faults ) {
+         output.clear();
+         pid_t const pid = forked();
+         if ( pid == 0 ) {
+            trial.carryOut( stepOf( fault ) );
+            carryOut( trial, 0 );
+            addDifferences( trial.audit(), findings, fault, 1 );
+            if ( isFailure( fault ) && !failed.operation.empty() ) {
+               findings.add( Kind::unnoticed, failed.operation, fault, 1 );
+            }
+            _exit( EXIT_SUCCESS );
+         }
+         if ( int const ended = waitFor( pid ); ended != 0 ) {
+            addStop( ended, output.lastWords(), findings, fault, 1 );
+         }
+      }
+   } );
+   if ( status != 0 ) {
+      throw std::runtime_error( "the faults cannot be tried: " + output.text() );
+   }
+}
+
+void Faults::tryEnd( Sequence const & fault, SharedFindings & findings ) const {
+   Output const output;
+   int const status = inProcess( output, [ & ] { comeUpBehind( fault, findings ); } );
+   if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {
+      throw std::runtime_error( "the end of the process cannot be tried: " + output.text() );
+   }
+   if ( status != 0 ) {
+      addStop( status, output.lastWords(), findings, fault, 1 );
+   }
+}
+
+void Faults::comeUpBehind( Sequence const & fault, SharedFindings & findings ) const {
+   std::size_t const call = fallible_[ fault.back() - 1U ];
+   std::size_t const steps = stepsAt_[ call ];
+   Host::Agent::Past const past{ std::span( calls_ ).first( call ),
+                                 std::span( model_.steps ).first( steps ) };
+   auto const old = entriesOf( past.calls );
+   Story::Observers nobody( {} );
+   Trial trial( setting(), nobody, past );
+   Chip::Rules const before = rulesAmong( old, trial.units() );
+   carryOut( trial, steps );
+   Chip::Rules const after = rulesAmong( old, trial.units() );
+   if ( after != before ) {
+      findings.add( Kind::difference, "a rule of the process before has changed", fault, 1 );
+   }
+   becomeForeign( after, trial.units() );
+   addDifferences( trial.audit(), findings, fault, 1 );
 }
 
 }  // namespace Exploring

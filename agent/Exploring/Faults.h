@@ -1,27 +1,35 @@
-// Every fault of the chip in the run of a scenario, one at a time.
+// Every fault in the run of a scenario, one at a time.
 //
-// A fault is a call that fails, or a request for an entry that finds no room. Each has a run of its
-// own, in which it happens. A failed call must end the process. A request without room must not;
-// once the scenario is over, all groups have room, and the rules are judged then. An end that the
-// scenario has without faults is none of theirs.
+// A fault is one of these, and each has a run of its own, in which it happens:
 //
-// Cost: a process for each fault, a copy of one in which the switch has come up.
+//    a call that fails          The process must stop at it. Where it goes on, the finding is
+//                               "unnoticed", whether the plug-in could have known or not.
+//    a request without room     The process must go on. All groups have room once the scenario is
+//                               over, and the rules are judged then.
+//    the end of the process     Another process comes up on the same chips, with the state that is
+//    in place of a call         published then, and carries out the rest of the scenario. It finds
+//                               the rules of the first one, staged ones among them. It must make
+//                               its own beside them, and leave those alone.
+//
+// An end that the scenario has without faults is none of theirs.
+//
+// The chips of the second process get the calls of a run without faults again, up to the one that
+// is not made. So a scenario must make the same calls in each run.
+//
+// Cost: a process for each fault; of the first two kinds a copy of one in which the switch has come
+// up.
 #pragma once
 
 #include <chrono>
 #include <filesystem>
 #include <string>
 
+#include <Exploring/CallLog.h>
 #include <Exploring/Findings.h>
-#include <Host/Agent.h>
+#include <Exploring/SharedFindings.h>
+#include <Exploring/Trial.h>
 
 namespace Exploring {
-
-// The number of calls of a run that can fail, and of requests for an entry.
-struct Calls {
-   U32 made = 0;
-   U32 requests = 0;
-};
 
 class Faults {
  public:
@@ -30,23 +38,39 @@ class Faults {
    Faults( std::filesystem::path const & file, Host::AgentConfig config,
            std::chrono::milliseconds longestStep );
 
-   std::string const & name() const { return model_.name; }
-   std::size_t count() const { return calls_.made + calls_.requests; }
+   std::size_t count() const { return 2 * fallible_.size() + requests_; }
    // Tries the faults from `first` on, each `every`-th.
    Findings tried( std::size_t first, std::size_t every ) const;
    // The step, in front of the scenario's own, that lets the fault happen.
    static std::string text( Sequence const & fault );
+   // It is a call that fails.
+   static bool isFailure( Sequence const & fault );
 
  private:
+   // Without a fault.
+   void run();
+   void take( std::vector< LoggedCall > const & calls );
+   Setting setting() const { return { model_, config_, longestStep_ }; }
+   std::size_t ownSteps() const;
+   std::size_t before( U16 kind ) const;
    Sequence faultAt( std::size_t number ) const;
-   // The scenario's steps, and those that make room.
-   void carryOut( Host::Agent & agent ) const;
+   Scenario::Step const & stepOf( Sequence const & fault ) const;
+   void tryCalls( std::vector< Sequence > const & faults, SharedFindings & findings ) const;
+   void tryEnd( Sequence const & fault, SharedFindings & findings ) const;
+   void comeUpBehind( Sequence const & fault, SharedFindings & findings ) const;
+   // The scenario's steps from that one on, and those that make room.
+   void carryOut( Trial & trial, std::size_t first ) const;
 
    Host::AgentConfig config_;
    std::chrono::milliseconds longestStep_;
    Scenario::Model model_;  // behind its own steps those that make room, then the faults
-   Calls calls_;
-   Findings without_;  // how the scenario ends without a fault
+   // Of the run without a fault: all calls, how many steps had begun at each, the places of those
+   // that can fail and come behind the start-up, the requests behind it, and how it ends.
+   std::vector< Chip::HardwareCall > calls_;
+   std::vector< U32 > stepsAt_;
+   std::vector< std::size_t > fallible_;
+   std::size_t requests_ = 0;
+   Findings without_;
 };
 
 }  // namespace Exploring

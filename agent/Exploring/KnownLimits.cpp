@@ -6,6 +6,7 @@
 #include <Exploring/Branches.h>
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
+#include <Exploring/Trial.h>
 #include <Process/Workers.h>
 #include <Steps/Reader.h>
 #include <Story/InputError.h>
@@ -19,26 +20,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Nobody final : public Story::Observer {
- public:
-   void onEvent( Story::Event const & ) override {}
-};
-
 // How the scenario ends, and the differences on its way. std::runtime_error when it cannot be run.
 Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & config,
                   std::chrono::milliseconds longestStep ) {
    SharedFindings findings;
    Output const output;
    int const status = inProcess( output, [ & ] {
-      Nobody nobody;
-      std::vector< std::byte > ring( Trace::Ring::sizeFor( kRingLines ) );
-      timeIs( longestStep );
-      Host::Agent agent( scenario, config, ring, nobody );
-      agent.begin();
+      Story::Observers nobody( {} );
+      Trial trial( { scenario, config, longestStep }, nobody );
       for ( Scenario::Step const & step : scenario.steps ) {
-         timeIs( longestStep );
-         agent.carryOut( step );
-         addDifferences( agent.audit(), findings, {}, 1 );
+         trial.carryOut( step );
+         addDifferences( trial.audit(), findings, {}, 1 );
       }
    } );
    if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {

@@ -19,8 +19,6 @@
 
 namespace Exploring {
 
-inline constexpr U32 kRingLines = 64;  // of a trace ring that nobody reads
-
 void * sharedMemory( std::size_t size );
 void sharedMemoryGoes( void * memory, std::size_t size );
 

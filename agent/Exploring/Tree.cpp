@@ -6,7 +6,7 @@
 
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
-#include <Story/InputError.h>
+#include <Exploring/Trial.h>
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -32,15 +32,10 @@ class Node {
    Node( Exploration const & exploration, Host::AgentConfig const & config, Limits const & limits,
          Output const & output, SharedFindings & findings )
          : exploration_( exploration ),
-           limits_( limits ),
+           length_( limits.length ),
            output_( output ),
            findings_( findings ),
-           ring_( Trace::Ring::sizeFor( kRingLines ) ),
-           agent_( exploration.model(), config, ring_, effect_ ) {
-      timeIs( limits_.step );
-      agent_.begin();
-      timeIs( {} );
-   }
+           trial_( { exploration.model(), config, limits.step }, effect_ ) {}
 
    // False when a step of it changes nothing.
    bool comeTo( Sequence const & sequence ) {
@@ -70,28 +65,21 @@ class Node {
       sequence_.pop_back();
    }
 
-   void judge() { addDifferences( agent_.audit(), findings_, sequence_, weight() ); }
+   void judge() { addDifferences( trial_.audit(), findings_, sequence_, weight() ); }
 
  private:
    U64 weight() const { return exploration_.weight( sequence_ ); }
 
    bool happens( U16 event ) {
       effect_.isThere = false;
-      timeIs( limits_.step );
-      try {
-         agent_.carryOut( exploration_.event( event ) );
-      } catch ( Story::InputError const & ) {
-         effect_.isThere = false;
-      }
-      timeIs( {} );
-      return effect_.isThere;
+      return trial_.tried( exploration_.event( event ) ) && effect_.isThere;
    }
 
    [[noreturn]] void be( U16 event, bool isWhole ) {
       if ( happens( event ) ) {
          count();
          judge();
-         if ( isWhole && sequence_.size() < limits_.length ) {
+         if ( isWhole && sequence_.size() < length_ ) {
             tryAll();
          }
       } else {
@@ -114,12 +102,11 @@ class Node {
    }
 
    Exploration const & exploration_;
-   Limits limits_;
+   std::size_t length_;
    Output const & output_;
    SharedFindings & findings_;
    Effect effect_;
-   std::vector< std::byte > ring_;
-   Host::Agent agent_;
+   Trial trial_;
    Sequence sequence_;
 };
 

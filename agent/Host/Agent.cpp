@@ -1,5 +1,6 @@
 #include <Host/Agent.h>
 
+#include <Replay/CallReplay.h>
 #include <Host/Warnings.h>
 #include <Quelm/Error.h>
 #include <Scenario/ShownTraces.h>
@@ -57,17 +58,37 @@ void Agent::runAll() {
       Story::RunEnds{ static_cast< U64 >( environment_.activity().clock()->now().count() ) } );
 }
 
-void Agent::begin() {
+void Agent::begin( Past const & past ) {
    environment_.observer().onEvent(
       Story::RunBegins{ config_.scenario, scenario_.name, scenario_.description,
                         static_cast< U32 >( scenario_.steps.size() ) } );
    Steps::queuePublished( environment_.forSteps(), scenario_.published );
    environment_.activity().run();
+   Chip::CallReplay replay( environment_.forSteps().board.units() );
+   for ( Chip::HardwareCall const & call : past.calls ) {
+      replay.make( call );
+   }
    environment_.activity().turnNew( [ this ] { environment_.published().allocator().start(); } );
    environment_.activity().run();
+   repeat( past.steps, Scenario::AfterRestart::lasts );
    inStep( { Story::StepKind::StartUp, 0, "the plug-in is loaded and mounts its state", {} },
            [ this ] { startUp(); } );
+   repeat( past.steps, Scenario::AfterRestart::repeated );
    carryOutSteps();
+}
+
+// A step about an entity of the process that was the agent before has nothing to work on.
+void Agent::repeat( std::span< Scenario::Step const > steps, Scenario::AfterRestart kind ) {
+   for ( Scenario::Step const & step : steps ) {
+      if ( step.action->afterRestart() != kind ) {
+         continue;
+      }
+      try {
+         carryOut( step );
+      } catch ( Story::InputError const & ) {
+         continue;
+      }
+   }
 }
 
 // Runs the step's work, and the activity until it is idle.

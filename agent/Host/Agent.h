@@ -26,6 +26,7 @@
 #include <variant>
 #include <vector>
 
+#include <Calls/HardwareCall.h>
 #include <Host/Environment.h>
 #include <Host/FrameQuestion.h>
 #include <Host/Particulars.h>
@@ -69,19 +70,28 @@ class Agent {
    // Does the whole run; may be called once.
    void run();
 
+   // What has happened on the switch while another process was its agent.
+   struct Past {
+      std::span< Chip::HardwareCall const > calls;  // all that the chips have got
+      std::span< Scenario::Step const > steps;      // those that have begun
+   };
+
    // --- In place of it, for a caller who decides what happens next. Story::InputError.
-   // Start-up, and the scenario's steps.
-   void begin();
+   // Start-up, and the scenario's steps. The chips hold what the calls have made, and the state is
+   // published that the steps have led to; sub-agents become ready again behind the start-up.
+   void begin( Past const & past = {} );
    // One more step.
    void carryOut( Scenario::Step const & step );
-   // An audit of the rules as they are.
+   // An audit of the rules as they are, and the chips that hold them.
    Audit::Report audit() const { return environment_.forQuestions().auditor.report(); }
+   Chip::Units & units() { return environment_.forSteps().board.units(); }
 
  private:
    void runAll();
    void traceLevels();
    void warn( std::vector< std::string > const & texts );
    template< typename Work > void inStep( Story::StepBegins const & begins, Work const & work );
+   void repeat( std::span< Scenario::Step const > steps, Scenario::AfterRestart kind );
    void startUp();
    void carryOutSteps();
    void verify();

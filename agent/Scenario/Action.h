@@ -15,6 +15,13 @@ namespace Scenario {
 
 class Course;
 
+// What becomes of an action when the agent's process ends and another one comes up on the switch.
+enum class AfterRestart {
+   over,      // nothing is left of it
+   lasts,     // others publish it, or hold it in the chip: it is there when the agent comes up
+   repeated,  // it belongs to the agent's own start, and happens again
+};
+
 class Action {
  public:
    virtual ~Action() = default;
@@ -24,6 +31,8 @@ class Action {
 
    // It needs a switch with a forwarding configuration.
    virtual bool isAboutFrames() const { return false; }
+
+   virtual AfterRestart afterRestart() const { return AfterRestart::over; }
 
    // Tells the course how the step changes the published state.
    virtual void follow( Course & ) const {}

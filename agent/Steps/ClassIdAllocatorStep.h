@@ -13,6 +13,7 @@ class ClassIdAllocatorStep final : public Step {
    static std::vector< WordList > vocabulary();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
+   Scenario::AfterRestart afterRestart() const override { return Scenario::AfterRestart::lasts; }
    void queue( Context const & context, int line ) const override;
 
    bool isPaused = false;

@@ -14,6 +14,7 @@ class DesignatedForwarder final : public Step {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
+   Scenario::AfterRestart afterRestart() const override { return Scenario::AfterRestart::lasts; }
    bool isAboutFrames() const override { return true; }
    void queue( Context const & context, int line ) const override;
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <Calls/Faults.h>
+#include <Scenario/ChipOperation.h>
 #include <Scenario/Shape.h>
 #include <Scenario/Values.h>
 #include <Steps/Context.h>
@@ -14,31 +15,7 @@ namespace {
 
 namespace Shape = Scenario::Shape;
 
-using Scenario::Choices;
 using Scenario::Table;
-
-constexpr U32 kHighestNumber = ~U32{ 0 };
-
-Choices< std::string_view > const & operations() {
-   static Choices< std::string_view > const choices = [] {
-      Choices< std::string_view > all{
-         { "chip-operation", "An operation of the chip that can give a result code." }, {}
-      };
-      for ( std::string_view const name : Chip::kFallibleOperations ) {
-         all.all.push_back( { name, name } );
-      }
-      return all;
-   }();
-   return choices;
-}
-
-void readOperation( Reading & reading, Value const & value, FailCall & fail ) {
-   fail.operation = choiceOf( reading, value, operations() ).value_or( "" );
-}
-
-void readNumber( Reading & reading, Value const & value, FailCall & fail ) {
-   fail.number = numberOf( reading, value, 1, kHighestNumber ).value_or( 1 );
-}
 
 void readLasting( Reading & reading, Value const & value, FailCall & fail ) {
    fail.isLasting = yesOrNoOf( reading, value ).value_or( false );
@@ -70,14 +47,8 @@ constexpr std::string_view kCode = R"({
 Table< FailCall > const & failCallTable() {
    static Table< FailCall > const table{
       { "fail-call", "A later call of the chip is not made and gives a result code." },
-      { { { "operation", "",
-            Shape::of( "chip-operation", "The operation; any that can fail if left out." ) },
-          readOperation },
-        { { "number", "",
-            Shape::number(
-               1, kHighestNumber,
-               "The number of the call, counted from now on; the next one if left out." ) },
-          readNumber },
+      { { { "operation", "", Scenario::operationShape() }, Scenario::readOperation< FailCall > },
+        { { "number", "", Scenario::callNumberShape() }, Scenario::readCallNumber< FailCall > },
         { { "lasting", "",
             Shape::json( R"({ "type": "boolean" })",
                          "Whether all such calls behind it fail as well." ) },
@@ -91,7 +62,7 @@ Table< FailCall > const & failCallTable() {
 }  // namespace
 
 std::vector< WordList > FailCall::vocabulary() {
-   return { failCallTable().list(), operations().list() };
+   return { failCallTable().list(), Scenario::chipOperations().list() };
 }
 
 void FailCall::read( Reading & reading, Value const & value ) {

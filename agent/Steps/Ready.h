@@ -12,6 +12,7 @@ class Ready final : public TurnPart {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override { return "ready subagents::" + point; }
+   Scenario::AfterRestart afterRestart() const override { return Scenario::AfterRestart::repeated; }
    void change( Context const & context, int line ) const override;
 
    std::string point;  // its name without the group, "l2Ready"

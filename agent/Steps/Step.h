@@ -40,6 +40,8 @@ class Step : public Scenario::Action {
 
 class TurnPart : public Step {
  public:
+   Scenario::AfterRestart afterRestart() const override { return Scenario::AfterRestart::lasts; }
+
    // Queues a turn of its own.
    void queue( Context const & context, int line ) const override;
 

@@ -8,6 +8,7 @@
 #include <Steps/DesignatedForwarder.h>
 #include <Steps/DriftStep.h>
 #include <Steps/Dump.h>
+#include <Steps/EndAtCall.h>
 #include <Steps/Expect.h>
 #include <Steps/FailCall.h>
 #include <Steps/ForeignEntries.h>
@@ -70,6 +71,7 @@ std::vector< Row > const & table() {
                                          step< DriftStep >( "drift" ),
                                          step< FailCall >( "fail-call" ),
                                          step< RefuseEntry >( "refuse-entry" ),
+                                         step< EndAtCall >( "end-at-call" ),
                                          step< Verify >( "verify" ),
                                          step< Expect >( "expect" ) };
    return rows;

@@ -1,5 +1,7 @@
 #include <Steps/Turn.h>
 
+#include <algorithm>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -68,6 +70,14 @@ std::string Turn::description() const {
       texts.push_back( one.part->description() );
    }
    return fmt::format( "in one turn: {}", fmt::join( texts, "; " ) );
+}
+
+Scenario::AfterRestart Turn::afterRestart() const {
+   using Scenario::AfterRestart;
+   bool const isRepeated = std::all_of( parts.begin(), parts.end(), []( PlacedPart const & one ) {
+      return one.part->afterRestart() == AfterRestart::repeated;
+   } );
+   return isRepeated ? AfterRestart::repeated : AfterRestart::lasts;
 }
 
 void Turn::follow( Scenario::Course & course ) const {

@@ -20,6 +20,8 @@ class Turn final : public Step {
    static std::string shape();
    void read( Reading & reading, Value const & value );
    std::string description() const override;
+   // A turn lasts as a whole, unless all of it is repeated.
+   Scenario::AfterRestart afterRestart() const override;
    void follow( Scenario::Course & course ) const override;
    void queue( Context const & context, int line ) const override;
 

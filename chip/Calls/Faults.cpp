@@ -1,11 +1,13 @@
 #include <Calls/Faults.h>
 
+#include <csignal>
+
 #include <Quelm/Assert.h>
 
 namespace Chip {
 
 void Faults::faultNew( Fault fault ) {
-   QUELM_ASSERT( fault.nth > 0 && fault.code != 0 );
+   QUELM_ASSERT( fault.nth > 0 && ( fault.code != 0 || fault.isEnd ) );
    pending_.push_back( std::move( fault ) );
 }
 
@@ -14,6 +16,9 @@ std::optional< S32 > Faults::nextResult( std::string_view operation ) {
    for ( Fault & fault : pending_ ) {
       bool const isMeant = fault.operation.empty() || fault.operation == operation;
       bool const isDue = isMeant && --fault.nth == 0;
+      if ( isDue && fault.isEnd ) {
+         std::raise( SIGKILL );
+      }
       if ( isDue && !result ) {
          result = fault.code;
       }

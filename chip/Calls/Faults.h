@@ -1,6 +1,7 @@
 // Faults: calls of the chip that fail on purpose, each with its result.
 //
-// A call that fails is not made; its caller gets the code given. A shim (Decorators/FailingSdk.h)
+// A call that fails is not made; its caller gets the code given. A process can also end in place of
+// a call, as by a fault of the processor or by a kill. A shim (Decorators/FailingSdk.h)
 // and the entry managers (Tcam/SoftTcamEntryManager.h) ask here before every call, so that one list
 // of faults holds for all that reaches the chip. getEntry has no result code: a request for an
 // entry can be refused, as by a group without room.
@@ -25,6 +26,7 @@ struct Fault {
    S32 code;  // negative for a failure, positive for a success of a call that did nothing; not 0
    std::string operation{};  // counts and fails calls of this operation only; empty for any
    bool isLasting = false;   // the calls behind the nth fail, too
+   bool isEnd = false;       // in place of the nth, the process ends by SIGKILL
 };
 
 // The operations whose calls can fail: all field calls, and all operations of the entry managers

@@ -77,6 +77,14 @@ TEST( AuditWantedRules, MaskNoPortWhereNoneIsShared ) {
               "port 196612" );
 }
 
+TEST( AuditWantedRules, MaskNoPortBeyondTheEndOfMasks ) {
+   State state = twoUnits();
+   state.ports[ intf( "Ethernet3" ) ] = VornalPort( 1, 352, 5 );
+
+   EXPECT_EQ( contentOf( state, { 1, Purpose::vtep, kVtep } ),
+              "matches SrcVxlanGport 0x56000004; does EgressMask ports 7; priority 1" );
+}
+
 TEST( AuditWantedRules, MarkAndDropWithTheClassIdThatIsGranted ) {
    State state = twoUnits();
    state.variant = Audit::Variant::classId;

@@ -94,12 +94,12 @@ TEST( ScenarioSteps, AreMappings ) {
               "leaf.yaml:10: an element of steps is text; a mapping is expected, of note, ready, "
               "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "drift, fail-call, refuse-entry, verify, expect and only-on" );
+              "drift, fail-call, refuse-entry, end-at-call, verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps:\n   -\n" ),
               "leaf.yaml:10: an element of steps is empty; a mapping is expected, of note, ready, "
               "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, "
-              "drift, fail-call, refuse-entry, verify, expect and only-on" );
+              "drift, fail-call, refuse-entry, end-at-call, verify, expect and only-on" );
 }
 
 TEST( ScenarioSteps, DoOneThingEach ) {

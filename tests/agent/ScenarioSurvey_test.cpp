@@ -76,7 +76,7 @@ TEST( ScenarioSurvey, RefusesWhatIsNestedTooDeeplyWithItsLine ) {
               "leaf.yaml:9: an element of steps is a list; a mapping is expected, of note, ready, "
               "publish, withdraw, replace, set, delete, call, turn, frame, frames, "
               "designated-forwarder, foreign-entries, class-id-allocator, dump, drift, fail-call, "
-              "refuse-entry, verify, expect and only-on" );
+              "refuse-entry, end-at-call, verify, expect and only-on" );
    EXPECT_EQ( leafProblems( "steps: " + std::string( 50, '[' ) + std::string( 50, ']' ) ),
               tooDeep );
    EXPECT_EQ( leafProblems( "steps: " + std::string( 100'000, '[' ) ), tooDeep );

@@ -5,6 +5,7 @@
 #include <ScenarioTexts.h>
 #include <Steps/Call.h>
 #include <Steps/Delete.h>
+#include <Steps/EndAtCall.h>
 #include <Steps/FailCall.h>
 #include <Steps/Publish.h>
 #include <Steps/Ready.h>
@@ -207,6 +208,20 @@ TEST( ScenarioRefuseEntry, NamesTheNumberOfTheRequest ) {
    EXPECT_EQ( described( "refuse-entry: { number: 3 }" ),
               "request 3 for an entry from now on finds no room" );
    EXPECT_EQ( stepProblems( "refuse-entry: { number: 0 }" ),
+              "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
+}
+
+// --- end-at-call
+
+TEST( ScenarioEndAtCall, NamesTheCall ) {
+   auto const any = step< Steps::EndAtCall >( "end-at-call: { number: 3 }" );
+   EXPECT_EQ( any.operation, "" );
+   EXPECT_EQ( any.number, 3U );
+   EXPECT_EQ( described( "end-at-call: { number: 3 }" ), "the process ends at call 3 from now on" );
+   constexpr char kOne[] = "end-at-call: { operation: installEntry, number: 2 }";
+   EXPECT_EQ( step< Steps::EndAtCall >( kOne ).operation, "installEntry" );
+   EXPECT_EQ( described( kOne ), "the process ends at call 2 of installEntry from now on" );
+   EXPECT_EQ( stepProblems( "end-at-call: { number: 0 }" ),
               "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
 }
 

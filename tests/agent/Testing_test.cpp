@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
+#include <Process/Descriptor.h>
+#include <Process/Workers.h>
 #include <Stories.h>
 #include <Story/InputError.h>
 #include <Support.h>
@@ -15,6 +17,7 @@
 #include <Testing/Report.h>
 
 #include <signal.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -201,19 +204,28 @@ TEST( Workers, TurnAnEndWithoutAResultIntoAFailure ) {
    EXPECT_FALSE( tested.results[ 1 ].isFailed() );
 }
 
+// Both workers are over. While the first one's result is taken, the signal comes.
 TEST( Workers, AreNoFailureWhenTheSignalToTheProgramHasEndedThem ) {
    signal( SIGTERM, SIG_DFL );
-   auto const tested = Testing::testAll(
-      files( 1 ), 1,
-      []( fs::path const & file ) {
-         kill( getppid(), SIGTERM );
+   Process::Pipe go = Process::pipeNew();
+   std::vector< std::size_t > taken;
+   auto const work = [ & ]( std::size_t piece ) {
+      if ( piece == 1 ) {
+         std::string word;
+         go.out.readInto( word );
          raise( SIGKILL );
-         return over( file );
-      },
-      noProgress );
-   EXPECT_EQ( tested.signal, SIGTERM );
-   EXPECT_FALSE( tested.results[ 0 ].isOver );
-   EXPECT_FALSE( tested.results[ 0 ].isFailed() );
+      }
+      return std::string( "result" );
+   };
+   auto const take = [ & ]( std::size_t piece, Process::Worked const & ) {
+      taken.push_back( piece );
+      go.in.write( "go" );
+      siginfo_t ended{};
+      waitid( P_ALL, 0, &ended, WEXITED | WNOWAIT );
+      raise( SIGTERM );
+   };
+   EXPECT_EQ( Process::workAll( { 2, 2, work, take, [] {} } ), SIGTERM );
+   EXPECT_EQ( taken, std::vector< std::size_t >{ 0 } );
 }
 
 TEST( Workers, EndWithASignalToTheProgram ) {

@@ -1,4 +1,6 @@
 // Calls of the chip that fail: which, with what result, and that they change nothing.
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include <Calls/Faults.h>
@@ -109,6 +111,14 @@ TEST_F( FaultyChip, FailsTheCallsBehindTheNthOfALastingFault ) {
    EXPECT_EQ( ifp->reinstallEntry( 0, id ), 0 );
    EXPECT_EQ( ifp->installEntry( 0, id ), -8 );
    EXPECT_EQ( ifp->installEntry( 0, id ), -8 );
+}
+
+TEST_F( FaultyChip, EndsTheProcessInPlaceOfTheNthCall ) {
+   U32 const id = ifp->getEntry( 0, "rule", {} );
+   faults.faultNew( { .nth = 2, .code = 0, .operation = "installEntry", .isEnd = true } );
+   EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
+   EXPECT_EQ( ifp->reinstallEntry( 0, id ), 0 );
+   EXPECT_EXIT( ifp->installEntry( 0, id ), testing::KilledBySignal( SIGKILL ), "" );
 }
 
 TEST_F( FaultyChip, RefusesTheNthRequestForAnEntryAsAFullGroupDoes ) {
