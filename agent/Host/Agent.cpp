@@ -1,8 +1,8 @@
 #include <Host/Agent.h>
 
-#include <Replay/CallReplay.h>
 #include <Host/Warnings.h>
 #include <Quelm/Error.h>
+#include <Replay/CallReplay.h>
 #include <Scenario/ShownTraces.h>
 #include <StateDatabase/Tree.h>
 #include <Steps/Publish.h>

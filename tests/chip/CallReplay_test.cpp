@@ -1,9 +1,9 @@
 // Recorded calls are made again: another chip then holds the same.
 #include <gtest/gtest.h>
 
-#include <Replay/CallReplay.h>
 #include <Decorators/RecordingSdk.h>
 #include <Quelm/Error.h>
+#include <Replay/CallReplay.h>
 #include <Snapshot/Rules.h>
 
 #include "TwoUnitSwitch.h"
