@@ -36,6 +36,10 @@ std::string described( std::string const & step ) {
    return modelOf( step ).steps.at( 0 ).action->description();
 }
 
+Scenario::AfterRestart afterRestart( std::string const & step ) {
+   return modelOf( step ).steps.at( 0 ).action->afterRestart();
+}
+
 template< typename Kind > bool isOfKind( Steps::Turn::PlacedPart const & one ) {
    return dynamic_cast< Kind const * >( one.part.get() ) != nullptr;
 }
@@ -209,6 +213,29 @@ TEST( ScenarioRefuseEntry, NamesTheNumberOfTheRequest ) {
               "request 3 for an entry from now on finds no room" );
    EXPECT_EQ( stepProblems( "refuse-entry: { number: 0 }" ),
               "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
+}
+
+// --- What becomes of a step when another process of the agent comes up
+
+TEST( ScenarioAfterRestart, LastsWhatOthersPublishAndHold ) {
+   for ( std::string const text :
+         { "publish: { vteps: { 10.0.0.2: { virtual-port: 2 } } }",
+           "set: { entity: /evpn/status, attribute: a, value: 1 }",
+           "foreign-entries: { group: ingress, count: 1 }", "class-id-allocator: paused",
+           "turn: [ ready: subagents::l2Ready, withdraw: { segments: [ Ethernet1 ] } ]" } ) {
+      EXPECT_EQ( afterRestart( text ), Scenario::AfterRestart::lasts ) << text;
+   }
+}
+
+TEST( ScenarioAfterRestart, RepeatsWhatBelongsToTheStartAndForgetsTheRest ) {
+   for ( std::string const text :
+         { "ready: subagents::l2Ready", "turn: [ ready: subagents::l2Ready ]" } ) {
+      EXPECT_EQ( afterRestart( text ), Scenario::AfterRestart::repeated ) << text;
+   }
+   for ( std::string const text :
+         { "note: a", "verify: audit", "end-at-call: { number: 1 }", "dump: rules" } ) {
+      EXPECT_EQ( afterRestart( text ), Scenario::AfterRestart::over ) << text;
+   }
 }
 
 // --- end-at-call
