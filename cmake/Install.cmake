@@ -7,10 +7,20 @@ set( packageDir lib/cmake/VornalPlatform )
 # CMake package, and the loader by the paths in the files that need them.
 set( libraryDir lib/vornal )
 
+# find_libraries_in( <target> <folder> ): where the loader looks for the libraries of the project: in
+# the build folder, beside the target, and in an installed tree in <folder>. Both are in the file
+# from the beginning. CMake would fill up the path of the build folder with colons, and change it
+# while it installs; the loader takes each colon for the current folder, and runs a library that
+# stands there.
+function( find_libraries_in target folder )
+   set_target_properties(
+      ${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN;${folder}" )
+endfunction()
+
 # install_library_ring( <ring> ): a shared library that plug-ins are compiled against, its headers
 # under include/vornal/<ring>, and its place in the CMake package as Vornal::<ring>.
 function( install_library_ring ring )
-   set_target_properties( ${ring} PROPERTIES INSTALL_RPATH "$ORIGIN" )
+   find_libraries_in( ${ring} "$ORIGIN" )
    target_include_directories( ${ring} INTERFACE $<INSTALL_INTERFACE:include/vornal/${ring}> )
    install( TARGETS ${ring} EXPORT VornalPlatform LIBRARY DESTINATION ${libraryDir} )
    install(
@@ -39,10 +49,10 @@ install(
       ${CMAKE_BINARY_DIR}/VornalPlatformConfigVersion.cmake
    DESTINATION ${packageDir} )
 
-set_target_properties( VornalEvpn PROPERTIES INSTALL_RPATH "$ORIGIN/.." )
+find_libraries_in( VornalEvpn "$ORIGIN/.." )
 install( TARGETS VornalEvpn LIBRARY DESTINATION ${libraryDir}/plugins )
 
-set_target_properties( vornal PROPERTIES INSTALL_RPATH "$ORIGIN/../${libraryDir}" )
+find_libraries_in( vornal "$ORIGIN/../${libraryDir}" )
 install( TARGETS vornal RUNTIME DESTINATION bin )
 
 # The program prints its manual page and its completions itself. install_words( <folder> <file>
