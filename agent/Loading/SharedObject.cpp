@@ -5,6 +5,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <Plugin/Mounter.h>
@@ -131,10 +132,27 @@ std::string platformLibrary() {
    throw Story::InputError( file.string() + ' ' + why );
 }
 
+// The word in the path that dlopen() replaces, so that it would open another file; empty without
+// one.
+std::string_view replacedIn( std::string const & path ) {
+   for ( std::string_view const word :
+         { "$ORIGIN", "${ORIGIN}", "$LIB", "${LIB}", "$PLATFORM", "${PLATFORM}" } ) {
+      if ( path.find( word ) != std::string::npos ) {
+         return word;
+      }
+   }
+   return {};
+}
+
 }  // namespace
 
 void checkIsPlugin( fs::path const & file ) {
    std::error_code error;
+   if ( std::string_view const word = replacedIn( fs::absolute( file, error ) ); !word.empty() ) {
+      refuse( file, "has '" + std::string( word ) +
+                       "' in its path, for which the loader puts another text; name the plug-in by "
+                       "a path without it" );
+   }
    if ( !fs::is_regular_file( file, error ) ) {
       refuse( file, "is no file; --plugin takes the plug-in's shared object" );
    }
