@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <Capture/PortCaptures.h>
+#include <Process/SharedFolder.h>
 #include <Quelm/Error.h>
 #include <Steps/Capture.h>
 
@@ -25,6 +26,7 @@ namespace {
 }
 
 void make( fs::path const & folder ) {
+   Process::refuseForeign( folder );
    std::error_code error;
    fs::create_directories( folder, error );
    if ( error ) {

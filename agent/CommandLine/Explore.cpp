@@ -10,6 +10,7 @@
 #include <CommandLine/Usage.h>
 #include <Exploring/Catalogue.h>
 #include <Exploring/Faults.h>
+#include <Process/SharedFolder.h>
 #include <Process/Workers.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
@@ -237,6 +238,7 @@ void Explore::prepare() {
       expected_ = Exploring::catalogueIn( catalogue_ );
    }
    if ( !folder_.empty() ) {
+      Process::refuseForeign( folder_ );
       std::error_code error;
       std::filesystem::create_directories( folder_, error );
       if ( error || !std::filesystem::is_directory( folder_ ) ) {

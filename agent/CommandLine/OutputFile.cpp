@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <CommandLine/Usage.h>
+#include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Story/InputError.h>
 
@@ -30,6 +31,7 @@ void OutputFile::check() const {
 }
 
 void OutputFile::checkFolder( fs::path const & folder ) const {
+   Process::refuseForeign( folder );
    std::error_code error;
    if ( fs::exists( fs::symlink_status( folder, error ) ) &&
         !( isForced_ && fs::is_directory( folder, error ) ) ) {
@@ -48,6 +50,7 @@ void OutputFile::write( std::string const & text, std::ostream & out ) const {
 }
 
 bool isThereToReplace( fs::path const & file ) {
+   Process::refuseForeign( file );
    std::error_code error;
    if ( fs::is_directory( file, error ) ) {
       throw Story::InputError( file.string() + " is a folder; name a file in it" );
@@ -67,6 +70,7 @@ bool isThereToReplace( fs::path const & file ) {
 }
 
 void replaceFile( fs::path const & file, std::string const & text ) {
+   Process::refuseForeign( file );
    std::error_code error;
    Process::writeWhole( fs::is_symlink( file, error ) ? fs::weakly_canonical( file, error ) : file,
                         text );

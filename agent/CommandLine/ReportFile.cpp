@@ -5,6 +5,7 @@
 #include <fstream>
 #include <system_error>
 
+#include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Report/Page.h>
 #include <Story/InputError.h>
@@ -38,6 +39,7 @@ fs::path targetOf( fs::path const & file ) {
 }
 
 void checkTarget( fs::path const & file ) {
+   Process::refuseForeign( file );
    std::error_code error;
    auto const status = fs::status( targetOf( file ), error );
    if ( fs::is_directory( status ) ) {

@@ -1,8 +1,8 @@
 #include <CommandLine/Test.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <tuple>
 
 #include <fmt/format.h>
@@ -12,12 +12,15 @@
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <Process/Descriptor.h>
+#include <Process/SharedFolder.h>
 #include <Story/InputError.h>
 #include <Testing/Collection.h>
 #include <Testing/JUnit.h>
 #include <Testing/Judge.h>
 #include <Testing/Report.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace CommandLine {
@@ -31,28 +34,31 @@ class JUnitFile {
  public:
    explicit JUnitFile( std::filesystem::path name ) : name_( std::move( name ) ) {
       if ( !name_.empty() ) {
-         file_.open( name_ );
-         check( "give a file that can" );
+         int const flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | Process::flagsToOpen( name_ );
+         file_ = Process::Descriptor( open( name_.c_str(), flags, kUsualRights ) );
+         check( file_.isOpen(), "give a file that can" );
       }
    }
 
    void write( std::vector< Testing::Result > const & results, double seconds ) {
       if ( !name_.empty() ) {
-         Testing::writeJUnit( results, seconds, file_ );
-         file_.flush();
-         check( "make room and test again" );
+         std::ostringstream text;
+         Testing::writeJUnit( results, seconds, text );
+         check( file_.write( text.str() ), "make room and test again" );
       }
    }
 
  private:
-   void check( std::string const & remedy ) const {
-      if ( !file_ ) {
+   static constexpr int kUsualRights = 0666;  // less those that the user takes from new files
+
+   void check( bool isFine, std::string const & remedy ) const {
+      if ( !isFine ) {
          throw Story::InputError( "--junit " + name_.string() + " cannot be written; " + remedy );
       }
    }
 
    std::filesystem::path name_;  // empty: no file
-   std::ofstream file_;
+   Process::Descriptor file_;
 };
 
 std::string progressText( std::vector< Testing::Result > const & results ) {

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Story/InputError.h>
 
@@ -143,6 +144,7 @@ std::map< Sequence, Findings > resultsIn( fs::path const & file, Exploration con
 
 ResultFile::ResultFile( fs::path const & file, Exploration const & exploration, std::size_t length )
       : file_( file ) {
+   Process::refuseForeign( file );
    std::error_code error;
    if ( fs::exists( file, error ) && fs::file_size( file, error ) != 0 ) {
       done_ = resultsIn( file, exploration, length );

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <tuple>
 
+#include <Process/SharedFolder.h>
 #include <Quelm/Error.h>
 
 #include <fcntl.h>
@@ -50,10 +51,11 @@ struct OpenFile {
 
 // Opens the file, and locks it: nobody else may use it as a ring.
 OpenFile opened( fs::path const & file ) {
+   int const flags = flagsToOpen( file );
    Descriptor opened = openedWith( O_EXCL, file );
    bool const isNew = opened.isOpen();
    if ( !isNew ) {
-      opened = openedWith( 0, file );
+      opened = openedWith( flags, file );
    }
    struct stat status {};
    if ( !opened.isOpen() && errno != EISDIR ) {

@@ -1,7 +1,10 @@
 #include <Process/WholeFile.h>
 
 #include <cerrno>
+#include <random>
 #include <system_error>
+
+#include <fmt/format.h>
 
 #include <Story/InputError.h>
 
@@ -18,6 +21,13 @@ constexpr int kUsualRights = 0666;  // less those that the user takes from new f
 
 [[noreturn]] void cannotWrite( fs::path const & file, int error ) {
    throw Story::InputError( whyNotWritten( file, error ) );
+}
+
+// A name beside the file that nobody can foresee, and so nobody can take before.
+fs::path nameBeside( fs::path const & file ) {
+   std::random_device random;
+   return file.parent_path() /
+          fmt::format( ".{}.{:08x}{:08x}", file.filename().string(), random(), random() );
 }
 
 // Writes the text and puts it onto the disk; the error's number, or 0.
@@ -53,8 +63,7 @@ void writeWhole( fs::path const & file, std::string const & text ) {
    if ( fs::is_directory( file, error ) ) {
       cannotWrite( file, EISDIR );
    }
-   fs::path const unfinished =
-      file.parent_path() / ( "." + file.filename().string() + "." + std::to_string( getpid() ) );
+   fs::path const unfinished = nameBeside( file );
    int number = write( unfinished, text );
    if ( number == 0 && rename( unfinished.c_str(), file.c_str() ) != 0 ) {
       number = errno;

@@ -25,7 +25,8 @@ inline constexpr std::size_t kHeaderSize = 28;
 // It takes a file that is new or empty, or that holds a record; it leaves all other files
 // unchanged. It empties the file with the first block; without any block, the file is as it was.
 // While it exists it holds the file's lock (flock). Failures: Quelm::Error for a file that it does
-// not take, and when the file cannot be written. The file then ends with the last whole block.
+// not take, and when the file cannot be written; Story::InputError as in Process/SharedFolder.h.
+// The file then ends with the last whole block.
 class FileWriter {
  public:
    explicit FileWriter( std::filesystem::path file );

@@ -4,6 +4,7 @@
 
 #include <zstd.h>
 
+#include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Quelm/Error.h>
 #include <Record/Header.h>
@@ -50,10 +51,10 @@ FileWriter::~FileWriter() {
 
 // Does not wait for a pipe or a device.
 void FileWriter::open() {
-   constexpr int kFlags = O_RDWR | O_CLOEXEC | O_NONBLOCK;
-   descriptor_ = Process::Descriptor( ::open( file_.c_str(), kFlags ) );
+   int const flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | Process::flagsToOpen( file_ );
+   descriptor_ = Process::Descriptor( ::open( file_.c_str(), flags ) );
    if ( !descriptor_.isOpen() && errno == ENOENT ) {
-      descriptor_ = Process::Descriptor( ::open( file_.c_str(), kFlags | O_CREAT, 0644 ) );
+      descriptor_ = Process::Descriptor( ::open( file_.c_str(), flags | O_CREAT, 0644 ) );
       isNew_ = descriptor_.isOpen();
    }
    if ( !descriptor_.isOpen() && errno == EISDIR ) {

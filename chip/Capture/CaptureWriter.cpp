@@ -8,6 +8,9 @@
 #include <Quelm/Error.h>
 #include <pcap/pcap.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace Chip {
 
 namespace {
@@ -20,6 +23,23 @@ constexpr S64 kLastSecond = 0x7fffffff;
 // Of a pcap file: its own header, and that of each frame.
 constexpr std::uintmax_t kFileHeader = 24;
 constexpr std::uintmax_t kFrameHeader = 16;
+
+// Opens the file, and empties it. A link under its name can be that of another user of the folder,
+// and lead to a file that must not be lost.
+std::FILE * opened( std::filesystem::path const & file ) {
+   constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC;
+   constexpr int kUsualRights = 0666;  // less those that the user takes from new files
+   int const fd = open( file.c_str(), kFlags, kUsualRights );
+   std::FILE * const stream = fd < 0 ? nullptr : fdopen( fd, "wb" );
+   if ( !stream ) {
+      int const reason = errno;
+      close( fd );
+      throw Quelm::Error( "capture " + file.string() + ": " +
+                          ( reason == ELOOP ? "this is a symbolic link; name another folder"
+                                            : std::generic_category().message( reason ) ) );
+   }
+   return stream;
+}
 
 }  // namespace
 
@@ -35,7 +55,7 @@ CaptureWriter::CaptureWriter( std::filesystem::path file )
       : file_( std::move( file ) ),
         handle_( pcap_open_dead_with_tstamp_precision( DLT_EN10MB, kLongestFrame,
                                                        PCAP_TSTAMP_PRECISION_NANO ) ),
-        dumper_( pcap_dump_open( handle_.get(), file_.c_str() ) ) {
+        dumper_( pcap_dump_fopen( handle_.get(), opened( file_ ) ) ) {
    if ( !dumper_ ) {
       throw Quelm::Error( std::string( "capture " ) + pcap_geterr( handle_.get() ) );
    }
