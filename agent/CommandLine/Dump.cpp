@@ -1,7 +1,6 @@
 #include <CommandLine/Dump.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 
 #include <fmt/format.h>
@@ -12,6 +11,8 @@
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <FeatureFiles/Reader.h>
+#include <Process/BoundedFile.h>
 #include <Story/Wording.h>
 #include <Text/Printable.h>
 
@@ -34,8 +35,8 @@ bool isFeatureFile( fs::path const & file ) {
    if ( file.extension() != ".json" ) {
       return false;
    }
-   std::ifstream text( file );
-   auto const content = nlohmann::json::parse( text, nullptr, false );
+   auto const text = Process::contentOf( file, FeatureFiles::Reader::kLongest );
+   auto const content = nlohmann::json::parse( text.value_or( "" ), nullptr, false );
    return content.is_object() && !content.empty() &&
           std::all_of( content.begin(), content.end(),
                        []( nlohmann::json const & value ) { return value.is_boolean(); } );

@@ -40,6 +40,7 @@ using Lines = std::vector< Trace::Ring::Decoded >;
 
 std::string contentOf( Process::Descriptor const & descriptor, fs::path const & file ) {
    constexpr std::size_t kChunk = 65536;
+   constexpr std::size_t kLargest = std::size_t{ 64 } << 20U;  // a ring of a run has one MiB
    std::array< char, kChunk > chunk{};
    std::string content;
    ssize_t count = 1;
@@ -50,6 +51,9 @@ std::string contentOf( Process::Descriptor const & descriptor, fs::path const & 
          cannotRead( file );
       }
       content.append( chunk.data(), static_cast< std::size_t >( count ) );
+      if ( content.size() > kLargest ) {
+         refuse( file, "this is larger than the 64 MiB that a trace ring may have" );
+      }
    }
    return content;
 }

@@ -1,10 +1,13 @@
 #include <Exploring/Branches.h>
 
+#include <algorithm>
+#include <sstream>
 #include <stdexcept>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include <Process/BoundedFile.h>
 #include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Story/InputError.h>
@@ -34,10 +37,23 @@ Kind kindNamed( std::string const & name ) {
    throw std::runtime_error( "no way to end is named '" + name + "'" );
 }
 
-std::map< Sequence, Findings > resultsBehindHeader( std::istream & in ) {
+void checkEvents( Sequence const & sequence, Exploration const & exploration ) {
+   for ( U16 const event : sequence ) {
+      if ( event >= exploration.events() ) {
+         throw std::runtime_error( fmt::format( "the exploration has no event {}", event ) );
+      }
+   }
+}
+
+std::map< Sequence, Findings > resultsBehindHeader( std::istream & in,
+                                                    Exploration const & exploration ) {
    std::map< Sequence, Findings > results;
    for ( std::string line; std::getline( in, line ) && !in.eof(); ) {
       auto [ branch, findings ] = decoded( line );
+      checkEvents( branch.begin, exploration );
+      for ( auto const & [ key, found ] : findings.all ) {
+         checkEvents( found.shortest, exploration );
+      }
       results.emplace( std::move( branch.begin ), std::move( findings ) );
    }
    return results;
@@ -126,16 +142,19 @@ std::pair< Branch, Findings > findingsIn( Process::Worked const & worked,
 
 std::map< Sequence, Findings > resultsIn( fs::path const & file, Exploration const & exploration,
                                           std::size_t length ) {
-   std::ifstream in( file );
+   constexpr std::size_t kLargest = std::size_t{ 256 } << 20U;
+   std::istringstream in( Process::contentOf( file, kLargest ).value_or( "" ) );
    std::string header;
    if ( !std::getline( in, header ) ) {
-      refuse( file, "this file of results cannot be read, or is empty" );
+      refuse( file,
+              "this file of results cannot be read, is empty, or is larger than 256 MiB; name "
+              "another file" );
    }
    if ( header != headerOf( exploration, length ) ) {
       refuse( file, "these are no results of this exploration as it is now; name another file" );
    }
    try {
-      return resultsBehindHeader( in );
+      return resultsBehindHeader( in, exploration );
    } catch ( std::exception const & error ) {
       refuse( file, std::string( "this file of results is damaged (" ) + error.what() +
                        "); name another file" );

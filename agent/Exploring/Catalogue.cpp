@@ -1,9 +1,10 @@
 #include <Exploring/Catalogue.h>
 
-#include <fstream>
+#include <sstream>
 
 #include <fmt/format.h>
 
+#include <Process/BoundedFile.h>
 #include <Process/WholeFile.h>
 #include <Story/InputError.h>
 
@@ -24,16 +25,18 @@ Catalogue catalogueOf( Findings const & findings ) {
 }
 
 Catalogue catalogueIn( fs::path const & file ) {
-   std::ifstream in( file );
+   constexpr std::size_t kLargest = std::size_t{ 16 } << 20U;
+   auto const text = Process::contentOf( file, kLargest );
+   if ( !text ) {
+      throw Story::InputError( file.string() +
+                               ": the catalogue cannot be read; '--write' makes one" );
+   }
+   std::istringstream in( *text );
    Catalogue lines;
    for ( std::string line; std::getline( in, line ); ) {
       if ( !line.empty() && !line.starts_with( '#' ) ) {
          lines.insert( line );
       }
-   }
-   if ( !in.eof() ) {
-      throw Story::InputError( file.string() +
-                               ": the catalogue cannot be read; '--write' makes one" );
    }
    return lines;
 }

@@ -1,11 +1,12 @@
 #include <Testing/Collection.h>
 
 #include <algorithm>
-#include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 
+#include <Process/BoundedFile.h>
 #include <Story/InputError.h>
 
 namespace Testing {
@@ -26,9 +27,12 @@ std::string_view wordOf( std::string_view line ) {
    return word.substr( begin, word.find_last_not_of( kAround ) + 1 - begin );
 }
 
+// No scenario is longer.
+constexpr std::size_t kLongest = std::size_t{ 16 } << 20U;
+
 // An exploration is based on a scenario, and is none.
 bool isScenario( fs::path const & file ) {
-   std::ifstream text( file );
+   std::istringstream text( Process::beginningOf( file, kLongest ).value_or( "" ) );
    bool hasSwitch = false;
    bool hasSteps = false;
    for ( std::string line; std::getline( text, line ); ) {

@@ -1,0 +1,106 @@
+// Files that somebody has made to exhaust the program, or to stop it. Each is refused, or read up to
+// a limit.
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include <Support.h>
+#include <Switches.h>
+
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Support::Ran;
+
+constexpr std::uintmax_t kHuge = std::uintmax_t{ 4 } << 30U;
+
+bool has( std::string const & text, std::string const & part ) {
+   return text.find( part ) != std::string::npos;
+}
+
+class HostileFiles : public testing::Test {
+ protected:
+   // A file that takes no room on the disk.
+   std::string huge( std::string const & name ) const {
+      fs::path const file = directory.file( name, "" );
+      fs::resize_file( file, kHuge );
+      return file;
+   }
+   std::string pipe( std::string const & name ) const {
+      fs::path const file = directory.path() / name;
+      EXPECT_EQ( mkfifo( file.c_str(), 0600 ), 0 );
+      return file;
+   }
+
+   Support::Directory directory;
+   std::string const exploration = VORNAL_SOURCE_DIR "/explorations/start.yaml";
+};
+
+TEST_F( HostileFiles, RingsEndAtALimit ) {
+   std::string const ring = huge( "ring" );
+   Ran const ran = Support::vornal( { "ring", ring } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, ring +
+                          ": this is larger than the 64 MiB that a trace ring may have; name "
+                          "one that 'run --ring' has written\n" );
+}
+
+TEST_F( HostileFiles, AreNoScenariosOfAFolder ) {
+   huge( "huge.yaml" );
+   pipe( "pipe.yaml" );
+   fs::create_symlink( "/dev/zero", directory.path() / "zero.yaml" );
+   Ran const ran = Support::vornal( { "test", directory.path() } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_TRUE( has( ran.err, "there is no scenario" ) ) << ran.err;
+}
+
+TEST_F( HostileFiles, AreNoCapture ) {
+   for ( std::string const & file : { std::string( "/dev/zero" ), pipe( "pipe" ) } ) {
+      std::string const scenario =
+         directory.file( "leaf.yaml", Switches::leaf( "   - frames: { capture: " + file +
+                                                      ", on: Ethernet2 }\n" ) );
+      Ran const ran = Support::vornal( { "run", scenario } );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_TRUE( has( ran.err, "capture is '" + file + "', which is no file" ) ) << ran.err;
+   }
+}
+
+TEST_F( HostileFiles, AreNoCatalogue ) {
+   for ( std::string const & file :
+         { std::string( "/dev/zero" ), pipe( "pipe" ), huge( "huge" ) } ) {
+      Ran const ran = Support::vornal( { "explore", exploration, "--catalogue", file } );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_EQ( ran.err, file + ": the catalogue cannot be read; '--write' makes one\n" );
+   }
+}
+
+TEST_F( HostileFiles, AreNoResults ) {
+   for ( std::string const & file : { std::string( "/dev/zero" ), pipe( "pipe" ) } ) {
+      Ran const ran = Support::vornal( { "explore", "merge", exploration, file } );
+      EXPECT_EQ( ran.exitCode, 2 );
+      EXPECT_TRUE( has( ran.err, file + ": this file of results cannot be read, is empty" ) )
+         << ran.err;
+   }
+}
+
+// The rest of the line is that of a real file of results.
+TEST_F( HostileFiles, NameNoEventThatIsNotThere ) {
+   std::string const results = directory.path() / "results";
+   Ran const real =
+      Support::vornal( { "explore", exploration, "--length", "1", "--results", results } );
+   ASSERT_EQ( real.exitCode, 0 ) << real.err;
+   std::string const header = Support::contentOf( results );
+   std::ofstream( results ) << header.substr( 0, header.find( '\n' ) + 1 )
+                            << R"({"branch":[60000],"isWhole":false,"sequences":1,"standFor":1,)"
+                               R"("without":0,"unnamed":0,"found":[]})"
+                               "\n";
+   Ran const ran = Support::vornal( { "explore", "merge", exploration, results, "--length", "1" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err, results +
+                          ": this file of results is damaged (the exploration has no event "
+                          "60000); name another file\n" );
+}
+
+}  // namespace
