@@ -19,7 +19,7 @@ RecordedRun::RecordedRun( std::filesystem::path file )
                      [ & ]( Story::StepBegins const & step ) { kind = step.kind; },
                      [ & ]( Story::StepEnds const & step ) {
                         if ( kind != Story::StepKind::Teardown ) {
-                           ends_.push_back( { step.number, now } );
+                           add( { step.number, now } );
                         }
                      },
                      [ & ]( Story::PluginLoaded const & loaded ) { plugin_ = loaded.file; },
@@ -30,6 +30,16 @@ RecordedRun::RecordedRun( std::filesystem::path file )
       throw Story::InputError( file_.string() + ": the record holds no whole step" +
                                reader_.damageText() + "; record the run again" );
    }
+}
+
+void RecordedRun::add( StepEnd const & end ) {
+   constexpr std::size_t kMost = 1'000'000;  // a scenario has fewer
+   if ( ends_.size() == kMost ) {
+      throw Story::InputError( file_.string() +
+                               ": the record has more than a million steps, and no scenario has so "
+                               "many; ask for a record that 'vornal run --record' has written" );
+   }
+   ends_.push_back( end );
 }
 
 std::optional< U32 > RecordedRun::lastStep() const {

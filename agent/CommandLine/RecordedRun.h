@@ -44,6 +44,8 @@ class RecordedRun {
       U64 time;
    };
 
+   void add( StepEnd const & end );
+
    std::filesystem::path file_;
    Record::Reader reader_;  // at its end
    ReplayInputs inputs_;

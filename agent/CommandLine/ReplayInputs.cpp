@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 
 #include <CommandLine/RunScenario.h>
 #include <Process/Descriptor.h>
@@ -30,6 +31,36 @@ fs::path folderNew() {
    return name;
 }
 
+// What the files of a record may take. A record is compressed, so a small one could fill the disk.
+class Allowance {
+ public:
+   explicit Allowance( fs::path const & record ) {
+      std::error_code error;
+      std::uintmax_t const size = fs::file_size( record, error );
+      bytes_ += error ? 0 : kTimes * size;
+   }
+
+   // False when it is used up.
+   bool covers( Record::FilePart const & part ) {
+      if ( part.file != last_ ) {
+         last_ = part.file;
+         fs::path const path = last_;
+         names_ += static_cast< std::size_t >( std::distance( path.begin(), path.end() ) );
+      }
+      taken_ += part.bytes.size();
+      return taken_ <= bytes_ && names_ <= kMostNames;
+   }
+
+ private:
+   static constexpr std::uintmax_t kTimes = 1000;      // frames that are all alike take less
+   static constexpr std::size_t kMostNames = 100'000;  // of files and of the folders around them
+
+   std::uintmax_t bytes_ = std::uintmax_t{ 64 } << 20U;
+   std::uintmax_t taken_ = 0;
+   std::size_t names_ = 0;
+   std::string last_;
+};
+
 }  // namespace
 
 ReplayInputs::ReplayInputs( Record::Reader & reader ) : folder_( folderNew() ) {
@@ -53,11 +84,18 @@ void ReplayInputs::takeAll( Record::Reader & reader ) {
    if ( auto const * const setup = first ? std::get_if< Record::Setup >( &*first ) : nullptr ) {
       setup_ = *setup;
       root_ = Scenario::Root( folder_, setup_.directory );
+      Allowance allowance( reader.file() );
       while ( auto const item = reader.next() ) {
          if ( std::holds_alternative< Record::InputsEnd >( *item ) ) {
             return;
          }
          if ( auto const * const part = std::get_if< Record::FilePart >( &*item ) ) {
+            if ( !allowance.covers( *part ) ) {
+               throw Story::InputError(
+                  reader.file().string() +
+                  ": its files take more room than the record of a run needs, a thousand times its "
+                  "own size; ask for a record that 'vornal run --record' has written" );
+            }
             take( *part );
          }
       }

@@ -58,8 +58,8 @@ class FileWriter {
 // Reads a record's file, block by block. A damaged file costs as much memory as a block can have.
 class FileReader {
  public:
-   // No block is larger.
-   static constexpr std::size_t kLargestBlock = std::size_t{ 1 } << 28U;
+   // No block is larger. Its items take some times as much memory.
+   static constexpr std::size_t kLargestBlock = std::size_t{ 1 } << 26U;
 
    // Story::InputError when the file cannot be read, is no record, or one of another version.
    explicit FileReader( std::filesystem::path file );
