@@ -5,6 +5,8 @@
 
 #include <CommandLine/Version.h>
 #include <FeatureFiles/Reader.h>
+#include <Quelm/Error.h>
+#include <Traffic/CaptureFile.h>
 
 namespace CommandLine {
 
@@ -13,6 +15,25 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kPart = std::size_t{ 64 } * 1024;
+
+// A scenario can name any file as a capture. The text is that of libpcap.
+bool isNoCapture( fs::path const & file ) {
+   try {
+      Traffic::openedCapture( file );
+      return false;
+   } catch ( Quelm::Error const & error ) {
+      return std::string( error.what() ).find( ": unknown file format" ) != std::string::npos;
+   }
+}
+
+// An object of booleans.
+bool holdsToggles( fs::path const & folder, std::string const & name ) {
+   bool isDamaged = false;
+   FeatureFiles::Reader reader( folder,
+                                [ & ]( FeatureFiles::Damage const & ) { isDamaged = true; } );
+   reader.isEnabled( "", name, false );
+   return !isDamaged;
+}
 
 // The files of a record, each once.
 class Files {
@@ -46,7 +67,18 @@ class Files {
       }
    }
 
-   // The plug-in asks for some of them while it runs.
+   // Of a file that is none, the replay shall say the same as the run. The record may reach a
+   // stranger, so it does not take what stands in there.
+   void addCapture( fs::path const & file ) {
+      if ( isNoCapture( file ) ) {
+         add( file, std::string( kNoCapture ) );
+      } else {
+         add( file );
+      }
+   }
+
+   // The plug-in asks for some of them while it runs. Files of other programs stand in the same
+   // folder, and can hold secrets.
    void addFeatureFiles( fs::path const & folder ) {
       record_.add( { folder.empty() ? "./" : ( folder / "" ).string(), "" } );
       std::error_code error;
@@ -55,7 +87,8 @@ class Files {
             fs::directory_iterator( folder.empty() ? fs::path( "." ) : folder, error ) ) {
          std::error_code unreadable;
          if ( entry.path().extension() == ".json" && entry.is_regular_file( unreadable ) &&
-              entry.file_size( unreadable ) <= FeatureFiles::Reader::kLongest ) {
+              entry.file_size( unreadable ) <= FeatureFiles::Reader::kLongest &&
+              isFeatureFile( entry ) ) {
             files.insert( folder / entry.path().filename() );
          }
       }
@@ -65,6 +98,15 @@ class Files {
    }
 
  private:
+   static constexpr std::string_view kNoCapture{ "\0\0\0\0", 4 };
+
+   // A damaged one is kept as well, where it is certainly meant: the run tells of it.
+   static bool isFeatureFile( fs::directory_entry const & entry ) {
+      fs::path const & file = entry.path();
+      return holdsToggles( file.parent_path(), file.filename().string() ) ||
+             ( file.filename() == "VornalL3.json" && !entry.is_symlink() );
+   }
+
    bool isNew( fs::path const & name ) { return names_.insert( name.lexically_normal() ).second; }
 
    Record::Writer & record_;
@@ -107,7 +149,7 @@ void Recording::begin() {
       files.add( source.file, source.text );
    }
    for ( fs::path const & capture : scenario_.files ) {
-      files.add( capture );
+      files.addCapture( capture );
    }
    files.addFeatureFiles( scenario_.featureFiles );
    record_.inputsEnd();

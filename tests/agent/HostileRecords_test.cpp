@@ -1,5 +1,5 @@
 // Records that somebody has made: small files that unpack to more than a machine has, paths that
-// lead out of the folder of a replay.
+// lead out of the folder of a replay; and what a record of a stranger's scenario takes along.
 #include <cstdlib>
 
 #include <gtest/gtest.h>
@@ -119,6 +119,61 @@ TEST_F( HostileRecords, WriteNoFileOutsideOfTheirFolder ) {
       EXPECT_FALSE( fs::exists( "/outside" ) ) << name;
       EXPECT_TRUE( fs::is_empty( temporary ) ) << name;
    }
+}
+
+// --- Records of a stranger's scenario
+
+class RecordOfAStranger : public testing::Test {
+ protected:
+   // The content of a record of a run of the scenario.
+   std::string itemsOf( std::string const & scenario ) const {
+      std::string const record = directory.path() / "run.record";
+      Ran const ran = Support::vornal( { "run", scenario, "--record", record, "--plugin",
+                                         Support::testPlugin( "segment-rules" ) } );
+      EXPECT_TRUE( fs::exists( record ) ) << ran.err;
+      std::string items;
+      Record::FileReader reader( record );
+      while ( auto const block = reader.next() ) {
+         items += *block;
+      }
+      return items;
+   }
+
+   Support::Directory directory;
+   std::string const ready = "   - ready: subagents::l2Ready\n";
+};
+
+TEST_F( RecordOfAStranger, TakesNoFileThatIsNoCapture ) {
+   directory.file( "secret", "hunter2 hunter2 hunter2 hunter2" );
+   std::string const scenario =
+      directory.file( "leaf.yaml",
+                      "forwarding:\n"
+                      "   vtep-addresses: [ 10.0.0.1 ]\n"
+                      "   underlay: [ Ethernet2 ]\n"
+                      "   vlans: { 10: 10100 }\n" +
+                         Switches::leaf( ready +
+                                         "   - frames: { capture: secret, on: Ethernet2 }\n" ) );
+   EXPECT_FALSE( has( itemsOf( scenario ), "hunter2" ) );
+   Ran const replayed = Support::vornal( { "replay", directory.path() / "run.record", "--plugin",
+                                           Support::testPlugin( "segment-rules" ) } );
+   EXPECT_EQ( replayed.exitCode, 0 ) << replayed.out << replayed.err;
+}
+
+TEST_F( RecordOfAStranger, TakesFeatureFilesAndNoOtherFileOfTheirFolder ) {
+   directory.file( "account.json", R"({ "key": "hunter2" })" );
+   directory.file( "Sample.json", R"({ "SampleToggle": true })" );
+   directory.file( "secret", R"({ "key": "hunter3" })" );
+   fs::create_symlink( "secret", directory.path() / "VornalL3.json" );
+   std::string const items = itemsOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) );
+   EXPECT_TRUE( has( items, "SampleToggle" ) );
+   EXPECT_FALSE( has( items, "hunter" ) );
+}
+
+// The run tells of it, and so does the replay.
+TEST_F( RecordOfAStranger, TakesADamagedFeatureFileThatThePlugInAsksFor ) {
+   directory.file( "VornalL3.json", R"({ "damaged )" );
+   EXPECT_TRUE(
+      has( itemsOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) ), R"({ "damaged )" ) );
 }
 
 }  // namespace
