@@ -9,6 +9,7 @@
 
 #include <Exploring/Words.h>
 #include <Scenario/Description.h>
+#include <Scenario/Document.h>
 #include <Scenario/File.h>
 #include <Scenario/Whole.h>
 #include <Steps/Reader.h>
@@ -18,6 +19,7 @@ namespace Exploring {
 namespace {
 
 namespace fs = std::filesystem;
+using Scenario::documentIn;
 using Scenario::Yaml;
 
 [[noreturn]] void refuse( fs::path const & file, int line, std::string const & why ) {
@@ -66,6 +68,12 @@ std::vector< Yaml > takenBy( std::string const & variant, std::vector< Yaml > co
       }
    }
    return taken;
+}
+
+// Problems quote an exploration. Another file's content is no business of theirs.
+bool isExploration( fs::path const & file ) {
+   YAML::Node const node = documentIn( Scenario::textIn( file ), file.string() ).node;
+   return node.IsMap() && node[ "exploration" ];
 }
 
 // The scenario that the exploration begins with, less its own steps.
@@ -131,6 +139,9 @@ std::vector< Exploration::Source > Exploration::sourcesOf( Source const & own ) 
    std::error_code error;
    if ( !fs::is_regular_file( file, error ) ) {
       refuseIt( "is no file; the file of an exploration is expected, relative to this one" );
+   }
+   if ( !isExploration( file ) ) {
+      refuseIt( "has no word 'exploration', so it is none; name the file of an exploration" );
    }
    Source const other( file );
    if ( !other.words.eventsOf.empty() ) {

@@ -312,6 +312,11 @@ std::optional< Source > baseOf( Reading & reading, Twin const & twin, fs::path c
       refuse( ", which is based on another itself; name the scenario that it is based on" );
       return std::nullopt;
    }
+   // Problems quote a scenario. Another file's content is no business of theirs.
+   if ( !document.node.IsMap() || !document.node[ "scenario" ] ) {
+      refuse( ", which has no word 'scenario', so it is none; name the file of a whole scenario" );
+      return std::nullopt;
+   }
    return Source{ text, document, base };
 }
 

@@ -1,5 +1,5 @@
-// Files that somebody has made to exhaust the program, or to stop it. Each is refused, or read up to
-// a limit.
+// Files that somebody has made to exhaust the program, to stop it, or to learn what another file
+// holds. Each is refused, or read up to a limit.
 #include <fstream>
 
 #include <gtest/gtest.h>
@@ -101,6 +101,29 @@ TEST_F( HostileFiles, NameNoEventThatIsNotThere ) {
    EXPECT_EQ( ran.err, results +
                           ": this file of results is damaged (the exploration has no event "
                           "60000); name another file\n" );
+}
+
+// A scenario can name any file as the one that it is based on.
+TEST_F( HostileFiles, AreNotQuotedWhenTheyAreNoScenarios ) {
+   directory.file( "secrets", "password: hunter2\nhunter3: 1\n" );
+   std::string const based = directory.file( "based.yaml", "scenario: based\nbased-on: secrets\n" );
+   std::string const taking =
+      directory.file( "taking.yaml",
+                      "exploration: taking\nbased-on: leaf.yaml\nlength: 1\nevents-of: secrets\n" );
+   Ran const check = Support::vornal( { "check", based } );
+   EXPECT_EQ( check.exitCode, 2 );
+   EXPECT_TRUE( has( check.out, based +
+                                   ":2: based-on is 'secrets', which has no word 'scenario', so "
+                                   "it is none; name the file of a whole scenario" ) )
+      << check.out;
+   Ran const explore = Support::vornal( { "explore", taking } );
+   EXPECT_EQ( explore.exitCode, 2 );
+   EXPECT_EQ( explore.err, taking +
+                              ":4: events-of is 'secrets', which has no word 'exploration', so "
+                              "it is none; name the file of an exploration\n" );
+   for ( Ran const & ran : { check, explore } ) {
+      EXPECT_FALSE( has( ran.out + ran.err, "hunter" ) ) << ran.out << ran.err;
+   }
 }
 
 }  // namespace
