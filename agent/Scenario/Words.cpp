@@ -27,30 +27,40 @@ void isLost( Reading & reading, WordList const & list, std::string_view word ) {
    reading.doubts().isLost( std::string( word ) );
 }
 
+// The words of the list that no member has.
+std::vector< std::string_view > lackingIn( std::vector< Value > const & members,
+                                           WordList const & list ) {
+   std::vector< std::string_view > lacking = list.names();
+   std::erase_if( lacking, [ & ]( std::string_view word ) {
+      return std::any_of( members.begin(), members.end(),
+                          [ word ]( Value const & member ) { return member.name == word; } );
+   } );
+   return lacking;
+}
+
 // An unknown word that is like a known one hides that one alone. Any other can stand for each known
 // word that the mapping lacks.
-void refuse( Reading & reading, Value const & member, Value const & mapping,
-             WordList const & list ) {
+void refuse( Reading & reading, Value const & member,
+             std::vector< std::string_view > const & lacking, WordList const & list ) {
    std::string_view const near = nearest( member.name, list.names() );
    reading.problem( member.line,
                     "unknown word " + inQuotes( member.name ) + " in " + nameOf( list ) + "; " +
                        ( near.empty() ? knownOnes( list.names() )
                                       : "did you mean '" + std::string( near ) + "'?" ) );
-   for ( std::string_view const word : list.names() ) {
-      if ( near.empty() ? !mapping.node[ std::string( word ) ] : word == near ) {
-         isLost( reading, list, word );
-      }
+   for ( std::string_view const word :
+         near.empty() ? lacking : std::vector< std::string_view >{ near } ) {
+      isLost( reading, list, word );
    }
 }
 
-std::size_t indexOf( Reading & reading, Value const & member, Value const & mapping,
-                     WordList const & list ) {
+std::size_t indexOf( Reading & reading, Value const & member,
+                     std::vector< std::string_view > const & lacking, WordList const & list ) {
    for ( std::size_t n = 0; n < list.words.size(); ++n ) {
       if ( list.words[ n ].name == member.name ) {
          return n;
       }
    }
-   refuse( reading, member, mapping, list );
+   refuse( reading, member, lacking, list );
    return kUnknown;
 }
 
@@ -124,8 +134,9 @@ std::vector< WordValue > wordValuesOf( Reading & reading, Value const & value,
    if ( reading.problemsSoFar() != before ) {
       reading.doubts().isLost( std::string( list.place.name ) );
    }
+   std::vector< std::string_view > const lacking = lackingIn( members, list );
    for ( Value const & member : members ) {
-      std::size_t const word = indexOf( reading, member, value, list );
+      std::size_t const word = indexOf( reading, member, lacking, list );
       if ( word != kUnknown ) {
          entries.push_back( { word, member } );
       }
