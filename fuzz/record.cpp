@@ -5,42 +5,25 @@
 // No change of a block gets past the checksum of its content. Most inputs therefore come from a
 // change of the content, which is packed again with the right checksum.
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include <zstd.h>
 
-#include <Process/Descriptor.h>
+#include <Property.h>
 #include <Record/Comparison.h>
 #include <Record/Header.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 
-#include <sys/mman.h>
-
 extern "C" std::size_t LLVMFuzzerMutate( std::uint8_t * data, std::size_t size, std::size_t most );
 
 namespace {
 
-void mustHold( bool condition ) {
-   if ( !condition ) {
-      std::abort();
-   }
-}
-
-// A file in memory, which others can open by its path.
-class MemoryFile {
- public:
-   explicit MemoryFile( std::string_view bytes ) : file_( memfd_create( "record", MFD_CLOEXEC ) ) {
-      mustHold( file_.isOpen() && file_.write( bytes ) );
-   }
-   std::string path() const { return "/proc/self/fd/" + std::to_string( file_.fd() ); }
-
- private:
-   Process::Descriptor file_;
-};
+using Fuzz::MemoryFile;
+using Fuzz::mustHold;
+using Fuzz::textOf;
 
 // --- What holds for every record
 
@@ -51,12 +34,13 @@ void writeAndRead( Record::Item const & item ) {
    std::string_view left = bytes;
    std::string again;
    Record::write( again, Record::takeItem( left ) );
-   mustHold( left.empty() && again == bytes );
+   mustHold( left.empty() && again == bytes, "an item is read back" );
 }
 
 void tell( Story::Event const & event ) {
-   mustHold( !Record::wordsOf( event ).empty() );
-   mustHold( Story::lineText( jsonOf( event ) ).find( "\"event\":\"" ) != std::string::npos );
+   mustHold( !Record::wordsOf( event ).empty(), "an event has words" );
+   mustHold( Story::lineText( jsonOf( event ) ).find( "\"event\":\"" ) != std::string::npos,
+             "an event is a JSON object" );
 }
 
 void readAll( std::string const & path ) {
@@ -67,7 +51,7 @@ void readAll( std::string const & path ) {
          tell( *event );
       }
    }
-   mustHold( reader.cutText().starts_with( "after " ) );
+   mustHold( reader.cutText().starts_with( "after " ), "a cut has its place" );
 }
 
 void compareWithItself( std::string const & path ) {
@@ -79,7 +63,7 @@ void compareWithItself( std::string const & path ) {
          comparison.onEvent( *event );
       }
    } catch ( Record::Comparison::Over const & ) {
-      mustHold( comparison.result() == Record::Comparison::Result::same );
+      mustHold( comparison.result() == Record::Comparison::Result::same, "a record equals itself" );
    }
 }
 
@@ -129,10 +113,6 @@ std::string fileOf( std::vector< std::string > const & blocks ) {
    return bytes;
 }
 
-std::string_view textOf( std::uint8_t const * data, std::size_t size ) {
-   return { reinterpret_cast< char const * >( data ), size };
-}
-
 }  // namespace
 
 extern "C" std::size_t LLVMFuzzerCustomMutator( std::uint8_t * data, std::size_t size,
@@ -157,7 +137,8 @@ extern "C" int LLVMFuzzerTestOneInput( std::uint8_t const * data, std::size_t si
       readAll( file.path() );
       compareWithItself( file.path() );
    } catch ( Story::InputError const & error ) {
-      mustHold( std::string_view( error.what() ).starts_with( file.path() + ": " ) );
+      mustHold( std::string_view( error.what() ).starts_with( file.path() + ": " ),
+                "a refusal names the file" );
    }
    return 0;
 }
