@@ -370,11 +370,15 @@ Judgement judge( Reference::Told const & told, Run::Document const & run, Claim 
    return Judge( told, run, claim ).judgement();
 }
 
-Judgement judgementOf( std::filesystem::path const & scenario, Claim claim ) {
-   Reference::Told const told = Reference::told( Steps::readScenario( scenario ) );
+std::set< std::string > requestsBefore( Reference::Told const & told ) {
    std::set< std::string > requests;
    for ( Reference::Vtep const & vtep : told.requestsBefore ) {
       requests.insert( vtep.address() );
    }
-   return judge( told, Run::of( scenario, requests ), claim );
+   return requests;
+}
+
+Judgement judgementOf( std::filesystem::path const & scenario, Claim claim ) {
+   Reference::Told const told = Reference::told( Steps::readScenario( scenario ) );
+   return judge( told, Run::of( scenario, requestsBefore( told ) ), claim );
 }

@@ -42,5 +42,8 @@ enum class Claim {
 Judgement judge( Reference::Told const & told, Run::Document const & run,
                  Claim claim = Claim::history );
 
+// The class ids that are asked for before the plug-in is loaded, by VTEP.
+std::set< std::string > requestsBefore( Reference::Told const & told );
+
 // Runs the program on the scenario.
 Judgement judgementOf( std::filesystem::path const & scenario, Claim claim = Claim::history );

@@ -214,9 +214,17 @@ std::optional< Stopped > stopOf( Json const & document ) {
 
 Document of( std::filesystem::path const & scenario,
              std::set< std::string > const & requestsBefore ) {
-   Json const given = Json::parse( outputOf( commandOn( scenario ) ), nullptr, false );
-   if ( !given.is_object() ) {
+   std::string const text = outputOf( commandOn( scenario ) );
+   if ( text.empty() ) {
       throw std::runtime_error( "no document from " + scenario.string() );
+   }
+   return in( text, requestsBefore );
+}
+
+Document in( std::string const & text, std::set< std::string > const & requestsBefore ) {
+   Json const given = Json::parse( text, nullptr, false );
+   if ( !given.is_object() ) {
+      throw std::runtime_error( "this is no document of a run: " + text );
    }
    Document document;
    Reader reader( requestsBefore );

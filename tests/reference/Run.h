@@ -57,5 +57,7 @@ struct Document {
 
 Document of( std::filesystem::path const & scenario,
              std::set< std::string > const & requestsBefore = {} );
+// Out of the document's text. std::runtime_error when it is none.
+Document in( std::string const & text, std::set< std::string > const & requestsBefore = {} );
 
 }  // namespace Run
