@@ -29,7 +29,7 @@ using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
 
-constexpr std::size_t kPieces = 64;  // of all faults, at least; a worker has several
+constexpr std::size_t kPieces = 16;  // of all faults, at least; a worker has several
 
 // --- The branches
 
@@ -90,8 +90,8 @@ void Explore::declare( CLI::App & app ) {
       ->check( problemOfName );
    CLI::Option * const faults =
       app.add_flag( "--faults", areFaults_,
-                    "Let each call of the chip fail in the run of a scenario, and each request for "
-                    "an entry find no room, one at a time" );
+                    "In the runs of scenarios, let each call of the chip fail, each request for an "
+                    "entry find no room, and the process end at each call, one at a time" );
    app.add_option( "--length", length_,
                    "The events of the longest sequence, in place of the file's" )
       ->excludes( faults )
@@ -223,7 +223,8 @@ bool Explore::isAsInCatalogue( Findings const & findings ) const {
 bool Explore::isKnown( Explored const & subject ) const {
    bool isKnown = true;
    for ( auto const & [ key, found ] : subject.findings.all ) {
-      bool const isShown = !limits_.showing( key ).empty() || subject.isClear( found.shortest );
+      bool const isShown =
+         !limits_.showing( key ).empty() || subject.needsNoLimit( found.shortest );
       if ( limits_.isThere() && !isShown ) {
          std::cerr << "shown by no scenario: " << Text::printable( lineOf( key ) ) << '\n';
          isKnown = false;
@@ -305,6 +306,9 @@ Explored Explore::exploredFaults( int & signal ) const {
    };
    signal = Process::workAll( { files.size() * shares, jobs_.count(), work, take, progress } );
    line.clear();
+   if ( signal == 0 && all.counts.sequences == 0 ) {
+      throw Story::InputError( "no call of the chip is made in these scenarios; name others" );
+   }
    std::vector< std::string > names( files.begin(), files.end() );
    return { files.size() == 1 ? names.front() : Story::counted( files.size(), "scenario" ),
             { { "scenarios", names }, { "faults", all.counts.sequences } },

@@ -21,8 +21,8 @@ struct Explored {
    std::function< std::vector< std::string >( Exploring::Sequence const & ) > stepsOf;
    // The scenario whose steps come behind these; empty: there is none.
    std::function< std::string( Exploring::Sequence const & ) > scenarioOf;
-   // A finding needs no scenario that shows it.
-   std::function< bool( Exploring::Sequence const & ) > isClear;
+   // No limit has to show a finding with that sequence.
+   std::function< bool( Exploring::Sequence const & ) > needsNoLimit;
 };
 
 // With the scenarios that show each finding, where there are some.

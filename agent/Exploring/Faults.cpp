@@ -51,18 +51,49 @@ class Logging final : public Story::Observer {
    U32 steps_ = 0;
 };
 
-// Notes the call that fails.
+// Watches for the call that fails, and tells of it when the plug-in goes on to another call.
 class Failure final : public Story::Observer {
  public:
+   // Of the calls that can fail, the one with that number from now on fails.
+   void expect( U32 number ) { left_ = number; }
+   bool hasGoneOn() const { return *hasGoneOn_; }
+
    void onEvent( Story::Event const & event ) override {
       auto const * const made = std::get_if< Story::CallMade >( &event );
-      if ( made && made->call.returnCode == kCode ) {
-         operation = made->call.operation;
+      if ( !made ) {
+         return;
+      }
+      if ( hasFailed_ ) {
+         *hasGoneOn_ = true;
+      } else if ( made->call.operation != kRequest && left_ != 0 && --left_ == 0 ) {
+         hasFailed_ = true;
       }
    }
 
-   std::string operation;  // empty: none has failed
+   // For the next process, which will begin as a copy of this one.
+   void clear() { *hasGoneOn_ = false; }
+
+ private:
+   U32 left_ = 0;
+   bool hasFailed_ = false;
+   Shared< bool > hasGoneOn_;  // for the process that waits for the end of this one
 };
+
+// The call's own line where it has one, and the assertion's, each once.
+bool isToldOnce( Chip::HardwareCall const & call, std::string const & output ) {
+   auto const count = [ & ]( std::string const & part ) {
+      std::size_t times = 0;
+      for ( std::size_t at = output.find( part ); at != std::string::npos;
+            at = output.find( part, at + 1 ) ) {
+         ++times;
+      }
+      return times;
+   };
+   bool const hasLine = !call.callText.empty();
+   return count( " API ERROR:" ) == ( hasLine ? 1U : 0U ) &&
+          ( !hasLine || count( ' ' + call.callText + " API ERROR:" ) == 1 ) &&
+          count( ": Assertion '" ) == 1;
+}
 
 using Entry = std::pair< U32, U32 >;  // unit and id
 
@@ -91,6 +122,10 @@ void becomeForeign( Chip::Rules const & rules, Chip::Units & units ) {
       group.release( rule.key.id );
       group.foreignIs( group.foreign() + 1 );
    }
+}
+
+bool isError( int status ) {
+   return WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE;
 }
 
 }  // namespace
@@ -136,12 +171,15 @@ void Faults::run() {
       *isUp = true;
       for ( std::size_t n = 0; n < ownSteps(); ++n ) {
          logging.stepBegins();
-         trial.tried( model_.steps[ n ] );
+         trial.carryOut( model_.steps[ n ] );
       }
       addDifferences( trial.audit(), findings, {}, 1 );
    } );
    if ( !*isUp ) {
       throw std::runtime_error( "the switch does not come up: " + output.text() );
+   }
+   if ( isError( status ) ) {
+      throw std::runtime_error( output.text() );
    }
    if ( status != 0 ) {
       addStop( status, output.lastWords(), findings, {}, 1 );
@@ -152,9 +190,11 @@ void Faults::run() {
 
 void Faults::take( std::vector< LoggedCall > const & calls ) {
    for ( LoggedCall const & logged : calls ) {
-      if ( logged.steps != 0 && logged.call.operation == kRequest ) {
+      if ( logged.steps == 0 ) {
+         ++atStart_;
+      } else if ( logged.call.operation == kRequest ) {
          ++requests_;
-      } else if ( logged.steps != 0 ) {
+      } else {
          fallible_.push_back( calls_.size() );
       }
       calls_.push_back( logged.call );
@@ -180,9 +220,18 @@ void Faults::carryOut( Trial & trial, std::size_t first ) const {
 
 // --- With one
 
+// At each call behind the start-up, and behind the last one.
+std::size_t Faults::ends() const {
+   return calls_.size() - atStart_ + 1;
+}
+
+std::size_t Faults::count() const {
+   return ends() + requests_ + fallible_.size();
+}
+
 // The faults of one kind stand behind those of the kind before.
 std::size_t Faults::before( U16 kind ) const {
-   std::array< std::size_t, 3 > const starts{ 0, fallible_.size(), fallible_.size() + requests_ };
+   std::array< std::size_t, 3 > const starts{ 0, ends(), ends() + requests_ };
    return starts.at( kind );
 }
 
@@ -227,19 +276,18 @@ void Faults::tryCalls( std::vector< Sequence > const & faults, SharedFindings & 
       Trial trial( setting(), failed );
       for ( Sequence const & fault : faults ) {
          output.clear();
+         failed.clear();
          pid_t const pid = forked();
          if ( pid == 0 ) {
+            if ( isFailure( fault ) ) {
+               failed.expect( fault.back() );
+            }
             trial.carryOut( stepOf( fault ) );
             carryOut( trial, 0 );
             addDifferences( trial.audit(), findings, fault, 1 );
-            if ( isFailure( fault ) && !failed.operation.empty() ) {
-               findings.add( Kind::unnoticed, failed.operation, fault, 1 );
-            }
             _exit( EXIT_SUCCESS );
          }
-         if ( int const ended = waitFor( pid ); ended != 0 ) {
-            addStop( ended, output.lastWords(), findings, fault, 1 );
-         }
+         noteEnd( fault, waitFor( pid ), failed.hasGoneOn(), output, findings );
       }
    } );
    if ( status != 0 ) {
@@ -247,11 +295,28 @@ void Faults::tryCalls( std::vector< Sequence > const & faults, SharedFindings & 
    }
 }
 
+void Faults::noteEnd( Sequence const & fault, int status, bool hasGoneOn, Output const & output,
+                      SharedFindings & findings ) const {
+   if ( status != 0 ) {
+      addStop( status, output.lastWords(), findings, fault, 1 );
+   }
+   if ( !isFailure( fault ) ) {
+      return;
+   }
+   Chip::HardwareCall const & call = calls_[ fallible_[ fault.back() - 1U ] ];
+   if ( status == 0 || hasGoneOn ) {
+      findings.add( Kind::unnoticed, call.operation, fault, 1 );
+   } else if ( !isToldOnce( call, output.text() ) ) {
+      findings.add( Kind::unnoticed, "not told once: " + call.operation, fault, 1 );
+   }
+}
+
 void Faults::tryEnd( Sequence const & fault, SharedFindings & findings ) const {
    Output const output;
    int const status = inProcess( output, [ & ] { comeUpBehind( fault, findings ); } );
-   if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {
-      throw std::runtime_error( "the end of the process cannot be tried: " + output.text() );
+   if ( isError( status ) ) {
+      throw std::runtime_error( "the end of the process cannot be tried: " + output.text() +
+                                "; leave out steps that change the chip (drift)" );
    }
    if ( status != 0 ) {
       addStop( status, output.lastWords(), findings, fault, 1 );
@@ -259,8 +324,8 @@ void Faults::tryEnd( Sequence const & fault, SharedFindings & findings ) const {
 }
 
 void Faults::comeUpBehind( Sequence const & fault, SharedFindings & findings ) const {
-   std::size_t const call = fallible_[ fault.back() - 1U ];
-   std::size_t const steps = stepsAt_[ call ];
+   std::size_t const call = atStart_ + fault.back() - 1;
+   std::size_t const steps = call < calls_.size() ? stepsAt_[ call ] : ownSteps();
    Host::Agent::Past const past{ std::span( calls_ ).first( call ),
                                  std::span( model_.steps ).first( steps ) };
    auto const old = entriesOf( past.calls );

@@ -2,13 +2,14 @@
 //
 // A fault is one of these, and each has a run of its own, in which it happens:
 //
-//    a call that fails          The process must stop at it. Where it goes on, the finding is
-//                               "unnoticed", whether the plug-in could have known or not.
+//    a call that fails          The process must stop at it, and tell it once, with its line. Where
+//                               it goes on, the finding is "unnoticed", whether the plug-in could
+//                               have known or not, and however the run ends.
 //    a request without room     The process must go on. All groups have room once the scenario is
 //                               over, and the rules are judged then.
 //    the end of the process     Another process comes up on the same chips, with the state that is
-//    in place of a call         published then, and carries out the rest of the scenario. It finds
-//                               the rules of the first one, staged ones among them. It must make
+//    in place of a call, or     published then, and carries out the rest of the scenario. It finds
+//    behind the last one        the rules of the first one, staged ones among them. It must make
 //                               its own beside them, and leave those alone.
 //
 // An end that the scenario has without faults is none of theirs.
@@ -26,6 +27,7 @@
 
 #include <Exploring/CallLog.h>
 #include <Exploring/Findings.h>
+#include <Exploring/Processes.h>
 #include <Exploring/SharedFindings.h>
 #include <Exploring/Trial.h>
 
@@ -38,7 +40,7 @@ class Faults {
    Faults( std::filesystem::path const & file, Host::AgentConfig config,
            std::chrono::milliseconds longestStep );
 
-   std::size_t count() const { return 2 * fallible_.size() + requests_; }
+   std::size_t count() const;
    // Tries the faults from `first` on, each `every`-th.
    Findings tried( std::size_t first, std::size_t every ) const;
    // The step, in front of the scenario's own, that lets the fault happen.
@@ -52,10 +54,13 @@ class Faults {
    void take( std::vector< LoggedCall > const & calls );
    Setting setting() const { return { model_, config_, longestStep_ }; }
    std::size_t ownSteps() const;
+   std::size_t ends() const;
    std::size_t before( U16 kind ) const;
    Sequence faultAt( std::size_t number ) const;
    Scenario::Step const & stepOf( Sequence const & fault ) const;
    void tryCalls( std::vector< Sequence > const & faults, SharedFindings & findings ) const;
+   void noteEnd( Sequence const & fault, int status, bool hasGoneOn, Output const & output,
+                 SharedFindings & findings ) const;
    void tryEnd( Sequence const & fault, SharedFindings & findings ) const;
    void comeUpBehind( Sequence const & fault, SharedFindings & findings ) const;
    // The scenario's steps from that one on, and those that make room.
@@ -64,9 +69,11 @@ class Faults {
    Host::AgentConfig config_;
    std::chrono::milliseconds longestStep_;
    Scenario::Model model_;  // behind its own steps those that make room, then the faults
-   // Of the run without a fault: all calls, how many steps had begun at each, the places of those
-   // that can fail and come behind the start-up, the requests behind it, and how it ends.
+   // Of the run without a fault: all calls, how many of them belong to the start-up, how many
+   // steps had begun at each, the places of those behind the start-up that can fail, the requests
+   // there, and how it ends.
    std::vector< Chip::HardwareCall > calls_;
+   std::size_t atStart_ = 0;
    std::vector< U32 > stepsAt_;
    std::vector< std::size_t > fallible_;
    std::size_t requests_ = 0;

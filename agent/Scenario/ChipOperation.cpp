@@ -22,9 +22,9 @@ std::string operationShape() {
    return Shape::of( "chip-operation", "The operation; any that can fail if left out." );
 }
 
-std::string callNumberShape() {
+std::string callNumberShape( std::string const & otherwise ) {
    return Shape::number( 1, kHighestCall,
-                         "The number of the call, counted from now on; the next one if left out." );
+                         "The number of the call, counted from now on" + otherwise + '.' );
 }
 
 }  // namespace Scenario

@@ -20,8 +20,8 @@ template< typename T > void readCallNumber( Reading & reading, Value const & val
    target.number = numberOf( reading, value, 1, kHighestCall ).value_or( 1 );
 }
 
-// The words' shapes.
+// The words' shapes; `otherwise` says what holds without the number.
 std::string operationShape();
-std::string callNumberShape();
+std::string callNumberShape( std::string const & otherwise );
 
 }  // namespace Scenario

@@ -15,7 +15,7 @@ Scenario::Table< EndAtCall > const & endTable() {
    static Scenario::Table< EndAtCall > const table{
       { "end-at-call", "The process ends by SIGKILL in place of a later call of the chip." },
       { { { "operation", "", Scenario::operationShape() }, Scenario::readOperation< EndAtCall > },
-        { { "number", "number: 1", Scenario::callNumberShape() },
+        { { "number", "number: 1", Scenario::callNumberShape( "" ) },
           Scenario::readCallNumber< EndAtCall > } }
    };
    return table;

@@ -48,7 +48,8 @@ Table< FailCall > const & failCallTable() {
    static Table< FailCall > const table{
       { "fail-call", "A later call of the chip is not made and gives a result code." },
       { { { "operation", "", Scenario::operationShape() }, Scenario::readOperation< FailCall > },
-        { { "number", "", Scenario::callNumberShape() }, Scenario::readCallNumber< FailCall > },
+        { { "number", "", Scenario::callNumberShape( "; the next one if left out" ) },
+          Scenario::readCallNumber< FailCall > },
         { { "lasting", "",
             Shape::json( R"({ "type": "boolean" })",
                          "Whether all such calls behind it fail as well." ) },

@@ -33,7 +33,13 @@ void Faults::refusalNew( U64 nth ) {
    refusals_.push_back( nth );
 }
 
+// An end counts requests for entries as well.
 bool Faults::isNextRefused() {
+   for ( Fault & fault : pending_ ) {
+      if ( fault.isEnd && fault.operation.empty() && --fault.nth == 0 ) {
+         std::raise( SIGKILL );
+      }
+   }
    for ( U64 & nth : refusals_ ) {
       --nth;
    }

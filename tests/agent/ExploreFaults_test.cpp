@@ -43,7 +43,8 @@ TEST_F( Explore, TriesEveryFaultOfAScenario ) {
    auto const document = nlohmann::json::parse( explored.out );
    EXPECT_GT( calls, 10U );
    EXPECT_GT( requests, 5U );
-   EXPECT_EQ( document[ "faults" ], 2 * ( calls - requests ) + requests );
+   std::size_t const ends = calls + 1;  // at each, and behind the last one
+   EXPECT_EQ( document[ "faults" ], ends + requests + ( calls - requests ) );
    EXPECT_EQ( document[ "scenarios" ], nlohmann::json::array( { scenario } ) );
    auto const findings = findingsIn( document );
    auto const & installs = findings.at(
@@ -54,6 +55,40 @@ TEST_F( Explore, TriesEveryFaultOfAScenario ) {
    EXPECT_EQ( installs[ "shortest" ][ 0 ], "fail-call: {number: 7, code: -1}" );
    EXPECT_EQ( installs[ "scenario" ], scenario );
    EXPECT_EQ( findings.at( "setPriorityForEntry" )[ "kind" ], "unnoticed" );
+   EXPECT_FALSE( contains( explored.out, "not told once" ) );
+}
+
+// A verification pass, much later, stops the process.
+TEST_F( Explore, NotesThatThePlugInGoesOnAlsoWhenItStopsLater ) {
+   auto const ran =
+      Support::vornal( { "explore", "--faults", Shipped::fileOf( "lag-members" ), "--json" } );
+   auto const findings = findingsIn( nlohmann::json::parse( ran.out ) );
+   EXPECT_TRUE(
+      findings.contains( "BCM_PBMP_EQ( ports, ports_exp ) in "
+                         "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries" ) );
+   EXPECT_EQ( findings.at( "updateEgressMaskAction" )[ "kind" ], "unnoticed" );
+}
+
+// The scenario lets another call fail, with the same code.
+TEST_F( Explore, TellsTheFaultApartFromTheScenariosOwn ) {
+   auto const ran = Support::vornal(
+      { "explore", "--faults", Shipped::fileOf( "limits/chip-vni-not-installed" ), "--json" } );
+   auto const findings = findingsIn( nlohmann::json::parse( ran.out ) );
+   EXPECT_EQ( findings.at( "setPriorityForEntry" )[ "kind" ], "unnoticed" );
+   EXPECT_EQ( findings.at( "installEntry" )[ "faults" ], 1 );
+}
+
+// Its own end is none of a fault's.
+TEST_F( Explore, LeavesOutTheEndOfTheScenarioItself ) {
+   std::string const stops =
+      directory.file( "stops.yaml",
+                      std::string( kSwitch ) +
+                         "   - ready: subagents::l2Ready\n"
+                         "   - publish: { segments: { Ethernet3: [ 10.0.0.9 ] } }\n"
+                         "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" );
+   auto const ran = explore( { "--faults", stops } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_FALSE( contains( ran.out, "room for another segment" ) ) << ran.out;
 }
 
 // Beside the old rules there is room for the new ones on one switch, and not on the other.
@@ -125,6 +160,17 @@ TEST_F( Explore, RefusesWhatDoesNotGoWithFaults ) {
    auto const none = explore( { "--faults", directory.path() / "empty" } );
    EXPECT_EQ( none.exitCode, 2 );
    EXPECT_EQ( none.err, "there are no scenarios; name one, or a folder such as scenarios\n" );
+   auto const still = explore( { "--faults", directory.path() / "leaf.yaml" } );
+   EXPECT_EQ( still.exitCode, 2 );
+   EXPECT_EQ( still.err, "no call of the chip is made in these scenarios; name others\n" );
+   std::string const wrong =
+      directory.file( "wrong.yaml", std::string( kSwitch ) +
+                                       "   - ready: subagents::l2Ready\n"
+                                       "   - set: { entity: /none, attribute: a, value: 1 }\n" );
+   auto const broken = explore( { "--faults", wrong } );
+   EXPECT_EQ( broken.exitCode, 2 );
+   EXPECT_TRUE( contains( broken.err, "wrong.yaml:" ) ) << broken.err;
+   EXPECT_TRUE( contains( broken.err, "/none" ) ) << broken.err;
 }
 
 TEST( EndAtCall, EndsTheProcessOfTheAgent ) {

@@ -64,7 +64,6 @@ TEST_F( Restart, MakesNewRulesBesideTheOldOnes ) {
    }
 }
 
-// The plug-in is loaded when the state is there; it is ready behind that.
 TEST_F( Restart, FindsTheStateThatWasPublishedLast ) {
    runFirst( "first-segment" );
    Host::Agent agent( scenario, withoutSteps(), ring.bytes(), story );
@@ -73,13 +72,6 @@ TEST_F( Restart, FindsTheStateThatWasPublishedLast ) {
    EXPECT_EQ( namesOf( rulesOf( agent.units() ) ), namesOf( before ) );
    EXPECT_TRUE( story.all< Story::ExpectationChecked >().empty() );  // those steps are over
    EXPECT_TRUE( story.all< Story::BadInput >().empty() );
-}
-
-TEST_F( Restart, ComesUpAsOftenAsWithoutAPast ) {
-   runFirst( "first-segment" );
-   Host::Agent agent( scenario, config(), ring.bytes(), story );
-   agent.begin();
-   EXPECT_EQ( rulesOf( agent.units() ), before );
 }
 
 TEST( CallLog, IsWholeWhenItsProcessIsKilled ) {

@@ -233,7 +233,9 @@ TEST( ScenarioAfterRestart, RepeatsWhatBelongsToTheStartAndForgetsTheRest ) {
       EXPECT_EQ( afterRestart( text ), Scenario::AfterRestart::repeated ) << text;
    }
    for ( std::string const text :
-         { "note: a", "verify: audit", "end-at-call: { number: 1 }", "dump: rules" } ) {
+         { "note: a", "verify: audit", "end-at-call: { number: 1 }", "dump: rules",
+           "fail-call: { code: -1 }", "refuse-entry: { number: 1 }",
+           "expect: { rules: { group: ingress, count: 0 } }" } ) {
       EXPECT_EQ( afterRestart( text ), Scenario::AfterRestart::over ) << text;
    }
 }
@@ -248,6 +250,8 @@ TEST( ScenarioEndAtCall, NamesTheCall ) {
    constexpr char kOne[] = "end-at-call: { operation: installEntry, number: 2 }";
    EXPECT_EQ( step< Steps::EndAtCall >( kOne ).operation, "installEntry" );
    EXPECT_EQ( described( kOne ), "the process ends at call 2 of installEntry from now on" );
+   EXPECT_EQ( stepProblems( "end-at-call: { operation: installEntry }" ),
+              "leaf.yaml:10: 'number' is missing in end-at-call; give it, as in 'number: 1'" );
    EXPECT_EQ( stepProblems( "end-at-call: { number: 0 }" ),
               "leaf.yaml:10: number is '0'; a whole number from 1 to 4294967295 is expected" );
 }

@@ -121,6 +121,14 @@ TEST_F( FaultyChip, EndsTheProcessInPlaceOfTheNthCall ) {
    EXPECT_EXIT( ifp->installEntry( 0, id ), testing::KilledBySignal( SIGKILL ), "" );
 }
 
+TEST_F( FaultyChip, CountsRequestsForTheEndOfTheProcessToo ) {
+   faults.faultNew( { .nth = 3, .code = 0, .isEnd = true } );
+   U32 const id = ifp->getEntry( 0, "first", {} );
+   EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
+   EXPECT_EXIT( ifp->getEntry( 0, "second", {} ), testing::KilledBySignal( SIGKILL ), "" );
+   EXPECT_EXIT( ifp->installEntry( 0, id ), testing::KilledBySignal( SIGKILL ), "" );
+}
+
 TEST_F( FaultyChip, RefusesTheNthRequestForAnEntryAsAFullGroupDoes ) {
    faults.refusalNew( 2 );
    EXPECT_NE( ifp->getEntry( 0, "first", {} ), 0U );
