@@ -45,7 +45,8 @@ Yaml inLine( Yaml value );
 // The document of a text that the reader of scenarios has taken.
 Yaml yamlIn( std::string const & text );
 
-// With a line end at its end. yamlIn() reads it as the same value.
+// With a line end at its end. yamlIn() reads it as the same value, but that a text has quotes where
+// it needs them: around a byte order mark, for one.
 std::string textOf( Yaml const & document );
 // The same with an empty line in front of each part of several lines.
 std::string pageOf( Yaml const & document );
