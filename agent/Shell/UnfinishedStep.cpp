@@ -81,9 +81,9 @@ class Reading {
       isKey ? takeKey( text ) : takeValue( text );
    }
 
+   // A colon at the end does not end a key yet: what is typed behind it would belong to the word.
    bool isColonAt( std::size_t at ) const {
-      return at < text_.size() && text_[ at ] == ':' &&
-             ( at + 1 == text_.size() || isIn( text_[ at + 1 ], " \t\n,[]{}" ) );
+      return at + 1 < text_.size() && text_[ at ] == ':' && isIn( text_[ at + 1 ], " \t\n,[]{}" );
    }
 
    // The end of a text without quotes: a line end, a colon, and within brackets a bracket or comma.

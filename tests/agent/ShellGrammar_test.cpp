@@ -42,6 +42,14 @@ TEST( ShellGrammar, KnowsChoicesAndBrackets ) {
    EXPECT_TRUE( has( expectedAt( "expect: { rules: { qualifiers: { " ).words, "SrcVxlanGport: " ) );
 }
 
+TEST( ShellGrammar, ExpectsAValueOnlyWhenABlankStandsBehindTheColon ) {
+   auto const expected = expectedAt( "expect: { frames: { kind:" );
+   EXPECT_TRUE( has( expected.words, "kind: " ) );
+   EXPECT_FALSE( has( expected.words, "broadcast" ) );  // "kind:broadcast" is one word
+   EXPECT_EQ( expected.begin, 20U );
+   EXPECT_TRUE( has( expectedAt( "withdraw:" ).words, "withdraw: " ) );
+}
+
 TEST( ShellGrammar, KnowsWhoseAttributeIsMeant ) {
    auto const expected = expectedAt( "set: { entity: /evpn/status, attribute: seg" );
    EXPECT_EQ( expected.names, Names{ Named::attribute } );
