@@ -1,5 +1,6 @@
 // docs/security.md names a test for each threat.
 #include <regex>
+#include <sstream>
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,6 @@
 #include <Process/RingMemory.h>
 #include <Process/WholeFile.h>
 #include <Quelm/Error.h>
-#include <Record/File.h>
 #include <Running.h>
 #include <Story/InputError.h>
 #include <Support.h>
