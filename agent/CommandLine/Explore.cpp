@@ -306,7 +306,8 @@ Explored Explore::exploredFaults( int & signal ) const {
    };
    signal = Process::workAll( { files.size() * shares, jobs_.count(), work, take, progress } );
    line.clear();
-   if ( signal == 0 && all.counts.sequences == 0 ) {
+   // A scenario without a call has one fault, the end behind all of none.
+   if ( signal == 0 && all.counts.sequences == files.size() ) {
       throw Story::InputError( "no call of the chip is made in these scenarios; name others" );
    }
    std::vector< std::string > names( files.begin(), files.end() );

@@ -287,7 +287,8 @@ void Faults::tryCalls( std::vector< Sequence > const & faults, SharedFindings & 
             addDifferences( trial.audit(), findings, fault, 1 );
             _exit( EXIT_SUCCESS );
          }
-         noteEnd( fault, waitFor( pid ), failed.hasGoneOn(), output, findings );
+         int const ended = waitFor( pid );
+         noteEnd( fault, ended, failed.hasGoneOn(), output, findings );
       }
    } );
    if ( status != 0 ) {
@@ -304,7 +305,8 @@ void Faults::noteEnd( Sequence const & fault, int status, bool hasGoneOn, Output
       return;
    }
    Chip::HardwareCall const & call = calls_[ fallible_[ fault.back() - 1U ] ];
-   if ( status == 0 || hasGoneOn ) {
+   bool const isAnswer = status != 0 && output.lastWords().assertion();
+   if ( !isAnswer || hasGoneOn ) {
       findings.add( Kind::unnoticed, call.operation, fault, 1 );
    } else if ( !isToldOnce( call, output.text() ) ) {
       findings.add( Kind::unnoticed, "not told once: " + call.operation, fault, 1 );

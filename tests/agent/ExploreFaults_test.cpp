@@ -58,15 +58,14 @@ TEST_F( Explore, TriesEveryFaultOfAScenario ) {
    EXPECT_FALSE( contains( explored.out, "not told once" ) );
 }
 
-// A verification pass, much later, stops the process.
+// Another call, which the scenario itself lets fail, stops the process.
 TEST_F( Explore, NotesThatThePlugInGoesOnAlsoWhenItStopsLater ) {
-   auto const ran =
-      Support::vornal( { "explore", "--faults", Shipped::fileOf( "lag-members" ), "--json" } );
+   auto const ran = Support::vornal(
+      { "explore", "--faults", Shipped::fileOf( "limits/chip-field-call-fails" ), "--json" } );
    auto const findings = findingsIn( nlohmann::json::parse( ran.out ) );
-   EXPECT_TRUE(
-      findings.contains( "BCM_PBMP_EQ( ports, ports_exp ) in "
-                         "Vornal::EvpnMultihomingLocalBiasWithEgressMaskSm::verifyIfpEntries" ) );
-   EXPECT_EQ( findings.at( "updateEgressMaskAction" )[ "kind" ], "unnoticed" );
+   EXPECT_EQ( findings.at( "setPriorityForEntry" )[ "faults" ], 1 );
+   EXPECT_EQ( findings.at( "addEgressMaskAction" )[ "faults" ], 1 );
+   EXPECT_FALSE( contains( ran.out, "not told once" ) );
 }
 
 // The scenario lets another call fail, with the same code.
