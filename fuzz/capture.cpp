@@ -13,6 +13,9 @@
 #include <Quelm/Error.h>
 #include <Traffic/CaptureFile.h>
 
+#include <stdlib.h>
+#include <unistd.h>
+
 namespace {
 
 using Fuzz::mustHold;
@@ -68,9 +71,23 @@ bool isWritable( Frame const & frame ) {
    return second >= 0 && second <= 0x7fffffff;
 }
 
+// A capture is never written through a link, and the path of a file in memory is one.
+class FileOnDisk {
+ public:
+   FileOnDisk() { close( mkstemp( path_.data() ) ); }
+   FileOnDisk( FileOnDisk const & ) = delete;
+   FileOnDisk & operator=( FileOnDisk const & ) = delete;
+   ~FileOnDisk() { unlink( path_.c_str() ); }
+
+   std::string const & path() const { return path_; }
+
+ private:
+   std::string path_ = "/tmp/fuzz-capture-XXXXXX";
+};
+
 void writeAndRead( Taken capture ) {
    std::erase_if( capture.frames, []( Frame const & frame ) { return !isWritable( frame ); } );
-   Fuzz::MemoryFile const file;
+   FileOnDisk const file;
    Chip::CaptureWriter writer( file.path() );
    for ( Frame const & frame : capture.frames ) {
       writer.write( frame.time, frame.bytes );
