@@ -37,10 +37,7 @@ std::string EndAtCall::description() const {
 }
 
 void EndAtCall::queue( Context const & context, int line ) const {
-   context.turnNew( line, [ this, &context ] {
-      context.faults.faultNew(
-         { .nth = number, .code = 0, .operation = operation, .isEnd = true } );
-   } );
+   context.turnNew( line, [ this, &context ] { context.faults.endNew( number, operation ); } );
 }
 
 }  // namespace Steps

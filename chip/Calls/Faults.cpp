@@ -7,18 +7,30 @@
 namespace Chip {
 
 void Faults::faultNew( Fault fault ) {
-   QUELM_ASSERT( fault.nth > 0 && ( fault.code != 0 || fault.isEnd ) );
+   QUELM_ASSERT( fault.nth > 0 && fault.code != 0 );
    pending_.push_back( std::move( fault ) );
 }
 
+void Faults::endNew( U64 nth, std::string operation ) {
+   QUELM_ASSERT( nth > 0 );
+   ends_.push_back( { nth, std::move( operation ) } );
+}
+
+void Faults::countForEnds( std::string_view operation ) {
+   for ( End & end : ends_ ) {
+      bool const isMeant = end.operation.empty() || end.operation == operation;
+      if ( isMeant && --end.nth == 0 ) {
+         std::raise( SIGKILL );
+      }
+   }
+}
+
 std::optional< S32 > Faults::nextResult( std::string_view operation ) {
+   countForEnds( operation );
    std::optional< S32 > result;
    for ( Fault & fault : pending_ ) {
       bool const isMeant = fault.operation.empty() || fault.operation == operation;
       bool const isDue = isMeant && --fault.nth == 0;
-      if ( isDue && fault.isEnd ) {
-         std::raise( SIGKILL );
-      }
       if ( isDue && !result ) {
          result = fault.code;
       }
@@ -33,13 +45,9 @@ void Faults::refusalNew( U64 nth ) {
    refusals_.push_back( nth );
 }
 
-// An end counts requests for entries as well.
 bool Faults::isNextRefused() {
-   for ( Fault & fault : pending_ ) {
-      if ( fault.isEnd && fault.operation.empty() && --fault.nth == 0 ) {
-         std::raise( SIGKILL );
-      }
-   }
+   constexpr std::string_view kRequest = "getEntry";
+   countForEnds( kRequest );
    for ( U64 & nth : refusals_ ) {
       --nth;
    }

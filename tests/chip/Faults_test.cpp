@@ -115,14 +115,14 @@ TEST_F( FaultyChip, FailsTheCallsBehindTheNthOfALastingFault ) {
 
 TEST_F( FaultyChip, EndsTheProcessInPlaceOfTheNthCall ) {
    U32 const id = ifp->getEntry( 0, "rule", {} );
-   faults.faultNew( { .nth = 2, .code = 0, .operation = "installEntry", .isEnd = true } );
+   faults.endNew( 2, "installEntry" );
    EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
    EXPECT_EQ( ifp->reinstallEntry( 0, id ), 0 );
    EXPECT_EXIT( ifp->installEntry( 0, id ), testing::KilledBySignal( SIGKILL ), "" );
 }
 
 TEST_F( FaultyChip, CountsRequestsForTheEndOfTheProcessToo ) {
-   faults.faultNew( { .nth = 3, .code = 0, .isEnd = true } );
+   faults.endNew( 3, "" );
    U32 const id = ifp->getEntry( 0, "first", {} );
    EXPECT_EQ( ifp->installEntry( 0, id ), 0 );
    EXPECT_EXIT( ifp->getEntry( 0, "second", {} ), testing::KilledBySignal( SIGKILL ), "" );
