@@ -223,8 +223,9 @@ bool Explore::isAsInCatalogue( Findings const & findings ) const {
 bool Explore::isKnown( Explored const & subject ) const {
    bool isKnown = true;
    for ( auto const & [ key, found ] : subject.findings.all ) {
-      bool const isShown =
-         !limits_.showing( key ).empty() || subject.needsNoLimit( found.shortest );
+      bool const isShown = key.kind == Exploring::Kind::transient ||
+                           !limits_.showing( key ).empty() ||
+                           subject.needsNoLimit( found.shortest );
       if ( limits_.isThere() && !isShown ) {
          std::cerr << "shown by no scenario: " << Text::printable( lineOf( key ) ) << '\n';
          isKnown = false;
@@ -266,7 +267,8 @@ Explored Explore::explored( int & signal ) const {
               { "file", exploration->file().string() },
               { "sequences", counts.sequences },
               { "standFor", counts.standFor },
-              { "withoutEffect", counts.without } },
+              { "withoutEffect", counts.without },
+              { "frames", counts.frames } },
             "sequence",
             findings,
             [ exploration ]( Sequence const & sequence ) {

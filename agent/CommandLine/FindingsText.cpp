@@ -30,14 +30,17 @@ void print( Explored const & explored, Exploring::KnownLimits const & limits, st
    out << fmt::format( "{}: {}", Text::printable( explored.name ),
                        Story::counted( findings.counts.sequences, explored.thing ) );
    out << ( explored.what.contains( "standFor" )
-               ? fmt::format( ", which stand for {}; {} more changed nothing\n",
-                              findings.counts.standFor, findings.counts.without )
+               ? fmt::format( ", which stand for {}; {} more changed nothing; {}\n",
+                              findings.counts.standFor, findings.counts.without,
+                              Story::counted( findings.counts.frames, "frame" ) )
                : "\n" );
    for ( auto const & [ key, found ] : findings.all ) {
       std::string const scenario = explored.scenarioOf( found.shortest );
-      out << fmt::format( "\n{}\n   in {}; the shortest{}:\n{}",
+      std::string const calls =
+         found.calls == 0 ? "" : ", for at most " + Story::counted( found.calls, "call" );
+      out << fmt::format( "\n{}\n   in {}{}; the shortest{}:\n{}",
                           Text::printable( Exploring::lineOf( key ) ),
-                          Story::counted( found.sequences, explored.thing ),
+                          Story::counted( found.sequences, explored.thing ), calls,
                           scenario.empty() ? "" : ", in front of " + Text::printable( scenario ),
                           textOf( explored.stepsOf( found.shortest ) ) );
       for ( std::string const & one : limits.showing( key ) ) {
@@ -57,6 +60,7 @@ Json jsonOf( Explored const & explored, Exploring::KnownLimits const & limits ) 
       found.push_back( { { "kind", nameOf( key.kind ) },
                          { "what", key.what },
                          { explored.thing + 's', one.sequences },
+                         { "calls", one.calls == 0 ? Json() : Json( one.calls ) },
                          { "shortest", explored.stepsOf( one.shortest ) },
                          { "scenario", scenario.empty() ? Json() : Json( scenario ) },
                          { "shownBy", limits.showing( key ) } } );

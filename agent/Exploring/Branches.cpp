@@ -22,14 +22,14 @@ using Json = nlohmann::ordered_json;
 std::string headerOf( Exploration const & exploration, std::size_t length ) {
    return Json{
       { "explored", exploration.name() },
-      { "formatVersion", "1.1" },
+      { "formatVersion", "1.2" },
       { "fingerprint", fmt::format( "{:016x}", exploration.fingerprint() ) },
       { "length", length }
    }.dump();
 }
 
 Kind kindNamed( std::string const & name ) {
-   for ( Kind const kind : { Kind::stop, Kind::difference, Kind::hang, Kind::unnoticed } ) {
+   for ( Kind const kind : kKinds ) {
       if ( name == nameOf( kind ) ) {
          return kind;
       }
@@ -88,7 +88,8 @@ std::string encoded( Branch const & branch, Findings const & findings ) {
       found.push_back( { { "kind", nameOf( key.kind ) },
                          { "what", key.what },
                          { "sequences", one.sequences },
-                         { "shortest", one.shortest } } );
+                         { "shortest", one.shortest },
+                         { "calls", one.calls } } );
    }
    return Json{
       { "branch", branch.begin },
@@ -96,6 +97,7 @@ std::string encoded( Branch const & branch, Findings const & findings ) {
       { "sequences", findings.counts.sequences },
       { "standFor", findings.counts.standFor },
       { "without", findings.counts.without },
+      { "frames", findings.counts.frames },
       { "unnamed", findings.counts.unnamed },
       { "found", std::move( found ) }
    }.dump( -1, ' ', false, Json::error_handler_t::replace );
@@ -106,10 +108,10 @@ std::pair< Branch, Findings > decoded( std::string const & line ) {
    Branch const branch{ json.at( "branch" ), json.at( "isWhole" ) };
    Findings findings;
    findings.counts = { json.at( "sequences" ), json.at( "standFor" ), json.at( "without" ),
-                       json.at( "unnamed" ) };
+                       json.at( "frames" ), json.at( "unnamed" ) };
    for ( Json const & one : json.at( "found" ) ) {
-      findings.add( { kindNamed( one.at( "kind" ) ), one.at( "what" ) }, one.at( "shortest" ),
-                    one.at( "sequences" ) );
+      findings.add( { kindNamed( one.at( "kind" ) ), one.at( "what" ) },
+                    { one.at( "sequences" ), one.at( "shortest" ), one.at( "calls" ) } );
    }
    return { branch, findings };
 }

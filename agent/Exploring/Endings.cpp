@@ -77,7 +77,7 @@ void addDifferences( Audit::Report const & report, SharedFindings & findings,
       }
    }
    for ( std::string const & text : texts ) {
-      findings.add( Kind::difference, text, sequence, weight );
+      findings.add( Kind::difference, text, { weight, sequence } );
    }
 }
 
@@ -85,8 +85,8 @@ void addStop( int status, Process::LastWords const & words, SharedFindings & fin
               Sequence const & sequence, U64 weight ) {
    bool const isHang = WIFSIGNALED( status ) && WTERMSIG( status ) == SIGALRM;
    findings.add( isHang ? Kind::hang : Kind::stop,
-                 isHang ? "the event does not come to its end" : textOf( status, words ), sequence,
-                 weight );
+                 isHang ? "the event does not come to its end" : textOf( status, words ),
+                 { weight, sequence } );
 }
 
 }  // namespace Exploring

@@ -168,6 +168,7 @@ void Faults::run() {
    int const status = inProcess( output, [ & ] {
       Logging logging( log );
       Trial trial( setting(), logging );
+      trial.comeUp();
       *isUp = true;
       for ( std::size_t n = 0; n < ownSteps(); ++n ) {
          logging.stepBegins();
@@ -274,6 +275,7 @@ void Faults::tryCalls( std::vector< Sequence > const & faults, SharedFindings & 
    int const status = inProcess( output, [ & ] {
       Failure failed;
       Trial trial( setting(), failed );
+      trial.comeUp();
       for ( Sequence const & fault : faults ) {
          output.clear();
          failed.clear();
@@ -307,9 +309,9 @@ void Faults::noteEnd( Sequence const & fault, int status, bool hasGoneOn, Output
    Chip::HardwareCall const & call = calls_[ fallible_[ fault.back() - 1U ] ];
    bool const isAnswer = status != 0 && output.lastWords().assertion();
    if ( !isAnswer || hasGoneOn ) {
-      findings.add( Kind::unnoticed, call.operation, fault, 1 );
+      findings.add( Kind::unnoticed, call.operation, { 1, fault } );
    } else if ( !isToldOnce( call, output.text() ) ) {
-      findings.add( Kind::unnoticed, "not told once: " + call.operation, fault, 1 );
+      findings.add( Kind::unnoticed, "not told once: " + call.operation, { 1, fault } );
    }
 }
 
@@ -332,12 +334,13 @@ void Faults::comeUpBehind( Sequence const & fault, SharedFindings & findings ) c
                                  std::span( model_.steps ).first( steps ) };
    auto const old = entriesOf( past.calls );
    Story::Observers nobody( {} );
-   Trial trial( setting(), nobody, past );
+   Trial trial( setting(), nobody );
+   trial.comeUp( past );
    Chip::Rules const before = rulesAmong( old, trial.units() );
    carryOut( trial, steps );
    Chip::Rules const after = rulesAmong( old, trial.units() );
    if ( after != before ) {
-      findings.add( Kind::difference, "a rule of the process before has changed", fault, 1 );
+      findings.add( Kind::difference, "a rule of the process before has changed", { 1, fault } );
    }
    becomeForeign( after, trial.units() );
    addDifferences( trial.audit(), findings, fault, 1 );

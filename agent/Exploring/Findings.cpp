@@ -1,12 +1,13 @@
 #include <Exploring/Findings.h>
 
-#include <array>
 #include <tuple>
 
 namespace Exploring {
 
 std::string_view nameOf( Kind kind ) {
-   constexpr std::array< std::string_view, 4 > kNames{ "stop", "difference", "hang", "unnoticed" };
+   constexpr std::array< std::string_view, kKinds.size() > kNames{
+      "stop", "difference", "hang", "unnoticed", "transient", "lasting",
+   };
    return kNames.at( static_cast< std::size_t >( kind ) );
 }
 
@@ -14,21 +15,27 @@ bool isBefore( Sequence const & a, Sequence const & b ) {
    return std::tuple( a.size(), a ) < std::tuple( b.size(), b );
 }
 
-void Findings::add( Key const & key, Sequence const & sequence, U64 weight ) {
+bool isMoreTelling( Found const & a, Found const & b ) {
+   return a.calls != b.calls ? a.calls > b.calls : isBefore( a.shortest, b.shortest );
+}
+
+void Findings::add( Key const & key, Found const & one ) {
    Found & found = all[ key ];
-   if ( found.sequences == 0 || isBefore( sequence, found.shortest ) ) {
-      found.shortest = sequence;
+   U64 const before = found.sequences;
+   if ( before == 0 || isMoreTelling( one, found ) ) {
+      found = one;
    }
-   found.sequences += weight;
+   found.sequences = before + one.sequences;
 }
 
 void Findings::add( Findings const & others ) {
    counts.sequences += others.counts.sequences;
    counts.standFor += others.counts.standFor;
    counts.without += others.counts.without;
+   counts.frames += others.counts.frames;
    counts.unnamed += others.counts.unnamed;
    for ( auto const & [ key, found ] : others.all ) {
-      add( key, found.shortest, found.sequences );
+      add( key, found );
    }
 }
 

@@ -28,6 +28,7 @@ Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & co
    int const status = inProcess( output, [ & ] {
       Story::Observers nobody( {} );
       Trial trial( { scenario, config, longestStep }, nobody );
+      trial.comeUp();
       for ( Scenario::Step const & step : scenario.steps ) {
          trial.carryOut( step );
          addDifferences( trial.audit(), findings, {}, 1 );

@@ -16,11 +16,14 @@ struct Entry {
    U16 length = 0;  // of the text
    std::array< char, SharedFindings::kLongest > text{};
    U64 sequences = 0;
+   U32 calls = 0;
    U16 events = 0;
    std::array< U16, Exploration::kLongest > shortest{};
 
    std::string_view what() const { return { text.data(), length }; }
-   Sequence sequence() const { return { shortest.begin(), shortest.begin() + events }; }
+   Found found() const {
+      return { sequences, { shortest.begin(), shortest.begin() + events }, calls };
+   }
 };
 
 }  // namespace
@@ -41,15 +44,14 @@ Counts & SharedFindings::counts() {
    return memory_->counts;
 }
 
-void SharedFindings::add( Kind kind, std::string_view what, Sequence const & sequence,
-                          U64 weight ) {
+void SharedFindings::add( Kind kind, std::string_view what, Found const & one ) {
    what = what.substr( 0, kLongest );
    auto * const end = memory_->entries.begin() + memory_->used;
    auto * const found = std::find_if( memory_->entries.begin(), end, [ & ]( Entry const & entry ) {
       return entry.kind == kind && entry.what() == what;
    } );
    if ( found == end && memory_->used == kMost ) {
-      memory_->counts.unnamed += weight;
+      memory_->counts.unnamed += one.sequences;
       return;
    }
    if ( found == end ) {
@@ -58,11 +60,12 @@ void SharedFindings::add( Kind kind, std::string_view what, Sequence const & seq
       found->length = static_cast< U16 >( what.size() );
       std::copy( what.begin(), what.end(), found->text.begin() );
    }
-   if ( found == end || isBefore( sequence, found->sequence() ) ) {
-      found->events = static_cast< U16 >( sequence.size() );
-      std::copy( sequence.begin(), sequence.end(), found->shortest.begin() );
+   if ( found == end || isMoreTelling( one, found->found() ) ) {
+      found->calls = one.calls;
+      found->events = static_cast< U16 >( one.shortest.size() );
+      std::copy( one.shortest.begin(), one.shortest.end(), found->shortest.begin() );
    }
-   found->sequences += weight;
+   found->sequences += one.sequences;
 }
 
 Findings SharedFindings::findings() const {
@@ -70,8 +73,7 @@ Findings SharedFindings::findings() const {
    findings.counts = memory_->counts;
    for ( std::size_t n = 0; n < memory_->used; ++n ) {
       Entry const & entry = memory_->entries[ n ];
-      findings.add( { entry.kind, std::string( entry.what() ) }, entry.sequence(),
-                    entry.sequences );
+      findings.add( { entry.kind, std::string( entry.what() ) }, entry.found() );
    }
    return findings;
 }

@@ -22,7 +22,7 @@ class SharedFindings {
    ~SharedFindings();
 
    Counts & counts();
-   void add( Kind kind, std::string_view what, Sequence const & sequence, U64 weight );
+   void add( Kind kind, std::string_view what, Found const & one );
 
    Findings findings() const;
 

@@ -7,6 +7,7 @@
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
 #include <Exploring/Trial.h>
+#include <Probing/Probes.h>
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -35,13 +36,18 @@ class Node {
            length_( limits.length ),
            output_( output ),
            findings_( findings ),
-           trial_( { exploration.model(), config, limits.step }, effect_ ) {}
+           trial_( { exploration.model(), config, limits.step }, observers_ ) {
+      probes_.watch( trial_.units(), [ this ] { return trial_.state(); } );
+      trial_.comeUp();
+   }
 
-   // False when a step of it changes nothing.
+   // False when a step of it changes nothing. What is seen on the way is told elsewhere.
    bool comeTo( Sequence const & sequence ) {
       sequence_ = sequence;
-      return std::all_of( sequence.begin(), sequence.end(),
-                          [ this ]( U16 event ) { return happens( event ); } );
+      bool const isThere = std::all_of( sequence.begin(), sequence.end(),
+                                        [ this ]( U16 event ) { return happens( event ); } );
+      probes_.seenAtRest();
+      return isThere;
    }
 
    void tryAll() {
@@ -65,10 +71,25 @@ class Node {
       sequence_.pop_back();
    }
 
-   void judge() { addDifferences( trial_.audit(), findings_, sequence_, weight() ); }
+   void judge() {
+      Audit::Report const report = trial_.audit();
+      addDifferences( report, findings_, sequence_, weight() );
+      addSeen( probes_.seenAtRest(), report );
+   }
 
  private:
    U64 weight() const { return exploration_.weight( sequence_ ); }
+
+   void addSeen( Probing::Seen const & seen, Audit::Report const & report ) {
+      findings_.counts().frames += seen.frames;
+      for ( auto const & [ what, calls ] : seen.transients ) {
+         findings_.add( Kind::transient, what, { weight(), sequence_, calls } );
+      }
+      bool const isPluginReady = trial_.state().isPluginReady;
+      for ( std::string const & what : unexplained( seen, report, isPluginReady ) ) {
+         findings_.add( Kind::lasting, what, { weight(), sequence_ } );
+      }
+   }
 
    bool happens( U16 event ) {
       effect_.isThere = false;
@@ -106,6 +127,8 @@ class Node {
    Output const & output_;
    SharedFindings & findings_;
    Effect effect_;
+   Probing::Probes probes_;
+   Story::Observers observers_{ { &effect_, &probes_ } };
    Trial trial_;
    Sequence sequence_;
 };

@@ -11,10 +11,12 @@ constexpr U32 kRingLines = 64;  // nobody reads them
 
 }  // namespace
 
-Trial::Trial( Setting const & setting, Story::Observer & observer, Host::Agent::Past const & past )
+Trial::Trial( Setting const & setting, Story::Observer & observer )
       : longestStep_( setting.longestStep ),
         ring_( Trace::Ring::sizeFor( kRingLines ) ),
-        agent_( setting.scenario, setting.config, ring_, observer ) {
+        agent_( setting.scenario, setting.config, ring_, observer ) {}
+
+void Trial::comeUp( Host::Agent::Past const & past ) {
    timeIs( longestStep_ );
    agent_.begin( past );
    timeIs( {} );

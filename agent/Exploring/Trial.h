@@ -19,10 +19,11 @@ struct Setting {
 
 class Trial {
  public:
-   // The switch comes up. What the setting refers to, and the observer, outlive the trial.
-   // Story::InputError.
-   Trial( Setting const & setting, Story::Observer & observer,
-          Host::Agent::Past const & past = {} );
+   // What the setting refers to, and the observer, outlive the trial.
+   Trial( Setting const & setting, Story::Observer & observer );
+
+   // Once, before anything else happens to the switch. Story::InputError.
+   void comeUp( Host::Agent::Past const & past = {} );
 
    // Story::InputError, of a step that no scenario can have here.
    void carryOut( Scenario::Step const & step );
@@ -30,6 +31,7 @@ class Trial {
    bool tried( Scenario::Step const & step );
 
    Audit::Report audit() const { return agent_.audit(); }
+   Audit::State state() const { return agent_.state(); }
    Chip::Units & units() { return agent_.units(); }
 
  private:

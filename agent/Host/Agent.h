@@ -82,7 +82,8 @@ class Agent {
    void begin( Past const & past = {} );
    // One more step.
    void carryOut( Scenario::Step const & step );
-   // An audit of the rules as they are, and the chips that hold them.
+   // The published state, an audit of the rules as they are, and the chips that hold them.
+   Audit::State state() const { return environment_.forQuestions().auditor.state(); }
    Audit::Report audit() const { return environment_.forQuestions().auditor.report(); }
    Chip::Units & units() { return environment_.forSteps().board.units(); }
 

@@ -180,9 +180,9 @@ TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
    Exploring::SharedFindings findings;
    for ( Sequence const & sequence :
          { Sequence{ 1, 2, 3 }, { 4, 5 }, { 4, 4 }, { 4, 6 }, { 0, 1, 2 } } ) {
-      findings.add( Exploring::Kind::stop, "x", sequence, 2 );
+      findings.add( Exploring::Kind::stop, "x", { 2, sequence } );
    }
-   findings.add( Exploring::Kind::hang, "x", { 1 }, 1 );
+   findings.add( Exploring::Kind::hang, "x", { 1, { 1 } } );
    auto const all = findings.findings().all;
    ASSERT_EQ( all.size(), 2U );
    EXPECT_EQ( all.begin()->second.shortest, ( Sequence{ 4, 4 } ) );
@@ -192,9 +192,9 @@ TEST( SharedFindings, KeepTheShortestSequenceAndTheFirstOfThese ) {
 TEST( SharedFindings, CountThoseThatFindNoRoom ) {
    Exploring::SharedFindings findings;
    for ( std::size_t n = 0; n < Exploring::SharedFindings::kMost + 1; ++n ) {
-      findings.add( Exploring::Kind::stop, std::to_string( n ), { 1 }, 3 );
+      findings.add( Exploring::Kind::stop, std::to_string( n ), { 3, { 1 } } );
    }
-   findings.add( Exploring::Kind::stop, "0", { 2 }, 3 );
+   findings.add( Exploring::Kind::stop, "0", { 3, { 2 } } );
    EXPECT_EQ( findings.findings().all.size(), Exploring::SharedFindings::kMost );
    EXPECT_EQ( findings.findings().counts.unnamed, 3U );
    EXPECT_EQ( Exploring::decoded( encoded( {}, findings.findings() ) ).second.counts.unnamed, 3U );

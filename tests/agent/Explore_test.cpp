@@ -79,7 +79,7 @@ TEST_F( Explore, TakesEventsThatCannotHappenAtFirst ) {
                        "   - publish: { segments: { Ethernet2: [ 10.0.0.9 ] } }\n" ) } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_TRUE( ran.out.starts_with(
-      "goes-first: 2 sequences, which stand for 2; 2 more changed nothing\n" ) )
+      "goes-first: 2 sequences, which stand for 2; 2 more changed nothing; 0 frames\n" ) )
       << ran.out;
 }
 
@@ -166,13 +166,38 @@ TEST_F( Explore, FindsAWrongRule ) {
       "length: 1\n"
       "events: [ ready: subagents::l2Ready ]\n" );
    auto const right = Support::vornal( { "explore", exploration } );
-   EXPECT_EQ( right.out, "masks: 1 sequence, which stand for 1; 0 more changed nothing\n" );
+   EXPECT_FALSE( contains( right.out, "\ndifference " ) ) << right.out;
    auto const wrong = explore( { exploration }, "VornalEvpn-wrong-mask" );
    EXPECT_EQ( wrong.exitCode, 0 ) << wrong.err;
    EXPECT_TRUE( contains( wrong.out,
                           "\ndifference wrong-mask: Mark or drop packets at IFP from "
                           "vtep IP N on shared segments" ) )
       << wrong.out;
+}
+
+// The shipped plug-in, and a build of it that empties a mask before it changes it. When the event
+// is over, the rules of both are right.
+TEST_F( Explore, FindsFramesThatSlipThroughBetweenTwoCalls ) {
+   std::string const exploration = file(
+      "exploration: joins\n"
+      "based-on: leaf.yaml\n"
+      "length: 1\n"
+      "steps: [ ready: subagents::l2Ready ]\n"
+      "events: [ publish: { segments: { Ethernet2: [ 10.0.0.9 ] } } ]\n" );
+   auto const right = Support::vornal( { "explore", exploration, "--json" } );
+   auto const document = nlohmann::json::parse( right.out );
+   EXPECT_EQ( document[ "findings" ][ 0 ][ "kind" ], "transient" );
+   EXPECT_GT( document[ "findings" ][ 0 ][ "calls" ], 0 );
+   EXPECT_GT( document[ "frames" ], 0 );
+   EXPECT_FALSE( contains( right.out, " again" ) ) << right.out;
+
+   auto const wrong = explore( { exploration }, "VornalEvpn-emptied-mask" );
+   EXPECT_TRUE( contains( wrong.out,
+                          "\ntransient flooded frames leave by a shared port again\n"
+                          "   in 1 sequence, for at most 2 calls; the shortest:\n"
+                          "      - publish: {segments: {Ethernet2: [10.0.0.9]}}\n" ) )
+      << wrong.out;
+   EXPECT_FALSE( contains( wrong.out, "\ndifference " ) ) << wrong.out;
 }
 
 TEST_F( Explore, FindsAnEventWithoutEnd ) {

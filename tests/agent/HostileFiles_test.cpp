@@ -94,7 +94,7 @@ TEST_F( HostileFiles, NameNoEventThatIsNotThere ) {
    std::string const header = Support::contentOf( results );
    std::ofstream( results ) << header.substr( 0, header.find( '\n' ) + 1 )
                             << R"({"branch":[60000],"isWhole":false,"sequences":1,"standFor":1,)"
-                               R"("without":0,"unnamed":0,"found":[]})"
+                               R"("without":0,"frames":0,"unnamed":0,"found":[]})"
                                "\n";
    Ran const ran = Support::vornal( { "explore", "merge", exploration, results, "--length", "1" } );
    EXPECT_EQ( ran.exitCode, 2 );
