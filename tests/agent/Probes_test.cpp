@@ -128,10 +128,10 @@ TEST_F( Probes, CountTheCallsUntilTheRuleOfAVtepIsWritten ) {
 }
 
 TEST_F( Probes, SeeUnicastThatARuleTakesBeforeItsExemptionStands ) {
-   exemptVni( 0 );
    mask( 0, { 1 } );
    exempt( 0, FrameKind::KnownUnicast );
    exempt( 0, FrameKind::RoutedUnicast );
+   exemptVni( 0 );
    Seen const seen = probes.seenAtRest();
    EXPECT_EQ( seen.transients.at( "known unicast frames reach a port no more" ), 1U );
    EXPECT_EQ( seen.transients.at( "routed unicast frames reach a port no more" ), 2U );
@@ -218,12 +218,75 @@ TEST_F( Probes, TakeWhatIsWrongAtRestForNoTransient ) {
    Seen const seen = probes.seenAtRest();
    EXPECT_FALSE( seen.transients.contains( text ) );
    EXPECT_TRUE( seen.lasting.contains( { text, vtep } ) );
-   call();
    EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, vtep } ) );
-   mask( 0, { 1 } );
+   call();
+   U32 const id = mask( 0, { 1 } );
    Seen const mended = probes.seenAtRest();
    EXPECT_TRUE( mended.transients.empty() );
    EXPECT_TRUE( mended.lasting.empty() );
+   release( 0, id );
+   mask( 0, { 1 } );
+   EXPECT_EQ( probes.seenAtRest().transients.at( "flooded frames leave by a shared port again" ),
+              1U );
+}
+
+TEST_F( Probes, TellTheLongestOfTransients ) {
+   U32 const first = writeAll();
+   release( 0, first );
+   call();
+   U32 const second = mask( 0, { 1 } );
+   release( 0, second );
+   mask( 0, { 1 } );
+   EXPECT_EQ( probes.seenAtRest().transients.at( "flooded frames leave by a shared port again" ),
+              2U );
+}
+
+TEST_F( Probes, FindAPortThatComesUnderAnOldMask ) {
+   U32 const id = writeAll();
+   maskIs( 0, id, { 1, 4 } );
+   state.ports[ intf( "Ethernet4" ) ] = { 0, 4, 0 };
+   stateIsOther();
+   call();
+   maskIs( 0, id, { 1 } );
+   EXPECT_EQ( probes.seenAtRest().transients.at( "flooded frames do not reach a port yet" ), 1U );
+}
+
+TEST_F( Probes, SeeWhatRulesOfClassIdsKeepBack ) {
+   exemptAll();
+   write( 0, []( Chip::Entry & entry ) {
+      entry.qualify( Qualifier::SrcVxlanGport, { Chip::vxlanGportOf( 2 ), kExact } );
+      entry.actionAdd( Action::EgressClassSelect, { .param0 = 1 } );
+      entry.actionAdd( Action::NewClassId, { .param0 = 9 } );
+      entry.priorityIs( 1 );
+   } );
+   EXPECT_FALSE( probes.seenAtRest().lasting.empty() );
+   Chip::Group & egress = *board.units().group( 0, Vornal::kEfpLocalBiasGroup );
+   U32 const id = egress.entryNew( "drop" );
+   egress.entry( id )->qualify( Qualifier::DstPort, { 1, kExact, 0, kExact } );
+   egress.entry( id )->qualify( Qualifier::IngressClassField, { 9, kExact } );
+   egress.entry( id )->actionAdd( Action::Drop, {} );
+   egress.install( id );
+   call();
+   EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
+}
+
+TEST_F( Probes, SendNothingBeforeTheFirstCall ) {
+   stateIsOther();
+   EXPECT_EQ( probes.seenAtRest().frames, 0U );
+}
+
+TEST_F( Probes, WantEveryFrameOfAVtepThatSharesNothing ) {
+   state.virtualPorts[ IpGenAddr::fromString( "10.0.0.3" ) ] = 3;
+   writeAll();
+   EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
+}
+
+TEST_F( Probes, LeaveOutKnownL3MulticastThatThePlatformExempts ) {
+   state.isL3MulticastExempt = true;
+   exempt( 0, FrameKind::KnownUnicast );
+   exempt( 0, FrameKind::RoutedUnicast );
+   mask( 0, { 1 } );
+   EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
 }
 
 TEST_F( Probes, LookAtEachMemberOfAPortChannelOnEachUnit ) {
@@ -248,6 +311,16 @@ TEST_F( Probes, JudgeNoPortOfTwoInterfacesAndNoVirtualPortOfTwoVteps ) {
    Seen const seen = probes.seenAtRest();
    EXPECT_TRUE( seen.lasting.empty() );
    EXPECT_EQ( seen.frames, 0U );
+}
+
+// Three more interfaces, of which two have no port that a frame can leave by.
+TEST_F( Probes, FindARoomOfTheirOwnOnAnySwitch ) {
+   state.vnis = { { intf( "Vxlan1" ), { { L3::VrfName( "red" ), 1 } } } };
+   state.ports[ intf( "Ethernet65534" ) ] = { 0, 351, 0 };
+   state.ports[ intf( "Ethernet5" ) ] = { 0, 400, 0 };
+   state.ports[ intf( "Ethernet6" ) ] = { 7, 1, 0 };
+   call();
+   EXPECT_EQ( probes.seenAtRest().frames, 2U * 2U * ( 4U + 2U * 4U ) );
 }
 
 TEST_F( Probes, AskTheAuditForTheReasonOfWhatLasts ) {
