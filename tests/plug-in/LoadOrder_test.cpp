@@ -15,6 +15,8 @@
 #include <Plugin/Mounter.h>
 #include <Trace/Trace.h>
 
+#include <PlugInFile.h>
+
 namespace {
 
 // Whether an opening is being watched, and not from within the watching.
@@ -84,7 +86,7 @@ TEST( PlugInLoad, RegistersTypesThenTraceHandlesThenLogMessagesThenItsMounter ) 
    Registered const before;
    seen().clear();
    isWatching = true;
-   void * const plugIn = dlopen( VORNAL_BINARY_DIR "/VornalEvpn.so", RTLD_NOW | RTLD_LOCAL );
+   void * const plugIn = dlopen( plugInFile(), RTLD_NOW | RTLD_LOCAL );
    isWatching = false;
    ASSERT_TRUE( plugIn ) << dlerror();
    look();

@@ -17,11 +17,11 @@
 #include <VornalCentral/Capabilities.h>
 #include <VornalLib/MounterBase.h>
 
+#include <PlugInFile.h>
+
 namespace OpeningTest {
 
 using Names = std::vector< std::string >;
-
-constexpr char const * kPlugIn = VORNAL_BINARY_DIR "/VornalEvpn.so";
 
 Names typeNames() {
    Names names;
@@ -50,7 +50,7 @@ Names mounterNames() {
 // The plug-in, open as long as this object lives, as the agent opens it.
 class Opened {
  public:
-   Opened() : handle_( dlopen( kPlugIn, RTLD_NOW | RTLD_LOCAL ) ) {
+   Opened() : handle_( dlopen( plugInFile(), RTLD_NOW | RTLD_LOCAL ) ) {
       EXPECT_TRUE( handle_ ) << dlerror();
    }
    Opened( Opened const & ) = delete;
@@ -66,7 +66,7 @@ class Opened {
 };
 
 bool isLoaded() {
-   void * const handle = dlopen( kPlugIn, RTLD_NOW | RTLD_NOLOAD );
+   void * const handle = dlopen( plugInFile(), RTLD_NOW | RTLD_NOLOAD );
    if ( handle ) {
       dlclose( handle );
    }
