@@ -189,6 +189,17 @@ TEST_P( PerVniMulticast, WhatIsMappedAtTheStartIsProgrammedInMapOrder ) {
    EXPECT_EQ( sm->vniToTcamEntryId( 50001 ), 2U );
 }
 
+TEST_P( PerVniMulticast, TheRuleOfVniOneStaysWhenOtherVrfsAreMapped ) {
+   leaf.tunnelIs();
+   leaf.vniIs( "green", 1 );
+   leaf.vniIs( "blue", 50001 );
+   leaf.vniIs( "red", 50002 );
+   sm = leaf.machineNew( GetParam() );
+   EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 1, 50001, 50002 } ) );
+   leaf.vniIs( "white", 50003 );
+   EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 1, 50001, 50002, 50003 } ) );
+}
+
 // --- When rules are needed
 
 TEST_P( PerVniMulticast, WithoutAnEthernetSegmentNothingIsInstalled ) {

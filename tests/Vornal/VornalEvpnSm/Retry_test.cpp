@@ -124,6 +124,15 @@ TEST_P( Retry, RoomThatComesBackProgramsTheQueueAtTheNextTurn ) {
    EXPECT_TRUE( leaf.queued( sm ).empty() );
 }
 
+TEST_P( Retry, TheRuleOfVniOneStaysWhenOthersAreTriedAgain ) {
+   leaf.vniIs( "green", 1 );
+   leaf.roomIs( 0 );
+   leaf.vniIs( "red", 50001 );
+   leaf.roomIs( 1 );
+   leaf.wakeUps();
+   EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 1, 50001 } ) );
+}
+
 TEST_P( Retry, WhileEveryUnitIsExhaustedNothingIsScheduled ) {
    RoutedSwitch twoUnits( 2 );
    auto const machine = twoUnits.machineNew( GetParam() );
