@@ -205,6 +205,8 @@ class Finder:
 
 def is_negated_by_operator(node):
     """Whether the change of its operator negates it already."""
+    while node.kind == "UNEXPOSED_EXPR" and len(node.children()) == 1:
+        node = node.children()[0]
     if node.kind == "UNARY_OPERATOR":
         return node.text().startswith("!")
     children = node.children()
