@@ -6,7 +6,8 @@
 // expected, else one that is written, else the oldest. A rule that finds no entry by name takes the
 // entry that is recorded for it, else one written as expected. No entry serves two rules.
 //
-// Cost: the expected rules times the entries of their group.
+// Cost: the rules and entries times a logarithm, and each rule that is not found by name and record
+// times the entries.
 #pragma once
 
 #include <map>

@@ -175,14 +175,14 @@ class RecordCheck {
 
    // The list of ports must name the ports that have an entry on record.
    void checkEgressPorts() {
-      for ( auto const & [ on, ports ] : records_.egressPorts ) {
-         VornalTypes::VornalPortList recorded;
-         for ( auto const & [ what, record ] : records_.entries ) {
-            if ( what.purpose == Purpose::egressDrop && what.unit == on.unit &&
-                 what.vtep == on.vtep ) {
-               recorded.portIs( what.port );
-            }
+      std::map< VtepOn, VornalTypes::VornalPortList > withEntry;
+      for ( auto const & [ what, record ] : records_.entries ) {
+         if ( what.purpose == Purpose::egressDrop ) {
+            withEntry[ { what.unit, what.vtep } ].portIs( what.port );
          }
+      }
+      for ( auto const & [ on, ports ] : records_.egressPorts ) {
+         VornalTypes::VornalPortList const & recorded = withEntry[ on ];
          if ( ports != recorded ) {
             addOn( on, "esPortAndEFPEntryIdList", Quelm::textOf( ports ),
                    Quelm::textOf( recorded ) );
@@ -195,9 +195,9 @@ class RecordCheck {
    // The units on which the VTEP has its ingress rule.
    std::vector< U16 > unitsOf( IpGenAddr const & vtep ) const {
       std::vector< U16 > units;
-      for ( auto const & [ what, entry ] : rules_ ) {
-         if ( what.purpose == Purpose::vtep && what.vtep == vtep ) {
-            units.push_back( what.unit );
+      for ( auto const & [ unit, module ] : state_.modules ) {
+         if ( rules_.contains( { unit, Purpose::vtep, vtep } ) ) {
+            units.push_back( unit );
          }
       }
       return units;
