@@ -77,9 +77,8 @@ void run( std::string const & variant, std::uint64_t seed, unsigned long count )
    std::size_t const late = residentKib();
    std::cout << fmt::format(
       "{} events on a switch of variant {}, {} rules at the end, at most {}; memory {} KiB behind "
-      "a "
-      "tenth of them, {} KiB at the end\n",
-      count, variant, rulesOf( agent, count ), most, early, late );
+      "{} of them, {} KiB at the end\n",
+      count, variant, rulesOf( agent, count ), most, early, kSettled, late );
    if ( late > early + early / 50 ) {
       throw std::runtime_error( "the memory has grown" );
    }
