@@ -41,11 +41,6 @@ std::string virtualPortIs( unsigned vtep, unsigned which ) {
                                     vtepName( vtep ), which * kApart + vtep );
 }
 
-std::string frameOf( unsigned vtep ) {
-   return fmt::format( "frame: {{ from: {}, vni: 10100, source: 00:00:5e:00:53:02 }}",
-                       vtepName( vtep ) );
-}
-
 std::string designatedIs( unsigned segment, bool is ) {
    return fmt::format( "designated-forwarder: {{ {}: {} }}", segmentName( segment ), is );
 }
@@ -70,7 +65,6 @@ void BusySwitch::addVtepEvents() {
       for ( unsigned which = 0; which <= kVirtualPorts; ++which ) {
          texts_.push_back( virtualPortIs( vtep, which ) );
       }
-      texts_.push_back( frameOf( vtep ) );
    }
 }
 
@@ -162,10 +156,7 @@ std::string BusySwitch::event() {
    if ( part < 8 ) {
       return designationChanges();
    }
-   if ( part < 128 ) {
-      return frame();
-   }
-   return part < 320 ? virtualPortChanges() : joinOrLeave();
+   return part < 256 ? virtualPortChanges() : joinOrLeave();
 }
 
 std::string BusySwitch::joinOrLeave() {
@@ -209,12 +200,6 @@ std::string BusySwitch::memberChanges() {
 
 std::string BusySwitch::designationChanges() {
    return designatedIs( below( kSegments ), below( 2 ) == 0 );
-}
-
-// Only a VTEP with a virtual port can send one.
-std::string BusySwitch::frame() {
-   unsigned const number = below( kVteps );
-   return vteps_.at( number ).virtualPort == 0 ? virtualPortChanges() : frameOf( number );
 }
 
 }  // namespace Soak

@@ -6,8 +6,9 @@
 // What. 64 VTEPs share eight port channels, which have a member on each of four units. Each event
 // is a step of the language of scenarios. It is read once, at the start; then only its number is
 // drawn. VTEPs join and leave segments, virtual ports come, change and go, segments go with all
-// their VTEPs, members of port channels join, leave and get another port, designations change,
-// frames arrive.
+// their VTEPs, members of port channels join, leave and get another port, designations change. No
+// frames arrive: the agent counts what each rule has kept back, and keeps the counts of rules that
+// are gone (Questions/Chronicle.h), so it would grow by design.
 //
 // Invariant. No known limit of the plug-in (docs/limits.md) lies in any order of the events, so the
 // rules are those that the state calls for behind each of them:
@@ -71,7 +72,6 @@ class BusySwitch {
    std::string segmentGoes();
    std::string memberChanges();
    std::string designationChanges();
-   std::string frame();
 
    std::string variant_;
    std::mt19937_64 numbers_;

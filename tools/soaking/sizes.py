@@ -88,9 +88,11 @@ class Runs(Technique):
         (folder / "tmp").mkdir(parents=True)
         alone = self._ran(folder, "alone")
         runs = self._at_once(folder, int(self.goal))
-        for name, ran in sorted(runs.items()):
+        for name, (ran, replayed) in sorted(runs.items()):
             for what in self._wrong(folder, name, ran, alone):
                 self.keep(what, ran)
+            if replayed.code != 0:
+                self.keep("the record of a run among many does not replay", replayed)
         expected = {f"{name}.{end}" for name in ["alone", *runs] for end in ("ring", "record", "out")}
         expected.add("tmp")
         left = sorted({one.name for one in folder.iterdir()} ^ expected)
@@ -105,7 +107,7 @@ class Runs(Technique):
 
         def one(name):
             try:
-                runs[name] = self._ran(folder, name)
+                runs[name] = self._ran(folder, name), self._replayed(folder, name)
             except Stopped:
                 pass
         threads = [threading.Thread(target=one, args=(f"run-{n}",)) for n in range(count)]
@@ -125,6 +127,10 @@ class Runs(Technique):
         self.add(0 if name == "alone" else 1, ran)
         return ran
 
+    def _replayed(self, folder, name):
+        return self.work.run([PROGRAM, "replay", folder / f"{name}.record"],
+                             {"TMPDIR": str(folder / "tmp")})
+
     def _wrong(self, folder, name, ran, alone):
         """What differs from the run alone."""
         if ran.code != 0:
@@ -139,8 +145,4 @@ class Runs(Technique):
                                              captures, shallow=False)
         if other or missing or len(list((folder / f"{name}.out").iterdir())) != len(captures):
             wrong.append("the captures of a run among many are others")
-        replayed = self.work.run([PROGRAM, "replay", folder / f"{name}.record"],
-                                 {"TMPDIR": str(folder / "tmp")})
-        if replayed.code != 0:
-            wrong.append("the record of a run among many does not replay")
         return wrong
