@@ -33,7 +33,7 @@ class Stories(Judged):
     counted = r"^(\d+) stories:"
 
     def piece(self):
-        self.judge({"RC_PARAMS": f"max_success=500 seed={self.work.number()}"})
+        self.judge({"RC_PARAMS": f"max_success=100 seed={self.work.number()}"})
         return True
 
 

@@ -128,8 +128,10 @@ class Runs(Technique):
         return ran
 
     def _replayed(self, folder, name):
-        return self.work.run([PROGRAM, "replay", folder / f"{name}.record"],
+        ran = self.work.run([PROGRAM, "replay", folder / f"{name}.record"],
                              {"TMPDIR": str(folder / "tmp")})
+        self.add(0, ran)
+        return ran
 
     def _wrong(self, folder, name, ran, alone):
         """What differs from the run alone."""
