@@ -8,66 +8,61 @@ namespace Reference {
 
 namespace {
 
-Rule written( unsigned unit, Group group, std::string const & name ) {
-   Rule rule{ unit, group, name };
-   rule.isWritten = true;
-   return rule;
+Rule written( unsigned unit, Group group, std::string const & name, Content const & content ) {
+   return { unit, group, name, content, content };
 }
 
 // Known unicast from a VTEP goes everywhere.
 Rule exemption( unsigned unit, char const * name, unsigned resolution ) {
-   Rule rule = written( unit, Group::ingress, name );
-   rule.qualifiers = { { "PacketRes", under( resolution, 0xff ) },
-                       { "TunnelTerminated", under( 1, 1 ) } };
-   return rule;
+   return written( unit, Group::ingress, name,
+                   { { { "PacketRes", { resolution, 0xff } }, { "TunnelTerminated", { 1, 1 } } },
+                     {},
+                     {} } );
 }
 
 // Known L3 multicast in a VNI goes everywhere.
 Rule exemption( unsigned unit, Vni vni ) {
-   Rule rule = written( unit, Group::ingress,
-                        "Skip shared ES pruning for packets with vni " + std::to_string( vni ) +
-                           " - No-op" );
-   rule.qualifiers = { { "VxlanNetworkId", under( vni, kExact ) },
-                       { "PacketRes", under( 12, kExact ) } };
-   rule.priority = "2";
-   return rule;
+   return written( unit, Group::ingress,
+                   "Skip shared ES pruning for packets with vni " + std::to_string( vni ) +
+                      " - No-op",
+                   { { { "VxlanNetworkId", { vni } }, { "PacketRes", { 12 } } }, {}, 2 } );
 }
 
 // Everything else from this VTEP...
-Rule recognition( Device const & device, Facts const & facts, unsigned unit, Vtep const & vtep ) {
-   Rule rule = written( unit, Group::ingress,
-                        "Mark or drop packets at IFP from vtep IP " + vtep.address() +
-                           " on shared segments" );
-   rule.qualifiers = { { "SrcVxlanGport", under( facts.gportOf( vtep ), kExact ) } };
-   rule.priority = device.hasVniRules ? "1" : "default";
-   return rule;
+Content recognition( Device const & device, Facts const & facts, Vtep const & vtep ) {
+   Content content;
+   content.qualifiers = { { "SrcVxlanGport", { facts.gportOf( vtep ) } } };
+   if ( device.hasVniRules ) {
+      content.priority = 1;
+   }
+   return content;
 }
 
 // ...does not leave by the ports that the VTEP shares: they are masked,
-void mask( Rule & rule, std::set< Port > const & shared ) {
+void mask( Content & content, std::set< Port > const & shared ) {
    std::set< unsigned > ports;
    for ( Port const & port : shared ) {
       ports.insert( port.number );
    }
-   rule.actions = { { "EgressMask", textOf( ports ) } };
+   content.actions = { { "EgressMask", ports } };
 }
 
 // or the frame is marked,
-void mark( Rule & rule, ClassId id ) {
-   rule.actions = { { "EgressClassSelect", "1" }, { "NewClassId", std::to_string( id ) } };
+void mark( Content & content, ClassId id ) {
+   content.actions = { { "EgressClassSelect", { 1 } }, { "NewClassId", { id } } };
 }
 
 // and dropped at each of them.
 Rule drop( Facts const & facts, Vtep const & vtep, Port const & port ) {
-   Rule rule = written( port.unit, Group::egress,
-                        "Drop packets at EFP from vtep IP " + vtep.address() + " on " +
-                           facts.interfaceOf( port ).name() );
-   rule.qualifiers = { { "DstPort", "module " + under( port.module, kExact ) + " port " +
-                                       under( port.number, kExact ) },
-                       { "IpType", under( 0, 0 ) },
-                       { "IngressClassField", under( facts.grant.at( vtep ), kExact ) } };
-   rule.actions = { { "Drop", "" } };
-   return rule;
+   return written( port.unit, Group::egress,
+                   "Drop packets at EFP from vtep IP " + vtep.address() + " on " +
+                      facts.interfaceOf( port ).name(),
+                   { { { "DstPort module", { port.module } },
+                       { "DstPort", { port.number } },
+                       { "IpType", { 0, 0 } },
+                       { "IngressClassField", { facts.grant.at( vtep ) } } },
+                     { { "Drop", { 0 } } },
+                     {} } );
 }
 
 void addRulesOf( Device const & device, Facts const & facts, unsigned unit, Vtep const & vtep,
@@ -77,9 +72,12 @@ void addRulesOf( Device const & device, Facts const & facts, unsigned unit, Vtep
       return;  // not yet
    }
    std::set< Port > const shared = facts.sharedPorts( unit, vtep );
-   Rule rule = recognition( device, facts, unit, vtep );
-   usesClassIds ? mark( rule, facts.grant.at( vtep ) ) : mask( rule, shared );
-   rules.push_back( rule );
+   Content content = recognition( device, facts, vtep );
+   usesClassIds ? mark( content, facts.grant.at( vtep ) ) : mask( content, shared );
+   rules.push_back(
+      written( unit, Group::ingress,
+               "Mark or drop packets at IFP from vtep IP " + vtep.address() + " on shared segments",
+               content ) );
    if ( usesClassIds ) {
       std::transform( shared.begin(), shared.end(), std::back_inserter( rules ),
                       [ & ]( Port const & port ) { return drop( facts, vtep, port ); } );

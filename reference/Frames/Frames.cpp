@@ -1,6 +1,7 @@
 #include <Frames/Frames.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace Reference {
 
@@ -59,72 +60,80 @@ std::set< Vtep > floodedThrough( Facts const & facts, Forwarding const & forward
 
 namespace {
 
-bool compares( Rule const & rule, char const * qualifier, unsigned data ) {
-   auto const found = rule.qualifiers.find( qualifier );
-   return found == rule.qualifiers.end() ||
-          found->second.starts_with( std::to_string( data ) + " " );
-}
+// The fields of a frame that rules look at.
+using Fields = std::map< std::string, unsigned >;
 
 // The number of the frame's kind in the chip.
 unsigned resolutionOf( Frame const & frame ) {
-   return frame.kind == "known-unicast"      ? 4
-          : frame.kind == "routed-unicast"   ? 10
-          : frame.kind == "routed-multicast" ? 12
-                                             : 0;
+   static std::map< std::string, unsigned > const numbers{
+      { "broadcast", 1 },         { "unknown-unicast", 2 }, { "l2-multicast", 3 },
+      { "routed-multicast", 12 }, { "known-unicast", 4 },   { "routed-unicast", 10 }
+   };
+   return numbers.at( frame.kind );
 }
 
-bool isMet( Rule const & rule, Switch const & device, Frame const & frame ) {
-   return compares( rule, "SrcVxlanGport", device.facts().gportOf( *frame.sender ) ) &&
-          compares( rule, "PacketRes", resolutionOf( frame ) ) &&
-          compares( rule, "VxlanNetworkId", frame.vni );
+// A frame of a host has come through no tunnel, from no VTEP and in no VNI.
+Fields fieldsOf( Facts const & facts, Frame const & frame ) {
+   return { { "SrcVxlanGport", frame.sender ? facts.gportOf( *frame.sender ) : 0 },
+            { "PacketRes", resolutionOf( frame ) },
+            { "TunnelTerminated", frame.sender ? 1 : 0 },
+            { "VxlanNetworkId", frame.sender ? frame.vni : 0 } };
+}
+
+bool isMet( Content const & rule, Fields const & fields ) {
+   return std::all_of( rule.qualifiers.begin(), rule.qualifiers.end(), [ & ]( auto const & one ) {
+      auto const field = fields.find( one.first );
+      return one.second.mask == 0 || one.second.isMetBy( field->second );
+   } );
 }
 
 // The highest priority wins; none that was set is as high as the group's own. Of equals, the one
 // that was obtained first wins.
-unsigned rankOf( Rule const & rule ) {
-   constexpr unsigned kHighest = 1000;
-   return rule.priority == "default" ? kHighest
-                                     : static_cast< unsigned >( std::stoul( rule.priority ) );
+unsigned rankOf( Content const & rule ) {
+   return rule.priority.value_or( std::numeric_limits< unsigned >::max() );
 }
 
-Rule const * winnerOn( Switch const & device, Frame const & frame, unsigned unit ) {
-   Rule const * winner = nullptr;
+Content const * winner( Switch const & device, unsigned unit, Group group, Fields const & fields ) {
+   Content const * found = nullptr;
    for ( auto const & [ id, rule ] : device.rules() ) {
-      if ( rule.unit == unit && rule.group == Group::ingress && rule.isWritten &&
-           isMet( rule, device, frame ) && ( !winner || rankOf( rule ) > rankOf( *winner ) ) ) {
-         winner = &rule;
+      if ( rule.unit == unit && rule.group == group && rule.written &&
+           isMet( *rule.written, fields ) &&
+           ( !found || rankOf( *rule.written ) > rankOf( *found ) ) ) {
+         found = &*rule.written;
       }
    }
-   return winner;
+   return found;
 }
 
-bool isAmong( std::string const & port, std::string const & ports ) {
-   return ( " " + ports + " " ).find( " " + port + " " ) != std::string::npos;
+// The class id with which the frame is marked; 0 for none.
+ClassId markOf( Content const & rule ) {
+   auto const chosen = rule.actions.find( "EgressClassSelect" );
+   auto const mark = rule.actions.find( "NewClassId" );
+   bool const isMarked =
+      chosen != rule.actions.end() && chosen->second.contains( 1 ) && mark != rule.actions.end();
+   return isMarked ? *mark->second.begin() : 0;
 }
 
 }  // namespace
 
 bool isKeptBack( Switch const & device, Frame const & frame, unsigned unit, unsigned port ) {
-   Rule const * const winner = frame.sender ? winnerOn( device, frame, unit ) : nullptr;
-   if ( !winner ) {
+   Content const * const rule =
+      winner( device, unit, Group::ingress, fieldsOf( device.facts(), frame ) );
+   if ( rule ) {
+      auto const mask = rule->actions.find( "EgressMask" );
+      if ( mask != rule->actions.end() && mask->second.contains( port ) ) {
+         return true;
+      }
+   }
+   if ( device.device().variant != Variant::classId ) {
       return false;
    }
-   if ( auto const mask = winner->actions.find( "EgressMask" ); mask != winner->actions.end() ) {
-      return isAmong( std::to_string( port ), mask->second );
-   }
-   auto const mark = winner->actions.find( "NewClassId" );
-   if ( mark == winner->actions.end() ) {
-      return false;
-   }
-   std::string const place = "module " + under( device.device().moduleOfUnit.at( unit ), kExact ) +
-                             " port " + under( port, kExact );
-   return std::any_of( device.rules().begin(), device.rules().end(), [ & ]( auto const & one ) {
-      Rule const & rule = one.second;
-      return rule.unit == unit && rule.group == Group::egress && rule.isWritten &&
-             rule.qualifiers.at( "DstPort" ) == place &&
-             compares( rule, "IngressClassField",
-                       static_cast< unsigned >( std::stoul( mark->second ) ) );
-   } );
+   Content const * const drop =
+      winner( device, unit, Group::egress,
+              { { "DstPort module", device.device().moduleOfUnit.at( unit ) },
+                { "DstPort", port },
+                { "IngressClassField", rule ? markOf( *rule ) : 0 } } );
+   return drop && drop->actions.contains( "Drop" );
 }
 
 }  // namespace Reference

@@ -105,24 +105,27 @@ template< typename Kind > Turns turnsOf( Scenario::Action const & action ) {
    return turns;
 }
 
+bool isPass( Scenario::Action const & action ) {
+   auto const * const call = dynamic_cast< Steps::Call const * >( &action );
+   auto const * const verify = dynamic_cast< Steps::Verify const * >( &action );
+   return ( call && call->operation == "handleVerify" ) ||
+          ( verify && verify->how != Steps::Verify::How::audit );
+}
+
 Turns changesOf( Scenario::Action const & action ) {
    Turns all = turnsOf< Steps::Publish >( action );
    for ( Turns const & turns :
          { turnsOf< Steps::Withdraw >( action ), turnsOf< Steps::Replace >( action ) } ) {
       all.insert( all.end(), turns.begin(), turns.end() );
    }
+   if ( isPass( action ) ) {
+      all.push_back( { Pass{} } );
+   }
    auto const * const ready = dynamic_cast< Steps::Ready const * >( &action );
    if ( ready && ready->point == "l2Ready" ) {
       all.push_back( { Ready{} } );
    }
    return all;
-}
-
-bool isPass( Scenario::Action const & action ) {
-   auto const * const call = dynamic_cast< Steps::Call const * >( &action );
-   auto const * const verify = dynamic_cast< Steps::Verify const * >( &action );
-   return ( call && call->operation == "handleVerify" ) ||
-          ( verify && verify->how != Steps::Verify::How::audit );
 }
 
 std::string noOpinionOn( Scenario::Action const & action ) {
@@ -146,7 +149,6 @@ void tellTurn( Steps::Turn const & turn, StepTold & told ) {
       for ( auto const & of : changesOf( *placed.part ) ) {
          events.insert( events.end(), of.begin(), of.end() );
       }
-      told.isVerified |= isPass( *placed.part );
       if ( told.noOpinion.empty() ) {
          told.noOpinion = noOpinionOn( *placed.part );
       }
@@ -157,7 +159,6 @@ StepTold tellStep( Scenario::Action const & action ) {
    StepTold told;
    told.noOpinion = noOpinionOn( action );
    told.turns = changesOf( action );
-   told.isVerified = isPass( action );
    if ( auto const * const turn = dynamic_cast< Steps::Turn const * >( &action ) ) {
       tellTurn( *turn, told );
    } else if ( auto const * const others =

@@ -25,8 +25,6 @@ namespace Reference {
 struct StepTold {
    std::vector< std::vector< Event > > turns;
    std::map< Interface, bool > isDesignated;
-   // The plug-in's own pass runs. It changes nothing; nothing is said about whether it stops.
-   bool isVerified = false;
    std::string noOpinion;  // why, from this step on
 };
 

@@ -34,10 +34,11 @@ void Senders::makeWithClassId( unsigned unit, Vtep const & vtep ) {
 }
 
 void Senders::mark( Sender & sender, Vtep const & vtep ) {
-   constexpr unsigned kNewClass = 1;
+   constexpr char const * kFunction = "WithI2EClassIdSm::ifpTcamEntries";
    ++marks_[ vtep ];
-   groups_.addAction( sender.rule, "EgressClassSelect", kNewClass );
-   groups_.addAction( sender.rule, "NewClassId", classId_.at( vtep ) );
+   requireTaken( groups_.addAction( sender.rule, "EgressClassSelect", kNewClass ), kFunction );
+   requireTaken( groups_.addAction( sender.rule, "NewClassId", classId_.at( vtep ) ), kFunction );
+   requireInstalled( groups_.install( sender.rule ), kFunction );
 }
 
 void Senders::unmakeMarked( unsigned unit, Vtep const & vtep ) {
@@ -91,11 +92,13 @@ RuleId Senders::dropAt( unsigned unit, Vtep const & vtep, Port const & port ) {
                                        "Drop packets at EFP from vtep IP " + vtep.address() +
                                           " on " + facts_.interfaceOf( port ).name() );
    if ( rule ) {
-      groups_.matchPort( rule, port.module, port.number );
-      groups_.match( rule, "IpType", 0, 0 );
-      groups_.match( rule, "IngressClassField", classId_.at( vtep ), kExact );
-      groups_.addAction( rule, "Drop", 0 );
-      groups_.install( rule );
+      constexpr char const * kFunction = "efpTcamEntries";
+      requireTaken( groups_.matchPort( rule, port.module, port.number ), kFunction );
+      requireTaken( groups_.match( rule, "IpType", { kAnyIpType, 0 } ), kFunction );
+      requireTaken( groups_.match( rule, "IngressClassField", { classId_.at( vtep ) } ),
+                    kFunction );
+      requireTaken( groups_.addAction( rule, "Drop", 0 ), kFunction );
+      requireInstalled( groups_.install( rule ), kFunction );
    }
    return rule;
 }

@@ -87,10 +87,12 @@ struct OthersHold {
    unsigned entries = 0;
 };
 struct Ready {};
+// The plug-in's own verification pass runs.
+struct Pass {};
 
 using Event = std::variant< PortIs, PortGoes, MemberJoins, MemberLeaves, SegmentIs, SegmentGoes,
                             SegmentReplaced, VtepJoins, VtepLeaves, VirtualPortIs, VirtualPortGoes,
                             TunnelIs, TunnelGoes, TunnelReplaced, VniIs, VniGoes, GrantIs,
-                            GrantGoes, OthersHold, Ready >;
+                            GrantGoes, OthersHold, Ready, Pass >;
 
 }  // namespace Reference

@@ -108,6 +108,8 @@ void Senders::followUpMask( Sender & sender, Ports const & before, Ports const &
       }
    }
    groups_.maskIs( sender.rule, mask );
+   require( groups_.reinstall( sender.rule ) == 0, "rc == BCM_E_NONE && \"reinstallEntry failed\"",
+            "updateIfpTcamEntries" );
    sender.mask = mask;
 }
 

@@ -99,23 +99,24 @@ bool Senders::recognise( unsigned unit, Vtep const & vtep ) {
    if ( !rule ) {
       return false;
    }
-   groups_.match( rule, "SrcVxlanGport", facts_.gportOf( vtep ), kExact );
+   requireTaken( groups_.match( rule, "SrcVxlanGport", { facts_.gportOf( vtep ) } ),
+                 "EvpnMultihomingLocalBiasSm::ifpTcamEntries" );
    sender.rule = rule;
    if ( device_.hasVniRules ) {
       groups_.priorityIs( rule, 1 );  // below the rules of VNIs
    }
-   if ( usesClassIds() ) {
-      mark( sender, vtep );
-   } else {
-      std::set< unsigned > mask;
-      for ( Port const & port : portsToCover( unit, vtep ) ) {
-         mask.insert( port.number );
-      }
-      groups_.addMask( rule, mask );
-      sender.mask = mask;
-   }
-   groups_.install( rule );
+   usesClassIds() ? mark( sender, vtep ) : mask( sender, portsToCover( unit, vtep ) );
    return true;
+}
+
+void Senders::mask( Sender & sender, Ports const & ports ) {
+   std::set< unsigned > mask;
+   for ( Port const & port : ports ) {
+      mask.insert( port.number );
+   }
+   groups_.addMask( sender.rule, mask );
+   sender.mask = mask;
+   requireInstalled( groups_.install( sender.rule ), "WithEgressMaskSm::ifpTcamEntries" );
 }
 
 void Senders::unmake( unsigned unit, Vtep const & vtep ) {
@@ -169,17 +170,17 @@ RuleId Senders::exempt( unsigned unit, char const * name, unsigned resolution ) 
    constexpr unsigned kResolutionMask = 0xff;
    RuleId const rule = groups_.obtain( unit, Group::ingress, name );
    if ( rule ) {
-      groups_.match( rule, "PacketRes", resolution, kResolutionMask );
-      groups_.match( rule, "TunnelTerminated", 1, 1 );
-      groups_.install( rule );
+      constexpr char const * kFunction = "installRulesForUcastTraffic";
+      requireTaken( groups_.match( rule, "PacketRes", { resolution, kResolutionMask } ),
+                    kFunction );
+      requireTaken( groups_.match( rule, "TunnelTerminated", { 1, 1 } ), kFunction );
+      requireInstalled( groups_.install( rule ), kFunction );
    }
    return rule;
 }
 
 // Known unicast has one receiver, so nobody has delivered it yet.
 void Senders::exemptUnicast( unsigned unit ) {
-   constexpr unsigned kL2Unicast = 4;
-   constexpr unsigned kL3Unicast = 10;
    RuleId const l2 = exempt( unit, "Skip shared ES pruning for L2UC packets - No-op", kL2Unicast );
    if ( !l2 ) {
       return;

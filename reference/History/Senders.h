@@ -43,6 +43,11 @@ class Senders {
    // The member joins the port channel, or leaves it.
    void memberChanges( Interface const & portChannel, Interface const & member, bool isMember );
    void grantComes( Vtep const & vtep );
+   // The verification pass: every rule is read back, and held against what is on record here and
+   // against the state. It changes nothing, and stops at the first difference.
+   void verify();
+   // A shortage was logged, and its end was not. A pass is skipped.
+   bool isShort() const { return isShort_; }
 
    // The VTEPs for which a class id is asked.
    std::set< Vtep > const & requests() const { return requests_; }
@@ -61,6 +66,9 @@ class Senders {
    using Record = std::map< Vtep, Sender >;
    using Ports = std::set< Port >;
 
+   static constexpr unsigned kNewClass = 1;  // that an egress rule looks at
+   static constexpr unsigned kAnyIpType = 0;
+
    bool usesClassIds() const { return device_.variant == Variant::classId; }
    bool isShared( Vtep const & vtep ) const { return !facts_.sharedWith( vtep ).empty(); }
 
@@ -78,9 +86,24 @@ class Senders {
    void fullIs();
 
    // --- Exemptions of unicast
+   static constexpr unsigned kL2Unicast = 4;
+   static constexpr unsigned kL3Unicast = 10;
    RuleId exempt( unsigned unit, char const * name, unsigned resolution );
    void exemptUnicast( unsigned unit );
    void exemptNoMore( unsigned unit );
+
+   // --- Verification
+   void verify( unsigned unit, Vtep const & vtep );
+   void verifyRecord( unsigned unit, Vtep const & vtep ) const;
+   void verifyExemption( unsigned unit, RuleId rule, unsigned resolution, char const * expression );
+   void verifySender( unsigned unit, Vtep const & vtep );
+   void verifyMask( unsigned unit, Vtep const & vtep );
+   void verifyMark( unsigned unit, Vtep const & vtep );
+   void verifyDrops( unsigned unit, Vtep const & vtep );
+   ClassId classIdOf( Vtep const & vtep ) const;
+   std::size_t portsExpected( unsigned unit, Vtep const & vtep ) const;
+   // Without a record, as without rules.
+   Sender const & recordedOn( unsigned unit, Vtep const & vtep ) const;
 
    // --- Follow-up
    void followUp( unsigned unit, Vtep const & vtep, Interface const & intf, bool isAdded );
@@ -88,6 +111,7 @@ class Senders {
 
    // --- Variants
    void mark( Sender & sender, Vtep const & vtep );
+   void mask( Sender & sender, Ports const & ports );
    void makeWithClassId( unsigned unit, Vtep const & vtep );
    void unmakeMasked( unsigned unit, Vtep const & vtep );
    void unmakeMarked( unsigned unit, Vtep const & vtep );

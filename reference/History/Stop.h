@@ -16,4 +16,13 @@ inline void require( bool holds, char const * expression, char const * function 
    }
 }
 
+// The chip has taken a call that sets or reads a field.
+inline void requireTaken( int result, char const * function ) {
+   require( result >= 0, "0", function );
+}
+
+inline void requireInstalled( int result, char const * function ) {
+   require( result == 0, "rc == BCM_E_NONE && \"installEntry failed\"", function );
+}
+
 }  // namespace Reference

@@ -36,6 +36,15 @@ void Switch::take( Ready const & ) {
    groups_.isTimeToLookAgain();
 }
 
+void Switch::take( Pass const & ) {
+   if ( !isReady_ ) {
+      pass_ = "absent";
+      return;
+   }
+   pass_ = senders_.isShort() ? "skipped" : "held";
+   senders_.verify();
+}
+
 void Switch::take( OthersHold const & event ) {
    groups_.othersHold( event.group, event.unit, event.entries );
 }

@@ -37,6 +37,9 @@ class Switch {
    std::vector< Call > takeCalls() { return groups_.takeCalls(); }
    std::vector< std::string > takeLog() { return senders_.takeLog(); }
    std::optional< Stop > const & stop() const { return stop_; }
+   // What became of the last verification pass that did not stop: it "held"; it was "skipped" for
+   // a shortage; or it was "absent", before the plug-in is ready.
+   std::string const & pass() const { return pass_; }
 
  private:
    void take( PortIs const & event );
@@ -59,6 +62,7 @@ class Switch {
    void take( GrantGoes const & event );
    void take( OthersHold const & event );
    void take( Ready const & event );
+   void take( Pass const & event );
 
    void lagIs( Interface const & member, Interface const & portChannel );
    void joined( Vtep const & vtep, Interface const & segment );
@@ -70,6 +74,7 @@ class Switch {
    Senders senders_;
    Vnis vnis_;
    bool isReady_ = false;
+   std::string pass_;
    std::optional< Stop > stop_;
 };
 

@@ -64,8 +64,8 @@ bool Vnis::take( unsigned unit, std::string const & vrf, Vni vni ) {
       waiting_.try_emplace( vrf, vni );
       return false;
    }
-   groups_.match( rule, "VxlanNetworkId", vni, kExact );
-   groups_.match( rule, "PacketRes", kKnownL3Multicast, kExact );
+   requireTaken( groups_.match( rule, "VxlanNetworkId", { vni } ), "handleVrfToVniMap" );
+   requireTaken( groups_.match( rule, "PacketRes", { kKnownL3Multicast } ), "handleVrfToVniMap" );
    groups_.priorityIs( rule, 2 );
    groups_.install( rule );
    rules_[ vni ] = rule;
@@ -78,7 +78,7 @@ void Vnis::tunnelGoes( Interface const & tunnel ) {
       return;
    }
    for ( auto const & [ vni, rule ] : rules_ ) {
-      groups_.release( groups_.rules().at( *rule ).unit, Group::ingress, rule );
+      groups_.release( groups_.unitOf( rule ), Group::ingress, rule );
    }
    rules_.clear();
 }

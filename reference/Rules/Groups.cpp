@@ -6,110 +6,247 @@ namespace Reference {
 
 namespace {
 
+constexpr Result kUnknownEntry = -2;
+constexpr Result kNotFound = -3;
+constexpr Result kExists = -4;
+constexpr Result kNotInstalled = -7;
+
+char const * const kPort = "DstPort";
+char const * const kModule = "DstPort module";
+
+std::string text( unsigned number ) {
+   return std::to_string( number );
+}
+
 std::string numberOf( Group group ) {
-   return group == Group::ingress ? "157" : "45";
+   return text( group == Group::ingress ? 157 : 45 );
+}
+
+std::string operationOn( std::string const & qualifier ) {
+   return std::string( "bcm_field_qualify_" ).append( qualifier );
+}
+
+std::map< std::string, std::string > valuesOf( std::string const & qualifier,
+                                               Match const & match ) {
+   if ( qualifier == "SrcVxlanGport" ) {
+      return { { "gport", text( match.data ) } };
+   }
+   if ( qualifier == "IpType" ) {
+      return { { "ipType", text( match.data ) } };
+   }
+   return { { "data", text( match.data ) }, { "mask", text( match.mask ) } };
+}
+
+std::map< std::string, std::string > valuesOf( PortMatch const & match ) {
+   return { { "modId", text( match.module.data ) },
+            { "modIdMask", text( match.module.mask ) },
+            { "port", text( match.port.data ) },
+            { "portMask", text( match.port.mask ) } };
+}
+
+// The part with that name, or nullptr.
+template< typename Parts > auto const * find( Parts const & parts, std::string const & name ) {
+   auto const found = parts.find( name );
+   return found == parts.end() ? nullptr : &found->second;
 }
 
 }  // namespace
 
-std::string textOf( std::set< unsigned > const & ports ) {
-   std::string text;
-   for ( unsigned const port : ports ) {
-      text += ( text.empty() ? "" : " " ) + std::to_string( port );
-   }
-   return text;
+// --- A call
+
+// `work` gets the rule, and gives the result; it can still fill in the values.
+template< typename Work >
+Result Groups::call( std::string const & operation, Target const & target, Values const & values,
+                     Work const & work ) {
+   auto const rule = target.id ? rules_.find( *target.id ) : rules_.end();
+   Result const result = rule == rules_.end() ? kUnknownEntry : work( rule->second );
+   calls_.push_back( { operation, target.unit, nameOf( target.id ), values, result } );
+   return result;
+}
+
+Groups::Target Groups::targetOf( RuleId id ) const {
+   return { unitOf( id ), id };
+}
+
+std::string Groups::nameOf( RuleId id ) const {
+   return id ? all_.at( *id ).name : "";
 }
 
 // --- Rules
 
 RuleId Groups::obtain( unsigned unit, Group group, std::string const & name ) {
    bool const isThereRoom = hasRoom( unit, group );
-   calls_.push_back( { "getEntry", unit, isThereRoom ? name : "", {} } );
-   calls_.back().values = { { "group", numberOf( group ) }, { "name", name } };
+   Call & made = calls_.emplace_back();
+   made.operation = "getEntry";
+   made.unit = unit;
+   made.values = { { "group", numberOf( group ) }, { "name", name } };
    if ( !isThereRoom ) {
       exhaustedIs( { group, unit }, true );
       return std::nullopt;
    }
-   rules_[ ++lastId_ ] = { unit, group, name };
-   return lastId_;
+   made.rule = name;
+   auto const id = static_cast< unsigned >( all_.size() + 1 );
+   rules_[ id ] = all_[ id ] = { unit, group, name };
+   return id;
 }
 
-void Groups::match( RuleId id, std::string const & qualifier, unsigned data, unsigned mask ) {
-   Rule & rule = rules_.at( *id );
-   rule.qualifiers[ qualifier ] = under( data, mask );
-   std::map< std::string, std::string > values{ { "data", std::to_string( data ) },
-                                                { "mask", std::to_string( mask ) } };
-   if ( qualifier == "SrcVxlanGport" ) {
-      values = { { "gport", std::to_string( data ) } };
-   } else if ( qualifier == "IpType" ) {
-      values = { { "ipType", std::to_string( data ) } };
-   }
-   call( ( "bcm_field_qualify_" + qualifier ).c_str(), rule, values );
+Result Groups::match( RuleId id, std::string const & qualifier, Match const & match ) {
+   return call( operationOn( qualifier ), targetOf( id ), valuesOf( qualifier, match ),
+                [ & ]( Rule & rule ) {
+                   rule.staged.qualifiers[ qualifier ] = match;
+                   return 0;
+                } );
 }
 
-void Groups::matchPort( RuleId id, unsigned module, unsigned port ) {
-   Rule & rule = rules_.at( *id );
-   rule.qualifiers[ "DstPort" ] =
-      "module " + under( module, kExact ) + " port " + under( port, kExact );
-   std::string const mask = std::to_string( kExact );
-   call( "bcm_field_qualify_DstPort", rule,
-         { { "modId", std::to_string( module ) },
-           { "modIdMask", mask },
-           { "port", std::to_string( port ) },
-           { "portMask", mask } } );
+Result Groups::matchPort( RuleId id, unsigned module, unsigned port ) {
+   PortMatch const match{ { module }, { port } };
+   return call( "bcm_field_qualify_DstPort", targetOf( id ), valuesOf( match ),
+                [ & ]( Rule & rule ) {
+                   rule.staged.qualifiers[ kModule ] = match.module;
+                   rule.staged.qualifiers[ kPort ] = match.port;
+                   return 0;
+                } );
 }
 
-void Groups::addAction( RuleId id, std::string const & action, unsigned number ) {
-   Rule & rule = rules_.at( *id );
-   rule.actions[ action ] = action == "Drop" ? "" : std::to_string( number );
-   call( "bcm_field_action_add", rule,
-         { { "action", action }, { "param0", std::to_string( number ) }, { "param1", "0" } } );
+Result Groups::addAction( RuleId id, std::string const & action, unsigned number ) {
+   Values const values{ { "action", action }, { "param0", text( number ) }, { "param1", "0" } };
+   return call( "bcm_field_action_add", targetOf( id ), values, [ & ]( Rule & rule ) {
+      return rule.staged.actions.try_emplace( action, std::set{ number } ).second ? 0 : kExists;
+   } );
 }
 
-void Groups::addMask( RuleId id, std::set< unsigned > const & ports ) {
-   Rule & rule = rules_.at( *id );
-   rule.actions[ "EgressMask" ] = textOf( ports );
-   call( "addEgressMaskAction", rule,
-         { { "group", numberOf( rule.group ) }, { "ports", textOf( ports ) } } );
+// --- Rules: the calls of their group's manager
+
+template< typename Work >
+Result Groups::callOfManager( std::string const & operation, RuleId id, Values values,
+                              Work const & work ) {
+   values[ "group" ] = numberOf( all_.at( *id ).group );
+   return call( operation, targetOf( id ), values, work );
 }
 
-void Groups::priorityIs( RuleId id, unsigned priority ) {
-   Rule & rule = rules_.at( *id );
-   rule.priority = std::to_string( priority );
-   call( "setPriorityForEntry", rule,
-         { { "group", numberOf( rule.group ) }, { "priority", rule.priority } } );
+Result Groups::addMask( RuleId id, std::set< unsigned > const & ports ) {
+   return callOfManager( "addEgressMaskAction", id, { { "ports", textOf( ports ) } },
+                         [ & ]( Rule & rule ) {
+                            auto const mask =
+                               rule.staged.actions.try_emplace( "EgressMask", ports );
+                            return mask.second ? 0 : kExists;
+                         } );
 }
 
-void Groups::install( RuleId id ) {
-   Rule & rule = rules_.at( *id );
-   rule.isWritten = true;
-   call( "installEntry", rule, { { "group", numberOf( rule.group ) } } );
+Result Groups::priorityIs( RuleId id, unsigned priority ) {
+   return callOfManager( "setPriorityForEntry", id, { { "priority", text( priority ) } },
+                         [ & ]( Rule & rule ) {
+                            rule.staged.priority = priority;
+                            return 0;
+                         } );
 }
 
-void Groups::maskIs( RuleId id, std::set< unsigned > const & ports ) {
-   Rule & rule = rules_.at( *id );
-   rule.actions[ "EgressMask" ] = textOf( ports );
-   call( "updateEgressMaskAction", rule,
-         { { "group", numberOf( rule.group ) }, { "ports", textOf( ports ) } } );
-   call( "reinstallEntry", rule, { { "group", numberOf( rule.group ) } } );
+Result Groups::install( RuleId id ) {
+   return callOfManager( "installEntry", id, {}, []( Rule & rule ) {
+      rule.written = rule.staged;
+      return 0;
+   } );
 }
 
-void Groups::release( unsigned unit, Group group, RuleId id ) {
-   calls_.push_back( { "releaseEntry",
-                       unit,
-                       id ? rules_.at( *id ).name : "",
-                       { { "group", numberOf( group ) } } } );
-   if ( id ) {
+Result Groups::maskIs( RuleId id, std::set< unsigned > const & ports ) {
+   return callOfManager( "updateEgressMaskAction", id, { { "ports", textOf( ports ) } },
+                         [ & ]( Rule & rule ) {
+                            auto const mask = rule.staged.actions.find( "EgressMask" );
+                            if ( mask == rule.staged.actions.end() ) {
+                               return kNotFound;
+                            }
+                            mask->second = ports;
+                            return 0;
+                         } );
+}
+
+Result Groups::reinstall( RuleId id ) {
+   return callOfManager( "reinstallEntry", id, {}, []( Rule & rule ) {
+      if ( !rule.written ) {
+         return kNotInstalled;
+      }
+      rule.written = rule.staged;
+      return 0;
+   } );
+}
+
+Result Groups::release( unsigned unit, Group group, RuleId id ) {
+   Result const result = call( "releaseEntry", { unit, id }, { { "group", numberOf( group ) } },
+                               []( Rule const & ) { return 0; } );
+   if ( result == 0 ) {
       rules_.erase( *id );
       if ( hasRoom( unit, group ) ) {
          exhaustedIs( { group, unit }, false );
       }
    }
+   return result;
 }
 
-void Groups::call( char const * operation, Rule const & rule,
-                   std::map< std::string, std::string > values ) {
-   calls_.push_back( { operation, rule.unit, rule.name, std::move( values ) } );
+// --- Read-back
+
+ReadBack< Match > Groups::readMatch( unsigned unit, RuleId id, std::string const & qualifier ) {
+   Values values;
+   ReadBack< Match > read{ 0, { 0, 0 } };
+   read.result =
+      call( operationOn( qualifier ) + "_get", { unit, id }, values, [ & ]( Rule const & rule ) {
+         auto const * const match =
+            rule.written ? find( rule.written->qualifiers, qualifier ) : nullptr;
+         if ( !match ) {
+            return kNotFound;
+         }
+         read.value = *match;
+         values = valuesOf( qualifier, *match );
+         return 0;
+      } );
+   return read;
+}
+
+ReadBack< PortMatch > Groups::readPort( unsigned unit, RuleId id ) {
+   Values values;
+   ReadBack< PortMatch > read;
+   read.result =
+      call( "bcm_field_qualify_DstPort_get", { unit, id }, values, [ & ]( Rule const & rule ) {
+         auto const * const port = rule.written ? find( rule.written->qualifiers, kPort ) : nullptr;
+         if ( !port ) {
+            return kNotFound;
+         }
+         read.value = { rule.written->qualifiers.at( kModule ), *port };
+         values = valuesOf( read.value );
+         return 0;
+      } );
+   return read;
+}
+
+ReadBack< unsigned > Groups::readAction( unsigned unit, RuleId id, std::string const & action ) {
+   Values values{ { "action", action } };
+   ReadBack< unsigned > read;
+   read.result = call( "bcm_field_action_get", { unit, id }, values, [ & ]( Rule const & rule ) {
+      auto const * const numbers = rule.written ? find( rule.written->actions, action ) : nullptr;
+      if ( !numbers ) {
+         return kNotFound;
+      }
+      read.value = *numbers->begin();
+      values[ "param0" ] = text( read.value );
+      values[ "param1" ] = "0";
+      return 0;
+   } );
+   return read;
+}
+
+ReadBack< std::set< unsigned > > Groups::readMask( unsigned unit, RuleId id ) {
+   Values values{ { "group", numberOf( Group::ingress ) } };
+   ReadBack< std::set< unsigned > > read;
+   read.result = call( "getEgressMaskActionPbmp", { unit, id }, values, [ & ]( Rule const & rule ) {
+      auto const * const ports =
+         rule.written ? find( rule.written->actions, "EgressMask" ) : nullptr;
+      if ( !ports ) {
+         return kNotFound;
+      }
+      read.value = *ports;
+      values[ "ports" ] = textOf( *ports );
+      return 0;
+   } );
+   return read;
 }
 
 // --- Room

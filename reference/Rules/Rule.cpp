@@ -2,17 +2,28 @@
 
 namespace Reference {
 
+std::string textOf( std::set< unsigned > const & numbers ) {
+   std::string text;
+   for ( unsigned const number : numbers ) {
+      text += ( text.empty() ? "" : " " ) + std::to_string( number );
+   }
+   return text;
+}
+
 std::string Rule::text() const {
+   Content const & shown = content();
    std::string text = "unit " + std::to_string( unit ) +
                       ( group == Group::ingress ? " ingress '" : " egress '" ) + name + "':";
-   for ( auto const & [ qualifier, value ] : qualifiers ) {
-      text += " " + qualifier + " " + value + ";";
+   for ( auto const & [ qualifier, match ] : shown.qualifiers ) {
+      text += " " + qualifier + " " + std::to_string( match.data ) + " under " +
+              std::to_string( match.mask ) + ";";
    }
    text += " does";
-   for ( auto const & [ action, value ] : actions ) {
-      text += " " + action + " " + value + ";";
+   for ( auto const & [ action, numbers ] : shown.actions ) {
+      text += " " + action + ( action == "Drop" ? "" : " " + textOf( numbers ) ) + ";";
    }
-   return text + " priority " + priority + ( isWritten ? "" : "; not written" );
+   return text + " priority " + ( shown.priority ? std::to_string( *shown.priority ) : "default" ) +
+          ( written ? "" : "; not written" );
 }
 
 std::string Call::text() const {
@@ -20,11 +31,7 @@ std::string Call::text() const {
    for ( auto const & [ name, value ] : values ) {
       text += " " + name + "=" + value;
    }
-   return text;
-}
-
-std::string under( unsigned long data, unsigned long mask ) {
-   return std::to_string( data ) + " under " + std::to_string( mask );
+   return text + ( code == 0 ? "" : " gives " + std::to_string( code ) );
 }
 
 }  // namespace Reference

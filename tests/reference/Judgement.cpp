@@ -65,12 +65,7 @@ class Judge {
          noOpinionOnSteps( noOpinion_, told_.steps.size() - n );
          return false;
       }
-      return !isOver_ && !result_.isOff() && !switch_.stop() && n + 1 < run_.steps.size();
-   }
-
-   void end( std::string const & reason ) {
-      noOpinionOnSteps( reason, 1 );
-      isOver_ = true;
+      return !result_.isOff() && !switch_.stop() && n + 1 < run_.steps.size();
    }
 
    void noOpinionOnSteps( std::string const & reason, std::size_t steps ) {
@@ -81,9 +76,6 @@ class Judge {
    void take( Reference::StepTold const & told, std::size_t number ) {
       Run::Step const & found = run_.steps[ number ];
       play( told, found );
-      if ( run_.stop && run_.stop->step == number && !switch_.stop() && told.isVerified ) {
-         return end( "a verification pass of the plug-in stopped" );
-      }
       result_.step = number;
       ++result_.counts.steps;
       compareStop( number );
@@ -161,7 +153,7 @@ class Judge {
 
    // A run that goes on to the end has all its steps, and that of its end.
    void compareEnd() {
-      bool const isJudged = noOpinion_.empty() && !isOver_ && !result_.isOff() && !switch_.stop();
+      bool const isJudged = noOpinion_.empty() && !result_.isOff() && !switch_.stop();
       if ( isJudged && ( !run_.error.empty() || run_.steps.size() <= told_.steps.size() ) ) {
          result_.step = run_.steps.empty() ? 0 : run_.steps.size() - 1;
          differ( "the run must go on, but ended here. " + run_.error );
@@ -220,6 +212,9 @@ class Judge {
                   Texts( found.requests.begin(), found.requests.end() ), result_.differences );
       }
       compare( "a log line", switch_.takeLog(), found.log, result_.differences );
+      if ( !found.pass.empty() && !switch_.stop() && found.pass != switch_.pass() ) {
+         differ( "the verification pass must be " + switch_.pass() + ", and is " + found.pass );
+      }
    }
 
    // --- Frames
@@ -328,7 +323,6 @@ class Judge {
    Reference::Switch switch_;
    Reference::Forwarding forwarding_;
    std::string noOpinion_;
-   bool isOver_ = false;
    Judgement result_;
 };
 

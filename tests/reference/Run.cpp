@@ -15,7 +15,6 @@ namespace Run {
 namespace {
 
 using Json = nlohmann::json;
-using Reference::under;
 
 std::string outputOf( std::string const & command ) {
    std::unique_ptr< FILE, int ( * )( FILE * ) > const pipe( popen( command.c_str(), "r" ), pclose );
@@ -56,27 +55,42 @@ std::string textOf( Json const & value ) {
 
 // --- Rules
 
-std::string underMask( Json const & match ) {
-   return under( match.at( "data" ), match.at( "mask" ) );
+Reference::Match matchOf( Json const & given ) {
+   return { given.at( "data" ), given.at( "mask" ) };
+}
+
+void take( std::string const & name, Json const & match, Reference::Content & content ) {
+   if ( name == "DstPort" ) {
+      content.qualifiers[ "DstPort module" ] = matchOf( match.at( "modId" ) );
+      content.qualifiers[ name ] = matchOf( match.at( "port" ) );
+   } else {
+      content.qualifiers[ name ] = matchOf( match );
+   }
 }
 
 Reference::Rule ruleOf( Json const & given ) {
    bool const isIngress = given.at( "group" ) == 157;
-   Reference::Rule rule{ given.at( "unit" ),
-                         isIngress ? Reference::Group::ingress : Reference::Group::egress,
-                         given.at( "name" ) };
-   rule.isWritten = given.at( "written" );
+   Reference::Content content;
    for ( auto const & [ name, match ] : given.at( "qualifiers" ).items() ) {
-      rule.qualifiers[ name ] = name == "DstPort" ? "module " + underMask( match.at( "modId" ) ) +
-                                                       " port " + underMask( match.at( "port" ) )
-                                                  : underMask( match );
+      take( name, match, content );
    }
    for ( auto const & [ name, action ] : given.at( "actions" ).items() ) {
-      rule.actions[ name ] = action.contains( "ports" )  ? textOf( action.at( "ports" ) )
-                             : action.contains( "data" ) ? textOf( action.at( "data" ) )
-                                                         : "";
+      auto & numbers = content.actions[ name ];
+      if ( action.contains( "ports" ) ) {
+         numbers = action.at( "ports" ).get< std::set< unsigned > >();
+      } else if ( action.contains( "data" ) ) {
+         numbers = { action.at( "data" ).get< unsigned >() };
+      }
    }
-   rule.priority = given.at( "priority" ).is_null() ? "default" : textOf( given.at( "priority" ) );
+   if ( !given.at( "priority" ).is_null() ) {
+      content.priority = given.at( "priority" );
+   }
+   Reference::Rule rule{ given.at( "unit" ),
+                         isIngress ? Reference::Group::ingress : Reference::Group::egress,
+                         given.at( "name" ), content };
+   if ( given.at( "written" ) ) {
+      rule.written = content;
+   }
    return rule;
 }
 
@@ -136,16 +150,14 @@ class Reader {
          takeChange( change, step );
       }
       step.requests = requests_;
+      step.pass = textOr( given.at( "pluginPass" ) );
       return step;
    }
 
  private:
-   // An entry's name stands in place of its id; what is only read back does not count.
+   // An entry's name stands in place of its id.
    void take( Json const & given, Step & step ) {
       std::string const operation = given.at( "operation" );
-      if ( operation.ends_with( "_get" ) || operation == "getEgressMaskActionPbmp" ) {
-         return;
-      }
       std::pair< unsigned, unsigned > const entry{ given.at( "unit" ), given.at( "entry" ) };
       if ( operation == "getEntry" && entry.second != 0 ) {
          names_[ entry ] = given.at( "values" ).at( "name" );
@@ -153,6 +165,9 @@ class Reader {
       Reference::Call call{ operation, entry.first, entry.second == 0 ? "" : names_[ entry ] };
       for ( auto const & [ name, value ] : given.at( "values" ).items() ) {
          call.values[ name ] = textOf( value );
+      }
+      if ( given.at( "returnCode" ).is_number() ) {
+         call.code = given.at( "returnCode" );
       }
       step.calls.push_back( call.text() );
    }

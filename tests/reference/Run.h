@@ -40,6 +40,8 @@ struct Step {
    std::vector< Reference::Event > grants;  // and ends of grants, in order
    std::vector< std::string > log;
    std::vector< Frame > frames;
+   std::string
+      pass;  // what became of a verification pass: "held", "skipped", "absent"; or nothing is said
 };
 
 struct Stopped {

@@ -80,7 +80,7 @@ std::vector< Writer::Kind > const & Writer::table() {
       &Writer::tunnelGoes,      &Writer::tunnelReplaced,  &Writer::othersHold,
       &Writer::othersHold,      &Writer::grantIs,         &Writer::grantGoes,
       &Writer::allocatorPauses, &Writer::designatedIs,    &Writer::hostSends,
-      &Writer::hostIsSentTo
+      &Writer::hostIsSentTo,    &Writer::passRuns
    };
    return all;
 }
@@ -343,6 +343,22 @@ Writer::Yaml Writer::hostIsSentTo( Move const & move ) {
           "', vni: 10100, source: 00:00:5e:00:53:02, destination: 00:00:5e:00:53:1" +
           std::to_string( move.number % 2 ) + " }";
 }
+
+// --- Verification
+
+// On a calm switch, the pass must not stop.
+Writer::Yaml Writer::passRuns( Move const & ) {
+   return world_.isCalm && !haveAllVirtualPorts() ? Yaml() : "verify: plug-in";
+}
+
+bool Writer::haveAllVirtualPorts() const {
+   return std::all_of( segments_.begin(), segments_.end(), [ & ]( auto const & segment ) {
+      return std::all_of( segment.second.begin(), segment.second.end(),
+                          [ & ]( Name const & vtep ) { return virtualPort_.contains( vtep ); } );
+   } );
+}
+
+// --- Looks
 
 // A frame of every VTEP that the switch has a virtual port for.
 std::vector< Step > Writer::looks() const {

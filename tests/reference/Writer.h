@@ -61,6 +61,11 @@ class Writer {
    Yaml hostSends( Move const & move );
    Yaml hostIsSentTo( Move const & move );
 
+   // --- Verification
+   Yaml passRuns( Move const & move );
+   // Whether every VTEP that shares a segment has a virtual port.
+   bool haveAllVirtualPorts() const;
+
    Name const & segmentOf( Move const & move ) const;
    Name const & tunnelOf( Move const & move ) const;
    // The VTEP may give its class id back, and an allocator that serves takes it.
