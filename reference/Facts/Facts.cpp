@@ -66,10 +66,30 @@ Interface Facts::interfaceOf( Port const & wanted ) const {
    return {};
 }
 
-unsigned Facts::gportOf( Vtep const & vtep ) const {
+namespace {
+
+unsigned gportOf( unsigned virtualPort ) {
    constexpr unsigned kVxlanGports = 0x56000000;
+   return kVxlanGports + ( virtualPort & 0xffff );
+}
+
+}  // namespace
+
+unsigned Facts::gportOf( Vtep const & vtep ) const {
    auto const found = virtualPort.find( vtep );
-   return kVxlanGports + ( found == virtualPort.end() ? 0 : found->second & 0xffff );
+   return Reference::gportOf( found == virtualPort.end() ? 0 : found->second );
+}
+
+unsigned Facts::gportOfFramesFrom( Vtep const & vtep ) const {
+   unsigned gport = gportOf( vtep );
+   for ( auto const & [ key, number ] : otherKey ) {
+      // A key without a group and with a tunnel interface below 1 comes before the usual one.
+      bool const isLater = !key.group.empty() || key.tunnel > 1 || !virtualPort.contains( vtep );
+      if ( key.vtep == vtep && isLater ) {
+         gport = Reference::gportOf( number );
+      }
+   }
+   return gport;
 }
 
 }  // namespace Reference

@@ -20,8 +20,9 @@ struct Facts {
    std::map< Interface, Port > port;      // the chip port of each Ethernet interface
    std::map< Interface, Port > lastPort;  // the last one that it had; it may have none now
    std::map< Interface, Interface > portChannelOf;
-   std::map< Interface, std::set< Vtep > > segment;  // the VTEPs that share the segment
-   std::map< Vtep, unsigned > virtualPort;
+   std::map< Interface, std::set< Vtep > > segment;             // the VTEPs that share the segment
+   std::map< Vtep, unsigned > virtualPort;                      // under its usual key
+   std::map< OtherKey, unsigned > otherKey;                     // and its virtual port
    std::map< Interface, std::map< std::string, Vni > > tunnel;  // VRF to VNI
    std::map< Vtep, ClassId > grant;
 
@@ -38,8 +39,10 @@ struct Facts {
    std::set< Port > sharedPorts( unsigned unit, Vtep const & vtep ) const;
    // The first interface with this port; empty if there is none.
    Interface interfaceOf( Port const & wanted ) const;
-   // The source port in the chip for frames from this VTEP; that of virtual port 0 if it has none.
+   // The source port in the chip for the VTEP's usual key; that of virtual port 0 if it has none.
    unsigned gportOf( Vtep const & vtep ) const;
+   // The source port in the chip of the VTEP's frames: that of its last key.
+   unsigned gportOfFramesFrom( Vtep const & vtep ) const;
 };
 
 }  // namespace Reference

@@ -39,6 +39,7 @@ class Vtep {
    explicit Vtep( std::string address );
 
    std::string const & address() const { return address_; }
+   bool isIpv4() const { return bytes_.size() == 4; }
 
    friend bool operator==( Vtep const & a, Vtep const & b ) { return a.bytes_ == b.bytes_; }
    friend auto operator<=>( Vtep const & a, Vtep const & b ) {
@@ -49,6 +50,16 @@ class Vtep {
  private:
    std::string address_;
    std::vector< unsigned char > bytes_;
+};
+
+// Another key of a VTEP than its usual one: of a tunnel group, or of another tunnel interface than
+// Vxlan1. Everybody who looks for a VTEP looks for its usual key.
+struct OtherKey {
+   std::string group;
+   unsigned tunnel = 1;
+   Vtep vtep;
+
+   friend auto operator<=>( OtherKey const &, OtherKey const & ) = default;
 };
 
 struct Port {

@@ -7,15 +7,11 @@ namespace Reference {
 
 // --- By the state
 
-namespace {
-
 bool canLeaveBy( Facts const & facts, Interface const & intf ) {
    auto const ports = facts.portsOf( intf );
    return std::any_of( ports.begin(), ports.end(),
                        []( Port const & port ) { return port.number != Port::kInvalid; } );
 }
-
-}  // namespace
 
 std::set< Interface > floodedTo( Facts const & facts, Forwarding const & forwarding,
                                  Frame const & frame ) {
@@ -42,15 +38,20 @@ std::set< Interface > mayReach( Facts const & facts, Forwarding const & forwardi
    return reached;
 }
 
-std::set< Vtep > floodedThrough( Facts const & facts, Forwarding const & forwarding,
-                                 Frame const & frame ) {
-   std::set< Vtep > reached;
+std::multiset< Vtep > floodedThrough( Facts const & facts, Forwarding const & forwarding,
+                                      Frame const & frame ) {
+   std::multiset< Vtep > reached;
+   auto const add = [ & ]( Vtep const & vtep ) {
+      if ( vtep.isIpv4() ? forwarding.hasIpv4 : forwarding.hasIpv6 ) {
+         reached.insert( vtep );
+      }
+   };
    if ( !frame.sender ) {
       for ( auto const & [ vtep, virtualPort ] : facts.virtualPort ) {
-         bool const isIpv4 = vtep.address().find( ':' ) == std::string::npos;
-         if ( isIpv4 ? forwarding.hasIpv4 : forwarding.hasIpv6 ) {
-            reached.insert( vtep );
-         }
+         add( vtep );
+      }
+      for ( auto const & [ key, virtualPort ] : facts.otherKey ) {
+         add( key.vtep );
       }
    }
    return reached;
@@ -74,7 +75,7 @@ unsigned resolutionOf( Frame const & frame ) {
 
 // A frame of a host has come through no tunnel, from no VTEP and in no VNI.
 Fields fieldsOf( Facts const & facts, Frame const & frame ) {
-   return { { "SrcVxlanGport", frame.sender ? facts.gportOf( *frame.sender ) : 0 },
+   return { { "SrcVxlanGport", frame.sender ? facts.gportOfFramesFrom( *frame.sender ) : 0 },
             { "PacketRes", resolutionOf( frame ) },
             { "TunnelTerminated", frame.sender ? 1 : 0 },
             { "VxlanNetworkId", frame.sender ? frame.vni : 0 } };
@@ -116,24 +117,34 @@ ClassId markOf( Content const & rule ) {
 
 }  // namespace
 
-bool isKeptBack( Switch const & device, Frame const & frame, unsigned unit, unsigned port ) {
-   Content const * const rule =
-      winner( device, unit, Group::ingress, fieldsOf( device.facts(), frame ) );
+KeptBack::KeptBack( Switch const & device, Frame const & frame )
+      : device_( device ), fields_( fieldsOf( device.facts(), frame ) ) {}
+
+bool KeptBack::at( unsigned unit, unsigned port ) {
+   auto const [ found, isNew ] = rule_.try_emplace( unit );
+   if ( isNew ) {
+      found->second = winner( device_, unit, Group::ingress, fields_ );
+   }
+   Content const * const rule = found->second;
    if ( rule ) {
       auto const mask = rule->actions.find( "EgressMask" );
       if ( mask != rule->actions.end() && mask->second.contains( port ) ) {
          return true;
       }
    }
-   if ( device.device().variant != Variant::classId ) {
+   if ( device_.device().variant != Variant::classId ) {
       return false;
    }
    Content const * const drop =
-      winner( device, unit, Group::egress,
-              { { "DstPort module", device.device().moduleOfUnit.at( unit ) },
+      winner( device_, unit, Group::egress,
+              { { "DstPort module", device_.device().moduleOfUnit.at( unit ) },
                 { "DstPort", port },
                 { "IngressClassField", rule ? markOf( *rule ) : 0 } } );
    return drop && drop->actions.contains( "Drop" );
+}
+
+bool isKeptBack( Switch const & device, Frame const & frame, unsigned unit, unsigned port ) {
+   return KeptBack( device, frame ).at( unit, port );
 }
 
 }  // namespace Reference

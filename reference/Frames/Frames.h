@@ -18,6 +18,7 @@ using Vlan = unsigned;
 
 struct Forwarding {
    std::map< Interface, std::set< Vlan > > vlans;  // that the interface carries
+   std::map< Vlan, Vni > vnis;
    std::set< Interface > notDesignated;
    bool hasIpv4 = false;  // an own VTEP address of that family
    bool hasIpv6 = false;
@@ -44,10 +45,27 @@ std::set< Interface > mayReach( Facts const & facts, Forwarding const & forwardi
 std::set< Interface > floodedTo( Facts const & facts, Forwarding const & forwarding,
                                  Frame const & frame );
 
-// The VTEPs to which a frame of a host for several receivers is sent. A frame from a VTEP is sent
-// to no other.
-std::set< Vtep > floodedThrough( Facts const & facts, Forwarding const & forwarding,
-                                 Frame const & frame );
+// The VTEPs to which a frame of a host for several receivers is sent, once for each of their keys.
+// A frame from a VTEP is sent to no other.
+std::multiset< Vtep > floodedThrough( Facts const & facts, Forwarding const & forwarding,
+                                      Frame const & frame );
+
+// Whether some port is there by which a frame can leave.
+bool canLeaveBy( Facts const & facts, Interface const & intf );
+
+// What the rules keep back of one frame. It looks for the rule of each unit once.
+class KeptBack {
+ public:
+   // The switch outlives it, and does not change meanwhile.
+   KeptBack( Switch const & device, Frame const & frame );
+
+   bool at( unsigned unit, unsigned port );
+
+ private:
+   Switch const & device_;
+   std::map< std::string, unsigned > fields_;  // of the frame, that rules look at
+   std::map< unsigned, Content const * > rule_;
+};
 
 // Whether a rule keeps the frame back at that port.
 bool isKeptBack( Switch const & device, Frame const & frame, unsigned unit, unsigned port );

@@ -1,5 +1,9 @@
 #include <FromScenario/Changes.h>
 
+#include <algorithm>
+
+#include <Quelm/Text.h>
+
 namespace Reference {
 
 Interface interfaceOf( Pelk::IntfId const & intf ) {
@@ -83,7 +87,59 @@ Event inPlace( Scenario::TunnelInterfaceReplaced const & what ) {
    return TunnelReplaced{ interfaceOf( what.intf ), vnis };
 }
 
+bool isOfKeys( Scenario::AttributeAt const & at ) {
+   return at.attribute == "remoteVport" &&
+          at.entity.stringValue().starts_with( "/hardware/vornal/vp/status/" );
+}
+
+// "10.0.0.1@2#west": the address, the tunnel interface if it is not 1, the group if there is one.
+OtherKey keyIn( std::string const & text ) {
+   std::size_t const group = std::min( text.find( '#' ), text.size() );
+   std::size_t const tunnel = std::min( text.find( '@' ), group );
+   OtherKey key;
+   key.vtep = Vtep( text.substr( 0, tunnel ) );
+   if ( tunnel < group ) {
+      key.tunnel = static_cast< unsigned >( std::stoul( text.substr( tunnel + 1 ) ) );
+   }
+   if ( group < text.size() ) {
+      key.group = text.substr( group + 1 );
+   }
+   return key;
+}
+
+bool isUsual( OtherKey const & key ) {
+   return key.group.empty() && key.tunnel == 1;
+}
+
 }  // namespace
+
+std::optional< Event > keyIs( Scenario::AttributeAt const & at, std::string const & value ) {
+   if ( !isOfKeys( at ) ) {
+      return std::nullopt;
+   }
+   OtherKey const key = keyIn( at.key );
+   auto const number = static_cast< unsigned >( std::stoul( value ) );
+   return isUsual( key ) ? Event( VirtualPortIs{ key.vtep, number } )
+                         : Event( OtherKeyIs{ key, number } );
+}
+
+std::optional< Event > keyGoes( Scenario::AttributeAt const & at ) {
+   if ( !isOfKeys( at ) ) {
+      return std::nullopt;
+   }
+   OtherKey const key = keyIn( at.key );
+   return isUsual( key ) ? Event( VirtualPortGoes{ key.vtep } ) : Event( OtherKeyGoes{ key } );
+}
+
+std::optional< Event > portIs( std::string const & operation,
+                               std::vector< std::string > const & arguments ) {
+   if ( operation != "intfPortIs" || arguments.size() != 2 ) {
+      return std::nullopt;
+   }
+   auto const port = Quelm::fromText< VornalTypes::VornalPort >( arguments.back() );
+   return PortIs{ Interface( arguments.front() ),
+                  { port.unit(), port.logicalPort(), port.modId() } };
+}
 
 std::vector< Event > published( Scenario::Published const & what ) {
    return std::visit( []( auto const & one ) { return eventsOf( one ).published; }, what );

@@ -55,6 +55,13 @@ struct VirtualPortIs {
 struct VirtualPortGoes {
    Vtep vtep;
 };
+struct OtherKeyIs {
+   OtherKey key;
+   unsigned virtualPort = 0;
+};
+struct OtherKeyGoes {
+   OtherKey key;
+};
 struct TunnelIs {
    Interface intf;
 };
@@ -92,7 +99,7 @@ struct Pass {};
 
 using Event = std::variant< PortIs, PortGoes, MemberJoins, MemberLeaves, SegmentIs, SegmentGoes,
                             SegmentReplaced, VtepJoins, VtepLeaves, VirtualPortIs, VirtualPortGoes,
-                            TunnelIs, TunnelGoes, TunnelReplaced, VniIs, VniGoes, GrantIs,
-                            GrantGoes, OthersHold, Ready, Pass >;
+                            OtherKeyIs, OtherKeyGoes, TunnelIs, TunnelGoes, TunnelReplaced, VniIs,
+                            VniGoes, GrantIs, GrantGoes, OthersHold, Ready, Pass >;
 
 }  // namespace Reference

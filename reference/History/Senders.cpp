@@ -25,20 +25,25 @@ void Senders::sharingChanges( Vtep const & vtep ) {
    }
 }
 
-void Senders::virtualPortChanges( Vtep const & vtep ) {
+void Senders::virtualPortIs( Vtep const & vtep ) {
    if ( !isShared( vtep ) ) {
       return;
    }
    for ( auto const & [ unit, module ] : device_.moduleOfUnit ) {
-      if ( facts_.virtualPort.contains( vtep ) ) {
-         makeAnew( unit, vtep );
-      } else {
-         unmake( unit, vtep );
-         if ( records_.contains( unit ) ) {
-            records_[ unit ][ vtep ].wasTried = false;
-         }
-         recordGoesIfUnused( unit );
+      makeAnew( unit, vtep );
+   }
+}
+
+void Senders::virtualPortGoes( Vtep const & vtep ) {
+   if ( !isShared( vtep ) ) {
+      return;
+   }
+   for ( auto const & [ unit, module ] : device_.moduleOfUnit ) {
+      unmake( unit, vtep );
+      if ( records_.contains( unit ) ) {
+         records_[ unit ][ vtep ].wasTried = false;
       }
+      recordGoesIfUnused( unit );
    }
 }
 

@@ -36,8 +36,9 @@ class Senders {
    // An interface is shared with the VTEP now, or not any more; other interfaces are, before and
    // after. The last one that goes is told here before the end of sharing.
    void sharedInterfaceChanges( Vtep const & vtep, Interface const & intf, bool isShared );
-   // The virtual port comes, changes or goes.
-   void virtualPortChanges( Vtep const & vtep );
+   // A virtual port comes or changes; or it goes. A VTEP under several keys has several.
+   void virtualPortIs( Vtep const & vtep );
+   void virtualPortGoes( Vtep const & vtep );
    // An Ethernet interface gets, changes or loses its port. Its last port is still the old one.
    void portChanges( Interface const & intf );
    // The member joins the port channel, or leaves it.

@@ -180,13 +180,31 @@ void Switch::take( VirtualPortIs const & event ) {
    }
    found->second = event.number;
    if ( isReady_ ) {
-      senders_.virtualPortChanges( event.vtep );
+      senders_.virtualPortIs( event.vtep );
    }
 }
 
 void Switch::take( VirtualPortGoes const & event ) {
    if ( facts_.virtualPort.erase( event.vtep ) > 0 && isReady_ ) {
-      senders_.virtualPortChanges( event.vtep );
+      senders_.virtualPortGoes( event.vtep );
+   }
+}
+
+// The rules follow every key of a VTEP as if it were the only one.
+void Switch::take( OtherKeyIs const & event ) {
+   auto const [ found, isNew ] = facts_.otherKey.try_emplace( event.key, event.virtualPort );
+   if ( !isNew && found->second == event.virtualPort ) {
+      return;
+   }
+   found->second = event.virtualPort;
+   if ( isReady_ ) {
+      senders_.virtualPortIs( event.key.vtep );
+   }
+}
+
+void Switch::take( OtherKeyGoes const & event ) {
+   if ( facts_.otherKey.erase( event.key ) > 0 && isReady_ ) {
+      senders_.virtualPortGoes( event.key.vtep );
    }
 }
 

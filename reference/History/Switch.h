@@ -53,6 +53,8 @@ class Switch {
    void take( VtepLeaves const & event );
    void take( VirtualPortIs const & event );
    void take( VirtualPortGoes const & event );
+   void take( OtherKeyIs const & event );
+   void take( OtherKeyGoes const & event );
    void take( TunnelIs const & event );
    void take( TunnelGoes const & event );
    void take( TunnelReplaced const & event );

@@ -33,7 +33,7 @@ void Senders::verify() {
       return;
    }
    std::set< Vtep > const sharing = facts_.sharing();
-   if ( sharing.empty() || facts_.virtualPort.empty() ) {
+   if ( sharing.empty() || ( facts_.virtualPort.empty() && facts_.otherKey.empty() ) ) {
       for ( auto const & [ unit, module ] : device_.moduleOfUnit ) {
          constexpr char const * kFunction = "handleVerify";
          require( !records_.contains( unit ), "!tepIpToEntry( unit )", kFunction );

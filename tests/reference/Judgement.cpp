@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <ByState/ByState.h>
+#include <Play.h>
 #include <Steps/Reader.h>
 
 namespace {
@@ -75,7 +76,7 @@ class Judge {
 
    void take( Reference::StepTold const & told, std::size_t number ) {
       Run::Step const & found = run_.steps[ number ];
-      play( told, found );
+      play( told, found.grants, switch_, forwarding_ );
       result_.step = number;
       ++result_.counts.steps;
       compareStop( number );
@@ -84,41 +85,6 @@ class Judge {
       compareRest( found );
       for ( Run::Frame const & frame : found.frames ) {
          take( frame );
-      }
-   }
-
-   // The changes of the step, then the grants that they led to.
-   void play( Reference::StepTold const & told, Run::Step const & found ) {
-      auto grants = found.grants;
-      for ( auto const & turn : told.turns ) {
-         for ( Event const & event : turn ) {
-            forgetGrant( event, grants );
-            switch_.happens( event );
-         }
-         switch_.turnEnds();
-      }
-      for ( Event const & grant : grants ) {
-         switch_.happens( grant );
-         switch_.turnEnds();
-      }
-      for ( auto const & [ intf, isDesignated ] : told.isDesignated ) {
-         isDesignated ? void( forwarding_.notDesignated.erase( intf ) )
-                      : void( forwarding_.notDesignated.insert( intf ) );
-      }
-   }
-
-   // A grant that the scenario itself publishes or withdraws is among the run's changes, too.
-   static void forgetGrant( Event const & event, std::vector< Event > & grants ) {
-      if ( grants.empty() ) {
-         return;
-      }
-      auto const * const given = std::get_if< Reference::GrantIs >( &event );
-      auto const * const first = std::get_if< Reference::GrantIs >( &grants.front() );
-      auto const * const gone = std::get_if< Reference::GrantGoes >( &event );
-      auto const * const end = std::get_if< Reference::GrantGoes >( &grants.front() );
-      if ( ( given && first && given->vtep == first->vtep && given->id == first->id ) ||
-           ( gone && end && gone->vtep == end->vtep ) ) {
-         grants.erase( grants.begin() );
       }
    }
 

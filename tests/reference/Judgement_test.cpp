@@ -1,5 +1,6 @@
 // A run that is not as the reference says is found out: by its rules, its calls, its frames, its
 // requests, its stop and its length. Here the reference is told something wrong.
+#include <algorithm>
 #include <functional>
 
 #include <gtest/gtest.h>
@@ -97,6 +98,28 @@ TEST( Judgement, FindsAStopThatDoesNotCome ) {
    } );
    EXPECT_NE( found.find( "it must stop at '!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( "
                           "newV )' in handleVrfToVniMap" ),
+              std::string::npos )
+      << found;
+}
+
+TEST( Judgement, FindsAVerificationPassThatIsSkipped ) {
+   Told const told = Reference::told( Steps::readScenario( fileOf( "vtep-flap" ) ) );
+   Run::Document run = Run::of( fileOf( "vtep-flap" ) );
+   auto const step = std::find_if( run.steps.begin(), run.steps.end(), []( Run::Step const & one ) {
+      return one.text.find( "handleVerify" ) != std::string::npos;
+   } );
+   ASSERT_TRUE( step != run.steps.end() );
+   step->pass = "skipped";
+   Judgement const judgement = judge( told, run );
+   ASSERT_TRUE( judgement.isOff() );
+   EXPECT_EQ( judgement.differences.front(), "the verification pass must be held, and is skipped" );
+}
+
+TEST( Judgement, FindsARuleThatIsReadBackOtherwise ) {
+   std::string const found =
+      foundOn( "limits/port-swap-verify", []( Told & told ) { told.steps.back().turns.clear(); } );
+   EXPECT_NE( found.find( "it must not stop, but did at" ), std::string::npos ) << found;
+   EXPECT_NE( found.find( "a call that must not be there: getEgressMaskActionPbmp" ),
               std::string::npos )
       << found;
 }

@@ -23,6 +23,7 @@ std::array< std::string, 3 > const kVrfs{ "red", "blue", "green" };
 std::array< std::string, 5 > const kVnis{ "50001", "50002", "50003", "none", "0" };
 std::array< unsigned, 7 > const kPorts{ 6, 1, 3, 4, 5, 2, 1023 };
 std::array< unsigned, 7 > const kVirtualPorts{ 2, 3, 4, 5, 6, 0, 0x10002 };
+std::array< std::string, 2 > const kOtherKeys{ "#west", "@2" };
 std::array< unsigned, 4 > const kClassIds{ 7, 1, 2, 0xffff };
 
 // The one with that number, counted round.
@@ -80,7 +81,8 @@ std::vector< Writer::Kind > const & Writer::table() {
       &Writer::tunnelGoes,      &Writer::tunnelReplaced,  &Writer::othersHold,
       &Writer::othersHold,      &Writer::grantIs,         &Writer::grantGoes,
       &Writer::allocatorPauses, &Writer::designatedIs,    &Writer::hostSends,
-      &Writer::hostIsSentTo,    &Writer::passRuns
+      &Writer::hostIsSentTo,    &Writer::passRuns,        &Writer::otherKeyIs,
+      &Writer::otherKeyGoes
    };
    return all;
 }
@@ -149,10 +151,10 @@ Writer::Yaml Writer::emptySegmentIs( Move const & move ) {
 Writer::Yaml Writer::virtualPortIs( Move const & move ) {
    Name const & vtep = pick( kVteps, move.who );
    unsigned const number = pick( kVirtualPorts, move.number );
-   for ( auto const & [ other, its ] : virtualPort_ ) {
-      if ( ( its & 0xffff ) == ( number & 0xffff ) && ( other != vtep || its == number ) ) {
-         return {};
-      }
+   auto const present = virtualPort_.find( vtep );
+   if ( isVirtualPortTaken( vtep, number ) ||
+        ( present != virtualPort_.end() && present->second == number ) ) {
+      return {};
    }
    virtualPort_[ vtep ] = number;
    grantIsUncertain( vtep );
@@ -167,6 +169,38 @@ Writer::Yaml Writer::virtualPortGoes( Move const & move ) {
    }
    grantIsUncertain( *vtep );
    return "withdraw: { vteps: [ '" + *vtep + "' ] }";
+}
+
+bool Writer::isVirtualPortTaken( Name const & key, unsigned number ) const {
+   auto const isTaken = [ & ]( auto const & one ) {
+      return one.first != key && ( one.second & 0xffff ) == ( number & 0xffff );
+   };
+   return std::any_of( virtualPort_.begin(), virtualPort_.end(), isTaken ) ||
+          std::any_of( otherKey_.begin(), otherKey_.end(), isTaken );
+}
+
+// A VTEP under another key than its usual one.
+Writer::Yaml Writer::otherKeyIs( Move const & move ) {
+   Name const & vtep = pick( kVteps, move.who );
+   Name const key = vtep + pick( kOtherKeys, move.place );
+   unsigned const number = pick( kVirtualPorts, move.number );
+   if ( world_.isCalm || isVirtualPortTaken( key, number ) ) {
+      return {};
+   }
+   otherKey_[ key ] = number;
+   grantIsUncertain( vtep );
+   return "set: { entity: /hardware/vornal/vp/status/vornalL3, attribute: remoteVport, key: '" +
+          key + "', value: " + std::to_string( number ) + " }";
+}
+
+Writer::Yaml Writer::otherKeyGoes( Move const & move ) {
+   auto const key = takeKey( otherKey_, move.who );
+   if ( !key ) {
+      return {};
+   }
+   grantIsUncertain( key->substr( 0, key->find_first_of( "@#" ) ) );
+   return "delete: { entity: /hardware/vornal/vp/status/vornalL3, attribute: remoteVport, key: '" +
+          *key + "' }";
 }
 
 Writer::Name const & Writer::segmentOf( Move const & move ) const {
@@ -336,7 +370,7 @@ Writer::Yaml Writer::hostSends( Move const & move ) {
 // A VTEP's frame for that host.
 Writer::Yaml Writer::hostIsSentTo( Move const & move ) {
    Name const & vtep = pick( kVteps, move.who );
-   if ( !canForward() || !virtualPort_.contains( vtep ) ) {
+   if ( !canForward() || !isInChip( vtep ) ) {
       return {};
    }
    return "frame: { from: '" + vtep +
@@ -360,11 +394,18 @@ bool Writer::haveAllVirtualPorts() const {
 
 // --- Looks
 
+bool Writer::isInChip( Name const & vtep ) const {
+   return virtualPort_.contains( vtep ) ||
+          std::any_of( kOtherKeys.begin(), kOtherKeys.end(), [ & ]( std::string const & key ) {
+             return otherKey_.contains( vtep + key );
+          } );
+}
+
 // A frame of every VTEP that the switch has a virtual port for.
 std::vector< Step > Writer::looks() const {
    std::vector< Step > all;
-   if ( canForward() ) {
-      for ( auto const & [ vtep, number ] : virtualPort_ ) {
+   for ( Name const & vtep : kVteps ) {
+      if ( canForward() && isInChip( vtep ) ) {
          all.push_back(
             { "frame: { from: '" + vtep + "', vni: 10100, source: 00:00:5e:00:53:02 }", true } );
       }

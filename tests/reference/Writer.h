@@ -39,6 +39,10 @@ class Writer {
    Yaml emptySegmentIs( Move const & move );
    Yaml virtualPortIs( Move const & move );
    Yaml virtualPortGoes( Move const & move );
+   Yaml otherKeyIs( Move const & move );
+   Yaml otherKeyGoes( Move const & move );
+   // Whether another key has that number in the chip.
+   bool isVirtualPortTaken( Name const & key, unsigned number ) const;
 
    // --- Interfaces
    Yaml portIs( Move const & move );
@@ -66,6 +70,8 @@ class Writer {
    // Whether every VTEP that shares a segment has a virtual port.
    bool haveAllVirtualPorts() const;
 
+   // Whether the VTEP has a virtual port, under any key.
+   bool isInChip( Name const & vtep ) const;
    Name const & segmentOf( Move const & move ) const;
    Name const & tunnelOf( Move const & move ) const;
    // The VTEP may give its class id back, and an allocator that serves takes it.
@@ -78,7 +84,8 @@ class Writer {
    std::map< Name, std::string > port_;  // "0/3", unit and port
    std::map< Name, Name > portChannelOf_;
    std::map< Name, std::set< Name > > segments_;
-   std::map< Name, unsigned > virtualPort_;
+   std::map< Name, unsigned > virtualPort_;      // by VTEP
+   std::map< Name, unsigned > otherKey_;         // "10.0.0.2#west", with a virtual port, too
    std::map< Name, std::set< Name > > tunnels_;  // with their VRFs
    std::set< Name > granted_;                    // by hand, and certainly there
    bool isPaused_ = false;
