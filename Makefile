@@ -2,7 +2,7 @@
 PREFIX ?= /usr/local
 DESTDIR ?=
 
-.PHONY: run test check soak bench install deb build format clean bootstrap
+.PHONY: run test check coverage soak bench install deb build format clean bootstrap
 .NOTPARALLEL:
 
 run: build
@@ -14,6 +14,10 @@ test: build/release/build.ninja
 
 check:
 	@tools/check
+
+coverage:
+	@tools/bootstrap check
+	@tools/coverage
 
 soak:
 	@tools/bootstrap check
