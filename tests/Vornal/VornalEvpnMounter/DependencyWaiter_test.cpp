@@ -136,6 +136,16 @@ TEST_F( DependencyWaiter, FollowsTheSlicesPointsToAnotherObject ) {
    EXPECT_TRUE( isOwnPointReady() );
 }
 
+TEST_F( DependencyWaiter, DoesNotStartForPointsThatItHasGivenUp ) {
+   leaf.mountsComplete();
+   ASSERT_EQ( waiter().deps(), leaf.subAgents() );
+   waiter().depsDel();
+   EXPECT_FALSE( waiter().deps() );
+   EXPECT_EQ( leaf.subAgents()->publisher().subscribers(), 0U );
+   leaf.layerTwoIsReady();
+   EXPECT_EQ( leaf.initialisations(), 0 );
+}
+
 TEST_F( DependencyWaiter, WatchesTheNewPointsForOtherSubAgentPoints ) {
    leaf.mountsComplete();
    auto const oldPoints = leaf.points();
