@@ -5,17 +5,16 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <CommandLine/ExploredFaults.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
 #include <Exploring/Catalogue.h>
-#include <Exploring/Faults.h>
 #include <Process/SharedFolder.h>
 #include <Process/Workers.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
 #include <Story/Wording.h>
-#include <Testing/Collection.h>
 #include <Text/Numbers.h>
 #include <Text/Printable.h>
 
@@ -28,8 +27,6 @@ namespace {
 using Exploring::Exploration;
 using Exploring::Findings;
 using Exploring::Sequence;
-
-constexpr std::size_t kPieces = 16;  // of all faults, at least; a worker has several
 
 // --- The branches
 
@@ -52,22 +49,6 @@ class Taking {
    Exploring::Share & share_;
    std::size_t count_ = 0;
 };
-
-// --- The faults
-
-// A fault with the number of its scenario in it, behind its kind: of faults that end alike, the
-// kind says which one is told.
-Sequence withScenario( Sequence fault, std::size_t scenario ) {
-   fault.insert( fault.begin() + 1, static_cast< U16 >( scenario ) );
-   return fault;
-}
-std::size_t scenarioOf( Sequence const & fault ) {
-   return fault.at( 1 );
-}
-Sequence withoutScenario( Sequence fault ) {
-   fault.erase( fault.begin() + 1 );
-   return fault;
-}
 
 // --- The shards
 
@@ -262,84 +243,38 @@ Explored Explore::explored( int & signal ) const {
       writeFindings( folder_, *exploration, findings );
    }
    Exploring::Counts const & counts = findings.counts;
-   return { exploration->name(),
-            { { "exploration", exploration->name() },
-              { "file", exploration->file().string() },
-              { "sequences", counts.sequences },
-              { "standFor", counts.standFor },
-              { "withoutEffect", counts.without },
-              { "frames", counts.frames } },
-            "sequence",
-            findings,
-            [ exploration ]( Sequence const & sequence ) {
-               std::vector< std::string > steps;
-               for ( U16 const event : sequence ) {
-                  steps.push_back( exploration->text( event ) );
-               }
-               return steps;
-            },
-            []( Sequence const & ) { return std::string(); },
-            []( Sequence const & ) { return false; } };
+   return { .name = exploration->name(),
+            .what = { { "exploration", exploration->name() },
+                      { "file", exploration->file().string() },
+                      { "sequences", counts.sequences },
+                      { "standFor", counts.standFor },
+                      { "withoutEffect", counts.without },
+                      { "frames", counts.frames } },
+            .thing = "sequence",
+            .findings = findings,
+            .stepsOf =
+               [ exploration ]( Sequence const & sequence ) {
+                  std::vector< std::string > steps;
+                  for ( U16 const event : sequence ) {
+                     steps.push_back( exploration->text( event ) );
+                  }
+                  return steps;
+               },
+            .scenarioOf = []( Sequence const & ) { return std::string(); },
+            .needsNoLimit = []( Sequence const & ) { return false; } };
 }
 
-Explored Explore::exploredFaults( int & signal ) const {
-   auto const files = Testing::scenariosAmong( { words_.begin(), words_.end() } );
-   if ( files.empty() ) {
-      throw Story::InputError( "there are no scenarios; name one, or a folder such as scenarios" );
-   }
-   std::size_t const shares = std::max< std::size_t >( kPieces / files.size(), 1 );
-   auto const work = [ & ]( std::size_t piece ) {
-      return Exploring::resultOf( {}, [ & ] {
-         return faultsOf( files[ piece / shares ], piece / shares, piece % shares, shares );
-      } );
-   };
-   ProgressLine line( std::cerr );
-   Findings all;
-   std::size_t done = 0;
-   auto const take = [ & ]( std::size_t piece, Process::Worked const & worked ) {
-      all.add( Exploring::findingsIn( worked, files[ piece / shares ].string() ).second );
-      ++done;
-   };
-   auto const progress = [ & ] {
-      if ( isTerminal( STDERR_FILENO ) ) {
-         line.advance( fmt::format( "{} {}", ProgressLine::bar( done, files.size() * shares ),
-                                    Story::counted( all.counts.sequences, "fault" ) ) );
-      }
-   };
-   signal = Process::workAll( { files.size() * shares, jobs_.count(), work, take, progress } );
-   line.clear();
-   // A scenario without a call has one fault, the end behind all of none.
-   if ( signal == 0 && all.counts.sequences == files.size() ) {
-      throw Story::InputError( "no call of the chip is made in these scenarios; name others" );
-   }
-   std::vector< std::string > names( files.begin(), files.end() );
-   return { files.size() == 1 ? names.front() : Story::counted( files.size(), "scenario" ),
-            { { "scenarios", names }, { "faults", all.counts.sequences } },
-            "fault",
-            all,
-            []( Sequence const & fault ) {
-               return std::vector{ Exploring::Faults::text( withoutScenario( fault ) ) };
-            },
-            [ names ]( Sequence const & fault ) { return names.at( scenarioOf( fault ) ); },
-            []( Sequence const & fault ) {
-               return Exploring::Faults::isFailure( withoutScenario( fault ) );
-            } };
-}
-
-Findings Explore::faultsOf( std::filesystem::path const & file, std::size_t number,
-                            std::size_t first, std::size_t every ) const {
-   Exploring::Faults const faults( file, config( file ), run_.turnLimit() );
-   Findings findings = faults.tried( first, every );
-   for ( auto & [ key, found ] : findings.all ) {
-      found.shortest = withScenario( found.shortest, number );
-   }
-   return findings;
+FaultsAsked Explore::faults() const {
+   return { .names = words_,
+            .configOf = [ this ]( std::filesystem::path const & file ) { return config( file ); },
+            .longestStep = run_.turnLimit(),
+            .jobs = jobs_.count() };
 }
 
 Story::ExitCode Explore::perform( std::ostream & out ) {
    prepare();
    int signal = 0;
-   Explored const subject = areFaults_ ? exploredFaults( signal ) : explored( signal );
+   Explored const subject = areFaults_ ? exploredFaults( faults(), signal ) : explored( signal );
    if ( signal == 0 && limits_.isThere() ) {
       signal = limits_.carryOut( jobs_.count() );
    }

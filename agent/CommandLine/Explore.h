@@ -7,7 +7,7 @@
 #include <vector>
 
 #include <CommandLine/Command.h>
-#include <CommandLine/FindingsText.h>
+#include <CommandLine/ExploredFaults.h>
 #include <CommandLine/Jobs.h>
 #include <CommandLine/RunWords.h>
 #include <Exploring/Catalogue.h>
@@ -25,10 +25,7 @@ class Explore final : public Command {
  private:
    bool isMerge() const { return words_.front() == "merge"; }
    Explored explored( int & signal ) const;
-   Explored exploredFaults( int & signal ) const;
-   // Of the faults of the scenario with that number those from `first` on, each `every`-th.
-   Exploring::Findings faultsOf( std::filesystem::path const & file, std::size_t number,
-                                 std::size_t first, std::size_t every ) const;
+   FaultsAsked faults() const;
    Exploring::Findings explore( Exploring::Exploration const & exploration, std::size_t length,
                                 int & signal ) const;
    Exploring::Findings merged( Exploring::Exploration const & exploration,

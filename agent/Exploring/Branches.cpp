@@ -137,7 +137,8 @@ std::pair< Branch, Findings > findingsIn( Process::Worked const & worked,
                                ", without a result" );
    }
    if ( worked.result->starts_with( kNone ) ) {
-      throw Story::InputError( subject + ": " + worked.result->substr( kNone.size() ) );
+      std::string const why = worked.result->substr( kNone.size() );
+      throw Story::InputError( why.starts_with( subject ) ? why : subject + ": " + why );
    }
    return decoded( *worked.result );
 }
