@@ -38,9 +38,10 @@ void print( Explored const & explored, Exploring::KnownLimits const & limits, st
       std::string const scenario = explored.scenarioOf( found.shortest );
       std::string const calls =
          found.calls == 0 ? "" : ", for at most " + Story::counted( found.calls, "call" );
-      out << fmt::format( "\n{}\n   in {}{}; the shortest{}:\n{}",
+      char const * const shortest = found.calls == 0 ? "the shortest" : "the shortest with so many";
+      out << fmt::format( "\n{}\n   in {}{}; {}{}:\n{}",
                           Text::printable( Exploring::lineOf( key ) ),
-                          Story::counted( found.sequences, explored.thing ), calls,
+                          Story::counted( found.sequences, explored.thing ), calls, shortest,
                           scenario.empty() ? "" : ", in front of " + Text::printable( scenario ),
                           textOf( explored.stepsOf( found.shortest ) ) );
       for ( std::string const & one : limits.showing( key ) ) {

@@ -1,7 +1,5 @@
 #include <Probing/ProbedSwitch.h>
 
-#include <set>
-
 #include <fmt/format.h>
 
 #include <Audit/SharedSegments.h>
@@ -40,12 +38,12 @@ IpGenAddr hostAddress( std::size_t number ) {
 
 class Builder {
  public:
-   explicit Builder( Audit::State const & state ) : state_( state ) {}
+   Builder( Audit::State const & state, std::set< Chip::Vni > const & vnis )
+         : state_( state ), vnis_( vnis ) {}
 
    ProbedSwitch built() {
       addDomains();
       addInterfaces();
-      addUnderlay();
       addTunnels();
       addHosts();
       addProbes();
@@ -54,16 +52,11 @@ class Builder {
 
  private:
    using Config = Chip::InterfaceConfig;
+   using Ports = std::map< std::pair< U16, U16 >, IntfId >;  // by unit and port
 
-   // A VNI that no VRF has, and each that one has.
    void addDomains() {
-      std::set< Chip::Vni > vnis;
-      for ( auto const & [ tunnel, ofVrfs ] : state_.vnis ) {
-         for ( auto const & [ vrf, vni ] : ofVrfs ) {
-            vnis.insert( vni );
-         }
-      }
-      Chip::Vni plain = 1;
+      std::set< Chip::Vni > vnis = vnis_;
+      Chip::Vni plain = 1;  // that no VRF had
       while ( vnis.contains( plain ) ) {
          ++plain;
       }
@@ -76,39 +69,36 @@ class Builder {
    }
 
    void addInterfaces() {
-      std::map< std::pair< U16, U16 >, std::vector< IntfId > > byPort;
+      Ports byPort;
       for ( auto const & [ intf, port ] : state_.ports ) {
-         if ( state_.modules.contains( port.unit() ) &&
+         if ( intf.kind() == IntfId::Kind::ethernet && state_.modules.contains( port.unit() ) &&
               port.logicalPort() < Brum::PerUnitBitmap::kBits ) {
-            byPort[ { port.unit(), port.logicalPort() } ].push_back( intf );
+            byPort.try_emplace( { port.unit(), port.logicalPort() }, intf );
          }
       }
-      for ( auto const & [ port, intfs ] : byPort ) {
-         taken_.insert( port );
-         if ( intfs.size() == 1 ) {
-            forwarding().interfaces.push_back( Config{ .intfId = intfs.front(),
-                                                       .unit = port.first,
-                                                       .logicalPort = port.second,
-                                                       .vlans = { .tagged = vlans_ } } );
-         }
+      for ( auto const & [ port, intf ] : byPort ) {
+         forwarding().interfaces.push_back( Config{ .intfId = intf,
+                                                    .unit = port.first,
+                                                    .logicalPort = port.second,
+                                                    .vlans = { .tagged = vlans_ } } );
       }
-      access_ = forwarding().interfaces.size();
+      access_ = byPort.size();
+      addUnderlay( byPort );
    }
 
-   void addUnderlay() {
-      U32 number = IntfId::kHighestNumber;
-      for ( auto const & [ unit, module ] : state_.modules ) {
-         auto port = static_cast< U16 >( Brum::PerUnitBitmap::kBits - 1 );
-         while ( taken_.contains( { unit, port } ) ) {
-            --port;
-         }
-         IntfId intf;
-         do {
-            intf = IntfId::fromString( fmt::format( "Ethernet{}", number-- ) );
-         } while ( state_.ports.contains( intf ) );
-         forwarding().interfaces.push_back(
-            Config{ .intfId = intf, .unit = unit, .logicalPort = port, .isUnderlay = true } );
+   void addUnderlay( Ports const & taken ) {
+      U16 const unit = state_.modules.empty() ? U16{ 0 } : state_.modules.begin()->first;
+      auto port = static_cast< U16 >( Brum::PerUnitBitmap::kBits - 1 );
+      while ( taken.contains( { unit, port } ) ) {
+         --port;
       }
+      U32 number = IntfId::kHighestNumber;
+      IntfId intf = IntfId::fromString( fmt::format( "Ethernet{}", number ) );
+      while ( state_.ports.contains( intf ) ) {
+         intf = IntfId::fromString( fmt::format( "Ethernet{}", --number ) );
+      }
+      forwarding().interfaces.push_back(
+         Config{ .intfId = intf, .unit = unit, .logicalPort = port, .isUnderlay = true } );
    }
 
    void addTunnels() {
@@ -131,11 +121,13 @@ class Builder {
          forwarding().hostRoutes[ hostAddress( host ) ] = { *vlans_.begin(),
                                                             MacAddress( kHosts + host ) };
          for ( Chip::Vlan const vlan : vlans_ ) {
-            switch_.fromHosts.push_back(
+            switch_.probes.push_back(
                { .arrival = portOf( forwarding().interfaces[ host ] ),
                  .bytes = bytesOf( FrameFields{ .source = MacAddress( kHosts + host ),
                                                 .destination = kUnknownHost,
-                                                .vlan = vlan } ) } );
+                                                .vlan = vlan } ),
+                 .vni = forwarding().vlanToVni.at( vlan ),
+                 .kind = FrameKind::UnknownUnicast } );
          }
       }
    }
@@ -144,13 +136,10 @@ class Builder {
       std::size_t host = 0;
       for ( auto const & [ vtep, tunnel ] : forwarding().tunnels ) {
          for ( auto const & [ vlan, vni ] : forwarding().vlanToVni ) {
-            for ( std::size_t n = access_; n < forwarding().interfaces.size(); ++n ) {
-               ProbeFrame const from{ .arrival = portOf( forwarding().interfaces[ n ] ),
-                                      .vtep = vtep,
-                                      .virtualPort = tunnel.vpIndex,
-                                      .vni = vni };
-               addFrames( from, MacAddress( kRemoteHosts + host ) );
-            }
+            addFrames( { .arrival = portOf( forwarding().interfaces.back() ),
+                         .vtep = vtep,
+                         .vni = vni },
+                       MacAddress( kRemoteHosts + host ) );
          }
          ++host;
       }
@@ -183,8 +172,8 @@ class Builder {
    }
 
    void addFrame( ProbeFrame frame, FrameKind kind, FrameFields fields ) {
-      fields.outer = Chip::OuterFields{ .sourceVtep = frame.vtep,
-                                        .destinationVtep = ownVtep( frame.vtep.family() ),
+      fields.outer = Chip::OuterFields{ .sourceVtep = *frame.vtep,
+                                        .destinationVtep = ownVtep( frame.vtep->family() ),
                                         .vni = frame.vni };
       frame.kind = kind;
       frame.bytes = bytesOf( fields );
@@ -197,16 +186,16 @@ class Builder {
    }
 
    Audit::State const & state_;
+   std::set< Chip::Vni > const & vnis_;
    ProbedSwitch switch_;
    std::set< Chip::Vlan > vlans_;
-   std::set< std::pair< U16, U16 > > taken_;  // unit and port
-   std::size_t access_ = 0;                   // interfaces; those of the underlay come behind them
+   std::size_t access_ = 0;  // interfaces; that of the underlay comes behind them
 };
 
 }  // namespace
 
-ProbedSwitch probedSwitchOf( Audit::State const & state ) {
-   return Builder( state ).built();
+ProbedSwitch probedSwitchOf( Audit::State const & state, std::set< Chip::Vni > const & vnis ) {
+   return Builder( state, vnis ).built();
 }
 
 }  // namespace Probing

@@ -4,6 +4,8 @@
 #include <tuple>
 #include <utility>
 
+#include <Audit/SharedSegments.h>
+#include <Quelm/Assert.h>
 #include <Story/Event.h>
 
 namespace Probing {
@@ -18,28 +20,18 @@ class Nowhere final : public Chip::Transmitter {
    void transmit( VornalTypes::VornalPort, std::span< U8 const > ) override {}
 };
 
-void send( Chip::Pipeline & pipeline, ProbeFrame const & frame, auto const & look ) {
-   Nowhere nowhere;
-   look( pipeline.forward( frame.arrival, frame.bytes, nowhere ) );
-}
-
 // What the ways of frames, and the promises about them, depend on.
 auto part( Audit::State const & state ) {
    return std::tie( state.modules, state.ports, state.lags, state.segments, state.virtualPorts,
                     state.vnis, state.isOverrideRuleOn, state.isL3MulticastExempt );
 }
 
-bool isShared( Audit::State const & state, Pelk::IntfId const & intf,
+bool isShared( Audit::State const & state, VornalTypes::VornalPort port,
                Pelk::IpGenAddr const & vtep ) {
-   for ( auto const & [ segment, vteps ] : state.segments ) {
-      auto const lag = state.lags.find( segment );
-      bool const isHere =
-         segment == intf || ( lag != state.lags.end() && lag->second.contains( intf ) );
-      if ( isHere && vteps.contains( vtep ) ) {
-         return true;
-      }
-   }
-   return false;
+   auto const ports = sharedPorts( state, port.unit(), vtep );
+   return std::any_of( ports.begin(), ports.end(), [ & ]( VornalTypes::VornalPort one ) {
+      return one.logicalPort() == port.logicalPort();
+   } );
 }
 
 bool isVniOfVrf( Audit::State const & state, Chip::Vni vni ) {
@@ -71,12 +63,30 @@ std::string textOf( FrameKind kind, bool isToBeKept, bool wasRight ) {
 
 }  // namespace
 
+namespace {
+
+// Whether the difference is one of a rule that decides about such frames: the VTEP's own, or an
+// exemption.
+bool canCause( Story::Difference const & difference, Lasting const & lasting ) {
+   constexpr std::string_view kExemption = "Skip shared ES pruning";
+   std::string const own = lasting.vtep ? "vtep IP " + lasting.vtep->stringValue() + " on " : "";
+   bool const isHere = !difference.unit || *difference.unit == lasting.unit;
+   bool const isOfVtep = !own.empty() && difference.rule.find( own ) != std::string::npos;
+   return isHere && ( isOfVtep || difference.rule.starts_with( kExemption ) );
+}
+
+}  // namespace
+
 std::set< std::string > unexplained( Seen const & seen, Audit::Report const & report,
                                      bool isPluginReady ) {
    std::set< std::string > texts;
-   for ( auto const & [ what, vtep ] : seen.lasting ) {
-      if ( isPluginReady && report.differences.empty() && !report.unprotected.contains( vtep ) ) {
-         texts.insert( what );
+   for ( Lasting const & lasting : seen.lasting ) {
+      bool const isExplained = std::any_of( report.differences.begin(), report.differences.end(),
+                                            [ & ]( auto const & difference ) {
+                                               return canCause( difference, lasting );
+                                            } );
+      if ( isPluginReady && !isExplained ) {
+         texts.insert( lasting.what );
       }
    }
    return texts;
@@ -85,39 +95,42 @@ std::set< std::string > unexplained( Seen const & seen, Audit::Report const & re
 void Probes::watch( Chip::Units const & units, StateNow stateNow ) {
    pipeline_.emplace( units );
    stateNow_ = std::move( stateNow );
+   readState();
 }
 
 // Before the first call no frame can go wrong by a rule. From then on each change of the state is
 // looked at before the plug-in acts on it.
 void Probes::onEvent( Story::Event const & event ) {
    if ( std::holds_alternative< Story::PublishedChange >( event ) ) {
-      if ( hasCalls_ && hasStateChanged() ) {
-         takeState();
-         look( false );
-      }
+      readState();
    } else if ( std::holds_alternative< Story::CallMade >( event ) ) {
-      if ( !std::exchange( hasCalls_, true ) && hasStateChanged() ) {
+      if ( !std::exchange( hasCalls_, true ) ) {
          takeState();
       }
       look( true );
    }
 }
 
-bool Probes::hasStateChanged() {
-   Audit::State const now = stateNow_();
-   bool const isOther = part( now ) != part( state_ );
-   if ( isOther ) {
-      state_ = now;
+void Probes::readState() {
+   Audit::State now = stateNow_();
+   if ( part( now ) == part( state_ ) ) {
+      return;
    }
-   return isOther;
+   state_ = std::move( now );
+   for ( auto const & [ tunnel, ofVrfs ] : state_.vnis ) {
+      for ( auto const & [ vrf, vni ] : ofVrfs ) {
+         vnis_.insert( vni );
+      }
+   }
+   if ( hasCalls_ ) {
+      takeState();
+      look( false );
+   }
 }
 
 void Probes::takeState() {
-   switch_ = probedSwitchOf( state_ );
+   switch_ = probedSwitchOf( state_, vnis_ );
    pipeline_->forwardingIs( switch_.forwarding );
-   for ( ProbeFrame const & frame : switch_.fromHosts ) {
-      send( *pipeline_, frame, []( Chip::FrameStory const & ) {} );
-   }
    for ( auto & [ way, watch ] : watches_ ) {
       bool const isToBeKept = this->isToBeKept( way );
       if ( isToBeKept != watch.isToBeKept ) {
@@ -130,19 +143,16 @@ void Probes::takeState() {
 void Probes::look( bool isBehindCall ) {
    ++look_;
    for ( ProbeFrame const & frame : switch_.probes ) {
-      Way way{ .vtep = frame.vtep,
-               .virtualPort = frame.virtualPort,
-               .arrivalUnit = frame.arrival.unit(),
-               .vni = frame.vni,
-               .kind = frame.kind };
-      send( *pipeline_, frame, [ & ]( Chip::FrameStory const & story ) {
-         for ( Chip::Copy const & copy : story.copies ) {
-            way.intf = copy.intfId;
-            way.port = copy.port;
-            see( way, copy.verdict == Verdict::Masked || copy.verdict == Verdict::Dropped,
-                 isBehindCall );
-         }
-      } );
+      Way way{ .arrival = frame.arrival, .vtep = frame.vtep, .vni = frame.vni, .kind = frame.kind };
+      Nowhere nowhere;
+      Chip::FrameStory const & story = pipeline_->forward( frame.arrival, frame.bytes, nowhere );
+      QUELM_ASSERT( story.kind == frame.kind && !story.dropReason && "the frame is a probe" );
+      for ( Chip::Copy const & copy : story.copies ) {
+         way.intf = copy.intfId;
+         way.port = copy.port;
+         see( way, copy.verdict == Verdict::Masked || copy.verdict == Verdict::Dropped,
+              isBehindCall );
+      }
    }
    seen_.frames += switch_.probes.size();
    std::erase_if( watches_, [ this ]( auto const & one ) {
@@ -177,7 +187,8 @@ void Probes::see( Way const & way, bool isKept, bool isBehindCall ) {
 bool Probes::isToBeKept( Way const & way ) const {
    bool const isExempt = way.kind == FrameKind::RoutedMulticast && state_.isOverrideRuleOn &&
                          isVniOfVrf( state_, way.vni );
-   return isForSeveral( way.kind ) && !isExempt && isShared( state_, way.intf, way.vtep );
+   return way.vtep && isForSeveral( way.kind ) && !isExempt &&
+          isShared( state_, way.port, *way.vtep );
 }
 
 // Of a transient, if it is one.
@@ -189,11 +200,15 @@ void Probes::end( Way const & way, Watch const & watch ) {
 }
 
 Seen Probes::seenAtRest() {
+   if ( hasCalls_ ) {
+      look( false );
+   }
    for ( auto & [ way, watch ] : watches_ ) {
       if ( watch.isWrong ) {
          watch.isLasting = true;
          watch.calls = 0;
-         seen_.lasting.emplace( textOf( way.kind, watch.isToBeKept, watch.wasRight ), way.vtep );
+         seen_.lasting.insert(
+            { textOf( way.kind, watch.isToBeKept, watch.wasRight ), way.port.unit(), way.vtep } );
       }
    }
    return std::exchange( seen_, {} );

@@ -12,18 +12,23 @@
 // otherwise, is a transient. Its length is the number of calls behind which it went wrong. It has
 // one of four names:
 //
-//    "still leave by a shared port"     the state has changed, and the rules have not followed
-//    "do not reach a port yet"
-//    "leave by a shared port again"     it went right before, and the state has not changed
-//    "reach a port no more"
+//    "still leave by a shared port"     the state wants it otherwise than before, and the rules
+//    have "do not reach a port yet"          not followed "leave by a shared port again"     it
+//    went right before, and the state has wanted the same of it "reach a port no more" all along
 //
-// One that goes wrong when the switch is at rest is lasting, and is no transient.
+// One that goes wrong when the switch is at rest is lasting, and is no transient. It is not counted
+// again until it has gone right. A lasting one has a reason when the audit tells a difference,
+// known or not, that can be the cause.
 //
 // The frames go through a pipeline of their own, over the rules of the switch's chips. They change
 // neither its addresses nor its counters.
 //
-// Cost: all frames at each call, about a microsecond each; and the frames made anew at a change of
-// the published state. Threads: the activity's.
+// Failures: a probe that is not what it is to be, as one to a host that was not learned, is a
+// failed assertion.
+//
+// Cost: all frames at each call, about a microsecond for each copy; and the frames made anew at a
+// change of the published state. Threads: the activity's. Published entities are read when a change
+// of them is told, never at a call.
 #pragma once
 
 #include <functional>
@@ -41,9 +46,8 @@ namespace Probing {
 
 // A way of a frame out of the switch.
 struct Way {
-   Pelk::IpGenAddr vtep{};
-   U16 virtualPort = 0;
-   U16 arrivalUnit = 0;
+   VornalTypes::VornalPort arrival{};
+   std::optional< Pelk::IpGenAddr > vtep{};  // none: from a host of this switch
    Chip::Vni vni = 0;
    Chip::FrameKind kind{};
    Pelk::IntfId intf{};
@@ -52,15 +56,21 @@ struct Way {
    friend auto operator<=>( Way const &, Way const & ) = default;
 };
 
+struct Lasting {
+   std::string what;
+   U16 unit = 0;                             // of the port
+   std::optional< Pelk::IpGenAddr > vtep{};  // whose frames it is
+
+   friend auto operator<=>( Lasting const &, Lasting const & ) = default;
+};
+
 struct Seen {
    std::map< std::string, U32 > transients{};  // what happened: the longest, in calls
-   // What goes wrong at rest, with the VTEP whose frames it is.
-   std::set< std::pair< std::string, Pelk::IpGenAddr > > lasting{};
+   std::set< Lasting > lasting{};
    U64 frames = 0;  // that were sent
 };
 
-// What goes wrong at rest, though the plug-in is ready and the audit names neither a difference nor
-// a reason for it.
+// What goes wrong at rest without a reason, though the plug-in is ready.
 std::set< std::string > unexplained( Seen const & seen, Audit::Report const & report,
                                      bool isPluginReady );
 
@@ -87,7 +97,7 @@ class Probes final : public Story::Observer {
       U64 look = 0;            // the last one at which the frame took this way
    };
 
-   bool hasStateChanged();
+   void readState();
    void takeState();
    void look( bool isBehindCall );
    void see( Way const & way, bool isKept, bool isBehindCall );
@@ -98,6 +108,7 @@ class Probes final : public Story::Observer {
    StateNow stateNow_;
    bool hasCalls_ = false;
    Audit::State state_;
+   std::set< Chip::Vni > vnis_;  // that VRFs have or had
    ProbedSwitch switch_;
    std::map< Way, Watch > watches_;
    U64 look_ = 0;

@@ -122,9 +122,9 @@ TEST_F( Probes, CountTheCallsUntilTheRuleOfAVtepIsWritten ) {
               ( Transients{ { "flooded frames still leave by a shared port", 6 },
                             { "known L3 multicast frames still leave by a shared port", 6 } } ) );
    EXPECT_TRUE( seen.lasting.empty() );
-   // From two units, in two VNIs: four kinds for several, and two to each of three hosts. Behind
-   // seven calls.
-   EXPECT_EQ( seen.frames, 2U * 2U * ( 4U + 2U * 3U ) * 7U );
+   // In two VNIs: one of each of three hosts, four kinds for several, and two to each host. Behind
+   // seven calls, and at rest.
+   EXPECT_EQ( seen.frames, 2U * ( 3U + 4U + 2U * 3U ) * 8U );
 }
 
 TEST_F( Probes, SeeUnicastThatARuleTakesBeforeItsExemptionStands ) {
@@ -149,6 +149,7 @@ TEST_F( Probes, SeeKnownL3MulticastOfAVniWithoutItsExemption ) {
 
 TEST_F( Probes, KeepNoKnownL3MulticastExemptWithoutTheOverride ) {
    state.isOverrideRuleOn = false;
+   stateIsOther();
    exempt( 0, FrameKind::KnownUnicast );
    exempt( 0, FrameKind::RoutedUnicast );
    mask( 0, { 1 } );
@@ -217,8 +218,8 @@ TEST_F( Probes, TakeWhatIsWrongAtRestForNoTransient ) {
    std::string const text = "flooded frames still leave by a shared port";
    Seen const seen = probes.seenAtRest();
    EXPECT_FALSE( seen.transients.contains( text ) );
-   EXPECT_TRUE( seen.lasting.contains( { text, vtep } ) );
-   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, vtep } ) );
+   EXPECT_TRUE( seen.lasting.contains( { text, 0, vtep } ) );
+   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, vtep } ) );
    call();
    U32 const id = mask( 0, { 1 } );
    Seen const mended = probes.seenAtRest();
@@ -277,12 +278,14 @@ TEST_F( Probes, SendNothingBeforeTheFirstCall ) {
 
 TEST_F( Probes, WantEveryFrameOfAVtepThatSharesNothing ) {
    state.virtualPorts[ IpGenAddr::fromString( "10.0.0.3" ) ] = 3;
+   stateIsOther();
    writeAll();
    EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
 }
 
 TEST_F( Probes, LeaveOutKnownL3MulticastThatThePlatformExempts ) {
    state.isL3MulticastExempt = true;
+   stateIsOther();
    exempt( 0, FrameKind::KnownUnicast );
    exempt( 0, FrameKind::RoutedUnicast );
    mask( 0, { 1 } );
@@ -292,6 +295,7 @@ TEST_F( Probes, LeaveOutKnownL3MulticastThatThePlatformExempts ) {
 TEST_F( Probes, LookAtEachMemberOfAPortChannelOnEachUnit ) {
    state.lags = { { intf( "Port-Channel1" ), { intf( "Ethernet2" ), intf( "Ethernet3" ) } } };
    state.segments = { { intf( "Port-Channel1" ), { vtep } } };
+   stateIsOther();
    exemptAll();
    mask( 0, { 2 } );
    EXPECT_FALSE( probes.seenAtRest().lasting.empty() );
@@ -299,51 +303,102 @@ TEST_F( Probes, LookAtEachMemberOfAPortChannelOnEachUnit ) {
    EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
 }
 
-TEST_F( Probes, JudgeNoPortOfTwoInterfacesAndNoVirtualPortOfTwoVteps ) {
-   state.ports[ intf( "Ethernet4" ) ] = { 0, 1, 0 };
+TEST_F( Probes, TakeAPortOfTwoInterfacesForSharedWhenOneOfThemIs ) {
+   state.ports[ intf( "Ethernet0" ) ] = { 0, 1, 0 };
+   stateIsOther();
    exemptAll();
+   EXPECT_FALSE( probes.seenAtRest().lasting.empty() );
+   mask( 0, { 1 } );
    EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
+}
 
-   state.ports.erase( intf( "Ethernet4" ) );
+TEST_F( Probes, JudgeNoVirtualPortOfTwoVteps ) {
    state.virtualPorts[ IpGenAddr::fromString( "10.0.0.3" ) ] = 2;
    stateIsOther();
    call();
-   Seen const seen = probes.seenAtRest();
-   EXPECT_TRUE( seen.lasting.empty() );
-   EXPECT_EQ( seen.frames, 0U );
+   EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
 }
 
-// Three more interfaces, of which two have no port that a frame can leave by.
+TEST_F( Probes, SeeFramesOfAVtepThatLeaveAgainWhenItsVirtualPortChanges ) {
+   U32 const old = writeAll();
+   state.virtualPorts[ vtep ] = 3;
+   stateIsOther();
+   release( 0, old );
+   Seen const seen = probes.seenAtRest();
+   EXPECT_TRUE( seen.transients.empty() );
+   EXPECT_TRUE(
+      seen.lasting.contains( { "flooded frames leave by a shared port again", 0, vtep } ) );
+}
+
+TEST_F( Probes, LookAfterAVniThatItsVrfHasLost ) {
+   writeAll();
+   state.vnis.clear();
+   stateIsOther();
+   call();
+   EXPECT_TRUE( probes.seenAtRest().lasting.contains(
+      { "known L3 multicast frames still leave by a shared port", 0, vtep } ) );
+}
+
+TEST_F( Probes, WantEveryFrameOfAHostOfThisSwitch ) {
+   writeAll();
+   U32 const id = write( 0, []( Chip::Entry & entry ) {
+      entry.actionAdd( Action::EgressMask, { .ports = bitmapOf( { 2 } ) } );
+   } );
+   std::string const text = "flooded frames reach a port no more";
+   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, std::nullopt } ) );
+   release( 0, id );
+   EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
+}
+
+TEST_F( Probes, LookAtRestAtWhatNoCallHasChanged ) {
+   U32 const id = writeAll();
+   board.units().group( 0, kGroup )->release( id );
+   EXPECT_FALSE( probes.seenAtRest().lasting.empty() );
+}
+
+// Three more interfaces, of which two have no port that a frame can leave by. The VRF had VNI 50001.
 TEST_F( Probes, FindARoomOfTheirOwnOnAnySwitch ) {
    state.vnis = { { intf( "Vxlan1" ), { { L3::VrfName( "red" ), 1 } } } };
    state.ports[ intf( "Ethernet65534" ) ] = { 0, 351, 0 };
    state.ports[ intf( "Ethernet5" ) ] = { 0, 400, 0 };
    state.ports[ intf( "Ethernet6" ) ] = { 7, 1, 0 };
+   stateIsOther();
    call();
-   EXPECT_EQ( probes.seenAtRest().frames, 2U * 2U * ( 4U + 2U * 4U ) );
+   EXPECT_EQ( probes.seenAtRest().frames, 3U * ( 4U + 4U + 2U * 4U ) * 2U );
 }
 
 TEST_F( Probes, AskTheAuditForTheReasonOfWhatLasts ) {
-   Seen const seen{ .lasting = { { "text", vtep } } };
+   Seen const seen{ .lasting = { { "text", 1, vtep } } };
+   auto const isUnexplained = [ & ]( Story::Difference const & difference ) {
+      Audit::Report report;
+      report.differences = { difference };
+      return !unexplained( seen, report, true ).empty();
+   };
    EXPECT_EQ( unexplained( seen, {}, true ), std::set< std::string >{ "text" } );
    EXPECT_TRUE( unexplained( seen, {}, false ).empty() );
-   Audit::Report differs;
-   differs.differences = { {} };
-   EXPECT_TRUE( unexplained( seen, differs, true ).empty() );
-   Audit::Report full;
-   full.unprotected = { { vtep, "full" } };
-   EXPECT_TRUE( unexplained( seen, full, true ).empty() );
-   full.unprotected = { { IpGenAddr::fromString( "10.0.0.3" ), "full" } };
-   EXPECT_FALSE( unexplained( seen, full, true ).empty() );
+   Story::Difference difference;
+   EXPECT_TRUE( isUnexplained( difference ) );
+   difference.rule = "Mark or drop packets at IFP from vtep IP 10.0.0.2 on shared segments";
+   EXPECT_FALSE( isUnexplained( difference ) );
+   difference.unit = 1;
+   EXPECT_FALSE( isUnexplained( difference ) );
+   difference.unit = 0;
+   EXPECT_TRUE( isUnexplained( difference ) );
+   difference.unit = 1;
+   difference.rule = "Mark or drop packets at IFP from vtep IP 10.0.0.21 on shared segments";
+   EXPECT_TRUE( isUnexplained( difference ) );
+   difference.rule = "Skip shared ES pruning for packets with vni 50001 - No-op";
+   EXPECT_FALSE( isUnexplained( difference ) );
 }
 
 TEST_F( Probes, SendOverIpv6Too ) {
    IpGenAddr const other = IpGenAddr::fromString( "2001:db8::3" );
    state.segments[ intf( "Ethernet2" ) ].insert( other );
    state.virtualPorts[ other ] = 3;
+   stateIsOther();
    call();
    EXPECT_TRUE( probes.seenAtRest().lasting.contains(
-      { "flooded frames still leave by a shared port", other } ) );
+      { "flooded frames still leave by a shared port", 0, other } ) );
 }
 
 }  // namespace
