@@ -356,7 +356,8 @@ TEST_F( Probes, LookAtRestAtWhatNoCallHasChanged ) {
    EXPECT_FALSE( probes.seenAtRest().lasting.empty() );
 }
 
-// Three more interfaces, of which two have no port that a frame can leave by. The VRF had VNI 50001.
+// Three more interfaces, of which two have no port that a frame can leave by. The VRF had VNI
+// 50001.
 TEST_F( Probes, FindARoomOfTheirOwnOnAnySwitch ) {
    state.vnis = { { intf( "Vxlan1" ), { { L3::VrfName( "red" ), 1 } } } };
    state.ports[ intf( "Ethernet65534" ) ] = { 0, 351, 0 };

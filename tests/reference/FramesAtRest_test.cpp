@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <Folder.h>
 #include <Judgement.h>
 #include <Rest.h>
 #include <Shorter.h>
@@ -35,22 +36,6 @@ fs::path plugIn() {
    char const * const given = std::getenv( "VORNAL_TEST_PLUGIN" );
    return given ? given : VORNAL_BINARY_DIR "/VornalEvpn.so";
 }
-
-class Folder {
- public:
-   Folder() {
-      std::string name = fs::temp_directory_path() / "test-reference-XXXXXX";
-      path_ = mkdtemp( name.data() );
-   }
-   Folder( Folder const & ) = delete;
-   Folder & operator=( Folder const & ) = delete;
-   ~Folder() { fs::remove_all( path_ ); }
-
-   fs::path const & path() const { return path_; }
-
- private:
-   fs::path path_;
-};
 
 // Says at the end of the program how many frames were judged.
 struct Total {

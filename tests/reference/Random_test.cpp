@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <rapidcheck.h>
 
+#include <Folder.h>
 #include <Judgement.h>
 #include <Moves.h>
 #include <Shorter.h>
@@ -37,33 +38,18 @@ bool const isSeeded = [] {
    return setenv( "RC_PARAMS", params.c_str(), 1 ) == 0;
 }();
 
-// A folder of the test's own, gone with it.
-class Folder {
- public:
-   Folder() {
-      std::string name = fs::temp_directory_path() / "test-reference-XXXXXX";
-      path_ = mkdtemp( name.data() );
+// A scenario that the reader refuses is off, too.
+Judgement judgementOn( std::string const & scenario, Claim claim, fs::path const & folder ) {
+   fs::path const file = folder / "scenario.yaml";
+   std::ofstream( file ) << scenario;
+   try {
+      return judgementOf( file, claim );
+   } catch ( std::exception const & refused ) {
+      Judgement judgement;
+      judgement.differences = { refused.what() };
+      return judgement;
    }
-   Folder( Folder const & ) = delete;
-   Folder & operator=( Folder const & ) = delete;
-   ~Folder() { fs::remove_all( path_ ); }
-
-   // A scenario that the reader refuses is off, too.
-   Judgement judgementOn( std::string const & scenario, Claim claim ) const {
-      fs::path const file = path_ / "scenario.yaml";
-      std::ofstream( file ) << scenario;
-      try {
-         return judgementOf( file, claim );
-      } catch ( std::exception const & refused ) {
-         Judgement judgement;
-         judgement.differences = { refused.what() };
-         return judgement;
-      }
-   }
-
- private:
-   fs::path path_;
-};
+}
 
 // --- What is tried
 
@@ -146,7 +132,7 @@ class RandomStories : public testing::Test {
       if ( wentWell_.contains( story ) ) {
          return false;
       }
-      Judgement const judgement = folder_.judgementOn( story, claim_ );
+      Judgement const judgement = judgementOn( story, claim_, folder_.path() );
       counts_.add( judgement.counts );
       ++stories_;
       if ( !judgement.isOff() ) {
@@ -172,7 +158,7 @@ class RandomStories : public testing::Test {
    // is a look that makes the difference.
    void leaveLooksOut( Moves::Story const & story ) {
       std::string const brief = story.upTo( off_.step );
-      Judgement const judgement = folder_.judgementOn( brief, claim_ );
+      Judgement const judgement = judgementOn( brief, claim_, folder_.path() );
       if ( off_.step > 0 && judgement.isOff() ) {
          off_ = judgement;
          shortest_ = brief;
