@@ -21,7 +21,7 @@ bool Reach::isPlace( Place const & place ) const {
    if ( auto const * const vtep = std::get_if< Vtep >( &place ) ) {
       return isTunnel( *vtep );
    }
-   Interface const & intf = std::get< Interface >( place );
+   auto const & intf = std::get< Interface >( place );
    return intf.isPortChannel() || canLeaveBy( device_.facts(), intf );
 }
 
@@ -88,7 +88,7 @@ Places Reach::toPlace( Place const & place ) const {
    if ( auto const * const vtep = std::get_if< Vtep >( &place ) ) {
       return isReachable( *vtep ) ? Places{ {}, { *vtep } } : Places();
    }
-   Interface const & intf = std::get< Interface >( place );
+   auto const & intf = std::get< Interface >( place );
    return canLeaveBy( device_.facts(), intf ) ? Places{ { intf }, {} } : Places();
 }
 
