@@ -6,11 +6,10 @@
 #include <nlohmann/json.hpp>
 
 #include <FromScenario/Changes.h>
+#include <FromScenario/Faults.h>
 #include <Steps/Call.h>
 #include <Steps/Delete.h>
 #include <Steps/DesignatedForwarder.h>
-#include <Steps/DriftStep.h>
-#include <Steps/FailCall.h>
 #include <Steps/ForeignEntries.h>
 #include <Steps/Publish.h>
 #include <Steps/Ready.h>
@@ -136,6 +135,9 @@ Turns changesOf( Scenario::Action const & action ) {
    if ( auto const change = byPath( action ) ) {
       all.push_back( { *change } );
    }
+   if ( auto const fault = faultOf( action ) ) {
+      all.push_back( { *fault } );
+   }
    if ( isPass( action ) ) {
       all.push_back( { Pass{} } );
    }
@@ -153,13 +155,7 @@ std::string noOpinionOn( Scenario::Action const & action ) {
    if ( isAnyChange && !byPath( action ) && !isPass( action ) ) {
       return "an entity was changed through the generic interface";
    }
-   if ( dynamic_cast< Steps::FailCall const * >( &action ) ) {
-      return "a call of the chip is to fail";
-   }
-   if ( dynamic_cast< Steps::DriftStep const * >( &action ) ) {
-      return "a rule drifted in the chip";
-   }
-   return "";
+   return noOpinionOnFault( action );
 }
 
 void tellTurn( Steps::Turn const & turn, StepTold & told ) {

@@ -10,6 +10,8 @@
 
 #include <Facts/Device.h>
 #include <Facts/Facts.h>
+#include <Rules/Drift.h>
+#include <Rules/Faults.h>
 
 namespace Reference {
 
@@ -94,12 +96,14 @@ struct OthersHold {
    unsigned entries = 0;
 };
 struct Ready {};
+// A fault of the chip: CallFails, EntryIsRefused, RuleDrifts. The plug-in is not told.
 // The plug-in's own verification pass runs.
 struct Pass {};
 
-using Event = std::variant< PortIs, PortGoes, MemberJoins, MemberLeaves, SegmentIs, SegmentGoes,
-                            SegmentReplaced, VtepJoins, VtepLeaves, VirtualPortIs, VirtualPortGoes,
-                            OtherKeyIs, OtherKeyGoes, TunnelIs, TunnelGoes, TunnelReplaced, VniIs,
-                            VniGoes, GrantIs, GrantGoes, OthersHold, Ready, Pass >;
+using Event =
+   std::variant< PortIs, PortGoes, MemberJoins, MemberLeaves, SegmentIs, SegmentGoes,
+                 SegmentReplaced, VtepJoins, VtepLeaves, VirtualPortIs, VirtualPortGoes, OtherKeyIs,
+                 OtherKeyGoes, TunnelIs, TunnelGoes, TunnelReplaced, VniIs, VniGoes, GrantIs,
+                 GrantGoes, OthersHold, Ready, Pass, CallFails, EntryIsRefused, RuleDrifts >;
 
 }  // namespace Reference

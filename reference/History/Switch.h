@@ -65,6 +65,9 @@ class Switch {
    void take( OthersHold const & event );
    void take( Ready const & event );
    void take( Pass const & event );
+   void take( CallFails const & event ) { groups_.fails( event ); }
+   void take( EntryIsRefused const & event ) { groups_.fails( event ); }
+   void take( RuleDrifts const & event ) { groups_.drifts( event ); }
 
    void lagIs( Interface const & member, Interface const & portChannel );
    void joined( Vtep const & vtep, Interface const & segment );

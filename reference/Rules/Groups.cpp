@@ -59,7 +59,10 @@ template< typename Work >
 Result Groups::call( std::string const & operation, Target const & target, Values const & values,
                      Work const & work ) {
    auto const rule = target.id ? rules_.find( *target.id ) : rules_.end();
-   Result const result = rule == rules_.end() ? kUnknownEntry : work( rule->second );
+   Result result = faults_.codeOfNext( operation );
+   if ( result == 0 ) {
+      result = rule == rules_.end() ? kUnknownEntry : work( rule->second );
+   }
    calls_.push_back( { operation, target.unit, nameOf( target.id ), values, result } );
    return result;
 }
@@ -75,7 +78,8 @@ std::string Groups::nameOf( RuleId id ) const {
 // --- Rules
 
 RuleId Groups::obtain( unsigned unit, Group group, std::string const & name ) {
-   bool const isThereRoom = hasRoom( unit, group );
+   bool const isRefused = faults_.isNextRefused();
+   bool const isThereRoom = !isRefused && hasRoom( unit, group );
    Call & made = calls_.emplace_back();
    made.operation = "getEntry";
    made.unit = unit;
@@ -85,8 +89,14 @@ RuleId Groups::obtain( unsigned unit, Group group, std::string const & name ) {
       return std::nullopt;
    }
    made.rule = name;
+   return add( unit, group, name );
+}
+
+RuleId Groups::add( unsigned unit, Group group, std::string const & name ) {
    auto const id = static_cast< unsigned >( all_.size() + 1 );
-   rules_[ id ] = all_[ id ] = { unit, group, name };
+   Rule rule{ unit, group, name };
+   rule.entry = ++lastEntry_[ unit ];
+   rules_[ id ] = all_[ id ] = rule;
    return id;
 }
 

@@ -6,7 +6,8 @@
 // looks again when that changes, unless every unit is exhausted.
 //
 // A call has a result: 0, or a negative code when it is refused. A rule that is not there, or lacks
-// the part that is asked for, refuses. What follows from a result is its caller's.
+// the part that is asked for, refuses; so does a fault of the chip. What follows from a result is
+// its caller's.
 #pragma once
 
 #include <map>
@@ -16,6 +17,8 @@
 #include <utility>
 #include <vector>
 
+#include <Rules/Drift.h>
+#include <Rules/Faults.h>
 #include <Rules/Rule.h>
 
 namespace Reference {
@@ -62,6 +65,9 @@ class Groups {
    ReadBack< std::set< unsigned > > readMask( unsigned unit, RuleId id );
 
    // --- Others
+   void fails( CallFails const & fault ) { faults_.add( fault ); }
+   void fails( EntryIsRefused const & fault ) { faults_.add( fault ); }
+   void drifts( RuleDrifts const & drift );
    void othersHold( Group group, std::optional< unsigned > unit, unsigned entries );
 
    // --- What there is
@@ -85,6 +91,9 @@ class Groups {
       RuleId id;
    };
    Target targetOf( RuleId id ) const;
+   RuleId add( unsigned unit, Group group, std::string const & name );
+   unsigned idOf( Group group, unsigned unit, RuleNamed const & named ) const;
+   void meets( unsigned id, Fate fate );
    std::string nameOf( RuleId id ) const;
    template< typename Work >
    Result call( std::string const & operation, Target const & target, Values const & values,
@@ -97,6 +106,8 @@ class Groups {
    std::map< unsigned, Rule > rules_;
    // Of every rule that there was: where, and its name.
    std::map< unsigned, Rule > all_;
+   std::map< unsigned, unsigned > lastEntry_;  // by unit
+   Faults faults_;
    std::map< Place, unsigned > others_;
    std::set< Place > exhausted_;
    bool isToLookAgain_ = false;

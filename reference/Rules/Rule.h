@@ -42,6 +42,7 @@ struct Rule {
    std::string name;
    Content staged{};
    std::optional< Content > written{};  // no frame meets a rule without it
+   unsigned entry = 0;                  // its number on the unit; not compared
 
    // What it shows: the written copy, or the staged one where there is no other.
    Content const & content() const { return written ? *written : staged; }

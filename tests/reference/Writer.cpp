@@ -1,35 +1,13 @@
 #include <Writer.h>
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+
+#include <Names.h>
 
 namespace Moves {
 
 namespace {
-
-std::array< std::string, 4 > const kVteps{ "10.0.0.2", "10.0.0.10", "2001:db8::2", "10.0.0.3" };
-std::array< std::string, 4 > const kSegments{ "Port-Channel1", "Ethernet1", "Port-Channel2",
-                                              "Ethernet2" };
-// On a switch that is not calm, members can be on a segment of their own, too.
-std::array< std::string, 6 > const kAllSegments{ "Port-Channel1", "Ethernet1", "Port-Channel2",
-                                                 "Ethernet2",     "Ethernet3", "Ethernet6" };
-std::array< std::string, 6 > const kInterfaces{ "Ethernet1", "Ethernet3", "Ethernet4",
-                                                "Ethernet2", "Ethernet5", "Ethernet6" };
-std::array< std::string, 4 > const kMembers{ "Ethernet5", "Ethernet3", "Ethernet4", "Ethernet6" };
-std::array< std::string, 2 > const kPortChannels{ "Port-Channel1", "Port-Channel2" };
-std::array< std::string, 2 > const kTunnels{ "Vxlan1", "Vxlan2" };
-std::array< std::string, 3 > const kVrfs{ "red", "blue", "green" };
-std::array< std::string, 5 > const kVnis{ "50001", "50002", "50003", "none", "0" };
-std::array< unsigned, 7 > const kPorts{ 6, 1, 3, 4, 5, 2, 1023 };
-std::array< unsigned, 7 > const kVirtualPorts{ 2, 3, 4, 5, 6, 0, 0x10002 };
-std::array< std::string, 2 > const kOtherKeys{ "#west", "@2" };
-std::array< unsigned, 4 > const kClassIds{ 7, 1, 2, 0xffff };
-
-// The one with that number, counted round.
-template< typename All > auto const & pick( All const & all, unsigned which ) {
-   return all[ which % all.size() ];
-}
 
 // Removes a member; its key, if there is any member.
 template< typename Map > std::optional< std::string > takeKey( Map & map, unsigned which ) {
@@ -82,7 +60,7 @@ std::vector< Writer::Kind > const & Writer::table() {
       &Writer::othersHold,      &Writer::grantIs,         &Writer::grantGoes,
       &Writer::allocatorPauses, &Writer::designatedIs,    &Writer::hostSends,
       &Writer::hostIsSentTo,    &Writer::passRuns,        &Writer::otherKeyIs,
-      &Writer::otherKeyGoes
+      &Writer::otherKeyGoes,    &Writer::callFails,       &Writer::entryIsRefused
    };
    return all;
 }
@@ -298,119 +276,6 @@ Writer::Yaml Writer::tunnelReplaced( Move const & move ) {
 
 Writer::Name const & Writer::tunnelOf( Move const & move ) const {
    return world_.isCalm ? kTunnels[ 0 ] : pick( kTunnels, move.place );
-}
-
-// --- Room, class ids, frames
-
-Writer::Yaml Writer::othersHold( Move const & move ) {
-   if ( world_.isCalm ) {
-      return {};
-   }
-   bool const isIngress = move.place % 2 == 0;
-   std::string const unit =
-      move.who % 3 == 0 ? "" : ", unit: " + std::to_string( move.who % world_.units );
-   unsigned const all = isIngress ? world_.ingressEntries : world_.egressEntries;
-   unsigned const free = move.number % 5;  // that are left to the plug-in
-   return "foreign-entries: { group: " + std::string( isIngress ? "ingress" : "egress" ) + unit +
-          ", count: " + std::to_string( all > free ? all - free : 0 ) + " }";
-}
-
-Writer::Yaml Writer::grantIs( Move const & move ) {
-   if ( world_.isCalm || world_.variant != "class-id" ) {
-      return {};
-   }
-   Name const & vtep = pick( kVteps, move.who );
-   granted_.insert( vtep );
-   return "publish: { class-id-grants: { '" + vtep +
-          "': " + std::to_string( pick( kClassIds, move.number ) ) + " } }";
-}
-
-Writer::Yaml Writer::grantGoes( Move const & move ) {
-   Name const & vtep = pick( kVteps, move.who );
-   if ( granted_.erase( vtep ) == 0 ) {
-      return {};
-   }
-   return "withdraw: { class-id-grants: [ '" + vtep + "' ] }";
-}
-
-void Writer::grantIsUncertain( Name const & vtep ) {
-   if ( !isPaused_ ) {
-      granted_.erase( vtep );
-   }
-}
-
-Writer::Yaml Writer::allocatorPauses( Move const & move ) {
-   bool const isToPause = move.number % 4 == 0;  // mostly it serves
-   if ( world_.isCalm || world_.variant != "class-id" || isToPause == isPaused_ ) {
-      return {};
-   }
-   isPaused_ = isToPause;
-   granted_.clear();
-   return std::string( "class-id-allocator: " ) + ( isPaused_ ? "paused" : "serving" );
-}
-
-Writer::Yaml Writer::designatedIs( Move const & move ) {
-   if ( !canForward() ) {
-      return {};
-   }
-   return "designated-forwarder: { " + pick( kSegments, move.place ) + ": " +
-          ( move.number % 2 == 0 ? "false" : "true" ) + " }";
-}
-
-// A host's frame: the chip learns where the host is.
-Writer::Yaml Writer::hostSends( Move const & move ) {
-   Name const & intf = pick( kSegments, move.place );
-   if ( !canForward() || !hasPort( intf ) ) {
-      return {};
-   }
-   return "frame: { on: " + intf + ", source: 00:00:5e:00:53:1" +
-          std::to_string( move.number % 2 ) + " }";
-}
-
-// A VTEP's frame for that host.
-Writer::Yaml Writer::hostIsSentTo( Move const & move ) {
-   Name const & vtep = pick( kVteps, move.who );
-   if ( !canForward() || !isInChip( vtep ) ) {
-      return {};
-   }
-   return "frame: { from: '" + vtep +
-          "', vni: 10100, source: 00:00:5e:00:53:02, destination: 00:00:5e:00:53:1" +
-          std::to_string( move.number % 2 ) + " }";
-}
-
-// --- Verification
-
-// On a calm switch, the pass must not stop.
-Writer::Yaml Writer::passRuns( Move const & ) {
-   return world_.isCalm && !haveAllVirtualPorts() ? Yaml() : "verify: plug-in";
-}
-
-bool Writer::haveAllVirtualPorts() const {
-   return std::all_of( segments_.begin(), segments_.end(), [ & ]( auto const & segment ) {
-      return std::all_of( segment.second.begin(), segment.second.end(),
-                          [ & ]( Name const & vtep ) { return virtualPort_.contains( vtep ); } );
-   } );
-}
-
-// --- Looks
-
-bool Writer::isInChip( Name const & vtep ) const {
-   return virtualPort_.contains( vtep ) ||
-          std::any_of( kOtherKeys.begin(), kOtherKeys.end(), [ & ]( std::string const & key ) {
-             return otherKey_.contains( vtep + key );
-          } );
-}
-
-// A frame of every VTEP that the switch has a virtual port for.
-std::vector< Step > Writer::looks() const {
-   std::vector< Step > all;
-   for ( Name const & vtep : kVteps ) {
-      if ( canForward() && isInChip( vtep ) ) {
-         all.push_back(
-            { "frame: { from: '" + vtep + "', vni: 10100, source: 00:00:5e:00:53:02 }", true } );
-      }
-   }
-   return all;
 }
 
 }  // namespace Moves

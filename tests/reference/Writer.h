@@ -65,7 +65,9 @@ class Writer {
    Yaml hostSends( Move const & move );
    Yaml hostIsSentTo( Move const & move );
 
-   // --- Verification
+   // --- Faults, verification
+   Yaml callFails( Move const & move );
+   Yaml entryIsRefused( Move const & move );
    Yaml passRuns( Move const & move );
    // Whether every VTEP that shares a segment has a virtual port.
    bool haveAllVirtualPorts() const;
