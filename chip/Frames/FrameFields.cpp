@@ -1,5 +1,7 @@
 #include <Frames/FrameFields.h>
 
+#include <array>
+#include <cstring>
 #include <memory>
 
 #include <Frames/Headers.h>
@@ -30,7 +32,22 @@ constexpr U8 kNeighbourDiscoveryHopLimit = 255;
 }
 
 Tins::HWAddress< 6 > tinsOf( MacAddress address ) {
-   return { address.stringValue() };
+   std::array< U8, MacAddress::kBytes > bytes{};
+   for ( std::size_t n = 0; n < bytes.size(); ++n ) {
+      bytes[ n ] = static_cast< U8 >( address.value() >> ( 40 - 8 * n ) );
+   }
+   return { bytes.data() };
+}
+
+// Of the family that the address has.
+Tins::IPv4Address tinsIpv4( IpGenAddr const & address ) {
+   U32 inNetworkOrder = 0;
+   std::memcpy( &inNetworkOrder, address.bytes().data(), sizeof( inNetworkOrder ) );
+   return Tins::IPv4Address( inNetworkOrder );
+}
+
+Tins::IPv6Address tinsIpv6( IpGenAddr const & address ) {
+   return Tins::IPv6Address( address.bytes().data() );
 }
 
 bool isIpv4( IpGenAddr const & address ) {
@@ -47,12 +64,12 @@ void sameFamily( IpGenAddr const & a, IpGenAddr const & b ) {
 Packet ipOf( IpGenAddr const & source, IpGenAddr const & destination, U8 timeToLive ) {
    sameFamily( source, destination );
    if ( isIpv4( source ) ) {
-      auto ip = std::make_unique< Tins::IP >( destination.stringValue(), source.stringValue() );
+      auto ip = std::make_unique< Tins::IP >( tinsIpv4( destination ), tinsIpv4( source ) );
       ip->ttl( timeToLive );
       ip->flags( Tins::IP::DONT_FRAGMENT );
       return ip;
    }
-   auto ip = std::make_unique< Tins::IPv6 >( destination.stringValue(), source.stringValue() );
+   auto ip = std::make_unique< Tins::IPv6 >( tinsIpv6( destination ), tinsIpv6( source ) );
    ip->hop_limit( timeToLive );
    return ip;
 }
@@ -87,7 +104,7 @@ Packet arpOf( FrameFields const & fields ) {
    if ( !isIpv4( source ) ) {
       refuse( "ARP is for IPv4 addresses; of IPv6 addresses it is neighbour solicitation" );
    }
-   auto arp = std::make_unique< Tins::ARP >( destination.stringValue(), source.stringValue(),
+   auto arp = std::make_unique< Tins::ARP >( tinsIpv4( destination ), tinsIpv4( source ),
                                              Tins::ARP::hwaddress_type(), tinsOf( fields.source ) );
    arp->opcode( Tins::ARP::REQUEST );
    return arp;
@@ -103,7 +120,7 @@ Packet solicitationOf( FrameFields const & fields ) {
    std::copy_n( target.bytes().begin() + 13, 3, group.begin() + 13 );
    Packet ip = ipOf( source, IpGenAddr::ipv6( group ), kNeighbourDiscoveryHopLimit );
    Tins::ICMPv6 icmp( Tins::ICMPv6::NEIGHBOUR_SOLICIT );
-   icmp.target_addr( target.stringValue() );
+   icmp.target_addr( tinsIpv6( target ) );
    icmp.source_link_layer_addr( tinsOf( fields.source ) );
    ip->inner_pdu( icmp );
    return ip;
