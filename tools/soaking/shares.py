@@ -15,12 +15,12 @@ def techniques(work, minutes):
     part = minutes / HOUR
     once = min(1.0, part)
     return [
-        Sequences(work, 0.40, 3_000_000 * part),
-        Faults(work, 0.14, 300_000 * part),
-        Stories(work, 0.02, 5_000 * part),
-        Frames(work, 0.12, 100_000_000 * part),
-        Inputs(work, 0.18, 50_000_000 * part),
-        Mutants(work, 0.11, 300 * part, minutes),
+        Sequences(work, 0.345, 3_000_000 * part),
+        Faults(work, 0.125, 300_000 * part),
+        Stories(work, 0.015, 5_000 * part),
+        Frames(work, 0.075, 100_000_000 * part),
+        Inputs(work, 0.21, 50_000_000 * part),
+        Mutants(work, 0.22, 300 * part, minutes),
         Events(work, 0.01, max(400_000, 1_000_000 * once)),
         Vteps(work, 0.01, max(256, 2 * 16_384 * once)),
         Runs(work, 0.01, max(20, 1000 * once)),
