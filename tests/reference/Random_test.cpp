@@ -30,7 +30,7 @@ using Moves::World;
 bool const isSeeded = [] {
    char const * const given = std::getenv( "RC_PARAMS" );
    std::string params = given ? given : "";
-   for ( std::string const name : { "seed=20261122", "max_success=300", "noshrink=1" } ) {
+   for ( std::string const name : { "seed=20261122", "max_success=100", "noshrink=1" } ) {
       if ( params.find( name.substr( 0, name.find( '=' ) + 1 ) ) == std::string::npos ) {
          params += " " + name;
       }
