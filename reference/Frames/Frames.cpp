@@ -1,7 +1,7 @@
 #include <Frames/Frames.h>
 
 #include <algorithm>
-#include <limits>
+#include <cstdint>
 
 namespace Reference {
 
@@ -88,10 +88,11 @@ bool isMet( Content const & rule, Fields const & fields ) {
    } );
 }
 
-// The highest priority wins; none that was set is as high as the group's own. Of equals, the one
-// that was obtained first wins.
-unsigned rankOf( Content const & rule ) {
-   return rule.priority.value_or( std::numeric_limits< unsigned >::max() );
+// The highest priority wins. The group's own stands above every one that was set. Of equals, the
+// one that was obtained first wins.
+std::uint64_t rankOf( Content const & rule ) {
+   constexpr std::uint64_t kAboveAll = std::uint64_t{ 1 } << 32U;
+   return rule.priority ? *rule.priority : kAboveAll;
 }
 
 Content const * winner( Switch const & device, unsigned unit, Group group, Fields const & fields ) {

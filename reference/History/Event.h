@@ -1,5 +1,5 @@
 // What happens on a switch, from its start on. Other agents publish, change and withdraw state;
-// others take and leave room; the layer-2 sub-agent becomes ready.
+// others take and leave room; the layer-2 sub-agent becomes ready; the chip fails.
 #pragma once
 
 #include <map>
@@ -96,10 +96,10 @@ struct OthersHold {
    unsigned entries = 0;
 };
 struct Ready {};
-// A fault of the chip: CallFails, EntryIsRefused, RuleDrifts. The plug-in is not told.
 // The plug-in's own verification pass runs.
 struct Pass {};
 
+// CallFails, EntryIsRefused and RuleDrifts are faults of the chip. The plug-in is not told.
 using Event =
    std::variant< PortIs, PortGoes, MemberJoins, MemberLeaves, SegmentIs, SegmentGoes,
                  SegmentReplaced, VtepJoins, VtepLeaves, VirtualPortIs, VirtualPortGoes, OtherKeyIs,

@@ -41,7 +41,6 @@ struct Changing {
 
 }  // namespace
 
-// The program refuses a drift of a rule that is not there, so there it is.
 unsigned Groups::idOf( Group group, unsigned unit, RuleNamed const & named ) const {
    auto const found = std::find_if( rules_.begin(), rules_.end(), [ & ]( auto const & one ) {
       Rule const & rule = one.second;

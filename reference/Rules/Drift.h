@@ -1,4 +1,5 @@
-// A rule changes in the chip, and nobody is told. Its written copy changes; the staged one stays.
+// A rule changes in the chip, and nobody is told. Only its written copy changes; a rule that is
+// destroyed or copied goes or comes as a whole. A drift that the program refuses is none here.
 #pragma once
 
 #include <optional>

@@ -67,7 +67,7 @@ class Groups {
    // --- Others
    void fails( CallFails const & fault ) { faults_.add( fault ); }
    void fails( EntryIsRefused const & fault ) { faults_.add( fault ); }
-   void drifts( RuleDrifts const & drift );
+   void drifts( RuleDrifts const & drift );  // in Drift.cpp, with its helpers
    void othersHold( Group group, std::optional< unsigned > unit, unsigned entries );
 
    // --- What there is

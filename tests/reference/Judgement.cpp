@@ -66,7 +66,9 @@ class Judge {
          noOpinionOnSteps( noOpinion_, told_.steps.size() - n );
          return false;
       }
-      return !result_.isOff() && !switch_.stop() && n + 1 < run_.steps.size();
+      // The last step of a run that ended by a wrong input is the one that was refused.
+      std::size_t const carriedOut = run_.steps.size() - ( run_.error.empty() ? 0 : 1 );
+      return !result_.isOff() && !switch_.stop() && n + 1 < carriedOut;
    }
 
    void noOpinionOnSteps( std::string const & reason, std::size_t steps ) {

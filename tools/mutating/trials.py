@@ -43,7 +43,8 @@ class Trial:
         """Whether the plug-in in the folder passes, within the seconds."""
         words = [str(one).format(folder=folder) for one in self.words]
         environment = {**os.environ, "VORNAL_TEST_PLUGIN": f"{folder}/{PLUGIN_TARGET}",
-                       "LD_LIBRARY_PATH": str(RELEASE)}
+                       "LD_LIBRARY_PATH": str(RELEASE),
+                       "RC_PARAMS": "max_success=300"}
         with subprocess.Popen(
                 words, cwd=ROOT, env=environment, stdin=subprocess.DEVNULL,
                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,

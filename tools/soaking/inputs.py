@@ -7,7 +7,8 @@ import tempfile
 from soaking.technique import Technique
 from soaking.work import ROOT
 
-# Three pieces of four try many inputs. The fourth has the sanitizers look at what they have kept.
+# Three pieces of a target try many inputs. The fourth tries those that were kept, and others, under
+# the sanitizers.
 BUILDS = ("fuzz-fast", "fuzz-fast", "fuzz-fast", "fuzz")
 SECONDS = 20  # of a piece
 
@@ -28,15 +29,15 @@ class Inputs(Technique):
         targets = sorted(one.stem for one in (ROOT / "fuzz").glob("*.cpp"))
         self.spent = {target: 0.0 for target in targets}
         self.busy = set()
-        self.pieces = 0
+        self.pieces = {target: work.number() for target in targets}
 
     def piece(self):
         with self.lock:
             free = [one for one in self.spent if one not in self.busy]
             target = min(free, key=lambda one: self.spent[one] / self.weights.get(one, 1))
             self.busy.add(target)
-            folder = ROOT / "build" / BUILDS[self.pieces % len(BUILDS)]
-            self.pieces += 1
+            folder = ROOT / "build" / BUILDS[self.pieces[target] % len(BUILDS)]
+            self.pieces[target] += 1
         try:
             self._fuzz(folder, target)
         finally:

@@ -20,7 +20,7 @@ def techniques(work, minutes):
         Stories(work, 0.015, 5_000 * part),
         Frames(work, 0.075, 100_000_000 * part),
         Inputs(work, 0.21, 50_000_000 * part),
-        Mutants(work, 0.22, 300 * part, minutes),
+        Mutants(work, 0.20, 300 * part, minutes),
         Events(work, 0.01, max(400_000, 1_000_000 * once)),
         Vteps(work, 0.01, max(256, 2 * 16_384 * once)),
         Runs(work, 0.01, max(20, 1000 * once)),
