@@ -47,7 +47,7 @@ Tins::IPv4Address tinsIpv4( IpGenAddr const & address ) {
 }
 
 Tins::IPv6Address tinsIpv6( IpGenAddr const & address ) {
-   return Tins::IPv6Address( address.bytes().data() );
+   return { address.bytes().data() };
 }
 
 bool isIpv4( IpGenAddr const & address ) {
