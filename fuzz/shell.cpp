@@ -43,7 +43,7 @@ std::vector< std::string > linesOf( std::string_view text ) {
    while ( !text.empty() ) {
       lines.emplace_back( text.substr( 0, text.find( '\n' ) ) );
       text.remove_prefix( std::min( lines.back().size() + 1, text.size() ) );
-      if ( lines.back().ends_with( '\r' ) ) {
+      while ( lines.back().ends_with( '\r' ) ) {
          lines.back().pop_back();
       }
    }

@@ -37,6 +37,7 @@ struct World {
    // others take no room, each VTEP can have a class id, nobody grants them by hand, and one thing
    // happens at a time.
    bool isCalm = false;
+   bool hasFaults = true;  // of the chip, among the moves; a calm switch has none
 };
 
 struct Step {

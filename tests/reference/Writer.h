@@ -66,6 +66,7 @@ class Writer {
    Yaml hostIsSentTo( Move const & move );
 
    // --- Faults, verification
+   bool hasFaults() const { return world_.hasFaults && !world_.isCalm; }
    Yaml callFails( Move const & move );
    Yaml entryIsRefused( Move const & move );
    Yaml passRuns( Move const & move );

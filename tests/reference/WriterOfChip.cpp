@@ -88,7 +88,7 @@ Writer::Yaml Writer::hostIsSentTo( Move const & move ) {
 // --- Faults, verification
 
 Writer::Yaml Writer::callFails( Move const & move ) {
-   if ( world_.isCalm || move.number % 3 > 0 ) {
+   if ( !hasFaults() || move.number % 3 > 0 ) {
       return {};  // most of them end the story
    }
    std::string const operation = pick( kOperations, move.place );
@@ -98,8 +98,8 @@ Writer::Yaml Writer::callFails( Move const & move ) {
 }
 
 Writer::Yaml Writer::entryIsRefused( Move const & move ) {
-   return world_.isCalm ? Yaml()
-                        : "refuse-entry: { number: " + std::to_string( 1 + move.number ) + " }";
+   return hasFaults() ? "refuse-entry: { number: " + std::to_string( 1 + move.number ) + " }"
+                      : Yaml();
 }
 
 // On a calm switch, the pass must not stop.

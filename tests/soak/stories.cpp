@@ -2,8 +2,9 @@
 //
 // usage: soak-stories SEED COUNT FOLDER
 //
-// The stories are those of tests/reference/Moves.h, without the frames that only look: a fault
-// shows in calls and rules. One seed makes the same files on every machine.
+// The stories are those of tests/reference/Moves.h, without faults of their own, and without the
+// frames that only look: a fault shows in calls and rules. One seed makes the same files on every
+// machine.
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -46,6 +47,7 @@ class Author {
    // Half of the switches are calm: they have one unit, and room for everything.
    World anyWorld() {
       World world;
+      world.hasFaults = false;
       world.isCalm = below( 2 ) == 0;
       world.variant = below( 2 ) == 0 ? "egress-mask" : "class-id";
       if ( !world.isCalm ) {
