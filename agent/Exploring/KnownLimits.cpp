@@ -7,6 +7,7 @@
 #include <Exploring/Endings.h>
 #include <Exploring/Processes.h>
 #include <Exploring/Trial.h>
+#include <Probing/Probes.h>
 #include <Process/Workers.h>
 #include <Steps/Reader.h>
 #include <Story/InputError.h>
@@ -20,18 +21,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// How the scenario ends, and the differences on its way. std::runtime_error when it cannot be run.
+// How the scenario ends, and on its way the differences and the frames that go wrong without one.
+// std::runtime_error when it cannot be run.
 Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & config,
                   std::chrono::milliseconds longestStep ) {
    SharedFindings findings;
    Output const output;
    int const status = inProcess( output, [ & ] {
-      Story::Observers nobody( {} );
-      Trial trial( { scenario, config, longestStep }, nobody );
+      Probing::Probes probes;
+      Story::Observers observers( { &probes } );
+      Trial trial( { scenario, config, longestStep }, observers );
+      probes.watch( trial.units(), [ &trial ] { return trial.state(); } );
       trial.comeUp();
       for ( Scenario::Step const & step : scenario.steps ) {
          trial.carryOut( step );
-         addDifferences( trial.audit(), findings, {}, 1 );
+         Audit::Report const report = trial.audit();
+         addDifferences( report, findings, {}, 1 );
+         bool const isReady = trial.state().isPluginReady;
+         for ( std::string const & what : unexplained( probes.seenAtRest(), report, isReady ) ) {
+            findings.add( Kind::lasting, what, { 1, {} } );
+         }
       }
    } );
    if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {

@@ -2,7 +2,7 @@
 //
 // A scenario is carried out step by step, and the rules are judged after each step, as those of a
 // sequence are; its expectations are not. It shows a finding when it ends in the same way, or when
-// its rules differ in the same way after one of its steps.
+// its rules differ, or frames go wrong for good, in the same way after one of its steps.
 //
 // Cost: one process for each scenario, side by side.
 #pragma once

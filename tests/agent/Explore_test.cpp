@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <Shipped.h>
+
 #include "Explore.h"
 
 namespace ExploreTest {
@@ -156,6 +158,34 @@ TEST_F( Explore, NamesTheScenariosThatEndLikeAFinding ) {
    auto const broken = explore( { file( whole ), "--known", limits } );
    EXPECT_EQ( broken.exitCode, 2 );
    EXPECT_TRUE( contains( broken.err, "stops.yaml:1: 'switch' is missing" ) ) << broken.err;
+}
+
+// The rules and the records hold, as far as one can tell, and a frame is dropped for good.
+TEST_F( Explore, NamesTheScenariosInWhichFramesGoWrongLikeInAFinding ) {
+   std::filesystem::path const shows = Shipped::fileOf( "limits/grant-withdrawn" );
+   std::string const exploration = file(
+      "exploration: class-id-of-another\n"
+      "based-on: " +
+      shows.string() +
+      "\n"
+      "length: 1\n"
+      "events:\n"
+      "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );
+   std::string const what = "lasting flooded frames do not reach a port yet\n";
+   auto const ran =
+      Support::vornal( { "explore", exploration, "--known", shows.parent_path().string() } );
+   EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
+   EXPECT_TRUE( contains( ran.out, '\n' + what +
+                                      "   in 1 sequence; the shortest:\n"
+                                      "      (the start itself)\n"
+                                      "   shown by " +
+                                      shows.string() + '\n' ) )
+      << ran.out;
+
+   auto const others = Shipped::fileOf( "limits/two-keys-no-room" ).parent_path();
+   auto const unknown = Support::vornal( { "explore", exploration, "--known", others.string() } );
+   EXPECT_EQ( unknown.exitCode, 1 );
+   EXPECT_TRUE( contains( unknown.err, "shown by no scenario: " + what ) ) << unknown.err;
 }
 
 // The shipped plug-in, and a build of it that puts another port into masks.

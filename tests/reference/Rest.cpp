@@ -65,15 +65,16 @@ class Pair final : public Story::Observer {
    }
 
    void begin() { grants_.clear(); }
+   void framesBegin() { reach_.stateChanged(); }
 
    void stepIsOver( Reference::StepTold const & told ) {
       ::play( told, std::exchange( grants_, {} ), switch_, forwarding_ );
-      reach_.stateChanged();
    }
 
    bool mustHaveStopped() const { return switch_.stop().has_value(); }
 
-   // While two interfaces have one port, the program takes no frames.
+   // The program looks at stations when frames come. While two interfaces have one port, it takes
+   // none.
    bool takesFrames() const {
       std::set< Reference::Port > ports;
       auto const & all = switch_.facts().port;
@@ -241,6 +242,7 @@ void play( Moves::Story const & story, std::vector< Frames::Arriving > const & f
       if ( !pair.takesFrames() ) {
          continue;
       }
+      pair.framesBegin();
       for ( Frames::Arriving const & arriving : frames ) {
          if ( !pair.canArrive( arriving ) ) {
             continue;
