@@ -1,27 +1,38 @@
 """Builds a mutant beside the release build, which it leaves as it is.
 
+What the plug-in includes takes longer to compile than the plug-in. So clang compiles all of its headers
+once, and every source of it beside them: the plain plug-in, in build/mutants/plain. A mutant is held
+against that, and the trials must pass with it.
+
 Each job has a folder below build/mutants. The changed file stands there under its own name, so that
-traces and assertions name the same file, and each source that it is part of is compiled with the
-words of compile_commands.json. The other objects are those of the release build. Out of them come
-the plug-in and, where one of its tests is due, test-Vornal, which holds the plug-in's classes.
+traces and assertions name the same file, and each source that it is part of is compiled again with
+the words of compile_commands.json, as far as clang knows them. The other objects are the plain ones.
+Out of them come the plug-in and, where one of its tests is due, test-Vornal, which holds the plug-in's
+classes; the rest of test-Vornal is that of the release build.
 
-An object with the same contents as the release build's does what that one does. The contents are
-code, data and relocations, and nothing of the place where it was compiled."""
+An object with the same contents as the plain one does what that one does. The contents are code,
+data and relocations, and nothing of the place where it was compiled."""
 
+import concurrent.futures
 import pathlib
+import re
 import shlex
 import subprocess
 
-from mutating.mutants import PLUGIN, RELEASE, ROOT, WORK, compile_commands
+from mutating.mutants import PLUGIN, RELEASE, ROOT, TOOL, WORK, compile_commands
 
+JOBS = 2
+COMPILER = "clang++"
 MUTATED_ASSERTION = r"""#define MUTATED_ASSERT( line, condition, ... ) \
    ( static_cast< bool >( condition ) \
         ? static_cast< void >( 0 ) \
         : ::Quelm::assertionFailed( QUELM_PLACE_AT( line ), #__VA_ARGS__ ) )
 """
+INCLUDE = re.compile(r"^#include <.*\.h>$", re.M)
 PLUGIN_TARGET = "VornalEvpn.so"
 TEST_TARGET = "test-Vornal"
 OBJECTS = "Vornal/CMakeFiles/vornal-evpn-objects.dir"
+PLAIN = WORK / "plain"
 
 
 def ninja(*words):
@@ -38,15 +49,28 @@ def contents(path):
 
 
 def object_of(source):
-    """The object of a source, below the build folder."""
+    """The object of a source, below a build folder."""
     return f"{OBJECTS}/{pathlib.Path(source).relative_to(PLUGIN)}.o"
 
 
-class Release:
-    """The release build, as it is asked for the commands that made it."""
+def for_clang(words):
+    """The words of a command of the release build, without what is g++'s alone."""
+    kept = [one for one in words[1:] if not one.startswith(("-W", "-fno-gnu-unique"))]
+    return [COMPILER, "-w", *kept]
+
+
+def runs(words):
+    """Whether a command of the build succeeds."""
+    return subprocess.run(words, cwd=RELEASE, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                          check=False).returncode == 0
+
+
+class Plain:
+    """The plug-in as it is, and the commands that make it."""
 
     def __init__(self):
-        self.commands = compile_commands()
+        self.commands = {source: for_clang(words)
+                         for source, words in compile_commands().items()}
         self.links = {target: ninja("commands", "-s", target)
                       for target in (PLUGIN_TARGET, TEST_TARGET)}
         made = None
@@ -57,13 +81,59 @@ class Release:
             elif ": #deps " in line:
                 made = line.partition(": #deps ")[0]
                 self.files[made] = set()
+        self.objects = {object_of(source): str(PLAIN / object_of(source))
+                        for source in self.commands}
+        self.list = PLAIN / "plug-in.h"  # every header that one of the sources names
+        self.headers = PLAIN / "plug-in.pch"
         self.contents = {}
 
-    def is_newer_than_sources(self):
-        """Whether it was made of the plug-in's sources as they are now."""
+    def release_is_newer_than_sources(self):
+        """Whether the release build was made of the plug-in's sources as they are now."""
         made = min((RELEASE / one).stat().st_mtime for one in (PLUGIN_TARGET, TEST_TARGET))
         return all(one.stat().st_mtime <= made
                    for one in PLUGIN.rglob("*") if one.suffix in (".cpp", ".h"))
+
+    def build(self):
+        """Builds it, unless nothing has changed since it was built."""
+        made_of = set().union(*self.files.values(), map(str, TOOL.glob("*.py")),
+                              [str(RELEASE / "compile_commands.json"), str(RELEASE / TEST_TARGET)])
+        newest = max(pathlib.Path(RELEASE, one).stat().st_mtime for one in made_of)
+        if (PLAIN / TEST_TARGET).exists() and (PLAIN / TEST_TARGET).stat().st_mtime >= newest:
+            return
+        print("compiling the plug-in without a change", flush=True)
+        for one in self.objects.values():
+            pathlib.Path(one).parent.mkdir(parents=True, exist_ok=True)
+        named = set().union(*(INCLUDE.findall(pathlib.Path(source).read_text())
+                              for source in self.commands))
+        self.list.write_text(MUTATED_ASSERTION + "\n".join(sorted(named)) + "\n")
+        self.make_headers(self.headers, [])
+        with concurrent.futures.ThreadPoolExecutor(JOBS) as several:
+            done = several.map(lambda one: self.compile(one, one, self.objects[object_of(one)],
+                                                        self.headers, []), self.commands)
+            if not all(done):
+                raise RuntimeError(f"{COMPILER} does not compile the plug-in as it is")
+        for target in (PLUGIN_TARGET, TEST_TARGET):
+            self.link(target, self.objects, PLAIN / target)
+
+    def make_headers(self, made, before):
+        """Compiles the headers, with these words in front."""
+        words = [*next(iter(self.commands.values()))]
+        words = words[:words.index("-o")]
+        return runs([words[0], *before, *words[1:], "-x", "c++-header", str(self.list),
+                     "-fpch-instantiate-templates", "-o", str(made)])
+
+    def compile(self, source, file, made, headers, before):
+        """Compiles a file that takes the place of a source."""
+        words = [str(file) if one == source else one for one in self.commands[source]]
+        words[words.index("-o") + 1] = str(made)
+        return runs([words[0], *before, *words[1:], "-include-pch", str(headers)])
+
+    def link(self, target, objects, made):
+        """Links the plug-in or test-Vornal out of these objects of the plug-in."""
+        command = self.links[target].replace("&&", "")
+        words = [objects.get(one, one) for one in shlex.split(command) if one != ":"]
+        words[words.index("-o") + 1] = str(made)
+        subprocess.run([*words, "-fuse-ld=gold"], cwd=RELEASE, check=True)
 
     def sources_with(self, file):
         """The sources that a file of the plug-in is part of."""
@@ -73,21 +143,20 @@ class Release:
     def contents_of(self, source):
         """The contents of its object."""
         if source not in self.contents:
-            self.contents[source] = contents(RELEASE / object_of(source))
+            self.contents[source] = contents(self.objects[object_of(source)])
         return self.contents[source]
 
 
 class Job:
     """A folder in which one mutant at a time is built."""
 
-    def __init__(self, release, number):
-        self.release = release
+    def __init__(self, plain, number):
+        self.plain = plain
         self.folder = WORK / f"job{number}"
         self.sources = self.folder / "sources"
         self.sources.mkdir(parents=True, exist_ok=True)
-        self.assertion = self.folder / "assertion.h"
-        self.assertion.write_text(MUTATED_ASSERTION)
-        self.objects = {}  # of the release build, by which it is replaced
+        self.before = [f"-I{self.sources}"]
+        self.objects = {}
         self.linked = set()
 
     def build(self, mutant):
@@ -96,36 +165,30 @@ class Job:
         file.parent.mkdir(parents=True, exist_ok=True)
         file.write_bytes(mutant.text())
         try:
-            self.objects = {}
-            self.linked = set()
-            for source in self.release.sources_with(mutant.file):
-                made = self.compile(source, file)
-                if made is None:
-                    return "does not compile"
-                if contents(made) != self.release.contents_of(source):
-                    self.objects[object_of(source)] = str(made)
-            return "built" if self.objects else "equivalent"
+            return self.compile(mutant, file)
         finally:
             file.unlink()
 
-    def compile(self, source, file):
-        """The object of a source with the changed file; None where it does not compile."""
-        made = self.folder / f"{pathlib.Path(source).stem}.o"
-        words = [str(file) if one == source and file.suffix == ".cpp" else one
-                 for one in self.release.commands[source]]
-        words[words.index("-o") + 1] = str(made)
-        words[1:1] = [f"-I{self.sources}", "-include", str(self.assertion)]
-        ran = subprocess.run([one for one in words if one != "-Werror"] + ["-w"], cwd=RELEASE,
-                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
-        return made if ran.returncode == 0 else None
+    def compile(self, mutant, file):
+        """The same, while the changed file is there."""
+        self.objects = dict(self.plain.objects)
+        self.linked = set()
+        headers = self.plain.headers
+        if file.suffix == ".h":
+            headers = self.folder / "plug-in.pch"
+            if not self.plain.make_headers(headers, self.before):
+                return "does not compile"
+        for source in self.plain.sources_with(mutant.file):
+            made = self.folder / f"{pathlib.Path(source).stem}.o"
+            changed = file if file.suffix == ".cpp" else source
+            if not self.plain.compile(source, changed, made, headers, self.before):
+                return "does not compile"
+            if contents(made) != self.plain.contents_of(source):
+                self.objects[object_of(source)] = str(made)
+        return "equivalent" if self.objects == self.plain.objects else "built"
 
     def link(self, target):
-        """Links the plug-in or test-Vornal, unless that is done: out of what was compiled, and of the
-        release build's other objects."""
-        if target in self.linked:
-            return
-        command = self.release.links[target].replace("&&", "")
-        words = [self.objects.get(one, one) for one in shlex.split(command) if one != ":"]
-        words[words.index("-o") + 1] = str(self.folder / target)
-        subprocess.run([*words, "-fuse-ld=gold"], cwd=RELEASE, check=True)
-        self.linked.add(target)
+        """Links the plug-in or test-Vornal with the mutant, unless that is done."""
+        if target not in self.linked:
+            self.plain.link(target, self.objects, self.folder / target)
+            self.linked.add(target)

@@ -22,7 +22,7 @@ import subprocess
 import threading
 import time
 
-from mutating.build import PLUGIN_TARGET, TEST_TARGET
+from mutating.build import PLAIN, PLUGIN_TARGET, TEST_TARGET
 from mutating.mutants import RELEASE, ROOT, WORK
 
 SECONDS_AT_LEAST = 30
@@ -83,9 +83,9 @@ class Trials:
     def __init__(self):
         self.trials = all_trials()
         self.kept = WORK / "trials.json"
-        self.state = [(RELEASE / one).stat().st_mtime_ns
-                      for one in (PLUGIN_TARGET, TEST_TARGET, "vornal", "test-plug-in",
-                                  "test-reference")]
+        self.state = [one.stat().st_mtime_ns
+                      for one in (PLAIN / PLUGIN_TARGET, PLAIN / TEST_TARGET, RELEASE / "vornal",
+                                  RELEASE / "test-plug-in", RELEASE / "test-reference")]
         self.kills = {}    # by source, by trial
         self.seconds = {}  # by trial, without a mutant
         if self.kept.exists():
@@ -123,7 +123,7 @@ class Trials:
         with trial.lock:
             if trial.name not in self.seconds:
                 begin = time.monotonic()
-                if not trial.run(RELEASE):
+                if not trial.run(PLAIN):
                     raise RuntimeError(f"{trial.name} fails without a mutant")
                 self.seconds[trial.name] = time.monotonic() - begin
             return self.seconds[trial.name]

@@ -1,6 +1,8 @@
 // Legitimate states that a verification of the class-id variant takes for broken ones: it stops the
 // process although nothing has drifted.
 
+#include <iostream>
+
 #include <gtest/gtest.h>
 
 #include "../support/ClassIdLeaf.h"
@@ -56,6 +58,8 @@ TEST_F( ClassIdVerifyLimitsDeath, WhileAVtepWithoutAVirtualPortSharesASegment ) 
    leaf.vtepDel( "10.0.0.2" );
    leaf.segmentIs( "Ethernet1", { "10.0.0.2" } );
    leaf.start();
+   leaf.afterCall = [ this ] { std::cerr << leaf.callLines().back() << '\n'; };
+   EXPECT_DEATH( leaf.sm().handleVerify(), "unit 0 entry 0: bcm_field_action_get" );
    EXPECT_DEATH(
       leaf.sm().handleVerify(),
       failedAt( "ClassIdVerification", "verifyIfpEntries",
