@@ -22,7 +22,8 @@ class WrongList(Exception):
 
 def key_of(mutant):
     """What a mutant is found by."""
-    return (f"{mutant.file}: {mutant.function}", mutant.before, mutant.after)
+    nth = f"{mutant.nth}: " if mutant.nth > 1 else ""
+    return (f"{mutant.file}: {mutant.function}", nth + mutant.before, mutant.after)
 
 
 def read(path=LIST):

@@ -133,7 +133,7 @@ class Plain:
         command = self.links[target].replace("&&", "")
         words = [objects.get(one, one) for one in shlex.split(command) if one != ":"]
         words[words.index("-o") + 1] = str(made)
-        subprocess.run([*words, "-fuse-ld=gold"], cwd=RELEASE, check=True)
+        subprocess.run([*words, "-fuse-ld=lld"], cwd=RELEASE, check=True)
 
     def sources_with(self, file):
         """The sources that a file of the plug-in is part of."""

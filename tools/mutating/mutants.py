@@ -35,6 +35,7 @@ class Mutant:
     new: str
     before: str  # the lines of the place, as one
     after: str
+    nth: int     # of those in the function that read so
 
     def text(self):
         """The text of the changed file."""
@@ -127,7 +128,8 @@ def _mutants(found):
         known_by = "\n".join((*named, str(times[named])))
         mutants.append(Mutant(
             hashlib.sha256(known_by.encode()).hexdigest()[:8], file,
-            text.count(b"\n", 0, begin) + 1, function, begin, end, new, before, after))
+            text.count(b"\n", 0, begin) + 1, function, begin, end, new, before, after,
+            times[named]))
     return mutants
 
 

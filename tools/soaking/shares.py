@@ -15,11 +15,11 @@ def techniques(work, minutes):
     part = minutes / HOUR
     once = min(1.0, part)
     return [
-        Sequences(work, 0.345, 3_000_000 * part),
-        Faults(work, 0.125, 300_000 * part),
-        Stories(work, 0.015, 5_000 * part),
-        Frames(work, 0.075, 100_000_000 * part),
-        Inputs(work, 0.21, 50_000_000 * part),
+        Sequences(work, 0.35, 3_000_000 * part),
+        Faults(work, 0.105, 300_000 * part),
+        Stories(work, 0.016, 5_000 * part),
+        Frames(work, 0.066, 100_000_000 * part),
+        Inputs(work, 0.228, 50_000_000 * part),
         Mutants(work, 0.20, 300 * part, minutes),
         Events(work, 0.01, max(400_000, 1_000_000 * once)),
         Vteps(work, 0.01, max(256, 2 * 16_384 * once)),

@@ -170,6 +170,16 @@ TEST_F( ClassIdMarking, WithoutRoomAtEgressTheMarkedIngressRuleStaysInstalled ) 
       5U );
 }
 
+TEST_F( ClassIdMarking, AnAddWithAKnownClassIdSaysWhetherAllRulesStand ) {
+   auto & sm = leaf.start();
+   sm.i2eTepIpClassIdIs( ip( "10.0.0.2" ), ClassId( 5 ) );
+   EXPECT_TRUE( sm.addTcamEntries( 0, ip( "10.0.0.2" ) ) );
+   leaf.share( "Ethernet2", { "10.0.0.3" } );
+   leaf.roomIs( kEgress, 0, 0 );
+   sm.i2eTepIpClassIdIs( ip( "10.0.0.3" ), ClassId( 6 ) );
+   EXPECT_FALSE( sm.addTcamEntries( 0, ip( "10.0.0.3" ) ) );
+}
+
 TEST_F( ClassIdMarking, FullAndRecoveredAreLoggedOnceAnEpisode ) {
    leaf.share( "Ethernet2", { "10.0.0.3", "10.0.0.4", "10.0.0.5", "10.0.0.6" } );
    auto & sm = leaf.start();
