@@ -81,6 +81,18 @@ void addDifferences( Audit::Report const & report, SharedFindings & findings,
    }
 }
 
+void addLasting( std::set< Probing::Lasting > const & lasting, SharedFindings & findings,
+                 Sequence const & sequence, U64 weight ) {
+   std::set< std::string > texts;
+   for ( Probing::Lasting const & one : lasting ) {
+      texts.insert( one.what +
+                    ( one.rule.empty() ? "" : ", kept back by " + withoutNumbers( one.rule ) ) );
+   }
+   for ( std::string const & text : texts ) {
+      findings.add( Kind::lasting, text, { weight, sequence } );
+   }
+}
+
 void addStop( int status, Process::LastWords const & words, SharedFindings & findings,
               Sequence const & sequence, U64 weight ) {
    bool const isHang = WIFSIGNALED( status ) && WTERMSIG( status ) == SIGALRM;

@@ -38,9 +38,7 @@ Findings shownBy( Scenario::Model const & scenario, Host::AgentConfig const & co
          Audit::Report const report = trial.audit();
          addDifferences( report, findings, {}, 1 );
          bool const isReady = trial.state().isPluginReady;
-         for ( std::string const & what : unexplained( probes.seenAtRest(), report, isReady ) ) {
-            findings.add( Kind::lasting, what, { 1, {} } );
-         }
+         addLasting( unexplained( probes.seenAtRest(), report, isReady ), findings, {}, 1 );
       }
    } );
    if ( WIFEXITED( status ) && WEXITSTATUS( status ) == EXIT_FAILURE ) {

@@ -86,9 +86,7 @@ class Node {
          findings_.add( Kind::transient, what, { weight(), sequence_, calls } );
       }
       bool const isPluginReady = trial_.state().isPluginReady;
-      for ( std::string const & what : unexplained( seen, report, isPluginReady ) ) {
-         findings_.add( Kind::lasting, what, { weight(), sequence_ } );
-      }
+      addLasting( unexplained( seen, report, isPluginReady ), findings_, sequence_, weight() );
    }
 
    bool happens( U16 event ) {

@@ -77,22 +77,23 @@ bool canCause( Story::Difference const & difference, Lasting const & lasting ) {
 
 }  // namespace
 
-std::set< std::string > unexplained( Seen const & seen, Audit::Report const & report,
-                                     bool isPluginReady ) {
-   std::set< std::string > texts;
+std::set< Lasting > unexplained( Seen const & seen, Audit::Report const & report,
+                                 bool isPluginReady ) {
+   std::set< Lasting > result;
    for ( Lasting const & lasting : seen.lasting ) {
       bool const isExplained = std::any_of( report.differences.begin(), report.differences.end(),
                                             [ & ]( auto const & difference ) {
                                                return canCause( difference, lasting );
                                             } );
       if ( isPluginReady && !isExplained ) {
-         texts.insert( lasting.what );
+         result.insert( lasting );
       }
    }
-   return texts;
+   return result;
 }
 
 void Probes::watch( Chip::Units const & units, StateNow stateNow ) {
+   units_ = &units;
    pipeline_.emplace( units );
    stateNow_ = std::move( stateNow );
    readState();
@@ -150,8 +151,7 @@ void Probes::look( bool isBehindCall ) {
       for ( Chip::Copy const & copy : story.copies ) {
          way.intf = copy.intfId;
          way.port = copy.port;
-         see( way, copy.verdict == Verdict::Masked || copy.verdict == Verdict::Dropped,
-              isBehindCall );
+         see( way, copy, isBehindCall );
       }
    }
    seen_.frames += switch_.probes.size();
@@ -164,7 +164,8 @@ void Probes::look( bool isBehindCall ) {
    } );
 }
 
-void Probes::see( Way const & way, bool isKept, bool isBehindCall ) {
+void Probes::see( Way const & way, Chip::Copy const & copy, bool isBehindCall ) {
+   bool const isKept = copy.verdict == Verdict::Masked || copy.verdict == Verdict::Dropped;
    auto const [ found, isNew ] = watches_.try_emplace( way );
    Watch & watch = found->second;
    if ( isNew ) {
@@ -173,6 +174,7 @@ void Probes::see( Way const & way, bool isKept, bool isBehindCall ) {
       watch.wasRight = !watch.isToBeKept && look_ == 1;
    }
    watch.look = look_;
+   watch.rule = copy.rule;
    watch.isWrong = isKept != watch.isToBeKept;
    if ( !watch.isWrong ) {
       end( way, watch );
@@ -199,6 +201,16 @@ void Probes::end( Way const & way, Watch const & watch ) {
    }
 }
 
+std::string Probes::nameOf( Chip::RuleKey const & rule ) const {
+   std::string name;
+   units_->forEachEntry( [ & ]( Chip::RuleKey const & key, Chip::Entry const & entry ) {
+      if ( key == rule ) {
+         name = entry.name();
+      }
+   } );
+   return name;
+}
+
 Seen Probes::seenAtRest() {
    if ( hasCalls_ ) {
       look( false );
@@ -207,8 +219,9 @@ Seen Probes::seenAtRest() {
       if ( watch.isWrong ) {
          watch.isLasting = true;
          watch.calls = 0;
-         seen_.lasting.insert(
-            { textOf( way.kind, watch.isToBeKept, watch.wasRight ), way.port.unit(), way.vtep } );
+         seen_.lasting.insert( { textOf( way.kind, watch.isToBeKept, watch.wasRight ),
+                                 way.port.unit(), way.vtep,
+                                 watch.rule ? nameOf( *watch.rule ) : "" } );
       }
    }
    return std::exchange( seen_, {} );

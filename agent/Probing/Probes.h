@@ -60,6 +60,7 @@ struct Lasting {
    std::string what;
    U16 unit = 0;                             // of the port
    std::optional< Pelk::IpGenAddr > vtep{};  // whose frames it is
+   std::string rule{};  // the name of the one that keeps them back; empty when none does
 
    friend auto operator<=>( Lasting const &, Lasting const & ) = default;
 };
@@ -71,8 +72,8 @@ struct Seen {
 };
 
 // What goes wrong at rest without a reason, though the plug-in is ready.
-std::set< std::string > unexplained( Seen const & seen, Audit::Report const & report,
-                                     bool isPluginReady );
+std::set< Lasting > unexplained( Seen const & seen, Audit::Report const & report,
+                                 bool isPluginReady );
 
 class Probes final : public Story::Observer {
  public:
@@ -91,19 +92,22 @@ class Probes final : public Story::Observer {
    struct Watch {
       bool isToBeKept = false;  // back
       bool isWrong = false;
-      bool wasRight = false;   // since the state has wanted it like this
-      bool isLasting = false;  // wrong, and has been at rest
-      U32 calls = 0;           // behind which it went wrong
-      U64 look = 0;            // the last one at which the frame took this way
+      bool wasRight = false;                  // since the state has wanted it like this
+      bool isLasting = false;                 // wrong, and has been at rest
+      U32 calls = 0;                          // behind which it went wrong
+      U64 look = 0;                           // the last one at which the frame took this way
+      std::optional< Chip::RuleKey > rule{};  // that keeps it back
    };
 
    void readState();
    void takeState();
    void look( bool isBehindCall );
-   void see( Way const & way, bool isKept, bool isBehindCall );
+   void see( Way const & way, Chip::Copy const & copy, bool isBehindCall );
+   std::string nameOf( Chip::RuleKey const & rule ) const;
    bool isToBeKept( Way const & way ) const;
    void end( Way const & way, Watch const & watch );
 
+   Chip::Units const * units_ = nullptr;
    std::optional< Chip::Pipeline > pipeline_;
    StateNow stateNow_;
    bool hasCalls_ = false;

@@ -6,7 +6,8 @@
 // rule does nevertheless, and reads entry 0.
 //
 // It counts the ports that must be covered in its own way: an Ethernet interface with a port is
-// one, on every unit and also with an invalid port.
+// one, on every unit and also with an invalid port. A port that two members of a port channel have
+// is one.
 #include <algorithm>
 
 #include <History/Senders.h>
@@ -117,9 +118,8 @@ std::size_t Senders::portsExpected( unsigned unit, Vtep const & vtep ) const {
       if ( facts_.port.contains( intf ) ) {
          ++count;
       } else if ( intf.isPortChannel() ) {
-         for ( Interface const & member : facts_.membersOf( intf ) ) {
-            auto const port = facts_.port.find( member );
-            count += port != facts_.port.end() && port->second.unit == unit ? 1U : 0U;
+         for ( Port const & port : facts_.portsOf( intf ) ) {
+            count += port.unit == unit ? 1U : 0U;
          }
       }
    }

@@ -171,7 +171,9 @@ TEST_F( Explore, NamesTheScenariosInWhichFramesGoWrongLikeInAFinding ) {
       "length: 1\n"
       "events:\n"
       "   - withdraw: { tunnel-interfaces: [ Vxlan1 ] }\n" );
-   std::string const what = "lasting flooded frames do not reach a port yet\n";
+   std::string const what =
+      "lasting flooded frames do not reach a port yet, kept back by Drop packets at EFP from vtep "
+      "IP N on EthernetN\n";
    auto const ran =
       Support::vornal( { "explore", exploration, "--known", shows.parent_path().string() } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;

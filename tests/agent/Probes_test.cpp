@@ -20,6 +20,7 @@ using Chip::FrameKind;
 using Chip::Qualifier;
 using Pelk::IntfId;
 using Pelk::IpGenAddr;
+using Probing::Lasting;
 using Probing::Seen;
 using Transients = std::map< std::string, U32 >;
 
@@ -218,8 +219,8 @@ TEST_F( Probes, TakeWhatIsWrongAtRestForNoTransient ) {
    std::string const text = "flooded frames still leave by a shared port";
    Seen const seen = probes.seenAtRest();
    EXPECT_FALSE( seen.transients.contains( text ) );
-   EXPECT_TRUE( seen.lasting.contains( { text, 0, vtep } ) );
-   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, vtep } ) );
+   EXPECT_TRUE( seen.lasting.contains( { text, 0, vtep, "" } ) );
+   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, vtep, "" } ) );
    call();
    U32 const id = mask( 0, { 1 } );
    Seen const mended = probes.seenAtRest();
@@ -269,6 +270,17 @@ TEST_F( Probes, SeeWhatRulesOfClassIdsKeepBack ) {
    egress.install( id );
    call();
    EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
+}
+
+TEST_F( Probes, NameTheRuleThatKeepsBackWhatItShouldNot ) {
+   exemptAll();
+   mask( 0, { 1, 2 } );
+   Seen const seen = probes.seenAtRest();
+   ASSERT_EQ( seen.lasting.size(), 2U ) << "flooded frames, and known L3 multicast";
+   for ( Lasting const & one : seen.lasting ) {
+      EXPECT_EQ( one.vtep, vtep );
+      EXPECT_EQ( one.rule, "rule" );
+   }
 }
 
 TEST_F( Probes, SendNothingBeforeTheFirstCall ) {
@@ -375,7 +387,7 @@ TEST_F( Probes, AskTheAuditForTheReasonOfWhatLasts ) {
       report.differences = { difference };
       return !unexplained( seen, report, true ).empty();
    };
-   EXPECT_EQ( unexplained( seen, {}, true ), std::set< std::string >{ "text" } );
+   EXPECT_EQ( unexplained( seen, {}, true ), seen.lasting );
    EXPECT_TRUE( unexplained( seen, {}, false ).empty() );
    Story::Difference difference;
    EXPECT_TRUE( isUnexplained( difference ) );

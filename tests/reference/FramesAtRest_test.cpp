@@ -121,7 +121,9 @@ class FramesAtRest : public testing::Test {
 
    // The difference, if there is any.
    std::string judge( Plot const & plot ) {
-      Moves::Story const story = Rest::storyWithoutFrames( storyOf( plot.world, plot.moves ) );
+      return judge( Rest::storyWithoutFrames( storyOf( plot.world, plot.moves ) ) );
+   }
+   std::string judge( Moves::Story const & story ) {
       *outcome_ = {};
       pid_t const child = fork();
       if ( child == 0 ) {
@@ -185,6 +187,43 @@ TEST_F( FramesAtRest, GoWhereTheReferenceSays ) {
    }
    EXPECT_TRUE( difference_.empty() ) << difference_;
    total.frames = judged_;
+}
+
+// --- Stories that were found
+
+// On a calm switch.
+Moves::Story storyWith( std::initializer_list< char const * > steps ) {
+   Plot plot;
+   plot.world.isCalm = true;
+   Moves::Story story = Rest::storyWithoutFrames( storyOf( plot.world, {} ) );
+   for ( char const * const yaml : steps ) {
+      story.steps.push_back( { yaml } );
+   }
+   return story;
+}
+
+// Two interfaces have one port meanwhile, so that no frame comes and nothing is forgotten.
+TEST_F( FramesAtRest, FindAVtepThatReturnsBeforeAFrameWhereItWas ) {
+   EXPECT_EQ( judge(
+                 storyWith( { "ready: subagents::l2Ready",
+                              "publish: { vteps: { 10.0.0.2: { virtual-port: 2 } } }",
+                              "publish: { interfaces: { Ethernet2: { unit: 0, port: 1 } } }",
+                              "withdraw: { vteps: [ 10.0.0.2 ] }",
+                              "publish: { vteps: { 10.0.0.2: { virtual-port: 2 } } }",
+                              "publish: { interfaces: { Ethernet2: { unit: 0, port: 2 } } }" } ) ),
+              "" );
+   EXPECT_GT( judged_, 0U );
+}
+
+// The plug-in's pass counts it once.
+TEST_F( FramesAtRest, FindAPortThatTwoMembersOfAPortChannelHave ) {
+   EXPECT_EQ( judge( storyWith( { "ready: subagents::l2Ready",
+                                  "publish: { vteps: { 10.0.0.2: { virtual-port: 2 } } }",
+                                  "publish: { segments: { Port-Channel1: [ 10.0.0.2 ] } }",
+                                  "publish: { interfaces: { Ethernet4: { unit: 0, port: 3 } } }",
+                                  "verify: plug-in" } ) ),
+              "" );
+   EXPECT_GT( judged_, 0U );
 }
 
 }  // namespace

@@ -65,7 +65,6 @@ class Pair final : public Story::Observer {
    }
 
    void begin() { grants_.clear(); }
-   void framesBegin() { reach_.stateChanged(); }
 
    void stepIsOver( Reference::StepTold const & told ) {
       ::play( told, std::exchange( grants_, {} ), switch_, forwarding_ );
@@ -88,6 +87,7 @@ class Pair final : public Story::Observer {
    }
 
    void expect( Frames::Arriving const & arriving ) {
+      reach_.stateChanged();
       arriving_ = &arriving;
       next_ = 0;
    }
@@ -242,7 +242,6 @@ void play( Moves::Story const & story, std::vector< Frames::Arriving > const & f
       if ( !pair.takesFrames() ) {
          continue;
       }
-      pair.framesBegin();
       for ( Frames::Arriving const & arriving : frames ) {
          if ( !pair.canArrive( arriving ) ) {
             continue;

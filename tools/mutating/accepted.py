@@ -9,7 +9,9 @@ The list is tools/mutating/accepted.txt:
 
 Lines that begin with # and empty lines say nothing. A line of several lines of a source stands in
 one, with single blanks. Line numbers are left out, so that an entry stays right when something else
-in the file changes."""
+in the file changes. Of lines that read the same in one function, the second has its number in front:
+
+    - 2: THE LINE AS IT IS"""
 
 import pathlib
 

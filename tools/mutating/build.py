@@ -1,8 +1,8 @@
 """Builds a mutant beside the release build, which it leaves as it is.
 
 What the plug-in includes takes longer to compile than the plug-in. So clang compiles all of its headers
-once, and every source of it beside them: the plain plug-in, in build/mutants/plain. A mutant is held
-against that, and the trials must pass with it.
+once, and again for a mutant of one of them. Beside them it compiles every source: that is the plain
+plug-in, in build/mutants/plain. A mutant is held against it, and the trials must pass with it.
 
 Each job has a folder below build/mutants. The changed file stands there under its own name, so that
 traces and assertions name the same file, and each source that it is part of is compiled again with
@@ -17,6 +17,7 @@ import concurrent.futures
 import pathlib
 import re
 import shlex
+import shutil
 import subprocess
 
 from mutating.mutants import PLUGIN, RELEASE, ROOT, TOOL, WORK, compile_commands
@@ -83,7 +84,7 @@ class Plain:
                 self.files[made] = set()
         self.objects = {object_of(source): str(PLAIN / object_of(source))
                         for source in self.commands}
-        self.list = PLAIN / "plug-in.h"  # every header that one of the sources names
+        self.named = PLAIN / "plug-in.h"  # every header that one of the sources names
         self.headers = PLAIN / "plug-in.pch"
         self.contents = {}
 
@@ -95,18 +96,21 @@ class Plain:
 
     def build(self):
         """Builds it, unless nothing has changed since it was built."""
-        made_of = set().union(*self.files.values(), map(str, TOOL.glob("*.py")),
-                              [str(RELEASE / "compile_commands.json"), str(RELEASE / TEST_TARGET)])
+        made_of = set().union(*self.files.values(), TOOL.glob("*.py"), [
+            RELEASE / one for one in ("compile_commands.json", PLUGIN_TARGET, TEST_TARGET)],
+            [shutil.which(COMPILER) or COMPILER])
         newest = max(pathlib.Path(RELEASE, one).stat().st_mtime for one in made_of)
         if (PLAIN / TEST_TARGET).exists() and (PLAIN / TEST_TARGET).stat().st_mtime >= newest:
             return
+        (PLAIN / TEST_TARGET).unlink(missing_ok=True)
         print("compiling the plug-in without a change", flush=True)
         for one in self.objects.values():
             pathlib.Path(one).parent.mkdir(parents=True, exist_ok=True)
         named = set().union(*(INCLUDE.findall(pathlib.Path(source).read_text())
                               for source in self.commands))
-        self.list.write_text(MUTATED_ASSERTION + "\n".join(sorted(named)) + "\n")
-        self.make_headers(self.headers, [])
+        self.named.write_text(MUTATED_ASSERTION + "\n".join(sorted(named)) + "\n")
+        if not self.make_headers(self.headers, []):
+            raise RuntimeError(f"{COMPILER} does not compile the headers of the plug-in as it is")
         with concurrent.futures.ThreadPoolExecutor(JOBS) as several:
             done = several.map(lambda one: self.compile(one, one, self.objects[object_of(one)],
                                                         self.headers, []), self.commands)
@@ -119,7 +123,7 @@ class Plain:
         """Compiles the headers, with these words in front."""
         words = [*next(iter(self.commands.values()))]
         words = words[:words.index("-o")]
-        return runs([words[0], *before, *words[1:], "-x", "c++-header", str(self.list),
+        return runs([words[0], *before, *words[1:], "-x", "c++-header", str(self.named),
                      "-fpch-instantiate-templates", "-o", str(made)])
 
     def compile(self, source, file, made, headers, before):
@@ -127,6 +131,11 @@ class Plain:
         words = [str(file) if one == source else one for one in self.commands[source]]
         words[words.index("-o") + 1] = str(made)
         return runs([words[0], *before, *words[1:], "-include-pch", str(headers)])
+
+    def ensure_that_it_compiles(self, source, made):
+        """Raises where what does not compile is not the mutant."""
+        if not self.compile(source, source, made, self.headers, []):
+            raise RuntimeError(f"{COMPILER} does not compile {source} any more, as it is")
 
     def link(self, target, objects, made):
         """Links the plug-in or test-Vornal out of these objects of the plug-in."""
@@ -154,7 +163,8 @@ class Job:
         self.plain = plain
         self.folder = WORK / f"job{number}"
         self.sources = self.folder / "sources"
-        self.sources.mkdir(parents=True, exist_ok=True)
+        shutil.rmtree(self.sources, ignore_errors=True)  # what a run has left that was ended
+        self.sources.mkdir(parents=True)
         self.before = [f"-I{self.sources}"]
         self.objects = {}
         self.linked = set()
@@ -182,6 +192,7 @@ class Job:
             made = self.folder / f"{pathlib.Path(source).stem}.o"
             changed = file if file.suffix == ".cpp" else source
             if not self.plain.compile(source, changed, made, headers, self.before):
+                self.plain.ensure_that_it_compiles(source, made)
                 return "does not compile"
             if contents(made) != self.plain.contents_of(source):
                 self.objects[object_of(source)] = str(made)

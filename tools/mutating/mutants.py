@@ -53,7 +53,8 @@ class Mutant:
 
     def told(self):
         """Where it is, and what it changes."""
-        return f"{self.id} {self.place()}: {self.before} -> {self.after}"
+        nth = f"{self.nth}: " if self.nth > 1 else ""
+        return f"{self.id} {self.place()}: {nth}{self.before} -> {self.after}"
 
 
 def changed(text, begin, end, new):

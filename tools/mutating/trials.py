@@ -85,7 +85,8 @@ class Trials:
         self.kept = WORK / "trials.json"
         self.state = [one.stat().st_mtime_ns
                       for one in (PLAIN / PLUGIN_TARGET, PLAIN / TEST_TARGET, RELEASE / "vornal",
-                                  RELEASE / "test-plug-in", RELEASE / "test-reference")]
+                                  RELEASE / "test-plug-in", RELEASE / "test-reference",
+                                  *sorted((ROOT / "scenarios").rglob("*.yaml")))]
         self.kills = {}    # by source, by trial
         self.seconds = {}  # by trial, without a mutant
         if self.kept.exists():

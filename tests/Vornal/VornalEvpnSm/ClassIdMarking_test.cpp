@@ -178,6 +178,10 @@ TEST_F( ClassIdMarking, AnAddWithAKnownClassIdSaysWhetherAllRulesStand ) {
    leaf.roomIs( kEgress, 0, 0 );
    sm.i2eTepIpClassIdIs( ip( "10.0.0.3" ), ClassId( 6 ) );
    EXPECT_FALSE( sm.addTcamEntries( 0, ip( "10.0.0.3" ) ) );
+   leaf.share( "Ethernet2", { "10.0.0.4" } );
+   leaf.roomIs( kIngress, 0, 0 );
+   sm.i2eTepIpClassIdIs( ip( "10.0.0.4" ), ClassId( 7 ) );
+   EXPECT_FALSE( sm.addTcamEntries( 0, ip( "10.0.0.4" ) ) );
 }
 
 TEST_F( ClassIdMarking, FullAndRecoveredAreLoggedOnceAnEpisode ) {

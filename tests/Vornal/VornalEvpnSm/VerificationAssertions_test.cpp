@@ -18,6 +18,7 @@ using Support::ip;
 using Support::LocalBiasSwitch;
 using Support::Machine;
 using Support::stopsAt;
+using Support::stopsAtEmptyReferenceTo;
 using Support::Variant;
 
 // An egress-mask switch with Ethernet1 (port 5 of unit 0) shared with 10.0.0.2, and a hand that
@@ -267,6 +268,8 @@ TEST( WideUnitDeathTest, IsNotTakenForTheUnitOfItsLowSixteenBits ) {
    EXPECT_DEATH( leaf.sm->EvpnMultihomingLocalBiasSm::verifyIfpEntries( 0x10000, ip( leaf.vtep ) ),
                  assertionLine( "Verification.cpp:", "verifyIfpEntries",
                                 "l2UcastRuleInstalledHas( unit )" ) );
+   EXPECT_DEATH( leaf.sm->EvpnMultihomingLocalBiasSm::addTcamEntries( 0x10000, ip( leaf.vtep ) ),
+                 stopsAtEmptyReferenceTo( "TepIpToEntry" ) );
 }
 
 // --- Read-backs that fail
