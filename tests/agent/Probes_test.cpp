@@ -357,7 +357,7 @@ TEST_F( Probes, WantEveryFrameOfAHostOfThisSwitch ) {
       entry.actionAdd( Action::EgressMask, { .ports = bitmapOf( { 2 } ) } );
    } );
    std::string const text = "flooded frames reach a port no more";
-   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, std::nullopt } ) );
+   EXPECT_TRUE( probes.seenAtRest().lasting.contains( { text, 0, std::nullopt, "rule" } ) );
    release( 0, id );
    EXPECT_TRUE( probes.seenAtRest().lasting.empty() );
 }
