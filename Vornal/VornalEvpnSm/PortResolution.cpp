@@ -31,10 +31,10 @@ VornalPortList EvpnMultihomingLocalBiasSm::getPortListForPortChannel(
    }
    TRACE( smTrace, 8, "getPortListForPortChannel, intfId : " << intfId );
    portList.reserve( config->phyIntfs() );
-   auto livePort = orEmpty( vcsd() ).vornalIntfToPortFinder();
+   auto const & commonData = orEmpty( vcsd() );
    for ( auto iter = config->phyIntfIter(); iter; ++iter ) {
-      if ( VornalPort const * const port = livePort.find( iter.key() ) ) {
-         portList.portIs( *port );
+      if ( commonData.vornalIntfToPortHas( iter.key() ) ) {
+         portList.portIs( commonData.vornalIntfToPort( iter.key() ) );
          TRACE( smTrace, 8, "getPortListForPortChannel ," << iter.key() );
       }
    }
@@ -60,15 +60,15 @@ SharedESPortInfo EvpnMultihomingLocalBiasSm::getSharedESPortInfo(
       }
    };
    auto const & mapping = orEmpty( lagPhyIntfMapping() );
-   auto livePort = orEmpty( vcsd() ).vornalIntfToPortFinder();
+   auto const & commonData = orEmpty( vcsd() );
    for ( auto iter = segment->segmentSetIter(); iter; ++iter ) {
       Pelk::IntfId const & intfId = iter.key();
-      VornalPort const * const port = livePort.find( intfId );
-      if ( isPortChannel( intfId ) && ( port || mapping.lagPhyIntfConfigHas( intfId ) ) ) {
+      bool const isLive = commonData.vornalIntfToPortHas( intfId );
+      if ( isPortChannel( intfId ) && ( isLive || mapping.lagPhyIntfConfigHas( intfId ) ) ) {
          VornalPortList const members = getPortListForPortChannel( intfId );
          std::for_each( members.begin(), members.end(), add );
-      } else if ( port ) {
-         add( *port );
+      } else if ( isLive ) {
+         add( commonData.vornalIntfToPort( intfId ) );
       } else {
          TRACE( smTrace, 2, "getSharedESPortInfo port doesn't belong to this mod" );
       }

@@ -13,7 +13,6 @@
 //                                                      by the class only
 //    KIV_SET( x, K )              xHas( k ) xIs( k ) xDel( k ) xDelAll() xIter()
 //    KIV_COLLECTION( x, K, T )    x( k ) xHas( k ) xIs( k, t ) xDel( k ) xDelAll() xIter()
-//                                 xFinder()
 //    KIV_MEMBERS( x, K, T )       the same for entities: xIs( k ) is a factory (where a T can be
 //                                 built from its key), xIs( ptr ) inserts an entity under its
 //                                 own key
@@ -30,8 +29,7 @@
 //
 // An absent member reads as the type's default; xDel gives back the removed value, or the default.
 // Through a const entity members are looked up as references to const; reference lines and walks
-// give the declared type. xIter() starts a walk, xFinder() a row of look-ups (see
-// Kiv/Collection.h).
+// give the declared type. xIter() starts a walk (Kiv/Collection.h).
 //
 // KIV_DEFINE( Namespace::Class ), once in a source file, builds the table and registers the type.
 // Types that are created by name only (mounted entities) use KIV_DEFINE_NAMED.
@@ -145,10 +143,14 @@ template< typename Class, int line > consteval AttributeId attributeId() {
                                                                                                    \
  public:
 
+// An operation that is compiled where it is used and nowhere else: a file that includes many
+// entities uses few of their operations.
+#define KIV_USED template< typename Self = KivSelf >
+
 #define KIV_KEYED( x, K, T, ... )                                                                  \
    using x##Iterator = ::Kiv::Collection< K, T >::Iterator;                                        \
-   bool x##Has( K const & key ) const { return x##_.has( key ); }                                  \
-   x##Iterator x##Iter() const {                                                                   \
+   KIV_USED bool x##Has( K const & key ) const { return x##_.has( key ); }                         \
+   KIV_USED x##Iterator x##Iter() const {                                                          \
       return x##Iterator( x##_, ::Quelm::Ptr< ::Quelm::Counted const >( this ) );                  \
    }                                                                                               \
    __VA_OPT__( std::size_t __VA_ARGS__() const { return x##_.size(); } )                           \
@@ -161,48 +163,53 @@ template< typename Class, int line > consteval AttributeId attributeId() {
 #define KIV_SET( x, K, ... )                                                                       \
    KIV_ROW( x, Set< KivSelf, K, &KivSelf::x##_ > )                                                 \
    KIV_ID( x )                                                                                     \
-   void x##Is( K const & key ) { ::Kiv::Store::put( *this, x##Attr(), x##_, key, true ); }         \
-   bool x##Del( K const & key ) { return ::Kiv::Store::remove( *this, x##Attr(), x##_, key ); }    \
-   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
+   KIV_USED void x##Is( K const & key ) {                                                          \
+      ::Kiv::Store::put< Self >( *this, x##Attr(), x##_, key, true );                              \
+   }                                                                                               \
+   KIV_USED bool x##Del( K const & key ) {                                                         \
+      return ::Kiv::Store::remove< Self >( *this, x##Attr(), x##_, key );                          \
+   }                                                                                               \
+   KIV_USED void x##DelAll() { ::Kiv::Store::removeAll< Self >( *this, x##Attr(), x##_ ); }        \
    KIV_KEYED( x, K, bool, __VA_ARGS__ )
 
 #define KIV_COLLECTION( x, K, T, ... )                                                             \
    KIV_ROW( x, Collection< KivSelf, K, T, &KivSelf::x##_ > )                                       \
    KIV_ID( x )                                                                                     \
-   ::Kiv::Read< T > x( K const & key ) const { return x##_.at( key ); }                            \
-   auto x##Finder() const { return ::Kiv::Collection< K, T >::Finder( x##_ ); }                    \
-   T const & x##Is( K const & key, T const & value ) {                                             \
-      return ::Kiv::Store::put( *this, x##Attr(), x##_, key, value );                              \
+   KIV_USED ::Kiv::Read< T > x( K const & key ) const { return x##_.at( key ); }                   \
+   KIV_USED T const & x##Is( K const & key, T const & value ) {                                    \
+      return ::Kiv::Store::put< Self >( *this, x##Attr(), x##_, key, value );                      \
    }                                                                                               \
-   T x##Del( K const & key ) { return ::Kiv::Store::remove( *this, x##Attr(), x##_, key ); }       \
-   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
+   KIV_USED T x##Del( K const & key ) {                                                            \
+      return ::Kiv::Store::remove< Self >( *this, x##Attr(), x##_, key );                          \
+   }                                                                                               \
+   KIV_USED void x##DelAll() { ::Kiv::Store::removeAll< Self >( *this, x##Attr(), x##_ ); }        \
    KIV_KEYED( x, K, T, __VA_ARGS__ )
 
 #define KIV_MEMBERS( x, K, T, ... )                                                                \
    KIV_ROW( x, Members< KivSelf, K, T, &KivSelf::x##_ > )                                          \
    KIV_ID( x )                                                                                     \
-   ::Quelm::Ptr< T const > x( K const & key ) const { return x##_.at( key ); }                     \
-   ::Quelm::Ptr< T > x( K const & key ) { return x##_.at( key ); }                                 \
+   KIV_USED ::Quelm::Ptr< T const > x( K const & key ) const { return x##_.at( key ); }            \
+   KIV_USED ::Quelm::Ptr< T > x( K const & key ) { return x##_.at( key ); }                        \
    template< typename Member = T > ::Quelm::Ptr< Member > x##Is( K const & key ) {                 \
       return ::Kiv::Store::member< KivSelf, K, Member >( *this, x##Attr(), x##_, key );            \
    }                                                                                               \
-   void x##Is( ::Quelm::Ptr< T > const & member ) {                                                \
-      ::Kiv::Store::put( *this, x##Attr(), x##_, member->kivKey(), member );                       \
+   KIV_USED void x##Is( ::Quelm::Ptr< T > const & member ) {                                       \
+      ::Kiv::Store::put< Self >( *this, x##Attr(), x##_, member->kivKey(), member );               \
    }                                                                                               \
-   ::Quelm::Ptr< T > x##Del( K const & key ) {                                                     \
-      return ::Kiv::Store::remove( *this, x##Attr(), x##_, key );                                  \
+   KIV_USED ::Quelm::Ptr< T > x##Del( K const & key ) {                                            \
+      return ::Kiv::Store::remove< Self >( *this, x##Attr(), x##_, key );                          \
    }                                                                                               \
-   void x##DelAll() { ::Kiv::Store::removeAll( *this, x##Attr(), x##_ ); }                         \
+   KIV_USED void x##DelAll() { ::Kiv::Store::removeAll< Self >( *this, x##Attr(), x##_ ); }        \
    KIV_KEYED( x, K, ::Quelm::Ptr< T >, __VA_ARGS__ )
 
 #define KIV_NESTED( x, K, T, ... )                                                                 \
    KIV_ROW( x, Nested< KivSelf, K, T, &KivSelf::x##_ > )                                           \
    KIV_ID( x )                                                                                     \
-   ::Quelm::Ptr< T > x( K const & key ) const { return x##_.at( key ); }                           \
-   ::Quelm::Ptr< T > x##Del( K const & key ) {                                                     \
-      return ::Kiv::nestedDel( *this, x##Attr(), x##_, key );                                      \
+   KIV_USED ::Quelm::Ptr< T > x( K const & key ) const { return x##_.at( key ); }                  \
+   KIV_USED ::Quelm::Ptr< T > x##Del( K const & key ) {                                            \
+      return ::Kiv::nestedDel< Self >( *this, x##Attr(), x##_, key );                              \
    }                                                                                               \
-   void x##DelAll() { ::Kiv::nestedDelAll( *this, x##Attr(), x##_ ); }                             \
+   KIV_USED void x##DelAll() { ::Kiv::nestedDelAll< Self >( *this, x##Attr(), x##_ ); }            \
    KIV_KEYED( x, K, ::Quelm::Ptr< T >, __VA_ARGS__ )
 
 #define KIV_CALLABLE( R, x, parameters, qualifiers )                                               \

@@ -12,9 +12,14 @@
 //
 // The storage knows nothing of entities and notifies nobody; Kiv/Store.h does that.
 //
-// Cost: that of std::map; a walk adds one comparison a member, insertion and removal one test while
-// no walk is under way. The insertions made during a walk are noted beside the members, until the
-// last walk ends. Threads: none of its own (Activity.h).
+// A look-up remembers where it came to. The next one looks there first, and at the place behind:
+// code that asks whether a key is there, reads it and writes it searches once, and so does code
+// that goes through keys in their order, be they present or new.
+//
+// Cost: that of std::map, or two comparisons where the last look-up was for this key or the one
+// before it; a walk adds one comparison a member, insertion and removal one test while no walk is
+// under way. What comes and goes during walks is noted beside the members, until the last walk
+// ends. Threads: none of its own, for look-ups as well (Activity.h).
 #pragma once
 
 #include <forward_list>
@@ -48,7 +53,6 @@ template< typename Key, typename T > class Collection {
 
  public:
    class Iterator;
-   class Finder;
 
    Collection() = default;
    Collection( Collection const & ) = delete;
@@ -56,15 +60,15 @@ template< typename Key, typename T > class Collection {
    ~Collection() = default;
 
    std::size_t size() const { return map_.size(); }
-   bool has( Key const & key ) const { return map_.find( key ) != map_.end(); }
+   bool has( Key const & key ) const { return isMember( positionOf( key ), key ); }
 
    T * find( Key const & key ) {
-      auto const found = map_.find( key );
-      return found == map_.end() ? nullptr : &found->second;
+      Node const found = positionOf( key );
+      return isMember( found, key ) ? &found->second : nullptr;
    }
    T const * find( Key const & key ) const {
-      auto const found = map_.find( key );
-      return found == map_.end() ? nullptr : &found->second;
+      Node const found = positionOf( key );
+      return isMember( found, key ) ? &found->second : nullptr;
    }
    // The value of `key`, or the type's default.
    Read< T > at( Key const & key ) const {
@@ -74,23 +78,25 @@ template< typename Key, typename T > class Collection {
 
    // The value of `key`, inserted as `value` if absent; tells which.
    std::pair< T *, bool > insert( Key const & key, T value ) {
-      auto const at = map_.lower_bound( key );
-      if ( at != map_.end() && !( key < at->first ) ) {
+      Node const at = positionOf( key );
+      if ( isMember( at, key ) ) {
          return { &at->second, false };
       }
-      auto const born = map_.emplace_hint( at, key, std::move( value ) );
+      last_ = map_.emplace_hint( at, key, std::move( value ) );
       if ( walks_ ) {
-         inserted_.emplace( &*born, inserted_.size() );
+         auto & inserted = walks_->meanwhile_.inserted;
+         inserted.emplace( &*last_, inserted.size() );
       }
-      return { &born->second, true };
+      return { &last_->second, true };
    }
 
    // Removes `key` into `removed`; false when it is absent.
    bool remove( Key const & key, T & removed ) {
-      auto const found = map_.find( key );
-      if ( found == map_.end() ) {
+      Node const found = positionOf( key );
+      if ( !isMember( found, key ) ) {
          return false;
       }
+      last_ = std::next( found );
       if ( walks_ ) {
          removed = found->second;
          removeUnderWalks( found );
@@ -105,6 +111,22 @@ template< typename Key, typename T > class Collection {
    Key const * firstKey() const { return map_.empty() ? nullptr : &map_.begin()->first; }
 
  private:
+   // The first member that does not come before `key`, or the end.
+   Node positionOf( Key const & key ) const {
+      if ( !isPosition( last_, key ) && ( last_ == map_.end() || !isPosition( ++last_, key ) ) ) {
+         last_ = map_.lower_bound( key );
+      }
+      return last_;
+   }
+   bool isPosition( Node at, Key const & key ) const {
+      return ( at == map_.end() || !( at->first < key ) ) &&
+             ( at == map_.begin() || std::prev( at )->first < key );
+   }
+   // Whether the member at the position of `key` is that of the key.
+   bool isMember( Node at, Key const & key ) const {
+      return at != map_.end() && !( key < at->first );
+   }
+
    // Every walk steps past the member; the member stays readable for those that stand on it.
    void removeUnderWalks( Node found ) {
       for ( Iterator * walk = walks_; walk; walk = walk->outer_ ) {
@@ -112,36 +134,19 @@ template< typename Key, typename T > class Collection {
             ++walk->next_;
          }
       }
-      removed_.push_front( map_.extract( found ) );
+      walks_->meanwhile_.removed.push_front( map_.extract( found ) );
    }
+
+   // What happens while walks are under way.
+   struct Meanwhile {
+      // The members inserted, numbered in that order; removed ones too: their nodes live as long.
+      std::map< Pair const *, std::size_t > inserted;
+      std::forward_list< typename Map::node_type > removed;
+   };
 
    mutable Map map_;
+   mutable Node last_ = map_.end();      // where the last look-up came to
    mutable Iterator * walks_ = nullptr;  // the innermost of those under way
-   // Until the last walk ends: the members inserted since the first one began, numbered in that
-   // order (removed ones too: their nodes live as long), and the nodes of the removed ones.
-   mutable std::map< Pair const *, std::size_t > inserted_;
-   mutable std::forward_list< typename Map::node_type > removed_;
-};
-
-// Looks keys up one after the other. A key that follows the one found before costs one comparison,
-// any other a look-up: for walking along two collections with the same kind of key. The collection
-// stands still meanwhile.
-template< typename Key, typename T > class Collection< Key, T >::Finder {
- public:
-   explicit Finder( Collection const & collection )
-         : map_( collection.map_ ), next_( map_.begin() ) {}
-
-   // The value of `key`, or nullptr.
-   T const * find( Key const & key ) {
-      if ( next_ == map_.end() || !( next_->first == key ) ) {
-         next_ = map_.find( key );
-      }
-      return next_ == map_.end() ? nullptr : &( next_++ )->second;
-   }
-
- private:
-   Map const & map_;
-   typename Map::const_iterator next_;
 };
 
 // One walk: `for ( auto iter = x->entryIdIter(); iter; ++iter ) { ... iter.key() ... }`.
@@ -154,7 +159,8 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
          : collection_( collection ),
            owner_( std::move( owner ) ),
            outer_( collection.walks_ ),
-           bound_( collection.inserted_.size() ),
+           meanwhile_( outer_ ? outer_->meanwhile_ : own_ ),
+           bound_( meanwhile_.inserted.size() ),
            next_( collection.map_.begin() ) {
       collection_.walks_ = this;
       step();
@@ -164,9 +170,6 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
    ~Iterator() {
       QUELM_ASSERT( collection_.walks_ == this );
       collection_.walks_ = outer_;
-      if ( !outer_ ) {
-         lastEnds();
-      }
    }
 
    explicit operator bool() const { return current_ != nullptr; }
@@ -189,24 +192,21 @@ template< typename Key, typename T > class Collection< Key, T >::Iterator {
    }
    // Whether the member came in after this walk had begun.
    bool isInsertedSince( Pair const & member ) const {
-      auto const & inserted = collection_.inserted_;
+      auto const & inserted = meanwhile_.inserted;
       if ( inserted.size() == bound_ ) {
          return false;
       }
       auto const found = inserted.find( &member );
       return found != inserted.end() && found->second >= bound_;
    }
-   void lastEnds() const {
-      collection_.inserted_.clear();
-      if ( !collection_.removed_.empty() ) {
-         // Taken out first: an entity that dies here may walk and change this collection again.
-         auto const gone = std::move( collection_.removed_ );
-      }
-   }
 
    Collection const & collection_;
    Quelm::Ptr< Quelm::Counted const > owner_;
    Iterator * outer_;
+   // That of the outermost walk, which all share. It goes before the owner does: an entity that
+   // dies with it may walk and change this collection again.
+   Meanwhile own_;
+   Meanwhile & meanwhile_;
    std::size_t bound_;  // members numbered from here on are not visited
    Node next_;
    Pair const * current_ = nullptr;

@@ -52,6 +52,11 @@ class Publisher {
 
    void publish( Change const & change ) noexcept;
 
+   // How often the entity has changed, modulo 2^32, subscribed to or not. What has been worked out
+   // of an entity holds while this number stands.
+   U32 changes() const { return changes_; }
+   void changed() { ++changes_; }
+
    // Delivers nothing from now on: the entity is being taken apart.
    void silence() { isSilent_ = true; }
 
@@ -65,6 +70,7 @@ class Publisher {
    Reactor * first_ = nullptr;
    Reactor * last_ = nullptr;
    Delivery * delivering_ = nullptr;  // innermost delivery under way
+   U32 changes_ = 0;
    bool isSilent_ = false;
 };
 

@@ -31,6 +31,7 @@ void assign( Owner & entity, AttributeId attribute, T & storage, T value ) {
       return;
    }
    std::swap( storage, value );
+   entity.publisher().changed();
    if ( entity.publisher().hasSubscribers() ) {
       T const now = storage;
       publish(
@@ -44,7 +45,6 @@ void assign( Owner & entity, AttributeId attribute, T & storage, T value ) {
 template< typename Owner, typename Key, typename T >
 T const & put( Owner & entity, AttributeId attribute, Collection< Key, T > & storage,
                Key const & key, T value ) {
-   bool const isWatched = entity.publisher().hasSubscribers();
    auto const [ slot, isNew ] = storage.insert( key, value );
    if ( !isNew ) {
       if ( *slot == value ) {
@@ -52,7 +52,8 @@ T const & put( Owner & entity, AttributeId attribute, Collection< Key, T > & sto
       }
       std::swap( *slot, value );
    }
-   if ( !isWatched ) {
+   entity.publisher().changed();
+   if ( !entity.publisher().hasSubscribers() ) {
       return *slot;
    }
    Quelm::Ptr< Owner > const alive( &entity );
@@ -73,7 +74,11 @@ template< typename Owner, typename Key, typename T >
 T remove( Owner & entity, AttributeId attribute, Collection< Key, T > & storage, Key const & key ) {
    T removed{};
    Key const keptKey = key;  // the key may be the member's own
-   if ( storage.remove( key, removed ) && entity.publisher().hasSubscribers() ) {
+   if ( !storage.remove( key, removed ) ) {
+      return removed;
+   }
+   entity.publisher().changed();
+   if ( entity.publisher().hasSubscribers() ) {
       publish( entity, Change( entity, attribute )
                           .keyed( TypedPointer( &keptKey ) )
                           .from( TypedPointer( &removed ) ) );

@@ -75,6 +75,8 @@ U32 levelsFromText( std::string_view text ) {
    return levels;
 }
 
+bool Handle::hasRing_ = false;
+
 Handle::Handle( std::string name )
       : name_( std::move( name ) ),
         textLevels_( levelsFor( shared().textSettings, name_ ) ),
@@ -96,7 +98,7 @@ void Handle::line( int level, std::string const & text ) const {
 }
 
 void Handle::ringLine( int level, std::string const & text ) const {
-   if ( isRingEnabled( level ) && shared().ring ) {
+   if ( hasRing_ && isRingEnabled( level ) ) {
       shared().ring->lineNew( Line{ name_, level, text } );
    }
    if ( isTextEnabled( level ) ) {
@@ -110,6 +112,7 @@ void sinkIs( Sink sink ) {
 
 void ringIs( Ring * ring ) {
    shared().ring = ring;
+   Handle::hasRing_ = ring != nullptr;
 }
 
 void levelsIs( std::string const & names, std::string_view levels ) {

@@ -34,6 +34,9 @@ namespace Trace {
 
 class Ring;
 
+// Where ring lines go from now on; nullptr for nowhere. The ring must outlive its use.
+void ringIs( Ring * ring );
+
 // One traced line.
 struct Line {
    std::string_view handle;
@@ -52,8 +55,9 @@ class Handle {
 
    bool isTextEnabled( int level ) const { return ( textLevels_ >> level & 1U ) != 0; }
    bool isRingEnabled( int level ) const { return ( ringLevels_ >> level & 1U ) != 0; }
+   // Whether a line of that level goes anywhere.
    bool isEnabled( int level ) const {
-      return ( ( textLevels_ | ringLevels_ ) >> level & 1U ) != 0;
+      return isTextEnabled( level ) || ( hasRing_ && isRingEnabled( level ) );
    }
 
    // Bit n is level n.
@@ -67,14 +71,15 @@ class Handle {
    std::string name_;
    U32 textLevels_ = 0;
    U32 ringLevels_ = 0;
+   static bool hasRing_;
+
+   friend void ringIs( Ring * ring );
 };
 
 using Sink = std::function< void( Line const & ) >;
 
 // Where text lines go from now on; an empty sink means standard error.
 void sinkIs( Sink sink );
-// Where ring lines go from now on; nullptr for nowhere. The ring must outlive its use.
-void ringIs( Ring * ring );
 
 // The levels that `text` lists, bit n for level n: digits and ranges ("0-5,9"), or nothing for
 // none. Any other text throws Quelm::TextError.

@@ -20,12 +20,15 @@ void VornalCommonSmData::intfPortDel( Pelk::IntfId const & intfId ) {
 }
 
 Pelk::IntfId VornalCommonSmData::intfOfPort( VornalTypes::VornalPort const & port ) const {
-   for ( auto iter = vornalIntfToPortIter(); iter; ++iter ) {
-      if ( iter.value() == port ) {
-         return iter.key();
+   if ( intfOfPortChange_ != publisher().changes() ) {
+      intfOfPort_.clear();
+      for ( auto iter = vornalIntfToPortIter(); iter; ++iter ) {
+         intfOfPort_.try_emplace( iter.value(), iter.key() );
       }
+      intfOfPortChange_ = publisher().changes();
    }
-   return {};
+   auto const found = intfOfPort_.find( port );
+   return found == intfOfPort_.end() ? Pelk::IntfId() : found->second;
 }
 
 }  // namespace Vornal

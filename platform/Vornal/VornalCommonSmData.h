@@ -13,6 +13,8 @@
 // plug-ins are told to start. Loops over units walk it in its own order, which is unit order.
 #pragma once
 
+#include <map>
+
 #include <Kiv/Entity.h>
 #include <Pelk/IntfId.h>
 #include <Vornal/Dependency.h>
@@ -29,11 +31,16 @@ class VornalCommonSmData : public Kiv::NamedEntity {
    KIV_OPERATION( void, intfPortIs,
                   ( Pelk::IntfId const & intfId, VornalTypes::VornalPort const & port ) )
    KIV_OPERATION( void, intfPortDel, ( Pelk::IntfId const & intfId ) )
-   // The interface whose live port is `port`, or an empty one. Visits the live map: linear in the
-   // number of interfaces.
+   // The interface whose live port is `port`, or an empty one; of several the first in the order of
+   // interfaces. One look-up; the first one after a change visits the live map.
    KIV_QUERY( Pelk::IntfId, intfOfPort, ( VornalTypes::VornalPort const & port ) )
 
    using NamedEntity::NamedEntity;
+
+ private:
+   // The live map from port to interface, as of the change of that number.
+   mutable std::map< VornalTypes::VornalPort, Pelk::IntfId > intfOfPort_;
+   mutable U32 intfOfPortChange_ = 0;
 };
 
 }  // namespace Vornal

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <map>
 #include <vector>
+
+#include <rapidcheck/gtest.h>
 
 #include "support/Journal.h"
 #include "support/Switch.h"
@@ -135,17 +138,77 @@ TEST_F( KivCollection, MembersAreWalkedInKeyOrderWhateverTheOrderTheyCameIn ) {
    EXPECT_EQ( walked, ( std::vector< U16 >{ 7, 100, 300, 4094 } ) );
 }
 
-TEST_F( KivCollection, FinderFindsWhatALookUpFindsInWhateverOrderItIsAsked ) {
-   for ( U16 const key : std::vector< U16 >{ 10, 20, 30, 40 } ) {
-      leaf1->noteIs( key, "note " + std::to_string( key ) );
+// A look-up begins where the last one came to.
+
+RC_GTEST_FIXTURE_PROP( KivCollection, FindsWhatIsThereInWhateverOrderItIsAskedAndChanged, () ) {
+   std::map< U16, std::string > notes;
+   auto const keys = *rc::gen::container< std::vector< U16 > >( rc::gen::inRange< U16 >( 0, 12 ) );
+   for ( U16 const key : keys ) {
+      switch ( *rc::gen::inRange( 0, 4 ) ) {
+      case 0:
+         leaf1->noteIs( key, "note " + std::to_string( key ) );
+         notes[ key ] = "note " + std::to_string( key );
+         break;
+      case 1:
+         leaf1->noteDel( key );
+         notes.erase( key );
+         break;
+      case 2: RC_ASSERT( leaf1->noteHas( key ) == notes.contains( key ) ); break;
+      default: RC_ASSERT( leaf1->note( key ) == ( notes.contains( key ) ? notes[ key ] : "" ) );
+      }
    }
-   auto finder = leaf1->noteFinder();
-   for ( U16 const key : std::vector< U16 >{ 10, 20, 20, 40, 41, 10, 5, 30, 40, 10, 20, 25, 30 } ) {
-      std::string const * const found = finder.find( key );
-      EXPECT_EQ( found ? *found : "", leaf1->note( key ) ) << key;
+}
+
+// A key that counts how often keys are compared.
+struct CountedKey {
+   int value;
+   static inline int comparisons = 0;
+
+   friend bool operator<( CountedKey const & a, CountedKey const & b ) {
+      ++comparisons;
+      return a.value < b.value;
    }
-   leaf1->noteDelAll();
-   EXPECT_EQ( leaf1->noteFinder().find( 10 ), nullptr );
+};
+
+class SearchesOfACollection : public testing::Test {
+ protected:
+   SearchesOfACollection() {
+      for ( int n = 0; n < 1000; ++n ) {
+         collection.insert( { 2 * n }, n );
+      }
+   }
+   template< typename Work > static int comparisonsOf( Work work ) {
+      CountedKey::comparisons = 0;
+      work();
+      return CountedKey::comparisons;
+   }
+
+   static constexpr int kSearch = 10;  // a search takes as many, and more
+   static constexpr int kFew = 7;
+   Kiv::Collection< CountedKey, int > collection;
+};
+
+TEST_F( SearchesOfACollection, EndWhereTheLastOneEnded ) {
+   EXPECT_GE( comparisonsOf( [ & ] { collection.find( { 500 } ); } ), kSearch );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.find( { 500 } ); } ), kFew );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.has( { 500 } ); } ), kFew );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.insert( { 500 }, 7 ); } ), kFew );
+   int removed = 0;
+   EXPECT_LE( comparisonsOf( [ & ] { collection.remove( { 500 }, removed ); } ), kFew );
+}
+
+TEST_F( SearchesOfACollection, EndOneFurtherForTheKeyThatFollows ) {
+   collection.find( { 500 } );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.find( { 502 } ); } ), kFew );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.find( { 504 } ); } ), kFew );
+}
+
+TEST_F( SearchesOfACollection, EndWhereANewKeyBelongs ) {
+   EXPECT_GE( comparisonsOf( [ & ] { collection.has( { 501 } ); } ), kSearch );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.insert( { 501 }, 7 ); } ), kFew );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.find( { 501 } ); } ), kFew );
+   EXPECT_GE( comparisonsOf( [ & ] { collection.insert( { 9000 }, 7 ); } ), kSearch );
+   EXPECT_LE( comparisonsOf( [ & ] { collection.insert( { 9001 }, 7 ); } ), kFew );
 }
 
 TEST_F( KivCollection, FactoryMakesTheMemberOfAKeyOnce ) {

@@ -244,6 +244,17 @@ TEST_F( TraceRingInUse, UnmarkedLineDoesNotGoToTheRing ) {
    EXPECT_EQ( text, Texts{ "text only" } );
 }
 
+TEST_F( TraceRingInUse, WithoutARingItsLinesAreNotMade ) {
+   int made = 0;
+   TRACE_RING( handle, 5, ++made );
+   EXPECT_EQ( made, 1 );
+   Trace::ringIs( nullptr );
+   TRACE_RING( handle, 5, ++made );
+   EXPECT_EQ( made, 1 );
+   TRACE_RING( handle, 0, ++made );  // which is text
+   EXPECT_EQ( made, 2 );
+}
+
 TEST_F( TraceRingInUse, WithoutARingMarkedLinesAreStillText ) {
    Trace::ringIs( nullptr );
    TRACE_RING( handle, 0, "finishInit" );

@@ -125,6 +125,17 @@ TEST_F( InterfacePorts, PortLeadsBackToTheInterfaceThatHasItNow ) {
    EXPECT_TRUE( data->intfOfPort( VornalPort( 1, 5 ) ).isEmpty() );
 }
 
+TEST_F( InterfacePorts, PortOfTwoInterfacesLeadsBackToTheFirst ) {
+   data->intfPortIs( et2, port5 );
+   EXPECT_EQ( data->intfOfPort( port5 ), et2 );
+   data->intfPortIs( et1, port5 );
+   EXPECT_EQ( data->intfOfPort( port5 ), et1 );
+   data->intfPortDel( et1 );
+   EXPECT_EQ( data->intfOfPort( port5 ), et2 );
+   data->vornalIntfToPortDelAll();
+   EXPECT_TRUE( data->intfOfPort( port5 ).isEmpty() );
+}
+
 TEST_F( InterfacePorts, UnitsAreWalkedInUnitOrder ) {
    data->vornalModIdIs( 2, 8 );
    data->vornalModIdIs( 0, 4 );

@@ -228,9 +228,9 @@ bool EvpnMultihomingLocalBiasWithI2EClassIdSm::unitUsesOrNeedsTcams( U32 unit ) 
 
 bool EvpnMultihomingLocalBiasWithI2EClassIdSm::isAnyClassIdPending() const {
    Quelm::Ptr< Requests const > const requests( i2eClassIdIndexConfig() );
-   auto grants = orEmpty( i2eClassIdIndexStatus() ).remoteESPeerVtepFinder();
+   auto const & grants = orEmpty( i2eClassIdIndexStatus() );
    for ( auto iter = orEmpty( requests ).remoteESPeerVtepIter(); iter; ++iter ) {
-      if ( !grants.find( iter.key() ) ) {
+      if ( !grants.remoteESPeerVtepHas( iter.key() ) ) {
          return true;
       }
    }
