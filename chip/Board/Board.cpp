@@ -17,14 +17,14 @@ GroupKind kindOfGroup( U16 unit, Vornal::TcamGroupAssignment assignment ) {
                        std::to_string( assignment ) + "; known are 157 (ingress) and 45 (egress)" );
 }
 
-void addUnit( Units & units, UnitConfig const & config ) {
+void addUnit( Units & units, UnitConfig const & config, LookupEngine lookup ) {
    if ( units.unit( config.number ) ) {
       throw Quelm::Error( "unit " + std::to_string( config.number ) +
                           " comes twice; unit numbers are unique on a board" );
    }
    Unit & unit = units.unitNew( config.number, config.modId );
    for ( auto const & [ assignment, capacity ] : config.capacities ) {
-      unit.groupNew( assignment, kindOfGroup( config.number, assignment ), capacity );
+      unit.groupNew( assignment, kindOfGroup( config.number, assignment ), capacity, lookup );
    }
 }
 
@@ -33,7 +33,7 @@ void addUnit( Units & units, UnitConfig const & config ) {
 Board::Board( BoardConfig const & config, CallObserver * observer, Faults * faults )
       : sdk_( units_ ) {
    for ( UnitConfig const & unit : config.units ) {
-      addUnit( units_, unit );
+      addUnit( units_, unit, config.lookup );
    }
    groupManager_ = Quelm::make< SoftTcamGroupManager >( "tcamGroups", units_, observer, faults );
 }

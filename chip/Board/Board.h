@@ -26,6 +26,7 @@ struct UnitConfig {
 
 struct BoardConfig {
    std::vector< UnitConfig > units;
+   LookupEngine lookup = LookupEngine::TupleSpace;
 };
 
 class Board {

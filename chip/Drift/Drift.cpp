@@ -1,7 +1,5 @@
 #include <Drift/Drift.h>
 
-#include <FieldProcessor/LookupTable.h>
-
 namespace Chip {
 
 template< typename Change > ResultCode Drift::rewrite( U32 id, Change change ) {

@@ -1,7 +1,7 @@
 // A frame beside every written rule of one group: which rules match, which one wins and by what,
 // and by which qualifiers the others miss the frame.
 //
-// The lookup (FieldProcessor/LookupTable.h) finds the winner by hashing and never looks at the
+// The lookup (FieldProcessor/TupleSpaceLookup.h) finds the winner by hashing and never looks at the
 // rules that lose. Here each rule's qualifiers are compared one by one, as the tables of
 // FieldProcessor/Fields.h describe them. The two have nothing in common but those tables, so each
 // can be held against the other.

@@ -2,18 +2,15 @@
 
 #include <algorithm>
 
-#include <FieldProcessor/LookupTable.h>
-
 namespace Chip {
 
-Group::Group( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity, EntryIds & ids )
+Group::Group( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity, EntryIds & ids,
+              LookupEngine engine )
       : assignment_( assignment ),
         kind_( kind ),
         capacity_( capacity ),
         ids_( ids ),
-        written_( std::make_unique< LookupTable >() ) {}
-
-Group::~Group() = default;
+        written_( lookupNew( engine ) ) {}
 
 U32 Group::foreignIs( U32 count ) {
    foreign_ = std::min( count, capacity_ - used() );
@@ -25,7 +22,7 @@ U32 Group::entryNew( std::string const & name ) {
       return 0;
    }
    U32 const id = ids_.next();
-   entries_.try_emplace( id, kind_, id, name );
+   byId_[ id ] = entries_.try_emplace( entries_.end(), id, kind_, id, name );
    return id;
 }
 
@@ -51,14 +48,16 @@ ResultCode Group::reinstall( U32 id ) {
 }
 
 ResultCode Group::release( U32 id ) {
-   Entry const * const found = entry( id );
-   if ( !found ) {
+   auto const found = byId_.find( id );
+   if ( found == byId_.end() ) {
       return ResultCode::UnknownEntry;
    }
-   if ( found->written() ) {
-      written_->remove( *found );
+   Entry const & entry = found->second->second;
+   if ( entry.written() ) {
+      written_->remove( entry );
    }
-   entries_.erase( id );
+   entries_.erase( found->second );
+   byId_.erase( found );
    return ResultCode::None;
 }
 
@@ -71,23 +70,23 @@ void Group::write( Entry & entry ) {
 }
 
 Entry * Group::entry( U32 id ) {
-   auto const found = entries_.find( id );
-   return found == entries_.end() ? nullptr : &found->second;
+   auto const found = byId_.find( id );
+   return found == byId_.end() ? nullptr : &found->second->second;
 }
 
 Entry const * Group::entry( U32 id ) const {
-   auto const found = entries_.find( id );
-   return found == entries_.end() ? nullptr : &found->second;
+   auto const found = byId_.find( id );
+   return found == byId_.end() ? nullptr : &found->second->second;
 }
 
 Entry const * Group::lookup( IngressFields const & frame ) const {
    QUELM_ASSERT( kind_ == GroupKind::Ingress );
-   return written_->find( { keyFieldsOf( frame ) } );
+   return written_->find( keyFieldsOf( frame ) );
 }
 
 Entry const * Group::lookup( EgressFields const & frame ) const {
    QUELM_ASSERT( kind_ == GroupKind::Egress );
-   return written_->find( { keyFieldsOf( frame ) } );
+   return written_->find( keyFieldsOf( frame ) );
 }
 
 }  // namespace Chip

@@ -13,9 +13,8 @@
 // change nothing. There are no unsafe ones but asking a group for frames of the other kind, which
 // is a failed assertion.
 //
-// Cost: a lookup is one hash lookup for each different set of masks among the written entries (a
-// handful, however many entries there are), and writes nothing. Everything else is logarithmic in
-// the number of entries.
+// Cost: that of the engine for a lookup (Lookup.h), which writes nothing; constant for everything
+// else.
 //
 // Threads: entries are obtained, written and released by holders of the activity lock, and looked
 // up by holders of it. Field calls work on the staged copies, meanwhile, with the lock given up
@@ -28,13 +27,13 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include <FieldProcessor/Entry.h>
+#include <FieldProcessor/Lookup.h>
 #include <VornalTcam/EntryManager.h>
 
 namespace Chip {
-
-class LookupTable;
 
 // Gives each entry of a unit a number of its own: from 1, never the same twice.
 class EntryIds {
@@ -51,10 +50,11 @@ class EntryIds {
 class Group {
  public:
    // `ids` is the unit's and outlives the group.
-   Group( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity, EntryIds & ids );
+   Group( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity, EntryIds & ids,
+          LookupEngine engine = LookupEngine::TupleSpace );
    Group( Group const & ) = delete;
    Group & operator=( Group const & ) = delete;
-   ~Group();
+   ~Group() = default;
 
    Vornal::TcamGroupAssignment assignment() const { return assignment_; }
    GroupKind kind() const { return kind_; }
@@ -82,7 +82,8 @@ class Group {
    Entry * entry( U32 id );
    Entry const * entry( U32 id ) const;
    // All entries by id, which is the order in which they were obtained.
-   std::map< U32, Entry > const & entries() const { return entries_; }
+   using Entries = std::map< U32, Entry >;
+   Entries const & entries() const { return entries_; }
 
    // --- Lookup
    // The entry that wins, or nullptr. It has a written copy, and stays until it is released.
@@ -99,8 +100,9 @@ class Group {
    U32 capacity_;
    U32 foreign_ = 0;
    EntryIds & ids_;
-   std::map< U32, Entry > entries_;
-   std::unique_ptr< LookupTable > written_;
+   Entries entries_;
+   std::unordered_map< U32, Entries::iterator > byId_;  // every call looks its entry up
+   std::unique_ptr< Lookup > written_;
 };
 
 }  // namespace Chip

@@ -2,8 +2,10 @@
 
 namespace Chip {
 
-void Unit::groupNew( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity ) {
-   bool const isNew = groups_.try_emplace( assignment, assignment, kind, capacity, ids_ ).second;
+void Unit::groupNew( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity,
+                     LookupEngine engine ) {
+   bool const isNew =
+      groups_.try_emplace( assignment, assignment, kind, capacity, ids_, engine ).second;
    QUELM_ASSERT( isNew );
 }
 

@@ -19,7 +19,8 @@ class Unit {
    U16 modId() const { return modId_; }  // the unit's address on the fabric
 
    // Adds a group. That the unit has one of that assignment already is a failed assertion.
-   void groupNew( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity );
+   void groupNew( Vornal::TcamGroupAssignment assignment, GroupKind kind, U32 capacity,
+                  LookupEngine engine = LookupEngine::TupleSpace );
 
    // The group, or nullptr.
    Group * group( Vornal::TcamGroupAssignment assignment );

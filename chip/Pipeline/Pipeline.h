@@ -35,7 +35,7 @@
 //
 // Cost: no allocation once tables and stories have reached their size. About a hash lookup for each
 // of VTEP, VNI, the two MAC addresses, and the field processors' own for each unit and copy
-// (FieldProcessor/LookupTable.h); bench/pipeline.cpp has the figures.
+// (FieldProcessor/TupleSpaceLookup.h); bench/pipeline.cpp has the figures.
 //
 // Threads: one at a time, a holder of the activity lock, as rules are looked up.
 //

@@ -8,7 +8,7 @@ namespace Chip {
 
 namespace {
 
-NamedValue const & valueOf( HardwareCall const & call, std::string_view name ) {
+NamedValue const & namedValueOf( HardwareCall const & call, std::string_view name ) {
    auto const found =
       std::find_if( call.values.begin(), call.values.end(),
                     [ & ]( NamedValue const & value ) { return value.name == name; } );
@@ -17,15 +17,6 @@ NamedValue const & valueOf( HardwareCall const & call, std::string_view name ) {
                           "'" );
    }
    return *found;
-}
-
-template< typename Value > Value const & valueOf( HardwareCall const & call, char const * name ) {
-   auto const * const value =
-      std::get_if< Value >( &valueOf( call, std::string_view( name ) ).value );
-   if ( !value ) {
-      throw Quelm::Error( "the call " + call.operation + " has another kind of '" + name + "'" );
-   }
-   return *value;
 }
 
 // An action is recorded by its name, everything else of a field call as a number.
@@ -61,25 +52,39 @@ bool isMade( HardwareCall const & call ) {
 
 }  // namespace
 
+template< typename Value > Value const & valueOf( HardwareCall const & call, char const * name ) {
+   auto const * const value = std::get_if< Value >( &namedValueOf( call, name ).value );
+   if ( !value ) {
+      throw Quelm::Error( "the call " + call.operation + " has another kind of '" + name + "'" );
+   }
+   return *value;
+}
+template U32 const & valueOf( HardwareCall const & call, char const * name );
+template std::string const & valueOf( HardwareCall const & call, char const * name );
+template Brum::PerUnitBitmap const & valueOf( HardwareCall const & call, char const * name );
+
+std::optional< Shim::Call > fieldCallOf( HardwareCall const & recorded ) {
+   auto const * const row = fieldOperationNamed( recorded.operation );
+   if ( !row ) {
+      return std::nullopt;
+   }
+   Shim::Call call{ row->operation, recorded.unit, recorded.entry };
+   for ( std::size_t n = 0; n < row->valueCount(); ++n ) {
+      call.values.add( numberOf( namedValueOf( recorded, row->valueNames.at( n ) ) ) );
+   }
+   return call;
+}
+
 void CallReplay::make( HardwareCall const & call ) {
    if ( !isMade( call ) || isReading( call.operation ) ) {
       return;
    }
-   auto const * const row = fieldOperationNamed( call.operation );
-   S32 const rc = row ? makeFieldCall( *row, call ) : makeManagerCall( call );
+   auto fieldCall = fieldCallOf( call );
+   S32 const rc = fieldCall ? sdk_.make( *fieldCall ) : makeManagerCall( call );
    if ( rc != codeOf( ResultCode::None ) ) {
       throw Quelm::Error( "the call " + call.operation +
                           " has another result than at first: " + std::string( resultText( rc ) ) );
    }
-}
-
-S32 CallReplay::makeFieldCall( Shim::FieldOperationRow const & row,
-                               HardwareCall const & recorded ) {
-   Shim::Call call{ row.operation, recorded.unit, recorded.entry };
-   for ( std::size_t n = 0; n < row.valueCount(); ++n ) {
-      call.values.add( numberOf( valueOf( recorded, row.valueNames.at( n ) ) ) );
-   }
-   return sdk_.make( call );
 }
 
 S32 CallReplay::makeManagerCall( HardwareCall const & recorded ) {

@@ -21,10 +21,17 @@
 // the calls, Decorators/RecordingSdk.h and the entry managers (Tcam/) report them.
 #pragma once
 
+#include <optional>
+
 #include <Calls/HardwareCall.h>
 #include <SoftSdk/SoftSdk.h>
 
 namespace Chip {
+
+// The recorded field call as a shim takes it; none when it is an operation of an entry manager.
+std::optional< Shim::Call > fieldCallOf( HardwareCall const & recorded );
+// A value of a recorded call, by its name. Quelm::Error when there is none, or one of another kind.
+template< typename Value > Value const & valueOf( HardwareCall const & call, char const * name );
 
 class CallReplay {
  public:
@@ -34,7 +41,6 @@ class CallReplay {
    void make( HardwareCall const & call );
 
  private:
-   S32 makeFieldCall( Shim::FieldOperationRow const & row, HardwareCall const & recorded );
    S32 makeManagerCall( HardwareCall const & recorded );
 
    Units & units_;

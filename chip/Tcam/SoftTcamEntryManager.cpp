@@ -63,9 +63,10 @@ S32 SoftTcamEntryManager::onEntry( std::string_view name, U32 unit, U32 entryId,
    } );
 }
 
-// Tells the observer, with the group in front of the values.
-void SoftTcamEntryManager::tell( HardwareCall call ) const {
+// Tells the observer, with the group in front of the values. Without one the call is not made up.
+template< typename MakeCall > void SoftTcamEntryManager::tell( MakeCall makeCall ) const {
    if ( observer_ ) {
+      HardwareCall call = makeCall();
       call.values.insert( call.values.begin(), { "group", U32{ group() } } );
       observer_->callMade( call );
    }
@@ -76,11 +77,13 @@ U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
    Group * const group = groupOn( unit );
    bool const isRefused = faults_ && faults_->isNextRefused();
    U32 const entryId = group && !isRefused ? group->entryNew( name ) : 0;
-   HardwareCall call{ __func__, {}, unit, entryId, { { "name", name } }, {} };
-   if ( key != VornalTcam::RequestKey() ) {
-      call.values.push_back( { "key", Quelm::textOf( key ) } );
-   }
-   tell( std::move( call ) );
+   tell( [ & ] {
+      HardwareCall call{ "getEntry", {}, unit, entryId, { { "name", name } }, {} };
+      if ( key != VornalTcam::RequestKey() ) {
+         call.values.push_back( { "key", Quelm::textOf( key ) } );
+      }
+      return call;
+   } );
    if ( group && entryId == 0 ) {
       exhaustedIs( static_cast< U16 >( unit ), true );
    }
@@ -90,21 +93,21 @@ U32 SoftTcamEntryManager::getEntry( U32 unit, std::string const & name,
 S32 SoftTcamEntryManager::installEntry( U32 unit, U32 entryId ) {
    S32 const rc =
       onGroup( __func__, unit, [ & ]( Group & group ) { return group.install( entryId ); } );
-   tell( { __func__, {}, unit, entryId, {}, rc } );
+   tell( [ & ] { return HardwareCall{ "installEntry", {}, unit, entryId, {}, rc }; } );
    return rc;
 }
 
 S32 SoftTcamEntryManager::reinstallEntry( U32 unit, U32 entryId ) {
    S32 const rc =
       onGroup( __func__, unit, [ & ]( Group & group ) { return group.reinstall( entryId ); } );
-   tell( { __func__, {}, unit, entryId, {}, rc } );
+   tell( [ & ] { return HardwareCall{ "reinstallEntry", {}, unit, entryId, {}, rc }; } );
    return rc;
 }
 
 void SoftTcamEntryManager::releaseEntry( U32 unit, U32 entryId ) {
    S32 const rc =
       onGroup( __func__, unit, [ & ]( Group & group ) { return group.release( entryId ); } );
-   tell( { __func__, {}, unit, entryId, {}, rc } );
+   tell( [ & ] { return HardwareCall{ "releaseEntry", {}, unit, entryId, {}, rc }; } );
    if ( rc == codeOf( ResultCode::None ) ) {
       roomMade( unit );
    }
@@ -115,7 +118,10 @@ void SoftTcamEntryManager::setPriorityForEntry( U32 unit, U32 entryId, U32 prior
       entry.priorityIs( priority );
       return ResultCode::None;
    } );
-   tell( { __func__, {}, unit, entryId, { { "priority", priority } }, rc } );
+   tell( [ & ] {
+      return HardwareCall{ "setPriorityForEntry",        {}, unit, entryId,
+                           { { "priority", priority } }, rc };
+   } );
 }
 
 // --- Egress mask
@@ -125,7 +131,9 @@ void SoftTcamEntryManager::addEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp
    S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry & entry ) {
       return entry.actionAdd( Action::EgressMask, { .ports = ports } );
    } );
-   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, rc } );
+   tell( [ & ] {
+      return HardwareCall{ "addEgressMaskAction", {}, unit, entryId, { { "ports", ports } }, rc };
+   } );
 }
 
 void SoftTcamEntryManager::updateEgressMaskAction( U32 unit, U32 entryId, _shr_pbmp const & pbmp ) {
@@ -133,7 +141,11 @@ void SoftTcamEntryManager::updateEgressMaskAction( U32 unit, U32 entryId, _shr_p
    S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry & entry ) {
       return entry.actionUpdate( Action::EgressMask, { .ports = ports } );
    } );
-   tell( { __func__, {}, unit, entryId, { { "ports", ports } }, rc } );
+   tell( [ & ] {
+      return HardwareCall{
+         "updateEgressMaskAction", {}, unit, entryId, { { "ports", ports } }, rc
+      };
+   } );
 }
 
 Vornal::EgressMaskResult SoftTcamEntryManager::getEgressMaskActionPbmp( U32 unit, U32 entryId ) {
@@ -141,11 +153,13 @@ Vornal::EgressMaskResult SoftTcamEntryManager::getEgressMaskActionPbmp( U32 unit
    S32 const rc = onEntry( __func__, unit, entryId, [ & ]( Entry const & entry ) {
       return entry.readBack( Action::EgressMask, mask );
    } );
-   HardwareCall call{ __func__, {}, unit, entryId, {}, rc };
-   if ( rc == codeOf( ResultCode::None ) ) {
-      call.values.push_back( { "ports", mask.ports } );
-   }
-   tell( std::move( call ) );
+   tell( [ & ] {
+      HardwareCall call{ "getEgressMaskActionPbmp", {}, unit, entryId, {}, rc };
+      if ( rc == codeOf( ResultCode::None ) ) {
+         call.values.push_back( { "ports", mask.ports } );
+      }
+      return call;
+   } );
    return { rc, pbmpOf( mask.ports ) };
 }
 

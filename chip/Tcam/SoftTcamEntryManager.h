@@ -64,7 +64,7 @@ class SoftTcamEntryManager : public Vornal::VornalUnboundedTcamEntryManager {
    template< typename Operation >
    S32 onEntry( std::string_view name, U32 unit, U32 entryId, Operation operation );
 
-   void tell( HardwareCall call ) const;
+   template< typename MakeCall > void tell( MakeCall makeCall ) const;
    void roomMade( U32 unit );
 
    Units & units_;

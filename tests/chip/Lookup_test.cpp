@@ -19,7 +19,8 @@ IngressFields const kFloodedFromVtep2{ kVtep2, 1, true, 10100 };
 IngressFields const kUnicastFromVtep2{ kVtep2, BCM_FIELD_PKT_RES_L2UC, true, 10100 };
 EgressFields const kMarkedToPort5{ 0, 5, bcmFieldIpTypeIpv4Any, 100 };
 
-class Lookup : public testing::Test {
+// By each of the engines.
+class Lookup : public testing::TestWithParam< Chip::LookupEngine > {
  protected:
    U32 unicastExemption( U32 unit ) {
       U32 const id = leaf1.ifp->getEntry( unit, "no-op", {} );
@@ -33,28 +34,35 @@ class Lookup : public testing::Test {
       leaf1.ifp->reinstallEntry( 0, id );
    }
 
-   TwoUnitSwitch leaf1;
+   TwoUnitSwitch leaf1{ twoUnits( 8, GetParam() ) };
 };
+INSTANTIATE_TEST_SUITE_P( Engine, Lookup,
+                          testing::Values( Chip::LookupEngine::Linear,
+                                           Chip::LookupEngine::TupleSpace ),
+                          []( auto const & engine ) {
+                             return engine.param == Chip::LookupEngine::Linear ? "Linear"
+                                                                               : "TupleSpace";
+                          } );
 
-TEST_F( Lookup, AFrameMatchesNothingOnAnEmptyChip ) {
+TEST_P( Lookup, AFrameMatchesNothingOnAnEmptyChip ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
    EXPECT_EQ( leaf1.winner( 0, kMarkedToPort5 ), 0U );
 }
 
-TEST_F( Lookup, AFrameMeetsTheRuleOfItsVtepAndNoOther ) {
+TEST_P( Lookup, AFrameMeetsTheRuleOfItsVtepAndNoOther ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ kVtep3, 1, true, 10100 } ), 0U );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ 0, 1, false, 0 } ), 0U );
 }
 
-TEST_F( Lookup, ARuleOfOneUnitIsNoRuleOfTheOther ) {
+TEST_P( Lookup, ARuleOfOneUnitIsNoRuleOfTheOther ) {
    leaf1.fromVtep( 1, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
    EXPECT_EQ( leaf1.winner( 1, kFloodedFromVtep2 ), 1U );
 }
 
-TEST_F( Lookup, WhatIsStagedIsNotSeenUntilItIsInstalled ) {
+TEST_P( Lookup, WhatIsStagedIsNotSeenUntilItIsInstalled ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep2 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
@@ -62,7 +70,7 @@ TEST_F( Lookup, WhatIsStagedIsNotSeenUntilItIsInstalled ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
 }
 
-TEST_F( Lookup, AChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
+TEST_P( Lookup, AChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep3 );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
@@ -70,27 +78,27 @@ TEST_F( Lookup, AChangedRuleMatchesAsBeforeUntilItIsReinstalled ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, AReleasedRuleIsGone ) {
+TEST_P( Lookup, AReleasedRuleIsGone ) {
    U32 const rule = leaf1.fromVtep( 0, kVtep2 );
    leaf1.ifp->releaseEntry( 0, rule );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, ARuleWithoutQualifiersMatchesEveryFrame ) {
+TEST_P( Lookup, ARuleWithoutQualifiersMatchesEveryFrame ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "everything", {} );
    leaf1.ifp->installEntry( 0, rule );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{} ), rule );
 }
 
-TEST_F( Lookup, AllQualifiersOfARuleMustMatch ) {
+TEST_P( Lookup, AllQualifiersOfARuleMustMatch ) {
    U32 const rule = unicastExemption( 0 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), rule );
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ 0, BCM_FIELD_PKT_RES_L2UC, false, 0 } ), 0U );
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), 0U );
 }
 
-TEST_F( Lookup, BitsOutsideTheMaskDoNotCount ) {
+TEST_P( Lookup, BitsOutsideTheMaskDoNotCount ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "a range of VNIs", {} );
    leaf1.sdk.bcm_field_qualify_VxlanNetworkId( 0, rule, 0x27ff, 0xffffff00 );
    leaf1.ifp->installEntry( 0, rule );
@@ -98,7 +106,7 @@ TEST_F( Lookup, BitsOutsideTheMaskDoNotCount ) {
    EXPECT_EQ( leaf1.winner( 0, IngressFields{ kVtep2, 1, true, 0x2800 } ), 0U );
 }
 
-TEST_F( Lookup, TheHigherPriorityWins ) {
+TEST_P( Lookup, TheHigherPriorityWins ) {
    U32 const low = leaf1.fromVtep( 0, kVtep2 );
    U32 const high = unicastExemption( 0 );
    prioritise( low, 1 );
@@ -108,7 +116,7 @@ TEST_F( Lookup, TheHigherPriorityWins ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), low );
 }
 
-TEST_F( Lookup, BetweenEqualsTheOneObtainedFirstWins ) {
+TEST_P( Lookup, BetweenEqualsTheOneObtainedFirstWins ) {
    U32 const first = leaf1.ifp->getEntry( 0, "obtained first", {} );
    U32 const second = leaf1.fromVtep( 0, kVtep2 );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, first, kVtep2 );
@@ -118,7 +126,7 @@ TEST_F( Lookup, BetweenEqualsTheOneObtainedFirstWins ) {
    EXPECT_EQ( leaf1.winner( 0, kFloodedFromVtep2 ), second );
 }
 
-TEST_F( Lookup, TheDefaultPriorityStandsAboveEveryOther ) {
+TEST_P( Lookup, TheDefaultPriorityStandsAboveEveryOther ) {
    U32 const perVtep = leaf1.fromVtep( 0, kVtep2 );
    U32 const exemption = unicastExemption( 0 );
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), perVtep );
@@ -126,7 +134,7 @@ TEST_F( Lookup, TheDefaultPriorityStandsAboveEveryOther ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), exemption );
 }
 
-TEST_F( Lookup, APriorityIsInForceFromTheNextReinstallOn ) {
+TEST_P( Lookup, APriorityIsInForceFromTheNextReinstallOn ) {
    U32 const perVtep = leaf1.fromVtep( 0, kVtep2 );
    U32 const exemption = unicastExemption( 0 );
    leaf1.ifp->setPriorityForEntry( 0, perVtep, 1 );
@@ -135,7 +143,7 @@ TEST_F( Lookup, APriorityIsInForceFromTheNextReinstallOn ) {
    EXPECT_EQ( leaf1.winner( 0, kUnicastFromVtep2 ), exemption );
 }
 
-TEST_F( Lookup, TheWinnerTellsItsActions ) {
+TEST_P( Lookup, TheWinnerTellsItsActions ) {
    U32 const rule = leaf1.ifp->getEntry( 0, "from vtep", {} );
    leaf1.sdk.bcm_field_qualify_SrcVxlanGport( 0, rule, kVtep2 );
    leaf1.sdk.bcm_field_action_add( 0, rule, bcmFieldActionNewClassId, 100, 0 );
@@ -150,7 +158,7 @@ TEST_F( Lookup, TheWinnerTellsItsActions ) {
    EXPECT_FALSE( written[ Chip::Action::EgressClassSelect ] );
 }
 
-TEST_F( Lookup, AnEgressRuleIsForOnePortAndClassOfAnyIpType ) {
+TEST_P( Lookup, AnEgressRuleIsForOnePortAndClassOfAnyIpType ) {
    U32 const rule = leaf1.efp->getEntry( 0, "drop", {} );
    leaf1.sdk.bcm_field_qualify_DstPort( 0, rule, 0, kExact, 5, kExact );
    leaf1.sdk.bcm_field_qualify_IpType( 0, rule, bcmFieldIpTypeAny );
@@ -163,7 +171,7 @@ TEST_F( Lookup, AnEgressRuleIsForOnePortAndClassOfAnyIpType ) {
    EXPECT_EQ( leaf1.winner( 0, EgressFields{ 0, 5, bcmFieldIpTypeIpv6, 0 } ), 0U );
 }
 
-TEST_F( Lookup, AnEgressRuleCanBeForOneIpType ) {
+TEST_P( Lookup, AnEgressRuleCanBeForOneIpType ) {
    U32 const rule = leaf1.efp->getEntry( 0, "IPv6 only", {} );
    leaf1.sdk.bcm_field_qualify_IpType( 0, rule, bcmFieldIpTypeIpv6 );
    leaf1.efp->installEntry( 0, rule );
@@ -171,7 +179,7 @@ TEST_F( Lookup, AnEgressRuleCanBeForOneIpType ) {
    EXPECT_EQ( leaf1.winner( 0, EgressFields{ 0, 5, bcmFieldIpTypeIpv4Any, 0 } ), 0U );
 }
 
-TEST_F( Lookup, StaysRightWhileRulesAreBeingStaged ) {
+TEST_P( Lookup, StaysRightWhileRulesAreBeingStaged ) {
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor const lock( activity );
    Shim::sdk_ = &leaf1.sdk;

@@ -138,6 +138,8 @@ rc::Gen< Step > anyStep() {
 
 class SideBySide {
  public:
+   explicit SideBySide( Chip::LookupEngine lookup ) : leaf1_( twoUnits( kCapacity, lookup ) ) {}
+
    void run( Step const & step ) {
       switch ( step.operation ) {
       case Operation::Get: get( step ); break;
@@ -326,17 +328,25 @@ class SideBySide {
       }
    }
 
-   TwoUnitSwitch leaf1_{ kCapacity };
+   TwoUnitSwitch leaf1_;
    std::array< Unit, kUnits > units_;
 };
 
-RC_GTEST_PROP( Model, IsWhatAnySequenceOfOperationsLeadsTo, () ) {
+void compareAfterEachStep( Chip::LookupEngine lookup ) {
    auto const steps = *rc::gen::scale( 2, rc::gen::container< std::vector< Step > >( anyStep() ) );
-   SideBySide both;
+   SideBySide both( lookup );
    for ( Step const & step : steps ) {
       both.run( step );
       both.compare();
    }
+}
+
+RC_GTEST_PROP( Model, IsWhatAnySequenceOfOperationsLeadsTo, () ) {
+   compareAfterEachStep( Chip::LookupEngine::TupleSpace );
+}
+
+RC_GTEST_PROP( Model, IsWhatAnySequenceLeadsToWithTheObviousLookup, () ) {
+   compareAfterEachStep( Chip::LookupEngine::Linear );
 }
 
 }  // namespace ModelTest

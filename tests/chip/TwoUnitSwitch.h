@@ -20,9 +20,11 @@ constexpr U32 kVtep2 = Chip::vxlanGportOf( 2 );  // the gports of two remote VTE
 constexpr U32 kVtep3 = Chip::vxlanGportOf( 3 );
 
 // Units 0 and 1, with module ids 0 and 4 and room for `capacity` entries in each group.
-inline Chip::BoardConfig twoUnits( U32 capacity ) {
+inline Chip::BoardConfig twoUnits( U32 capacity,
+                                   Chip::LookupEngine lookup = Chip::LookupEngine::TupleSpace ) {
    return { { { 0, 0, { { kIfp, capacity }, { kEfp, capacity } } },
-              { 1, 4, { { kIfp, capacity }, { kEfp, capacity } } } } };
+              { 1, 4, { { kIfp, capacity }, { kEfp, capacity } } } },
+            lookup };
 }
 
 inline _shr_pbmp pbmpOfPorts( std::vector< U32 > const & ports ) {
@@ -34,7 +36,10 @@ inline _shr_pbmp pbmpOfPorts( std::vector< U32 > const & ports ) {
 class TwoUnitSwitch {
  public:
    explicit TwoUnitSwitch( U32 capacity = 8, Chip::CallObserver * observer = nullptr )
-         : board( twoUnits( capacity ), observer ),
+         : TwoUnitSwitch( twoUnits( capacity ), observer ) {}
+   explicit TwoUnitSwitch( Chip::BoardConfig const & config,
+                           Chip::CallObserver * observer = nullptr )
+         : board( config, observer ),
            sdk( board.sdk() ),
            ifp( board.entryManager( kIfp ) ),
            efp( board.entryManager( kEfp ) ) {}

@@ -22,7 +22,7 @@ class Inputs(Technique):
     name = "inputs"
     unit = "inputs"
     needs_fuzz = True
-    weights = {"texts": 100, "features": 6, "pipeline": 6}  # of others 1
+    weights = {"texts": 60, "lookup": 60, "features": 6, "pipeline": 6}  # of others 1
 
     def __init__(self, work, share, goal):
         super().__init__(work, share, goal)
