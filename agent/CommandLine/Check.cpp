@@ -4,10 +4,9 @@
 #include <iterator>
 #include <set>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/NamedFiles.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Steps/Reader.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
@@ -105,12 +104,11 @@ void printJson( std::vector< Checked > const & all, std::ostream & out ) {
 }  // namespace
 
 void Check::declare( CLI::App & app ) {
-   app.add_option( "FILE", files_,
-                   "The scenarios: files, folders of them, or '-' for standard input" )
-      ->required()
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+   value( app, "FILE", files_, "The scenarios: files, folders of them, or '-' for standard input" )
+      .required()
+      .type( "FILE" )
+      .check( problemOfName );
+   flag( app, "--json", isJson_, "Print one JSON document instead of text" );
 }
 
 Story::ExitCode Check::perform( std::ostream & out ) {

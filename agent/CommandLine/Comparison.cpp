@@ -5,9 +5,9 @@
 #include <map>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/Terminal.h>
+#include <CommandLine/Words.h>
 #include <Story/JsonForms.h>
 #include <Text/Words.h>
 #include <Text/Wrapping.h>
@@ -146,15 +146,13 @@ std::optional< Story::Table > stateIfAny( ScenarioRun what, int & signal ) {
                                                               : std::nullopt;
 }
 
-CLI::Option * declareOnly( CLI::App & app, Parts & only ) {
-   return app
-      .add_option( "--only", only,
-                   "Compare this part of the state alone, " + Text::listed( partWords() ) +
-                      "; can be given several times" )
-      ->type_name( "PART" )
-      ->take_all()
-      ->expected( 1 )
-      ->check( problemOfPart );
+Word declareOnly( CLI::App & app, Parts & only ) {
+   return value( app, "--only", only,
+                 "Compare this part of the state alone, " + Text::listed( partWords() ) +
+                    "; can be given several times" )
+      .type( "PART" )
+      .repeatable()
+      .check( problemOfPart );
 }
 
 Node differencesBetween( Story::Table const & before, Story::Table const & after,

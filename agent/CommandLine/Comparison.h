@@ -9,12 +9,12 @@
 #include <vector>
 
 #include <CommandLine/RunScenario.h>
+#include <CommandLine/Words.h>
 #include <Story/Node.h>
 
 namespace CLI {
 class App;
-class Option;
-}  // namespace CLI
+}
 
 namespace CommandLine {
 
@@ -28,7 +28,7 @@ std::optional< Story::Table > stateIfAny( ScenarioRun what, int & signal );
 // The parts of a state that a comparison can be limited to: "published", "rules", "records".
 using Parts = std::vector< std::string >;
 // The option --only, which names such parts.
-CLI::Option * declareOnly( CLI::App & app, Parts & only );
+Word declareOnly( CLI::App & app, Parts & only );
 
 // The differences in those parts, or in all where none is named, by kind; a node without children
 // when there are none.

@@ -4,9 +4,9 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/DeclaredWords.h>
+#include <CommandLine/Words.h>
 
 namespace CommandLine {
 
@@ -208,7 +208,7 @@ std::string problemOfShell( std::string const & text ) {
 }  // namespace
 
 void Completion::declare( CLI::App & app ) {
-   app.add_option( "SHELL", shell_, "The shell: bash or zsh" )->required()->check( problemOfShell );
+   value( app, "SHELL", shell_, "The shell: bash or zsh" ).required().check( problemOfShell );
 }
 
 std::vector< std::string_view > Completion::choicesOf( std::string_view ) const {

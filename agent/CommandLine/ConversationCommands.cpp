@@ -11,6 +11,7 @@
 #include <CommandLine/OutputFile.h>
 #include <CommandLine/Table.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Scenario/File.h>
 #include <Shell/Line.h>
 #include <Shell/StepGrammar.h>
@@ -118,12 +119,12 @@ void Conversation::diff( std::string_view text ) {
    std::vector< std::string > steps;
    DifferencesShown how;
    CLI::App app( "Show what has changed between two steps", "diff" );
-   app.add_option( "STEP", steps,
-                   "The step before and the step after, 0 for start-up; the last step if one is "
-                   "left out" )
-      ->expected( 0, 2 );
+   value( app, "STEP", steps,
+          "The step before and the step after, 0 for start-up; the last step if one is "
+          "left out" )
+      .count( 0, 2 );
    declareOnly( app, how.only );
-   app.add_flag( "--json", how.asJson, "Print one JSON document instead of text" );
+   flag( app, "--json", how.asJson, "Print one JSON document instead of text" );
    if ( !parse( app, text ) ) {
       return;
    }

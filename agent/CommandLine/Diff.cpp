@@ -1,18 +1,17 @@
 #include <CommandLine/Diff.h>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 
 namespace CommandLine {
 
 void Diff::declare( CLI::App & app ) {
    scenario_.declare( app );
-   app.add_option( "OTHER", other_,
-                   "The other scenario's file; without one, two steps of the same scenario are "
-                   "compared" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
+   value( app, "OTHER", other_,
+          "The other scenario's file; without one, two steps of the same scenario are "
+          "compared" )
+      .type( "FILE" )
+      .check( problemOfName );
    after_.declare( app,
                    "Take the first switch after this step, 0 for start-up, or at this time of a "
                    "record, as in 2.5s; by default after the last one" );
@@ -25,8 +24,8 @@ void Diff::readWords() {
    after_.readWords();
    against_.readWords();
    if ( other_.empty() && !after_.isGiven() && !against_.isGiven() ) {
-      throw CLI::ValidationError(
-         "OTHER", "give a second scenario, or --after and --against for two steps of this one" );
+      refuseValue( "OTHER",
+                   "give a second scenario, or --after and --against for two steps of this one" );
    }
 }
 

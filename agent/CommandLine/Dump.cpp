@@ -4,7 +4,6 @@
 #include <iostream>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <CommandLine/Comparison.h>

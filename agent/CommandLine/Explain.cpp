@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Questions/ExplanationPart.h>
 #include <Steps/Capture.h>
 #include <Steps/Frame.h>
@@ -42,7 +41,7 @@ std::optional< U64 > countIn( std::string_view text ) {
 }
 
 [[noreturn]] void refuseFrame( std::string const & text, std::string const & why ) {
-   throw CLI::ValidationError( "FRAME", "'" + text + "' " + why );
+   refuseValue( "FRAME", "'" + text + "' " + why );
 }
 
 Traffic::FrameAsked frameAskedIn( std::string const & text ) {
@@ -84,26 +83,25 @@ std::optional< Pelk::IntfId > arrivalIn( Scenario::Model const & scenario,
 
 void Explain::declare( CLI::App & app ) {
    scenario_.declare( app );
-   app.add_option( "FRAME", frame_,
-                   "The number of a frame that the scenario sends, a frame of a capture "
-                   "('fabric.pcap:3'), or the words of the step 'frame' ('{ from: 10.0.0.2, vni: "
-                   "10100, source: 00:00:5e:00:53:02 }')" )
-      ->required()
-      ->check( problemOfName );
+   value( app, "FRAME", frame_,
+          "The number of a frame that the scenario sends, a frame of a capture "
+          "('fabric.pcap:3'), or the words of the step 'frame' ('{ from: 10.0.0.2, vni: "
+          "10100, source: 00:00:5e:00:53:02 }')" )
+      .required()
+      .check( problemOfName );
    after_.declare( app,
                    "Explain by the state after this step, 0 for start-up, or at this time of a "
                    "record, as in 2.5s; by default a sent frame by the state when it is sent, and "
                    "any other by the state after the last step" );
-   app.add_option( "--on", on_,
-                   "The interface that a capture's frame comes in on; by default that of the step "
-                   "that plays the capture, or else the first underlay interface" )
-      ->type_name( "INTERFACE" )
-      ->check( problemOfName );
-   app.add_option(
-         "--interface", interface_,
-         "Explain this interface or port channel alone: why the frame leaves by it or does "
-         "not" )
-      ->check( problemOfName );
+   value( app, "--on", on_,
+          "The interface that a capture's frame comes in on; by default that of the step "
+          "that plays the capture, or else the first underlay interface" )
+      .type( "INTERFACE" )
+      .check( problemOfName );
+   value( app, "--interface", interface_,
+          "Explain this interface or port channel alone: why the frame leaves by it or does "
+          "not" )
+      .check( problemOfName );
 }
 
 void Explain::readWords() {
@@ -117,12 +115,12 @@ void Explain::readWords() {
    }
    auto * const captured = asked_ ? std::get_if< Traffic::CapturedFrame >( &*asked_ ) : nullptr;
    if ( !captured ) {
-      throw CLI::ValidationError( "--on", "it is for a frame of a capture; leave it out" );
+      refuseValue( "--on", "it is for a frame of a capture; leave it out" );
    }
    try {
       captured->on = Pelk::IntfId::fromString( on_ );
    } catch ( Quelm::TextError const & error ) {
-      throw CLI::ValidationError( "--on", error.what() );
+      refuseValue( "--on", error.what() );
    }
 }
 

@@ -3,12 +3,12 @@
 #include <iostream>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/ExploredFaults.h>
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Exploring/Catalogue.h>
 #include <Process/SharedFolder.h>
 #include <Process/Workers.h>
@@ -64,43 +64,42 @@ std::optional< std::pair< U32, U32 > > shardIn( std::string const & text ) {
 }  // namespace
 
 void Explore::declare( CLI::App & app ) {
-   app.add_option( "FILE", words_,
-                   "The exploration's file; or 'merge', that file, and files of results; with "
-                   "--faults, scenarios, or folders with scenarios" )
-      ->required()
-      ->check( problemOfName );
-   CLI::Option * const faults =
-      app.add_flag( "--faults", areFaults_,
-                    "In the runs of scenarios, let each call of the chip fail, each request for an "
-                    "entry find no room, and the process end at each call, one at a time" );
-   app.add_option( "--length", length_,
-                   "The events of the longest sequence, in place of the file's" )
-      ->excludes( faults )
-      ->check( CLI::Range( 1U, static_cast< U32 >( Exploration::kLongest ) ) );
-   app.add_option( "--shard", shardText_, "Try the I-th of N shares alone" )
-      ->excludes( faults )
-      ->type_name( "I/N" );
-   app.add_option( "--results", results_,
-                   "Keep the results in this file, and go on with those that are there" )
-      ->excludes( faults )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_option( "--catalogue", catalogue_,
-                   "Fail when other findings are made than those of this file" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_option( "--known", known_,
-                   "Name the scenarios below this folder that end like a finding, and fail when a "
-                   "finding has none" )
-      ->type_name( "DIR" )
-      ->check( problemOfName );
-   app.add_option( "--write", folder_,
-                   "Write the catalogue, and a scenario for each finding, into this folder" )
-      ->excludes( faults )
-      ->type_name( "DIR" )
-      ->check( problemOfName );
+   value( app, "FILE", words_,
+          "The exploration's file; or 'merge', that file, and files of results; with "
+          "--faults, scenarios, or folders with scenarios" )
+      .required()
+      .check( problemOfName );
+   Word const faults =
+      flag( app, "--faults", areFaults_,
+            "In the runs of scenarios, let each call of the chip fail, each request for an "
+            "entry find no room, and the process end at each call, one at a time" );
+   value( app, "--length", length_, "The events of the longest sequence, in place of the file's" )
+      .excludes( faults )
+      .range( 1, static_cast< U32 >( Exploration::kLongest ) );
+   value( app, "--shard", shardText_, "Try the I-th of N shares alone" )
+      .excludes( faults )
+      .type( "I/N" );
+   value( app, "--results", results_,
+          "Keep the results in this file, and go on with those that are there" )
+      .excludes( faults )
+      .type( "FILE" )
+      .check( problemOfName );
+   value( app, "--catalogue", catalogue_,
+          "Fail when other findings are made than those of this file" )
+      .type( "FILE" )
+      .check( problemOfName );
+   value( app, "--known", known_,
+          "Name the scenarios below this folder that end like a finding, and fail when a "
+          "finding has none" )
+      .type( "DIR" )
+      .check( problemOfName );
+   value( app, "--write", folder_,
+          "Write the catalogue, and a scenario for each finding, into this folder" )
+      .excludes( faults )
+      .type( "DIR" )
+      .check( problemOfName );
    jobs_.declare( app );
-   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+   flag( app, "--json", isJson_, "Print one JSON document instead of text" );
    run_.declarePlugin( app );
    run_.declareTurnLimit( app );
 }
@@ -108,16 +107,15 @@ void Explore::declare( CLI::App & app ) {
 void Explore::readWords() {
    run_.readWords();
    if ( isMerge() && !areFaults_ && words_.size() < 3 ) {
-      throw CLI::ValidationError( "merge", "an exploration and files of results are expected" );
+      refuseValue( "merge", "an exploration and files of results are expected" );
    }
    if ( !areFaults_ && !isMerge() && words_.size() != 1 ) {
-      throw CLI::ValidationError( "FILE", "one exploration is expected" );
+      refuseValue( "FILE", "one exploration is expected" );
    }
    if ( !shardText_.empty() ) {
       auto const shard = shardIn( shardText_ );
       if ( !shard ) {
-         throw CLI::ValidationError( "--shard",
-                                     "'" + shardText_ + "' is no share; give one such as 1/4" );
+         refuseValue( "--shard", "'" + shardText_ + "' is no share; give one such as 1/4" );
       }
       shard_ = { shard->first, shard->second };
    }

@@ -4,12 +4,13 @@
 
 #include <CommandLine/Declared.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 
 namespace CommandLine {
 
 void Help::declare( CLI::App & app ) {
-   app.add_option( "COMMAND", command_, "The command; without one, the help of the program" )
-      ->check( problemOfCommand );
+   value( app, "COMMAND", command_, "The command; without one, the help of the program" )
+      .check( problemOfCommand );
 }
 
 std::vector< std::string_view > Help::choicesOf( std::string_view ) const {

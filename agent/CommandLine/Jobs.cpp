@@ -1,10 +1,11 @@
 #include <CommandLine/Jobs.h>
 
+#include <CommandLine/Words.h>
+
 #include <algorithm>
 #include <thread>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <Text/Numbers.h>
 
@@ -24,10 +25,10 @@ std::string problemOfJobs( std::string const & text ) {
 }  // namespace
 
 void Jobs::declare( CLI::App & app ) {
-   app.add_option( "--jobs", asked_,
-                   "How many scenarios run at a time; by default as many as there are cores" )
-      ->type_name( "NUMBER" )
-      ->check( problemOfJobs );
+   value( app, "--jobs", asked_,
+          "How many scenarios run at a time; by default as many as there are cores" )
+      .type( "NUMBER" )
+      .check( problemOfJobs );
 }
 
 std::size_t Jobs::count() const {

@@ -3,10 +3,10 @@
 #include <cmath>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Story/InputError.h>
 #include <Text/Numbers.h>
 
@@ -30,14 +30,14 @@ std::optional< U64 > timeIn( std::string_view text ) {
 }  // namespace
 
 void Moment::declare( CLI::App & app, std::string const & purpose ) {
-   app.add_option( option_, text_, purpose )->type_name( "STEP" )->check( problemOfName );
+   value( app, option_, text_, purpose ).type( "STEP" ).check( problemOfName );
 }
 
 void Moment::readWords() {
    step_ = Text::numberIn< U32 >( text_ );
    time_ = timeIn( text_ );
    if ( isGiven() && !step_ && !time_ ) {
-      throw CLI::ValidationError(
+      refuseValue(
          option_, "'" + text_ +
                      "' is no step; give its number, 0 for start-up, or of a record a time such as "
                      "2.5s" );

@@ -1,8 +1,7 @@
 #include <CommandLine/OutputFile.h>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Process/SharedFolder.h>
 #include <Process/WholeFile.h>
 #include <Story/InputError.h>
@@ -12,11 +11,11 @@ namespace CommandLine {
 namespace fs = std::filesystem;
 
 void OutputFile::declare( CLI::App & app ) {
-   app.add_option( "-o,--output", file_,
-                   "Write the scenario into this file; by default onto standard output" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_flag( "--force", isForced_, "Replace the file if it is there already" );
+   value( app, "-o,--output", file_,
+          "Write the scenario into this file; by default onto standard output" )
+      .type( "FILE" )
+      .check( problemOfName );
+   flag( app, "--force", isForced_, "Replace the file if it is there already" );
 }
 
 fs::path OutputFile::place( std::string const & name ) const {

@@ -3,13 +3,13 @@
 #include <iostream>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/Progress.h>
 #include <CommandLine/ReplayInputs.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Record/Comparison.h>
 #include <Story/InputError.h>
 #include <Story/JsonForms.h>
@@ -139,12 +139,12 @@ void printJson( Comparison const & comparison, std::string const & cutText,
 }  // namespace
 
 void Replay::declare( CLI::App & app ) {
-   app.add_option( "FILE", file_, "The file that 'run --record' has written" )
-      ->required()
-      ->type_name( "FILE" )
-      ->check( problemOfName );
+   value( app, "FILE", file_, "The file that 'run --record' has written" )
+      .required()
+      .type( "FILE" )
+      .check( problemOfName );
    run_.declarePlugin( app );
-   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+   flag( app, "--json", isJson_, "Print one JSON document instead of text" );
    run_.declareTurnLimit( app );
 }
 

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Process/Interruption.h>
 #include <Quelm/Error.h>
 #include <Story/InputError.h>
@@ -92,15 +92,15 @@ Story::Json jsonOf( Trace::Ring::Decoded const & line ) {
 }  // namespace
 
 void Ring::declare( CLI::App & app ) {
-   app.add_option( "FILE", file_, "The file that 'run --ring' has written" )
-      ->required()
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_flag( "--json", isJson_,
-                 "Print one JSON document instead of text; with --follow, a line of JSON for each "
-                 "line" );
-   app.add_flag( "--follow", isFollowing_,
-                 "Go on with the lines of a run that goes on, until it is over" );
+   value( app, "FILE", file_, "The file that 'run --ring' has written" )
+      .required()
+      .type( "FILE" )
+      .check( problemOfName );
+   flag( app, "--json", isJson_,
+         "Print one JSON document instead of text; with --follow, a line of JSON for each "
+         "line" );
+   flag( app, "--follow", isFollowing_,
+         "Go on with the lines of a run that goes on, until it is over" );
 }
 
 Process::Descriptor Ring::opened() const {

@@ -3,8 +3,6 @@
 #include <iostream>
 #include <map>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/CaptureFolder.h>
 #include <CommandLine/PartOfStory.h>
 #include <CommandLine/Progress.h>
@@ -13,6 +11,7 @@
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Quelm/Error.h>
 #include <Steps/ExpectedStop.h>
 #include <Story/EventLines.h>
@@ -84,14 +83,14 @@ Scenario::TraceLevels traceOf( std::string const & text ) {
    Scenario::TraceLevels const trace{ text.substr( 0, slash ),
                                       slash == std::string::npos ? "" : text.substr( slash + 1 ) };
    if ( slash == std::string::npos || trace.handles.empty() ) {
-      throw CLI::ValidationError( "--trace", "'" + text +
-                                                "' is not HANDLE/LEVELS such as "
-                                                "'VornalEvpn*/0-5'" );
+      refuseValue( "--trace", "'" + text +
+                                 "' is not HANDLE/LEVELS such as "
+                                 "'VornalEvpn*/0-5'" );
    }
    try {
       Trace::levelsFromText( trace.levels );
    } catch ( Quelm::TextError const & error ) {
-      throw CLI::ValidationError( "--trace", error.what() );
+      refuseValue( "--trace", error.what() );
    }
    return trace;
 }
@@ -118,55 +117,51 @@ std::optional< std::filesystem::path > ifNamed( std::filesystem::path const & fi
 
 void Run::declare( CLI::App & app ) {
    scenario_.declare( app, ScenarioWords::Answers::textOrJson, ScenarioWords::Takes::scenarios );
-   auto * const events =
-      app.add_flag( "--events", isEvents_,
-                    "Print every event while it happens, each as a line of JSON" );
-   events->excludes( "--json" );
-   app.add_option( "--trace", traceTexts_,
-                   "Show the traces of a handle at these levels ('VornalEvpn*/0-5,9'); can be "
-                   "given several times" )
-      ->type_name( "HANDLE/LEVELS" )
-      ->take_all()
-      ->expected( 1 );
-   app.add_option( "--until", until_, "End with this step, 0 for start-up" )->type_name( "STEP" );
-   app.add_option( "--then", then_,
-                   "Carry out one more step, in the words of a scenario ('withdraw: { vteps: [ "
-                   "10.0.0.2 ] }'); can be given several times" )
-      ->type_name( "STEP" )
-      ->take_all()
-      ->expected( 1 );
-   app.add_option( "--step", step_, "End with this step, and tell its part of the story alone" )
-      ->type_name( "STEP" )
-      ->excludes( "--until" )
-      ->excludes( events );
-   auto * const whatIf =
-      app.add_option( "--what-if", whatIf_,
-                      "Show what one more step would change, instead of the story; can be given "
-                      "several times" )
-         ->type_name( "STEP" )
-         ->take_all()
-         ->expected( 1 )
-         ->excludes( "--step" )
-         ->excludes( events );
-   declareOnly( app, only_ )->needs( whatIf );
-   app.add_option( "--record", record_,
-                   "Keep the run with all its inputs in this file, for 'vornal replay'" )
-      ->type_name( "FILE" )
-      ->check( problemOfName )
-      ->excludes( whatIf );
-   app.add_option( "--ring", ring_, "Write the binary trace ring into this file" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_option( "--pcap-out", captures_,
-                   "Write the frames that leave each port into this folder, as captures" )
-      ->type_name( "DIR" )
-      ->check( problemOfName );
-   app.add_option( "--report", report_,
-                   "Write the run as a web page into this file: the switch drawn, the steps, the "
-                   "rules, and each frame with its explanation" )
-      ->type_name( "FILE" )
-      ->check( problemOfName )
-      ->excludes( whatIf );
+   Word const events = flag( app, "--events", isEvents_,
+                             "Print every event while it happens, each as a line of JSON" )
+                          .excludes( "--json" );
+   value( app, "--trace", traceTexts_,
+          "Show the traces of a handle at these levels ('VornalEvpn*/0-5,9'); can be "
+          "given several times" )
+      .type( "HANDLE/LEVELS" )
+      .repeatable();
+   value( app, "--until", until_, "End with this step, 0 for start-up" ).type( "STEP" );
+   value( app, "--then", then_,
+          "Carry out one more step, in the words of a scenario ('withdraw: { vteps: [ "
+          "10.0.0.2 ] }'); can be given several times" )
+      .type( "STEP" )
+      .repeatable();
+   value( app, "--step", step_, "End with this step, and tell its part of the story alone" )
+      .type( "STEP" )
+      .excludes( "--until" )
+      .excludes( events );
+   Word const whatIf =
+      value( app, "--what-if", whatIf_,
+             "Show what one more step would change, instead of the story; can be given "
+             "several times" )
+         .type( "STEP" )
+         .repeatable()
+         .excludes( "--step" )
+         .excludes( events );
+   declareOnly( app, only_ ).needs( whatIf );
+   value( app, "--record", record_,
+          "Keep the run with all its inputs in this file, for 'vornal replay'" )
+      .type( "FILE" )
+      .check( problemOfName )
+      .excludes( whatIf );
+   value( app, "--ring", ring_, "Write the binary trace ring into this file" )
+      .type( "FILE" )
+      .check( problemOfName );
+   value( app, "--pcap-out", captures_,
+          "Write the frames that leave each port into this folder, as captures" )
+      .type( "DIR" )
+      .check( problemOfName );
+   value( app, "--report", report_,
+          "Write the run as a web page into this file: the switch drawn, the steps, the "
+          "rules, and each frame with its explanation" )
+      .type( "FILE" )
+      .check( problemOfName )
+      .excludes( whatIf );
 }
 
 void Run::readWords() {

@@ -2,10 +2,9 @@
 
 #include <optional>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/PluginFile.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Text/Numbers.h>
 
 namespace CommandLine {
@@ -22,10 +21,9 @@ std::chrono::milliseconds turnLimitOf( std::string const & text ) {
    auto const seconds = Text::numberIn< double >( text );
    // NaN is in no range.
    if ( !seconds || !( *seconds >= 0 && *seconds <= kLongestTurnLimit ) ) {
-      throw CLI::ValidationError( "--turn-limit",
-                                  "'" + text +
-                                     "' is no time limit of a turn; give seconds from 0 to 86400, "
-                                     "such as 2.5, or 0 for no limit" );
+      refuseValue( "--turn-limit", "'" + text +
+                                      "' is no time limit of a turn; give seconds from 0 to 86400, "
+                                      "such as 2.5, or 0 for no limit" );
    }
    return std::chrono::ceil< std::chrono::milliseconds >(
       std::chrono::duration< double >( *seconds ) );
@@ -34,20 +32,19 @@ std::chrono::milliseconds turnLimitOf( std::string const & text ) {
 }  // namespace
 
 void RunWords::declarePlugin( CLI::App & app ) {
-   app.add_option(
-         "--plugin", plugin_,
-         "The plug-in's shared object; by default the VornalEvpn.so that comes with the program" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
+   value( app, "--plugin", plugin_,
+          "The plug-in's shared object; by default the VornalEvpn.so that comes with the program" )
+      .type( "FILE" )
+      .check( problemOfName );
 }
 
 void RunWords::declareTurnLimit( CLI::App & app ) {
    turnLimitText_ = kTurnLimit;
-   app.add_option( "--turn-limit", turnLimitText_,
-                   "The time limit of a turn of the plug-in in seconds, from 0 to 86400, such as "
-                   "2.5; 0 means no limit" )
-      ->type_name( "SECONDS" )
-      ->capture_default_str();
+   value( app, "--turn-limit", turnLimitText_,
+          "The time limit of a turn of the plug-in in seconds, from 0 to 86400, such as "
+          "2.5; 0 means no limit" )
+      .type( "SECONDS" )
+      .usual();
 }
 
 void RunWords::readWords() {

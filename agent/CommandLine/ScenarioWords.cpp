@@ -1,8 +1,7 @@
 #include <CommandLine/ScenarioWords.h>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Scenario/File.h>
 #include <Steps/Reader.h>
 
@@ -28,10 +27,10 @@ void ScenarioWords::declare( CLI::App & app, Answers answers, Takes takes ) {
       declareJson( app );
       return;
    }
-   app.add_option( "SCENARIO", file_, purposeOf( answers, takes ) )
-      ->required()
-      ->type_name( "FILE" )
-      ->check( problemOfName );
+   value( app, "SCENARIO", file_, purposeOf( answers, takes ) )
+      .required()
+      .type( "FILE" )
+      .check( problemOfName );
    run_.declarePlugin( app );
    if ( answers == Answers::textOrJson ) {
       declareJson( app );
@@ -40,7 +39,7 @@ void ScenarioWords::declare( CLI::App & app, Answers answers, Takes takes ) {
 }
 
 void ScenarioWords::declareJson( CLI::App & app ) {
-   app.add_flag( "--json", isJson_, "Print one JSON document instead of text" );
+   flag( app, "--json", isJson_, "Print one JSON document instead of text" );
 }
 
 void ScenarioWords::readWords() {

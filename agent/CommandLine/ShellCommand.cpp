@@ -3,12 +3,11 @@
 #include <iostream>
 #include <optional>
 
-#include <CLI/CLI.hpp>
-
 #include <CommandLine/Conversation.h>
 #include <CommandLine/LineEditor.h>
 #include <CommandLine/ShellCompletion.h>
 #include <CommandLine/Terminal.h>
+#include <CommandLine/Words.h>
 #include <Process/EndWatch.h>
 #include <Process/Interruption.h>
 
@@ -93,8 +92,7 @@ void ShellCommand::declare( CLI::App & app ) {
 void ShellCommand::readWords() {
    scenario_.readWords();
    if ( scenario_.file() == "-" ) {
-      throw CLI::ValidationError( "SCENARIO",
-                                  "standard input holds the commands; name the scenario's file" );
+      refuseValue( "SCENARIO", "standard input holds the commands; name the scenario's file" );
    }
 }
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Story/EntityText.h>
 #include <Story/JsonForms.h>
 #include <Text/Words.h>
@@ -54,10 +54,10 @@ StateDatabase::EntityPath pathOf( std::string const & text ) {
    try {
       return StateDatabase::EntityPath::fromString( text );
    } catch ( Quelm::TextError const & error ) {
-      throw CLI::ValidationError( "PATH", "'" + text +
-                                             "' is not the path of an entity such as "
-                                             "'/evpn/status': " +
-                                             error.what() );
+      refuseValue( "PATH", "'" + text +
+                              "' is not the path of an entity such as "
+                              "'/evpn/status': " +
+                              error.what() );
    }
 }
 
@@ -93,11 +93,11 @@ std::vector< std::string_view > Show::subjects() {
 
 void Show::declare( CLI::App & app ) {
    scenario_.declare( app );
-   app.add_option( "WHAT", what_, purposeOfWhat() )->required()->check( problemOfWhat );
-   app.add_option( "PATH", pathText_,
-                   "Of 'entities': the entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; "
-                   "without one, the paths to begin with are listed" )
-      ->check( problemOfName );
+   value( app, "WHAT", what_, purposeOfWhat() ).required().check( problemOfWhat );
+   value( app, "PATH", pathText_,
+          "Of 'entities': the entity's path, '/evpn/status/segmentStatus[Port-Channel1]'; "
+          "without one, the paths to begin with are listed" )
+      .check( problemOfName );
    after_.declare(
       app,
       "Show the switch after this step, 0 for start-up, or at this time of a record, as "
@@ -106,9 +106,8 @@ void Show::declare( CLI::App & app ) {
       { "vtep", "" }, { "unit", "" }, { "segment", "" }, { "interface", "" }, { "entry", "" }
    };
    for ( Filter & filter : filters_ ) {
-      app.add_option( "--" + filter.column, filter.text,
-                      "Show only the rows of this " + filter.column )
-         ->check( problemOfName );
+      value( app, "--" + filter.column, filter.text, "Show only the rows of this " + filter.column )
+         .check( problemOfName );
    }
 }
 
@@ -125,7 +124,7 @@ void Show::readWords() {
       return;
    }
    if ( question_ ) {
-      throw CLI::ValidationError( "PATH", "a path is of 'entities'; leave it out, or show those" );
+      refuseValue( "PATH", "a path is of 'entities'; leave it out, or show those" );
    }
    path_ = pathOf( pathText_ );
 }
@@ -136,8 +135,8 @@ void Show::checkFilters() const {
          question_ && std::find( question_->columns.begin(), question_->columns.end(),
                                  filter.column ) != question_->columns.end();
       if ( !filter.text.empty() && !hasColumn ) {
-         throw CLI::ValidationError( "--" + filter.column, "'" + what_ + "' has no column " +
-                                                              filter.column + "; leave it out" );
+         refuseValue( "--" + filter.column,
+                      "'" + what_ + "' has no column " + filter.column + "; leave it out" );
       }
    }
 }

@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>

@@ -6,12 +6,12 @@
 #include <tuple>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/ProgressLine.h>
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
 #include <CommandLine/Usage.h>
+#include <CommandLine/Words.h>
 #include <Process/Descriptor.h>
 #include <Process/SharedFolder.h>
 #include <Story/InputError.h>
@@ -81,14 +81,14 @@ Story::ExitCode exitCodeOf( Testing::Tested const & tested ) {
 }  // namespace
 
 void Test::declare( CLI::App & app ) {
-   app.add_option( "PATH", paths_, "Scenarios, and folders with scenarios" )
-      ->required()
-      ->check( problemOfName );
+   value( app, "PATH", paths_, "Scenarios, and folders with scenarios" )
+      .required()
+      .check( problemOfName );
    jobs_.declare( app );
-   app.add_option( "--junit", junit_, "Write the results into this file, in the form of JUnit" )
-      ->type_name( "FILE" )
-      ->check( problemOfName );
-   app.add_flag( "--verbose", isVerbose_, "Print a line for each scenario, and the slowest ones" );
+   value( app, "--junit", junit_, "Write the results into this file, in the form of JUnit" )
+      .type( "FILE" )
+      .check( problemOfName );
+   flag( app, "--verbose", isVerbose_, "Print a line for each scenario, and the slowest ones" );
    words_.declarePlugin( app );
    words_.declareTurnLimit( app );
 }

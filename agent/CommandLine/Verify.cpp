@@ -4,10 +4,10 @@
 #include <sstream>
 
 #include <fmt/format.h>
-#include <CLI/CLI.hpp>
 
 #include <CommandLine/RunScenario.h>
 #include <CommandLine/Terminal.h>
+#include <CommandLine/Words.h>
 #include <Story/AuditText.h>
 #include <Story/HumanWriter.h>
 #include <Story/JsonForms.h>
@@ -237,7 +237,7 @@ void Verify::declare( CLI::App & app ) {
    after_.declare( app,
                    "Verify after this step, 0 for start-up, or at this time of a record, as in "
                    "2.5s; by default after the last one" );
-   app.add_flag( "--after-each-step", isAfterEachStep_, "Audit the rules after each step as well" );
+   flag( app, "--after-each-step", isAfterEachStep_, "Audit the rules after each step as well" );
 }
 
 void Verify::readWords() {
