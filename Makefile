@@ -26,7 +26,8 @@ soak:
 bench:
 	@tools/bootstrap bench
 	@cmake --preset release
-	@cmake --build --preset release --target run-benchmarks
+	@cmake --build --preset release --target vornal benchmarks
+	@tools/bench
 
 install: build
 	@DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"

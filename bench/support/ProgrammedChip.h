@@ -9,11 +9,13 @@ namespace Bench {
 class ProgrammedChip {
  public:
    // Each group has room for that many rules.
-   explicit ProgrammedChip( U32 capacity )
+   explicit ProgrammedChip( U32 capacity,
+                            Chip::LookupEngine lookup = Chip::LookupEngine::TupleSpace )
          : board( { { { 0,
                         0,
                         { { Vornal::kIfpLocalBiasGroup, capacity },
-                          { Vornal::kEfpLocalBiasGroup, capacity } } } } } ) {}
+                          { Vornal::kEfpLocalBiasGroup, capacity } } } },
+                    lookup } ) {}
 
    // Frames from tunnels with that packet resolution: nothing is done.
    void addExemption( U32 packetRes ) {

@@ -1,0 +1,164 @@
+"""The tables of the benchmarks."""
+
+import dataclasses
+
+SECONDS_A_SLOW_CALL = 26e-6  # a measured figure for a bulk write to hardware
+PHASES = ["bring_up", "churn", "removal"]
+VARIANTS = ["egress mask", "class id"]
+UNITS_OF_TIME = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+
+
+@dataclasses.dataclass
+class Entry:
+    """One benchmark: its name, its arguments and its figures."""
+
+    name: str
+    arguments: dict
+    figures: dict
+    seconds: float  # a turn
+    rate: float  # items a second, 0 when there are none
+    error: str
+
+    @property
+    def variant(self):
+        """As the tables call it."""
+        return VARIANTS[self.arguments["variant"]]
+
+
+def entries_of(document):
+    """The benchmarks of Google Benchmark's document."""
+    entries = []
+    for row in document["benchmarks"]:
+        name, *words = row["name"].split("/")
+        pairs = [word.split(":") for word in words if ":" in word]
+        arguments = {pair[0]: int(pair[1]) for pair in pairs if pair[1].isdigit()}
+        plain = [int(word) for word in words if word.isdigit()]
+        if plain:
+            arguments[""] = plain[0]
+        figures = {k: v for k, v in row.items() if isinstance(v, float)}
+        seconds = row.get("real_time", 0.0) * UNITS_OF_TIME[row.get("time_unit", "s")]
+        error = row.get("error_message", "")
+        entries.append(
+            Entry(name, arguments, figures, seconds, row.get("items_per_second", 0.0), error)
+        )
+    return entries
+
+
+def table(heads, rows):
+    """Columns as wide as they need, numbers to the right."""
+    texts = [heads] + [[str(cell) for cell in row] for row in rows]
+    widths = [max(len(row[n]) for row in texts) for n in range(len(heads))]
+    lines = []
+    for row in texts:
+        cells = [row[0].ljust(widths[0])]
+        cells += [cell.rjust(width) for cell, width in zip(row[1:], widths[1:])]
+        lines.append("   " + "  ".join(cells).rstrip())
+    return "\n".join(lines)
+
+
+def spread(figures, name):
+    """A median with its quartiles."""
+    low, middle, high = figures[f"{name}.low"], figures[name], figures[f"{name}.high"]
+    return f"{middle:.2f} ({low:.2f}-{high:.2f})"
+
+
+def at_slow_calls(figures, phase):
+    """The ratio where each call takes as long as a bulk write to hardware, from the times of calls
+    that cost nothing."""
+    calls = figures[f"{phase}.calls"] * SECONDS_A_SLOW_CALL * 1000
+    return (figures[f"{phase}.plugin"] + calls) / (figures[f"{phase}.replay"] + calls)
+
+
+def programming(entries):
+    """The plug-in's time beside that of its calls alone."""
+    heads = ["variant", "VTEPs", "units", "ports", "phase", "calls", "state ms", "plug-in ms"]
+    heads += ["calls alone ms", "ratio", "at 26 us"]
+    rows = []
+    for entry in entries:
+        slow = entry.name == "slow"
+        for phase in PHASES:
+            figures = entry.figures
+            rows.append(
+                [entry.variant]
+                + [entry.arguments[key] for key in ("vteps", "units", "ports")]
+                + [phase.replace("_", " "), f"{figures[f'{phase}.calls']:.0f}"]
+                + [f"{figures[f'{phase}.{kind}']:.2f}" for kind in ("state", "plugin", "replay")]
+                + ["-" if slow else spread(figures, f"{phase}.ratio")]
+                + [f"{at_slow_calls(figures, phase):.3f}" if not slow
+                   else f"{figures[f'{phase}.ratio']:.3f} measured"]
+            )
+    return table(heads, rows)
+
+
+def growth(entries):
+    """Twice as much of something: how much more time and memory."""
+    heads = ["variant", "VTEPs", "units", "ports", "rules", "rules/s", "bring up ms", "x"]
+    heads += ["removal ms", "x", "bytes/rule", "x"]
+    rows = []
+    before = {}
+    for entry in entries:
+        key = tuple(entry.arguments[one] for one in ("variant", "vteps", "units", "ports"))
+        figures = entry.figures
+        half = next(
+            (before[other] for n in (1, 2, 3)
+             if (other := (*key[:n], key[n] // 2, *key[n + 1:])) in before),
+            None,
+        )
+
+        def times(name, figures=figures, half=half):
+            return f"{figures[name] / half[name]:.2f}" if half else "-"
+
+        before[key] = figures
+        rows.append(
+            [entry.variant, *key[1:], f"{figures['rules']:.0f}"]
+            + [f"{figures['rules'] / figures['bring_up'] * 1000:.0f}"]
+            + [f"{figures['bring_up']:.1f}", times("bring_up")]
+            + [f"{figures['removal']:.1f}", times("removal")]
+            + [f"{figures['bytes'] / figures['rules']:.0f}", times("bytes")]
+        )
+    return table(heads, rows)
+
+
+def locality(entries):
+    """An event alone, and among VTEPs that it does not touch."""
+    rows = [
+        [entry.name.split("::")[-1].rstrip("> "), entry.variant]
+        + [f"{entry.figures['alone']:.3f}", f"{entry.figures['among']:.3f}"]
+        + [spread(entry.figures, "ratio")]
+        for entry in entries
+    ]
+    return table(["event", "variant", "alone ms", "among 16,384 ms", "ratio"], rows)
+
+
+def wire(entries):
+    """Capture to capture."""
+    rows = [
+        [entry.name + " " + str(n), f"{entry.figures['copies_a_frame']:.1f}"]
+        + [f"{entry.figures['bare']:.1f}", f"{entry.figures['pipeline']:.1f}"]
+        + [spread(entry.figures, "speed")]
+        for n, entry in zip(("IPv4", "IPv6"), entries)
+    ]
+    return table(["capture", "copies", "libpcap alone ms", "pipeline ms", "speed"], rows)
+
+
+def plain(entries):
+    """Whatever Google Benchmark tells of each."""
+    rows = [
+        [entry.name + "".join(f" {value}" for value in entry.arguments.values())]
+        + [f"{entry.seconds * 1e9:.1f}", f"{entry.rate:,.0f}" if entry.rate else "-"]
+        for entry in entries
+    ]
+    return table(["benchmark", "ns", "a second"], rows)
+
+
+TOLD = {"programming": programming, "growth": growth, "locality": locality, "wire": wire}
+
+
+def told(program, entries):
+    """The table of a program, and what has failed."""
+    good = [entry for entry in entries if not entry.error]
+    text = TOLD.get(program, plain)(good)
+    for entry in entries:
+        if entry.error:
+            text += f"\n   {entry.name} FAILED: {entry.error}"
+    return text

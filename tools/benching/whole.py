@@ -1,0 +1,92 @@
+"""The program `vornal` as a whole: CPU time and memory of its process and of those it starts."""
+
+import os
+import pathlib
+import struct
+import subprocess
+import tempfile
+
+STEPS = (25_000, 50_000, 100_000)
+FRAMES = (250_000, 500_000, 1_000_000)
+
+
+def run(words, folder):
+    """How it ended, its seconds of CPU, and its largest process in MiB."""
+    with open(os.devnull, "wb") as nowhere:
+        process = subprocess.Popen(  # pylint: disable=consider-using-with
+            words, cwd=folder, stdout=nowhere, stderr=nowhere
+        )
+        _, status, usage = os.wait4(process.pid, 0)
+    return {
+        "status": os.waitstatus_to_exitcode(status),
+        "seconds": usage.ru_utime + usage.ru_stime,
+        "mebibytes": usage.ru_maxrss / 1024,
+    }
+
+
+def median(values):
+    """The middle one."""
+    return sorted(values)[len(values) // 2]
+
+
+def row(name, runs):
+    """As Google Benchmark tells a benchmark."""
+    told = {
+        "name": name,
+        "real_time": 1000 * median(one["seconds"] for one in runs),
+        "time_unit": "ms",
+        "mebibytes": float(median(one["mebibytes"] for one in runs)),
+    }
+    if any(one["status"] for one in runs):
+        told["error_message"] = f"ended with {[one['status'] for one in runs]}"
+    return told
+
+
+def switch_of(root):
+    """A small switch: that of a scenario of the repository, without its steps."""
+    text = (root / "scenarios" / "lag-members" / "scenario.yaml").read_text()
+    return text.split("\nsteps:")[0] + "\nsteps:\n  - ready: subagents::l2Ready\n"
+
+
+def with_steps(root, count):
+    """Its VTEP gets another virtual port at each step."""
+    return switch_of(root) + "".join(
+        f"  - publish: {{ vteps: {{ 10.0.0.2: {{ virtual-port: {2 + n % 60000} }} }} }}\n"
+        for n in range(count)
+    )
+
+
+def enlarged(capture, frames):
+    """The capture's frames again and again, as a file of pcap."""
+    header, rest = capture[:24], capture[24:]
+    order = "<" if header[:4] in (b"\xd4\xc3\xb2\xa1", b"\x4d\x3c\xb2\xa1") else ">"
+    records = []
+    while rest:
+        (length,) = struct.unpack(order + "I", rest[8:12])
+        records.append(rest[: 16 + length])
+        rest = rest[16 + length :]
+    times = frames // len(records)
+    return header + b"".join(records) * times + b"".join(records[: frames % len(records)])
+
+
+def measured(root):
+    """All figures, as Google Benchmark's document has them."""
+    program = root / "build" / "release" / "vornal"
+    small = root / "scenarios" / "first-segment" / "scenario.yaml"
+    rows = [row("run/small", [run([program, "run", small], root) for _ in range(41)])]
+    capture = (root / "scenarios" / "captures" / "fabric-v4.pcap").read_bytes()
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        scenario = folder / "scenario.yaml"
+        for count in STEPS:
+            scenario.write_text(with_steps(root, count))
+            rows.append(row(f"run/steps/{count}", [run([program, "run", scenario], folder)]))
+        scenario.write_text(
+            switch_of(root) + "  - frames: { capture: frames.pcap, on: Ethernet49 }\n"
+        )
+        for count in FRAMES:
+            (folder / "frames.pcap").write_bytes(enlarged(capture, count))
+            for name, words in (("run", []), ("json", ["--json"])):
+                command = [program, "run", scenario, *words]
+                rows.append(row(f"{name}/frames/{count}", [run(command, folder)]))
+    return {"benchmarks": rows}
