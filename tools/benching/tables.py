@@ -18,6 +18,8 @@ class Entry:
     seconds: float  # a turn
     rate: float  # items a second, 0 when there are none
     error: str
+    label: str
+    words: list  # of the name, behind the first
 
     @property
     def variant(self):
@@ -39,7 +41,16 @@ def entries_of(document):
         seconds = row.get("real_time", 0.0) * UNITS_OF_TIME[row.get("time_unit", "s")]
         error = row.get("error_message", "")
         entries.append(
-            Entry(name, arguments, figures, seconds, row.get("items_per_second", 0.0), error)
+            Entry(
+                name,
+                arguments,
+                figures,
+                seconds,
+                row.get("items_per_second", 0.0),
+                error,
+                row.get("label", ""),
+                words,
+            )
         )
     return entries
 
@@ -141,6 +152,27 @@ def wire(entries):
     return table(["capture", "copies", "libpcap alone ms", "pipeline ms", "speed"], rows)
 
 
+def whole(entries):
+    """CPU time and memory of whole processes."""
+    rows = [
+        [" ".join([entry.name, *entry.words]), f"{entry.seconds * 1000:.1f}"]
+        + [f"{entry.figures['mebibytes']:.0f}"]
+        for entry in entries
+    ]
+    return table(["program", "CPU ms", "MiB"], rows)
+
+
+def calls(entries):
+    """The calls that an event causes, and the fewest."""
+    rows = [
+        [entry.label, entry.variant]
+        + [f"{entry.figures['calls']:.0f}", f"{entry.figures['fewest']:.0f}"]
+        + [f"{entry.figures['calls'] / entry.figures['fewest']:.1f}"]
+        for entry in entries
+    ]
+    return table(["event", "variant", "calls", "fewest", "ratio"], rows)
+
+
 def plain(entries):
     """Whatever Google Benchmark tells of each."""
     rows = [
@@ -151,7 +183,14 @@ def plain(entries):
     return table(["benchmark", "ns", "a second"], rows)
 
 
-TOLD = {"programming": programming, "growth": growth, "locality": locality, "wire": wire}
+TOLD = {
+    "calls": calls,
+    "growth": growth,
+    "locality": locality,
+    "programming": programming,
+    "whole": whole,
+    "wire": wire,
+}
 
 
 def told(program, entries):

@@ -26,7 +26,8 @@ def run(words, folder):
 
 def median(values):
     """The middle one."""
-    return sorted(values)[len(values) // 2]
+    ordered = sorted(values)
+    return ordered[len(ordered) // 2]
 
 
 def row(name, runs):
