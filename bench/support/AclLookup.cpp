@@ -132,7 +132,6 @@ void AclLookup::compile() {
 
 AclLookup::Key::Key( Chip::IngressFields const & frame )
       : tunnelTerminated( frame.tunnelTerminated ? 1 : 0 ),
-        unused{},
         srcVxlanGport( htonl( frame.srcVxlanGport ) ),
         packetRes( htonl( frame.packetRes ) ),
         vxlanNetworkId( htonl( frame.vxlanNetworkId ) ) {}

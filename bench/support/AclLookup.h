@@ -28,7 +28,7 @@ class AclLookup {
       explicit Key( Chip::IngressFields const & frame );
 
       U8 tunnelTerminated;  // the classifier wants its first field to be one byte
-      U8 unused[ 3 ];
+      U8 unused[ 3 ]{};
       U32 srcVxlanGport;
       U32 packetRes;
       U32 vxlanNetworkId;

@@ -11,7 +11,8 @@ void TupleSpaceLookup::insert( Entry const & entry ) {
    Ternary const ternary = ternaryOf( entry );
    Candidate candidate{ precedenceOf( entry ), &entry };
    auto const [ place, isFirst ] =
-      tableFor( Key( ternary.masks ) ).byData.try_emplace( Key( ternary.data ), candidate );
+      tableFor( Key( ternary.masks ) )
+         .byData.try_emplace( Key( ternary.data ), Candidates{ candidate } );
    if ( isFirst ) {
       return;
    }

@@ -63,11 +63,11 @@ template< typename Key, typename T > class Collection {
    bool has( Key const & key ) const { return isMember( positionOf( key ), key ); }
 
    T * find( Key const & key ) {
-      Node const found = positionOf( key );
+      auto const found = positionOf( key );
       return isMember( found, key ) ? &found->second : nullptr;
    }
    T const * find( Key const & key ) const {
-      Node const found = positionOf( key );
+      auto const found = positionOf( key );
       return isMember( found, key ) ? &found->second : nullptr;
    }
    // The value of `key`, or the type's default.
@@ -78,7 +78,7 @@ template< typename Key, typename T > class Collection {
 
    // The value of `key`, inserted as `value` if absent; tells which.
    std::pair< T *, bool > insert( Key const & key, T value ) {
-      Node const at = positionOf( key );
+      auto const at = positionOf( key );
       if ( isMember( at, key ) ) {
          return { &at->second, false };
       }
@@ -92,7 +92,7 @@ template< typename Key, typename T > class Collection {
 
    // Removes `key` into `removed`; false when it is absent.
    bool remove( Key const & key, T & removed ) {
-      Node const found = positionOf( key );
+      auto const found = positionOf( key );
       if ( !isMember( found, key ) ) {
          return false;
       }
