@@ -19,7 +19,7 @@
 namespace Scenario {
 
 inline constexpr std::size_t kDeepest = 50;  // the language needs ten
-inline constexpr std::size_t kMost = 500'000;
+inline constexpr std::size_t kMost = 1'000'000;
 inline constexpr std::size_t kLongestLine = std::size_t{ 1024 } * 1024;
 
 // Throws ReadError, which names `file`, unless `text` is one document that the reader can take. The

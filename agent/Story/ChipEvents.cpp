@@ -37,7 +37,7 @@ void FrameForwarded::addTo( Document & document ) const {
    document.step()[ "frames" ].push_back( number );
    Json json = jsonOf( *this );
    json[ "step" ] = document.step()[ "number" ];
-   document[ "frames" ].push_back( std::move( json ) );
+   document.frameNew( json );
 }
 
 }  // namespace Story

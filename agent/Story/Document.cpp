@@ -62,6 +62,11 @@ void Document::stepNew( StepBegins const & step ) {
    count( "steps" );
 }
 
+void Document::frameNew( Json const & frame ) {
+   constexpr int kDepth = 2;  // in the list of the document
+   frames_.add( ( frames_.isEmpty() ? "\n" : ",\n" ) + elementText( frame, kDepth ) );
+}
+
 Json Document::withStep( Json const & object ) {
    Json json{ { "step", step()[ "number" ] } };
    json.update( object );

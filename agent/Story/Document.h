@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <Story/RunEvents.h>
+#include <Story/Spool.h>
 
 namespace Story {
 
@@ -22,6 +23,10 @@ class Document {
    bool hasStep() const { return !json_[ "steps" ].empty(); }
    // The step under way is the last one.
    Json & step() { return json_[ "steps" ].back(); }
+   // Frames are many, so the list of them is kept on disk, as text. It is empty in json().
+   void frameNew( Json const & frame );
+   Spool const & frames() const { return frames_; }
+
    // The object with the number of the step in front.
    Json withStep( Json const & object );
    // The list of the step has room for one more; counts the omission if it has none.
@@ -32,6 +37,7 @@ class Document {
  private:
    std::size_t mostEntries_;
    Json json_;
+   Spool frames_;
 };
 
 }  // namespace Story

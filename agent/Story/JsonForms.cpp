@@ -256,6 +256,8 @@ Json jsonOf( Event const & event ) {
 
 namespace {
 
+constexpr int kIndent = 3;
+
 // Escapes DEL and U+0080 to U+009F, which can stand only in the texts of a document. A dump escapes
 // the control characters below the blank itself. `first` is put in front of the members of an
 // object in several lines: documents can be large, and a copy with one more member would take their
@@ -283,9 +285,19 @@ std::string textOf( Json const & document, int indent, std::string const & first
 }  // namespace
 
 std::string documentText( Json const & document ) {
-   constexpr int kIndent = 3;
    return textOf( document, kIndent,
                   fmt::format( "   \"formatVersion\": \"{}\",\n", kDocumentVersion ) );
+}
+
+std::string elementText( Json const & element, int depth ) {
+   std::string const margin( static_cast< std::size_t >( kIndent * depth ), ' ' );
+   std::string text = margin;
+   std::string const lines = textOf( element, kIndent );
+   for ( char const c : std::string_view( lines ).substr( 0, lines.size() - 1 ) ) {
+      text += c;
+      text += c == '\n' ? margin : "";
+   }
+   return text;
 }
 
 std::string lineText( Json const & object ) {

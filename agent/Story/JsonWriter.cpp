@@ -19,7 +19,16 @@ void JsonWriter::write( std::ostream & out ) const {
    for ( auto const & [ key, rule ] : rules_.rules() ) {
       document[ "rules" ].push_back( jsonOf( rule ) );
    }
-   out << documentText( document ) << std::flush;
+   writeWithFrames( documentText( document ), out );
+}
+
+void JsonWriter::writeWithFrames( std::string_view text, std::ostream & out ) const {
+   // In front of a name at this margin stand the names of the document, and no others.
+   constexpr std::string_view kFrames = "\n   \"frames\": [";
+   std::size_t const place = text.find( kFrames ) + kFrames.size();
+   out << text.substr( 0, place );
+   document_.frames().writeTo( out );
+   out << ( document_.frames().isEmpty() ? "" : "\n   " ) << text.substr( place ) << std::flush;
 }
 
 void JsonWriter::writeStep( U32 number, std::ostream & out ) const {

@@ -61,6 +61,8 @@ class JsonWriter final : public Observer {
       }
    }
 
+   // The document's text, with the frames in their list.
+   void writeWithFrames( std::string_view text, std::ostream & out ) const;
    void ruleChanges();
    void endsEarly();
 

@@ -100,7 +100,7 @@ TEST( ScenarioSurvey, CountsWhatAliasesRepeat ) {
       text += " ]\n";
    }
    EXPECT_EQ( leafProblems( text ),
-              "leaf.yaml:14: the scenario has more than 500000 values up to here, each repetition "
+              "leaf.yaml:14: the scenario has more than 1000000 values up to here, each repetition "
               "by an alias counted; make it smaller" );
 }
 
