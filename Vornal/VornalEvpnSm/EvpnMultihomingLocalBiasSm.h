@@ -175,6 +175,8 @@ class EvpnMultihomingLocalBiasSm : public Kiv::Entity {
 
    // Whether the interface has a live port, or is a port channel with an entry in the LAG mapping.
    bool isKnownIntf( Pelk::IntfId const & intfId ) const;
+   template< typename Visit >
+   void forEachPortOfPortChannel( Pelk::IntfId const & intfId, Visit visit ) const;
    void portListsOfPhyIntf( Pelk::IntfId const & intfId, VornalTypes::VornalPortList & portList,
                             VornalTypes::VornalPortList & prevPortList ) const;
 

@@ -10,8 +10,6 @@
 // that the live map has lost. Only getSharedESPortInfo leaves invalid ports out: an update to
 // logical port 1023 is handed on, and stops the process where a bitmap has no such bit.
 
-#include <algorithm>
-
 #include <Kiv/OrEmpty.h>
 #include <VornalEvpnSm/EvpnMultihomingLocalBiasSm.h>
 #include <VornalEvpnSm/Module.h>
@@ -22,23 +20,29 @@ using Kiv::orEmpty;
 using VornalTypes::VornalPort;
 using VornalTypes::VornalPortList;
 
-VornalPortList EvpnMultihomingLocalBiasSm::getPortListForPortChannel(
-   Pelk::IntfId const & intfId ) const {
-   VornalPortList portList;
+// Calls `visit( port )` for each live port of the port channel, in the order of its members.
+template< typename Visit >
+void EvpnMultihomingLocalBiasSm::forEachPortOfPortChannel( Pelk::IntfId const & intfId,
+                                                           Visit visit ) const {
    auto const config = orEmpty( lagPhyIntfMapping() ).lagPhyIntfConfig( intfId );
    if ( !config ) {
-      return portList;
+      return;
    }
    TRACE( smTrace, 8, "getPortListForPortChannel, intfId : " << intfId );
-   portList.reserve( config->phyIntfs() );
    auto const & commonData = orEmpty( vcsd() );
    for ( auto iter = config->phyIntfIter(); iter; ++iter ) {
       if ( commonData.vornalIntfToPortHas( iter.key() ) ) {
-         portList.portIs( commonData.vornalIntfToPort( iter.key() ) );
+         visit( commonData.vornalIntfToPort( iter.key() ) );
          TRACE( smTrace, 8, "getPortListForPortChannel ," << iter.key() );
       }
    }
    TRACE( smTrace, 8, "getPortListForPortChannel, Done intfId : " << intfId );
+}
+
+VornalPortList EvpnMultihomingLocalBiasSm::getPortListForPortChannel(
+   Pelk::IntfId const & intfId ) const {
+   VornalPortList portList;
+   forEachPortOfPortChannel( intfId, [ & ]( VornalPort const & port ) { portList.portIs( port ); } );
    return portList;
 }
 
@@ -65,8 +69,7 @@ SharedESPortInfo EvpnMultihomingLocalBiasSm::getSharedESPortInfo(
       Pelk::IntfId const & intfId = iter.key();
       bool const isLive = commonData.vornalIntfToPortHas( intfId );
       if ( isPortChannel( intfId ) && ( isLive || mapping.lagPhyIntfConfigHas( intfId ) ) ) {
-         VornalPortList const members = getPortListForPortChannel( intfId );
-         std::for_each( members.begin(), members.end(), add );
+         forEachPortOfPortChannel( intfId, add );
       } else if ( isLive ) {
          add( commonData.vornalIntfToPort( intfId ) );
       } else {

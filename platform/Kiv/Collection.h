@@ -113,14 +113,17 @@ template< typename Key, typename T > class Collection {
  private:
    // The first member that does not come before `key`, or the end.
    Node positionOf( Key const & key ) const {
-      if ( !isPosition( last_, key ) && ( last_ == map_.end() || !isPosition( ++last_, key ) ) ) {
-         last_ = map_.lower_bound( key );
+      if ( last_ != map_.end() && last_->first < key ) {
+         ++last_;
+         if ( last_ == map_.end() || !( last_->first < key ) ) {
+            return last_;
+         }
+      } else if ( isMember( last_, key ) || last_ == map_.begin() ||
+                  std::prev( last_ )->first < key ) {
+         return last_;
       }
+      last_ = map_.lower_bound( key );
       return last_;
-   }
-   bool isPosition( Node at, Key const & key ) const {
-      return ( at == map_.end() || !( at->first < key ) ) &&
-             ( at == map_.begin() || std::prev( at )->first < key );
    }
    // Whether the member at the position of `key` is that of the key.
    bool isMember( Node at, Key const & key ) const {
