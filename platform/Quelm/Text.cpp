@@ -84,21 +84,31 @@ std::string TextForm< std::string >::read( TextReader & in ) {
    return value;
 }
 
+namespace {
+
+// Where the first "%s" or "%d" begins, or npos.
+std::size_t placeholderIn( std::string_view format ) {
+   std::size_t at = format.find( '%' );
+   while ( at != std::string_view::npos && !format.substr( at ).starts_with( "%s" ) &&
+           !format.substr( at ).starts_with( "%d" ) ) {
+      at = format.find( '%', at + 1 );
+   }
+   return at;
+}
+
+}  // namespace
+
 std::string formatted( std::string_view format, std::initializer_list< std::string_view > values ) {
    std::string out;
    auto const * value = values.begin();
-   while ( !format.empty() ) {
-      if ( format.starts_with( "%s" ) || format.starts_with( "%d" ) ) {
-         QUELM_ASSERT( "a value for every %s and %d of the format" && value != values.end() );
-         out += *value++;
-         format.remove_prefix( 2 );
-      } else {
-         out += format.front();
-         format.remove_prefix( 1 );
-      }
+   for ( std::size_t at = placeholderIn( format ); at != std::string_view::npos;
+         at = placeholderIn( format ) ) {
+      QUELM_ASSERT( "a value for every %s and %d of the format" && value != values.end() );
+      out.append( format.substr( 0, at ) ).append( *value++ );
+      format.remove_prefix( at + 2 );
    }
    QUELM_ASSERT( "a %s or %d for every value" && value == values.end() );
-   return out;
+   return out.append( format );
 }
 
 }  // namespace Quelm
