@@ -13,11 +13,8 @@ ClassIdAllocator::ClassIdAllocator( Scenario::ClassIds const & range,
         config_( std::move( config ) ),
         status_( std::move( status ) ),
         requests_( config_, [ this ]( Kiv::Change const & change ) { noteRequest( change ); } ),
-        grants_( status_, [ this ]( Kiv::Change const & change ) { noteGrant( change ); } ) {
-   for ( U32 id = range_.first; id <= range_.last; ++id ) {
-      free_.insert( static_cast< U16 >( id ) );
-   }
-}
+        grants_( status_, [ this ]( Kiv::Change const & change ) { noteGrant( change ); } ),
+        unused_( range_.first ) {}
 
 void ClassIdAllocator::start() {
    for ( auto grant = status_->remoteESPeerVtepIter(); grant; ++grant ) {
@@ -104,7 +101,7 @@ void ClassIdAllocator::pausedIs( bool paused ) {
 // --- Grants
 
 bool ClassIdAllocator::canServe() const {
-   return !isPaused_ && !waiting_.empty() && !free_.empty();
+   return !isPaused_ && !waiting_.empty() && lowestFree() <= range_.last;
 }
 
 void ClassIdAllocator::serve() {
@@ -116,7 +113,7 @@ void ClassIdAllocator::serve() {
 void ClassIdAllocator::serveNext() {
    if ( canServe() ) {
       IpGenAddr const vtep = waiting_.begin()->second;
-      grantIs( vtep, ClassId( *free_.begin() ) );
+      grantIs( vtep, ClassId( static_cast< U16 >( lowestFree() ) ) );
       serve();
    }
 }
@@ -146,9 +143,16 @@ void ClassIdAllocator::noteGrant( Kiv::Change const & change ) {
 
 // --- Ids
 
+U32 ClassIdAllocator::lowestFree() const {
+   return returned_.empty() ? unused_ : *returned_.begin();
+}
+
 void ClassIdAllocator::take( ClassId id ) {
    ++users_[ id.value() ];
-   free_.erase( id.value() );
+   returned_.erase( id.value() );
+   while ( unused_ <= range_.last && users_.contains( static_cast< U16 >( unused_ ) ) ) {
+      ++unused_;
+   }
 }
 
 void ClassIdAllocator::giveBack( ClassId id ) {
@@ -156,7 +160,9 @@ void ClassIdAllocator::giveBack( ClassId id ) {
    if ( users != users_.end() && --users->second == 0 ) {
       users_.erase( users );
       if ( id.value() >= range_.first && id.value() <= range_.last ) {
-         free_.insert( id.value() );
+         if ( id.value() < unused_ ) {
+            returned_.insert( id.value() );
+         }
          serve();
       }
    }

@@ -73,6 +73,8 @@ class ClassIdAllocator {
    // Grants the waiting requests, after the turns that are queued by now.
    void serve();
    void serveNext();
+   // Above the range when no id of it is free.
+   U32 lowestFree() const;
    void take( VornalCommon::ClassId id );
    void giveBack( VornalCommon::ClassId id );
 
@@ -88,8 +90,9 @@ class ClassIdAllocator {
    std::map< U64, Pelk::IpGenAddr > waiting_;
    std::map< Pelk::IpGenAddr, U64 > place_;
    U64 lastPlace_ = 0;
-   std::set< U16 > free_;        // ids of the range
    std::map< U16, U32 > users_;  // granted ids; by hand, an id can be granted twice
+   U32 unused_;                  // from here on an id of the range is free unless it has users
+   std::set< U16 > returned_;    // free ids of the range below that
    bool isPaused_ = false;
    U32 heldBack_ = 0;  // events that fell due while it was paused
 };
