@@ -78,8 +78,8 @@ Json textOrNull( std::string const & text );
 // A whole document as text, with its line end. It is UTF-8 whatever its texts contain, and has no
 // control character but line ends. Its first member is formatVersion (Story/DocumentVersion.h).
 std::string documentText( Json const & document );
-// One element of a list in a document, so many lists and objects deep, as it stands there; without a
-// line end.
+// One element of a list in a document, so many lists and objects deep, as it stands there; without
+// a line end.
 std::string elementText( Json const & element, int depth );
 // A document in one line.
 std::string lineText( Json const & object );

@@ -1,7 +1,8 @@
-// Texts that are kept on disk until they are wanted: a list without end fills no memory.
+// Texts that are kept on disk until they are wanted, so that a list without end fills no memory.
 //
-// The file has no name, so it goes with the process, however that ends. Failures: what cannot be
-// written or read again is std::system_error.
+// The file stands in the folder of temporary files, and has no name there: no other user can open
+// it, and it goes with the process, however that ends. Failures: InputError when the folder takes
+// no files, or no more.
 #pragma once
 
 #include <cstdio>
