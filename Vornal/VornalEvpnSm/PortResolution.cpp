@@ -42,7 +42,8 @@ void EvpnMultihomingLocalBiasSm::forEachPortOfPortChannel( Pelk::IntfId const & 
 VornalPortList EvpnMultihomingLocalBiasSm::getPortListForPortChannel(
    Pelk::IntfId const & intfId ) const {
    VornalPortList portList;
-   forEachPortOfPortChannel( intfId, [ & ]( VornalPort const & port ) { portList.portIs( port ); } );
+   forEachPortOfPortChannel( intfId,
+                             [ & ]( VornalPort const & port ) { portList.portIs( port ); } );
    return portList;
 }
 

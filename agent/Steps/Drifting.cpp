@@ -13,8 +13,8 @@ namespace {
 std::string entriesOf( Chip::Group const & group ) {
    constexpr std::size_t kMost = 20;
    std::vector< U32 > ids;
-   for ( auto const & [ id, entry ] : group.entries() ) {
-      ids.push_back( id );
+   for ( Chip::Entry const * const entry : group.entries() ) {
+      ids.push_back( entry->id() );
    }
    std::size_t const more = ids.size() > kMost ? ids.size() - kMost : 0;
    ids.resize( ids.size() - more );
@@ -26,17 +26,17 @@ std::string entriesOf( Chip::Group const & group ) {
 // The id of the one rule whose name contains the text.
 U32 idOfNamed( Chip::Group const & group, std::string const & text ) {
    U32 found = 0;
-   for ( auto const & [ id, entry ] : group.entries() ) {
-      if ( entry.name().find( text ) == std::string::npos ) {
+   for ( Chip::Entry const * const entry : group.entries() ) {
+      if ( entry->name().find( text ) == std::string::npos ) {
          continue;
       }
       if ( found != 0 ) {
          throw Quelm::AccessError( fmt::format(
             "the names of entries {} and {} both contain \"{}\"; give more of the name, or the "
             "entry's id",
-            found, id, text ) );
+            found, entry->id(), text ) );
       }
-      found = id;
+      found = entry->id();
    }
    if ( found == 0 ) {
       throw Quelm::AccessError(
@@ -49,7 +49,7 @@ U32 idOfNamed( Chip::Group const & group, std::string const & text ) {
 
 U32 idOf( Chip::Group const & group, RuleNamed const & rule ) {
    auto const * const id = std::get_if< U32 >( &rule );
-   if ( id && !group.entries().contains( *id ) ) {
+   if ( id && !group.entry( *id ) ) {
       throw Quelm::AccessError( fmt::format( "group {} has no entry {}; {}", group.assignment(),
                                              *id, entriesOf( group ) ) );
    }

@@ -102,9 +102,9 @@ AclLookup::~AclLookup() {
 void AclLookup::compile() {
    rte_acl_reset( context_->acl );
    std::vector< Chip::Entry const * > entries;
-   for ( auto const & [ id, entry ] : group_.entries() ) {
-      if ( entry.written() ) {
-         entries.push_back( &entry );
+   for ( Chip::Entry const * const entry : group_.entries() ) {
+      if ( entry->written() ) {
+         entries.push_back( entry );
       }
    }
    std::sort( entries.begin(), entries.end(), []( auto const * a, auto const * b ) {

@@ -11,7 +11,7 @@ template< typename Change > ResultCode Drift::rewrite( U32 id, Change change ) {
       return ResultCode::NotInstalled;
    }
    group_.written_->remove( *entry );
-   ResultCode const code = change( *entry->written_ );
+   ResultCode const code = change( Entry::own( entry->written_ ) );
    group_.written_->insert( *entry );
    return code;
 }
@@ -95,7 +95,7 @@ U32 Drift::copy( U32 id ) {
    Entry const * const original = group_.entry( id );
    U32 const copied = original && original->written_ ? group_.entryNew( original->name() ) : 0;
    if ( Entry * const entry = group_.entry( copied ) ) {
-      entry->staged_ = *original->written_;
+      entry->staged_ = original->written_;
       group_.install( copied );
    }
    return copied;

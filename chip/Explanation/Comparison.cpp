@@ -55,9 +55,10 @@ GroupComparison compare( Group const * group, U16 unit, KeyFields const & frame,
       return result;
    }
    std::vector< RuleComparison > & rules = result.rules;
-   for ( auto const & [ id, entry ] : group->entries() ) {
-      if ( EntryContent const * const written = entry.written() ) {
-         rules.push_back( compareRule( { unit, group->assignment(), id }, *written, frame ) );
+   for ( Entry const * const entry : group->entries() ) {
+      if ( EntryContent const * const written = entry->written() ) {
+         rules.push_back(
+            compareRule( { unit, group->assignment(), entry->id() }, *written, frame ) );
       }
    }
    std::sort( rules.begin(), rules.end(), isAbove );

@@ -2,11 +2,18 @@
 
 namespace Chip {
 
+EntryContent & Entry::own( std::shared_ptr< EntryContent > & copy ) {
+   if ( copy.use_count() > 1 ) {
+      copy = std::make_shared< EntryContent >( *copy );
+   }
+   return *copy;
+}
+
 ResultCode Entry::qualify( Qualifier qualifier, Match const & match ) {
    if ( kindOf( qualifier ) != kind_ ) {
       return ResultCode::Unsupported;
    }
-   staged_[ qualifier ] = match;
+   own( staged_ )[ qualifier ] = match;
    return ResultCode::None;
 }
 
@@ -14,10 +21,10 @@ ResultCode Entry::actionAdd( Action action, ActionParameters const & parameters 
    if ( kindOf( action ) != kind_ ) {
       return ResultCode::Unsupported;
    }
-   if ( staged_[ action ] ) {
+   if ( staged()[ action ] ) {
       return ResultCode::Exists;
    }
-   staged_[ action ] = parameters;
+   own( staged_ )[ action ] = parameters;
    return ResultCode::None;
 }
 
@@ -25,10 +32,10 @@ ResultCode Entry::actionUpdate( Action action, ActionParameters const & paramete
    if ( kindOf( action ) != kind_ ) {
       return ResultCode::Unsupported;
    }
-   if ( !staged_[ action ] ) {
+   if ( !staged()[ action ] ) {
       return ResultCode::NotFound;
    }
-   staged_[ action ] = parameters;
+   own( staged_ )[ action ] = parameters;
    return ResultCode::None;
 }
 

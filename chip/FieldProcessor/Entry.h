@@ -3,7 +3,8 @@
 // Qualifiers, actions and the priority go into the staged copy. Writing the entry (Group::install,
 // Group::reinstall) makes the written copy equal to the staged one, as a whole: a priority set on
 // an installed entry is in force from the next reinstall on, like everything else. The staged copy
-// stays, and the next changes build on it.
+// stays, and the next changes build on it. Between a write and the next change both are one object,
+// since most entries are written once.
 //
 // Refused, and then nothing changes:
 // - a qualifier or action that belongs to the other kind of group: Unsupported;
@@ -16,6 +17,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -54,15 +56,15 @@ class Entry {
    U32 id() const { return id_; }
    std::string const & name() const { return name_; }
 
-   EntryContent const & staged() const { return staged_; }
+   EntryContent const & staged() const { return *staged_; }
    // nullptr while the entry is not in the hardware.
-   EntryContent const * written() const { return written_ ? &*written_ : nullptr; }
+   EntryContent const * written() const { return written_.get(); }
 
    // --- Staging
    ResultCode qualify( Qualifier qualifier, Match const & match );
    ResultCode actionAdd( Action action, ActionParameters const & parameters );
    ResultCode actionUpdate( Action action, ActionParameters const & parameters );
-   void priorityIs( U32 priority ) { staged_.priority = priority; }
+   void priorityIs( U32 priority ) { own( staged_ ).priority = priority; }
 
    // --- Read-back of the written copy; the second argument is left alone on failure
    ResultCode readBack( Qualifier qualifier, Match & match ) const;
@@ -73,13 +75,15 @@ class Entry {
    friend class Drift;  // changes the written copy as faulty hardware does (Drift/Drift.h)
 
    void write() { written_ = staged_; }
+   // The content, for a change of this copy alone.
+   static EntryContent & own( std::shared_ptr< EntryContent > & copy );
    template< typename Part, typename Value > ResultCode readPart( Part part, Value & value ) const;
 
    GroupKind kind_;
    U32 id_;
    std::string name_;
-   EntryContent staged_;
-   std::optional< EntryContent > written_;
+   std::shared_ptr< EntryContent > staged_ = std::make_shared< EntryContent >();
+   std::shared_ptr< EntryContent > written_;
 };
 
 }  // namespace Chip

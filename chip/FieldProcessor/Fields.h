@@ -251,25 +251,66 @@ inline constexpr std::size_t kKeyFields = [] {
    return count + count % 2;
 }();
 
-// Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. Their
-// number is even.
-using KeyFields = std::array< U32, kKeyFields >;
+// Fields in the order of the tables' key positions: a frame's, or a rule's data or masks. Each two
+// are kept as one number, since a lookup for each copy of each frame masks and compares them.
+class KeyFields {
+ public:
+   constexpr U32 operator[]( std::size_t position ) const {
+      return static_cast< U32 >( pairs_[ position / 2 ] >> shift( position ) );
+   }
+   constexpr void fieldIs( std::size_t position, U32 value ) {
+      U64 & pair = pairs_[ position / 2 ];
+      pair ^= U64{ ( *this )[ position ] ^ value } << shift( position );
+   }
+
+   constexpr KeyFields under( KeyFields const & masks ) const {
+      KeyFields result;
+      for ( std::size_t n = 0; n < kPairs; ++n ) {
+         result.pairs_[ n ] = pairs_[ n ] & masks.pairs_[ n ];
+      }
+      return result;
+   }
+
+   constexpr std::size_t hash() const {
+      constexpr U64 odd = 0xff51afd7ed558ccd;  // an odd number without pattern
+      U64 mixed = 0;
+      for ( U64 const pair : pairs_ ) {
+         mixed = ( mixed ^ mixed >> 32 ) * odd ^ pair;
+      }
+      return static_cast< std::size_t >( mixed ^ mixed >> 32 );
+   }
+
+   friend constexpr bool operator==( KeyFields const & a, KeyFields const & b ) {
+      U64 difference = 0;
+      for ( std::size_t n = 0; n < kPairs; ++n ) {
+         difference |= a.pairs_[ n ] ^ b.pairs_[ n ];
+      }
+      return difference == 0;
+   }
+
+ private:
+   static constexpr std::size_t kPairs = kKeyFields / 2;
+   static constexpr unsigned shift( std::size_t position ) { return position % 2 == 0 ? 0 : 32; }
+
+   std::array< U64, kPairs > pairs_{};
+};
 
 constexpr KeyFields keyFieldsOf( IngressFields const & frame ) {
    KeyFields fields{};
-   fields[ rowOf( Qualifier::SrcVxlanGport ).keyPosition ] = frame.srcVxlanGport;
-   fields[ rowOf( Qualifier::PacketRes ).keyPosition ] = frame.packetRes;
-   fields[ rowOf( Qualifier::TunnelTerminated ).keyPosition ] = frame.tunnelTerminated ? 1 : 0;
-   fields[ rowOf( Qualifier::VxlanNetworkId ).keyPosition ] = frame.vxlanNetworkId;
+   fields.fieldIs( rowOf( Qualifier::SrcVxlanGport ).keyPosition, frame.srcVxlanGport );
+   fields.fieldIs( rowOf( Qualifier::PacketRes ).keyPosition, frame.packetRes );
+   fields.fieldIs( rowOf( Qualifier::TunnelTerminated ).keyPosition,
+                   frame.tunnelTerminated ? 1 : 0 );
+   fields.fieldIs( rowOf( Qualifier::VxlanNetworkId ).keyPosition, frame.vxlanNetworkId );
    return fields;
 }
 
 constexpr KeyFields keyFieldsOf( EgressFields const & frame ) {
    KeyFields fields{};
-   fields[ rowOf( Qualifier::DstPort ).keyPosition ] = frame.dstPort;
-   fields[ rowOf( Qualifier::DstPort ).keyPosition + 1 ] = frame.dstModId;
-   fields[ rowOf( Qualifier::IpType ).keyPosition ] = frame.ipType;
-   fields[ rowOf( Qualifier::IngressClassField ).keyPosition ] = frame.ingressClass;
+   fields.fieldIs( rowOf( Qualifier::DstPort ).keyPosition, frame.dstPort );
+   fields.fieldIs( rowOf( Qualifier::DstPort ).keyPosition + 1, frame.dstModId );
+   fields.fieldIs( rowOf( Qualifier::IpType ).keyPosition, frame.ipType );
+   fields.fieldIs( rowOf( Qualifier::IngressClassField ).keyPosition, frame.ingressClass );
    return fields;
 }
 

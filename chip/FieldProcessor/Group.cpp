@@ -22,7 +22,7 @@ U32 Group::entryNew( std::string const & name ) {
       return 0;
    }
    U32 const id = ids_.next();
-   byId_[ id ] = entries_.try_emplace( entries_.end(), id, kind_, id, name );
+   entries_.try_emplace( id, std::make_unique< Entry >( kind_, id, name ) );
    return id;
 }
 
@@ -48,16 +48,14 @@ ResultCode Group::reinstall( U32 id ) {
 }
 
 ResultCode Group::release( U32 id ) {
-   auto const found = byId_.find( id );
-   if ( found == byId_.end() ) {
+   auto const found = entries_.find( id );
+   if ( found == entries_.end() ) {
       return ResultCode::UnknownEntry;
    }
-   Entry const & entry = found->second->second;
-   if ( entry.written() ) {
-      written_->remove( entry );
+   if ( found->second->written() ) {
+      written_->remove( *found->second );
    }
-   entries_.erase( found->second );
-   byId_.erase( found );
+   entries_.erase( found );
    return ResultCode::None;
 }
 
@@ -70,13 +68,23 @@ void Group::write( Entry & entry ) {
 }
 
 Entry * Group::entry( U32 id ) {
-   auto const found = byId_.find( id );
-   return found == byId_.end() ? nullptr : &found->second->second;
+   auto const found = entries_.find( id );
+   return found == entries_.end() ? nullptr : found->second.get();
 }
 
 Entry const * Group::entry( U32 id ) const {
-   auto const found = byId_.find( id );
-   return found == byId_.end() ? nullptr : &found->second->second;
+   auto const found = entries_.find( id );
+   return found == entries_.end() ? nullptr : found->second.get();
+}
+
+std::vector< Entry const * > Group::entries() const {
+   std::vector< Entry const * > all;
+   all.reserve( entries_.size() );
+   for ( auto const & [ id, entry ] : entries_ ) {
+      all.push_back( entry.get() );
+   }
+   std::sort( all.begin(), all.end(), []( auto a, auto b ) { return a->id() < b->id(); } );
+   return all;
 }
 
 Entry const * Group::lookup( IngressFields const & frame ) const {

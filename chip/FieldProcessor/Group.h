@@ -13,8 +13,8 @@
 // change nothing. There are no unsafe ones but asking a group for frames of the other kind, which
 // is a failed assertion.
 //
-// Cost: that of the engine for a lookup (Lookup.h), which writes nothing; constant for everything
-// else.
+// Cost: that of the engine for a lookup (Lookup.h), which writes nothing; the list of all entries
+// is sorted when it is asked for; constant for everything else.
 //
 // Threads: entries are obtained, written and released by holders of the activity lock, and looked
 // up by holders of it. Field calls work on the staged copies, meanwhile, with the lock given up
@@ -24,13 +24,13 @@
 // ways in from outside; lookups are the packet pipeline's.
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
+#include <vector>
 
 #include <FieldProcessor/Entry.h>
 #include <FieldProcessor/Lookup.h>
+#include <HashMap/HashMap.h>
 #include <VornalTcam/EntryManager.h>
 
 namespace Chip {
@@ -82,8 +82,7 @@ class Group {
    Entry * entry( U32 id );
    Entry const * entry( U32 id ) const;
    // All entries by id, which is the order in which they were obtained.
-   using Entries = std::map< U32, Entry >;
-   Entries const & entries() const { return entries_; }
+   std::vector< Entry const * > entries() const;
 
    // --- Lookup
    // The entry that wins, or nullptr. It has a written copy, and stays until it is released.
@@ -100,8 +99,7 @@ class Group {
    U32 capacity_;
    U32 foreign_ = 0;
    EntryIds & ids_;
-   Entries entries_;
-   std::unordered_map< U32, Entries::iterator > byId_;  // every call looks its entry up
+   HashMap< U32, std::unique_ptr< Entry > > entries_;
    std::unique_ptr< Lookup > written_;
 };
 

@@ -7,7 +7,7 @@ namespace Chip {
 namespace {
 
 bool matches( Ternary const & ternary, KeyFields const & frame ) {
-   for ( std::size_t n = 0; n < frame.size(); ++n ) {
+   for ( std::size_t n = 0; n < kKeyFields; ++n ) {
       if ( ( frame[ n ] & ternary.masks[ n ] ) != ternary.data[ n ] ) {
          return false;
       }

@@ -10,8 +10,8 @@ namespace Chip {
 namespace {
 
 void set( Ternary & ternary, std::size_t position, U32 value, U32 mask ) {
-   ternary.data[ position ] = value & mask;
-   ternary.masks[ position ] = mask;
+   ternary.data.fieldIs( position, value & mask );
+   ternary.masks.fieldIs( position, mask );
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 // (Srinivasan, Suri and Varghese, "Packet Classification using Tuple Space Search", 1999).
 //
 // Invariants:
-// - Entries with the same masks and data stand in one place, the one that wins in front.
+// - Of the entries with the same masks and data only the one that wins is met by frames.
 // - A table that has become empty is dropped, so that old patterns cost nothing.
 //
 // Cost: a lookup is one hash lookup per table and allocates nothing. The worst case is entries that
@@ -30,67 +30,25 @@ class TupleSpaceLookup final : public Lookup {
    Entry const * find( KeyFields const & frame ) const override;
 
  private:
-   // A frame's fields, or a rule's data or masks, by twos, each two as one number.
-   struct Key {
-      static constexpr std::size_t kPairs = kKeyFields / 2;
-      std::array< U64, kPairs > pairs{};
-
-      Key() = default;
-      explicit Key( KeyFields const & fields ) {
-         for ( std::size_t n = 0; n < kPairs; ++n ) {
-            pairs[ n ] = U64{ fields[ 2 * n + 1 ] } << 32 | fields[ 2 * n ];
-         }
-      }
-      Key under( Key const & masks ) const {
-         Key result;
-         for ( std::size_t n = 0; n < kPairs; ++n ) {
-            result.pairs[ n ] = pairs[ n ] & masks.pairs[ n ];
-         }
-         return result;
-      }
-
-      // A lookup for each copy of each frame makes this the most frequent comparison of all.
-      friend bool operator==( Key const & a, Key const & b ) {
-         U64 difference = 0;
-         for ( std::size_t n = 0; n < kPairs; ++n ) {
-            difference |= a.pairs[ n ] ^ b.pairs[ n ];
-         }
-         return difference == 0;
-      }
-   };
-
    struct Hash {
-      std::size_t operator()( Key const & key ) const noexcept;
+      std::size_t operator()( KeyFields const & fields ) const noexcept { return fields.hash(); }
    };
 
    struct Candidate {
       Precedence precedence;
       Entry const * entry;
    };
-   // Entries with the same masks and data.
-   struct Candidates {
-      Candidate winner;
-      std::vector< Candidate > others{};
-   };
-
-   // The entries of one set of masks.
+   // The entries of one set of masks, by their data.
    struct Table {
-      Key masks;
-      HashMap< Key, Candidates, Hash > byData{};
+      KeyFields masks;
+      HashMap< KeyFields, Candidate, Hash > winners{};
+      // Those that stand behind a winner with the same data. They are few, and no frame meets them.
+      HashMap< KeyFields, std::vector< Candidate >, Hash > others{};
    };
 
-   Table & tableFor( Key const & masks );
+   Table & tableFor( KeyFields const & masks );
 
    std::vector< Table > tables_;
 };
-
-inline std::size_t TupleSpaceLookup::Hash::operator()( Key const & key ) const noexcept {
-   constexpr U64 odd = 0xff51afd7ed558ccd;  // an odd number without pattern
-   U64 mixed = 0;
-   for ( U64 const pair : key.pairs ) {
-      mixed = ( mixed ^ mixed >> 32 ) * odd ^ pair;
-   }
-   return static_cast< std::size_t >( mixed ^ mixed >> 32 );
-}
 
 }  // namespace Chip

@@ -51,8 +51,8 @@ class Units {
    template< typename Visit > void forEachEntry( Visit visit ) const {
       for ( auto const & [ number, unit ] : units_ ) {
          for ( auto const & [ assignment, group ] : unit.groups() ) {
-            for ( auto const & [ id, entry ] : group.entries() ) {
-               visit( RuleKey{ unit.number(), assignment, id }, entry );
+            for ( Entry const * const entry : group.entries() ) {
+               visit( RuleKey{ unit.number(), assignment, entry->id() }, *entry );
             }
          }
       }

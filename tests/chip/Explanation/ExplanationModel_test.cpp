@@ -225,8 +225,8 @@ void checkComparison( GroupComparison const & comparison, Chip::Group const & gr
    Chip::Entry const * const winner = group.lookup( frame );
    auto const & rules = comparison.rules;
    std::size_t written = 0;
-   for ( auto const & [ id, entry ] : group.entries() ) {
-      written += entry.written() ? 1U : 0U;
+   for ( Chip::Entry const * const entry : group.entries() ) {
+      written += entry->written() ? 1U : 0U;
    }
    RC_ASSERT( rules.size() == written );
    RC_ASSERT( comparison.winner() == ( winner ? &rules.front() : nullptr ) );
