@@ -6,19 +6,13 @@
 //    rules               on all units
 #include <benchmark/benchmark.h>
 
-#include <malloc.h>
-
+#include <support/Heap.h>
 #include <support/Rounds.h>
 #include <support/SharedLeaf.h>
 #include <support/ShimInUse.h>
 
 namespace Bench {
 namespace {
-
-double bytesInUse() {
-   auto const all = mallinfo2();
-   return static_cast< double >( all.uordblks + all.hblkhd );
-}
 
 double rulesOf( SharedLeaf const & leaf ) {
    double rules = 0;

@@ -10,6 +10,12 @@
 //    PHASE.plugin   ms with the machine, publishing included
 //    PHASE.replay   ms of the calls alone
 //    PHASE.ratio    plugin / replay, with its quartiles
+//    PHASE.own      ( plugin - state ) / replay, with its quartiles: what other agents publish is
+//    no
+//                   work of the plug-in
+//
+//    bytes.plugin   what the plug-in holds after bring-up: neither published state nor chip
+//    bytes.chip     what the chip holds then
 //
 // `slow` is the same where each call takes 26 microseconds, a measured figure for a bulk write to
 // hardware.
@@ -22,6 +28,7 @@
 #include <vector>
 
 #include <support/CallList.h>
+#include <support/Heap.h>
 #include <support/Rounds.h>
 #include <support/SharedLeaf.h>
 #include <support/ShimInUse.h>
@@ -65,31 +72,38 @@ std::unique_ptr< Recorder > callsOf( Shape const & shape ) {
    return recorder;
 }
 
-Phases< double > timesOfSwitch( Shape const & shape, bool hasMachine,
-                                Chip::CallObserver * observer ) {
+// What the phases took, and what the first one left in memory.
+struct Taken {
+   Phases< double > times{};
+   double bytes = 0;
+};
+
+template< typename Work > Taken takenBy( Work work ) {
+   Taken taken;
+   double const before = bytesInUse();
+   for ( std::size_t phase = 0; phase < kPhases.size(); ++phase ) {
+      taken.times.at( phase ) = timeOf( [ & ] { work( phase ); } );
+      taken.bytes = phase == 0 ? bytesInUse() - before : taken.bytes;
+   }
+   return taken;
+}
+
+Taken takenBySwitch( Shape const & shape, bool hasMachine, Chip::CallObserver * observer ) {
    SharedLeaf leaf( shape, observer );
    ShimInUse const shim( leaf.board, observer );
    if ( hasMachine ) {
       leaf.machineNew();
    }
-   Phases< double > times{};
-   for ( std::size_t phase = 0; phase < kPhases.size(); ++phase ) {
-      times.at( phase ) = timeOf( [ & ] { ( leaf.*kPhases.at( phase ) )(); } );
-   }
-   return times;
+   return takenBy( [ & ]( std::size_t phase ) { ( leaf.*kPhases.at( phase ) )(); } );
 }
 
-Phases< double > timesOfCalls( Shape const & shape, Phases< CallList > const & lists,
-                               Chip::CallObserver * observer ) {
+Taken takenByCalls( Shape const & shape, Phases< CallList > const & lists,
+                    Chip::CallObserver * observer ) {
    Kiv::ActivityManager activity;
    Kiv::ActivityLockAnchor const locked( activity );
    Chip::Board board( SharedLeaf::boardOf( shape ), observer );
    ShimInUse const shim( board, observer );
-   Phases< double > times{};
-   for ( std::size_t phase = 0; phase < kPhases.size(); ++phase ) {
-      times.at( phase ) = timeOf( [ & ] { lists.at( phase ).makeOn( board ); } );
-   }
-   return times;
+   return takenBy( [ & ]( std::size_t phase ) { lists.at( phase ).makeOn( board ); } );
 }
 
 // What one phase took.
@@ -98,6 +112,15 @@ struct PhaseRounds {
    Rounds plugin;
    Rounds replay;
    Rounds ratio;
+   Rounds own;
+
+   void add( double stateTime, double pluginTime, double replayTime ) {
+      state.add( stateTime );
+      plugin.add( pluginTime );
+      replay.add( replayTime );
+      ratio.add( pluginTime / replayTime );
+      own.add( ( pluginTime - stateTime ) / replayTime );
+   }
 
    void report( benchmark::State & bench, std::string const & phase, std::size_t calls ) const {
       bench.counters[ phase + ".calls" ] = static_cast< double >( calls );
@@ -105,6 +128,7 @@ struct PhaseRounds {
       bench.counters[ phase + ".plugin" ] = plugin.median();
       bench.counters[ phase + ".replay" ] = replay.median();
       ratio.report( bench, phase + ".ratio" );
+      own.report( bench, phase + ".own" );
    }
 };
 
@@ -115,20 +139,24 @@ void measure( benchmark::State & bench, Chip::CallObserver * observer ) {
                       static_cast< U32 >( bench.range( 3 ) ) };
    auto const recorded = callsOf( shape );
    Phases< PhaseRounds > rounds;
+   Rounds pluginBytes;
+   Rounds chipBytes;
    for ( auto _ : bench ) {
-      auto const state = timesOfSwitch( shape, false, nullptr );
-      auto const plugin = timesOfSwitch( shape, true, observer );
-      auto const replay = timesOfCalls( shape, recorded->lists, observer );
+      Taken const state = takenBySwitch( shape, false, nullptr );
+      Taken const plugin = takenBySwitch( shape, true, observer );
+      Taken const replay = takenByCalls( shape, recorded->lists, observer );
+      pluginBytes.add( plugin.bytes - state.bytes - replay.bytes );
+      chipBytes.add( replay.bytes );
       for ( std::size_t phase = 0; phase < kPhases.size(); ++phase ) {
-         rounds.at( phase ).state.add( state.at( phase ) );
-         rounds.at( phase ).plugin.add( plugin.at( phase ) );
-         rounds.at( phase ).replay.add( replay.at( phase ) );
-         rounds.at( phase ).ratio.add( plugin.at( phase ) / replay.at( phase ) );
+         rounds.at( phase ).add( state.times.at( phase ), plugin.times.at( phase ),
+                                 replay.times.at( phase ) );
       }
    }
    for ( std::size_t phase = 0; phase < kPhases.size(); ++phase ) {
       rounds.at( phase ).report( bench, kNames.at( phase ), recorded->lists.at( phase ).size() );
    }
+   bench.counters[ "bytes.plugin" ] = pluginBytes.median();
+   bench.counters[ "bytes.chip" ] = chipBytes.median();
 }
 
 void programming( benchmark::State & bench ) {

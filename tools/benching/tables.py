@@ -73,32 +73,56 @@ def spread(figures, name):
     return f"{middle:.2f} ({low:.2f}-{high:.2f})"
 
 
-def at_slow_calls(figures, phase):
+def at_slow_calls(figures, phase, published):
     """The ratio where each call takes as long as a bulk write to hardware, from the times of calls
-    that cost nothing."""
+    that cost nothing. `published` is what publishing the state takes of the plug-in's turns."""
     calls = figures[f"{phase}.calls"] * SECONDS_A_SLOW_CALL * 1000
-    return (figures[f"{phase}.plugin"] + calls) / (figures[f"{phase}.replay"] + calls)
+    return (figures[f"{phase}.plugin"] - published + calls) / (figures[f"{phase}.replay"] + calls)
+
+
+def memory(entries):
+    """What a VTEP takes on each unit, and each port that it shares there; and a rule of the chip.
+    They come of how the bytes grow with the units, and with the ports."""
+    plugin, chip = {}, {}
+    for entry in entries:
+        key = tuple(entry.arguments[one] for one in ("variant", "vteps", "units", "ports"))
+        plugin[key], chip[key] = entry.figures["bytes.plugin"], entry.figures["bytes.chip"]
+    rows = []
+    for variant, vteps in sorted({key[:2] for key in plugin}):
+        def more(bytes_of, units, ports, variant=variant, vteps=vteps):
+            return (bytes_of[variant, vteps, units, ports] - bytes_of[variant, vteps, 1, 4]) / vteps
+        rows.append(
+            [VARIANTS[variant], vteps, f"{more(plugin, 4, 4) / 3:.0f}"]
+            + [f"{more(plugin, 1, 64) / 60:.0f}", f"{more(chip, 4, 4) / 3:.0f}"]
+        )
+    heads = ["variant", "VTEPs", "plug-in's bytes, a VTEP on a unit", "a port of it", "chip's, a rule"]
+    return table(heads, rows)
 
 
 def programming(entries):
-    """The plug-in's time beside that of its calls alone."""
+    """The plug-in's time beside that of its calls alone, and its memory."""
     heads = ["variant", "VTEPs", "units", "ports", "phase", "calls", "state ms", "plug-in ms"]
-    heads += ["calls alone ms", "ratio", "at 26 us"]
+    heads += ["calls alone ms", "with publishing", "alone", "with publishing, 26 us", "alone, 26 us"]
     rows = []
     for entry in entries:
-        slow = entry.name == "slow"
+        figures = entry.figures
         for phase in PHASES:
-            figures = entry.figures
+            if entry.name == "slow":
+                ratios = ["-", "-"]
+                ratios += [f"{figures[f'{phase}.{kind}']:.3f} measured" for kind in ("ratio", "own")]
+            else:
+                ratios = [spread(figures, f"{phase}.{kind}") for kind in ("ratio", "own")]
+                ratios += [f"{at_slow_calls(figures, phase, published):.3f}"
+                           for published in (0, figures[f"{phase}.state"])]
             rows.append(
                 [entry.variant]
                 + [entry.arguments[key] for key in ("vteps", "units", "ports")]
                 + [phase.replace("_", " "), f"{figures[f'{phase}.calls']:.0f}"]
                 + [f"{figures[f'{phase}.{kind}']:.2f}" for kind in ("state", "plugin", "replay")]
-                + ["-" if slow else spread(figures, f"{phase}.ratio")]
-                + [f"{at_slow_calls(figures, phase):.3f}" if not slow
-                   else f"{figures[f'{phase}.ratio']:.3f} measured"]
+                + ratios
             )
-    return table(heads, rows)
+    at_no_cost = [entry for entry in entries if entry.name != "slow"]
+    return table(heads, rows) + "\n\n" + memory(at_no_cost)
 
 
 def growth(entries):

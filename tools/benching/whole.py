@@ -50,9 +50,9 @@ def switch_of(root):
 
 
 def with_steps(root, count):
-    """Its VTEP gets another virtual port at each step."""
+    """One of its VTEPs gets another virtual port at each step; those below 1000 are the others'."""
     return switch_of(root) + "".join(
-        f"  - publish: {{ vteps: {{ 10.0.0.2: {{ virtual-port: {2 + n % 60000} }} }} }}\n"
+        f"  - publish: {{ vteps: {{ 10.0.0.2: {{ virtual-port: {1000 + n % 50000} }} }} }}\n"
         for n in range(count)
     )
 
