@@ -11,6 +11,24 @@ function( ring_sources variable )
    set( ${variable} ${sources} PARENT_SCOPE )
 endfunction()
 
+# compile_together( <target> ): the sources of a folder are compiled by eights, as one. Most of what a
+# source costs are its headers and their templates, which are then paid for once for eight: a ring
+# takes a third of the time. A change compiles its eight, though.
+option( VORNAL_COMPILE_TOGETHER "Compile the sources of a folder by eights" ON )
+function( compile_together target )
+   get_target_property( sources ${target} SOURCES )
+   foreach( source IN LISTS sources )
+      cmake_path( GET source PARENT_PATH path )
+      cmake_path( GET path FILENAME folder )
+      list( APPEND ${folder} ${source} )
+      list( LENGTH ${folder} number )
+      math( EXPR group "( ${number} - 1 ) / 8" )
+      set_source_files_properties( ${source} PROPERTIES UNITY_GROUP ${folder}${group} )
+   endforeach()
+   set_target_properties(
+      ${target} PROPERTIES UNITY_BUILD ${VORNAL_COMPILE_TOGETHER} UNITY_BUILD_MODE GROUP )
+endfunction()
+
 # seal( <target> ): a shared object of ours must find every symbol in the libraries that it names,
 # so that nothing is silently taken from the process that loads it. clang's sanitizers do just that,
 # hence the exception.

@@ -29,13 +29,13 @@ namespace {
 namespace fs = std::filesystem;
 using Lines = std::vector< Trace::Ring::Decoded >;
 
-[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+[[noreturn]] void refuseRing( fs::path const & file, std::string const & why ) {
    throw Story::InputError( file.string() + ": " + why +
                             "; name one that 'run --ring' has written" );
 }
 
 [[noreturn]] void cannotRead( fs::path const & file ) {
-   refuse( file, fmt::format( "the file cannot be read ({})", std::strerror( errno ) ) );
+   refuseRing( file, fmt::format( "the file cannot be read ({})", std::strerror( errno ) ) );
 }
 
 std::string contentOf( Process::Descriptor const & descriptor, fs::path const & file ) {
@@ -52,7 +52,7 @@ std::string contentOf( Process::Descriptor const & descriptor, fs::path const & 
       }
       content.append( chunk.data(), static_cast< std::size_t >( count ) );
       if ( content.size() > kLargest ) {
-         refuse( file, "this is larger than the 64 MiB that a trace ring may have" );
+         refuseRing( file, "this is larger than the 64 MiB that a trace ring may have" );
       }
    }
    return content;
@@ -63,7 +63,7 @@ Lines linesIn( Process::Descriptor const & descriptor, fs::path const & file ) {
       std::string const content = contentOf( descriptor, file );
       return Trace::Ring::decode( std::as_bytes( std::span( content ) ) );
    } catch ( Quelm::TextError const & error ) {
-      refuse( file, error.what() );
+      refuseRing( file, error.what() );
    }
 }
 
@@ -110,7 +110,7 @@ Process::Descriptor Ring::opened() const {
       cannotRead( file_ );
    }
    if ( !S_ISREG( about.st_mode ) ) {
-      refuse( file_, "this is no regular file" );
+      refuseRing( file_, "this is no regular file" );
    }
    return file;
 }

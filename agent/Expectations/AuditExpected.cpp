@@ -18,8 +18,6 @@ namespace Shape = Scenario::Shape;
 
 using Scenario::Choices;
 
-constexpr U32 kHighestCount = ~U32{ 0 };
-
 Choices< bool > const & verdicts() {
    static Choices< bool > const choices{
       { "audit", "Whether the rules are in sync with the published state." },
@@ -51,7 +49,7 @@ Scenario::Table< DifferencesLike > const & differencesTable() {
       { { { "kind", "", Shape::of( "kind" ) }, readKind },
         { { "count", "",
             Shape::of( "count", "The number of such differences; one or more if left out." ) },
-          Scenario::readNumber< DifferencesLike, &DifferencesLike::count, 0, kHighestCount > } }
+          Scenario::readNumber< DifferencesLike, &DifferencesLike::count > } }
    };
    return table;
 }

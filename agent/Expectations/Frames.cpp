@@ -133,7 +133,7 @@ Table< FramesLike > const & framesTable() {
                        "dropped do not count." ) },
           readDropped },
         { { "count", "", Shape::of( "count", "Their number." ) },
-          Scenario::readNumber< FramesLike, &FramesLike::count, 0, ~U32{ 0 } > } }
+          Scenario::readNumber< FramesLike, &FramesLike::count > } }
    };
    return table;
 }

@@ -15,7 +15,6 @@ namespace Shape = Scenario::Shape;
 
 using Line = LogLineExpected;
 
-constexpr U32 kHighestCount = ~U32{ 0 };
 constexpr auto readLineText = Scenario::readText< Line, &Line::text >;
 
 Scenario::Table< Line > const & logTable() {
@@ -26,7 +25,7 @@ Scenario::Table< Line > const & logTable() {
           readLineText },
         { { "times", "",
             Shape::of( "count", "The number of such lines; one or more if left out." ) },
-          Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
+          Scenario::readNumber< Line, &Line::times > } }
    };
    return table;
 }

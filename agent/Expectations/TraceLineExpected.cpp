@@ -18,7 +18,6 @@ namespace Shape = Scenario::Shape;
 using Line = TraceLineExpected;
 
 constexpr U32 kHighestLevel = 9;
-constexpr U32 kHighestCount = ~U32{ 0 };
 
 void readLevel( Reading & reading, Value const & value, Line & line ) {
    if ( auto const level = numberOf( reading, value, 0, kHighestLevel ) ) {
@@ -41,7 +40,7 @@ Scenario::Table< Line > const & traceTable() {
           Scenario::readText< Line, &Line::text > },
         { { "times", "",
             Shape::of( "count", "The number of such lines; one or more if left out." ) },
-          Scenario::readNumber< Line, &Line::times, 0, kHighestCount > } }
+          Scenario::readNumber< Line, &Line::times > } }
    };
    return table;
 }

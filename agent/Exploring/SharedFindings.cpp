@@ -9,26 +9,22 @@
 
 namespace Exploring {
 
-namespace {
-
-struct Entry {
-   Kind kind{};
-   U16 length = 0;  // of the text
-   std::array< char, SharedFindings::kLongest > text{};
-   U64 sequences = 0;
-   U32 calls = 0;
-   U16 events = 0;
-   std::array< U16, Exploration::kLongest > shortest{};
-
-   std::string_view what() const { return { text.data(), length }; }
-   Found found() const {
-      return { sequences, { shortest.begin(), shortest.begin() + events }, calls };
-   }
-};
-
-}  // namespace
-
 struct SharedFindings::Memory {
+   struct Entry {
+      Kind kind{};
+      U16 length = 0;  // of the text
+      std::array< char, SharedFindings::kLongest > text{};
+      U64 sequences = 0;
+      U32 calls = 0;
+      U16 events = 0;
+      std::array< U16, Exploration::kLongest > shortest{};
+
+      std::string_view what() const { return { text.data(), length }; }
+      Found found() const {
+         return { sequences, { shortest.begin(), shortest.begin() + events }, calls };
+      }
+   };
+
    Counts counts;
    std::size_t used = 0;
    std::array< Entry, kMost > entries;
@@ -47,9 +43,10 @@ Counts & SharedFindings::counts() {
 void SharedFindings::add( Kind kind, std::string_view what, Found const & one ) {
    what = what.substr( 0, kLongest );
    auto * const end = memory_->entries.begin() + memory_->used;
-   auto * const found = std::find_if( memory_->entries.begin(), end, [ & ]( Entry const & entry ) {
-      return entry.kind == kind && entry.what() == what;
-   } );
+   auto * const found =
+      std::find_if( memory_->entries.begin(), end, [ & ]( Memory::Entry const & entry ) {
+         return entry.kind == kind && entry.what() == what;
+      } );
    if ( found == end && memory_->used == kMost ) {
       memory_->counts.unnamed += one.sequences;
       return;
@@ -72,7 +69,7 @@ Findings SharedFindings::findings() const {
    Findings findings;
    findings.counts = memory_->counts;
    for ( std::size_t n = 0; n < memory_->used; ++n ) {
-      Entry const & entry = memory_->entries[ n ];
+      Memory::Entry const & entry = memory_->entries[ n ];
       findings.add( { entry.kind, std::string( entry.what() ) }, entry.found() );
    }
    return findings;

@@ -43,7 +43,7 @@ void handleSignals() {
    signal( SIGTERM, SIG_DFL );
 }
 
-[[noreturn]] void beWorker( std::size_t piece, Work const & work, Descriptor const & results,
+[[noreturn]] void beWorker( std::size_t piece, PieceWork const & work, Descriptor const & results,
                             pid_t parent ) noexcept {
    handleSignals();
    prctl( PR_SET_PDEATHSIG, SIGTERM );
@@ -64,7 +64,7 @@ std::string endOf( int status ) {
 
 class Worker {
  public:
-   Worker( std::size_t piece, Work const & work ) : piece_( piece ), begin_( Clock::now() ) {
+   Worker( std::size_t piece, PieceWork const & work ) : piece_( piece ), begin_( Clock::now() ) {
       Pipe pipe = pipeNew();
       // Both processes would write the buffered text.
       std::cout.flush();
@@ -155,7 +155,7 @@ class Workers {
    }
 
    std::size_t count() const { return all_.size(); }
-   void add( std::size_t piece, Work const & work ) { all_.emplace_back( piece, work ); }
+   void add( std::size_t piece, PieceWork const & work ) { all_.emplace_back( piece, work ); }
 
    // Waits until a worker says something or ends, or for the interval, and takes those that are
    // over out.

@@ -24,12 +24,12 @@ struct Worked {
 };
 
 // Does a piece of work, within a worker. It throws nothing.
-using Work = std::function< std::string( std::size_t piece ) >;
+using PieceWork = std::function< std::string( std::size_t piece ) >;
 
 struct Pieces {
    std::size_t count;
    std::size_t jobs;  // workers at a time; one at least
-   Work work;
+   PieceWork work;
    // Is told of each piece as soon as it is done, in this process.
    std::function< void( std::size_t piece, Worked const & worked ) > take;
    std::function< void() > progress = [] {};  // is told now and then

@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+[[noreturn]] void refuseToRead( fs::path const & file, std::string const & why ) {
    throw Story::InputError( file.string() + ": " + why +
                             "; name a file that 'vornal run --record' has written" );
 }
@@ -53,7 +53,8 @@ void FileReader::Free::operator()( ZSTD_DCtx_s * context ) const {
 FileReader::FileReader( fs::path file )
       : file_( std::move( file ) ), descriptor_( opened( file_ ) ), context_( ZSTD_createDCtx() ) {
    if ( !descriptor_.isOpen() ) {
-      refuse( file_, std::string( "the file cannot be read (" ) + std::strerror( errno ) + ")" );
+      refuseToRead( file_,
+                    std::string( "the file cannot be read (" ) + std::strerror( errno ) + ")" );
    }
    ZSTD_DCtx_setParameter( context_.get(), ZSTD_d_windowLogMax, kWindowLog );
    checkHeader();
@@ -61,7 +62,7 @@ FileReader::FileReader( fs::path file )
 
 void FileReader::checkHeader() {
    if ( !isAtLeast( kHeaderSize ) || !isHeader( buffer_ ) ) {
-      refuse( file_, "this is no record of a run" );
+      refuseToRead( file_, "this is no record of a run" );
    }
    if ( !buffer_.starts_with( headerNow() ) ) {
       throw Story::InputError( file_.string() +

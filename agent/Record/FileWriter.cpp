@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 // The fastest level that finds what repeats from one call to the next.
 constexpr int kLevel = 1;
 
-[[noreturn]] void refuse( fs::path const & file, std::string const & why ) {
+[[noreturn]] void refuseToWrite( fs::path const & file, std::string const & why ) {
    throw Quelm::Error( "--record: " + file.string() + " " + why +
                        "; name a new file, or the record of a run that is over" );
 }
@@ -58,7 +58,7 @@ void FileWriter::open() {
       isNew_ = descriptor_.isOpen();
    }
    if ( !descriptor_.isOpen() && errno == EISDIR ) {
-      refuse( file_, "is no regular file" );
+      refuseToWrite( file_, "is no regular file" );
    }
    if ( !descriptor_.isOpen() ) {
       fail();
@@ -69,13 +69,13 @@ void FileWriter::open() {
 void FileWriter::take() {
    struct stat about {};
    if ( fstat( descriptor_.fd(), &about ) != 0 || !S_ISREG( about.st_mode ) ) {
-      refuse( file_, "is no regular file" );
+      refuseToWrite( file_, "is no regular file" );
    }
    if ( flock( descriptor_.fd(), LOCK_EX | LOCK_NB ) != 0 ) {
-      refuse( file_, "is the record of a run that goes on" );
+      refuseToWrite( file_, "is the record of a run that goes on" );
    }
    if ( about.st_size != 0 && !isRecord( file_ ) ) {
-      refuse( file_, "holds something else" );
+      refuseToWrite( file_, "holds something else" );
    }
 }
 

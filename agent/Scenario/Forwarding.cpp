@@ -8,19 +8,16 @@ namespace {
 
 using Chip::Vlan;
 
-constexpr U32 kHighestVlan = 4094;
-constexpr U32 kHighestVni = 0xffffff;
-
 auto const addressIn = parsed< Pelk::IpGenAddr >;
 
 std::optional< Vlan > vlanOf( Reading & reading, Value const & value ) {
-   auto const vlan = numberOf( reading, value, 1, kHighestVlan );
+   auto const vlan = numberOf( reading, value, 1, Chip::kHighestVlan );
    return vlan ? std::optional( static_cast< Vlan >( *vlan ) ) : std::nullopt;
 }
 
 std::optional< Vlan > vlanIn( Reading & reading, std::string const & text, int line ) {
    auto const vlan = numberIn( text );
-   if ( vlan && *vlan >= 1 && *vlan <= kHighestVlan ) {
+   if ( vlan && *vlan >= 1 && *vlan <= Chip::kHighestVlan ) {
       return static_cast< Vlan >( *vlan );
    }
    reading.problem( line,
@@ -91,7 +88,7 @@ void readVlans( Reading & reading, Value const & value, Forwarding & forwarding 
    std::map< Chip::Vni, Vlan > vlanOfVni;
    for ( auto const & [ vlan, about ] : namedOf( reading, value, vlanIn, kNumbersOfVlans ) ) {
       std::string const name = "the VNI of VLAN " + std::to_string( vlan );
-      auto const vni = numberOf( reading, { about.node, about.line, name }, 1, kHighestVni );
+      auto const vni = numberOf( reading, { about.node, about.line, name }, 1, Chip::kHighestVni );
       forwarding.config.vlanToVni[ vlan ] = vni.value_or( 0 );
       if ( !vni ) {
          continue;
@@ -201,7 +198,7 @@ ForwardingWords tunnelWords() {
                                R"({"minItems": 1, "uniqueItems": true})" ) },
               readUnderlay },
             { { "vlans", "vlans: { 10: 10100 }",
-                Shape::mappingOf( Shape::of( "vlan-key" ), Shape::number( 1, kHighestVni ),
+                Shape::mappingOf( Shape::of( "vlan-key" ), Shape::number( 1, Chip::kHighestVni ),
                                   "The VNI of each VLAN." ) },
               readVlans } };
 }

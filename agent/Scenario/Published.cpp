@@ -2,6 +2,7 @@
 #include <array>
 
 #include <Frames/Headers.h>
+#include <Pipeline/Forwarding.h>
 #include <Scenario/Interfaces.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
@@ -78,7 +79,7 @@ Table< VtepWords > const & vtepTable() {
             Shape::number( 0, ~U32{ 0 },
                            "The virtual port that the chip uses for the VTEP; its low 16 bits are "
                            "the VP index." ) },
-          readNumber< VtepWords, &VtepWords::virtualPort, 0, ~U32{ 0 } > } }
+          readNumber< VtepWords, &VtepWords::virtualPort > } }
    };
    return table;
 }
@@ -127,13 +128,11 @@ struct Mappings {
    Changes & changes;
 };
 
-constexpr U32 kHighestVni = Vxlan::VniExtOrNone::kNone - 1;
-
 std::optional< Vxlan::VniExtOrNone > vniOf( Reading & reading, Value const & value ) {
    if ( value.node.IsScalar() && value.node.Scalar() == "none" ) {
       return Vxlan::VniExtOrNone();
    }
-   auto const vni = numberOf( reading, value, 0, kHighestVni, ", or none" );
+   auto const vni = numberOf( reading, value, 0, Chip::kHighestVni, ", or none" );
    return vni ? std::optional( Vxlan::VniExtOrNone( *vni ) ) : std::nullopt;
 }
 
@@ -150,8 +149,8 @@ Table< Mappings > const & tunnelTable() {
       { "tunnel-interface", "A VXLAN tunnel interface." },
       { { { "vrf-vni", "",
             Shape::mappingOf( Shape::json( R"({"minLength": 1})" ),
-                              Shape::anyOf(
-                                 { Shape::number( 0, kHighestVni ), Shape::constant( "none" ) } ),
+                              Shape::anyOf( { Shape::number( 0, Chip::kHighestVni ),
+                                              Shape::constant( "none" ) } ),
                               "The VNI of each VRF that is routed over the interface." ) },
           readVrfVni } }
    };

@@ -194,7 +194,7 @@ void readText( Reading & reading, Value const & value, T & target ) {
    target.*member = stringOf( reading, value ).value_or( "" );
 }
 
-template< typename T, std::optional< U32 > T::*member, U32 lowest, U32 highest >
+template< typename T, std::optional< U32 > T::*member, U32 lowest = 0, U32 highest = ~U32{ 0 } >
 void readNumber( Reading & reading, Value const & value, T & target ) {
    target.*member = numberOf( reading, value, lowest, highest );
 }

@@ -3,16 +3,15 @@
 #include <algorithm>
 
 #include <Story/InputError.h>
+#include <Text/Words.h>
 
 namespace Shell {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\n";
+using Text::isIn;
 
-bool isIn( char one, std::string_view characters ) {
-   return characters.find( one ) != std::string_view::npos;
-}
+constexpr std::string_view kBlanks = " \t\n";
 
 // A quote within a word is an apostrophe.
 bool beginsSomething( std::string_view text, std::size_t at ) {

@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
+#include <Text/Words.h>
+
 namespace Shell {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
+using Text::isIn;
 
-bool isIn( char one, std::string_view characters ) {
-   return characters.find( one ) != std::string_view::npos;
-}
+constexpr std::string_view kBlanksInLine = " \t";
 
 class Reading {
  public:
@@ -35,7 +35,7 @@ class Reading {
       if ( one == '\n' ) {
          isLineNew_ = true;
          ++at_;
-      } else if ( isIn( one, kBlanks ) ) {
+      } else if ( isIn( one, kBlanksInLine ) ) {
          ++at_;
       } else if ( one == '#' && ( at_ == 0 || isIn( text_[ at_ - 1 ], " \t\n" ) ) ) {
          at_ = std::min( text_.find( '\n', at_ ), text_.size() );
@@ -95,7 +95,7 @@ class Reading {
          ++end;
       }
       bool const isAtEnd = end == text_.size();
-      while ( !isAtEnd && end > at_ && isIn( text_[ end - 1 ], kBlanks ) ) {
+      while ( !isAtEnd && end > at_ && isIn( text_[ end - 1 ], kBlanksInLine ) ) {
          --end;
       }
       return end;

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <Pipeline/Forwarding.h>
 #include <Scenario/Parts.h>
 #include <Scenario/Shape.h>
 #include <Steps/Context.h>
@@ -18,7 +19,6 @@ namespace Shape = Scenario::Shape;
 using Scenario::Choices;
 using Scenario::Table;
 
-constexpr U32 kHighestVni = 0xffffff;
 constexpr U32 kHighestPort = 0xffff;
 constexpr U32 kLargestPayload = 9000;
 
@@ -45,7 +45,7 @@ void readFrom( Reading & reading, Value const & value, Frame & frame ) {
 }
 
 void readVni( Reading & reading, Value const & value, Frame & frame ) {
-   outerOf( frame ).vni = numberOf( reading, value, 0, kHighestVni ).value_or( 0 );
+   outerOf( frame ).vni = numberOf( reading, value, 0, Chip::kHighestVni ).value_or( 0 );
 }
 
 template< Chip::MacAddress Chip::FrameFields::*mac >
@@ -60,8 +60,7 @@ void readIp( Reading & reading, Value const & value, Frame & frame ) {
 }
 
 void readVlan( Reading & reading, Value const & value, Frame & frame ) {
-   constexpr U32 kHighestVlan = 4094;
-   if ( auto const vlan = numberOf( reading, value, 1, kHighestVlan ) ) {
+   if ( auto const vlan = numberOf( reading, value, 1, Chip::kHighestVlan ) ) {
       frame.fields.vlan = static_cast< U16 >( *vlan );
    }
 }
@@ -149,7 +148,7 @@ Table< Frame > const & frameTable() {
           readOn },
         { { "from", "", Shape::of( "vtep-address", "The remote VTEP that sends it, in VXLAN." ) },
           readFrom },
-        { { "vni", "", Shape::number( 0, kHighestVni, "The VNI of a frame from a VTEP." ) },
+        { { "vni", "", Shape::number( 0, Chip::kHighestVni, "The VNI of a frame from a VTEP." ) },
           readVni },
         { { "vlan", "",
             Shape::of( "vlan-number", "The VLAN of an 802.1Q tag; untagged if left out." ) },

@@ -1,4 +1,4 @@
-// Words in messages: lists of them, and guesses at the word that a person meant.
+// Words in messages: lists of them, guesses at the word that a person meant, and where words end.
 #pragma once
 
 #include <string>
@@ -16,5 +16,10 @@ std::string listed( std::vector< std::string_view > const & words,
 
 // "known are a, b and c".
 std::string knownOnes( std::vector< std::string_view > const & words );
+
+// Whether it is one of these.
+inline bool isIn( char one, std::string_view characters ) {
+   return characters.find( one ) != std::string_view::npos;
+}
 
 }  // namespace Text

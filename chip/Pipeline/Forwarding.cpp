@@ -11,9 +11,6 @@ namespace {
 using Pelk::IntfId;
 using Pelk::IpGenAddr;
 
-constexpr Vlan kHighestVlan = 4094;
-constexpr Vni kHighestVni = 0xffffff;
-
 [[noreturn]] void refuse( std::string const & place, std::string const & reason ) {
    throw Quelm::Error( "forwarding: " + place + ": " + reason );
 }

@@ -33,8 +33,10 @@
 
 namespace Chip {
 
-using Vlan = U16;  // 1 to 4094
-using Vni = U32;   // 1 to 0xffffff
+using Vlan = U16;  // from 1
+using Vni = U32;   // from 1
+inline constexpr Vlan kHighestVlan = 4094;
+inline constexpr Vni kHighestVni = 0xffffff;
 
 // The VLANs of an access interface, and how they look on the wire (IEEE 802.1Q).
 struct AccessVlans {
