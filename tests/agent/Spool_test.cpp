@@ -57,7 +57,7 @@ TEST( Spool, StandsInTheFolderOfTemporaryFilesWithoutAName ) {
    Spool other;
    EXPECT_EQ( refusalOf( other, "a text" ),
               "the frames of the document find no room: TMPDIR, or else /tmp, is no folder that "
-              "takes them (Not a directory); name another in TMPDIR" );
+              "takes them (No such file or directory); name another in TMPDIR" );
    EXPECT_EQ( textOf( spool ), "a text" );
 }
 

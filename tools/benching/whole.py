@@ -1,5 +1,6 @@
 """The program `vornal` as a whole: CPU time and memory of its process and of those it starts."""
 
+import itertools
 import os
 import pathlib
 import struct
@@ -57,8 +58,9 @@ def with_steps(root, count):
     )
 
 
-def enlarged(capture, frames):
-    """The capture's frames again and again, as a file of pcap."""
+def enlarge(capture, frames, file):
+    """The capture's frames again and again, as a file of pcap. It is written frame by frame: what
+    this process holds would count as memory of those that it starts."""
     header, rest = capture[:24], capture[24:]
     order = "<" if header[:4] in (b"\xd4\xc3\xb2\xa1", b"\x4d\x3c\xb2\xa1") else ">"
     records = []
@@ -66,8 +68,10 @@ def enlarged(capture, frames):
         (length,) = struct.unpack(order + "I", rest[8:12])
         records.append(rest[: 16 + length])
         rest = rest[16 + length :]
-    times = frames // len(records)
-    return header + b"".join(records) * times + b"".join(records[: frames % len(records)])
+    with open(file, "wb") as out:
+        out.write(header)
+        for record in itertools.islice(itertools.cycle(records), frames):
+            out.write(record)
 
 
 def measured(root):
@@ -86,7 +90,7 @@ def measured(root):
             switch_of(root) + "  - frames: { capture: frames.pcap, on: Ethernet49 }\n"
         )
         for count in FRAMES:
-            (folder / "frames.pcap").write_bytes(enlarged(capture, count))
+            enlarge(capture, count, folder / "frames.pcap")
             for name, words in (("run", []), ("json", ["--json"])):
                 command = [program, "run", scenario, *words]
                 rows.append(row(f"{name}/frames/{count}", [run(command, folder)]))
