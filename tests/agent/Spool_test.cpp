@@ -59,6 +59,7 @@ TEST( Spool, StandsInTheFolderOfTemporaryFilesWithoutAName ) {
               "the frames of the document find no room: TMPDIR, or else /tmp, is no folder that "
               "takes them (No such file or directory); name another in TMPDIR" );
    EXPECT_EQ( textOf( spool ), "a text" );
+   unsetenv( "TMPDIR" );
 }
 
 TEST( Spool, SaysThatItsFileIsFull ) {
