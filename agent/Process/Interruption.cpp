@@ -7,15 +7,15 @@ namespace Process {
 namespace {
 
 volatile sig_atomic_t lastSignal = 0;
-std::array< struct sigaction, Interruption::kSignals.size() > before{};
+std::array< struct sigaction, Interruption::kSignals.size() > actionsBefore{};
 
 // Uses only calls that a signal handler may make.
 void takeNote( int signal ) {
    lastSignal = signal;
    EndWatch::noteSignal( signal );
-   for ( std::size_t n = 0; n < before.size(); ++n ) {
+   for ( std::size_t n = 0; n < actionsBefore.size(); ++n ) {
       if ( Interruption::kSignals.at( n ) == signal ) {
-         sigaction( signal, &before.at( n ), nullptr );
+         sigaction( signal, &actionsBefore.at( n ), nullptr );
       }
    }
 }
@@ -27,8 +27,8 @@ Interruption::Interruption() {
    struct sigaction noted {};
    noted.sa_handler = &takeNote;
    for ( std::size_t n = 0; n < kSignals.size(); ++n ) {
-      sigaction( kSignals.at( n ), nullptr, &before.at( n ) );
-      if ( before.at( n ).sa_handler != SIG_IGN ) {
+      sigaction( kSignals.at( n ), nullptr, &actionsBefore.at( n ) );
+      if ( actionsBefore.at( n ).sa_handler != SIG_IGN ) {
          sigaction( kSignals.at( n ), &noted, nullptr );
       }
    }
@@ -36,7 +36,7 @@ Interruption::Interruption() {
 
 Interruption::~Interruption() {
    for ( std::size_t n = 0; n < kSignals.size(); ++n ) {
-      sigaction( kSignals.at( n ), &before.at( n ), nullptr );
+      sigaction( kSignals.at( n ), &actionsBefore.at( n ), nullptr );
    }
 }
 
