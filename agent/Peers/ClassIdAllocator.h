@@ -19,7 +19,7 @@
 // A paused allocator acts on nothing and keeps requests and their ends. Once it serves again, it
 // acts on them in their order, each in a turn of its own.
 //
-// Cost: an event is logarithmic in the number of requests, and of ids in use.
+// Cost: an event is, on average, logarithmic in the number of requests, and of ids in use.
 //
 // Threads: the activity's.
 #pragma once

@@ -12,8 +12,8 @@
 //   there is none. A qualifier that is staged already is replaced, as in a register;
 // - reading back a qualifier or an action that the hardware does not have: NotFound.
 //
-// Threads: staging is done by the thread that makes field calls, with the activity lock given up;
-// it touches nothing that a lookup reads.
+// Threads: staging is done by the thread that makes field calls, with the activity lock given up.
+// It changes nothing that a lookup reads: the first change after a write copies what both share.
 #pragma once
 
 #include <array>
@@ -75,7 +75,8 @@ class Entry {
    friend class Drift;  // changes the written copy as faulty hardware does (Drift/Drift.h)
 
    void write() { written_ = staged_; }
-   // The content, for a change of this copy alone.
+   // The content, for a change of this copy alone. Only copies of entries of one group share it,
+   // and one thread at a time changes those (Group.h); so the number of owners is no guess.
    static EntryContent & own( std::shared_ptr< EntryContent > & copy );
    template< typename Part, typename Value > ResultCode readPart( Part part, Value & value ) const;
 

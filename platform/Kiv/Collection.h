@@ -12,14 +12,14 @@
 //
 // The storage knows nothing of entities and notifies nobody; Kiv/Store.h does that.
 //
-// A look-up remembers where it came to. The next one looks there first, and at the place behind:
-// code that asks whether a key is there, reads it and writes it searches once, and so does code
-// that goes through keys in their order, be they present or new.
+// A look-up remembers the member that it came to. The next one looks there first, then at the
+// member behind and at the gap in front: code that asks whether a key is there, reads it and writes
+// it searches once, and so does code that goes through keys in their order, be they present or new.
 //
-// Cost: that of std::map, or two comparisons where the last look-up was for this key or the one
-// before it; a walk adds one comparison a member, insertion and removal one test while no walk is
-// under way. What comes and goes during walks is noted beside the members, until the last walk
-// ends. Threads: none of its own, for look-ups as well (Activity.h).
+// Cost: that of std::map, or two or three comparisons where the last look-up came to this key, its
+// gap or the key before it; a walk adds one comparison a member, insertion and removal one test
+// while no walk is under way. What comes and goes during walks is noted beside the members, until
+// the last walk ends. Threads: none of its own, for look-ups as well (Activity.h).
 #pragma once
 
 #include <forward_list>
