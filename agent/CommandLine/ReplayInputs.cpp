@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -11,6 +10,7 @@
 #include <Process/Descriptor.h>
 #include <Scenario/File.h>
 #include <Story/InputError.h>
+#include <Story/TemporaryFolder.h>
 
 namespace CommandLine {
 
@@ -20,13 +20,9 @@ namespace fs = std::filesystem;
 
 // Its owner alone can read it.
 fs::path folderNew() {
-   std::error_code error;
-   std::string name = fs::temp_directory_path( error ) / "vornal-replay-XXXXXX";
-   if ( error || !mkdtemp( name.data() ) ) {
-      throw Story::InputError(
-         "the files of the record find no room: TMPDIR, or else /tmp, is no "
-         "folder that takes files (" +
-         ( error ? error.message() : std::strerror( errno ) ) + ")" );
+   std::string name = Story::temporaryFolder() / "vornal-replay-XXXXXX";
+   if ( !mkdtemp( name.data() ) ) {
+      Story::refuseTemporaryFolder( "the files of the record", errno );
    }
    return name;
 }

@@ -55,13 +55,13 @@ Story::ExitCode runForPeople( ScenarioRun const & what, std::vector< Story::Obse
 Story::ExitCode runForPrograms( ScenarioRun const & what,
                                 std::vector< Story::Observer * > observers,
                                 std::optional< U32 > step, std::ostream & out ) {
-   Story::JsonWriter writer;
+   Story::JsonWriter writer( step );
    OutputEcho echo;
    observers.insert( observers.end(), { &writer, &echo } );
    Story::Outcome outcome;
    runScenario( what, std::move( observers ), outcome );
    tellBadInput( outcome );
-   step ? writer.writeStep( *step, out ) : writer.write( out );
+   writer.write( out );
    tellInterruption( outcome );
    return outcome.exitCode();
 }

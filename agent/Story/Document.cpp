@@ -47,8 +47,9 @@ Json emptyCounters() {
 
 }  // namespace
 
-Document::Document( std::size_t mostEntries )
+Document::Document( std::size_t mostEntries, Frames frames )
       : mostEntries_( mostEntries ),
+        keepsFrames_( frames == Frames::Kept ),
         json_{
            { "scenario", nullptr },     { "file", nullptr },        { "variant", nullptr },
            { "end", nullptr },          { "assertion", nullptr },   { "step", nullptr },
@@ -64,7 +65,9 @@ void Document::stepNew( StepBegins const & step ) {
 
 void Document::frameNew( Json const & frame ) {
    constexpr int kDepth = 2;  // in the list of the document
-   frames_.add( ( frames_.isEmpty() ? "\n" : ",\n" ) + elementText( frame, kDepth ) );
+   if ( keepsFrames_ ) {
+      frames_.add( ( frames_.isEmpty() ? "\n" : ",\n" ) + elementText( frame, kDepth ) );
+   }
 }
 
 Json Document::withStep( Json const & object ) {

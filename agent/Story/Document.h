@@ -12,7 +12,9 @@ using Json = nlohmann::ordered_json;
 
 class Document {
  public:
-   explicit Document( std::size_t mostEntries );
+   enum class Frames { Kept, Counted };
+
+   Document( std::size_t mostEntries, Frames frames );
 
    Json const & json() const { return json_; }
 
@@ -23,7 +25,8 @@ class Document {
    bool hasStep() const { return !json_[ "steps" ].empty(); }
    // The step under way is the last one.
    Json & step() { return json_[ "steps" ].back(); }
-   // Frames are many, so the list of them is kept on disk, as text. It is empty in json().
+   // Frames are many, so the list of them is kept on disk, as text, or not at all. It is empty in
+   // json(). Throws InputError when the disk does not take it.
    void frameNew( Json const & frame );
    Spool const & frames() const { return frames_; }
 
@@ -36,6 +39,7 @@ class Document {
 
  private:
    std::size_t mostEntries_;
+   bool keepsFrames_;
    Json json_;
    Spool frames_;
 };

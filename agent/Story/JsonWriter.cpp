@@ -4,7 +4,9 @@
 
 namespace Story {
 
-JsonWriter::JsonWriter( std::size_t mostEntries ) : document_( mostEntries ) {}
+JsonWriter::JsonWriter( std::optional< U32 > step, std::size_t mostEntries )
+      : step_( step ),
+        document_( mostEntries, step ? Document::Frames::Counted : Document::Frames::Kept ) {}
 
 void JsonWriter::onEvent( Event const & event ) {
    outcome_.onEvent( event );
@@ -12,6 +14,10 @@ void JsonWriter::onEvent( Event const & event ) {
 }
 
 void JsonWriter::write( std::ostream & out ) const {
+   step_ ? writeStep( *step_, out ) : writeWhole( out );
+}
+
+void JsonWriter::writeWhole( std::ostream & out ) const {
    Json document = document_.json();
    document[ "end" ] = outcome_.endName();
    document[ "counters" ][ "framesDropped" ] = totals_.drops;
@@ -26,6 +32,7 @@ void JsonWriter::writeWithFrames( std::string_view text, std::ostream & out ) co
    // In front of a name at this margin stand the names of the document, and no others.
    constexpr std::string_view kFrames = "\n   \"frames\": [";
    std::size_t const place = text.find( kFrames ) + kFrames.size();
+   document_.frames().flush();
    out << text.substr( 0, place );
    document_.frames().writeTo( out );
    out << ( document_.frames().isEmpty() ? "" : "\n   " ) << text.substr( place ) << std::flush;

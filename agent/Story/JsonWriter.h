@@ -16,11 +16,16 @@
 //    log           with the step of each line
 //    counters
 //
+// A run can have very many frames. They wait on disk (Spool.h) until the document is written; all
+// the rest is held in memory. When the disk has no room for them, onEvent() or write() throws
+// InputError, and nothing of the document is written. Of a step alone, no frame waits.
+//
 // docs/program.md describes every name. Names are stable: new ones may be added, none disappears
 // and none changes its meaning. Numbers are numbers, an absent value is null, an empty list is
 // present.
 #pragma once
 
+#include <optional>
 #include <ostream>
 
 #include <Story/Document.h>
@@ -36,15 +41,14 @@ class JsonWriter final : public Observer {
    // of each and counts the rest, so an endless turn cannot fill the memory.
    static constexpr std::size_t kMostEntries = 100'000;
 
-   explicit JsonWriter( std::size_t mostEntries = kMostEntries );
+   // With a `step`, the document is the object of that step alone, as it stands in the whole one;
+   // null when it has not begun.
+   explicit JsonWriter( std::optional< U32 > step = {}, std::size_t mostEntries = kMostEntries );
 
    void onEvent( Event const & event ) override;
 
    // Writes the present document.
    void write( std::ostream & out ) const;
-   // Writes the object of that step alone, as it stands in the document; null when it has not
-   // begun.
-   void writeStep( U32 number, std::ostream & out ) const;
 
  private:
    void take( StepEnds const & ) { ruleChanges(); }
@@ -61,11 +65,14 @@ class JsonWriter final : public Observer {
       }
    }
 
+   void writeWhole( std::ostream & out ) const;
+   void writeStep( U32 number, std::ostream & out ) const;
    // The document's text, with the frames in their list.
    void writeWithFrames( std::string_view text, std::ostream & out ) const;
    void ruleChanges();
    void endsEarly();
 
+   std::optional< U32 > step_;
    Document document_;
    Outcome outcome_;
    RuleTable rules_;

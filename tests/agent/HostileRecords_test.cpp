@@ -1,11 +1,10 @@
 // Records that somebody has made: small files that unpack to more than a machine has, paths that
 // lead out of the folder of a replay; and what a record of a stranger's scenario takes along.
-#include <cstdlib>
-
 #include <gtest/gtest.h>
 
 #include <Record/File.h>
 #include <Record/Items.h>
+#include <Restored.h>
 #include <Support.h>
 #include <Switches.h>
 
@@ -13,10 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Support::Ran;
-
-bool has( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
 
 std::string bytesOf( std::vector< Record::Item > const & items ) {
    std::string bytes;
@@ -28,11 +23,7 @@ std::string bytesOf( std::vector< Record::Item > const & items ) {
 
 class HostileRecords : public testing::Test {
  protected:
-   HostileRecords() {
-      fs::create_directory( temporary );
-      setenv( "TMPDIR", temporary.c_str(), 1 );
-   }
-   ~HostileRecords() override { unsetenv( "TMPDIR" ); }
+   HostileRecords() { fs::create_directory( temporary ); }
 
    // A record with these blocks behind the setup.
    std::string recordOf( std::vector< std::string > const & blocks ) const {
@@ -57,12 +48,13 @@ class HostileRecords : public testing::Test {
       }
       Ran const ran = Support::vornal( words );
       EXPECT_EQ( ran.exitCode, 2 );
-      EXPECT_TRUE( has( ran.err, record + ": " + why ) ) << ran.err;
+      EXPECT_TRUE( Support::contains( ran.err, record + ": " + why ) ) << ran.err;
       EXPECT_TRUE( fs::is_empty( temporary ) );
    }
 
    Support::Directory directory;
    fs::path temporary = directory.path() / "temporary";
+   Restored::Variable place{ "TMPDIR", temporary };
 };
 
 constexpr char const * kTooMuch = "its files take more room than the record of a run needs";
@@ -153,7 +145,7 @@ TEST_F( RecordOfAStranger, TakesNoFileThatIsNoCapture ) {
                       "   vlans: { 10: 10100 }\n" +
                          Switches::leaf( ready +
                                          "   - frames: { capture: secret, on: Ethernet2 }\n" ) );
-   EXPECT_FALSE( has( itemsOf( scenario ), "hunter2" ) );
+   EXPECT_FALSE( Support::contains( itemsOf( scenario ), "hunter2" ) );
    Ran const replayed = Support::vornal( { "replay", directory.path() / "run.record", "--plugin",
                                            Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( replayed.exitCode, 0 ) << replayed.out << replayed.err;
@@ -165,15 +157,16 @@ TEST_F( RecordOfAStranger, TakesFeatureFilesAndNoOtherFileOfTheirFolder ) {
    directory.file( "secret", R"({ "key": "hunter3" })" );
    fs::create_symlink( "secret", directory.path() / "VornalL3.json" );
    std::string const items = itemsOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) );
-   EXPECT_TRUE( has( items, "SampleToggle" ) );
-   EXPECT_FALSE( has( items, "hunter" ) );
+   EXPECT_TRUE( Support::contains( items, "SampleToggle" ) );
+   EXPECT_FALSE( Support::contains( items, "hunter" ) );
 }
 
 // The run tells of it, and so does the replay.
 TEST_F( RecordOfAStranger, TakesADamagedFeatureFileThatThePlugInAsksFor ) {
    directory.file( "VornalL3.json", R"({ "damaged )" );
    EXPECT_TRUE(
-      has( itemsOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) ), R"({ "damaged )" ) );
+      Support::contains( itemsOf( directory.file( "leaf.yaml", Switches::leaf( ready ) ) ),
+                         R"({ "damaged )" ) );
 }
 
 }  // namespace

@@ -4,13 +4,23 @@
 
 #include <gtest/gtest.h>
 
+#include <OneOfEach.h>
+#include <Restored.h>
 #include <Stories.h>
+#include <Story/InputError.h>
 #include <Story/JsonForms.h>
+#include <Support.h>
 
 namespace {
 
 using namespace Stories;
 using Json = nlohmann::ordered_json;
+
+std::string textOf( Story::JsonWriter const & writer ) {
+   std::ostringstream out;
+   writer.write( out );
+   return out.str();
+}
 
 // The document of a run that these events make up.
 Json documentOf( std::initializer_list< std::vector< Story::Event > > parts ) {
@@ -18,9 +28,7 @@ Json documentOf( std::initializer_list< std::vector< Story::Event > > parts ) {
    for ( auto const & events : parts ) {
       tell( writer, events );
    }
-   std::ostringstream out;
-   writer.write( out );
-   return Json::parse( out.str() );
+   return Json::parse( textOf( writer ) );
 }
 
 std::vector< std::string > namesIn( Json const & object ) {
@@ -285,7 +293,7 @@ TEST( JsonWriter, TellsWarningsWithTheirStepAndEndsAsItWouldWithout ) {
 
 TEST( JsonWriter, CountsWhatAStepWithoutEndHasTooManyOf ) {
    constexpr std::size_t kMost = 2;
-   Story::JsonWriter writer( kMost );
+   Story::JsonWriter writer( std::nullopt, kMost );
    writer.onEvent( Story::StepBegins{ Story::StepKind::Scenario, 1, "the step", "" } );
    writer.onEvent( Story::Logged{ "NAME", "the only line" } );
    for ( U32 entry = 1; entry <= 5; ++entry ) {
@@ -303,6 +311,60 @@ TEST( JsonWriter, CountsWhatAStepWithoutEndHasTooManyOf ) {
    EXPECT_EQ( step[ "log" ].size(), 1U );
    EXPECT_EQ( step[ "leftOut" ], ( Json{ { "hardwareCalls", 3 }, { "traces", 3 } } ) );
    EXPECT_EQ( document[ "counters" ][ "hardwareCalls" ], 5 );
+}
+
+// --- Frames, which wait on disk
+
+std::vector< Story::Event > threeFrames() {
+   return { step( 1 ), Story::FrameForwarded{ 7, OneOfEach::someFrame() },
+            Story::FrameForwarded{ 8, OneOfEach::someFrame() },
+            Story::FrameForwarded{ 9, OneOfEach::someFrame() }, Story::StepEnds{ 1 } };
+}
+
+TEST( JsonWriter, WritesFramesAsIfTheyHadBeenInMemoryEachTime ) {
+   Story::JsonWriter writer;
+   tell( writer, threeFrames() );
+   Json withFrames = documentOf( { threeFrames() } );
+   ASSERT_EQ( withFrames[ "frames" ].size(), 3U );
+   EXPECT_EQ( withFrames[ "frames" ][ 2 ][ "number" ], 9 );
+   EXPECT_EQ( withFrames[ "frames" ][ 2 ][ "step" ], 1 );
+
+   withFrames.erase( "formatVersion" );
+   EXPECT_EQ( textOf( writer ), Story::documentText( withFrames ) );
+   EXPECT_EQ( textOf( writer ), Story::documentText( withFrames ) );
+}
+
+TEST( JsonWriter, WritesNothingWhenTheDiskDoesNotTakeTheFrames ) {
+   Restored::RoomInFiles const noRoom( 0 );
+   Story::JsonWriter writer;
+   tell( writer, threeFrames() );
+   std::ostringstream out;
+
+   EXPECT_THROW( writer.write( out ), Story::InputError );
+   EXPECT_EQ( out.str(), "" );
+}
+
+TEST( JsonWriter, OfAStepAloneNeedsNoDisk ) {
+   Restored::Variable const noFolder( "TMPDIR", "/nowhere" );
+   Story::JsonWriter alone( 1 );
+   tell( alone, threeFrames() );
+   Story::JsonWriter later( 2 );
+   tell( later, threeFrames() );
+
+   EXPECT_EQ( Json::parse( textOf( alone ) )[ "frames" ], Json::array( { 7, 8, 9 } ) );
+   EXPECT_EQ( textOf( later ), "null\n" );
+}
+
+TEST( JsonWriter, IsSilentInTheProgramWhenThereIsNoTemporaryFolder ) {
+   auto const ran =
+      Support::vornal( { "run", VORNAL_SOURCE_DIR "/scenarios/two-leaves/scenario.yaml", "--json" },
+                       { "TMPDIR=/nowhere" } );
+
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.out, "" );
+   EXPECT_EQ( ran.err,
+              "the frames of the document find no room in /nowhere (No such file or "
+              "directory); name another folder in TMPDIR\n" );
 }
 
 TEST( JsonWriter, SaysInWhichStepTheRunWasInterrupted ) {

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <Restored.h>
 #include <Shipped.h>
 #include <Support.h>
 #include <Switches.h>
@@ -44,16 +45,12 @@ std::string const kReady = "   - ready: subagents::l2Ready\n";
 std::string const kThreeSegments =
    "   - publish: { segments: { Ethernet2: [ 10.0.0.2 ], Ethernet3: [ 10.0.0.2 ] } }\n";
 
-bool has( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 TEST_F( Replay, OfTheSamePlugInIsTheSame ) {
    ASSERT_EQ( keep( kReady ), 0 );
    auto const ran = replay();
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "THE SAME: " ) ) << ran.out;
    EXPECT_EQ( ran.err, "" );
 }
 
@@ -69,14 +66,17 @@ TEST_F( Replay, OfAPlugInWithAWrongRuleNamesTheCallTheStepAndTheCause ) {
    auto const ran = replay( "segment-rules-wrong" );
 
    EXPECT_EQ( ran.exitCode, 1 );
-   EXPECT_TRUE( has( ran.out, "DIFFERENT in step 1: " ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "leaf.yaml:" + std::to_string( Switches::kFirstStepLine ) ) )
+   EXPECT_TRUE( Support::contains( ran.out, "DIFFERENT in step 1: " ) ) << ran.out;
+   EXPECT_TRUE(
+      Support::contains( ran.out, "leaf.yaml:" + std::to_string( Switches::kFirstStepLine ) ) )
       << ran.out;
-   EXPECT_TRUE( has( ran.out, "   came       addEgressMaskAction: unit 0, entry 1, group 157" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "   came       addEgressMaskAction: unit 0, entry 1, group 157" ) )
       << ran.out;
-   EXPECT_TRUE( has( ran.out, "ports [4]" ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "ports [3]" ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "   published  writes /" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "ports [4]" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "ports [3]" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "   published  writes /" ) ) << ran.out;
 }
 
 TEST_F( Replay, TellsProgramsADifferenceAsJson ) {
@@ -115,7 +115,7 @@ TEST_F( Replay, OfAStopIsTheSameWhenThePlugInStopsThereAgain ) {
    auto const ran = replay();
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "THE SAME: " ) ) << ran.out;
 }
 
 TEST_F( Replay, TakesTheWordsOfTheCommandIntoAccount ) {
@@ -136,9 +136,9 @@ TEST_F( Replay, OfACutRecordGoesUpToItsEnd ) {
    auto const ran = replay();
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( has( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "   cut        after " ) ) << ran.out;
-   EXPECT_TRUE( has( ran.out, "the file ends in a block" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "   cut        after " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "the file ends in a block" ) ) << ran.out;
 }
 
 TEST_F( Replay, RefusesWhatIsNoRecordOrEndsBeforeItsEvents ) {
@@ -147,12 +147,12 @@ TEST_F( Replay, RefusesWhatIsNoRecordOrEndsBeforeItsEvents ) {
    directory.file( "run.record", bytes.substr( 0, 40 ) );
    auto const cut = replay();
    EXPECT_EQ( cut.exitCode, 2 );
-   EXPECT_TRUE( has( cut.err, "the record ends before the run begins" ) ) << cut.err;
+   EXPECT_TRUE( Support::contains( cut.err, "the record ends before the run begins" ) ) << cut.err;
 
    directory.file( "run.record", "scenario: leaf\n" );
    auto const other = replay();
    EXPECT_EQ( other.exitCode, 2 );
-   EXPECT_TRUE( has( other.err, "this is no record of a run" ) ) << other.err;
+   EXPECT_TRUE( Support::contains( other.err, "this is no record of a run" ) ) << other.err;
 }
 
 TEST_F( Replay, RefusesAPlugInThatCannotBeLoaded ) {
@@ -160,16 +160,17 @@ TEST_F( Replay, RefusesAPlugInThatCannotBeLoaded ) {
    auto const ran = Support::vornal( { "replay", record(), "--plugin", record() } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE( has( ran.err, record() ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, record() ) ) << ran.err;
 }
 
 TEST_F( Replay, NamesThePlugInsWhenTheyHaveOtherFiles ) {
    ASSERT_EQ( keep( kReady ), 0 );
    auto const ran = replay( "segment-rules-wrong" );
-   EXPECT_TRUE( has( ran.out, "   plug-in    " +
-                                 Support::testPlugin( "segment-rules-wrong" ).string() +
-                                 "; the record was made with " +
-                                 Support::testPlugin( "segment-rules" ).string() + "\n" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out, "   plug-in    " +
+                                     Support::testPlugin( "segment-rules-wrong" ).string() +
+                                     "; the record was made with " +
+                                     Support::testPlugin( "segment-rules" ).string() + "\n" ) )
       << ran.out;
 }
 
@@ -187,31 +188,26 @@ TEST_F( Replay, FindsTheEarlierRunAfterARefusedOne ) {
    auto const same = Support::vornal( { "run", directory.path() / "leaf.yaml", "--record", record(),
                                         "--report", directory.path() / "." / "run.record" } );
    EXPECT_EQ( same.exitCode, 2 );
-   EXPECT_TRUE( has( same.err, "--record and --report both name " ) ) << same.err;
+   EXPECT_TRUE( Support::contains( same.err, "--record and --report both name " ) ) << same.err;
    EXPECT_EQ( Support::contentOf( record() ), before );
 }
 
 TEST_F( Replay, SaysWhenThereIsNoTemporaryFolder ) {
    ASSERT_EQ( keep( kReady ), 0 );
-   std::string const err = directory.path() / "err";
-   std::string const command =
-      "TMPDIR=/nowhere '" VORNAL_BINARY_DIR "/vornal' replay '" + record() + "' 2> '" + err + "'";
-   EXPECT_EQ( WEXITSTATUS( std::system( command.c_str() ) ), 2 );
-   EXPECT_EQ( Support::contentOf( err ),
-              "the files of the record find no room: TMPDIR, or else /tmp, is no folder that takes "
-              "files (No such file or directory)\n" );
+   auto const ran =
+      Support::vornal( with( "segment-rules", { "replay", record() } ), { "TMPDIR=/nowhere" } );
+   EXPECT_EQ( ran.exitCode, 2 );
+   EXPECT_EQ( ran.err,
+              "the files of the record find no room in /nowhere (No such file or directory); name "
+              "another folder in TMPDIR\n" );
 }
 
 TEST_F( Replay, LeavesNoFolderBehind ) {
    ASSERT_EQ( keep( kReady ), 0 );
    Support::Directory const temporary;
-   setenv( "TMPDIR", temporary.path().c_str(), 1 );
-   int const exitCode = replay( "segment-rules-wrong" ).exitCode;
-   bool const isEmpty = fs::is_empty( temporary.path() );
-   unsetenv( "TMPDIR" );
-
-   EXPECT_EQ( exitCode, 1 );
-   EXPECT_TRUE( isEmpty );
+   Restored::Variable const place( "TMPDIR", temporary.path() );
+   EXPECT_EQ( replay( "segment-rules-wrong" ).exitCode, 1 );
+   EXPECT_TRUE( fs::is_empty( temporary.path() ) );
 }
 
 // A limit on the size of files stands for a full disk.
@@ -227,7 +223,7 @@ TEST_F( Replay, OfARecordThatFoundNoRoomGoesUpToItsEnd ) {
 
    auto const ran = replay();
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( has( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "THE SAME up to the end of the record: " ) ) << ran.out;
 }
 
 // --- What ships
@@ -242,7 +238,7 @@ TEST_P( ShippedReplay, IsTheSame ) {
    auto const ran = Support::vornal( { "replay", record } );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-   EXPECT_TRUE( has( ran.out, "THE SAME: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "THE SAME: " ) ) << ran.out;
 }
 
 INSTANTIATE_TEST_SUITE_P( All, ShippedReplay, testing::ValuesIn( Shipped::scenarios() ),

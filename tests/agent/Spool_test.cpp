@@ -1,15 +1,14 @@
 #include <Story/Spool.h>
 
-#include <csignal>
-#include <cstdlib>
+#include <functional>
 #include <sstream>
 #include <string>
 
-#include <Story/InputError.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include "Support.h"
+#include <Restored.h>
+#include <Story/InputError.h>
+#include <Support.h>
 
 namespace {
 
@@ -21,13 +20,17 @@ std::string textOf( Spool const & spool ) {
    return out.str();
 }
 
-std::string refusalOf( Spool & spool, std::string const & text ) {
+std::string refusalIn( std::function< void() > const & work ) {
    try {
-      spool.add( text );
+      work();
    } catch ( Story::InputError const & error ) {
       return error.what();
    }
    return "";
+}
+
+std::string refusalOf( Spool & spool, std::string const & text ) {
+   return refusalIn( [ & ] { spool.add( text ); } );
 }
 
 TEST( Spool, GivesAllTextsBackInTheirOrderAndTakesMore ) {
@@ -48,28 +51,34 @@ TEST( Spool, GivesAllTextsBackInTheirOrderAndTakesMore ) {
 
 TEST( Spool, StandsInTheFolderOfTemporaryFilesWithoutAName ) {
    Support::Directory const folder;
-   setenv( "TMPDIR", folder.path().c_str(), 1 );
+   Restored::Variable const temporary( "TMPDIR", folder.path() );
    Spool spool;
    spool.add( "a text" );
    EXPECT_TRUE( std::filesystem::is_empty( folder.path() ) );
 
-   setenv( "TMPDIR", "/nowhere", 1 );
+   temporary.is( "/nowhere" );
    Spool other;
-   EXPECT_EQ( refusalOf( other, "a text" ),
-              "the frames of the document find no room: TMPDIR, or else /tmp, is no folder that "
-              "takes them (No such file or directory); name another in TMPDIR" );
+   EXPECT_EQ(
+      refusalOf( other, "a text" ),
+      "the frames of the document find no room in /nowhere (No such file or directory); name "
+      "another folder in TMPDIR" );
    EXPECT_EQ( textOf( spool ), "a text" );
-   unsetenv( "TMPDIR" );
 }
 
 TEST( Spool, SaysThatItsFileIsFull ) {
-   signal( SIGXFSZ, SIG_IGN );
-   rlimit const room{ .rlim_cur = 10'000, .rlim_max = RLIM_INFINITY };
-   setrlimit( RLIMIT_FSIZE, &room );
-   Spool spool;
-   EXPECT_EQ( refusalOf( spool, std::string( 100'000, 'x' ) ),
-              "the frames of the document find no room: TMPDIR, or else /tmp, is no folder that "
-              "takes them (File too large); name another in TMPDIR" );
+   Support::Directory const folder;
+   Restored::Variable const temporary( "TMPDIR", folder.path() );
+   Restored::RoomInFiles const room( 10'000 );
+   std::string const refusal = "the frames of the document find no room in " +
+                               folder.path().string() +
+                               " (File too large); name another folder in TMPDIR";
+   Spool large;
+   EXPECT_EQ( refusalOf( large, std::string( 100'000, 'x' ) ), refusal );
+
+   Restored::RoomInFiles const noRoom( 0 );
+   Spool small;
+   EXPECT_EQ( refusalOf( small, "it waits in memory" ), "" );
+   EXPECT_EQ( refusalIn( [ & ] { small.flush(); } ), refusal );
 }
 
 }  // namespace

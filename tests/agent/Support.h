@@ -66,6 +66,7 @@ class Directory {
 
 std::string contentOf( std::filesystem::path const & file );
 
+bool contains( std::string const & text, std::string const & part );
 // How often `part` stands in `text`.
 std::size_t timesIn( std::string const & text, std::string const & part );
 
@@ -76,8 +77,10 @@ struct Ran {
    std::string err;
 };
 
-// Runs `vornal` with these arguments and without a terminal.
-Ran vornal( std::vector< std::string > const & arguments );
+// Runs `vornal` with these arguments and without a terminal. Variables, such as "TMPDIR=/nowhere",
+// stand in front of those of this process.
+Ran vornal( std::vector< std::string > const & arguments,
+            std::vector< std::string > const & variables = {} );
 
 // The shared object of the plug-in that ships.
 std::filesystem::path plugin();

@@ -6,9 +6,9 @@
 #include <Capture/CaptureReader.h>
 #include <Capture/PortCaptures.h>
 #include <Quelm/Error.h>
+#include <Restored.h>
 
 #include <signal.h>
-#include <sys/resource.h>
 
 namespace CapturesTest {
 
@@ -202,9 +202,7 @@ TEST_F( Captures, TellsWhenTheDiskIsFull ) {
 
 // A limit on the size of files stands in for a disk that fills up.
 TEST_F( Captures, EndWithAWholeFrameWhenTheDiskFillsUp ) {
-   signal( SIGXFSZ, SIG_IGN );
-   rlimit const room{ 300, RLIM_INFINITY };
-   setrlimit( RLIMIT_FSIZE, &room );
+   Restored::RoomInFiles const room( 300 );
    Chip::CaptureWriter writer( file );
    std::string told;
    std::size_t taken = 0;
