@@ -54,16 +54,16 @@ class Allocator : public testing::Test {
    std::optional< ClassIdAllocator > allocator;
 };
 
-using Story = std::vector< std::string >;
+using Told = std::vector< std::string >;
 
 TEST_F( Allocator, GrantsTheLowestFreeIdInTheOrderOfTheRequests ) {
    start( { 3, 9, 0 } );
    inTurn( [ & ] {
       ask( 7 );
       ask( 2 );
-      EXPECT_EQ( story, Story() ) << "granted within the turn that asks";
+      EXPECT_EQ( story, Told() ) << "granted within the turn that asks";
    } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.7 gets 3", "10.0.0.2 gets 4" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.7 gets 3", "10.0.0.2 gets 4" } ) );
    inTurn( [ & ] { giveBack( 7 ); } );
    inTurn( [ & ] { ask( 5 ); } );
    EXPECT_EQ( grant( 5 ), 3 );
@@ -71,7 +71,7 @@ TEST_F( Allocator, GrantsTheLowestFreeIdInTheOrderOfTheRequests ) {
 
 TEST_F( Allocator, GrantsOneTurnLaterThanTheRequestAndTheDelayLaterStill ) {
    start( { 1, 9, 3 } );
-   Story turns;
+   Told turns;
    activity.turnNew( [ & ] { ask( 2 ); } );
    for ( int turn = 1; turn <= 7; ++turn ) {
       activity.turnNew( [] {} );
@@ -91,13 +91,13 @@ TEST_F( Allocator, CancelsARequestThatIsDeletedBeforeItWasGranted ) {
       ask( 2 );
       giveBack( 2 );
    } );
-   EXPECT_EQ( story, Story() );
+   EXPECT_EQ( story, Told() );
    inTurn( [ & ] {
       ask( 2 );
       giveBack( 2 );
       ask( 2 );
    } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 gets 1" } ) );
 }
 
 TEST_F( Allocator, TakesAGrantBackAlsoWhenItWasAskedForAgainAndGrantsItAnew ) {
@@ -107,7 +107,7 @@ TEST_F( Allocator, TakesAGrantBackAlsoWhenItWasAskedForAgainAndGrantsItAnew ) {
       giveBack( 2 );
       ask( 2 );
    } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1", "10.0.0.2 loses it", "10.0.0.2 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 gets 1", "10.0.0.2 loses it", "10.0.0.2 gets 1" } ) );
 }
 
 TEST_F( Allocator, IsSilentWhileNoIdIsFreeAndServesTheLongestWaitingFirst ) {
@@ -117,7 +117,7 @@ TEST_F( Allocator, IsSilentWhileNoIdIsFreeAndServesTheLongestWaitingFirst ) {
          ask( n );
       }
    } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1", "10.0.0.3 gets 2" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 gets 1", "10.0.0.3 gets 2" } ) );
    inTurn( [ & ] { giveBack( 3 ); } );
    EXPECT_EQ( grant( 9 ), 2 );
    inTurn( [ & ] { giveBack( 4 ); } );
@@ -140,9 +140,9 @@ TEST_F( Allocator, GrantsNothingWhileItIsPaused ) {
    start( {} );
    inTurn( [ & ] { allocator->pausedIs( true ); } );
    inTurn( [ & ] { ask( 2 ); } );
-   EXPECT_EQ( story, Story() );
+   EXPECT_EQ( story, Told() );
    inTurn( [ & ] { allocator->pausedIs( false ); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 gets 1" } ) );
 }
 
 TEST_F( Allocator, CountsIdsThatAreGivenByHandAsTaken ) {
@@ -155,6 +155,34 @@ TEST_F( Allocator, CountsIdsThatAreGivenByHandAsTaken ) {
    EXPECT_EQ( grant( 4 ), 2 ) << "an id that was replaced is free";
    inTurn( [ & ] { giveBack( 3 ); } );
    EXPECT_EQ( grant( 3 ), 0 ) << "an id outside the range can be given back";
+}
+
+TEST_F( Allocator, PassesIdsByThatWereGivenByHandAboveThoseInUse ) {
+   start( { 1, 5, 0 } );
+   inTurn( [ & ] {
+      allocator->grantIs( vtep( 12 ), ClassId( 2 ) );
+      allocator->grantIs( vtep( 13 ), ClassId( 3 ) );
+   } );
+   inTurn( [ & ] {
+      ask( 2 );
+      ask( 3 );
+   } );
+   EXPECT_EQ( grant( 2 ), 1 );
+   EXPECT_EQ( grant( 3 ), 4 );
+}
+
+TEST_F( Allocator, GrantsTheLowestIdAlsoWhenAHigherOneCameAndWentByHand ) {
+   start( { 1, 5, 0 } );
+   inTurn( [ & ] { allocator->grantIs( vtep( 12 ), ClassId( 4 ) ); } );
+   inTurn( [ & ] { allocator->grantDel( vtep( 12 ) ); } );
+   inTurn( [ & ] {
+      for ( U32 const n : { 2U, 3U, 4U, 5U } ) {
+         ask( n );
+      }
+   } );
+   EXPECT_EQ( grant( 2 ), 1 );
+   EXPECT_EQ( grant( 4 ), 3 );
+   EXPECT_EQ( grant( 5 ), 4 ) << "each id once";
 }
 
 TEST_F( Allocator, GrantsAnewAfterAWithdrawalByHandOnlyWhenItIsAskedAgain ) {
@@ -187,17 +215,17 @@ class WithoutAFreeId : public Allocator {
 
 TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsWithdrawnByHand ) {
    inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
 }
 
 TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsReplacedByHand ) {
    inTurn( [ & ] { allocator->grantIs( vtep( 2 ), ClassId( 7 ) ); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 gets 7", "10.0.0.3 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 gets 7", "10.0.0.3 gets 1" } ) );
 }
 
 TEST_F( WithoutAFreeId, TheLongestWaitingIsServedWhenAGrantIsDeletedPastTheAllocator ) {
    inTurn( [ & ] { status->remoteESPeerVtepDelAll(); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it", "10.0.0.3 gets 1" } ) );
    inTurn( [ & ] { status->remoteESPeerVtepIs( vtep( 3 ), ClassId( 9 ) ); } );
    EXPECT_EQ( grant( 4 ), 1 );
 }
@@ -213,14 +241,14 @@ TEST_F( WithoutAFreeId, AnIdThatIsTakenPastTheAllocatorIsNotFree ) {
 TEST_F( WithoutAFreeId, AGrantByHandIsNotWaitedForAnyMore ) {
    inTurn( [ & ] { allocator->grantIs( vtep( 3 ), ClassId( 7 ) ); } );
    inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.3 gets 7", "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.3 gets 7", "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
 }
 
 TEST_F( WithoutAFreeId, TheGrantStandsBehindTheTurnsThatAreQueuedWhenTheIdComesFree ) {
    activity.turnNew( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
    activity.turnNew( [ & ] { story.emplace_back( "another turn" ); } );
    activity.run();
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "another turn", "10.0.0.3 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it", "another turn", "10.0.0.3 gets 1" } ) );
 }
 
 struct WithoutAFreeIdAndSlow : WithoutAFreeId {
@@ -232,7 +260,7 @@ TEST_F( WithoutAFreeIdAndSlow, ARequestThatIsGivenUpIsNotServedBeforeItsEndIsAct
       giveBack( 3 );
       allocator->grantDel( vtep( 2 ) );
    } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it", "10.0.0.4 gets 1" } ) );
 }
 
 // --- Paused
@@ -253,9 +281,9 @@ class Paused : public Allocator {
 
 TEST_F( Paused, TakesNoGrantBackBeforeItServesAgain ) {
    inTurn( [ & ] { giveBack( 2 ); } );
-   EXPECT_EQ( story, Story() );
+   EXPECT_EQ( story, Told() );
    resume();
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it" } ) );
 }
 
 TEST_F( Paused, ActsOnWhatHasHappenedInItsOrderOnceItServesAgain ) {
@@ -265,16 +293,16 @@ TEST_F( Paused, ActsOnWhatHasHappenedInItsOrderOnceItServesAgain ) {
    inTurn( [ & ] { ask( 2 ); } );
    inTurn( [ & ] { giveBack( 3 ); } );
    inTurn( [ & ] { ask( 5 ); } );
-   EXPECT_EQ( story, Story() );
+   EXPECT_EQ( story, Told() );
    resume();
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it", "10.0.0.4 gets 1", "10.0.0.2 gets 2" } ) )
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it", "10.0.0.4 gets 1", "10.0.0.2 gets 2" } ) )
       << "VTEP 3 has given up, VTEP 5 has come last";
 }
 
 TEST_F( Paused, ServesNobodyWhenAnIdComesFreeByHand ) {
    inTurn( [ & ] { ask( 3 ); } );
    inTurn( [ & ] { allocator->grantDel( vtep( 2 ) ); } );
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it" } ) );
    resume();
    EXPECT_EQ( grant( 3 ), 1 );
 }
@@ -285,16 +313,16 @@ TEST_F( Paused, HoldsBackAgainWhatItHasNotActedOnWhenItPausesAgain ) {
       allocator->pausedIs( false );
       allocator->pausedIs( true );
    } );
-   EXPECT_EQ( story, Story() );
+   EXPECT_EQ( story, Told() );
    resume();
-   EXPECT_EQ( story, ( Story{ "10.0.0.2 loses it" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.2 loses it" } ) );
 }
 
 TEST_F( Paused, AsksForNothingTwiceWhenItIsToldToServeTwice ) {
    inTurn( [ & ] { ask( 3 ); } );
    resume();
    resume();
-   EXPECT_EQ( story, ( Story{ "10.0.0.3 gets 2" } ) );
+   EXPECT_EQ( story, ( Told{ "10.0.0.3 gets 2" } ) );
 }
 
 }  // namespace

@@ -79,6 +79,23 @@ TEST_F( ChipDrift, ACopyStandsBelowItsOriginalUntilThatGoes ) {
    EXPECT_EQ( winner( 2 ), copy );
 }
 
+TEST_F( ChipDrift, ACopyAndItsOriginalDriftApartAndAReinstallKnowsNothingOfIt ) {
+   U32 const copy = drift.copy( 1 );
+   drift.dataFlips( copy, Qualifier::SrcVxlanGport, 8 );
+   EXPECT_EQ( winner( 2 ), 1U );
+   EXPECT_EQ( winner( 10 ), copy );
+   drift.dataFlips( 1, Qualifier::SrcVxlanGport, 16 );
+   EXPECT_EQ( winner( 18 ), 1U );
+   EXPECT_EQ( winner( 10 ), copy );
+
+   ingress->reinstallEntry( 0, 1 );
+   ingress->reinstallEntry( 0, copy );
+   EXPECT_EQ( winner( 10 ), 0U );
+   EXPECT_EQ( winner( 18 ), 0U );
+   drift.destroy( 1 );
+   EXPECT_EQ( winner( 2 ), copy ) << "the staged content of the copy did not drift";
+}
+
 TEST_F( ChipDrift, IsRefusedWhereThereIsNothingToChange ) {
    EXPECT_EQ( drift.dataFlips( 9, Qualifier::SrcVxlanGport ), ResultCode::UnknownEntry );
    EXPECT_EQ( drift.dataFlips( 1, Qualifier::PacketRes ), ResultCode::NotFound );

@@ -44,4 +44,16 @@ TEST_P( UnitNumbers, HaveNoExemptionWhenTheyAreTooLarge ) {
    EXPECT_FALSE( sm->l3UcastRuleInstalledHas( kUnitPlus16Bits ) );
 }
 
+TEST_P( UnitNumbers, HaveTheirRecordsUpToTheLargest ) {
+   constexpr U32 kLargest = 0xffff;
+   sm->tepIpToEntryIs( U16{ kLargest } );
+   sm->l2UcastRuleInstalledIs( U16{ kLargest }, 7 );
+   sm->l3UcastRuleInstalledIs( U16{ kLargest }, 8 );
+
+   EXPECT_TRUE( sm->tepIpToEntry( kLargest ) );
+   EXPECT_TRUE( std::as_const( *sm ).tepIpToEntry( kLargest ) );
+   EXPECT_TRUE( sm->l2UcastRuleInstalledHas( kLargest ) );
+   EXPECT_TRUE( sm->l3UcastRuleInstalledHas( kLargest ) );
+}
+
 }  // namespace
