@@ -10,9 +10,8 @@
 //    PHASE.plugin   ms with the machine, publishing included
 //    PHASE.replay   ms of the calls alone
 //    PHASE.ratio    plugin / replay, with its quartiles
-//    PHASE.own      ( plugin - state ) / replay, with its quartiles: what other agents publish is
-//    no
-//                   work of the plug-in
+//    PHASE.own      ( plugin - state ) / replay, with its quartiles: without what other agents
+//                   publish
 //
 //    bytes.plugin   what the plug-in holds after bring-up: neither published state nor chip
 //    bytes.chip     what the chip holds then

@@ -1,5 +1,7 @@
 // Frames in scenarios: what they need, what is told of them, what leaves.
 #include <gtest/gtest.h>
+
+#include <Support.h>
 #include <nlohmann/json.hpp>
 
 #include <AgentRun.h>
@@ -199,10 +201,6 @@ TEST_F( Frames, AreNeverExpectedAtAMemberOfAPortChannel ) {
 
 // --- The program
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 class FramesOfProgram : public testing::Test {
  protected:
    std::filesystem::path scenario( std::string const & steps ) {
@@ -290,9 +288,9 @@ TEST_F( FramesOfProgram, DoNotReplaceACaptureThatTheScenarioPlays ) {
    auto const refused = ran( "  - frames: { capture: out/unit0-port1.pcap, on: Ethernet3 }\n" );
 
    EXPECT_EQ( refused.exitCode, 2 );
-   EXPECT_TRUE( contains( refused.err,
-                          "unit0-port1.pcap is played by the scenario, in line 18; "
-                          "name another folder\n" ) )
+   EXPECT_TRUE( Support::contains( refused.err,
+                                   "unit0-port1.pcap is played by the scenario, in line 18; "
+                                   "name another folder\n" ) )
       << refused.err;
    EXPECT_EQ( framesIn( "unit0-port1.pcap" ), 1U );
 }

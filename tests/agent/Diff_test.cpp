@@ -18,10 +18,6 @@ Support::Ran diff( std::vector< std::string > words ) {
    return Support::vornal( words );
 }
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // The differences of that kind, by item.
 Json ofKind( Json const & differences, std::string const & kind ) {
    Json found = Json::object();
@@ -61,8 +57,8 @@ TEST( Diff, NamesTheRulesThatAStepBrought ) {
 TEST( Diff, ReadsBackwardsAsWell ) {
    auto const ran = diff( { scenario( "two-leaves" ), "--against", "8" } );
    EXPECT_EQ( ran.exitCode, 1 );
-   EXPECT_TRUE(
-      contains( ran.out, "      - " + kRuleOfLeaf2 + ": EgressMask ports 3, 4; priority 1\n" ) )
+   EXPECT_TRUE( Support::contains( ran.out, "      - " + kRuleOfLeaf2 +
+                                               ": EgressMask ports 3, 4; priority 1\n" ) )
       << ran.out;
 }
 
@@ -80,8 +76,8 @@ TEST( Diff, ComparesTwoScenarios ) {
 }
 
 TEST( Diff, NeedsTwoSwitches ) {
-   EXPECT_TRUE( contains( diff( { scenario( "two-leaves" ) } ).err,
-                          "OTHER: give a second scenario, or --after and --against" ) );
+   EXPECT_TRUE( Support::contains( diff( { scenario( "two-leaves" ) } ).err,
+                                   "OTHER: give a second scenario, or --after and --against" ) );
    auto const ran = diff( { scenario( "two-leaves" ), "--against", "99" } );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.err, "--against 99: " + scenario( "two-leaves" ) + " ends with step 22\n" );
@@ -98,17 +94,18 @@ TEST( Diff, ShowsTheNamedPartsAlone ) {
                       "published", "--only", "rules" } )
                  .out,
               "no differences\n" );
-   EXPECT_TRUE(
-      contains( diff( { scenario( "two-leaves" ), "--after", "1", "--only", "rule" } ).err,
-                "--only: 'rule' is no part of a state; give published, rules or records" ) );
+   EXPECT_TRUE( Support::contains(
+      diff( { scenario( "two-leaves" ), "--after", "1", "--only", "rule" } ).err,
+      "--only: 'rule' is no part of a state; give published, rules or records" ) );
 }
 
 TEST( Diff, TellsTheCommonBeginningOfItemsOnce ) {
    auto const ran = diff( { scenario( "two-leaves" ), "--after", "8", "--against", "9" } );
    EXPECT_TRUE(
-      contains( ran.out, "   records of the plug-in, below /plugins/Vornal::VornalEvpnMounter/" ) )
+      Support::contains( ran.out,
+                         "   records of the plug-in, below /plugins/Vornal::VornalEvpnMounter/" ) )
       << ran.out;
-   EXPECT_FALSE( contains( ran.out, "+ /plugins/" ) ) << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "+ /plugins/" ) ) << ran.out;
 }
 
 // --- What if

@@ -15,10 +15,6 @@ namespace {
 using Scenario::Yaml;
 using Scenario::yamlIn;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // --- The items of a state
 
 Story::Table state( std::vector< std::pair< std::string, std::string > > const & items ) {
@@ -122,22 +118,24 @@ std::string shipped( std::string const & name ) {
 TEST( Dump, IsShortAndReadable ) {
    auto const ran = Support::vornal( { "dump", shipped( "limits/port-swap" ), "--after", "9" } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out,
-                          "scenario: port-swap-dump\n\n"
-                          "switch:\n"
-                          "  name: leaf1\n"
-                          "  variant: egress-mask\n"
-                          "  units:\n"
-                          "    0: {module: 1}\n"
-                          "  interfaces:\n"
-                          "    Ethernet1: {unit: 0, port: 2}\n" ) )
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "scenario: port-swap-dump\n\n"
+                                   "switch:\n"
+                                   "  name: leaf1\n"
+                                   "  variant: egress-mask\n"
+                                   "  units:\n"
+                                   "    0: {module: 1}\n"
+                                   "  interfaces:\n"
+                                   "    Ethernet1: {unit: 0, port: 2}\n" ) )
       << ran.out;
    // A fresh start would put both ports into the mask.
-   EXPECT_TRUE( contains( ran.out,
-                          "# The way there matters, so one step is kept. A fresh start would "
-                          "differ:\n#    ~ unit 0, ingress group 157" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "# The way there matters, so one step is kept. A fresh start would "
+                         "differ:\n#    ~ unit 0, ingress group 157" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "\n# Its chip has learned no addresses.\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "\n# Its chip has learned no addresses.\n" ) )
+      << ran.out;
    EXPECT_TRUE(
       ran.out.ends_with( "steps:\n"
                          "  - ready: subagents::l2Ready\n"
@@ -164,8 +162,8 @@ TEST( Dump, NamesItsFeatureFilesFromItsFolder ) {
    auto const ran = Support::vornal( { "dump", shipped( "toggle-off" ), "--output", dump } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    std::string const text = Support::contentOf( dump );
-   EXPECT_TRUE( contains( text, "# It needs the feature files in ../" ) ) << text;
-   EXPECT_TRUE( contains( text, "/scenarios/toggle-off/features" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "# It needs the feature files in ../" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "/scenarios/toggle-off/features" ) ) << text;
 }
 
 TEST( Dump, TakesNoOtherFilesForFeatureFiles ) {
@@ -175,9 +173,9 @@ TEST( Dump, TakesNoOtherFilesForFeatureFiles ) {
    directory.file( "results.json", "{ \"failed\": 0 }" );
    auto const words = std::vector< std::string >{ "dump", scenario, "--plugin",
                                                   Support::testPlugin( "segment-rules" ) };
-   EXPECT_FALSE( contains( Support::vornal( words ).out, "features" ) );
+   EXPECT_FALSE( Support::contains( Support::vornal( words ).out, "features" ) );
    directory.file( "Sample.json", "{ \"SampleToggle\": true }" );
-   EXPECT_TRUE( contains( Support::vornal( words ).out, "features: " ) );
+   EXPECT_TRUE( Support::contains( Support::vornal( words ).out, "features: " ) );
 }
 
 TEST( Dump, WritesNothingAfterAStop ) {
@@ -185,7 +183,7 @@ TEST( Dump, WritesNothingAfterAStop ) {
    std::string const dump = directory.path() / "dump.yaml";
    auto const ran = Support::vornal( { "dump", shipped( "limits/vni-swap" ), "-o", dump } );
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.err, "ask after an earlier step" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "ask after an earlier step" ) ) << ran.err;
    EXPECT_FALSE( std::filesystem::exists( dump ) );
 }
 
@@ -205,10 +203,10 @@ TEST( Dump, LeavesOutTheVlansOfMembers ) {
    auto const ran =
       Support::vornal( { "dump", shipped( "lag-members-class-id" ), "--after", "28" } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "# The switch of " + shipped( "lag-members-class-id" ) +
-                                      " after step 28" ) )
+   EXPECT_TRUE( Support::contains( ran.out, "# The switch of " + shipped( "lag-members-class-id" ) +
+                                               " after step 28" ) )
       << ran.out;
-   EXPECT_FALSE( contains( ran.out, "Ethernet4: 10" ) ) << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "Ethernet4: 10" ) ) << ran.out;
 }
 
 TEST( Dump, RefusesAStepThatTheScenarioDoesNotHave ) {
@@ -238,7 +236,8 @@ TEST( Dump, KeepsFewStepsOfALongStory ) {
    auto const ran = Support::vornal( { "dump", file } );
    std::size_t const kept = Support::timesIn( ran.out, "\n  - " );
    EXPECT_LE( kept, 6U ) << ran.out;
-   EXPECT_TRUE( contains( ran.out, "publish: {interfaces: {Ethernet2: {unit: 0, port: 1}}}" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out, "publish: {interfaces: {Ethernet2: {unit: 0, port: 1}}}" ) )
       << ran.out;
 }
 

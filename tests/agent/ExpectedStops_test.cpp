@@ -15,10 +15,6 @@ using namespace Stories;
 using Json = nlohmann::json;
 using Words = std::vector< std::string >;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // The plug-in's list has room for two segments, and the third one stops it.
 std::string const kReady = "   - ready: subagents::l2Ready\n";
 std::string const kSecond = "   - publish: { segments: { Ethernet2: [ 10.0.0.2 ] } }\n";
@@ -49,11 +45,11 @@ class ExpectedStop : public testing::Test {
 TEST_F( ExpectedStop, HoldsWhenTheStepStopsAsTold ) {
    auto const told = ran( stops );
    EXPECT_EQ( told.exitCode, 0 ) << told.out << told.err;
-   EXPECT_TRUE( contains( told.out,
-                          "STOPPED in step 4, as expected: the process of the plug-in "
-                          "ended with signal 6 (Aborted).\n" ) )
+   EXPECT_TRUE( Support::contains( told.out,
+                                   "STOPPED in step 4, as expected: the process of the plug-in "
+                                   "ended with signal 6 (Aborted).\n" ) )
       << told.out;
-   EXPECT_TRUE( contains( told.out, "\nPASSED: 1 expectation held; 2 rules in the chip" ) )
+   EXPECT_TRUE( Support::contains( told.out, "\nPASSED: 1 expectation held; 2 rules in the chip" ) )
       << told.out;
 }
 
@@ -68,20 +64,20 @@ TEST_F( ExpectedStop, StandsInTheDocumentOfTheStepThatStopped ) {
    EXPECT_EQ( document[ "counters" ][ "expectations" ], 1 );
    Json const expectation = document[ "steps" ][ 4 ][ "expectations" ][ 0 ];
    EXPECT_EQ( expectation[ "held" ], true );
-   EXPECT_TRUE( contains( expectation[ "place" ], "leaf.yaml:22" ) ) << expectation;
+   EXPECT_TRUE( Support::contains( expectation[ "place" ], "leaf.yaml:22" ) ) << expectation;
 }
 
 TEST_F( ExpectedStop, FailsWithWhatCameWhenTheStepStopsAtAnotherAssertion ) {
    auto const told = ran( kReady + kSecond + stopAt( "a == b", kFunction ) + kThird );
    EXPECT_EQ( told.exitCode, 1 );
-   EXPECT_TRUE(
-      contains( told.out,
-                "NOT as expected: the next step to stop the process at assertion a == b in " +
+   EXPECT_TRUE( Support::contains(
+      told.out, "NOT as expected: the next step to stop the process at assertion a == b in " +
                    kFunction + "; it stopped at assertion " + kAssertion + " in void " + kFunction +
                    "(const Pelk::IntfId" ) )
       << told.out;
-   EXPECT_TRUE( contains( told.out, "\nSTOPPED in step 4: " ) ) << told.out;
-   EXPECT_TRUE( contains( told.out, "\nFAILED: 1 of 1 expectation did not hold" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "\nSTOPPED in step 4: " ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "\nFAILED: 1 of 1 expectation did not hold" ) )
+      << told.out;
 }
 
 TEST_F( ExpectedStop, FailsWhenItIsInAnotherFunction ) {
@@ -102,14 +98,15 @@ TEST_F( ExpectedStop, FailsWhenAnExceptionIsExpectedAndAnAssertionStops ) {
 TEST_F( ExpectedStop, FailsWhenTheProcessGoesOn ) {
    auto const told = ran( kReady + expected + kSecond );
    EXPECT_EQ( told.exitCode, 1 );
-   EXPECT_TRUE( contains( told.out, "; it went on (" ) ) << told.out;
-   EXPECT_TRUE( contains( told.out, "\nFAILED: 1 of 1 expectation did not hold" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "; it went on (" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "\nFAILED: 1 of 1 expectation did not hold" ) )
+      << told.out;
 }
 
 TEST_F( ExpectedStop, IsNoExcuseForAStopOfAnEarlierStep ) {
    auto const told = ran( kReady + kSecond + kThird + expected + "   - note: more\n" );
    EXPECT_EQ( told.exitCode, 3 );
-   EXPECT_FALSE( contains( told.out, "as expected" ) ) << told.out;
+   EXPECT_FALSE( Support::contains( told.out, "as expected" ) ) << told.out;
 }
 
 TEST_F( ExpectedStop, DoesNotHideAnotherExpectationThatFailed ) {
@@ -123,7 +120,7 @@ TEST_F( ExpectedStop, DoesNotHideAnotherExpectationThatFailed ) {
 TEST_F( ExpectedStop, IsNotJudgedWhenTheStoryEndsBeforeTheNextStep ) {
    auto const told = ran( stops, { "--until", "3" } );
    EXPECT_EQ( told.exitCode, 0 );
-   EXPECT_TRUE( contains( told.out, "\nCOMPLETED; 2 rules in the chip at the end.\n" ) )
+   EXPECT_TRUE( Support::contains( told.out, "\nCOMPLETED; 2 rules in the chip at the end.\n" ) )
       << told.out;
 }
 
@@ -147,15 +144,16 @@ TEST_F( ExpectedStop, RefusesAStepOfTheCommandLineThatIsNeverReached ) {
 TEST_F( ExpectedStop, IsToldWithItsStepAlone ) {
    auto const told = ran( stops, { "--step", "4" } );
    EXPECT_EQ( told.exitCode, 0 );
-   EXPECT_TRUE( contains( told.out, "STOPPED in step 4, as expected" ) ) << told.out;
-   EXPECT_FALSE( contains( told.out, "step 2" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "STOPPED in step 4, as expected" ) ) << told.out;
+   EXPECT_FALSE( Support::contains( told.out, "step 2" ) ) << told.out;
 }
 
 TEST_F( ExpectedStop, LeavesNoSwitchToAsk ) {
    for ( Words const & question : { Words{ "rules" }, Words{ "entities" } } ) {
       auto const told = ran( stops, question, "show" );
       EXPECT_EQ( told.exitCode, 3 );
-      EXPECT_TRUE( contains( told.err, "no answer; ask after an earlier step.\n" ) ) << told.err;
+      EXPECT_TRUE( Support::contains( told.err, "no answer; ask after an earlier step.\n" ) )
+         << told.err;
       EXPECT_EQ( told.out, "" );
    }
    EXPECT_EQ( ran( stops, { "rules", "--after", "3" }, "show" ).exitCode, 0 );

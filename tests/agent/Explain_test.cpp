@@ -31,14 +31,10 @@ std::string explained( std::string const & name, std::vector< std::string > cons
    return ran.out;
 }
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 TEST( Explain, NamesTheRuleThatKeepsACopyBackAndTheStateBehindIt ) {
    std::string const text = explained( "two-leaves", { kFromLeaf2 } );
 
-   EXPECT_TRUE( contains(
+   EXPECT_TRUE( Support::contains(
       text,
       "      entry 3 matches, and wins: no other rule matches\n"
       "         does EgressMask ports 3, 4: the frame does not leave by these\n"
@@ -58,35 +54,38 @@ TEST( Explain, NamesTheRuleThatKeepsACopyBackAndTheStateBehindIt ) {
 TEST( Explain, NamesTheStepThatChangedARuleLast ) {
    std::string const text = explained( "limits/port-given-on", { kFromLeaf2, "--after", "7" } );
    EXPECT_TRUE(
-      contains( text, ", last changed in step 7 (publish Ethernet2 in Port-Channel2)\n" ) )
+      Support::contains( text, ", last changed in step 7 (publish Ethernet2 in Port-Channel2)\n" ) )
       << text;
 }
 
 TEST( Explain, SaysWhyTheWinnerStandsAboveTheNext ) {
-   EXPECT_TRUE( contains( explained( "vni-multicast", { "1" } ),
-                          "entry 5 matches, and wins: its priority 2 is above priority 1 of entry "
-                          "3\n" ) );
+   EXPECT_TRUE(
+      Support::contains( explained( "vni-multicast", { "1" } ),
+                         "entry 5 matches, and wins: its priority 2 is above priority 1 of entry "
+                         "3\n" ) );
    std::string const text =
       explained( "two-leaves", { "{ from: 10.0.0.2, vni: 10100, source: 00:00:5e:00:53:02, "
                                  "destination: 00:00:5e:00:53:12 }" } );
-   EXPECT_TRUE( contains( text,
-                          "entry 1 matches, and wins: the group's default priority is above "
-                          "priority 1 of entry 3\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text,
+                         "entry 1 matches, and wins: the group's default priority is above "
+                         "priority 1 of entry 3\n" ) )
       << text;
-   EXPECT_TRUE( contains( text, "entry 3 matches, and loses\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "entry 3 matches, and loses\n" ) ) << text;
 }
 
 TEST( Explain, NamesTheFrameAndTheStepThatTaughtAnAddress ) {
    for ( std::string const scenario : { "two-leaves", "two-leaves-class-id" } ) {
       std::string const source = explained( scenario, { "136" } );
       EXPECT_TRUE(
-         contains( source, "before this frame: VTEP 10.0.0.2, learned from frame 3 in step 7\n" ) )
+         Support::contains( source,
+                            "before this frame: VTEP 10.0.0.2, learned from frame 3 in step 7\n" ) )
          << source;
       std::string const destination = explained( scenario, { "355" } );
       EXPECT_TRUE(
-         contains( destination,
-                   "destination 00:00:5e:00:53:12 in VLAN 10: Port-Channel2, learned from "
-                   "frame 2 in step 4\n" ) )
+         Support::contains( destination,
+                            "destination 00:00:5e:00:53:12 in VLAN 10: Port-Channel2, learned from "
+                            "frame 2 in step 4\n" ) )
          << destination;
    }
 }
@@ -95,59 +94,65 @@ TEST( Explain, NamesTheQualifierThatANearMissFails ) {
    std::string const text = explained( "two-leaves", { kFromLeaf2 } );
 
    EXPECT_TRUE(
-      contains( text, "entry 1 misses: PacketRes is 1 (broadcast), not 4 (known unicast)\n" ) )
+      Support::contains( text,
+                         "entry 1 misses: PacketRes is 1 (broadcast), not 4 (known unicast)\n" ) )
       << text;
-   EXPECT_TRUE( contains( text,
-                          "entry 4 misses: SrcVxlanGport is 0x56000002 (VTEP 10.0.0.2), not "
-                          "0x56000066 (VTEP 2001:db8::2)\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text,
+                         "entry 4 misses: SrcVxlanGport is 0x56000002 (VTEP 10.0.0.2), not "
+                         "0x56000066 (VTEP 2001:db8::2)\n" ) )
       << text;
 }
 
 TEST( Explain, TellsOfTheNearestMissesAndCountsTheOthers ) {
    std::string const text =
       explained( "two-leaves-class-id", { kFromLeaf2, "--interface", "Ethernet1" } );
-   EXPECT_TRUE( contains( text,
-                          "entry 5 misses: DstPort is module 1 port 1 (Ethernet1), not module "
-                          "1 port 4 (Ethernet4)\n            2 other rules miss\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text,
+                         "entry 5 misses: DstPort is module 1 port 1 (Ethernet1), not module "
+                         "1 port 4 (Ethernet4)\n            2 other rules miss\n" ) )
       << text;
-   EXPECT_FALSE( contains( text, "entry 7 misses" ) ) << "it misses by two qualifiers";
+   EXPECT_FALSE( Support::contains( text, "entry 7 misses" ) ) << "it misses by two qualifiers";
 }
 
 TEST( Explain, FollowsAClassIdToTheEgressRuleThatDrops ) {
    std::string const text = explained( "two-leaves-class-id", { kFromLeaf2 } );
 
-   EXPECT_TRUE( contains( text, "the frame goes on with class id 1\n" ) ) << text;
-   EXPECT_TRUE( contains( text, "IngressClassField 1\n" ) ) << text;
-   EXPECT_TRUE( contains( text, "does Drop: the copy does not leave\n" ) ) << text;
-   EXPECT_TRUE( contains( text, ": kept back by an egress rule\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "the frame goes on with class id 1\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "IngressClassField 1\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "does Drop: the copy does not leave\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, ": kept back by an egress rule\n" ) ) << text;
 }
 
 TEST( Explain, SaysWhyACopyIsNotFiltered ) {
-   EXPECT_TRUE( contains( explained( "two-leaves", { kFromLeaf3 } ),
-                          "not filtered: the segment of Port-Channel2 is not shared with VTEP "
-                          "10.0.0.3\n" ) );
-   EXPECT_TRUE( contains( explained( "two-leaves", { kFromLeaf2 } ),
-                          "not filtered: Ethernet1 is on no Ethernet segment\n" ) );
-   EXPECT_TRUE( contains( explained( "two-leaves", { kFromLeaf2, "--after", "8" } ),
-                          "not filtered: the plug-in is not ready, so there are no rules yet\n" ) );
-   EXPECT_TRUE( contains(
+   EXPECT_TRUE(
+      Support::contains( explained( "two-leaves", { kFromLeaf3 } ),
+                         "not filtered: the segment of Port-Channel2 is not shared with VTEP "
+                         "10.0.0.3\n" ) );
+   EXPECT_TRUE( Support::contains( explained( "two-leaves", { kFromLeaf2 } ),
+                                   "not filtered: Ethernet1 is on no Ethernet segment\n" ) );
+   EXPECT_TRUE(
+      Support::contains( explained( "two-leaves", { kFromLeaf2, "--after", "8" } ),
+                         "not filtered: the plug-in is not ready, so there are no rules yet\n" ) );
+   EXPECT_TRUE( Support::contains(
       explained( "tcam-full",
                  { "{ from: 10.0.0.3, vni: 10100, source: 00:00:5e:00:53:03 }", "--after", "8" } ),
       "not filtered: VTEP 10.0.0.3 lacks a rule: group 157 has no room on unit 0\n" ) );
-   EXPECT_TRUE(
-      contains( explained( "class-ids-run-out", { "{ from: '2001:db8::4', vni: 10100, source: "
-                                                  "00:00:5e:00:53:04 }",
-                                                  "--after", "4" } ),
-                "lacks a rule: " ) );
+   EXPECT_TRUE( Support::contains( explained( "class-ids-run-out",
+                                              { "{ from: '2001:db8::4', vni: 10100, source: "
+                                                "00:00:5e:00:53:04 }",
+                                                "--after", "4" } ),
+                                   "lacks a rule: " ) );
 }
 
 TEST( Explain, SaysWhyAnInterfaceHasNoCopy ) {
    std::string const text = explained( "two-leaves", { kFromLeaf2 } );
 
-   EXPECT_TRUE( contains( text,
-                          "      Ethernet3 of Port-Channel2: the flow takes another member, "
-                          "Ethernet4\n"
-                          "      Ethernet49: a frame from a tunnel enters no other tunnel\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text,
+                         "      Ethernet3 of Port-Channel2: the flow takes another member, "
+                         "Ethernet4\n"
+                         "      Ethernet49: a frame from a tunnel enters no other tunnel\n" ) )
       << text;
 }
 
@@ -156,24 +161,25 @@ TEST( Explain, SaysWhyAFrameIsDropped ) {
       explained( "two-leaves", { "{ from: 10.0.0.2, vni: 3, source: 00:00:5e:00:53:02 }" } );
 
    std::string const why = "dropped as unknown-vni: no VLAN of this switch has that VNI\n";
-   EXPECT_TRUE( contains( text, "   decision: " + why ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "   decision: " + why ) ) << text;
    EXPECT_TRUE( text.ends_with( "   verdict: the frame from VTEP 10.0.0.2 is " + why ) ) << text;
 }
 
 TEST( Explain, SaysWhichVlanAnInterfaceDoesNotCarry ) {
    std::string const text =
       explained( "two-leaves", { "{ on: Ethernet1, vlan: 77, source: 00:00:5e:00:53:01 }" } );
-   EXPECT_TRUE( contains( text, "EtherType 0x88b5, VLAN tag 77\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "EtherType 0x88b5, VLAN tag 77\n" ) ) << text;
    EXPECT_TRUE(
-      contains( text,
-                "dropped as unknown-vlan: the interface that it came in on does not carry "
-                "its VLAN\n" ) )
+      Support::contains( text,
+                         "dropped as unknown-vlan: the interface that it came in on does not carry "
+                         "its VLAN\n" ) )
       << text;
 }
 
 TEST( Explain, SaysOfAnInterfaceWithoutAPortThatItHasNone ) {
    std::string const text = explained( "lag-members", { kFromLeaf2, "--after", "18" } );
-   EXPECT_TRUE( contains( text, "      Ethernet4: it has no port on a chip of this switch\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text, "      Ethernet4: it has no port on a chip of this switch\n" ) )
       << text;
 }
 
@@ -182,28 +188,32 @@ TEST( Explain, SaysThatAFrameArrivesTwiceAndWhy ) {
       explained( "tcam-full", { "2" } )
          .ends_with( "; it arrives twice at Ethernet3, where VTEP 10.0.0.3 delivers it as "
                      "well: VTEP 10.0.0.3 lacks a rule: group 157 has no room on unit 0\n" ) );
-   EXPECT_TRUE( contains( explained( "two-leaves", { "17" } ), "; it arrives twice at " ) );
-   EXPECT_FALSE( contains( explained( "two-leaves", { "136" } ), "twice" ) );
-   EXPECT_FALSE( contains( explained( "vni-multicast", { "1" } ), "twice" ) ) << "it is exempt";
+   EXPECT_TRUE(
+      Support::contains( explained( "two-leaves", { "17" } ), "; it arrives twice at " ) );
+   EXPECT_FALSE( Support::contains( explained( "two-leaves", { "136" } ), "twice" ) );
+   EXPECT_FALSE( Support::contains( explained( "vni-multicast", { "1" } ), "twice" ) )
+      << "it is exempt";
 }
 
 // --- One interface
 
 TEST( Explain, TellsOfOneInterfaceAlone ) {
    std::string const text = explained( "two-leaves", { kFromLeaf2, "--interface", "Ethernet3" } );
-   EXPECT_TRUE( contains( text, "Ethernet3 of Port-Channel2: the flow takes another member" ) )
+   EXPECT_TRUE(
+      Support::contains( text, "Ethernet3 of Port-Channel2: the flow takes another member" ) )
       << text;
-   EXPECT_FALSE( contains( text, "   copies\n" ) ) << text;
-   EXPECT_FALSE( contains( text, "   headers\n" ) ) << text;
-   EXPECT_TRUE( contains( text, "entry 3 matches" ) ) << text;
+   EXPECT_FALSE( Support::contains( text, "   copies\n" ) ) << text;
+   EXPECT_FALSE( Support::contains( text, "   headers\n" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "entry 3 matches" ) ) << text;
 
    std::string const member = explained( "two-leaves", { kFromLeaf2, "--interface", "Ethernet4" } );
-   EXPECT_TRUE( contains( member, "Port-Channel2 by Ethernet4 (unit 0 port 4): kept back" ) )
+   EXPECT_TRUE(
+      Support::contains( member, "Port-Channel2 by Ethernet4 (unit 0 port 4): kept back" ) )
       << member;
    std::string const both =
       explained( "two-leaves", { kFromLeaf2, "--interface", "Port-Channel2" } );
-   EXPECT_TRUE( contains( both, "Port-Channel2 by Ethernet4" ) ) << both;
-   EXPECT_TRUE( contains( both, "Ethernet3 of Port-Channel2" ) ) << both;
+   EXPECT_TRUE( Support::contains( both, "Port-Channel2 by Ethernet4" ) ) << both;
+   EXPECT_TRUE( Support::contains( both, "Ethernet3 of Port-Channel2" ) ) << both;
 }
 
 TEST( Explain, RefusesAnInterfaceThatTheSwitchDoesNotHave ) {
@@ -218,14 +228,15 @@ TEST( Explain, RefusesAnInterfaceThatTheSwitchDoesNotHave ) {
 TEST( Explain, DecodesTheHeaders ) {
    std::string const text = explained( "two-leaves", { kScenarios + "captures/fabric-v4.pcap:3" } );
 
-   EXPECT_TRUE( contains( text,
-                          "      outer IPv4: 10.0.0.4 to 10.0.0.1, UDP, TTL 64, port 43850 to "
-                          "4789\n"
-                          "      VXLAN: VNI 10100, flags 0x08\n"
-                          "      inner Ethernet: 00:00:5e:00:53:04 to 33:33:00:00:00:16, "
-                          "EtherType 0x86dd\n"
-                          "      inner IPv6: fe80::200:5eff:fe00:5304 to ff02::16, protocol 0, "
-                          "hop limit 1\n" ) )
+   EXPECT_TRUE(
+      Support::contains( text,
+                         "      outer IPv4: 10.0.0.4 to 10.0.0.1, UDP, TTL 64, port 43850 to "
+                         "4789\n"
+                         "      VXLAN: VNI 10100, flags 0x08\n"
+                         "      inner Ethernet: 00:00:5e:00:53:04 to 33:33:00:00:00:16, "
+                         "EtherType 0x86dd\n"
+                         "      inner IPv6: fe80::200:5eff:fe00:5304 to ff02::16, protocol 0, "
+                         "hop limit 1\n" ) )
       << text;
 }
 
@@ -234,10 +245,10 @@ TEST( Explain, TakesAFrameOfTheRunByTheStateWhenItIsSent ) {
    std::string const then = explained( "two-leaves", { "2" } );
    EXPECT_TRUE( then.starts_with( "frame 2: 60 bytes on Port-Channel2 (unit 0 port 3)\n" ) )
       << then;
-   EXPECT_TRUE( contains( then, "before this frame: not in the MAC table\n" ) ) << then;
+   EXPECT_TRUE( Support::contains( then, "before this frame: not in the MAC table\n" ) ) << then;
 
    std::string const later = explained( "two-leaves", { "2", "--after", "22" } );
-   EXPECT_FALSE( contains( later, "before this frame: not in the MAC table\n" ) ) << later;
+   EXPECT_FALSE( Support::contains( later, "before this frame: not in the MAC table\n" ) ) << later;
 }
 
 TEST( Explain, AgreesWithTheStoryOfTheRun ) {
@@ -268,7 +279,7 @@ TEST( Explain, TellsTheStopOfAnEarlierStep ) {
    auto const ran =
       explain( "limits/chip-field-call-fails", { kScenarios + "captures/fabric-v4.pcap:3" } );
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.err, "STOPPED in step" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "STOPPED in step" ) ) << ran.err;
 }
 
 // --- Wrong words
@@ -280,8 +291,9 @@ TEST( Explain, RefusesWhatIsNoFrame ) {
       "the words of the step 'frame': '{ from: 10.0.0.2, vni: 10100, source: "
       "00:00:5e:00:53:02 }'\n'vornal explain --help' lists the words that it takes\n" );
    EXPECT_EQ( explain( "two-leaves", { "0" } ).exitCode, 2 );
-   EXPECT_TRUE( contains( explain( "two-leaves", { "nothing.pcap:3" } ).err,
-                          "'nothing.pcap:3' names no capture; there is no file 'nothing.pcap'" ) );
+   EXPECT_TRUE(
+      Support::contains( explain( "two-leaves", { "nothing.pcap:3" } ).err,
+                         "'nothing.pcap:3' names no capture; there is no file 'nothing.pcap'" ) );
 }
 
 TEST( Explain, SaysHowManyFramesThereAre ) {
@@ -291,9 +303,9 @@ TEST( Explain, SaysHowManyFramesThereAre ) {
    EXPECT_TRUE(
       explain( "two-leaves", { "2", "--after", "0" } )
          .err.starts_with( "frame 2 is not sent: the scenario has sent 0 frames up to" ) );
-   EXPECT_TRUE(
-      contains( explain( "two-leaves", { kScenarios + "captures/fabric-v4.pcap:9999" } ).err,
-                "frames, and no frame 9999" ) );
+   EXPECT_TRUE( Support::contains(
+      explain( "two-leaves", { kScenarios + "captures/fabric-v4.pcap:9999" } ).err,
+      "frames, and no frame 9999" ) );
 }
 
 TEST( Explain, NamesThePlaceOfAMistakeInTheFrame ) {
@@ -308,11 +320,11 @@ TEST( Explain, TakesNoMoreThanAFrame ) {
 }
 
 TEST( Explain, TakesAnInterfaceForACaptureOnly ) {
-   EXPECT_TRUE( contains( explain( "two-leaves", { "2", "--on", "Ethernet1" } ).err,
-                          "--on: it is for a frame of a capture; leave it out" ) );
-   EXPECT_TRUE( contains( explained( "two-leaves", { kScenarios + "captures/fabric-v4.pcap:3",
-                                                     "--on", "Ethernet1" } ),
-                          "on Ethernet1 (unit 0 port 1)\n" ) );
+   EXPECT_TRUE( Support::contains( explain( "two-leaves", { "2", "--on", "Ethernet1" } ).err,
+                                   "--on: it is for a frame of a capture; leave it out" ) );
+   EXPECT_TRUE( Support::contains(
+      explained( "two-leaves", { kScenarios + "captures/fabric-v4.pcap:3", "--on", "Ethernet1" } ),
+      "on Ethernet1 (unit 0 port 1)\n" ) );
 }
 
 TEST( Explain, NeedsAScenarioThatForwards ) {

@@ -16,10 +16,6 @@ using Support::Ran;
 
 constexpr std::uintmax_t kHuge = std::uintmax_t{ 4 } << 30U;
 
-bool has( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 class HostileFiles : public testing::Test {
  protected:
    // A file that takes no room on the disk.
@@ -53,7 +49,7 @@ TEST_F( HostileFiles, AreNoScenariosOfAFolder ) {
    fs::create_symlink( "/dev/zero", directory.path() / "zero.yaml" );
    Ran const ran = Support::vornal( { "test", directory.path() } );
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_TRUE( has( ran.err, "there is no scenario" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "there is no scenario" ) ) << ran.err;
 }
 
 TEST_F( HostileFiles, AreNoCapture ) {
@@ -63,7 +59,8 @@ TEST_F( HostileFiles, AreNoCapture ) {
                                                       ", on: Ethernet2 }\n" ) );
       Ran const ran = Support::vornal( { "run", scenario } );
       EXPECT_EQ( ran.exitCode, 2 );
-      EXPECT_TRUE( has( ran.err, "capture is '" + file + "', which is no file" ) ) << ran.err;
+      EXPECT_TRUE( Support::contains( ran.err, "capture is '" + file + "', which is no file" ) )
+         << ran.err;
    }
 }
 
@@ -80,7 +77,8 @@ TEST_F( HostileFiles, AreNoResults ) {
    for ( std::string const & file : { std::string( "/dev/zero" ), pipe( "pipe" ) } ) {
       Ran const ran = Support::vornal( { "explore", "merge", exploration, file } );
       EXPECT_EQ( ran.exitCode, 2 );
-      EXPECT_TRUE( has( ran.err, file + ": this file of results cannot be read, is empty" ) )
+      EXPECT_TRUE(
+         Support::contains( ran.err, file + ": this file of results cannot be read, is empty" ) )
          << ran.err;
    }
 }
@@ -112,9 +110,10 @@ TEST_F( HostileFiles, AreNotQuotedWhenTheyAreNoScenarios ) {
                       "exploration: taking\nbased-on: leaf.yaml\nlength: 1\nevents-of: secrets\n" );
    Ran const check = Support::vornal( { "check", based } );
    EXPECT_EQ( check.exitCode, 2 );
-   EXPECT_TRUE( has( check.out, based +
-                                   ":2: based-on is 'secrets', which has no word 'scenario', so "
-                                   "it is none; name the file of a whole scenario" ) )
+   EXPECT_TRUE( Support::contains( check.out,
+                                   based +
+                                      ":2: based-on is 'secrets', which has no word 'scenario', so "
+                                      "it is none; name the file of a whole scenario" ) )
       << check.out;
    Ran const explore = Support::vornal( { "explore", taking } );
    EXPECT_EQ( explore.exitCode, 2 );
@@ -122,7 +121,7 @@ TEST_F( HostileFiles, AreNotQuotedWhenTheyAreNoScenarios ) {
                               ":4: events-of is 'secrets', which has no word 'exploration', so "
                               "it is none; name the file of an exploration\n" );
    for ( Ran const & ran : { check, explore } ) {
-      EXPECT_FALSE( has( ran.out + ran.err, "hunter" ) ) << ran.out << ran.err;
+      EXPECT_FALSE( Support::contains( ran.out + ran.err, "hunter" ) ) << ran.out << ran.err;
    }
 }
 
@@ -134,7 +133,7 @@ TEST_F( HostileFiles, EndAtTheThousandthOfTheirUnknownWords ) {
    }
    auto const ran = Support::vornal( { "check", directory.file( "many.yaml", text ) } );
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_TRUE( has( ran.out, "1000 mistakes" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "1000 mistakes" ) );
 }
 
 }  // namespace

@@ -21,10 +21,6 @@ namespace {
 
 std::string const ready = "   - ready: subagents::l2Ready\n";
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // --- The program
 
 class Outputs : public testing::Test {
@@ -129,7 +125,7 @@ TEST_F( Outputs, ARingThatHasNoRoomLeavesNoFileBehindThatWasNotThere ) {
    auto const ran = shell( "run leaf.yaml --ring ring >story" + plugin );
 
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_TRUE( contains( ran.err, "cannot write the trace ring ring: " ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "cannot write the trace ring ring: " ) ) << ran.err;
    EXPECT_FALSE( std::filesystem::exists( directory.path() / "ring" ) );
 
    EXPECT_EQ( shell( "run leaf.yaml --ring empty >story" + plugin ).exitCode, 2 );
@@ -159,7 +155,8 @@ TEST( OutputStream, NamesWhatCannotBeWrittenAsSoonAsItIsFlushed ) {
       out.flush();
       FAIL() << "a closed descriptor was written";
    } catch ( CommandLine::OutputError const & error ) {
-      EXPECT_TRUE( contains( error.what(), "cannot write standard output: Bad file descriptor" ) )
+      EXPECT_TRUE(
+         Support::contains( error.what(), "cannot write standard output: Bad file descriptor" ) )
          << error.what();
    }
 }

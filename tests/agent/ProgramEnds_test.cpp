@@ -19,10 +19,6 @@ using Support::Running;
 using Support::TestPipe;
 using Words = std::vector< std::string >;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 std::string call( std::string const & operation ) {
    return "   - call: { entity: /plugins/Sample::Mounter, operation: " + operation + " }\n";
 }
@@ -59,12 +55,14 @@ TEST_F( ProgramEnds, With3AndTheStepWhenATurnExceedsItsLimit ) {
    auto const ran = Support::vornal( words( "run", hangs, { "--turn-limit", "2" } ) );
 
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.out,
-                          "\nSTOPPED in step 2: a turn did not come to its end, and the process of "
-                          "the plug-in was ended by the turn limit of 2 s; --turn-limit allows "
-                          "more.\n" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "\nSTOPPED in step 2: a turn did not come to its end, and the process of "
+                         "the plug-in was ended by the turn limit of 2 s; --turn-limit allows "
+                         "more.\n" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "The last lines that it printed:\n   hanging\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "The last lines that it printed:\n   hanging\n" ) )
+      << ran.out;
 }
 
 TEST_F( ProgramEnds, With3InEveryCommandWhenATurnExceedsItsLimit ) {
@@ -76,11 +74,11 @@ TEST_F( ProgramEnds, With3InEveryCommandWhenATurnExceedsItsLimit ) {
 
    auto const show = Support::vornal( words( "show", hangs, { "entities", "--turn-limit", "2" } ) );
    EXPECT_EQ( show.exitCode, 3 );
-   EXPECT_TRUE( contains( show.err, "STOPPED in step 2: a turn" ) ) << show.err;
+   EXPECT_TRUE( Support::contains( show.err, "STOPPED in step 2: a turn" ) ) << show.err;
 
    auto const verify = Support::vornal( words( "verify", hangs, { "--turn-limit", "2" } ) );
    EXPECT_EQ( verify.exitCode, 3 );
-   EXPECT_TRUE( contains( verify.err, "STOPPED in step 2: a turn" ) ) << verify.err;
+   EXPECT_TRUE( Support::contains( verify.err, "STOPPED in step 2: a turn" ) ) << verify.err;
 }
 
 TEST_F( ProgramEnds, With2WhenATurnLimitIsNoTime ) {
@@ -88,7 +86,7 @@ TEST_F( ProgramEnds, With2WhenATurnLimitIsNoTime ) {
       auto const ran =
          Support::vornal( words( "run", hangs, { std::string( "--turn-limit=" ) + limit } ) );
       EXPECT_EQ( ran.exitCode, 2 ) << limit;
-      EXPECT_TRUE( contains( ran.err, "--turn-limit" ) ) << ran.err;
+      EXPECT_TRUE( Support::contains( ran.err, "--turn-limit" ) ) << ran.err;
    }
 }
 
@@ -101,10 +99,10 @@ TEST_F( ProgramEnds, With130AndTheTotalsSoFarOnCtrlC ) {
    story += out.read();
 
    EXPECT_EQ( running->wait(), 130 );
-   EXPECT_TRUE(
-      contains( story,
-                "\nINTERRUPTED in step 2 by signal 2 (Interrupt); so far 0 expectations, 0 "
-                "of which did not hold, and 1 rule in the chip.\n" ) )
+   EXPECT_TRUE( Support::contains(
+      story,
+      "\nINTERRUPTED in step 2 by signal 2 (Interrupt); so far 0 expectations, 0 "
+      "of which did not hold, and 1 rule in the chip.\n" ) )
       << story;
 }
 
@@ -157,7 +155,7 @@ TEST_F( ProgramEnds, With130AlthoughNobodyReadsItsOutput ) {
       Running running( words( "run", print, {} ),
                        { null, unread.in(), error == out.in() ? unread.in() : watched.in() } );
       unread.closeEnd( 1 );
-      EXPECT_TRUE( contains( unread.read( "printed: x" ), "printed: x" ) );
+      EXPECT_TRUE( Support::contains( unread.read( "printed: x" ), "printed: x" ) );
       running.signal( SIGINT );
       constexpr int kPatience = 60'000;  // in milliseconds; only a failure takes so long
       ASSERT_TRUE( running.ends( kPatience ) );
@@ -176,15 +174,15 @@ TEST_F( ProgramEnds, AsItWouldAlthoughAnotherRunWantsItsTraceRing ) {
    auto const second = Support::vornal( words( "run", hangs, { "--ring", ring } ) );
    EXPECT_EQ( second.exitCode, 2 );
    EXPECT_EQ( second.out, "" );
-   EXPECT_TRUE(
-      contains( second.err, ring + " is the ring of a run that goes on; name a new file" ) )
+   EXPECT_TRUE( Support::contains( second.err,
+                                   ring + " is the ring of a run that goes on; name a new file" ) )
       << second.err;
 
    first->signal( SIGINT );
    out.read();
    EXPECT_EQ( first->wait(), 130 );
-   EXPECT_TRUE( contains( Support::vornal( { "ring", ring } ).out,
-                          "Sample 5: handleSegment intfId: Ethernet1" ) );
+   EXPECT_TRUE( Support::contains( Support::vornal( { "ring", ring } ).out,
+                                   "Sample 5: handleSegment intfId: Ethernet1" ) );
 }
 
 // --- A plug-in that prints a lot
@@ -198,8 +196,8 @@ TEST_F( ProgramEnds, WellWhateverTheLengthOfALineThatThePlugInPrints ) {
       auto const ran = Support::vornal( words( "run", step, {} ) );
 
       EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-      EXPECT_TRUE( contains( ran.out, "   printed: xxxxx" ) ) << length;
-      EXPECT_TRUE( contains( ran.out, "\nCOMPLETED; " ) ) << length;
+      EXPECT_TRUE( Support::contains( ran.out, "   printed: xxxxx" ) ) << length;
+      EXPECT_TRUE( Support::contains( ran.out, "\nCOMPLETED; " ) ) << length;
    }
 }
 

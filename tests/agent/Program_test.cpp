@@ -32,10 +32,6 @@ class Program : public testing::Test {
    Support::Directory directory;
 };
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 std::string const ready = "   - ready: subagents::l2Ready\n";
 // The plug-in has room for two segments.
 std::string const stop = ready +
@@ -49,7 +45,8 @@ TEST_F( Program, ExitsWith0WhenAllHeld ) {
    auto const ran = run( ready + "   - expect: { plug-in: ready }\n" );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-   EXPECT_TRUE( contains( ran.out, "PASSED: 1 expectation held; 1 rule in the chip" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "PASSED: 1 expectation held; 1 rule in the chip" ) )
+      << ran.out;
    EXPECT_EQ( ran.err, "" );
 }
 
@@ -57,10 +54,11 @@ TEST_F( Program, ExitsWith1WhenAnExpectationFailed ) {
    auto const ran = run( "   - expect: { plug-in: ready }\n" );
 
    EXPECT_EQ( ran.exitCode, 1 );
-   EXPECT_TRUE( contains( ran.out, "NOT as expected: plug-in ready; it is not ready (" +
-                                      scenario() + ":20)" ) )
+   EXPECT_TRUE( Support::contains( ran.out, "NOT as expected: plug-in ready; it is not ready (" +
+                                               scenario() + ":20)" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "FAILED: 1 of 1 expectation did not hold" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "FAILED: 1 of 1 expectation did not hold" ) )
+      << ran.out;
 }
 
 TEST_F( Program, ExitsWith2AndThePlaceWhenTheScenarioIsWrongBeforeAnythingIsLoaded ) {
@@ -74,14 +72,14 @@ TEST_F( Program, ExitsWith2AndThePlaceWhenTheScenarioIsWrongBeforeAnythingIsLoad
 TEST_F( Program, ExitsWith2WhenThereIsNoSuchScenarioOrPlugIn ) {
    auto const noScenario = Support::vornal( { "run", "/nowhere/leaf.yaml" } );
    EXPECT_EQ( noScenario.exitCode, 2 );
-   EXPECT_TRUE( contains( noScenario.err, "/nowhere/leaf.yaml" ) );
+   EXPECT_TRUE( Support::contains( noScenario.err, "/nowhere/leaf.yaml" ) );
 
    auto const noPlugin =
       Support::vornal( { "run", directory.file( "leaf.yaml", Switches::leaf( ready ) ), "--plugin",
                          "/nowhere/plug-in.so" } );
    EXPECT_EQ( noPlugin.exitCode, 2 );
    EXPECT_EQ( noPlugin.out, "" );
-   EXPECT_TRUE( contains( noPlugin.err, "/nowhere/plug-in.so: there is no such file" ) );
+   EXPECT_TRUE( Support::contains( noPlugin.err, "/nowhere/plug-in.so: there is no such file" ) );
 }
 
 TEST_F( Program, ExitsWith2WhenAStepNamesAnAttributeThatDoesNotExist ) {
@@ -129,7 +127,7 @@ TEST_F( Program, ExitsWith2OnWrongUsageAndWith0OnACryForHelp ) {
    }
    auto const help = Support::vornal( { "--help" } );
    EXPECT_EQ( help.exitCode, 0 );
-   EXPECT_TRUE( contains( help.out, "3 the plug-in stopped" ) );
+   EXPECT_TRUE( Support::contains( help.out, "3 the plug-in stopped" ) );
 }
 
 // --- A plug-in that stops the process
@@ -138,24 +136,24 @@ TEST_F( Program, TellsAtWhichStepThePlugInStoppedAndExitsWith3 ) {
    auto const ran = run( stop );
 
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.out, "step 2: publish segment Ethernet2\n   trace Sample 5" ) )
-      << ran.out;
    EXPECT_TRUE(
-      contains( ran.out,
-                "STOPPED in step 3: the process of the plug-in ended with signal 6 (Aborted)." ) )
+      Support::contains( ran.out, "step 2: publish segment Ethernet2\n   trace Sample 5" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out,
-                          "assertion  entryIds() < kMostSegments && \"room for another "
-                          "segment\"\n" ) )
+   EXPECT_TRUE( Support::contains(
+      ran.out, "STOPPED in step 3: the process of the plug-in ended with signal 6 (Aborted)." ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "at         segment-rules.cpp:" ) ) << ran.out;
-   EXPECT_TRUE( contains( ran.out,
-                          "The last lines of its trace ring:\n"
-                          "   Sample 5: handleSegment intfId: Ethernet1\n"
-                          "   Sample 5: handleSegment intfId: Ethernet2\n"
-                          "   Sample 5: handleSegment intfId: Ethernet3\n" ) )
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "assertion  entryIds() < kMostSegments && \"room for another "
+                                   "segment\"\n" ) )
       << ran.out;
-   EXPECT_FALSE( contains( ran.out, "never reached" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "at         segment-rules.cpp:" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "The last lines of its trace ring:\n"
+                                   "   Sample 5: handleSegment intfId: Ethernet1\n"
+                                   "   Sample 5: handleSegment intfId: Ethernet2\n"
+                                   "   Sample 5: handleSegment intfId: Ethernet3\n" ) )
+      << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "never reached" ) );
 }
 
 TEST_F( Program, TellsTheSameInItsDocument ) {
@@ -168,7 +166,8 @@ TEST_F( Program, TellsTheSameInItsDocument ) {
    EXPECT_EQ( document[ "assertion" ][ "file" ], "segment-rules.cpp" );
    EXPECT_EQ( document[ "assertion" ][ "expression" ],
               "entryIds() < kMostSegments && \"room for another segment\"" );
-   EXPECT_TRUE( contains( document[ "assertion" ][ "function" ], "::add(const Pelk::IntfId" ) );
+   EXPECT_TRUE(
+      Support::contains( document[ "assertion" ][ "function" ], "::add(const Pelk::IntfId" ) );
    EXPECT_EQ( document[ "stop" ][ "reason" ], "signal 6 (Aborted)" );
    EXPECT_EQ( document[ "stop" ][ "traces" ].size(), 3U );
    EXPECT_EQ( document[ "rules" ].size(), 2U );
@@ -184,12 +183,13 @@ TEST_F( Program, ShowsTheLineOfAFieldCallThatFailed ) {
    EXPECT_EQ( ran.exitCode, 3 );
    Json const document = Json::parse( ran.out );
    EXPECT_EQ( document[ "assertion" ][ "expression" ], "0" );
-   EXPECT_TRUE( contains( document[ "stop" ][ "output" ][ 0 ],
-                          " bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) API ERROR:"
-                          "Unknown entry (-2)" ) );
+   EXPECT_TRUE(
+      Support::contains( document[ "stop" ][ "output" ][ 0 ],
+                         " bcm_field_qualify_TunnelTerminated( unit, entryId, 1, 1 ) API ERROR:"
+                         "Unknown entry (-2)" ) );
    EXPECT_EQ( document[ "steps" ][ 2 ][ "hardwareCalls" ][ 0 ][ "returnCode" ], -2 );
    EXPECT_EQ( document[ "counters" ][ "failedCalls" ], 1 );
-   EXPECT_TRUE( contains( ran.err, "API ERROR:" ) );
+   EXPECT_TRUE( Support::contains( ran.err, "API ERROR:" ) );
 }
 
 // --- The document
@@ -243,7 +243,7 @@ TEST_F( Program, RefusesAPlugInThatWasCutShortWhereverItWas ) {
 
       EXPECT_EQ( ran.exitCode, 2 ) << size << ran.out;
       EXPECT_EQ( ran.err.find( cut + " is " ), 0U ) << size << ran.err;
-      EXPECT_TRUE( contains( ran.err, "; " ) ) << ran.err;
+      EXPECT_TRUE( Support::contains( ran.err, "; " ) ) << ran.err;
    }
 }
 
@@ -259,7 +259,7 @@ TEST_F( Program, RunsNothingOfAFileThatCannotBeAPlugIn ) {
       auto const ran = Support::vornal( { "run", leaf, "--json", "--plugin", file } );
 
       EXPECT_EQ( ran.exitCode, 2 ) << file;
-      EXPECT_TRUE( contains( ran.err, file + why ) ) << ran.err;
+      EXPECT_TRUE( Support::contains( ran.err, file + why ) ) << ran.err;
       EXPECT_EQ( Json::parse( ran.out )[ "end" ], "failed" ) << file;
    }
 }
@@ -270,9 +270,10 @@ TEST_F( Program, ShowsTheTraceLevelsThatAreAskedFor ) {
    auto const quiet = run( ready, { "--trace", "Sample/" } );
    auto const loud = run( ready, { "--trace", "Sample/", "--trace", "Sam*/5,8" } );
 
-   EXPECT_FALSE( contains( quiet.out, "trace Sample" ) ) << quiet.out;
-   EXPECT_TRUE( contains( loud.out, "trace Sample 8: Sample::Mounter::doInit" ) ) << loud.out;
-   EXPECT_TRUE( contains( loud.out, "trace Sample 5: handleSegment intfId: Ethernet1" ) );
+   EXPECT_FALSE( Support::contains( quiet.out, "trace Sample" ) ) << quiet.out;
+   EXPECT_TRUE( Support::contains( loud.out, "trace Sample 8: Sample::Mounter::doInit" ) )
+      << loud.out;
+   EXPECT_TRUE( Support::contains( loud.out, "trace Sample 5: handleSegment intfId: Ethernet1" ) );
 }
 
 TEST_F( Program, WritesATraceRingAndPrintsIt ) {
@@ -291,7 +292,7 @@ TEST_F( Program, WritesATraceRingAndPrintsIt ) {
 TEST_F( Program, RefusesAFileThatIsNoTraceRing ) {
    auto const text = Support::vornal( { "ring", directory.file( "text", "no ring" ) } );
    EXPECT_EQ( text.exitCode, 2 );
-   EXPECT_TRUE( contains( text.err, "/text: not a trace ring" ) ) << text.err;
+   EXPECT_TRUE( Support::contains( text.err, "/text: not a trace ring" ) ) << text.err;
 
    auto const nothing = Support::vornal( { "ring", "/nowhere/ring" } );
    EXPECT_EQ( nothing.exitCode, 2 );
@@ -301,7 +302,8 @@ TEST_F( Program, RefusesAFileThatIsNoTraceRing ) {
 
    auto const device = Support::vornal( { "ring", "/dev/zero" } );
    EXPECT_EQ( device.exitCode, 2 );
-   EXPECT_TRUE( contains( device.err, "/dev/zero: this is no regular file" ) ) << device.err;
+   EXPECT_TRUE( Support::contains( device.err, "/dev/zero: this is no regular file" ) )
+      << device.err;
 }
 
 TEST_F( Program, SaysWhichRingFileCannotBeWritten ) {
@@ -309,7 +311,7 @@ TEST_F( Program, SaysWhichRingFileCannotBeWritten ) {
 
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE( contains( ran.err, "/nowhere/ring" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "/nowhere/ring" ) ) << ran.err;
 }
 
 TEST_F( Program, LeavesAFileAloneThatIsNoRing ) {
@@ -352,7 +354,7 @@ TEST_F( Program, ShowsAnEntityOfThePlugInAsADocument ) {
 
 TEST_F( Program, ListsThePathsThatCanBeShown ) {
    auto const text = command( { "show" }, ready, { "entities" } );
-   EXPECT_TRUE( contains( text.out, "/evpn/status: Evpn::EvpnStatus\n" ) ) << text.out;
+   EXPECT_TRUE( Support::contains( text.out, "/evpn/status: Evpn::EvpnStatus\n" ) ) << text.out;
 
    Json const document = Json::parse( command( { "show" }, ready, { "entities", "--json" } ).out );
    EXPECT_EQ( document[ "entities" ][ 1 ][ "path" ], "/evpn/status" );
@@ -363,8 +365,8 @@ TEST_F( Program, ShowsNothingAtAPathWhoseKeyIsNone ) {
 
    EXPECT_EQ( ran.exitCode, 2 ) << ran.err;
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE( contains( ran.err, "'foo'" ) ) << ran.err;
-   EXPECT_FALSE( contains( ran.err, "STOPPED" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "'foo'" ) ) << ran.err;
+   EXPECT_FALSE( Support::contains( ran.err, "STOPPED" ) ) << ran.err;
 }
 
 TEST_F( Program, SaysWhatThereIsWhenThereIsNoSuchEntity ) {
@@ -372,8 +374,8 @@ TEST_F( Program, SaysWhatThereIsWhenThereIsNoSuchEntity ) {
 
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE( contains( ran.err, "there is no entity at '/evpn/state'" ) ) << ran.err;
-   EXPECT_TRUE( contains( ran.err, "   /evpn/status\n" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "there is no entity at '/evpn/state'" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "   /evpn/status\n" ) ) << ran.err;
 }
 
 TEST_F( Program, TellsTheStoryInsteadWhenThePlugInStopsBeforeThereIsAnythingToShow ) {
@@ -381,7 +383,7 @@ TEST_F( Program, TellsTheStoryInsteadWhenThePlugInStopsBeforeThereIsAnythingToSh
 
    EXPECT_EQ( ran.exitCode, 3 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE( contains( ran.err, "STOPPED in step 3" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, "STOPPED in step 3" ) ) << ran.err;
 }
 
 // --- The plug-in that comes with the program
@@ -393,8 +395,9 @@ TEST( ProgramWithItsPlugin, FindsThePlugInBesideItAndBringsItUp ) {
       auto const ran = Support::vornal( { "run", file } );
 
       EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-      EXPECT_TRUE( contains( ran.out, "marks its own dependency point \"evpn\" as ready" ) );
-      EXPECT_TRUE( contains( ran.out, "void Vornal::VornalEvpnMounter::finishInit()" ) );
+      EXPECT_TRUE(
+         Support::contains( ran.out, "marks its own dependency point \"evpn\" as ready" ) );
+      EXPECT_TRUE( Support::contains( ran.out, "void Vornal::VornalEvpnMounter::finishInit()" ) );
       EXPECT_EQ( Support::timesIn( ran.out, "   mounts " ),
                  8U );  // seven, and that they are complete
    }

@@ -25,10 +25,6 @@ constexpr std::size_t kPlaces = 40;
 // Of the scenario that is recorded.
 constexpr std::size_t kSteps = 4;
 
-bool has( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 class RecordDamaged : public testing::Test {
  protected:
    static Words with( Words words ) {
@@ -62,8 +58,10 @@ class RecordDamaged : public testing::Test {
       return ran;
    }
    static bool namesAPlace( std::string const & text ) {
-      return has( text, "after start-up" ) || has( text, "after step " ) ||
-             has( text, " of the file: " ) || has( text, "run.record:" );
+      return Support::contains( text, "after start-up" ) ||
+             Support::contains( text, "after step " ) ||
+             Support::contains( text, " of the file: " ) ||
+             Support::contains( text, "run.record:" );
    }
    void expectPlace( std::string const & bytes ) const {
       Ran const ran = answer( "replay", {}, bytes );
@@ -151,7 +149,7 @@ TEST_F( RecordDamaged, HoldsTheStepsThatHaveEndedWhenTheProgramIsKilled ) {
    close( null );
    out.closeEnd( 1 );
    std::string const end = R"("event":"stepEnds","number":7})";
-   EXPECT_TRUE( has( out.read( end ), end ) );
+   EXPECT_TRUE( Support::contains( out.read( end ), end ) );
    running.signal( SIGKILL );
    EXPECT_EQ( running.wait(), -1 );
 

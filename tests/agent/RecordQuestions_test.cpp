@@ -11,10 +11,6 @@ namespace {
 namespace fs = std::filesystem;
 using Words = std::vector< std::string >;
 
-bool has( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // Records a shipped scenario by the shipped plug-in.
 class RecordQuestions : public testing::Test {
  protected:
@@ -107,9 +103,9 @@ TEST_F( RecordQuestions, RefuseATimeOfAScenario ) {
 TEST_F( RecordQuestions, KnowAddedStepsAndWhereTheRunEnded ) {
    keep( "two-leaves", { "--until", "9", "--then", "withdraw: { vteps: [ 10.0.0.2 ] }" } );
    auto const after = Support::vornal( { "show", record, "rules" } );
-   EXPECT_FALSE( has( after.out, "10.0.0.2" ) ) << after.out;
+   EXPECT_FALSE( Support::contains( after.out, "10.0.0.2" ) ) << after.out;
    auto const before = Support::vornal( { "show", record, "rules", "--after", "9" } );
-   EXPECT_TRUE( has( before.out, "10.0.0.2" ) ) << before.out;
+   EXPECT_TRUE( Support::contains( before.out, "10.0.0.2" ) ) << before.out;
    auto const behind = Support::vornal( { "show", record, "rules", "--after", "11" } );
    EXPECT_EQ( behind.exitCode, 2 );
    EXPECT_EQ( behind.err, "--after 11: " + record + " ends with step 10\n" );
@@ -122,7 +118,8 @@ TEST_F( RecordQuestions, AreAboutTheWholeStepsOfARecordThatWasCut ) {
    EXPECT_EQ( rules.exitCode, 0 ) << rules.err;
    std::string const place = record + ": the record is cut after step ";
    ASSERT_TRUE( rules.err.starts_with( place ) ) << rules.err;
-   EXPECT_TRUE( has( rules.err, " of the file: the file ends in a block\n" ) ) << rules.err;
+   EXPECT_TRUE( Support::contains( rules.err, " of the file: the file ends in a block\n" ) )
+      << rules.err;
    std::string const step = std::to_string( std::stoi( rules.err.substr( place.size() ) ) );
    EXPECT_EQ(
       rules.out,

@@ -13,10 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 using Words = std::vector< std::string >;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // Records a run on one machine; the files of the scenario are gone on the other one.
 class RecordShortened : public testing::Test {
  protected:
@@ -70,8 +66,8 @@ TEST_F( RecordShortened, IsTheDumpOfTheRunAndNotOfTheScenarioAlone ) {
    auto const dump = Support::vornal( { "dump", record, "-o", out, plugin[ 0 ], plugin[ 1 ] } );
    EXPECT_EQ( dump.exitCode, 0 ) << dump.err;
    std::string const text = Support::contentOf( out );
-   EXPECT_TRUE( contains( text, "Ethernet1: [10.0.0.2]" ) ) << text;
-   EXPECT_TRUE( contains( text, "Ethernet2: [10.0.0.2]" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "Ethernet1: [10.0.0.2]" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "Ethernet2: [10.0.0.2]" ) ) << text;
    auto const diff = Support::vornal( { "diff", record, out, plugin[ 0 ], plugin[ 1 ] } );
    EXPECT_EQ( diff.exitCode, 0 ) << diff.out << diff.err;
 }
@@ -92,13 +88,14 @@ TEST_F( RecordShortened, BringsTheFeatureFilesOfADump ) {
    keep( "scenario.yaml" );
    leaveThere();
    auto const bare = Support::vornal( { "dump", record } );
-   EXPECT_TRUE( contains( bare.out,
-                          "\n# The record holds the files that it names; -o FILE writes "
-                          "them beside FILE.\n" ) )
+   EXPECT_TRUE( Support::contains( bare.out,
+                                   "\n# The record holds the files that it names; -o FILE writes "
+                                   "them beside FILE.\n" ) )
       << bare.out << bare.err;
    auto const dump = Support::vornal( { "dump", record, "-o", out } );
    EXPECT_EQ( dump.exitCode, 0 ) << dump.err;
-   EXPECT_TRUE( contains( Support::contentOf( out ), "\nfeatures: small-files/features\n" ) )
+   EXPECT_TRUE(
+      Support::contains( Support::contentOf( out ), "\nfeatures: small-files/features\n" ) )
       << Support::contentOf( out );
    auto const diff = Support::vornal( { "diff", record, out, "--only", "rules" } );
    EXPECT_EQ( diff.exitCode, 0 ) << diff.out << diff.err;
@@ -153,17 +150,17 @@ TEST_F( RecordWithACapture, FailsInTheSameWayWhenItIsShort ) {
    fs::rename( files, elsewhere / "small-files" );
    auto const again = Support::vornal( { "run", elsewhere / "small.yaml" } );
    EXPECT_EQ( again.exitCode, 1 ) << again.err;
-   EXPECT_TRUE( contains( again.out, "is not considered at Ethernet49" ) ) << again.out;
+   EXPECT_TRUE( Support::contains( again.out, "is not considered at Ethernet49" ) ) << again.out;
 }
 
 TEST_F( RecordWithACapture, SaysWhereTheCaptureIsWhenNoFileIsNamed ) {
    auto const ran = Support::vornal( { "shrink", record } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out,
-                          "\n# The record holds the files that it names; -o FILE writes "
-                          "them beside FILE.\n" ) )
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "\n# The record holds the files that it names; -o FILE writes "
+                                   "them beside FILE.\n" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "there/captures/fabric-v4.pcap" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "there/captures/fabric-v4.pcap" ) ) << ran.out;
 }
 
 TEST_F( RecordWithACapture, ReplacesFilesOnlyWhenItIsTold ) {
@@ -187,7 +184,7 @@ TEST_F( RecordShortened, RefusesAnotherStoryThanTheRecordedOne ) {
       auto const ran = Support::vornal(
          { command, record, "-o", out, "--plugin", Support::testPlugin( "segment-rules-wrong" ) } );
       EXPECT_EQ( ran.exitCode, 2 );
-      EXPECT_TRUE( contains( ran.err, "this run is not the recorded one from step 1 on" ) )
+      EXPECT_TRUE( Support::contains( ran.err, "this run is not the recorded one from step 1 on" ) )
          << ran.err;
       EXPECT_FALSE( fs::exists( out ) );
    }

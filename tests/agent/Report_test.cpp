@@ -20,10 +20,6 @@ std::string const kSegmentGoes =
    VORNAL_SOURCE_DIR "/scenarios/limits/full-segment-goes/scenario.yaml";
 std::string const kDataBegins = "<script type=\"application/json\" id=\"data\">";
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 Json dataIn( std::string const & page ) {
    std::size_t const begin = page.find( kDataBegins ) + kDataBegins.size();
    return Json::parse( page.substr( begin, page.find( "</script>", begin ) - begin ) );
@@ -199,10 +195,11 @@ TEST_F( Report, TellsTheStopOfThePlugIn ) {
    Json const & stop = data[ "end" ][ "stop" ];
    EXPECT_EQ( stop[ "text" ], "the process of the plug-in ended with signal 6 (Aborted)" );
    EXPECT_EQ( stop[ "assertion" ][ "expression" ], "unitTepIpToEntry->esPbmpHas( tepIp )" );
-   EXPECT_TRUE( contains( stop[ "assertion" ][ "in" ], "::ifpTcamEntries(" ) );
+   EXPECT_TRUE( Support::contains( stop[ "assertion" ][ "in" ], "::ifpTcamEntries(" ) );
    EXPECT_EQ( stop[ "asExpected" ], true );
    EXPECT_FALSE( stop[ "traces" ].empty() );
-   EXPECT_TRUE( contains( stop[ "limits" ].dump(), "The segment of a VTEP without a rule goes" ) );
+   EXPECT_TRUE(
+      Support::contains( stop[ "limits" ].dump(), "The segment of a VTEP without a rule goes" ) );
    EXPECT_EQ( data[ "steps" ].back()[ "text" ], "withdraw segment Ethernet2" );
    EXPECT_EQ( data[ "rules" ].size(), 3U );
 }
@@ -252,9 +249,9 @@ TEST_F( Report, EndsWithTheStepThatTheRunEndsWith ) {
 TEST_F( Report, IsOneFileThatAsksForNothing ) {
    run( { kTwoLeaves } );
    EXPECT_TRUE( page.starts_with( ::Report::kFirstLine ) );
-   EXPECT_TRUE( contains( page,
-                          "content=\"default-src 'none'; style-src 'unsafe-inline'; "
-                          "script-src 'unsafe-inline'; " ) );
+   EXPECT_TRUE( Support::contains( page,
+                                   "content=\"default-src 'none'; style-src 'unsafe-inline'; "
+                                   "script-src 'unsafe-inline'; " ) );
    std::regex const reference( "\\b(src|href)=|\\burl\\(|\\bfetch\\(|XMLHttpRequest|@import" );
    EXPECT_FALSE( std::regex_search( page, reference ) );
    EXPECT_EQ( Support::timesIn( page, "<script" ), Support::timesIn( page, "</script>" ) );
@@ -277,8 +274,8 @@ TEST_F( Report, NoTextOfAScenarioBecomesMarkup ) {
                    Switches::leaf( "   - note: \"" + hostile + " \\e[31m \\0\"\n" ) );
    run( { directory.path() / "hostile.yaml", "--plugin", Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( Support::timesIn( page, "<script" ), scripts );
-   EXPECT_FALSE( contains( page, "<img" ) );
-   EXPECT_FALSE( contains( page, "\xe2\x80\xae" ) );
+   EXPECT_FALSE( Support::contains( page, "<img" ) );
+   EXPECT_FALSE( Support::contains( page, "\xe2\x80\xae" ) );
    data = dataIn( page );
    EXPECT_EQ( data[ "steps" ][ 2 ][ "text" ],
               "</script><script>alert( 1 )</script><!-- <img src=x> & \\u202e \\x1b[31m \\x00" );

@@ -15,12 +15,12 @@ namespace {
 using namespace ScenarioTexts;
 
 // The expectations of a step that begins in line 10, with the trace of one handle on.
-std::string step( std::string const & expect ) {
+std::string stepExpecting( std::string const & expect ) {
    return "trace: { VornalEvpnSm: 5 }\nsteps: [ { expect: " + expect + " } ]\n";
 }
 
 std::vector< Expectations::Expectation > expectations( std::string const & expect ) {
-   auto const model = readLeaf( step( expect ) );
+   auto const model = readLeaf( stepExpecting( expect ) );
    return stepOf< Steps::Expect >( model ).expectations;
 }
 
@@ -33,7 +33,7 @@ std::string describedOf( std::string const & expect ) {
 }
 
 std::string expectProblems( std::string const & expect ) {
-   return leafProblems( step( expect ) );
+   return leafProblems( stepExpecting( expect ) );
 }
 
 TEST( ScenarioExpectations, AreTheWordsOfAMappingInTheOrderWritten ) {

@@ -18,10 +18,6 @@ namespace fs = std::filesystem;
 using Json = nlohmann::json;
 using Support::Running;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 std::string const kStop =
    "call: { entity: /plugins/Sample::Mounter/evpnMultihomingLocalBiasSm, operation: "
    "qualifyUnknownEntry }\n";
@@ -61,10 +57,10 @@ TEST_F( ShellScript, CarriesOutOwnAndTypedSteps ) {
    std::size_t const typed = ran.out.find( "step 2: publish" );
    EXPECT_LT( ran.out.find( "step 1: ready" ), typed ) << ran.out;
    EXPECT_LT( typed, ran.out.find( "step 3: two" ) );
-   EXPECT_TRUE( contains( ran.out, "step 4: three" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "step 4: three" ) );
    EXPECT_EQ( Support::timesIn( ran.out, "step 1:" ), 1U );
-   EXPECT_TRUE( contains( ran.out.substr( typed ), "rule added" ) );
-   EXPECT_FALSE( contains( ran.out, "teardown" ) );
+   EXPECT_TRUE( Support::contains( ran.out.substr( typed ), "rule added" ) );
+   EXPECT_FALSE( Support::contains( ran.out, "teardown" ) );
 }
 
 TEST_F( ShellScript, AnswersQuestionsAboutTheSwitchAsItIs ) {
@@ -86,8 +82,8 @@ TEST_F( ShellScript, TellsWhatTheLastStepChangedAndWhatAStepWouldChange ) {
       "diff 1 2 --json\n" );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
    EXPECT_EQ( Support::timesIn( ran.out, "no differences\n" ), 1U ) << ran.out;
-   EXPECT_TRUE( contains( ran.out, "+ unit 0, ingress group 157, \"Sample Ethernet1\"" ) );
-   EXPECT_TRUE( contains( ran.out, "- segmentStatus[Ethernet1]" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "+ unit 0, ingress group 157, \"Sample Ethernet1\"" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "- segmentStatus[Ethernet1]" ) );
    EXPECT_TRUE( Json::parse( ran.out.substr( ran.out.rfind( "\n{" ) ) )[ "children" ].empty() );
 }
 
@@ -112,22 +108,22 @@ TEST_F( ShellScript, GoesOnAfterAMistakeAndEndsWith2 ) {
               "shell:5: the scenario ends with its step 3\n"
               "shell:6: no step is left to undo\n"
               "shell:7: no command 'publish'; the step begins with 'publish:'\n" );
-   EXPECT_TRUE( contains( ran.out, "step 1: ready" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "step 1: ready" ) );
 }
 
 TEST_F( ShellScript, EndsWith1ForAnExpectationThatDidNotHoldUnlessItIsUndone ) {
    std::string const wrong = "expect: { plug-in: ready }\n";
    auto const ran = shell( wrong + "next\n" );
    EXPECT_EQ( ran.exitCode, 1 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "step 1: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "step 1: " ) ) << ran.out;
    EXPECT_EQ( shell( wrong + "undo\nnext\n" + wrong ).exitCode, 0 );
 }
 
 TEST_F( ShellScript, TellsWhyThePlugInStoppedAndGoesBackByUndo ) {
    auto const stopped = shell( "next\n" + kStop + "show rules\nnote: x\n" );
    EXPECT_EQ( stopped.exitCode, 3 );
-   EXPECT_TRUE( contains( stopped.out, "STOPPED in step 2" ) ) << stopped.out;
-   EXPECT_TRUE( contains( stopped.out, "qualifyUnknownEntry" ) ) << stopped.out;
+   EXPECT_TRUE( Support::contains( stopped.out, "STOPPED in step 2" ) ) << stopped.out;
+   EXPECT_TRUE( Support::contains( stopped.out, "qualifyUnknownEntry" ) ) << stopped.out;
    EXPECT_EQ( stopped.err,
               "shell:3: the plug-in has stopped in step 2; undo goes back\n"
               "shell:4: the plug-in has stopped in step 2; undo goes back\n" );
@@ -136,8 +132,8 @@ TEST_F( ShellScript, TellsWhyThePlugInStoppedAndGoesBackByUndo ) {
 
    auto const back = shell( "next\n" + kStop + "undo\nshow rules\nnext\n" );
    EXPECT_EQ( back.exitCode, 0 ) << back.err;
-   EXPECT_TRUE( contains( back.out, "undone; 1 step done\n" ) );
-   EXPECT_TRUE( contains( back.out, "step 2: two" ) );
+   EXPECT_TRUE( Support::contains( back.out, "undone; 1 step done\n" ) );
+   EXPECT_TRUE( Support::contains( back.out, "step 2: two" ) );
 }
 
 TEST_F( ShellScript, NamesTheLineOfAMistakeThatShowsOnlyInTheRun ) {
@@ -145,17 +141,17 @@ TEST_F( ShellScript, NamesTheLineOfAMistakeThatShowsOnlyInTheRun ) {
       shell( "next\n\nset: { entity: /evpn/status, attribute: none, value: x }\nnext\n" );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_TRUE( ran.err.starts_with( "shell:3: " ) ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "step 2: two" ) ) << ran.out;
    auto const asked = shell( "\nshow entities /nowhere\nexplain 9999\n" );
    EXPECT_EQ( asked.exitCode, 2 );
    EXPECT_TRUE( asked.err.starts_with( "shell:2: there is no entity at '/nowhere'" ) ) << asked.err;
-   EXPECT_TRUE( contains( asked.err, "\nshell:3: " ) ) << asked.err;
+   EXPECT_TRUE( Support::contains( asked.err, "\nshell:3: " ) ) << asked.err;
 }
 
 TEST_F( ShellScript, NamesTheLineOfAMistakeWithinAnEntry ) {
    auto const ran = shell( "next\npublish:\n   segments: { Ethernet1: ]\n\nnext\n" );
    EXPECT_TRUE( ran.err.starts_with( "shell:3: " ) ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "step 2: two" ) ) << ran.out;
 }
 
 TEST_F( ShellScript, SaysHowFarAnOpenBracketReaches ) {
@@ -168,12 +164,12 @@ TEST_F( ShellScript, SaysHowFarAnOpenBracketReaches ) {
 TEST_F( ShellScript, SaysThatALineHasANulCharacter ) {
    auto const ran = shell( std::string( "next\nnote: a\0b\nnext\n", 19 ) );
    EXPECT_EQ( ran.err, "shell:2: there is a NUL character in this line; take it out\n" );
-   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "step 2: two" ) ) << ran.out;
 }
 
 TEST_F( ShellScript, NamesNoVariantBeforeThePlugInIsReady ) {
    auto const ran = shell( "verify\n" );
-   EXPECT_TRUE( contains( ran.out, "\nleaf\nat the end\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "\nleaf\nat the end\n" ) ) << ran.out;
 }
 
 TEST_F( ShellScript, SavesAScenarioThatRunsToTheSameState ) {
@@ -229,7 +225,7 @@ TEST_F( ShellScript, SavesIntoNoDeviceAndBehindNoLinkThatLeadsNowhere ) {
                           ( folder / "none" ).string() + "; make it, or name another file\n" );
    EXPECT_TRUE( fs::is_fifo( folder / "fifo" ) );
    EXPECT_TRUE( fs::is_symlink( folder / "link.yaml" ) );
-   EXPECT_TRUE( contains( Support::contentOf( folder / "old.yaml" ), "scenario: " ) );
+   EXPECT_TRUE( Support::contains( Support::contentOf( folder / "old.yaml" ), "scenario: " ) );
 }
 
 TEST_F( ShellScript, WalksThroughAnExpectedStop ) {
@@ -242,7 +238,7 @@ TEST_F( ShellScript, WalksThroughAnExpectedStop ) {
    auto const walked = shell( "next\nnext\nshow tcam\nnext\n" );
    EXPECT_EQ( walked.err, "" );
    EXPECT_EQ( walked.exitCode, 0 ) << walked.out;
-   EXPECT_TRUE( contains( walked.out, "STOPPED in step 3" ) ) << walked.out;
+   EXPECT_TRUE( Support::contains( walked.out, "STOPPED in step 3" ) ) << walked.out;
    EXPECT_EQ( shell( "run\nundo\nshow tcam\n" ).exitCode, 0 );
 }
 
@@ -251,18 +247,18 @@ TEST_F( ShellScript, EndsWithTheSignalThatInterruptsIt ) {
       "call: { entity: /plugins/Sample::Mounter, operation: interrupt }\n"
       "next\n" );
    EXPECT_EQ( ran.exitCode, 130 );
-   EXPECT_TRUE( contains( ran.out, "INTERRUPTED in step 1 by signal 2" ) ) << ran.out;
-   EXPECT_FALSE( contains( ran.out, "l2Ready" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "INTERRUPTED in step 1 by signal 2" ) ) << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "l2Ready" ) ) << ran.out;
 }
 
 TEST_F( ShellScript, ListsWhatCanBeTyped ) {
    auto const ran = shell( "help\nhelp withdraw\nhelp verify\nhelp diff\nexit\nnonsense\n" );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "\nrun [to STEP] " ) ) << ran.out;
-   EXPECT_TRUE( contains( ran.out, "\nSteps: note, ready, publish" ) );
-   EXPECT_TRUE( contains( ran.out, "withdraw: (a step) Other agents withdraw" ) );
-   EXPECT_TRUE( contains( ran.out, "--after-each-step" ) );
-   EXPECT_TRUE( contains( ran.out, "--only PART" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "\nrun [to STEP] " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "\nSteps: note, ready, publish" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "withdraw: (a step) Other agents withdraw" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "--after-each-step" ) );
+   EXPECT_TRUE( Support::contains( ran.out, "--only PART" ) );
 }
 
 TEST_F( ShellScript, RefusesStandardInputAsTheScenario ) {

@@ -20,10 +20,6 @@ constexpr char const * kCtrlC = "\x03";
 constexpr char const * kCtrlD = "\x04";
 constexpr char const * kCtrlU = "\x15";
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 class ShellTerminal : public testing::Test {
  protected:
    std::unique_ptr< Support::AtTerminal > shell() const {
@@ -45,9 +41,9 @@ class ShellTerminal : public testing::Test {
 
 TEST_F( ShellTerminal, SaysWhereOneIs ) {
    auto const screen = shell();
-   EXPECT_TRUE( contains( screen->until( "leaf 0/2> " ), "start-up" ) );
+   EXPECT_TRUE( Support::contains( screen->until( "leaf 0/2> " ), "start-up" ) );
    screen->type( "next\r" );
-   EXPECT_TRUE( contains( screen->until( "leaf 1/2> " ), "step 1: ready" ) );
+   EXPECT_TRUE( Support::contains( screen->until( "leaf 1/2> " ), "step 1: ready" ) );
    screen->type( "note: mine\r" );
    screen->until( "leaf 1/2 +1> " );
    screen->type( kCtrlD );
@@ -65,7 +61,7 @@ TEST_F( ShellTerminal, CompletesCommandsStepsAndNames ) {
    screen->type( std::string( "[ 10" ) + kTab );
    screen->until( ".0.0.2" );
    screen->type( " ] }\r" );
-   EXPECT_TRUE( contains( screen->until( "leaf 0/2 +1> " ), "step 1: withdraw" ) );
+   EXPECT_TRUE( Support::contains( screen->until( "leaf 0/2 +1> " ), "step 1: withdraw" ) );
 
    screen->type( std::string( "show ent" ) + kTab + "/evpn/st" + kTab + kEnter );
    screen->until( "Evpn::EvpnStatus status" );
@@ -80,7 +76,7 @@ TEST_F( ShellTerminal, ListsWhatCouldFollow ) {
    auto const screen = shell();
    screen->until( "leaf 0/2> " );
    screen->type( std::string( "frame: { on: " ) + kTab + kTab );
-   EXPECT_TRUE( contains( screen->until( "Port-Channel7" ), "Ethernet2" ) );
+   EXPECT_TRUE( Support::contains( screen->until( "Port-Channel7" ), "Ethernet2" ) );
    screen->type( std::string( kCtrlU ) + "run t" + kTab + "1\r" );
    screen->until( "leaf 1/2> " );
 }
@@ -189,7 +185,7 @@ TEST_F( ShellTerminal, GoesBackByUndoAfterAStopAndSavesAScenarioThatRuns ) {
    auto const ran =
       Support::vornal( { "run", mine, "--plugin", Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "step 2: two" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "step 2: two" ) ) << ran.out;
 }
 
 TEST_F( ShellTerminal, DoesNotSaveOverWhatSomebodyElseHasWritten ) {
@@ -205,7 +201,7 @@ TEST_F( ShellTerminal, DoesNotSaveOverWhatSomebodyElseHasWritten ) {
    EXPECT_EQ( Support::contentOf( mine ), "by hand\n" );
    screen->type( "save --force " + mine + kEnter );
    screen->until( "leaf 0/2> " );
-   EXPECT_TRUE( contains( Support::contentOf( mine ), "scenario: mine" ) );
+   EXPECT_TRUE( Support::contains( Support::contentOf( mine ), "scenario: mine" ) );
 }
 
 TEST_F( ShellTerminal, KeepsTheHistoryWhenItIsKilled ) {
@@ -215,8 +211,8 @@ TEST_F( ShellTerminal, KeepsTheHistoryWhenItIsKilled ) {
    screen->until( "leaf 0/2 +1> " );
    screen->signal( SIGKILL );
    EXPECT_NE( screen->wait(), 0 );
-   EXPECT_TRUE(
-      contains( Support::contentOf( directory.path() / "vornal/history" ), "remembered" ) );
+   EXPECT_TRUE( Support::contains( Support::contentOf( directory.path() / "vornal/history" ),
+                                   "remembered" ) );
 }
 
 TEST_F( ShellTerminal, EndsWithTheTerminalOrByATermination ) {

@@ -20,10 +20,6 @@ using Scenario::Yaml;
 using Scenario::yamlIn;
 using Shrinking::Kept;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 // --- The fewest elements
 
 // The first candidate that has all of the needed elements.
@@ -110,7 +106,7 @@ TEST( Shrinker, LeavesOutPartsOfPartsUntilNothingMoreCanGo ) {
    auto const needsFourAndTwo = []( Shrinking::Candidates const & candidates ) {
       for ( std::size_t n = 0; n < candidates.count; ++n ) {
          std::string const text = textOf( candidates.document( n ) );
-         if ( contains( text, "4" ) && contains( text, "two" ) ) {
+         if ( Support::contains( text, "4" ) && Support::contains( text, "two" ) ) {
             return std::optional( n );
          }
       }
@@ -152,16 +148,17 @@ TEST_F( Shrink, KeepsTheStepsThatTheStopNeeds ) {
                                     "- note: never\n" ),
                               "-o", out } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, " runs: " ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, " runs: " ) ) << ran.out;
    std::string const text = Support::contentOf( out );
-   EXPECT_TRUE( contains( text, "stopped at assertion entryIds() < kMostSegments" ) ) << text;
-   EXPECT_FALSE( contains( text, "note" ) ) << text;
-   EXPECT_FALSE( contains( text, "vteps" ) ) << text;
+   EXPECT_TRUE( Support::contains( text, "stopped at assertion entryIds() < kMostSegments" ) )
+      << text;
+   EXPECT_FALSE( Support::contains( text, "note" ) ) << text;
+   EXPECT_FALSE( Support::contains( text, "vteps" ) ) << text;
    // It stops in the same way.
    auto const again =
       Support::vornal( { "run", out, "--plugin", Support::testPlugin( "segment-rules" ) } );
    EXPECT_EQ( again.exitCode, 3 ) << again.err;
-   EXPECT_TRUE( contains( again.out, "entryIds() < kMostSegments" ) ) << again.out;
+   EXPECT_TRUE( Support::contains( again.out, "entryIds() < kMostSegments" ) ) << again.out;
 }
 
 TEST_F( Shrink, KeepsTheExpectationThatFailsAndWhatItFound ) {
@@ -172,12 +169,12 @@ TEST_F( Shrink, KeepsTheExpectationThatFailsAndWhatItFound ) {
                       "- publish: { segments: { Ethernet2: [ 10.0.0.2 ] } }\n"
                       "- expect: { plug-in: waiting, log: { text: x, times: 0 } }\n" ) } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE(
-      contains( ran.out,
-                "steps:\n  - ready: subagents::l2Ready\n  - expect: {plug-in: waiting}\n" ) )
+   EXPECT_TRUE( Support::contains(
+      ran.out, "steps:\n  - ready: subagents::l2Ready\n  - expect: {plug-in: waiting}\n" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "# It ends as follows: expected plug-in waiting" ) ) << ran.out;
-   EXPECT_TRUE( contains( ran.err, " runs: 2 steps" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.out, "# It ends as follows: expected plug-in waiting" ) )
+      << ran.out;
+   EXPECT_TRUE( Support::contains( ran.err, " runs: 2 steps" ) ) << ran.err;
 }
 
 TEST_F( Shrink, KeepsWhatTheExpectationHasFound ) {
@@ -187,8 +184,8 @@ TEST_F( Shrink, KeepsWhatTheExpectationHasFound ) {
                       "- publish: { segments: { Ethernet2: [ 10.0.0.2 ] } }\n"
                       "- expect: { rules: { group: ingress, count: 5 } }\n" ) } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "- ready: subagents::l2Ready\n" ) ) << ran.out;
-   EXPECT_TRUE( contains( ran.out, "Ethernet2: []" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "- ready: subagents::l2Ready\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "Ethernet2: []" ) ) << ran.out;
 }
 
 TEST_F( Shrink, RefusesAScenarioThatEndsWell ) {
@@ -204,7 +201,7 @@ TEST_F( Shrink, RefusesAScenarioThatEndsWell ) {
 TEST_F( Shrink, RefusesAScenarioThatStopsAsItExpects ) {
    auto const ran = Support::vornal( { "shrink", Shipped::fileOf( "limits/vni-swap" ) } );
    EXPECT_EQ( ran.exitCode, 2 );
-   EXPECT_TRUE( contains( ran.err, " ends well, so there is nothing" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.err, " ends well, so there is nothing" ) ) << ran.err;
 }
 
 TEST_F( Shrink, ReplacesAFileOnlyWhenItIsTold ) {
@@ -213,7 +210,7 @@ TEST_F( Shrink, ReplacesAFileOnlyWhenItIsTold ) {
    EXPECT_EQ( refused.exitCode, 2 );
    EXPECT_EQ( refused.err, failing + " is there already; name another file, or add --force\n" );
    EXPECT_EQ( shrink( { failing, "-o", failing, "--force" } ).exitCode, 0 );
-   EXPECT_TRUE( contains( Support::contentOf( failing ), "made shorter" ) );
+   EXPECT_TRUE( Support::contains( Support::contentOf( failing ), "made shorter" ) );
 }
 
 TEST_F( Shrink, MakesAScenarioWholeThatIsBasedOnAnother ) {
@@ -225,9 +222,9 @@ TEST_F( Shrink, MakesAScenarioWholeThatIsBasedOnAnother ) {
                                             "   - expect: { plug-in: ready }\n" );
    auto const ran = shrink( { twin } );
    EXPECT_EQ( ran.exitCode, 0 ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "switch:" ) ) << ran.out;
-   EXPECT_FALSE( contains( ran.out, "based-on" ) ) << ran.out;
-   EXPECT_FALSE( contains( ran.out, "note" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "switch:" ) ) << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "based-on" ) ) << ran.out;
+   EXPECT_FALSE( Support::contains( ran.out, "note" ) ) << ran.out;
 }
 
 TEST_F( Shrink, FindsTheSameWhateverTheNumberOfJobs ) {
@@ -302,7 +299,7 @@ TEST( ShrinkInterrupted, WritesTheShortestThatItHasFound ) {
    Support::AtTerminal terminal( { "shrink", file, "-o", out }, directory.path() );
    terminal.until( " left" );
    terminal.signal( SIGINT );
-   EXPECT_TRUE( contains( terminal.until( " of 600 steps" ), "interrupted after" ) );
+   EXPECT_TRUE( Support::contains( terminal.until( " of 600 steps" ), "interrupted after" ) );
    EXPECT_EQ( terminal.wait(), 130 );
    EXPECT_EQ( Support::vornal( { "run", out } ).exitCode, 3 );
 }

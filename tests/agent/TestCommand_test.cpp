@@ -16,10 +16,6 @@ using Support::TestPipe;
 using Words = std::vector< std::string >;
 namespace fs = std::filesystem;
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 std::string call( std::string const & operation ) {
    return "   - call: { entity: /plugins/Sample::Mounter, operation: " + operation + " }\n";
 }
@@ -30,7 +26,7 @@ int processesWith( std::string const & text ) {
    for ( auto const & process : fs::directory_iterator( "/proc" ) ) {
       std::ifstream words( process.path() / "cmdline" );
       std::string const line{ std::istreambuf_iterator< char >( words ), {} };
-      count += contains( line, text ) ? 1 : 0;
+      count += Support::contains( line, text ) ? 1 : 0;
    }
    return count;
 }
@@ -89,19 +85,21 @@ TEST_F( TestCommand, EndsWithTheFailuresInTheOrderOfThePaths ) {
                  ":21: not as expected in step 2\n"
                  "      expected   plug-in waiting\n"
                  "      found      it is ready" );
-   EXPECT_TRUE( contains( told.out, "   " + fileOf( "c" ) +
-                                       ":22: STOPPED in step 3: the process of the plug-in ended "
-                                       "with signal 6 (Aborted)\n" ) )
+   EXPECT_TRUE(
+      Support::contains( told.out, "   " + fileOf( "c" ) +
+                                      ":22: STOPPED in step 3: the process of the plug-in ended "
+                                      "with signal 6 (Aborted)\n" ) )
       << told.out;
-   EXPECT_TRUE( contains( told.out,
-                          "      assertion  entryIds() < kMostSegments && \"room for another "
-                          "segment\"\n" ) );
-   EXPECT_TRUE( contains( told.out,
-                          "      in         void Sample::SegmentRulesWithEgressMaskSm::"
-                          "add(const Pelk::IntfId" ) );
-   EXPECT_TRUE( contains( told.out, "   " + fileOf( "d" ) + ":21: unknown word 'expct'" ) )
+   EXPECT_TRUE(
+      Support::contains( told.out,
+                         "      assertion  entryIds() < kMostSegments && \"room for another "
+                         "segment\"\n" ) );
+   EXPECT_TRUE( Support::contains( told.out,
+                                   "      in         void Sample::SegmentRulesWithEgressMaskSm::"
+                                   "add(const Pelk::IntfId" ) );
+   EXPECT_TRUE( Support::contains( told.out, "   " + fileOf( "d" ) + ":21: unknown word 'expct'" ) )
       << told.out;
-   EXPECT_TRUE( contains( told.out, "\n\nFAILED: 3 of 4 scenarios; " ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "\n\nFAILED: 3 of 4 scenarios; " ) ) << told.out;
    EXPECT_EQ( told.err, "" );
 }
 
@@ -113,7 +111,7 @@ TEST_F( TestCommand, TellsTheSameHoweverManyRunAtATime ) {
       return text.substr( 0, text.rfind( ';' ) );
    };
    std::string const one = withoutTime( ran( { "--jobs", "1" } ).out );
-   EXPECT_TRUE( contains( one, "FAILED: 2 of 5 scenarios" ) ) << one;
+   EXPECT_TRUE( Support::contains( one, "FAILED: 2 of 5 scenarios" ) ) << one;
    EXPECT_EQ( withoutTime( ran( { "--jobs", "5" } ).out ), one );
 }
 
@@ -123,15 +121,15 @@ TEST_F( TestCommand, HasALineForEachScenarioWhereItIsWanted ) {
    auto const told = ran( { "--verbose" } );
    std::string const first = told.out.substr( 0, told.out.find( '\n' ) );
    EXPECT_TRUE( first.starts_with( "passed " ) && first.ends_with( fileOf( "a" ) ) ) << told.out;
-   EXPECT_TRUE( contains( told.out, "\nFAILED " ) );
-   EXPECT_TRUE( contains( told.out, "\nslowest:\n" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "\nFAILED " ) );
+   EXPECT_TRUE( Support::contains( told.out, "\nslowest:\n" ) ) << told.out;
 }
 
 TEST_F( TestCommand, EndsATurnThatTakesTooLong ) {
    scenario( "a", ready + call( "hang" ) );
    auto const told = ran( { "--turn-limit", "0.5" } );
    EXPECT_EQ( told.exitCode, 1 );
-   EXPECT_TRUE( contains( told.out, "STOPPED in step 2: a turn did not come to its end" ) )
+   EXPECT_TRUE( Support::contains( told.out, "STOPPED in step 2: a turn did not come to its end" ) )
       << told.out;
 }
 
@@ -145,7 +143,8 @@ TEST_F( TestCommand, WritesTheResultsForABuildServer ) {
    auto const test = document.child( "testsuites" ).child( "testsuite" ).first_child();
    EXPECT_EQ( test.attribute( "classname" ).value(), ( directory.path() / "a" ).string() );
    EXPECT_STREQ( test.attribute( "name" ).value(), "leaf" );
-   EXPECT_TRUE( contains( test.child( "failure" ).text().get(), fileOf( "a" ) + ":21: " ) );
+   EXPECT_TRUE(
+      Support::contains( test.child( "failure" ).text().get(), fileOf( "a" ) + ":21: " ) );
 }
 
 // --- What is refused
@@ -169,7 +168,7 @@ TEST_F( TestCommand, PassesALinkThatLeadsToItself ) {
 TEST_F( TestCommand, EndsWith2WhereNothingCanBeTested ) {
    auto const nothing = ran();
    EXPECT_EQ( nothing.exitCode, 2 );
-   EXPECT_TRUE( contains( nothing.err, "there is no scenario; give " ) ) << nothing.err;
+   EXPECT_TRUE( Support::contains( nothing.err, "there is no scenario; give " ) ) << nothing.err;
 
    scenario( "a", good );
    for ( Words const & more :
@@ -178,11 +177,11 @@ TEST_F( TestCommand, EndsWith2WhereNothingCanBeTested ) {
       auto const told = ran( more );
       EXPECT_EQ( told.exitCode, 2 ) << more.back();
       EXPECT_EQ( told.out, "" );
-      EXPECT_TRUE( contains( told.err, more.back() ) ) << told.err;
+      EXPECT_TRUE( Support::contains( told.err, more.back() ) ) << told.err;
    }
    auto const told = Support::vornal( { "test", directory.path(), "--plugin", "nowhere.so" } );
    EXPECT_EQ( told.exitCode, 2 );
-   EXPECT_TRUE( contains( told.err, "nowhere.so" ) ) << told.err;
+   EXPECT_TRUE( Support::contains( told.err, "nowhere.so" ) ) << told.err;
 }
 
 // --- Somebody who interrupts
@@ -199,14 +198,15 @@ TEST_F( TestCommand, EndsAllProcessesOnCtrlC ) {
    out.closeEnd( 1 );
    err.closeEnd( 1 );
    // The first one is over, and the second one began at the same time.
-   EXPECT_TRUE( contains( out.read( "a/scenario.yaml\n" ), "FAILED" ) );
+   EXPECT_TRUE( Support::contains( out.read( "a/scenario.yaml\n" ), "FAILED" ) );
    running.signal( SIGINT );
    std::string const rest = out.read();
 
    EXPECT_EQ( running.wait(), 130 );
    EXPECT_EQ( processesWith( directory.path() ), 0 );
-   EXPECT_TRUE( contains( rest, "not as expected in step 2" ) ) << rest;
-   EXPECT_TRUE( contains( rest, "\nINTERRUPTED: 1 of 2 scenarios tested, 1 failed; " ) ) << rest;
+   EXPECT_TRUE( Support::contains( rest, "not as expected in step 2" ) ) << rest;
+   EXPECT_TRUE( Support::contains( rest, "\nINTERRUPTED: 1 of 2 scenarios tested, 1 failed; " ) )
+      << rest;
    pugi::xml_document document;
    ASSERT_TRUE( document.load_file( file.c_str() ) );
    EXPECT_EQ( document.child( "testsuites" ).attribute( "skipped" ).as_int(), 1 );

@@ -1,6 +1,8 @@
 // `vornal verify`, and the step `verify`, with the plug-in that comes with the program.
 #include <gtest/gtest.h>
 
+#include <Support.h>
+
 #include <nlohmann/json.hpp>
 
 #include <AuditRun.h>
@@ -33,10 +35,6 @@ class Verify : public testing::Test {
    Support::Directory directory;
 };
 
-bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
-
 std::string const tipped =
    "   - drift: { group: ingress, unit: 0, entry: 3, flip: SrcVxlanGport }\n";
 // The plug-in's own pass does not look at per-VNI rules.
@@ -58,15 +56,17 @@ TEST_F( Verify, ExitsWith1OnDifferencesThatThePassDoesNotSee ) {
    auto const ran = command( Leaf(), unseen );
 
    EXPECT_EQ( ran.exitCode, 1 ) << ran.out << ran.err;
-   EXPECT_TRUE( contains( ran.out,
-                          "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
-                          "      wrong-priority: unit 0, ingress group 157, entry 5, \"Skip shared "
-                          "ES pruning for packets with vni 50001 - No-op\", priority\n"
-                          "         is priority 9; should be priority 2\n"
-                          "         VRF red has VNI 50001 on Vxlan1, and there are Ethernet "
-                          "segments\n" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
+                         "      wrong-priority: unit 0, ingress group 157, entry 5, \"Skip shared "
+                         "ES pruning for packets with vni 50001 - No-op\", priority\n"
+                         "         is priority 9; should be priority 2\n"
+                         "         VRF red has VNI 50001 on Vxlan1, and there are Ethernet "
+                         "segments\n" ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out, "the plug-in's own pass: held\nDIFFERENCES\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "the plug-in's own pass: held\nDIFFERENCES\n" ) )
+      << ran.out;
 }
 
 TEST_F( Verify, ExitsWith2OnBadInput ) {
@@ -76,9 +76,8 @@ TEST_F( Verify, ExitsWith2OnBadInput ) {
       command( Leaf(), "   - drift: { group: ingress, unit: 0, entry: 99, flip: PacketRes }\n" );
    EXPECT_EQ( ran.exitCode, 2 );
    EXPECT_EQ( ran.out, "" );
-   EXPECT_TRUE(
-      contains( ran.err,
-                "leaf.yaml:19: group 157 has no entry 99; its entries are 1, 2, 3, 4, 5" ) )
+   EXPECT_TRUE( Support::contains(
+      ran.err, "leaf.yaml:19: group 157 has no entry 99; its entries are 1, 2, 3, 4, 5" ) )
       << ran.err;
 }
 
@@ -86,11 +85,12 @@ TEST_F( Verify, ExitsWith3WhenThePassStopsTheProcessAndTellsWhatTheAuditHasFound
    auto const ran = command( Leaf(), tipped );
 
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.out, "      wrong-qualifier: unit 0, ingress group 157, entry 3, " ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out, "      wrong-qualifier: unit 0, ingress group 157, entry 3, " ) )
       << ran.out;
-   EXPECT_TRUE( contains( ran.out,
-                          "the plug-in's own pass stopped the process: assertion gport == "
-                          "gport_exp, at " ) )
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "the plug-in's own pass stopped the process: assertion gport == "
+                                   "gport_exp, at " ) )
       << ran.out;
    EXPECT_TRUE( ran.out.ends_with( "STOPPED\n" ) ) << ran.out;
 }
@@ -103,8 +103,9 @@ TEST_F( Verify, ExitsWith3AndTellsTheStoryWhenTheProcessStopsBefore ) {
                "             operation: handleTepSegment, arguments: [ 10.0.0.2 ] }\n" );
 
    EXPECT_EQ( ran.exitCode, 3 );
-   EXPECT_TRUE( contains( ran.err, "STOPPED in step 2" ) ) << ran.err;
-   EXPECT_TRUE( contains( ran.out, "the plug-in's own pass: not-run\nSTOPPED\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.err, "STOPPED in step 2" ) ) << ran.err;
+   EXPECT_TRUE( Support::contains( ran.out, "the plug-in's own pass: not-run\nSTOPPED\n" ) )
+      << ran.out;
 }
 
 TEST_F( Verify, HasADocument ) {
@@ -148,9 +149,10 @@ TEST_F( Verify, AuditsAfterEachStepWhenAskedTo ) {
 
    auto const ran = command( Leaf(), healed, { "--after-each-step" } );
    EXPECT_EQ( ran.exitCode, 1 );
-   EXPECT_TRUE( contains( ran.out,
-                          "after step 2: drift: entry 5 of group ingress on unit 0 gets priority "
-                          "9\n   audit: 1 difference" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "after step 2: drift: entry 5 of group ingress on unit 0 gets priority "
+                         "9\n   audit: 1 difference" ) )
       << ran.out;
 
    Json const json = document( Leaf(), healed, { "--after-each-step" } );
@@ -184,9 +186,10 @@ TEST_F( Verify, APassThatComparesNothingIsSkippedAndHasNotHeld ) {
                         fullLeaf().text( others + "   - ready: subagents::l2Ready\n" ) ) } );
 
    EXPECT_EQ( ran.exitCode, 0 ) << ran.out << ran.err;
-   EXPECT_TRUE( contains( ran.out,
-                          "   the plug-in's own pass: skipped; a TCAM group counts as full, so the "
-                          "pass compares nothing\n" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out,
+                         "   the plug-in's own pass: skipped; a TCAM group counts as full, so the "
+                         "pass compares nothing\n" ) )
       << ran.out;
 
    Support::Ran const json = Support::vornal( { "verify", "--json", scenario() } );
@@ -200,9 +203,9 @@ TEST_F( Verify, ASwitchWithAVtepWithoutItsRuleIsNotInStepWithoutAWord ) {
                                                                "subagents::l2Ready\n" ) ) } );
 
    EXPECT_EQ( ran.exitCode, 0 );
-   EXPECT_TRUE( contains( ran.out,
-                          "audit: in sync, 1 known; 4 expected rules, 3 in the chip; 1 "
-                          "VTEP unprotected: 10.0.0.4\n" ) )
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "audit: in sync, 1 known; 4 expected rules, 3 in the chip; 1 "
+                                   "VTEP unprotected: 10.0.0.4\n" ) )
       << ran.out;
    EXPECT_TRUE( ran.out.ends_with( "IN SYNC, but with 1 VTEP unprotected: 10.0.0.4\n" ) )
       << ran.out;
@@ -218,7 +221,8 @@ TEST_F( Verify, AVtepWithoutItsClassIdIsUnprotected ) {
         directory.file( "leaf.yaml", classIdLeaf().text( "   - class-id-allocator: paused\n"
                                                          "   - ready: subagents::l2Ready\n" ) ) } );
 
-   EXPECT_TRUE( contains( ran.out, "2 VTEPs unprotected: 10.0.0.2, 10.0.0.4\n" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "2 VTEPs unprotected: 10.0.0.2, 10.0.0.4\n" ) )
+      << ran.out;
 }
 
 TEST_F( Verify, TheStepTellsOfAPassThatWasSkipped ) {
@@ -226,7 +230,8 @@ TEST_F( Verify, TheStepTellsOfAPassThatWasSkipped ) {
                                       "   - ready: subagents::l2Ready\n"
                                       "   - verify: plug-in\n" );
    auto const ran = Support::vornal( { "run", directory.file( "leaf.yaml", text ) } );
-   EXPECT_TRUE( contains( ran.out, "   the plug-in's own pass was skipped: a TCAM group counts" ) )
+   EXPECT_TRUE(
+      Support::contains( ran.out, "   the plug-in's own pass was skipped: a TCAM group counts" ) )
       << ran.out;
 
    auto const json = Support::vornal( { "run", "--json", scenario() } );
@@ -235,9 +240,9 @@ TEST_F( Verify, TheStepTellsOfAPassThatWasSkipped ) {
 
 TEST_F( Verify, NamesTheKnownLimitAtWhichThePassStops ) {
    std::string const file = VORNAL_SOURCE_DIR "/scenarios/limits/port-beyond-bitmap/scenario.yaml";
-   EXPECT_TRUE( contains( Support::vornal( { "verify", file } ).out,
-                          "known limit (docs/limits.md): A logical port above 351\n"
-                          "      Remedy: Use no segment on such ports;" ) );
+   EXPECT_TRUE( Support::contains( Support::vornal( { "verify", file } ).out,
+                                   "known limit (docs/limits.md): A logical port above 351\n"
+                                   "      Remedy: Use no segment on such ports;" ) );
 }
 
 TEST_F( Verify, HasNoPassOfAPlugInThatHasNotComeUp ) {
@@ -245,7 +250,7 @@ TEST_F( Verify, HasNoPassOfAPlugInThatHasNotComeUp ) {
       { "verify", directory.file( "leaf.yaml", Leaf().text( "   - note: nothing\n" ) ) } );
 
    EXPECT_EQ( ran.exitCode, 0 );
-   EXPECT_TRUE( contains( ran.out, "the plug-in's own pass: absent" ) ) << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out, "the plug-in's own pass: absent" ) ) << ran.out;
 }
 
 // --- The step
@@ -254,12 +259,13 @@ TEST_F( Verify, TheStepShowsInTheStoryAndInTheDocument ) {
    std::string const steps = unseen + "   - verify: both\n";
    auto const told = command( Leaf(), steps, {}, "run" );
    EXPECT_EQ( told.exitCode, 0 );
-   EXPECT_TRUE( contains( told.out,
-                          "step 3: verify by the audit and the plug-in's own pass\n"
-                          "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
-                          "      wrong-priority: " ) )
+   EXPECT_TRUE(
+      Support::contains( told.out,
+                         "step 3: verify by the audit and the plug-in's own pass\n"
+                         "   audit: 1 difference, 0 known; 5 expected rules, 5 in the chip\n"
+                         "      wrong-priority: " ) )
       << told.out;
-   EXPECT_TRUE( contains( told.out, "   the plug-in's own pass held\n" ) ) << told.out;
+   EXPECT_TRUE( Support::contains( told.out, "   the plug-in's own pass held\n" ) ) << told.out;
 
    Json const json = Json::parse( command( Leaf(), steps, { "--json" }, "run" ).out );
    Json const step = json[ "steps" ][ 3 ];
@@ -289,10 +295,11 @@ TEST_F( Verify, AuditsCanBeExpected ) {
                              {}, "run" );
 
    EXPECT_EQ( ran.exitCode, 1 );
-   EXPECT_TRUE( contains( ran.out, "FAILED: 1 of 6 expectations did not hold" ) ) << ran.out;
-   EXPECT_TRUE( contains( ran.out,
-                          "NOT as expected: an audit finds some missing-rule; it finds 1 "
-                          "wrong-priority" ) )
+   EXPECT_TRUE( Support::contains( ran.out, "FAILED: 1 of 6 expectations did not hold" ) )
+      << ran.out;
+   EXPECT_TRUE( Support::contains( ran.out,
+                                   "NOT as expected: an audit finds some missing-rule; it finds 1 "
+                                   "wrong-priority" ) )
       << ran.out;
 }
 

@@ -17,13 +17,13 @@ namespace KivWalkModelTest {
 using Quelm::Ptr;
 using Support::Switch;
 
-struct Step {
+struct WalkStep {
    enum Kind { Set, Delete, DeleteCurrent, DeleteAll, Walk, Advance } kind;
    U16 key;
    U32 value;
 };
 
-std::ostream & operator<<( std::ostream & out, Step const & step ) {
+std::ostream & operator<<( std::ostream & out, WalkStep const & step ) {
    static char const * const name[] = { "Set",       "Delete", "DeleteCurrent",
                                         "DeleteAll", "Walk",   "Advance" };
    return out << name[ step.kind ] << ' ' << step.key << ' ' << step.value;
@@ -83,7 +83,7 @@ class Model {
 // of its own. Both players return when their walk is over or the steps are.
 class ModelPlayer {
  public:
-   explicit ModelPlayer( std::vector< Step > const & steps ) : steps_( steps ) {}
+   explicit ModelPlayer( std::vector< WalkStep > const & steps ) : steps_( steps ) {}
 
    void walk() {
       Model::Walk walk = model_.walk();
@@ -96,16 +96,16 @@ class ModelPlayer {
       }
    }
    // True when the walk is to move on.
-   bool play( Step const & step, U16 current ) {
+   bool play( WalkStep const & step, U16 current ) {
       switch ( step.kind ) {
-      case Step::Set: model_.set( step.key, step.value ); break;
-      case Step::Delete: story_.emplace_back( step.key, model_.remove( step.key ) ); break;
-      case Step::DeleteCurrent:
+      case WalkStep::Set: model_.set( step.key, step.value ); break;
+      case WalkStep::Delete: story_.emplace_back( step.key, model_.remove( step.key ) ); break;
+      case WalkStep::DeleteCurrent:
          story_.emplace_back( current, model_.remove( current ) );
          return true;
-      case Step::DeleteAll: model_.removeAll(); break;
-      case Step::Walk: walk(); break;
-      case Step::Advance: return true;
+      case WalkStep::DeleteAll: model_.removeAll(); break;
+      case WalkStep::Walk: walk(); break;
+      case WalkStep::Advance: return true;
       }
       return false;
    }
@@ -115,12 +115,12 @@ class ModelPlayer {
    std::size_t at_ = 0;
 
  private:
-   std::vector< Step > const & steps_;
+   std::vector< WalkStep > const & steps_;
 };
 
 class CollectionPlayer {
  public:
-   explicit CollectionPlayer( std::vector< Step > const & steps ) : steps_( steps ) {}
+   explicit CollectionPlayer( std::vector< WalkStep > const & steps ) : steps_( steps ) {}
 
    void walk() {
       auto iter = switch_->noteIter();
@@ -131,18 +131,18 @@ class CollectionPlayer {
          }
       }
    }
-   bool play( Step const & step, U16 current ) {
+   bool play( WalkStep const & step, U16 current ) {
       switch ( step.kind ) {
-      case Step::Set: set( step.key, step.value ); break;
-      case Step::Delete:
+      case WalkStep::Set: set( step.key, step.value ); break;
+      case WalkStep::Delete:
          story_.emplace_back( step.key, number( switch_->noteDel( step.key ) ) );
          break;
-      case Step::DeleteCurrent:
+      case WalkStep::DeleteCurrent:
          story_.emplace_back( current, number( switch_->noteDel( current ) ) );
          return true;
-      case Step::DeleteAll: switch_->noteDelAll(); break;
-      case Step::Walk: walk(); break;
-      case Step::Advance: return true;
+      case WalkStep::DeleteAll: switch_->noteDelAll(); break;
+      case WalkStep::Walk: walk(); break;
+      case WalkStep::Advance: return true;
       }
       return false;
    }
@@ -168,20 +168,20 @@ class CollectionPlayer {
                           : static_cast< U32 >( std::stoul( text.substr( text.rfind( ' ' ) ) ) );
    }
 
-   std::vector< Step > const & steps_;
+   std::vector< WalkStep > const & steps_;
    Ptr< Switch > switch_ = Quelm::make< Switch >( "leaf1" );
 };
 
-rc::Gen< std::vector< Step > > anySteps() {
-   auto const kind = rc::gen::weightedElement< Step::Kind >( { { 6, Step::Set },
-                                                               { 5, Step::Delete },
-                                                               { 3, Step::DeleteCurrent },
-                                                               { 1, Step::DeleteAll },
-                                                               { 3, Step::Walk },
-                                                               { 6, Step::Advance } } );
-   return rc::gen::container< std::vector< Step > >(
-      rc::gen::construct< Step >( kind, rc::gen::inRange< U16 >( 0, 12 ),
-                                  rc::gen::inRange< U32 >( 1, 1000 ) ) );
+rc::Gen< std::vector< WalkStep > > anySteps() {
+   auto const kind = rc::gen::weightedElement< WalkStep::Kind >( { { 6, WalkStep::Set },
+                                                                   { 5, WalkStep::Delete },
+                                                                   { 3, WalkStep::DeleteCurrent },
+                                                                   { 1, WalkStep::DeleteAll },
+                                                                   { 3, WalkStep::Walk },
+                                                                   { 6, WalkStep::Advance } } );
+   return rc::gen::container< std::vector< WalkStep > >(
+      rc::gen::construct< WalkStep >( kind, rc::gen::inRange< U16 >( 0, 12 ),
+                                      rc::gen::inRange< U32 >( 1, 1000 ) ) );
 }
 
 RC_GTEST_PROP( KivWalkModel, AnyChangesDuringAnyWalksAreSeenAsByTheModel, () ) {

@@ -13,24 +13,24 @@ namespace QuelmPtrTest {
 
 using Quelm::Ptr;
 
-class Tunnel : public Quelm::Counted {
+class CountedTunnel : public Quelm::Counted {
  public:
-   explicit Tunnel( int & destroyed ) : destroyed_( destroyed ) {}
-   ~Tunnel() override { ++destroyed_; }
+   explicit CountedTunnel( int & destroyed ) : destroyed_( destroyed ) {}
+   ~CountedTunnel() override { ++destroyed_; }
    int vni() const { return 10100; }
 
  private:
    int & destroyed_;
 };
 
-class VxlanTunnel : public Tunnel {
+class VxlanTunnel : public CountedTunnel {
  public:
-   using Tunnel::Tunnel;
+   using CountedTunnel::CountedTunnel;
 };
 
-class OtherTunnel : public Tunnel {
+class OtherTunnel : public CountedTunnel {
  public:
-   using Tunnel::Tunnel;
+   using CountedTunnel::CountedTunnel;
 };
 
 // Refers to itself while it is built and while it is destroyed, as handlers of its own may.
@@ -71,10 +71,10 @@ class Pooled : public Quelm::Counted {
 
 TEST( QuelmPtr, ObjectLivesUntilItsLastUserLetsGo ) {
    int destroyed = 0;
-   Ptr< Tunnel > first = Quelm::make< Tunnel >( destroyed );
+   Ptr< CountedTunnel > first = Quelm::make< CountedTunnel >( destroyed );
    EXPECT_EQ( first->users(), 1U );
    {
-      Ptr< Tunnel > const second = first;
+      Ptr< CountedTunnel > const second = first;
       EXPECT_EQ( first->users(), 2U );
       first = nullptr;
       EXPECT_EQ( destroyed, 0 );
@@ -85,16 +85,16 @@ TEST( QuelmPtr, ObjectLivesUntilItsLastUserLetsGo ) {
 
 TEST( QuelmPtr, MovingHandsTheUseOver ) {
    int destroyed = 0;
-   Ptr< Tunnel > first = Quelm::make< Tunnel >( destroyed );
-   Ptr< Tunnel > const second = std::move( first );
+   Ptr< CountedTunnel > first = Quelm::make< CountedTunnel >( destroyed );
+   Ptr< CountedTunnel > const second = std::move( first );
    EXPECT_EQ( second->users(), 1U );
    EXPECT_FALSE( first );  // NOLINT(bugprone-use-after-move): that it is empty is what is shown
 }
 
 TEST( QuelmPtr, AssigningItselfChangesNothing ) {
    int destroyed = 0;
-   Ptr< Tunnel > tunnel = Quelm::make< Tunnel >( destroyed );
-   Ptr< Tunnel > const & same = tunnel;
+   Ptr< CountedTunnel > tunnel = Quelm::make< CountedTunnel >( destroyed );
+   Ptr< CountedTunnel > const & same = tunnel;
    tunnel = same;
    EXPECT_EQ( tunnel->users(), 1U );
    EXPECT_EQ( destroyed, 0 );
@@ -102,8 +102,8 @@ TEST( QuelmPtr, AssigningItselfChangesNothing ) {
 
 TEST( QuelmPtr, PlainThisBecomesAReferenceAtAnyTime ) {
    int destroyed = 0;
-   Ptr< Tunnel > const tunnel = Quelm::make< Tunnel >( destroyed );
-   Ptr< Tunnel > const again( tunnel.get() );
+   Ptr< CountedTunnel > const tunnel = Quelm::make< CountedTunnel >( destroyed );
+   Ptr< CountedTunnel > const again( tunnel.get() );
    EXPECT_EQ( tunnel->users(), 2U );
    EXPECT_EQ( again, tunnel );
 }
@@ -122,7 +122,7 @@ TEST( QuelmPtr, DestructorOfTheOldTargetSeesTheNewOne ) {
    Ptr< Quelm::Counted > current;
    Ptr< Quelm::Counted > seen;
    current = Quelm::make< Farewell >( [ & ] { seen = current; } );
-   Ptr< Tunnel > const next = Quelm::make< Tunnel >( destroyed );
+   Ptr< CountedTunnel > const next = Quelm::make< CountedTunnel >( destroyed );
    current = next;
    EXPECT_EQ( seen, next );
 }
@@ -136,50 +136,50 @@ TEST( QuelmPtr, ClassMayDecideWhatHappensWhenItsLastUserIsGone ) {
 TEST( QuelmPtr, ConvertsToBasesAndToConst ) {
    int destroyed = 0;
    Ptr< VxlanTunnel > const tunnel = Quelm::make< VxlanTunnel >( destroyed );
-   Ptr< Tunnel const > const base = tunnel;
+   Ptr< CountedTunnel const > const base = tunnel;
    EXPECT_EQ( base->users(), 2U );
    EXPECT_EQ( base->vni(), 10100 );
    EXPECT_TRUE( base == tunnel );
    EXPECT_TRUE( tunnel == base );
-   static_assert( !std::is_constructible_v< Ptr< VxlanTunnel >, Ptr< Tunnel > > );
-   static_assert( !std::is_constructible_v< Ptr< Tunnel >, Ptr< Tunnel const > > );
+   static_assert( !std::is_constructible_v< Ptr< VxlanTunnel >, Ptr< CountedTunnel > > );
+   static_assert( !std::is_constructible_v< Ptr< CountedTunnel >, Ptr< CountedTunnel const > > );
 }
 
 TEST( QuelmPtr, DynamicCastFindsTheDerivedObjectOrNothing ) {
    int destroyed = 0;
-   Ptr< Tunnel > const tunnel = Quelm::make< VxlanTunnel >( destroyed );
+   Ptr< CountedTunnel > const tunnel = Quelm::make< VxlanTunnel >( destroyed );
    EXPECT_EQ( Quelm::dynamicCast< VxlanTunnel >( tunnel ), tunnel );
    EXPECT_EQ( Quelm::dynamicCast< OtherTunnel >( tunnel ), nullptr );
-   EXPECT_EQ( Quelm::dynamicCast< VxlanTunnel >( Ptr< Tunnel >() ), nullptr );
+   EXPECT_EQ( Quelm::dynamicCast< VxlanTunnel >( Ptr< CountedTunnel >() ), nullptr );
    EXPECT_EQ( tunnel->users(), 1U );
 }
 
 TEST( QuelmPtr, ReleasedUseIsTakenOverByAdopt ) {
    int destroyed = 0;
-   Ptr< Tunnel > tunnel = Quelm::make< Tunnel >( destroyed );
-   Tunnel * const plain = tunnel.release();
+   Ptr< CountedTunnel > tunnel = Quelm::make< CountedTunnel >( destroyed );
+   CountedTunnel * const plain = tunnel.release();
    EXPECT_FALSE( tunnel );
    EXPECT_EQ( destroyed, 0 );
-   tunnel = Ptr< Tunnel >::adopt( plain );
+   tunnel = Ptr< CountedTunnel >::adopt( plain );
    EXPECT_EQ( tunnel->users(), 1U );
 }
 
 TEST( QuelmPtr, EqualMeansTheSameObject ) {
    int destroyed = 0;
-   Ptr< Tunnel > const tunnel = Quelm::make< Tunnel >( destroyed );
-   Ptr< Tunnel > const other = Quelm::make< Tunnel >( destroyed );
-   Ptr< Tunnel > const same( tunnel.get() );
+   Ptr< CountedTunnel > const tunnel = Quelm::make< CountedTunnel >( destroyed );
+   Ptr< CountedTunnel > const other = Quelm::make< CountedTunnel >( destroyed );
+   Ptr< CountedTunnel > const same( tunnel.get() );
    EXPECT_EQ( tunnel, same );
    EXPECT_NE( tunnel, other );
    EXPECT_NE( tunnel, nullptr );
-   EXPECT_EQ( Ptr< Tunnel >(), nullptr );
-   EXPECT_EQ( ( std::unordered_set< Ptr< Tunnel > >{ tunnel, same, other } ).size(), 2U );
+   EXPECT_EQ( Ptr< CountedTunnel >(), nullptr );
+   EXPECT_EQ( ( std::unordered_set< Ptr< CountedTunnel > >{ tunnel, same, other } ).size(), 2U );
 }
 
 TEST( QuelmPtrDeathTest, UsingAnEmptyReferenceStopsTheProcess ) {
-   Ptr< Tunnel > const empty;
+   Ptr< CountedTunnel > const empty;
    char const * const said =
-      "Ptr\\.h:[0-9]+: .*Quelm::Ptr<.*operator->.*T = QuelmPtrTest::Tunnel\\]: "
+      "Ptr\\.h:[0-9]+: .*Quelm::Ptr<.*operator->.*T = QuelmPtrTest::CountedTunnel\\]: "
       "Assertion '\"reference is not empty\" && target_' failed\\.\n$";
    EXPECT_EXIT( empty->vni(), testing::KilledBySignal( SIGABRT ), said );
    EXPECT_EXIT( ( *empty ).vni(), testing::KilledBySignal( SIGABRT ), said );

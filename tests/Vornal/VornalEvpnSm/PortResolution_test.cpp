@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "../support/LocalBiasSwitch.h"
+#include "../support/Ports.h"
 #include "../support/Stops.h"
 
 namespace {
@@ -12,17 +13,9 @@ using Support::intf;
 using Support::ip;
 using Support::Lines;
 using Support::LocalBiasSwitch;
+using Support::portsOf;
 using Support::Variant;
 using VornalTypes::VornalPort;
-using VornalTypes::VornalPortList;
-
-VornalPortList portsOf( std::vector< VornalPort > const & ports ) {
-   VornalPortList list;
-   for ( VornalPort const & port : ports ) {
-      list.portIs( port );
-   }
-   return list;
-}
 
 // A switch of two units on which Port-Channel2 has members on both, and both VTEPs share it.
 class TwoUnits : public testing::Test {

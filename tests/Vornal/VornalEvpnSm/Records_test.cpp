@@ -7,8 +7,11 @@
 #include <VornalEvpnSm/PortLists.h>
 #include <VornalEvpnSm/TepIpToEntry.h>
 
+#include "../support/Ports.h"
+
 namespace {
 
+using Support::portsOf;
 using Vornal::PortListsOnUpdate;
 using Vornal::SharedESPortInfo;
 using Vornal::TepIpToEntry;
@@ -17,14 +20,6 @@ using VornalTypes::VornalPortList;
 
 Pelk::IpGenAddr const vtep2 = Pelk::IpGenAddr::fromString( "10.0.0.2" );
 Pelk::IpGenAddr const vtep3 = Pelk::IpGenAddr::fromString( "2001:db8::3" );
-
-VornalPortList portsOf( std::vector< VornalPort > const & ports ) {
-   VornalPortList list;
-   for ( VornalPort const & port : ports ) {
-      list.portIs( port );
-   }
-   return list;
-}
 
 SharedESPortInfo infoOf( std::vector< U32 > const & bits, VornalPortList const & ports ) {
    Brum::PerUnitBitmap bitmap;

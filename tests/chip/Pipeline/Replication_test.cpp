@@ -24,7 +24,7 @@ VornalPort portOf( FrameStory const & story, std::string_view interface ) {
    return {};
 }
 
-FrameFields flow( U16 sourcePort ) {
+FrameFields flowFromLeaf2( U16 sourcePort ) {
    FrameFields frame = fromLeaf2();
    frame.sourcePort = sourcePort;
    return frame;
@@ -88,8 +88,9 @@ TEST( Replication, APortChannelGetsOneCopyByAMemberThatTheFlowChooses ) {
    Leaf leaf1;
    std::map< VornalPort, int > flows;
    for ( U16 sourcePort = 1; sourcePort <= 1000; ++sourcePort ) {
-      VornalPort const member = portOf( leaf1.forward( flow( sourcePort ) ), "Port-Channel1" );
-      EXPECT_EQ( portOf( leaf1.forward( flow( sourcePort ) ), "Port-Channel1" ), member );
+      VornalPort const member =
+         portOf( leaf1.forward( flowFromLeaf2( sourcePort ) ), "Port-Channel1" );
+      EXPECT_EQ( portOf( leaf1.forward( flowFromLeaf2( sourcePort ) ), "Port-Channel1" ), member );
       ++flows[ member ];
    }
    EXPECT_EQ( flows.size(), 2U );
@@ -100,7 +101,7 @@ TEST( Replication, APortChannelGetsOneCopyByAMemberThatTheFlowChooses ) {
 TEST( Replication, AFlowTakesTheSameMemberThroughATunnelAndFromAnAccessPort ) {
    Leaf leaf1;
    for ( U16 sourcePort = 1; sourcePort <= 100; ++sourcePort ) {
-      FrameFields frame = flow( sourcePort );
+      FrameFields frame = flowFromLeaf2( sourcePort );
       VornalPort const member = portOf( leaf1.forward( frame ), "Port-Channel1" );
       frame.outer.reset();
       EXPECT_EQ( portOf( leaf1.forward( frame ), "Port-Channel1" ), member );

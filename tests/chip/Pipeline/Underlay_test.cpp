@@ -32,7 +32,7 @@ Chip::ForwardingConfig overTwoPortChannels() {
    return config;
 }
 
-FrameFields flow( U16 sourcePort ) {
+FrameFields flowFromHost1( U16 sourcePort ) {
    FrameFields frame = fromHost1();
    frame.sourcePort = sourcePort;
    return frame;
@@ -53,7 +53,7 @@ Copy copyFor( FrameStory const & story, IpGenAddr const & vtep ) {
 std::map< VornalPort, int > flowsByPort( Leaf & leaf1 ) {
    std::map< VornalPort, int > flows;
    for ( U16 sourcePort = 1; sourcePort <= 1000; ++sourcePort ) {
-      ++flows[ copyFor( leaf1.forward( flow( sourcePort ) ), kLeaf2 ).port ];
+      ++flows[ copyFor( leaf1.forward( flowFromHost1( sourcePort ) ), kLeaf2 ).port ];
    }
    return flows;
 }
@@ -71,11 +71,11 @@ TEST( UnderlayPortChannel, TakesFramesOnAnyMember ) {
 TEST( UnderlayPortChannel, SendsEachFlowByOneMember ) {
    Leaf leaf1( overPortChannel() );
    for ( U16 sourcePort = 1; sourcePort <= 100; ++sourcePort ) {
-      Copy const first = copyFor( leaf1.forward( flow( sourcePort ) ), kLeaf2 );
+      Copy const first = copyFor( leaf1.forward( flowFromHost1( sourcePort ) ), kLeaf2 );
       EXPECT_EQ( nameOf( first.verdict ), "sent" );
       EXPECT_EQ( first.intfId, intf( "Port-Channel49" ) );
       EXPECT_FALSE( leaf1.wire.sent.empty() );
-      EXPECT_EQ( copyFor( leaf1.forward( flow( sourcePort ) ), kLeaf2 ).port, first.port );
+      EXPECT_EQ( copyFor( leaf1.forward( flowFromHost1( sourcePort ) ), kLeaf2 ).port, first.port );
    }
    auto flows = flowsByPort( leaf1 );
    EXPECT_EQ( flows.size(), 2U );
