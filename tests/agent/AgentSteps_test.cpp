@@ -1,14 +1,14 @@
-// Steps that concern others than the plug-in: users of the TCAM, the allocator of class ids; and
-// dumps.
+// AgentSteps that concern others than the plug-in: users of the TCAM, the allocator of class ids;
+// and dumps.
 #include <gtest/gtest.h>
 
 #include <AgentRun.h>
 
 namespace {
 
-using Steps = AgentRun;
+using AgentSteps = AgentRun;
 
-TEST_F( Steps, LetOthersTakeTheRoomOfAGroupAndGiveItBack ) {
+TEST_F( AgentSteps, LetOthersTakeTheRoomOfAGroupAndGiveItBack ) {
    run(
       "   - foreign-entries: { group: ingress, unit: 0, count: 9 }\n"
       "   - ready: subagents::l2Ready\n"
@@ -24,7 +24,7 @@ TEST_F( Steps, LetOthersTakeTheRoomOfAGroupAndGiveItBack ) {
    EXPECT_EQ( held[ 0 ].held, 8U );
 }
 
-TEST_F( Steps, ExpectRulesByWhatTheyAreCalledMatchAndDo ) {
+TEST_F( AgentSteps, ExpectRulesByWhatTheyAreCalledMatchAndDo ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - expect:\n"
@@ -46,7 +46,7 @@ TEST_F( Steps, ExpectRulesByWhatTheyAreCalledMatchAndDo ) {
               "there is one; the group has no other rules" );
 }
 
-TEST_F( Steps, DumpRulesAndEntities ) {
+TEST_F( AgentSteps, DumpRulesAndEntities ) {
    run(
       "   - ready: subagents::l2Ready\n"
       "   - dump: rules\n"
@@ -58,7 +58,7 @@ TEST_F( Steps, DumpRulesAndEntities ) {
    EXPECT_EQ( dumped.tree.type, "Evpn::EvpnStatus" );
 }
 
-TEST_F( Steps, EndTheRunAtADumpOfWhatIsNotThere ) {
+TEST_F( AgentSteps, EndTheRunAtADumpOfWhatIsNotThere ) {
    run( "   - dump: /evpn/nothing\n" );
 
    EXPECT_NE( story.all< Story::BadInput >().at( 0 ).text.find( "leaf.yaml:20: " ),
@@ -82,20 +82,20 @@ std::string const kAsk =
 
 using Grants = std::vector< std::string >;
 
-TEST_F( Steps, AreOverWhenTheAllocatorHasServedWhatTheyAskFor ) {
+TEST_F( AgentSteps, AreOverWhenTheAllocatorHasServedWhatTheyAskFor ) {
    run( kAsk );
 
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 1 ) ), Grants{ "1" } );
 }
 
-TEST_F( Steps, PauseTheAllocatorAndLetItServe ) {
+TEST_F( AgentSteps, PauseTheAllocatorAndLetItServe ) {
    run( "   - class-id-allocator: paused\n" + kAsk + "   - class-id-allocator: serving\n" );
 
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 2 ) ), Grants() );
    EXPECT_EQ( grantsIn( inStep< Story::PublishedChange >( 3 ) ), Grants{ "1" } );
 }
 
-TEST_F( Steps, GrantChangeAndWithdrawClassIdsByHand ) {
+TEST_F( AgentSteps, GrantChangeAndWithdrawClassIdsByHand ) {
    run( kAsk +
         "   - publish: { class-id-grants: { 10.0.0.2: 7 } }\n"
         "   - withdraw: { class-id-grants: [ 10.0.0.2 ] }\n" );
@@ -105,7 +105,7 @@ TEST_F( Steps, GrantChangeAndWithdrawClassIdsByHand ) {
 }
 
 // The reader cannot know what is published behind a step of the generic interface.
-TEST_F( Steps, EndTheScenarioWhereThereIsNothingToWithdraw ) {
+TEST_F( AgentSteps, EndTheScenarioWhereThereIsNothingToWithdraw ) {
    std::vector< std::pair< std::string, std::string > > const all{
       { "segments: { Ethernet1: [ 10.9.9.9 ] }",
         "10.9.9.9 is not attached to a segment on Ethernet1" },
@@ -127,7 +127,7 @@ TEST_F( Steps, EndTheScenarioWhereThereIsNothingToWithdraw ) {
    EXPECT_EQ( story.all< Story::BadInput >().size(), all.size() );
 }
 
-TEST_F( Steps, EndTheScenarioWhereThereIsNothingToDelete ) {
+TEST_F( AgentSteps, EndTheScenarioWhereThereIsNothingToDelete ) {
    run( "   - delete: { entity: /evpn/status, attribute: segmentStatus, key: Ethernet77 }\n" );
 
    EXPECT_TRUE( badInput().ends_with(

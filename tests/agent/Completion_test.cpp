@@ -9,7 +9,7 @@
 
 namespace {
 
-using Words = std::set< std::string >;
+using WordSet = std::set< std::string >;
 
 class Completion : public testing::Test {
  protected:
@@ -21,7 +21,7 @@ class Completion : public testing::Test {
 
    // What bash completes the last of the words to; the words are those of bash, which takes '=' as
    // one of its own.
-   Words completed( std::vector< std::string > const & words ) const {
+   WordSet completed( std::vector< std::string > const & words ) const {
       std::string text = "source " + bash.string() + "\nCOMP_WORDS=( vornal";
       for ( std::string const & word : words ) {
          text += " '" + word + '\'';
@@ -31,12 +31,12 @@ class Completion : public testing::Test {
       return printed( "bash --norc " + directory.file( "ask", text ).string() );
    }
 
-   Words printed( std::string const & command ) const {
+   WordSet printed( std::string const & command ) const {
       std::string const out = directory.path() / "out";
       std::string const line =
          "cd " + directory.path().string() + " && " + command + " > " + out + " 2>&1";
       EXPECT_NE( std::system( line.c_str() ), -1 );
-      Words result;
+      WordSet result;
       std::istringstream lines( Support::contentOf( out ) );
       for ( std::string one; std::getline( lines, one ); ) {
          if ( !one.empty() ) {
@@ -52,48 +52,48 @@ class Completion : public testing::Test {
 };
 
 TEST_F( Completion, OfTheFirstWordIsACommandOrAnOptionOfTheProgram ) {
-   Words expected{ "--help", "--version" };
+   WordSet expected{ "--help", "--version" };
    for ( std::string_view const name : CommandLine::commandNames() ) {
       expected.insert( std::string( name ) );
    }
    EXPECT_EQ( completed( { "" } ), expected );
-   EXPECT_EQ( completed( { "ver" } ), Words{ "verify" } );
-   EXPECT_EQ( completed( { "--v" } ), Words{ "--version" } );
-   EXPECT_EQ( completed( { "x" } ), Words{} );
+   EXPECT_EQ( completed( { "ver" } ), WordSet{ "verify" } );
+   EXPECT_EQ( completed( { "--v" } ), WordSet{ "--version" } );
+   EXPECT_EQ( completed( { "x" } ), WordSet{} );
 }
 
 TEST_F( Completion, OfAnOptionIsOneOfTheCommand ) {
-   EXPECT_EQ( completed( { "run", "--t" } ), ( Words{ "--then", "--trace", "--turn-limit" } ) );
+   EXPECT_EQ( completed( { "run", "--t" } ), ( WordSet{ "--then", "--trace", "--turn-limit" } ) );
    EXPECT_EQ( completed( { "verify", "leaf.yaml", "--a" } ),
-              ( Words{ "--after", "--after-each-step" } ) );
-   EXPECT_EQ( completed( { "schema", "--j" } ), Words{} );
+              ( WordSet{ "--after", "--after-each-step" } ) );
+   EXPECT_EQ( completed( { "schema", "--j" } ), WordSet{} );
 }
 
 TEST_F( Completion, OfAScenarioIsAFile ) {
-   EXPECT_EQ( completed( { "run", "l" } ), ( Words{ "leaf.yaml", "leaves" } ) );
-   EXPECT_EQ( completed( { "run", "--json", "tw" } ), Words{ "two words.yaml" } );
-   EXPECT_EQ( completed( { "check", "leaf.yaml", "tw" } ), Words{ "two words.yaml" } );
+   EXPECT_EQ( completed( { "run", "l" } ), ( WordSet{ "leaf.yaml", "leaves" } ) );
+   EXPECT_EQ( completed( { "run", "--json", "tw" } ), WordSet{ "two words.yaml" } );
+   EXPECT_EQ( completed( { "check", "leaf.yaml", "tw" } ), WordSet{ "two words.yaml" } );
 }
 
 TEST_F( Completion, OfTheThingToShowIsOneOfThem ) {
-   EXPECT_EQ( completed( { "show", "leaf.yaml", "v" } ), Words{ "vteps" } );
+   EXPECT_EQ( completed( { "show", "leaf.yaml", "v" } ), WordSet{ "vteps" } );
    EXPECT_EQ( completed( { "show", "--json", "--after", "3", "leaf.yaml", "s" } ),
-              ( Words{ "segments", "state" } ) );
-   EXPECT_EQ( completed( { "help", "sch" } ), Words{ "schema" } );
+              ( WordSet{ "segments", "state" } ) );
+   EXPECT_EQ( completed( { "help", "sch" } ), WordSet{ "schema" } );
 }
 
 TEST_F( Completion, OfAValueFollowsItsOption ) {
-   EXPECT_EQ( completed( { "run", "--pcap-out", "l" } ), Words{ "leaves" } );
-   EXPECT_EQ( completed( { "run", "--plugin", "l" } ), ( Words{ "leaf.yaml", "leaves" } ) );
-   EXPECT_EQ( completed( { "run", "--plugin", "=", "leaf" } ), Words{ "leaf.yaml" } );
-   EXPECT_EQ( completed( { "run", "--pcap-out", "=" } ), Words{ "leaves" } );
-   EXPECT_EQ( completed( { "run", "--until", "l" } ), Words{} );
-   EXPECT_EQ( completed( { "show", "--after", "=", "3", "leaf.yaml", "tc" } ), Words{ "tcam" } );
+   EXPECT_EQ( completed( { "run", "--pcap-out", "l" } ), WordSet{ "leaves" } );
+   EXPECT_EQ( completed( { "run", "--plugin", "l" } ), ( WordSet{ "leaf.yaml", "leaves" } ) );
+   EXPECT_EQ( completed( { "run", "--plugin", "=", "leaf" } ), WordSet{ "leaf.yaml" } );
+   EXPECT_EQ( completed( { "run", "--pcap-out", "=" } ), WordSet{ "leaves" } );
+   EXPECT_EQ( completed( { "run", "--until", "l" } ), WordSet{} );
+   EXPECT_EQ( completed( { "show", "--after", "=", "3", "leaf.yaml", "tc" } ), WordSet{ "tcam" } );
 }
 
 TEST_F( Completion, IsKnownToBash ) {
    EXPECT_EQ( printed( "bash --norc -c 'source " + bash.string() + "; complete -p vornal'" ),
-              Words{ "complete -F _vornal vornal" } );
+              WordSet{ "complete -F _vornal vornal" } );
 }
 
 TEST_F( Completion, OfAnUnknownShellIsRefused ) {
@@ -133,10 +133,10 @@ TEST_F( Completion, OfEachKindOfWordWorksInZsh ) {
       "'vornal check leaf.yaml tw' 'vornal run --pcap-out leav' "
       "'vornal help expla'";
    EXPECT_EQ( printed( "zsh -f ask " + lines ),
-              ( Words{ "vornal verify ", "vornal run --pcap-out=",
-                       "vornal show leaf.yaml counters ", "vornal show --after 3 leaf.yaml tcam ",
-                       "vornal run two\\ words.yaml ", "vornal check leaf.yaml two\\ words.yaml ",
-                       "vornal run --pcap-out leaves/", "vornal help explain " } ) );
+              ( WordSet{ "vornal verify ", "vornal run --pcap-out=",
+                         "vornal show leaf.yaml counters ", "vornal show --after 3 leaf.yaml tcam ",
+                         "vornal run two\\ words.yaml ", "vornal check leaf.yaml two\\ words.yaml ",
+                         "vornal run --pcap-out leaves/", "vornal help explain " } ) );
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ TEST_F( ChipDrift, IsRefusedWhereThereIsNothingToChange ) {
 
 // --- The step
 
-class DriftStep : public AuditRun {
+class DriftInAScenario : public AuditRun {
  protected:
    // What is said of a step that cannot be carried out.
    std::string refusal( std::string const & words ) {
@@ -125,7 +125,7 @@ class DriftStep : public AuditRun {
    }
 };
 
-TEST_F( DriftStep, ShowsInTheStoryAsAChangedRule ) {
+TEST_F( DriftInAScenario, ShowsInTheStoryAsAChangedRule ) {
    play( Leaf(),
          "   - ready: subagents::l2Ready\n"
          "   - drift: { group: ingress, unit: 0, rule: 10.0.0.2, priority: 7 }\n"
@@ -136,7 +136,7 @@ TEST_F( DriftStep, ShowsInTheStoryAsAChangedRule ) {
    EXPECT_TRUE( inStep< Story::CallMade >( 2 ).empty() );
 }
 
-TEST_F( DriftStep, NamesOneRule ) {
+TEST_F( DriftInAScenario, NamesOneRule ) {
    std::string const text = refusal( "group: ingress, rule: from vtep IP, flip: SrcVxlanGport" );
    EXPECT_TRUE( text.starts_with( "leaf.yaml:" ) ) << text;
    EXPECT_TRUE(
@@ -149,7 +149,7 @@ TEST_F( DriftStep, NamesOneRule ) {
                                "and 'dump: rules' shows their names" ) );
 }
 
-TEST_F( DriftStep, SaysWhyARuleCannotChangeSo ) {
+TEST_F( DriftInAScenario, SaysWhyARuleCannotChangeSo ) {
    std::string const entry = "entry 1 of group 157 on unit 0 cannot drift like this: ";
    struct Case {
       char const * words;

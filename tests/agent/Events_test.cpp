@@ -13,14 +13,13 @@
 
 namespace {
 
-using Story::Json;
 using Names = std::set< std::string >;
 
-std::vector< Json > linesOf( std::string const & text ) {
-   std::vector< Json > lines;
+std::vector< Story::Json > linesOf( std::string const & text ) {
+   std::vector< Story::Json > lines;
    std::istringstream in( text );
    for ( std::string line; std::getline( in, line ); ) {
-      lines.push_back( Json::parse( line ) );
+      lines.push_back( Story::Json::parse( line ) );
    }
    return lines;
 }
@@ -100,7 +99,7 @@ TEST_F( Events, OfARunAreTheWholeStoryAndItsExitCodeStays ) {
    EXPECT_TRUE( ran.out.starts_with( R"({"formatVersion":"1.0","event":"runBegins",)" ) );
    EXPECT_EQ( lines.back()[ "event" ], "runEnds" );
    Names names;
-   for ( Json const & line : lines ) {
+   for ( Story::Json const & line : lines ) {
       names.insert( line[ "event" ].get< std::string >() );
    }
    for ( char const * const name : { "publishedChange", "stepBegins", "pluginLoaded", "callMade",
@@ -193,7 +192,7 @@ std::map< std::string, Names > eventsInDocument() {
 TEST( EventsOfTheDocument, AreThoseOfTheProgramWithTheirMembers ) {
    std::map< std::string, Names > written;
    for ( Story::Event const & event : OneOfEach::events() ) {
-      Json const json = jsonOf( event );
+      Story::Json const json = jsonOf( event );
       Names & members = written[ json[ "event" ].get< std::string >() ];
       for ( auto const & [ name, value ] : json.items() ) {
          if ( name != "event" ) {

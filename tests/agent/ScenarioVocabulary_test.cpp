@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using Json = nlohmann::json;
-using Words = std::set< std::string >;
+using WordSet = std::set< std::string >;
 
 fs::path const kSource = VORNAL_SOURCE_DIR;
 
@@ -51,7 +51,7 @@ TEST( ScenarioVocabulary, IsThatOfTheShippedSchema ) {
 }
 
 TEST( ScenarioVocabulary, HasAPlaceOfItsOwnForEachMappingAndForm ) {
-   Words places;
+   WordSet places;
    auto const forms = Scenario::forms();
    for ( auto const & [ name, form ] : forms.items() ) {
       places.insert( name );

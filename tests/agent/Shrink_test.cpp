@@ -235,14 +235,14 @@ TEST_F( Shrink, FindsTheSameWhateverTheNumberOfJobs ) {
 
 // --- A long story
 
-struct Story {
+struct StoryToShrink {
    std::string scenario;  // the shortest one that is known
    std::vector< std::string > steps;
    std::string stop = {};  // stopOf() its run
 };
 
 // The scenario of the limit, with that many random steps around its own.
-std::string longStory( Story const & story, std::size_t count, std::uint32_t seed ) {
+std::string longStory( StoryToShrink const & story, std::size_t count, std::uint32_t seed ) {
    Yaml document = yamlIn( Support::contentOf( Shipped::fileOf( "limits/" + story.scenario ) ) );
    // The random steps take these.
    document.part( "switch" )
@@ -268,7 +268,7 @@ std::string stopOf( std::string const & file ) {
                                    assertion[ "expression" ].get< std::string >();
 }
 
-class LongStory : public testing::TestWithParam< Story > {};
+class LongStory : public testing::TestWithParam< StoryToShrink > {};
 
 TEST_P( LongStory, IsAsShortAsTheShippedOneInTheEnd ) {
    constexpr std::uint32_t kSeed = 20261122;
@@ -288,12 +288,14 @@ TEST_P( LongStory, IsAsShortAsTheShippedOneInTheEnd ) {
 
 TEST( ShrinkInterrupted, WritesTheShortestThatItHasFound ) {
    Support::Directory const directory;
-   Story const story{ "vni-swap",
-                      { "ready: subagents::l2Ready",
-                        "publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001, blue: "
-                        "50002 } } } }",
-                        "publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50002, blue: "
-                        "50001 } } } }" } };
+   StoryToShrink const story{
+      "vni-swap",
+      { "ready: subagents::l2Ready",
+        "publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001, blue: "
+        "50002 } } } }",
+        "publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50002, blue: "
+        "50001 } } } }" }
+   };
    std::string const file = directory.file( "long.yaml", longStory( story, 600, 1 ) );
    std::string const out = directory.path() / "short.yaml";
    Support::AtTerminal terminal( { "shrink", file, "-o", out }, directory.path() );
@@ -307,7 +309,7 @@ TEST( ShrinkInterrupted, WritesTheShortestThatItHasFound ) {
 INSTANTIATE_TEST_SUITE_P(
    Shrink, LongStory,
    testing::Values(
-      Story{
+      StoryToShrink{
          "vni-swap",
          { "ready: subagents::l2Ready",
            "publish: { tunnel-interfaces: { Vxlan1: { vrf-vni: { red: 50001, blue: 50002 } } } }",
@@ -316,9 +318,10 @@ INSTANTIATE_TEST_SUITE_P(
          "void "
          "Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::handleVrfToVniMap(L3::VrfName, "
          "U32, U32): !evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )" },
-      Story{ "port-invalid-joins",
-             { "ready: subagents::l2Ready", "publish: { segments: { Ethernet3: [ 10.0.0.2 ] } }" },
-             "exception left a change handler: Brum::PerUnitBitmapWordIndex::value < 0 or > "
-             "Brum::PerUnitBitmapWordIndex::max not allowed" } ) );
+      StoryToShrink{
+         "port-invalid-joins",
+         { "ready: subagents::l2Ready", "publish: { segments: { Ethernet3: [ 10.0.0.2 ] } }" },
+         "exception left a change handler: Brum::PerUnitBitmapWordIndex::value < 0 or > "
+         "Brum::PerUnitBitmapWordIndex::max not allowed" } ) );
 
 }  // namespace

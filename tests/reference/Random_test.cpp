@@ -21,6 +21,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
 using Moves::Move;
 using Moves::Plot;
 using Moves::World;
@@ -146,7 +147,6 @@ class RandomStories : public testing::Test {
 
    // The test must still print the scenario within its time.
    void makeShorter( Plot const & plot ) {
-      using Clock = std::chrono::steady_clock;
       auto const end = Clock::now() + std::chrono::seconds( 20 );
       Plot const least = shorter( plot, [ & ]( Plot const & other ) {
          return Clock::now() < end && fails( other );

@@ -10,7 +10,7 @@ using namespace Support;
 using Vnis = RoutedSwitch::Vnis;
 using VniOfVrf = RoutedSwitch::VniOfVrf;
 
-std::string const signature =
+std::string const signatureOfCleanup =
    "void Vornal::EvpnMultihomingLocalBiasSm::NestedSm_VtiStatus::doCleanup()";
 
 class PerVniCleanup : public testing::Test {
@@ -31,7 +31,7 @@ TEST_F( PerVniCleanup, TheTunnelInterfaceThatGoesTakesEveryRuleAlong ) {
                                    "unit 0 entry 2: releaseEntry( group 157 ) = 0",
                                 } ) );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + signature + ": Cleanup",
+                              "8 " + signatureOfCleanup + ": Cleanup",
                               "4 doCleanup freed vni entry ID 1",
                               "4 doCleanup freed vni entry ID 2",
                            } ) );
@@ -45,8 +45,8 @@ TEST_F( PerVniCleanup, AnotherTunnelInterfaceThatGoesFreesNothing ) {
    leaf.forget();
    leaf.tunnelDel( "Vxlan2" );
    EXPECT_EQ( leaf.traces, ( Lines{
-                              "8 " + signature + ": Cleanup",
-                              "8 " + signature + ": Ignoring VTI interfaceVx2",
+                              "8 " + signatureOfCleanup + ": Cleanup",
+                              "8 " + signatureOfCleanup + ": Ignoring VTI interfaceVx2",
                            } ) );
    EXPECT_TRUE( leaf.calls.empty() );
    EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 50001 } ) );
@@ -77,7 +77,7 @@ TEST_F( PerVniCleanup, TheMachineThatEndsLeavesTheRulesWhereTheyAre ) {
    leaf.vniIs( "red", 50001 );
    leaf.forget();
    sm = nullptr;
-   EXPECT_TRUE( leaf.tracesOf( "8 " + signature ).empty() );
+   EXPECT_TRUE( leaf.tracesOf( "8 " + signatureOfCleanup ).empty() );
    EXPECT_TRUE( leaf.calls.empty() );
    EXPECT_EQ( leaf.vnisOnChip(), ( Vnis{ 50001 } ) );
 }
