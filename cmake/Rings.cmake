@@ -15,15 +15,15 @@ endfunction()
 # source costs are its headers and their templates, which are then paid for once for eight: a ring
 # takes a third of the time. A change compiles its eight, though, and a file that comes or goes shifts
 # the eights behind it. Within an eight, the order of initialisation is that of the text, so a
-# sanitizer has none to check there.
+# sanitizer has none to check there. A source with options of its own stays by itself.
 option( VORNAL_COMPILE_TOGETHER "Compile the sources of a folder by eights" ON )
 function( compile_together target )
    get_target_property( sources ${target} SOURCES )
    foreach( source IN LISTS sources )
       cmake_path( GET source PARENT_PATH path )
       cmake_path( GET path FILENAME folder )
-      list( APPEND ${folder} ${source} )
-      list( LENGTH ${folder} number )
+      list( APPEND sourcesOf_${folder} ${source} )
+      list( LENGTH sourcesOf_${folder} number )
       math( EXPR group "( ${number} - 1 ) / 8" )
       set_source_files_properties( ${source} PROPERTIES UNITY_GROUP ${folder}${group} )
    endforeach()

@@ -12,7 +12,7 @@ using Json = nlohmann::ordered_json;
 
 class Document {
  public:
-   enum class Frames { Kept, Counted };
+   enum class Frames { Kept, LeftOut };
 
    Document( std::size_t mostEntries, Frames frames );
 

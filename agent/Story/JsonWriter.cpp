@@ -6,7 +6,7 @@ namespace Story {
 
 JsonWriter::JsonWriter( std::optional< U32 > step, std::size_t mostEntries )
       : step_( step ),
-        document_( mostEntries, step ? Document::Frames::Counted : Document::Frames::Kept ) {}
+        document_( mostEntries, step ? Document::Frames::LeftOut : Document::Frames::Kept ) {}
 
 void JsonWriter::onEvent( Event const & event ) {
    outcome_.onEvent( event );
@@ -14,7 +14,7 @@ void JsonWriter::onEvent( Event const & event ) {
 }
 
 void JsonWriter::write( std::ostream & out ) const {
-   step_ ? writeStep( *step_, out ) : writeWhole( out );
+   step_ ? writeStep( out ) : writeWhole( out );
 }
 
 void JsonWriter::writeWhole( std::ostream & out ) const {
@@ -38,10 +38,10 @@ void JsonWriter::writeWithFrames( std::string_view text, std::ostream & out ) co
    out << ( document_.frames().isEmpty() ? "" : "\n   " ) << text.substr( place ) << std::flush;
 }
 
-void JsonWriter::writeStep( U32 number, std::ostream & out ) const {
+void JsonWriter::writeStep( std::ostream & out ) const {
    Json found;
    for ( Json const & step : document_.json()[ "steps" ] ) {
-      found = step[ "number" ] == number ? step : found;
+      found = step[ "number" ] == *step_ ? step : found;
    }
    out << documentText( found ) << std::flush;
 }

@@ -18,7 +18,8 @@
 //
 // A run can have very many frames. They wait on disk (Spool.h) until the document is written; all
 // the rest is held in memory. When the disk has no room for them, onEvent() or write() throws
-// InputError, and nothing of the document is written. Of a step alone, no frame waits.
+// InputError, and nothing of the document is written; only a disk that fails to give them back
+// leaves a part of it. Of a step alone, no frame waits.
 //
 // docs/program.md describes every name. Names are stable: new ones may be added, none disappears
 // and none changes its meaning. Numbers are numbers, an absent value is null, an empty list is
@@ -66,7 +67,7 @@ class JsonWriter final : public Observer {
    }
 
    void writeWhole( std::ostream & out ) const;
-   void writeStep( U32 number, std::ostream & out ) const;
+   void writeStep( std::ostream & out ) const;
    // The document's text, with the frames in their list.
    void writeWithFrames( std::string_view text, std::ostream & out ) const;
    void ruleChanges();

@@ -1,11 +1,11 @@
 // Frames in scenarios: what they need, what is told of them, what leaves.
 #include <gtest/gtest.h>
 
-#include <Support.h>
 #include <nlohmann/json.hpp>
 
 #include <AgentRun.h>
 #include <Capture/CaptureReader.h>
+#include <Support.h>
 
 namespace {
 

@@ -1,4 +1,4 @@
-// AgentSteps that concern others than the plug-in: users of the TCAM, the allocator of class ids;
+// Steps that concern others than the plug-in: users of the TCAM, the allocator of class ids;
 // and dumps.
 #include <gtest/gtest.h>
 

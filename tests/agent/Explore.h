@@ -11,11 +11,8 @@ namespace ExploreTest {
 
 using Exploring::Exploration;
 using Exploring::Sequence;
+using Support::contains;
 using Words = std::vector< std::string >;
-
-inline bool contains( std::string const & text, std::string const & part ) {
-   return text.find( part ) != std::string::npos;
-}
 
 // The plug-in of the tests stops when a third segment comes.
 inline constexpr char kSwitch[] = R"(scenario: leaf

@@ -14,7 +14,7 @@
 namespace {
 
 using namespace Stories;
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 std::string textOf( Story::JsonWriter const & writer ) {
    std::ostringstream out;
@@ -23,15 +23,15 @@ std::string textOf( Story::JsonWriter const & writer ) {
 }
 
 // The document of a run that these events make up.
-Json documentOf( std::initializer_list< std::vector< Story::Event > > parts ) {
+OrderedJson documentOf( std::initializer_list< std::vector< Story::Event > > parts ) {
    Story::JsonWriter writer;
    for ( auto const & events : parts ) {
       tell( writer, events );
    }
-   return Json::parse( textOf( writer ) );
+   return OrderedJson::parse( textOf( writer ) );
 }
 
-std::vector< std::string > namesIn( Json const & object ) {
+std::vector< std::string > namesIn( OrderedJson const & object ) {
    std::vector< std::string > names;
    for ( auto const & [ name, unused ] : object.items() ) {
       names.push_back( name );
@@ -42,7 +42,7 @@ std::vector< std::string > namesIn( Json const & object ) {
 using Names = std::vector< std::string >;
 
 TEST( JsonWriter, HasTheNamesThatScriptsHoldOnTo ) {
-   Json const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
+   OrderedJson const document = documentOf( { startUp(), readyStep(), { Story::RunEnds{} } } );
 
    EXPECT_EQ( namesIn( document ),
               ( Names{ "formatVersion", "scenario", "file", "variant", "end", "assertion", "step",
@@ -68,23 +68,23 @@ TEST( JsonWriter, HasTheSameNamesWhenNothingHappened ) {
 }
 
 TEST( JsonWriter, TellsWhatThePlugInAskedFor ) {
-   Json const plugin = documentOf( { startUp(), readyStep() } )[ "plugin" ];
+   OrderedJson const plugin = documentOf( { startUp(), readyStep() } )[ "plugin" ];
 
    EXPECT_EQ( plugin[ "file" ], "VornalEvpn.so" );
-   EXPECT_EQ( plugin[ "mounters" ], Json::array( { "Vornal::VornalEvpnMounter" } ) );
+   EXPECT_EQ( plugin[ "mounters" ], OrderedJson::array( { "Vornal::VornalEvpnMounter" } ) );
    EXPECT_EQ( plugin[ "mounts" ][ 1 ],
-              Json::object(
+              OrderedJson::object(
                  { { "path", "class/ids" }, { "type", "Class::Ids" }, { "flags", "wc" } } ) );
    EXPECT_EQ( plugin[ "mountStatus" ], "complete" );
    EXPECT_EQ( plugin[ "lookups" ][ 0 ][ "type" ], "Evpn::EvpnStatus" );
    EXPECT_EQ( plugin[ "lookups" ][ 1 ][ "type" ], nullptr );
    EXPECT_EQ( plugin[ "sharedEntities" ][ 0 ][ "name" ], "vornalCommon" );
-   EXPECT_EQ( plugin[ "tcamGroups" ], Json::array( { 157 } ) );
+   EXPECT_EQ( plugin[ "tcamGroups" ], OrderedJson::array( { 157 } ) );
    EXPECT_EQ( plugin[ "ready" ], true );
 }
 
 TEST( JsonWriter, TellsOfEachStepTheCallsAndRulesThatItCaused ) {
-   Json const steps = documentOf( { startUp(), readyStep() } )[ "steps" ];
+   OrderedJson const steps = documentOf( { startUp(), readyStep() } )[ "steps" ];
 
    ASSERT_EQ( steps.size(), 2U );
    EXPECT_EQ( steps[ 0 ][ "number" ], 0 );
@@ -93,10 +93,10 @@ TEST( JsonWriter, TellsOfEachStepTheCallsAndRulesThatItCaused ) {
 
    EXPECT_EQ( steps[ 1 ][ "text" ], "ready subagents::l2Ready" );
    EXPECT_EQ( steps[ 1 ][ "place" ], "start-up.yaml:12" );
-   Json const & calls = steps[ 1 ][ "hardwareCalls" ];
+   OrderedJson const & calls = steps[ 1 ][ "hardwareCalls" ];
    EXPECT_EQ( calls[ 0 ][ "operation" ], "getEntry" );
    EXPECT_EQ( calls[ 0 ][ "call" ], nullptr );
-   EXPECT_EQ( calls[ 0 ][ "values" ], Json::object( { { "group", 157 } } ) );
+   EXPECT_EQ( calls[ 0 ][ "values" ], OrderedJson::object( { { "group", 157 } } ) );
    EXPECT_EQ( calls[ 0 ][ "returnCode" ], nullptr );
    EXPECT_EQ( calls[ 1 ][ "call" ], "call( unit )" );
    EXPECT_EQ( calls[ 1 ][ "returnCode" ], -2 );
@@ -105,7 +105,7 @@ TEST( JsonWriter, TellsOfEachStepTheCallsAndRulesThatItCaused ) {
 }
 
 TEST( JsonWriter, TellsOfAChangedRuleWhatItWasAndWhatItIs ) {
-   Json const step =
+   OrderedJson const step =
       documentOf( { readyStep(),
                     { Stories::step( 2 ), Story::RuleIs{ rule( 2, true ) },
                       Story::RuleGone{ rule( 1 ).key }, Story::StepEnds{ 2 } } } )[ "steps" ][ 1 ];
@@ -116,11 +116,11 @@ TEST( JsonWriter, TellsOfAChangedRuleWhatItWasAndWhatItIs ) {
 }
 
 TEST( JsonWriter, HasTheRulesAtTheEndWithDataMaskAndPorts ) {
-   Json const rules = documentOf( { readyStep() } )[ "rules" ];
+   OrderedJson const rules = documentOf( { readyStep() } )[ "rules" ];
 
    ASSERT_EQ( rules.size(), 2U );
    EXPECT_EQ( rules[ 0 ],
-              Json::parse( R"({ "unit": 0, "group": 157, "id": 1, "name": "Mark or drop",
+              OrderedJson::parse( R"({ "unit": 0, "group": 157, "id": 1, "name": "Mark or drop",
                     "priority": 1, "written": true,
                     "qualifiers": { "SrcVxlanGport": { "data": 1442840578, "mask": 4294967295 },
                                     "PacketRes": { "data": 4, "mask": 255 } },
@@ -133,13 +133,13 @@ TEST( JsonWriter, TellsThePartsOfAPortApartAndNullForTheDefaultPriority ) {
    drop.content[ Chip::Qualifier::DstPort ] = Chip::Match{ 5, 255, 1, 255 };
    drop.content[ Chip::Action::Drop ].emplace();
 
-   Json const json = Story::jsonOf( drop );
+   OrderedJson const json = Story::jsonOf( drop );
 
    EXPECT_EQ( json[ "priority" ], nullptr );
    EXPECT_EQ( json[ "qualifiers" ][ "DstPort" ],
-              Json::parse( R"({ "modId": { "data": 1, "mask": 255 },
+              OrderedJson::parse( R"({ "modId": { "data": 1, "mask": 255 },
                                 "port": { "data": 5, "mask": 255 } })" ) );
-   EXPECT_EQ( json[ "actions" ][ "Drop" ], Json::object() );
+   EXPECT_EQ( json[ "actions" ][ "Drop" ], OrderedJson::object() );
 }
 
 TEST( JsonWriter, SaysHowTheRunEnded ) {
@@ -149,26 +149,28 @@ TEST( JsonWriter, SaysHowTheRunEnded ) {
 }
 
 TEST( JsonWriter, SaysWhichExpectationFailedAndWhatWasFound ) {
-   Json const document = documentOf( { { step( 1 ), expectation( true ), expectation( false ),
-                                         Story::StepEnds{ 1 }, Story::RunEnds{} } } );
+   OrderedJson const document =
+      documentOf( { { step( 1 ), expectation( true ), expectation( false ), Story::StepEnds{ 1 },
+                      Story::RunEnds{} } } );
 
    EXPECT_EQ( document[ "end" ], "expectation-failed" );
-   EXPECT_EQ( document[ "steps" ][ 0 ][ "expectations" ], Json::parse( R"([
+   EXPECT_EQ( document[ "steps" ][ 0 ][ "expectations" ], OrderedJson::parse( R"([
                  { "text": "plug-in ready", "place": "start-up.yaml:14", "held": true, "found": null },
                  { "text": "plug-in ready", "place": "start-up.yaml:14", "held": false,
                    "found": "it is not ready" } ])" ) );
 }
 
 TEST( JsonWriter, SaysWhereAndWhyThePlugInStopped ) {
-   Json const document = documentOf(
+   OrderedJson const document = documentOf(
       { startUp(), readyStep(), { step( 2 ), Story::RuleIs{ rule( 9, false ) }, stopped() } } );
 
    EXPECT_EQ( document[ "end" ], "stopped" );
    EXPECT_EQ( document[ "step" ], 2 );
-   EXPECT_EQ( document[ "assertion" ], Json::object( { { "file", "Sm.cpp" },
-                                                       { "line", 117 },
-                                                       { "function", "void Vornal::Sm::add()" },
-                                                       { "expression", "count < 2" } } ) );
+   EXPECT_EQ( document[ "assertion" ],
+              OrderedJson::object( { { "file", "Sm.cpp" },
+                                     { "line", 117 },
+                                     { "function", "void Vornal::Sm::add()" },
+                                     { "expression", "count < 2" } } ) );
    EXPECT_EQ( document[ "stop" ][ "reason" ], "signal 6 (Aborted)" );
    EXPECT_EQ( document[ "stop" ][ "output" ].size(), 1U );
    EXPECT_EQ( document[ "stop" ][ "traces" ][ 0 ][ "handle" ], "VornalEvpnSm" );
@@ -177,12 +179,12 @@ TEST( JsonWriter, SaysWhereAndWhyThePlugInStopped ) {
 
 TEST( JsonWriter, NamesTheKnownLimitsThatAStopMayBe ) {
    Story::Stopped stop = stopped();
-   EXPECT_EQ( documentOf( { readyStep(), { stop } } )[ "stop" ][ "limits" ], Json::array() );
+   EXPECT_EQ( documentOf( { readyStep(), { stop } } )[ "stop" ][ "limits" ], OrderedJson::array() );
 
    stop.assertion =
       Story::Assertion{ "PerVniMulticast.cpp", 1, "void Vornal::Sm::handleVrfToVniMap(U32)",
                         "!evpnMultihomingLocalBiasSm()->vniToTcamEntryIdHas( newV )" };
-   Json const limits =
+   OrderedJson const limits =
       documentOf( { readyStep(),
                     { step( 2 ), Story::PublishedChange{ "/v", "vrfToVniMap", "red", {}, "1" },
                       stop } } )[ "stop" ][ "limits" ];
@@ -206,39 +208,41 @@ TEST( JsonWriter, IsUtf8WithoutControlCharactersAndKeepsThoseOfTexts ) {
       EXPECT_NE( c, '\x7f' );
    }
    EXPECT_EQ( document.find( '\xc2' ), std::string::npos );
-   EXPECT_EQ( Json::parse( document )[ "scenario" ], text );
-   EXPECT_EQ( Json::parse( document )[ "stop" ][ "output" ][ 0 ],
+   EXPECT_EQ( OrderedJson::parse( document )[ "scenario" ], text );
+   EXPECT_EQ( OrderedJson::parse( document )[ "stop" ][ "output" ][ 0 ],
               "\xef\xbf\xbd no UTF-8 \xef\xbf\xbd" );
 }
 
 TEST( JsonWriter, CanTellOfAStopBeforeTheFirstStep ) {
-   Json const document = documentOf( { { stopped() } } );
+   OrderedJson const document = documentOf( { { stopped() } } );
 
    EXPECT_EQ( document[ "end" ], "stopped" );
    EXPECT_EQ( document[ "step" ], nullptr );
 }
 
 TEST( JsonWriter, Counts ) {
-   Json const counters = documentOf(
+   OrderedJson const counters = documentOf(
       { startUp(),
         readyStep(),
         { step( 2 ), Story::Logged{ "FULL", "%VORNAL-3-FULL: no room" },
           Story::Traced{ "h", 1, "t" }, expectation( false ), Story::RuleGone{ rule( 1 ).key },
           Story::StepEnds{ 2 }, Story::RunEnds{} } } )[ "counters" ];
 
-   EXPECT_EQ( counters, Json::parse( R"({ "steps": 3, "publishedChanges": 1, "hardwareCalls": 2,
+   EXPECT_EQ( counters,
+              OrderedJson::parse( R"({ "steps": 3, "publishedChanges": 1, "hardwareCalls": 2,
                  "failedCalls": 1, "rulesAdded": 2, "rulesChanged": 0, "rulesRemoved": 1,
                  "logLines": 1, "traceLines": 1, "frames": 0, "expectations": 1,
                  "expectationsFailed": 1, "framesDropped": {}, "copies": {} })" ) );
 }
 
 TEST( JsonWriter, TellsLogLinesWithTheirStep ) {
-   Json const document = documentOf(
+   OrderedJson const document = documentOf(
       { { step( 4 ), Story::Logged{ "FULL", "%VORNAL-3-FULL: x" }, Story::StepEnds{ 4 } } } );
 
    EXPECT_EQ( document[ "log" ],
-              Json::parse( R"([ { "step": 4, "name": "FULL", "line": "%VORNAL-3-FULL: x" } ])" ) );
-   EXPECT_EQ( document[ "steps" ][ 0 ][ "log" ], Json::array( { "%VORNAL-3-FULL: x" } ) );
+              OrderedJson::parse(
+                 R"([ { "step": 4, "name": "FULL", "line": "%VORNAL-3-FULL: x" } ])" ) );
+   EXPECT_EQ( document[ "steps" ][ 0 ][ "log" ], OrderedJson::array( { "%VORNAL-3-FULL: x" } ) );
 }
 
 TEST( JsonForms, ShowAnEntityWithItsAttributesByName ) {
@@ -258,7 +262,7 @@ TEST( JsonForms, ShowAnEntityWithItsAttributesByName ) {
         { "empty", Kind::Reference, { { "", "", {} } } } }
    };
 
-   EXPECT_EQ( jsonOf( tree ), Json::parse( R"({
+   EXPECT_EQ( jsonOf( tree ), OrderedJson::parse( R"({
       "type": "E", "identity": "status", "attributes": {
          "segment": { "Ethernet1": { "type": "S", "identity": "Ethernet1",
                                      "attributes": { "remoteTep": [ "10.0.0.2" ] } } },
@@ -269,10 +273,11 @@ TEST( JsonForms, ShowAnEntityWithItsAttributesByName ) {
 }
 
 TEST( JsonWriter, SaysWhatWasWrongWithTheInputAndWhatHadHappenedUntilThen ) {
-   Json const document = documentOf( { startUp(),
-                                       readyStep(),
-                                       { step( 2 ), Story::RuleIs{ rule( 3 ) },
-                                         Story::BadInput{ "leaf.yaml:7: no such entity" } } } );
+   OrderedJson const document =
+      documentOf( { startUp(),
+                    readyStep(),
+                    { step( 2 ), Story::RuleIs{ rule( 3 ) },
+                      Story::BadInput{ "leaf.yaml:7: no such entity" } } } );
 
    EXPECT_EQ( document[ "end" ], "failed" );
    EXPECT_EQ( document[ "error" ], "leaf.yaml:7: no such entity" );
@@ -283,11 +288,12 @@ TEST( JsonWriter, SaysWhatWasWrongWithTheInputAndWhatHadHappenedUntilThen ) {
 }
 
 TEST( JsonWriter, TellsWarningsWithTheirStepAndEndsAsItWouldWithout ) {
-   Json const document = documentOf( { startUp(),
-                                       { step( 1 ), Story::Warning{ "leaf.yaml:7: no handle" },
-                                         Story::StepEnds{ 1 }, Story::RunEnds{} } } );
+   OrderedJson const document =
+      documentOf( { startUp(),
+                    { step( 1 ), Story::Warning{ "leaf.yaml:7: no handle" }, Story::StepEnds{ 1 },
+                      Story::RunEnds{} } } );
    EXPECT_EQ( document[ "warnings" ],
-              Json::parse( R"([ { "step": 1, "text": "leaf.yaml:7: no handle" } ])" ) );
+              OrderedJson::parse( R"([ { "step": 1, "text": "leaf.yaml:7: no handle" } ])" ) );
    EXPECT_EQ( document[ "end" ], "completed" );
 }
 
@@ -302,14 +308,14 @@ TEST( JsonWriter, CountsWhatAStepWithoutEndHasTooManyOf ) {
    }
    std::ostringstream out;
    writer.write( out );
-   Json const document = Json::parse( out.str() );
-   Json const & step = document[ "steps" ][ 0 ];
+   OrderedJson const document = OrderedJson::parse( out.str() );
+   OrderedJson const & step = document[ "steps" ][ 0 ];
 
    EXPECT_EQ( step[ "hardwareCalls" ].size(), kMost );
    EXPECT_EQ( step[ "hardwareCalls" ][ 1 ][ "entry" ], 2 );
    EXPECT_EQ( step[ "traces" ].size(), kMost );
    EXPECT_EQ( step[ "log" ].size(), 1U );
-   EXPECT_EQ( step[ "leftOut" ], ( Json{ { "hardwareCalls", 3 }, { "traces", 3 } } ) );
+   EXPECT_EQ( step[ "leftOut" ], ( OrderedJson{ { "hardwareCalls", 3 }, { "traces", 3 } } ) );
    EXPECT_EQ( document[ "counters" ][ "hardwareCalls" ], 5 );
 }
 
@@ -324,7 +330,7 @@ std::vector< Story::Event > threeFrames() {
 TEST( JsonWriter, WritesFramesAsIfTheyHadBeenInMemoryEachTime ) {
    Story::JsonWriter writer;
    tell( writer, threeFrames() );
-   Json withFrames = documentOf( { threeFrames() } );
+   OrderedJson withFrames = documentOf( { threeFrames() } );
    ASSERT_EQ( withFrames[ "frames" ].size(), 3U );
    EXPECT_EQ( withFrames[ "frames" ][ 2 ][ "number" ], 9 );
    EXPECT_EQ( withFrames[ "frames" ][ 2 ][ "step" ], 1 );
@@ -337,7 +343,7 @@ TEST( JsonWriter, WritesFramesAsIfTheyHadBeenInMemoryEachTime ) {
 TEST( JsonWriter, WritesNothingWhenTheDiskDoesNotTakeTheFrames ) {
    Restored::RoomInFiles const noRoom( 0 );
    Story::JsonWriter writer;
-   tell( writer, threeFrames() );
+   tell( writer, { step( 1 ), Story::FrameForwarded{ 7, OneOfEach::someFrame() } } );
    std::ostringstream out;
 
    EXPECT_THROW( writer.write( out ), Story::InputError );
@@ -351,7 +357,8 @@ TEST( JsonWriter, OfAStepAloneNeedsNoDisk ) {
    Story::JsonWriter later( 2 );
    tell( later, threeFrames() );
 
-   EXPECT_EQ( Json::parse( textOf( alone ) )[ "frames" ], Json::array( { 7, 8, 9 } ) );
+   EXPECT_EQ( OrderedJson::parse( textOf( alone ) )[ "frames" ],
+              OrderedJson::array( { 7, 8, 9 } ) );
    EXPECT_EQ( textOf( later ), "null\n" );
 }
 
@@ -368,7 +375,7 @@ TEST( JsonWriter, IsSilentInTheProgramWhenThereIsNoTemporaryFolder ) {
 }
 
 TEST( JsonWriter, SaysInWhichStepTheRunWasInterrupted ) {
-   Json const document = documentOf(
+   OrderedJson const document = documentOf(
       { startUp(), readyStep(), { step( 2 ), Story::Interrupted{ 2, "signal 2 (Interrupt)" } } } );
 
    EXPECT_EQ( document[ "end" ], "interrupted" );

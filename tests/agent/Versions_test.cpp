@@ -13,7 +13,7 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr char const * kScenario = VORNAL_SOURCE_DIR "/scenarios/start-up/scenario.yaml";
 
@@ -68,7 +68,7 @@ void expectVersionFirst( std::vector< std::string > words, std::string const & v
    SCOPED_TRACE( testing::PrintToString( words ) );
    words.emplace_back( "--json" );
    auto const ran = Support::vornal( words );
-   Json const document = Json::parse( ran.out, nullptr, false );
+   OrderedJson const document = OrderedJson::parse( ran.out, nullptr, false );
    ASSERT_TRUE( document.is_object() ) << ran.out << ran.err;
    EXPECT_EQ( document.begin().key(), "formatVersion" );
    EXPECT_EQ( document.begin().value(), version );
@@ -103,7 +103,7 @@ TEST( Versions, StandFirstInEachJsonDocument ) {
 }
 
 TEST( Versions, StandInTheSchemaOfScenarios ) {
-   Json const schema = Json::parse( Support::vornal( { "schema" } ).out );
+   OrderedJson const schema = OrderedJson::parse( Support::vornal( { "schema" } ).out );
    EXPECT_EQ( schema[ "$comment" ], "scenario language " + versionOf( "scenario language" ) );
 }
 
