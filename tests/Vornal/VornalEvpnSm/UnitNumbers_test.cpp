@@ -52,6 +52,9 @@ TEST_P( UnitNumbers, HaveTheirRecordsUpToTheLargest ) {
 
    EXPECT_TRUE( sm->tepIpToEntry( kLargest ) );
    EXPECT_TRUE( std::as_const( *sm ).tepIpToEntry( kLargest ) );
+   sm->tepIpToEntry( kLargest )->entryIdIs( ip( "10.0.0.2" ), 9 );
+   EXPECT_TRUE( sm->unitUsesTcamsForTepIp( kLargest, ip( "10.0.0.2" ) ) );
+   EXPECT_TRUE( sm->unitUsesOrNeedsTcams( kLargest ) );
    EXPECT_TRUE( sm->l2UcastRuleInstalledHas( kLargest ) );
    EXPECT_TRUE( sm->l3UcastRuleInstalledHas( kLargest ) );
 }
